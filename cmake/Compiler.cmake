@@ -1,0 +1,17 @@
+# What every target of the project is compiled with.
+add_library(zk_compiler INTERFACE)
+target_compile_options(zk_compiler INTERFACE -Wall -Wextra $<$<BOOL:${ZK_WARNINGS_AS_ERRORS}>:-Werror>)
+
+# The arithmetic is part of the interface: no fused products behind the back of a single-precision formula.
+target_compile_options(zk_compiler INTERFACE -ffp-contract=off)
+
+if(ZK_SANITIZE)
+  add_compile_options(-fsanitize=${ZK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${ZK_SANITIZE})
+endif()
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()

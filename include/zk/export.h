@@ -1,0 +1,28 @@
+/*
+ * What marks a name of the interface. ZK_API stands before every declaration, and again before every definition of a
+ * function, so that a definition that strays from its header does not compile.
+ */
+#ifndef ZK_EXPORT_H
+#define ZK_EXPORT_H
+
+#ifdef __cplusplus
+#define ZK_API extern "C" __attribute__((visibility("default")))
+#define ZK_STATIC_ASSERT(condition, text) static_assert(condition, text)
+#else
+#define ZK_API extern __attribute__((visibility("default")))
+#define ZK_CONCAT_(a, b) a##b
+#define ZK_CONCAT(a, b) ZK_CONCAT_(a, b)
+#define ZK_STATIC_ASSERT(condition, text) \
+    typedef char ZK_CONCAT(zk_assertion_of_line_, __LINE__)[(condition) ? 1 : -1] __attribute__((unused))
+#endif
+
+/* Version of this library's build, beside the two version strings that API_Version and Algo_Version give. */
+#define ZK_VERSION_MAJOR 1
+#define ZK_VERSION_MINOR 0
+#define ZK_VERSION_PATCH 0
+#define ZK_VERSION_STRING "1.0.0"
+
+/* How many connections a process can hold, and so the length of every mailbox table. */
+#define ZK_SLOTS 20
+
+#endif
