@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "zk/numeric.h"
+
+namespace {
+
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+
+// Distinct elements everywhere, so that a wrong index shows and so does an element taken from outside the block.
+Matrix numbered(int16_t rows, int16_t cols, float first) {
+    Matrix a{rows, cols, {}};
+    for (auto& row : a.m) {
+        for (float& element : row) element = first++;
+    }
+    return a;
+}
+
+void expect_equal(const Matrix& actual, const Matrix& expected) {
+    EXPECT_EQ(actual.rows, expected.rows);
+    EXPECT_EQ(actual.cols, expected.cols);
+    for (int i = 0; i < 4; ++i) {
+        for (int j = 0; j < 4; ++j) EXPECT_EQ(actual.m[i][j], expected.m[i][j]) << i << ", " << j;
+    }
+}
+
+TEST(FixedMatrix, ProductTakesItsCountsFromBothAndSumsOverTheFirst) {
+    const Matrix a = numbered(2, 3, 1);   // 1 2 3 / 5 6 7
+    const Matrix b = numbered(3, 1, 10);  // 10 / 14 / 18
+    expect_equal(matrix_m(a, b), {2, 1, {{92}, {260}}});
+
+    // A transform times a rotation sums four terms and reads the zero row below the rotation.
+    const Matrix transform{4, 4, {{1, 0, 0, 5}, {0, 1, 0, 6}, {0, 0, 1, 7}, {0, 0, 0, 1}}};
+    const Matrix rotation{3, 3, {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}}};
+    expect_equal(matrix_m(transform, rotation), {4, 3, {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}}});
+}
+
+TEST(FixedMatrix, ProductRoundsEachTermOnceAndTheSumOnce) {
+    // 1e8 + 1 - 1e8 is 1 in double precision, 0 in single.
+    expect_equal(matrix_m({1, 3, {{1e8f, 1, -1e8f}}}, {3, 1, {{1}, {1}, {1}}}), {1, 1, {{1}}});
+    // (1 + 2^-12)^2 - 1 - 2^-11 is 2^-24, but 0 once the square is rounded to single.
+    const float x = 1 + std::ldexp(1.0f, -12);
+    expect_equal(matrix_m({1, 2, {{x, -1 - std::ldexp(1.0f, -11)}}}, {2, 1, {{x}, {1}}}), {1, 1, {{0}}});
+}
+
+TEST(FixedMatrix, SumAndDifferenceAreChosenByTheFlagAndSizedByTheFirst) {
+    const Matrix a = numbered(2, 2, 1), b{0, 7, {{10, 20}, {30, 40}}};
+    const Matrix added{2, 2, {{11, 22}, {35, 46}}}, subtracted{2, 2, {{-9, -18}, {-25, -34}}};
+    expect_equal(matrix_a(a, b, 1), added);
+    expect_equal(matrix_a(a, b, 9), added);
+    expect_equal(matrix_a(a, b, 0), subtracted);
+    expect_equal(matrix_a(a, b, -1), subtracted);
+}
+
+TEST(FixedMatrix, TransposeAndScaleLeaveZerosOutsideTheBlock) {
+    expect_equal(matrix_t(numbered(2, 3, 1)), {3, 2, {{1, 5}, {2, 6}, {3, 7}}});
+    expect_equal(matrix_m_num(numbered(3, 2, 1), -2), {3, 2, {{-2, -4}, {-10, -12}, {-18, -20}}});
+    expect_equal(matrix_T2R(numbered(4, 4, 1)), {3, 3, {{1, 2, 3}, {5, 6, 7}, {9, 10, 11}}});
+}
+
+TEST(FixedMatrix, IdentityKeepsTheCountThatItIsGiven) {
+    expect_equal(unit_matrix(2), {2, 2, {{1}, {0, 1}}});
+    expect_equal(unit_matrix(9), {9, 9, {{1}, {0, 1}, {0, 0, 1}, {0, 0, 0, 1}}});
+    expect_equal(unit_matrix(-1), {-1, -1, {}});
+    expect_equal(zero_matrix(3, 1), {3, 1, {}});
+}
+
+TEST(FixedMatrix, EmptyAndImpossibleCountsStayInsideTheRecord) {
+    const Matrix full = numbered(4, 4, 1);
+    expect_equal(matrix_m(numbered(0, 4, 1), full), {0, 4, {}});
+    expect_equal(matrix_m(full, numbered(4, -3, 1)), {4, -3, {}});
+    expect_equal(matrix_m(numbered(2, 0, 1), full), {2, 4, {}});
+    expect_equal(matrix_t(numbered(0, 3, 1)), {3, 0, {}});
+    expect_equal(matrix_a(numbered(3, 0, 1), full, 1), {3, 0, {}});
+
+    Matrix huge = full;
+    huge.rows = huge.cols = 32767;
+    Matrix squared = matrix_m(full, full);
+    squared.rows = squared.cols = 32767;
+    expect_equal(matrix_m(huge, huge), squared);
+    expect_equal(matrix_t(matrix_t(huge)), huge);
+}
+
+TEST(FixedMatrix, CrossProductIsRightHandedAndReadsTheFirstColumn) {
+    const Matrix x{3, 1, {{1, 9}, {0, 9}, {0, 9}}}, y{3, 1, {{0, 9}, {1, 9}, {0, 9}}};
+    expect_equal(cross(x, y), {3, 1, {{0}, {0}, {1}}});
+    expect_equal(cross({3, 1, {{1}, {2}, {3}}}, {3, 1, {{-4}, {6}, {5}}}), {3, 1, {{-8}, {-17}, {14}}});
+}
+
+TEST(Scalars, SignHasThreeValues) {
+    EXPECT_EQ(zk_sign(1e-40f), 1);
+    EXPECT_EQ(zk_sign(-1e-40f), -1);
+    EXPECT_EQ(zk_sign(0.0f), 0);
+    EXPECT_EQ(zk_sign(-0.0f), 0);
+    EXPECT_EQ(zk_sign(kNan), 0);
+}
+
+TEST(Scalars, ArcOfAPointIsThatOfAtan2ButAtTheOriginAndAtMinusZero) {
+    for (float angle = -3.1f; angle < 3.1f; angle += 0.2f) {
+        EXPECT_NEAR(my_atan2f(2 * std::sin(angle), 2 * std::cos(angle)), angle, 1e-3);
+    }
+    EXPECT_TRUE(std::isnan(my_atan2f(0, 0)));
+    EXPECT_TRUE(std::isnan(my_atan2f(kNan, 1)));
+    EXPECT_FLOAT_EQ(my_atan2f(-0.0f, -1), 3.1415927f);
+}
+
+}  // namespace
