@@ -1,0 +1,26 @@
+#pragma once
+
+#include <asio/io_context.hpp>
+#include <asio/steady_timer.hpp>
+#include <chrono>
+#include <functional>
+
+namespace sim {
+
+// Calls `step` once for every `period` that has gone by since the start. On a busy machine the calls come late and
+// several at once, never fewer; only what a long halt of the whole process has piled up is left out.
+class Clock {
+ public:
+    Clock(asio::io_context& io, std::chrono::milliseconds period, std::function<void()> step);
+
+ private:
+    void wait();
+    void catch_up();
+
+    asio::steady_timer timer_;
+    std::chrono::milliseconds period_;
+    std::function<void()> step_;
+    std::chrono::steady_clock::time_point due_;
+};
+
+}  // namespace sim

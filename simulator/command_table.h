@@ -1,0 +1,55 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "client.h"
+#include "request.h"
+
+namespace sim {
+
+class Controller;
+
+// What a command has before it: the controller it acts on, who asks, and what is asked.
+struct Call {
+    Controller& controller;
+    std::shared_ptr<Client> client;
+    const Request& request;
+};
+
+using Action = std::function<bool(Call&)>;
+using Query = std::function<Json(Call&)>;
+using Hook = std::function<void(Call&)>;
+
+struct Command {
+    std::string key;    // of the acknowledgement; empty when the command has none
+    std::string state;  // literal of the query's reply; empty for an action
+    Action action;
+    Query query;
+    Hook refused;  // runs behind a false acknowledgement
+};
+
+// The commands by name. A client tells replies apart by searching their text for literals in a fixed order, so a row
+// names the literal that its reply must be found by.
+class CommandTable {
+ public:
+    // Acknowledged with {"command": <name>, <key>: true or false}; false also when the action throws BadRequest.
+    Command& set(const std::string& name, const std::string& key, Action action);
+
+    // Answered with {"state": <state>, ...}, the rest as `query` returns it. BadRequest leaves it unanswered.
+    Command& query(const std::string& name, const std::string& state, Query query);
+
+    // Carried out and not answered.
+    Command& order(const std::string& name, Hook hook);
+
+    const Command* find(const std::string& name) const;
+
+ private:
+    Command& add(const std::string& name, Command command);
+
+    std::map<std::string, Command> commands_;
+};
+
+}  // namespace sim

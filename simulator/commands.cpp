@@ -1,0 +1,18 @@
+#include "commands.h"
+
+namespace sim {
+
+CommandTable all_commands() {
+    CommandTable table;
+    add_joint_commands(table);
+    add_state_commands(table);
+    add_frame_commands(table);
+    add_motion_commands(table);
+    add_trajectory_commands(table);
+    add_push_commands(table);
+    add_system_commands(table);
+    add_fault_commands(table);
+    return table;
+}
+
+}  // namespace sim

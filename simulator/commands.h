@@ -1,0 +1,19 @@
+#pragma once
+
+#include "command_table.h"
+
+namespace sim {
+
+// One function a family, each in a source of its own: commands_<family>.cpp.
+void add_joint_commands(CommandTable& table);
+void add_state_commands(CommandTable& table);
+void add_frame_commands(CommandTable& table);
+void add_motion_commands(CommandTable& table);
+void add_trajectory_commands(CommandTable& table);
+void add_push_commands(CommandTable& table);
+void add_system_commands(CommandTable& table);
+void add_fault_commands(CommandTable& table);
+
+CommandTable all_commands();
+
+}  // namespace sim

@@ -1,0 +1,44 @@
+// Faults on demand, from the wire: {"command": "zk_sim_fault", ...} with any of the keys below.
+
+#include <algorithm>
+
+#include "commands.h"
+#include "controller.h"
+
+namespace sim {
+namespace {
+
+std::set<std::string> known_commands(const Call& call, const char* key) {
+    const std::vector<std::string> names = call.request.texts(key);
+    for (const std::string& name : names) {
+        if (!call.controller.commands().find(name)) throw BadRequest("unknown command '" + name + "'");
+    }
+    return {names.begin(), names.end()};
+}
+
+bool set_faults(Call& call) {
+    constexpr int kMaxWord = 65535;
+    constexpr int kMaxDelayMs = 60'000;
+    const Request& request = call.request;
+    Controller& controller = call.controller;
+    if (request.has("silent_on")) controller.faults.silent_on = known_commands(call, "silent_on");
+    if (request.has("refuse_on")) controller.faults.refuse_on = known_commands(call, "refuse_on");
+    if (request.has("delay_ms")) controller.faults.delay_ms = request.integer("delay_ms", 0, kMaxDelayMs);
+    const auto word = [&](const char* key, int now) {
+        return request.has(key) ? request.integer(key, 0, kMaxWord) : now;
+    };
+    controller.arm.set_errors(word("arm_err", controller.arm.arm_error()),
+                              word("sys_err", controller.arm.system_error()));
+    if (request.has("joint_err")) {
+        const std::vector<int> errors = request.integers("joint_err", controller.arm.joint_count());
+        for (size_t i = 0; i < errors.size(); ++i)
+            controller.arm.set_joint_error(i, std::clamp(errors[i], 0, kMaxWord));
+    }
+    return true;
+}
+
+}  // namespace
+
+void add_fault_commands(CommandTable& table) { table.set("zk_sim_fault", "done", set_faults); }
+
+}  // namespace sim

@@ -1,0 +1,106 @@
+#include "controller.h"
+
+#include <numbers>
+
+#include "commands.h"
+#include "note.h"
+
+namespace sim {
+namespace {
+
+constexpr double kRadians = std::numbers::pi / 180;
+
+}  // namespace
+
+Controller::Controller(const Options& options)
+    : arm(options.model, options.joints.empty() ? options.model.home : options.joints),
+      install(options.install),
+      init_pose(options.model.joint_count(), 0.0),
+      push(options.push),
+      commands_(all_commands()),
+      solver_(arm.model().chain) {
+    faults.delay_ms = options.delay_ms;
+    for (const std::string& name : options.silent_on) {
+        if (!commands_.find(name)) throw std::invalid_argument("--silent-on: unknown command '" + name + "'");
+        faults.silent_on.insert(name);
+    }
+    for (const std::string& name : options.refuse_on) {
+        const Command* command = commands_.find(name);
+        if (!command || command->key.empty())
+            throw std::invalid_argument("--refuse-on: '" + name + "' is no command that is acknowledged");
+        faults.refuse_on.insert(name);
+    }
+    if (options.tool) {
+        tools.add("tool", {.pose = *options.tool, .payload = 0, .position = {}});
+        tools.select("tool");
+    }
+    if (options.work) {
+        works.add("work", {.pose = *options.work, .payload = 0, .position = {}});
+        works.select("work");
+    }
+    arm.motion().on_end = [](const Move& move, bool arrived) {
+        if (arrived && move.connect != 0) return;  // joined to the next
+        if (const auto client = move.client.lock()) {
+            client->send({{"state", "current_trajectory_state"},
+                          {"trajectory_state", arrived},
+                          {"device", 0},
+                          {"trajectory_connect", move.connect}});
+        }
+    };
+}
+
+void Controller::handle(std::string_view text, const std::shared_ptr<Client>& client) {
+    try {
+        const Json body = Json::parse(text, nullptr, false);
+        if (body.is_discarded()) throw BadRequest("a request that is no JSON");
+        const Request request(body);
+        const Command* command = commands_.find(request.command());
+        if (!command) throw BadRequest("unknown command '" + request.command() + "'");
+        if (faults.silent_on.count(request.command()) != 0) return;
+        Call call{*this, client, request};
+        carry_out(*command, call);
+    } catch (const std::exception& error) {
+        note(client->name() + ": " + error.what());
+    }
+}
+
+void Controller::carry_out(const Command& command, Call& call) {
+    if (!command.state.empty()) {
+        Json reply{{"state", command.state}};
+        reply.update(command.query(call));
+        call.client->send(reply);
+        return;
+    }
+    bool done = false;
+    try {
+        done = faults.refuse_on.count(call.request.command()) == 0 && command.action(call);
+    } catch (const BadRequest& error) {
+        note(call.client->name() + ": " + error.what());
+    }
+    if (!command.key.empty()) call.client->send({{"command", call.request.command()}, {command.key, done}});
+    if (!done && command.refused) command.refused(call);
+}
+
+void Controller::step() {
+    ++steps_;
+    arm.step(kStepMs / 1000.0);
+}
+
+KDL::Frame Controller::flange_pose() const {
+    KDL::JntArray joints(arm.joint_count());
+    for (size_t i = 0; i < arm.joint_count(); ++i) joints(i) = arm.joints()[i] * kRadians;
+    KDL::Frame flange;
+    solver_.JntToCart(joints, flange);
+    return flange;
+}
+
+KDL::Frame Controller::mounted_flange() const {
+    const auto& [rx, ry, rz] = install;
+    return KDL::Frame(KDL::Rotation::RPY(rx * kRadians, ry * kRadians, rz * kRadians)) * flange_pose();
+}
+
+KDL::Frame Controller::tool_pose() const {
+    return frame_of(works.current().pose).Inverse() * mounted_flange() * frame_of(tools.current().pose);
+}
+
+}  // namespace sim

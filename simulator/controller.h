@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <kdl/chainfksolverpos_recursive.hpp>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "arm.h"
+#include "client.h"
+#include "command_table.h"
+#include "frames.h"
+#include "options.h"
+#include "push.h"
+
+namespace sim {
+
+// The faults on demand.
+struct Faults {
+    std::set<std::string> silent_on;  // requests ignored
+    std::set<std::string> refuse_on;  // actions refused
+    int delay_ms = 0;                 // between a message and its sending
+};
+
+// Everything that the controller knows, and the commands that act on it. Runs in one thread, knows no sockets, and
+// moves only when `step` tells it that time has passed.
+class Controller {
+ public:
+    explicit Controller(const Options& options);
+    Controller(const Controller&) = delete;
+    Controller& operator=(const Controller&) = delete;
+
+    static constexpr int kStepMs = 5;
+
+    // Carries out one request. Whatever it holds, the worst that comes of it is a note.
+    void handle(std::string_view text, const std::shared_ptr<Client>& client);
+
+    // Lets `kStepMs` of simulated time pass.
+    void step();
+    int64_t milliseconds() const { return steps_ * kStepMs; }
+
+    KDL::Frame flange_pose() const;     // in the arm's own base
+    KDL::Frame mounted_flange() const;  // in the room, with the mounting angles
+    KDL::Frame tool_pose() const;       // of the current tool in the current work frame
+
+    const CommandTable& commands() const { return commands_; }
+
+    Arm arm;
+    FrameStore tools{"Arm_Tip"};
+    FrameStore works{"Base"};
+    Frame payload;                    // in force; its pose means nothing
+    std::array<double, 3> install{};  // mounting rx, ry, rz in degrees
+    JointVector init_pose;
+    PushSettings push;
+    Faults faults;
+    int64_t runtime_start = 0;  // simulated milliseconds
+
+ private:
+    void carry_out(const Command& command, Call& call);
+
+    CommandTable commands_;
+    mutable KDL::ChainFkSolverPos_recursive solver_;
+    int64_t steps_ = 0;
+};
+
+}  // namespace sim

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <array>
+#include <kdl/frames.hpp>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+// A pose as the wire has it: x, y, z in millionths of a metre, rx, ry, rz in thousandths of a radian.
+using WirePose = std::array<int, 6>;
+
+KDL::Frame frame_of(const WirePose& pose);
+WirePose wire_pose(const KDL::Frame& frame);
+
+struct Frame {
+    WirePose pose{};
+    double payload = 0;             // thousandths of a kilogram, as sent
+    std::array<int, 3> position{};  // centre of gravity, millionths of a metre
+};
+
+// The named frames of one kind, of which one is in use. One is built in and cannot be changed.
+class FrameStore {
+ public:
+    explicit FrameStore(const std::string& built_in);
+
+    static constexpr size_t kMaxName = 10;    // bytes
+    static constexpr size_t kMaxFrames = 11;  // as many names as a client takes
+
+    const std::string& current_name() const { return current_; }
+    const Frame& current() const { return frames_.at(current_); }
+    const Frame* find(const std::string& name) const;
+    std::vector<std::string> names() const;  // the built-in one first
+
+    // Each is false when the name does not allow it: there already, not there, unusable, or the built-in one.
+    bool add(const std::string& name, const Frame& frame);
+    bool update(const std::string& name, const Frame& frame);
+    bool select(const std::string& name);
+    bool remove(const std::string& name);  // the frame in use gives way to the built-in one
+
+ private:
+    std::string built_in_;
+    std::string current_;
+    std::map<std::string, Frame> frames_;
+};
+
+}  // namespace sim

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "frames.h"
+#include "push.h"
+#include "robot_model.h"
+
+namespace sim {
+
+// The command line.
+struct Options {
+    bool help = false;
+    bool quiet = false;
+    std::string listen = "127.0.0.1";
+    int port = 8080;  // 0: any free one
+    RobotModel model;
+    JointVector joints;               // degrees; empty: the model's home
+    std::optional<WirePose> tool;     // in use from the start, under the name "tool"
+    std::optional<WirePose> work;     // the same, under the name "work"
+    std::array<double, 3> install{};  // degrees
+    PushSettings push{.port = 8089};
+    std::vector<std::string> silent_on;
+    std::vector<std::string> refuse_on;
+    int delay_ms = 0;
+};
+
+// Throws std::invalid_argument with the text for the user.
+Options parse_options(int argc, char** argv);
+std::string usage();
+
+}  // namespace sim

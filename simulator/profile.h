@@ -1,0 +1,32 @@
+#pragma once
+
+namespace sim {
+
+// The course of a distance over time. The speed rises and falls on a raised sine, so that the acceleration is
+// continuous, starts and ends at zero and peaks at its limit in the middle of a ramp.
+class Profile {
+ public:
+    Profile() = default;
+
+    // From rest to rest over `length`, never above `speed` and `acc`.
+    static Profile between_rests(double length, double speed, double acc);
+
+    // From `speed` down to rest, never above `acc`.
+    static Profile braking(double speed, double acc);
+
+    double duration() const { return up_ + cruise_ + down_; }
+    double length() const { return distance(duration()); }
+    double distance(double time) const;
+    double speed(double time) const;
+
+ private:
+    Profile(double speed, double up, double cruise, double down)
+        : speed_(speed), up_(up), cruise_(cruise), down_(down) {}
+
+    double speed_ = 0;  // of the cruise
+    double up_ = 0;     // durations, seconds
+    double cruise_ = 0;
+    double down_ = 0;
+};
+
+}  // namespace sim

@@ -1,0 +1,92 @@
+#include "push.h"
+
+#include <cmath>
+
+#include "controller.h"
+
+namespace sim {
+namespace {
+
+std::vector<int> wire_speeds(const Arm& arm) {
+    std::vector<int> speeds;
+    for (const JointState& state : arm.states())
+        speeds.push_back(static_cast<int>(std::lround(state.speed / 6 * 1000)));
+    return speeds;
+}
+
+Json joint_status(const Controller& controller) {
+    const Arm& arm = controller.arm;
+    std::vector<int> enabled, errors;
+    for (const JointState& state : arm.states()) {
+        enabled.push_back(state.enabled);
+        errors.push_back(state.error);
+    }
+    Json status{{"joint_current", arm.currents()},
+                {"joint_en_flag", enabled},
+                {"joint_err_code", errors},
+                {"joint_position", thousandths(arm.joints())},
+                {"joint_temperature", arm.temperatures()},
+                {"joint_voltage", arm.voltages()}};
+    if (controller.push.joint_speed) status["joint_speed"] = wire_speeds(arm);
+    return status;
+}
+
+Json waypoint(const Controller& controller) {
+    const KDL::Frame pose = controller.tool_pose();
+    const WirePose wire = wire_pose(pose);
+    double x, y, z, w;
+    pose.M.GetQuaternion(x, y, z, w);
+    const auto millionths = [](double value) { return std::lround(value * 1e6); };
+    return {{"quat", {millionths(w), millionths(x), millionths(y), millionths(z)}},
+            {"euler", {wire[3], wire[4], wire[5]}},
+            {"position", {wire[0], wire[1], wire[2]}}};
+}
+
+// The sensors feel nothing.
+void add_force(const Controller& controller, Json& message) {
+    const int coordinate = controller.push.force_coordinate;
+    if (controller.arm.model().sensor == Sensor::six_force) {
+        const std::vector<int> none(6, 0);
+        message["six_force_sensor"] = {{"force", none}, {"zero_force", none}, {"coordinate", coordinate}};
+    } else if (controller.arm.model().sensor == Sensor::one_force) {
+        const std::vector<int> none(1, 0);
+        message["one_force_sensor"] = {{"force", none}, {"zero_force", none}, {"coordinate", coordinate}};
+    }
+}
+
+// Devices that are not attached report that they rest at zero.
+void add_devices(const PushSettings& settings, Json& message) {
+    if (settings.lift_state)
+        message["lift_state"] = {{"pos", 0}, {"height", 0}, {"current", 0}, {"err_flag", 0}, {"en_flag", 0}};
+    if (settings.expand_state)
+        message["expand_state"] = {{"joint_id", 0}, {"mode", 0},     {"pos", 0},
+                                   {"current", 0},  {"err_flag", 0}, {"en_flag", 0}};
+    if (settings.hand) {
+        const std::vector<int> none(6, 0);
+        message["hand"] = {
+            {"hand_pos", none}, {"hand_angle", none}, {"hand_force", none}, {"hand_state", none}, {"hand_err", 0}};
+    }
+    if (settings.aloha_state) message["aloha_state"] = {{"io1_state", 0}, {"io2_state", 0}};
+}
+
+}  // namespace
+
+std::string push_datagram(const Controller& controller) {
+    Json message{{"time", controller.milliseconds()},
+                 {"joint_status", joint_status(controller)},
+                 {"waypoint", waypoint(controller)},
+                 {"arm_err", controller.arm.arm_error()},
+                 {"sys_err", controller.arm.system_error()}};
+    if (controller.push.arm_current_status) message["arm_current_status"] = controller.arm.motion().status();
+    add_force(controller, message);
+    add_devices(controller.push, message);
+    std::string text = message.dump();
+    // Cut off, the datagram would be of no use to anybody: the parts that a client can do without go first.
+    for (const char* optional : {"time", "aloha_state", "hand", "expand_state", "lift_state"}) {
+        if (text.size() <= kMaxDatagram) break;
+        if (message.erase(optional) != 0) text = message.dump();
+    }
+    return text;
+}
+
+}  // namespace sim

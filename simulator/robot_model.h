@@ -1,0 +1,36 @@
+#pragma once
+
+#include <kdl/chain.hpp>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+// One number per joint; angles in degrees unless a name says otherwise.
+using JointVector = std::vector<double>;
+
+enum class Sensor { bare, one_force, six_force };
+
+// What the mechanics of a joint allow.
+struct JointRange {
+    double min;    // degrees
+    double max;    // degrees
+    double speed;  // degrees per second
+    double acc;    // degrees per second squared
+};
+
+struct RobotModel {
+    std::string name;  // as the controller tells it in "Product_version": "ZK65-B"
+    Sensor sensor;
+    KDL::Chain chain;  // base to flange
+    std::vector<JointRange> joints;
+    JointVector home;  // where the arm stands at start, away from limits and singularities
+
+    size_t joint_count() const { return joints.size(); }
+};
+
+// The arm and its end sensor by name. Throws std::invalid_argument for a name that `model_names` does not hold.
+RobotModel make_model(const std::string& name);
+std::vector<std::string> model_names();
+
+}  // namespace sim

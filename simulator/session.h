@@ -1,0 +1,55 @@
+#pragma once
+
+#include <array>
+#include <asio/ip/tcp.hpp>
+#include <asio/steady_timer.hpp>
+#include <chrono>
+#include <deque>
+#include <memory>
+#include <string>
+
+#include "client.h"
+#include "controller.h"
+
+namespace sim {
+
+// One connection. Cuts what comes at CRLF, which is the only end of a request: line feeds and tabs stand inside one.
+class Session : public Client, public std::enable_shared_from_this<Session> {
+ public:
+    Session(asio::ip::tcp::socket socket, Controller& controller);
+
+    void start();
+    void send(const Json& message) override;
+    std::string name() const override { return name_; }
+
+ private:
+    struct Message {
+        std::string text;
+        std::chrono::steady_clock::time_point due;
+    };
+
+    void read();
+    void take(std::string_view bytes);
+    void handle_requests();
+    void leave(const std::string& reason);
+
+    void send_next();
+    void write_first();
+    void close();
+
+    asio::ip::tcp::socket socket_;
+    asio::steady_timer timer_;
+    Controller& controller_;
+    std::string name_;
+
+    std::array<char, 4096> buffer_{};
+    std::string pending_;    // received, not yet ended by CRLF
+    bool dropping_ = false;  // the rest of a request that is too long
+
+    std::deque<Message> outbox_;
+    size_t outbox_bytes_ = 0;
+    bool sending_ = false;  // the first message waits for its time, or is on its way
+    bool left_ = false;     // nothing more will come
+};
+
+}  // namespace sim
