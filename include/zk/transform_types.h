@@ -49,7 +49,8 @@ typedef struct Matrix7 {
     float m[7][7];
 } Matrix7;
 
-ZK_STATIC_ASSERT(sizeof(Pose) == 40 && offsetof(Pose, quaternion) == 12 && offsetof(Pose, euler) == 28, "layout of Pose");
+ZK_STATIC_ASSERT(sizeof(Pose) == 40 && offsetof(Pose, quaternion) == 12 && offsetof(Pose, euler) == 28,
+                 "layout of Pose");
 ZK_STATIC_ASSERT(sizeof(Matrix) == 68 && offsetof(Matrix, m) == 4, "layout of Matrix");
 ZK_STATIC_ASSERT(sizeof(Matrix7) == 200 && offsetof(Matrix7, m) == 4, "layout of Matrix7");
 

@@ -1,0 +1,156 @@
+/*
+ * Lifecycle of the library, the table of connections, the settings, and the list of pending replies.
+ *
+ * An arm is spoken to through an ArmSocket, the descriptor of its TCP connection; there is no other handle. All state
+ * is process-wide. Three threads of the library's own run from the first ZK_API_Init to the end of the process: one
+ * writes queued requests (one every 20 ms for all connections together), one reads every connection, one reads the
+ * real-time stream. Use one blocking call per connection at a time; the stop commands may come from a second thread.
+ */
+#ifndef ZK_CONNECTION_H
+#define ZK_CONNECTION_H
+
+#include <pthread.h>
+#include <stdbool.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#include "zk/export.h"
+#include "zk/transform_types.h"
+
+/* Descriptor of an arm's TCP connection; positive when open. */
+typedef int32_t ArmSocket;
+
+/* ------------------------------------------------------------------------------------------------------- Records -- */
+
+/* One connection. The index of a record in SockInfo is the connection's slot; it selects its record in every mailbox.
+ */
+typedef struct SocketSlot {
+    int32_t socket;      /* 0 when the slot is free */
+    int32_t joint_count; /* 6 or 7, from the arm mode given to ZK_API_Init */
+    int32_t arm_mode;    /* CUR_ARM_MODE at the time of connecting */
+    uint8_t reserved[184];
+} SocketSlot;
+
+/* A request whose reply is waited for on the list SockeRIinfos. */
+typedef struct PendingReply {
+    int32_t socket;
+    char reply_text[300];
+    int32_t key_code;
+    int32_t arrived;
+    int32_t in_use;
+} PendingReply;
+
+/* Result of the streamed motions, passed by value to the callback of ZK_API_Init. */
+typedef struct ArmMotionReport {
+    int32_t socket;
+    int32_t report_type;          /* 1 joint set-points, 2 pose set-points, 3 force-position moves */
+    int32_t result;               /* status of the report; for 1 and 2 the controller's error number */
+    Pose pose;                    /* for 2; as the controller sends it, unscaled */
+    float joint[7];               /* for 1 and 3; as the controller sends it, unscaled */
+    float all_direction_force[7]; /* for 3 */
+    int32_t force;                /* for 3; the controller's number divided by 10 */
+    uint16_t arm_err;             /* error word; 8 until the report told it */
+} ArmMotionReport;
+
+ZK_STATIC_ASSERT(sizeof(SocketSlot) == 196 && offsetof(SocketSlot, arm_mode) == 8, "layout of SocketSlot");
+ZK_STATIC_ASSERT(sizeof(PendingReply) == 316 && offsetof(PendingReply, key_code) == 304, "layout of PendingReply");
+ZK_STATIC_ASSERT(sizeof(ArmMotionReport) == 116 && offsetof(ArmMotionReport, pose) == 12 &&
+                     offsetof(ArmMotionReport, joint) == 52 && offsetof(ArmMotionReport, force) == 108 &&
+                     offsetof(ArmMotionReport, arm_err) == 112,
+                 "layout of ArmMotionReport");
+
+/* Receives the reports of streamed motion on the receive thread: while it runs, no reply of any arm is read. */
+typedef void (*MotionReportCallback)(ArmMotionReport report);
+
+/* ------------------------------------------------------------------------------------------------------ Settings -- */
+
+ZK_API int32_t m_nOutTime;             /* reply limit of blocking commands, ms: 200, then 3000 from ZK_API_Init on */
+ZK_API int32_t m_nOutTime_max;         /* reply limit of some commands and of the real-time poll, ms: 1000 */
+ZK_API int32_t m_nmodbusrtu_OutTime;   /* reply limit of Modbus reads and writes, ms: 1000 */
+ZK_API int32_t CUR_ARM_MODE;           /* arm mode given to ZK_API_Init: 65 */
+ZK_API int32_t m_nThreadIsRun;         /* 1 once the library's threads run */
+ZK_API int32_t IsSendFile;             /* 1 while a file transfer holds the line: nearly every call gives 18 */
+ZK_API int32_t SuspendQueue;           /* raised around some blocking calls; nothing reads it */
+ZK_API MotionReportCallback callback1; /* the callback of ZK_API_Init */
+
+ZK_API SocketSlot SockInfo[ZK_SLOTS];  /* the connections */
+ZK_API int32_t m_nSockInfoLen;         /* how many slots are taken */
+ZK_API PendingReply SockeRIinfos[200]; /* the pending replies */
+ZK_API int32_t m_nSockeRIinfosLen;     /* how many of them are in use */
+
+ZK_API pthread_t m_hWThread;     /* transmit thread */
+ZK_API pthread_t m_hRThread;     /* receive thread */
+ZK_API pthread_t m_hLThread;     /* real-time thread */
+ZK_API pthread_mutex_t m_hMutex; /* guards the entrance of the transmit queue and the pending list */
+
+/* ----------------------------------------------------------------------------------------------------- Lifecycle -- */
+
+/*
+ * Starts the library: stores the callback (null is allowed: reports are dropped then) and the arm mode, makes a new and
+ * empty transmit queue, and starts the threads when they do not run yet. To be called before any other call that speaks
+ * to a controller; calling it again resets m_nOutTime and the queue. Call it from one thread at a time.
+ *
+ * arm_mode: 65, 62, 631, 632, 634 or 651 for six joints, 75 or 72 for seven; any other counts as six.
+ * Returns 0.
+ */
+ZK_API int ZK_API_Init(int32_t arm_mode, MotionReportCallback callback);
+
+/* Frees the transmit queue; connections stay open and the threads go on. A command before the next ZK_API_Init ends the
+ * process. Returns 0. Call it from one thread at a time. */
+ZK_API int ZK_API_UnInit(void);
+
+/* Version of the interface, "4.3.6". Any thread. */
+ZK_API const char* API_Version(void);
+
+/* -------------------------------------------------------------------------------------------- Table of connections --
+ */
+
+/* Puts a connected socket into the first free slot. Returns 0, or -1 when all 20 slots are taken. Arm_Socket_Start does
+ * this; applications need it only for sockets of their own. */
+ZK_API int Init_Socket_Joint(int32_t arm_mode, int32_t socket);
+
+/* Slot of a socket, 0 to 19, or -1 when it is none of the table's. Any thread. */
+ZK_API int Get_Socket_Idx(int32_t socket);
+
+/*
+ * Closes a connection. Mind that it also closes the one real-time stream of the process, and forgets every connection
+ * in a higher slot (their descriptors stay open, but the library no longer reads them): with several arms open, close
+ * them all, last opened first. Before a real-time stream was ever set up, the stream's descriptor is still 0, and that
+ * descriptor of the process is closed in its place. A socket below 1 does nothing. Any thread, also in a callback.
+ */
+ZK_API void Arm_Socket_Close(ArmSocket socket);
+
+/*
+ * Asks a controller whether it is there.
+ *
+ * Arm_Socket_State returns 0 when it answered; 18 during a file transfer, 5 for a socket below 1 or when no answer came
+ * within 500 ms, 2 before ZK_API_Init, 6 when the request could not be written, or a status of the reply. An answer to
+ * Get_Joint_Speed that came too late counts as one.
+ * Arm_Socket_State_nBlock only writes the request: 0, or 6.
+ */
+ZK_API int Arm_Socket_State(ArmSocket socket);
+ZK_API int Arm_Socket_State_Block(ArmSocket socket);
+ZK_API int Arm_Socket_State_nBlock(ArmSocket socket);
+
+/* -------------------------------------------------------------------------------------------------- Pending list -- */
+
+/* Fills record `index` of a pending list, its text cleared. Returns 0, or 20 for an index above 199. The caller holds
+ * m_hMutex and raises the count. */
+ZK_API int Add_List(PendingReply* list, int32_t index, int32_t socket, int32_t key_code, int32_t arrived,
+                    int32_t in_use);
+
+/* Removes record `index` of a list of *count records and moves the later ones down; a list of one record is cleared
+ * whatever the index. Takes m_hMutex. */
+ZK_API void ClearList(PendingReply* list, int32_t* count, int32_t index);
+
+/* ---------------------------------------------------------------------------------------------------------- Time -- */
+
+/*
+ * The library's clock and its only sleep: a monotonic count of milliseconds that wraps at 32 bits (take differences as
+ * signed 32-bit numbers), and a sleep. Every limit and every pause of the library goes through these two, so a program
+ * that defines both itself decides how fast time passes. Any thread.
+ */
+ZK_API int32_t Get_Program_Runtime(void);
+ZK_API void sleep_cp(int32_t milliseconds);
+
+#endif

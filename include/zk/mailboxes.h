@@ -1,0 +1,43 @@
+/*
+ * Mailboxes. Each kind of reply has a table of one record per connection slot: the receive thread fills the record and
+ * raises its count, the waiting command takes it. The tables themselves stand with their commands.
+ */
+#ifndef ZK_MAILBOXES_H
+#define ZK_MAILBOXES_H
+
+#include <stdint.h>
+
+#include "zk/export.h"
+
+/* An acknowledgement: no payload. */
+typedef struct AckReply {
+    int32_t count;  /* above 0 when a reply is here */
+    int32_t result; /* status of its parser */
+} AckReply;
+
+typedef struct IntReply {
+    int32_t count;
+    int32_t result;
+    int32_t value;
+} IntReply;
+
+typedef struct FloatReply {
+    int32_t count;
+    int32_t result;
+    float value;
+} FloatReply;
+
+/* One value for each joint, of which the connection's joint count are filled. */
+typedef struct JointReply {
+    int32_t count;
+    int32_t result;
+    float value[8];
+} JointReply;
+
+typedef struct JointIntReply {
+    int32_t count;
+    int32_t result;
+    int32_t value[8];
+} JointIntReply;
+
+#endif

@@ -1,0 +1,51 @@
+/*
+ * Motion. A move has two replies: an acknowledgement that the controller took it, and later the report of its arrival.
+ */
+#ifndef ZK_MOTION_H
+#define ZK_MOTION_H
+
+#include <stdbool.h>
+
+#include "zk/connection.h"
+#include "zk/mailboxes.h"
+
+/* The acknowledgement of a move. `move_type`: 1 movej, 2 movel, 3 movec, 0 movej_p, 5 moves. */
+typedef struct MoveAcknowledgement {
+    int32_t count;
+    int32_t result;
+    int32_t move_type;
+} MoveAcknowledgement;
+
+/* The report that a motion has ended. `device` 0 is the arm; others are grippers, hands and attached axes. */
+typedef struct MoveReport {
+    int32_t count;
+    int32_t result; /* 0 arrived, 1 ended before its target */
+    int32_t device;
+    int32_t trajectory_connect; /* -1 when the report does not tell */
+} MoveReport;
+
+ZK_API MoveAcknowledgement Move_Receive_Cmd[ZK_SLOTS];
+ZK_API MoveReport Move_Cmd[ZK_SLOTS];
+ZK_API int Parser_Receive_State(const char* text, int32_t* move_type);
+ZK_API int Parser_Plan_Feedback(const char* text, int32_t* device, int32_t* trajectory_connect);
+
+/*
+ * Moves every joint to a target at the same time.
+ *
+ * joint: the connection's joints (6 or 7) in degrees. v: speed in percent, 1 to 100. r: blending radius in percent.
+ * trajectory_connect: 0 for a move that ends by itself, 1 for one that is joined to the next.
+ *
+ * Movej_Cmd_Block waits for the arrival, however long the arm moves: 0 arrived; 1 refused, stopped or cleared; 14 the
+ * arm is idle and no report came; 5 when the connection was closed meanwhile; after six failed polls of the trajectory
+ * in progress their status (7, say). A joined move returns 0 at once. To end the wait, stop the arm from another
+ * thread. Movej_Cmd_NonBlock waits for the acknowledgement alone, 100 ms at most: 0 taken, 1 refused, 5, 7, 9, 11. The
+ * plain name chooses by its flag and adds 18 during a file transfer and 19 for a null pointer.
+ *
+ * Application threads, one move a connection at a time.
+ */
+ZK_API int Movej_Cmd(ArmSocket socket, const float* joint, uint8_t v, uint8_t r, int32_t trajectory_connect,
+                     bool block);
+ZK_API int Movej_Cmd_Block(ArmSocket socket, const float* joint, uint8_t v, uint8_t r, int32_t trajectory_connect);
+ZK_API int Movej_Cmd_NonBlock(ArmSocket socket, const float* joint, uint8_t v, uint8_t r, int32_t trajectory_connect);
+
+#endif

@@ -1,0 +1,41 @@
+/*
+ * Connecting to an arm, and what is known of it afterwards.
+ */
+#ifndef ZK_STARTUP_H
+#define ZK_STARTUP_H
+
+#include <stdint.h>
+
+#include "zk/connection.h"
+
+/* Of the arm connected last: the model number (0 ZK65, 1 ZK75, 3 63, 5 ORB65, 6 62, 7 72, 8 ORB63) and the end sensor
+ * (0 -B, 1 -ZF, 2 -6F), and whether a controller has told its model. */
+ZK_API int32_t Curr_Robot_Type;
+ZK_API int32_t Curr_Senser_Type;
+ZK_API uint8_t g_is_robot_type_i;
+
+/* The tool and the work frame in use as transforms, 4 by 4. A reply that tells the tool frame in use makes Tool_Matrix
+ * anew with the Euler angles in the place of the position; the start-up stores the true transform. */
+ZK_API Matrix Tool_Matrix;
+ZK_API Matrix Frame_Matrix;
+
+/*
+ * Connects to a controller and learns its arm: asks for the model, initialises the local kinematics for it, puts the
+ * arm's tool frame, work frame, mounting angles and joint limits into the local model, and prepares the listener of the
+ * real-time stream if the controller has it enabled. ZK_API_Init must have run, with the arm mode of this arm. After it
+ * the local forward kinematics gives the pose that the controller reports. The registered real-time callback is
+ * cleared.
+ *
+ * address: dotted IPv4 text; host names are not resolved. timeout: without effect; a connect takes as long as the
+ * system takes.
+ *
+ * Returns the socket, a positive number, or a status: 4 no socket; 5 no connection; -1 all 20 connections are taken, or
+ * the mounting angles did not read back; 7 the controller does not answer; 9, 10, 11 an answer that is broken, of
+ * another joint count than the arm mode's, or of the wrong type; 18 during a file transfer; 25 the listener could not
+ * be set up (the connection stays open). A socket is always above ZK_LARGEST_STATUS, so `arm > ZK_LARGEST_STATUS` tells
+ * one from a status. A failed attempt closes as Arm_Socket_Close does. Application threads, one at a time. A second arm
+ * replaces the model, the frames and the limits of the first.
+ */
+ZK_API ArmSocket Arm_Socket_Start(const char* address, int32_t port, int32_t timeout);
+
+#endif

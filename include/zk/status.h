@@ -1,0 +1,51 @@
+/*
+ * Status codes. Every command returns one of these, 0 for success. One list feeds the names, the numbers and the texts.
+ */
+#ifndef ZK_STATUS_H
+#define ZK_STATUS_H
+
+#include "zk/export.h"
+
+/* clang-format off */
+#define ZK_STATUS_LIST(X) \
+    X(ZK_OK,                    0, "success") \
+    X(ZK_REFUSED,               1, "the controller refused the command, or a motion ended before its target") \
+    X(ZK_NOT_RUNNING,           2, "the library's threads do not run: call ZK_API_Init first") \
+    X(ZK_NO_SOCKET,             4, "no TCP socket could be created") \
+    X(ZK_NOT_CONNECTED,         5, "no connection: it was refused, the socket is not an open arm connection, or the controller does not answer") \
+    X(ZK_SEND_FAILED,           6, "the request could not be written to the socket") \
+    X(ZK_TIMEOUT,               7, "no reply within the time limit") \
+    X(ZK_NOT_BOOLEAN,           8, "the reply's acknowledgement is neither true nor false") \
+    X(ZK_BAD_REPLY,             9, "the reply is not valid JSON, or a key is missing") \
+    X(ZK_WRONG_SIZE,           10, "an array in the reply has the wrong number of elements") \
+    X(ZK_WRONG_TYPE,           11, "a value in the reply, or an argument's kind, is of the wrong type") \
+    X(ZK_OTHER_DEVICE,         12, "the finish report names another device") \
+    X(ZK_NO_TRAJECTORY,        14, "the arm is idle, and no finish report came") \
+    X(ZK_PATH_TOO_LONG,        15, "the path is too long") \
+    X(ZK_BAD_PATH,             16, "the path has no separator, or the controller rejected the file") \
+    X(ZK_FILE_UNREADABLE,      17, "the file could not be opened or read") \
+    X(ZK_SENDING_FILE,         18, "a file transfer holds the line") \
+    X(ZK_BAD_ARGUMENT,         19, "a required pointer is null, or an input of the kinematics is invalid") \
+    X(ZK_LIST_FULL,            20, "the list of pending replies is full") \
+    X(ZK_NO_SOLUTION,          21, "the inverse kinematics has no solution") \
+    X(ZK_FILE_NOT_CREATED,     22, "the local file for the recording could not be created") \
+    X(ZK_NOTHING_SAVED,        24, "the controller has no recorded points to save") \
+    X(ZK_NO_STREAM,            25, "the real-time stream could not be set up, or no state has come") \
+    X(ZK_TABLE_FULL,           -1, "all connections are taken, or the mounting angles read back differ") \
+    X(ZK_BAD_FILE_NAME,        -4, "the path has no '/'")
+/* clang-format on */
+
+typedef enum ZK_Status {
+#define X(name, number, text) name = number,
+    ZK_STATUS_LIST(X)
+#undef X
+} ZK_Status;
+
+/* Statuses are this or less; descriptors of arm connections are more. */
+#define ZK_LARGEST_STATUS 25
+
+/* The cause behind a status as one English sentence without a full stop; "unknown status" for a number of no meaning
+ * here (a controller error number, say). The text is constant. Any thread. */
+ZK_API const char* ZK_Status_Text(int status);
+
+#endif

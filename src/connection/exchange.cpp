@@ -1,0 +1,104 @@
+#include "connection/exchange.h"
+
+#include <sys/socket.h>
+
+#include <cstring>
+
+#include "connection/descriptor_use.h"
+#include "connection/elapsed.h"
+#include "zk/queue.h"
+
+namespace zk {
+namespace {
+
+constexpr size_t head = 2 * sizeof(int32_t);  // count and result stand before the payload
+
+}  // namespace
+
+int32_t& Mailbox::word(int slot, int index) const { return reinterpret_cast<int32_t*>(at(slot))[index]; }
+
+int Mailbox::count(int slot) const { return read(word(slot, 0), std::memory_order_acquire); }
+int Mailbox::result(int slot) const { return read(word(slot, 1)); }
+void Mailbox::clear(int slot) { write(word(slot, 0), 0, std::memory_order_release); }
+void Mailbox::lower(int slot) { std::atomic_ref(word(slot, 0)).fetch_sub(1, std::memory_order_acq_rel); }
+
+void Mailbox::wipe(int slot) {
+    for (size_t i = 0; i < size_ / sizeof(Word); ++i) write(word(slot, static_cast<int>(i)), 0);
+}
+
+void Mailbox::copy(int slot, void* record) const { read_words(record, at(slot), size_); }
+
+void Mailbox::fill(int slot, const void* record) {
+    write_words(at(slot) + head, static_cast<const std::byte*>(record) + head, size_ - head);
+}
+
+void Mailbox::finish(int slot, int result) { write(word(slot, 1), static_cast<int32_t>(result)); }
+
+void Mailbox::raise(int slot, bool add) {
+    if (add) {
+        std::atomic_ref(word(slot, 0)).fetch_add(1, std::memory_order_acq_rel);
+    } else {
+        write(word(slot, 0), 1, std::memory_order_release);
+    }
+}
+
+int post(const Request& request) {
+    const Frame frame = request.frame();
+    Add_Queue(request.socket(), frame.text, frame.length);
+    return ZK_OK;
+}
+
+int stream(const Request& request) {
+    const Frame frame = request.frame();
+    request_leaves();
+    return static_cast<int>(
+        send(request.socket(), frame.text, static_cast<size_t>(frame.length), MSG_DONTWAIT | MSG_NOSIGNAL));
+}
+
+int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot) {
+    const int32_t start = Get_Program_Runtime();
+    for (;;) {
+        slot = Get_Socket_Idx(socket);
+        if (slot < 0) return ZK_NOT_CONNECTED;
+        if (mailbox.count(slot) > 0) return ZK_OK;
+        if (elapsed_since(start) >= limit) return ZK_TIMEOUT;
+        sleep_cp(poll_ms);
+    }
+}
+
+static int32_t limit_of(int32_t limit) { return limit > 0 ? limit : read(m_nOutTime); }
+
+int set(const Request& request, Mailbox mailbox, const SetForm& form) {
+    int slot = Get_Socket_Idx(request.socket());
+    if (slot < 0) return ZK_NOT_CONNECTED;
+    if (form.clears) Mailbox(*form.clears).clear(slot);
+    if (!form.clears && !form.keeps_count) mailbox.clear(slot);
+
+    if (form.direct) {
+        if (stream(request) < 1) return ZK_SEND_FAILED;
+    } else {
+        post(request);
+    }
+    if (const int status = await(mailbox, request.socket(), limit_of(form.limit), slot)) return status;
+    const int result = mailbox.result(slot);
+    mailbox.clear(slot);
+    return result;
+}
+
+int exchange(const Request& request, Mailbox mailbox, const QueryForm& form, void* record, bool& arrived) {
+    int slot = Get_Socket_Idx(request.socket());
+    if (slot < 0) return ZK_NOT_CONNECTED;
+    if (form.clears_before) mailbox.clear(slot);
+
+    post(request);
+    if (const int status = await(mailbox, request.socket(), limit_of(form.limit), slot)) return status;
+    arrived = true;
+    form.clears_after ? mailbox.clear(slot) : mailbox.lower(slot);
+    mailbox.copy(slot, record);
+    int result = mailbox.result(slot);
+    if (form.wipes_first) mailbox.wipe(0);
+    if (form.result_last) result = mailbox.result(slot);
+    return result;
+}
+
+}  // namespace zk

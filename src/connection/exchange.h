@@ -1,0 +1,96 @@
+// The exchange of a request and its reply, in the forms of waiting that commands have:
+//
+//   set     queues a request and waits for its acknowledgement
+//   query   the same with a payload that goes to the caller
+//   post    queues a request and waits for nothing
+//   stream  writes a request to the socket at once, ahead of the queue, and waits for nothing
+//   pending waits on the pending list instead of a mailbox (pending.h)
+//
+// and their parts, `await` and `Mailbox`, for the few that are of their own kind.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+
+#include "connection/request.h"
+#include "connection/slots.h"
+#include "zk/mailboxes.h"
+#include "zk/status.h"
+
+namespace zk {
+
+constexpr int32_t poll_ms = 10;
+
+// A table of reply records, whatever their payload: count, result, then the payload's words.
+class Mailbox {
+ public:
+    template <class Record>
+    Mailbox(Record (&table)[ZK_SLOTS]) : base_(reinterpret_cast<std::byte*>(table)), size_(sizeof(Record)) {
+        static_assert(offsetof(Record, count) == 0 && offsetof(Record, result) == 4 &&
+                      sizeof(Record) % sizeof(Word) == 0);
+    }
+
+    int count(int slot) const;  // an arrived reply's payload and result are visible once this is above 0
+    int result(int slot) const;
+    void clear(int slot);  // no reply is here
+    void lower(int slot);  // one reply is taken
+    void wipe(int slot);   // the whole record becomes zero
+    void copy(int slot, void* record) const;
+
+    // The receive thread's side.
+    void fill(int slot, const void* record);  // the payload alone
+    void finish(int slot, int result);
+    void raise(int slot, bool add);  // by one, or to one
+
+ private:
+    int32_t& word(int slot, int index) const;
+    std::byte* at(int slot) const { return base_ + static_cast<size_t>(slot) * size_; }
+
+    std::byte* base_;
+    size_t size_;
+};
+
+struct SetForm {
+    std::optional<Mailbox> clears = {};  // the mailbox cleared before the request, where it is not the command's own
+    bool keeps_count = false;            // an old reply ends the wait at once
+    int32_t limit = 0;                   // ms; 0 stands for m_nOutTime
+    bool direct = false;                 // written to the socket, not queued
+};
+
+struct QueryForm {
+    bool clears_before = false;  // a reply that came too late is not taken for this one's
+    bool clears_after = false;   // all replies are taken, not one
+    bool wipes_first = false;    // the record of slot 0 is wiped after use, whichever slot asked
+    bool result_last = false;    // the status is read after that
+    int32_t limit = 0;
+};
+
+int set(const Request& request, Mailbox mailbox, const SetForm& form = {});
+int post(const Request& request);
+// What `send` gave: below 1 when nothing was written.
+int stream(const Request& request);
+
+// Waits until a reply is in the mailbox of the socket's slot, which is looked up afresh at every poll. Gives 0 and the
+// slot; 5 when the socket is in no slot (any more); 7 at the limit.
+int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot);
+
+// The reply's record is copied to `record` and handed to the caller whatever its result.
+int exchange(const Request& request, Mailbox mailbox, const QueryForm& form, void* record, bool& arrived);
+
+template <class Record, class Deliver>
+int query(const Request& request, Record (&table)[ZK_SLOTS], Deliver deliver, const QueryForm& form = {}) {
+    Record record;
+    bool arrived = false;
+    const int status = exchange(request, Mailbox(table), form, &record, arrived);
+    if (arrived) deliver(record);
+    return status;
+}
+
+// Delivers one value for each of the connection's joints.
+template <class Value, class Held, size_t size>
+void copy_joints(ArmSocket socket, const Held (&held)[size], Value* out) {
+    const int joints = joint_count(socket);
+    for (int i = 0; i < joints && i < static_cast<int>(size); ++i) out[i] = static_cast<Value>(held[i]);
+}
+
+}  // namespace zk

@@ -1,0 +1,30 @@
+// The liveness probe of a connection.
+#include "connection/elapsed.h"
+#include "connection/exchange.h"
+#include "connection/wrappers.h"
+#include "zk/joint_configuration.h"
+
+using namespace zk;
+
+static constexpr int32_t probe_limit_ms = 500;
+
+ZK_API int Arm_Socket_State(ArmSocket socket) {
+    if (sending_file()) return ZK_SENDING_FILE;
+    sleep_cp(settle_ms);
+    if (const int status = needs_connection(socket)) return status;
+    return suspended(Arm_Socket_State_Block, socket);
+}
+
+ZK_API int Arm_Socket_State_Block(ArmSocket socket) {
+    Mailbox mailbox(Joint_Max_Speed_Cmd);
+    int slot = Get_Socket_Idx(socket);
+    if (slot < 0) return ZK_NOT_CONNECTED;
+    if (const int status = Arm_Socket_State_nBlock(socket)) return status;
+    if (await(mailbox, socket, probe_limit_ms, slot)) return ZK_NOT_CONNECTED;
+    mailbox.lower(slot);
+    return mailbox.result(slot);
+}
+
+ZK_API int Arm_Socket_State_nBlock(ArmSocket socket) {
+    return stream({socket, "get_joint_max_speed"}) < 1 ? ZK_SEND_FAILED : ZK_OK;
+}

@@ -1,0 +1,46 @@
+// Waiting on the pending list. The receive path never marks a reply of the list as arrived, so these calls end in 7
+// after the time limit although the controller did what it was asked.
+#pragma once
+
+#include "connection/request.h"
+
+namespace zk {
+
+struct PendingForm {
+    bool clears_behind = false;  // after a failed send the entry behind the last is cleared, not the request's own
+};
+
+// `parse` takes the reply's text and gives the status.
+template <class Parse>
+int pending(const Request& request, int key_code, Parse parse, const PendingForm& form = {});
+
+class PendingEntry {
+ public:
+    PendingEntry(ArmSocket socket, int key_code);
+    int status() const { return status_; }  // 20 when the list is full
+    // Writes the request to the socket, at once.
+    int send(const Request& request, const PendingForm& form);
+    // 0 once a reply has arrived, its text in `reply`; 7 at the limit, the entry removed.
+    int wait(char (&reply)[300]);
+
+ private:
+    bool take(char (&reply)[300]);
+    void give_up();
+
+    ArmSocket socket_;
+    int key_code_;
+    int index_ = 0;
+    int status_ = 0;
+};
+
+template <class Parse>
+int pending(const Request& request, int key_code, Parse parse, const PendingForm& form) {
+    PendingEntry entry(request.socket(), key_code);
+    if (entry.status()) return entry.status();
+    if (const int status = entry.send(request, form)) return status;
+    char reply[300];
+    if (const int status = entry.wait(reply)) return status;
+    return parse(reply);
+}
+
+}  // namespace zk

@@ -1,0 +1,152 @@
+// The thread that reads every connection: one visit a slot, in which what has come is joined up to a line feed, cut
+// into messages at CRLF, and dispatched. Nothing is carried over to the next visit.
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+#include "connection/descriptor_use.h"
+#include "connection/elapsed.h"
+#include "connection/slots.h"
+#include "zk/dispatch.h"
+
+namespace zk {
+namespace {
+
+constexpr int longest_message = 10240;  // exclusive; the terminating zero needs the last place
+constexpr int chunk = 2048;
+constexpr int shortest_visit = 7;  // what is shorter cannot be a reply
+constexpr int first_cut = 5;
+constexpr int32_t silence_ms = 3000;
+
+enum class Read { kBytes, kNothing, kEnd };
+
+class Visit {
+ public:
+    explicit Visit(char (&text)[longest_message]) : text_(text) {}
+
+    void run(int slot) {
+        slot_ = slot;
+        socket_ = read(SockInfo[slot].socket, std::memory_order_acquire);
+        if (socket_ == 0) return;
+        length_ = 0;
+        if (receive() != Read::kBytes) return;
+        if (joined()) dispatch();
+    }
+
+ private:
+    // Appends up to a chunk to the text. A zero byte ends what counts of a read.
+    Read receive() {
+        if (length_ + chunk >= longest_message) make_room();
+        receive_use.enter(socket_);
+        if (read(SockInfo[slot_].socket, std::memory_order_seq_cst) != socket_) {  // closed since
+            receive_use.leave();
+            length_ = 0;
+            return Read::kEnd;
+        }
+        const int room = std::min(chunk, longest_message - 1 - length_);
+        const ssize_t got = recv(socket_, text_ + length_, static_cast<size_t>(room), MSG_DONTWAIT);
+        const int error = errno;
+        receive_use.leave();
+        if (got == 0) return Read::kEnd;
+        if (got < 0) return error == EAGAIN || error == EINTR ? Read::kNothing : Read::kEnd;
+        text_[length_ + got] = '\0';
+        length_ += static_cast<int>(strnlen(text_ + length_, static_cast<size_t>(got)));
+        return Read::kBytes;
+    }
+
+    // Joins reads until the text ends in a line feed (or nothing is left of it), or the peer has closed. A peer that
+    // stays silent in the middle of a message loses what it sent, so that one dead cable does not silence every other
+    // arm.
+    bool joined() {
+        int32_t last_byte = Get_Program_Runtime();
+        while (length_ > 0 && text_[length_ - 1] != '\n') {
+            const Read read = receive();
+            if (read == Read::kEnd) break;
+            if (read == Read::kBytes) {
+                last_byte = Get_Program_Runtime();
+            } else if (elapsed_since(last_byte) >= silence_ms) {
+                std::fprintf(stderr, "ZK_Base: socket %d fell silent in the middle of a message; %d bytes dropped\n",
+                             socket_, length_);
+                return false;
+            } else {
+                sleep_cp(1);
+            }
+        }
+        return true;
+    }
+
+    // Called with the text nearly full: whole messages are handed on, and what remains moves to the front. A message
+    // that fills the buffer alone is dropped up to its line feed.
+    void make_room() {
+        const std::string_view text(text_, static_cast<size_t>(length_));
+        const size_t line_end = text.rfind("\r\n");
+        if (line_end != text.npos) {
+            const int whole = static_cast<int>(line_end) + 2;
+            const int rest = length_ - whole;
+            length_ = whole;
+            dispatch();
+            std::memmove(text_, text_ + whole, static_cast<size_t>(rest));
+            length_ = rest;
+        } else if (length_ >= longest_message - 1) {
+            drop_message();
+        }
+    }
+
+    void drop_message() {
+        std::fprintf(stderr, "ZK_Base: socket %d sent a message of %d bytes or more; it is dropped\n", socket_,
+                     longest_message);
+        int32_t last_byte = Get_Program_Runtime();
+        for (;;) {
+            length_ = 0;
+            const Read read = receive();
+            if (read == Read::kEnd) return;
+            if (read == Read::kNothing) {
+                if (elapsed_since(last_byte) >= silence_ms) return;
+                sleep_cp(1);
+                continue;
+            }
+            last_byte = Get_Program_Runtime();
+            const char* line_feed = static_cast<const char*>(std::memchr(text_, '\n', static_cast<size_t>(length_)));
+            if (!line_feed) continue;
+            length_ -= static_cast<int>(line_feed + 1 - text_);
+            std::memmove(text_, line_feed + 1, static_cast<size_t>(length_) + 1);
+            return;
+        }
+    }
+
+    // A message ends at CRLF; the last two bytes of a visit end one whatever they are.
+    void dispatch() {
+        if (length_ < shortest_visit) return;
+        reply_arrives();
+        char* start = text_;
+        for (int at = first_cut; at != length_ - 1; ++at) {
+            const bool line_end = text_[at] == '\r' && text_[at + 1] == '\n';
+            if (!line_end && at != length_ - 2) continue;
+            text_[at] = text_[at + 1] = '\0';
+            handle_Recv_Json(slot_, start);
+            start = text_ + at + 2;
+        }
+    }
+
+    char (&text_)[longest_message];
+    int length_ = 0;
+    int slot_ = 0;
+    ArmSocket socket_ = 0;
+};
+
+}  // namespace
+}  // namespace zk
+
+ZK_API void* RecvThread(void*) {
+    char text[zk::longest_message];
+    zk::Visit visit(text);
+    for (;;) {
+        for (int slot = 0; slot < ZK_SLOTS; ++slot) visit.run(slot);
+        sleep_cp(1);
+    }
+    return nullptr;
+}

@@ -1,0 +1,100 @@
+// Requests. A request is addressed, says what it means, and then its keys in the order of the wire. Scales exist once,
+// here: a single-precision product, truncated toward zero.
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+
+#include "zk/connection.h"
+#include "zk/transform_types.h"
+
+struct cJSON;
+
+namespace zk {
+
+// Truncation toward zero; what no 32-bit integer holds, or a NaN, becomes the lowest of them, as the processor does it.
+int32_t truncated(float value);
+
+inline int32_t thousandths(float value) { return truncated(value * 1000.0f); }
+inline int32_t millionths(float value) { return truncated(value * 1000000.0f); }
+
+class Object;
+
+// Adders of one JSON object, each appending one key. `Self` is what a chain of them goes on with.
+template <class Self>
+class Fields {
+ public:
+    Self& number(const char* key, double value) { return put_number(key, value), self(); }
+    Self& boolean(const char* key, bool value) { return put_boolean(key, value), self(); }
+    Self& text(const char* key, const char* value) { return put_text(key, value), self(); }
+    Self& numbers(const char* key, std::initializer_list<double> values) { return put_numbers(key, values), self(); }
+    template <class Number>
+    Self& numbers(const char* key, const Number* values, int count) {
+        cJSON* array = put_array(key);
+        for (int i = 0; i < count; ++i) append(array, static_cast<double>(values[i]));
+        return self();
+    }
+    // Position in millionths of a metre, Euler angles in thousandths of a radian.
+    Self& pose(const char* key, const Pose& pose) { return put_pose(key, pose), self(); }
+    // A nested object, filled by `fill(Object&)`.
+    template <class Fill>
+    Self& object(const char* key, Fill fill);
+
+ protected:
+    explicit Fields(cJSON* object) : object_(object) {}
+    cJSON* put_array(const char* key);
+    cJSON* put_object(const char* key);
+    static void append(cJSON* array, double value);
+    Self& self() { return static_cast<Self&>(*this); }
+
+    cJSON* object_;
+
+ private:
+    void put_number(const char* key, double value);
+    void put_boolean(const char* key, bool value);
+    void put_text(const char* key, const char* value);
+    void put_numbers(const char* key, std::initializer_list<double> values);
+    void put_pose(const char* key, const Pose& pose);
+};
+
+class Object : public Fields<Object> {
+ public:
+    explicit Object(cJSON* object) : Fields(object) {}
+};
+
+template <class Self>
+template <class Fill>
+Self& Fields<Self>::object(const char* key, Fill fill) {
+    Object nested(put_object(key));
+    fill(nested);
+    return self();
+}
+
+// The text of a request as it goes on the wire: formatted print and CRLF.
+struct Frame {
+    char text[1000];
+    int length;
+};
+
+class Request : public Fields<Request> {
+ public:
+    static constexpr int usual_frame = 300;
+
+    Request(ArmSocket socket, const char* command, int frame_size = usual_frame);
+
+    // Six angles in thousandths of a degree, seven when the connection's arm mode has seven joints.
+    Request& joints(const char* key, const float* degrees);
+
+    ArmSocket socket() const { return socket_; }
+    // Ends the process when the text does not fit the frame.
+    Frame frame() const;
+
+ private:
+    std::shared_ptr<cJSON> tree_;
+    ArmSocket socket_;
+    const char* command_;
+    int frame_size_;
+};
+
+}  // namespace zk

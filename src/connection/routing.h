@@ -1,0 +1,75 @@
+// What a route is made of. A row of the table names the literals that a message is known by, its code, and what becomes
+// of it: a parser fills the payload of a mailbox, and the mailbox's count rises.
+#pragma once
+
+#include <array>
+#include <type_traits>
+
+#include "connection/exchange.h"
+
+namespace zk {
+
+using Handler = void (*)(int slot, char* message);
+
+struct Route {
+    std::array<const char*, 4> literals;
+    int code;
+    Handler handle;
+};
+
+// Nobody waits for the message, or only on the pending list, which it does not reach.
+inline void dropped(int, char*) {}
+
+template <class T>
+T* address(T& value) {
+    return &value;
+}
+template <class T, size_t size>
+T* address(T (&values)[size]) {
+    return values;
+}
+
+// Parses into a copy of the payload and publishes it. Parsers of joint arrays take the socket first.
+template <auto& table, auto parse, auto... fields>
+int parse_into(int slot, const char* message) {
+    auto record = std::remove_reference_t<decltype(table[0])>{};
+    Mailbox mailbox(table);
+    mailbox.copy(slot, &record);
+    int status;
+    if constexpr (std::is_invocable_v<decltype(parse), const char*, decltype(address(record.*fields))...>) {
+        status = parse(message, address(record.*fields)...);
+    } else {
+        status = parse(read(SockInfo[slot].socket), message, address(record.*fields)...);
+    }
+    mailbox.fill(slot, &record);
+    mailbox.finish(slot, status);
+    return status;
+}
+
+// The rules of the counter: `set` makes it 1, `add` raises it by 1; with `first` it rises before the parser runs, so
+// that a caller polling at that moment may take the former result.
+template <auto& table, auto parse, auto... fields>
+void set(int slot, char* message) {
+    parse_into<table, parse, fields...>(slot, message);
+    Mailbox(table).raise(slot, false);
+}
+
+template <auto& table, auto parse, auto... fields>
+void add(int slot, char* message) {
+    parse_into<table, parse, fields...>(slot, message);
+    Mailbox(table).raise(slot, true);
+}
+
+template <auto& table, auto parse, auto... fields>
+void set_first(int slot, char* message) {
+    Mailbox(table).raise(slot, false);
+    parse_into<table, parse, fields...>(slot, message);
+}
+
+template <auto& table, auto parse, auto... fields>
+void add_first(int slot, char* message) {
+    Mailbox(table).raise(slot, true);
+    parse_into<table, parse, fields...>(slot, message);
+}
+
+}  // namespace zk

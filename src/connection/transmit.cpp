@@ -1,0 +1,59 @@
+// The entrance of the transmit queue and the thread behind it.
+#include <sys/socket.h>
+
+#include <cstdio>
+#include <cstring>
+
+#include "connection/descriptor_use.h"
+#include "connection/die.h"
+#include "connection/slots.h"
+#include "zk/queue.h"
+
+using namespace zk;
+
+namespace {
+
+constexpr int32_t pace_ms = 20;  // at most 50 frames a second, over all connections
+constexpr size_t longest_frame = sizeof(TxFrame) - offsetof(TxFrame, data);
+
+char* bytes_of(TxFrame& frame) { return reinterpret_cast<char*>(&frame) + offsetof(TxFrame, data); }
+
+void write_frame(TxFrame& frame) {
+    transmit_use.enter(frame.socket);
+    send(frame.socket, bytes_of(frame), static_cast<size_t>(frame.length < 0 ? 0 : frame.length),
+         MSG_DONTWAIT | MSG_NOSIGNAL);
+    transmit_use.leave();
+}
+
+}  // namespace
+
+ZK_API void Add_Queue(int32_t socket, const char* text, int32_t length) {
+    const size_t bytes = length < 0 ? 0 : static_cast<size_t>(length);
+    if (bytes > longest_frame) die("a frame of %d bytes exceeds the %zu that the queue holds", length, longest_frame);
+
+    TxFrame frame{};
+    std::memcpy(bytes_of(frame), text, bytes);
+    frame.length = length;
+    frame.socket = socket;
+
+    ZK_Mutex_Lock();
+    if (!Socket_Tx_Buffer.base) {
+        ZK_Mutex_UnLock();
+        die("a command needs the library initialised: call ZK_API_Init first, and again after ZK_API_UnInit");
+    }
+    request_leaves();
+    if (!ZK_Enqueu(&Socket_Tx_Buffer, &frame)) {
+        std::printf("enqueue socket:%d\r\n", socket);
+        std::fflush(stdout);
+    }
+    ZK_Mutex_UnLock();
+}
+
+ZK_API void* WriteThread(void*) {
+    for (;;) {
+        TxFrame frame{};
+        if (!sending_file() && ZK_Dequeue(&Socket_Tx_Buffer, &frame)) write_frame(frame);
+        sleep_cp(pace_ms);
+    }
+    return nullptr;
+}

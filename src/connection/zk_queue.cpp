@@ -1,0 +1,100 @@
+// The ring that carries all queued requests.
+#include "zk/queue.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "zk/connection.h"
+
+TxQueue Socket_Tx_Buffer;
+TxQueue Socket_Tx_Buffer_M;
+TxQueue Socket_Tx_Buffer_Block;
+TxQueue Socket_Tx_Buffer_NonBlock;
+pthread_mutex_t Queue_hMutex = PTHREAD_MUTEX_INITIALIZER;
+int32_t QueuelockInit = 0;
+
+namespace {
+
+constexpr size_t usual_frame = 300;
+
+class QueueLock {
+ public:
+    QueueLock() { Queue_Mutex_Lock(); }
+    ~QueueLock() { Queue_Mutex_UnLock(); }
+    QueueLock(const QueueLock&) = delete;
+    QueueLock& operator=(const QueueLock&) = delete;
+};
+
+int32_t next(const TxQueue& queue, int32_t index) { return (index + 1) % queue.capacity; }
+
+// A frame is copied as bytes from `data` on, so that the few bytes by which a long one reaches past `data` keep their
+// place in the element; the socket, written last, overlays four of them.
+void copy_frame(TxFrame* to, const TxFrame* from) {
+    constexpr size_t room = sizeof(TxFrame) - offsetof(TxFrame, data);
+    const size_t length = from->length < 0 ? 0 : static_cast<size_t>(from->length);
+    std::memcpy(reinterpret_cast<char*>(to) + offsetof(TxFrame, data),
+                reinterpret_cast<const char*>(from) + offsetof(TxFrame, data), length < room ? length : room);
+    to->length = from->length;
+    to->socket = from->socket;
+}
+
+}  // namespace
+
+ZK_API void Queue_Mutex_Lock() { pthread_mutex_lock(&Queue_hMutex); }
+ZK_API void Queue_Mutex_UnLock() { pthread_mutex_unlock(&Queue_hMutex); }
+ZK_API void ZK_Mutex_Lock() { pthread_mutex_lock(&m_hMutex); }
+ZK_API void ZK_Mutex_UnLock() { pthread_mutex_unlock(&m_hMutex); }
+
+ZK_API int ZK_Queue_Create(TxQueue* queue, int32_t capacity) {
+    QueueLock lock;
+    QueuelockInit = 1;
+    const size_t frames = capacity < 0 ? 0 : static_cast<size_t>(capacity);
+    queue->base = static_cast<TxFrame*>(std::malloc(frames * sizeof(TxFrame)));
+    if (!queue->base && frames > 0) return 0;
+    for (size_t i = 0; i < frames; ++i) std::memset(queue->base[i].data, 0, usual_frame);
+    queue->front = 0;
+    queue->rear = 0;
+    queue->capacity = capacity;
+    return 1;
+}
+
+ZK_API int ZK_Queue_Full(TxQueue* queue) {
+    QueueLock lock;
+    return queue->capacity < 1 || next(*queue, queue->rear) == queue->front;
+}
+
+ZK_API int ZK_Queue_Empty(TxQueue* queue) {
+    QueueLock lock;
+    return queue->front == queue->rear;
+}
+
+ZK_API int ZK_Enqueu(TxQueue* queue, TxFrame* frame) {
+    if (ZK_Queue_Full(queue)) return 0;
+    QueueLock lock;
+    if (!queue->base) return 0;
+    copy_frame(&queue->base[queue->rear], frame);
+    queue->rear = next(*queue, queue->rear);
+    return 1;
+}
+
+ZK_API int ZK_Dequeue(TxQueue* queue, TxFrame* frame) {
+    if (ZK_Queue_Empty(queue)) return 0;
+    QueueLock lock;
+    if (!queue->base || queue->front == queue->rear) return 0;
+    copy_frame(frame, &queue->base[queue->front]);
+    queue->front = next(*queue, queue->front);
+    return 1;
+}
+
+ZK_API void ZK_Queue_Clear(TxQueue* queue) {
+    QueueLock lock;
+    queue->front = queue->rear;
+}
+
+ZK_API void ZK_Queue_Deleate(TxQueue* queue) {
+    QueueLock lock;
+    if (!queue->base) return;
+    queue->front = queue->rear;
+    std::free(queue->base);
+    queue->base = nullptr;
+}

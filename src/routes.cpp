@@ -1,0 +1,386 @@
+// The one table of what controllers say: by which literal a message is known, its code, and what becomes of it.
+//
+// The order of the rows is behaviour. A message belongs to the first row with a literal that stands anywhere in it, so
+// a setter's literal comes before the query's that it contains, and a literal that contains an earlier one is never
+// reached. The last rows have codes that no literal gives; they stand for commands that wait for them all the same.
+#include <cstring>
+
+#include "commands/drag_point.h"
+#include "connection/routing.h"
+#include "zk/algorithm.h"
+#include "zk/arm_limits.h"
+#include "zk/arm_state.h"
+#include "zk/attached_axes.h"
+#include "zk/dispatch.h"
+#include "zk/drag_teach.h"
+#include "zk/file_transfer.h"
+#include "zk/force_control.h"
+#include "zk/force_position.h"
+#include "zk/frames.h"
+#include "zk/gripper_and_hand.h"
+#include "zk/io.h"
+#include "zk/joint_configuration.h"
+#include "zk/modbus.h"
+#include "zk/motion.h"
+#include "zk/programs.h"
+#include "zk/realtime.h"
+#include "zk/safety_geometry.h"
+#include "zk/startup.h"
+#include "zk/streaming.h"
+#include "zk/system.h"
+#include "zk/teach.h"
+#include "zk/trajectory.h"
+
+namespace zk {
+namespace {
+
+// A reply whose command is not part of the library yet.
+void unread(int, char*) {}
+
+// The tool frame in use also becomes Tool_Matrix, with its Euler angles in the place of the position.
+void tool_frame_in_use(int slot, char* message) {
+    if (parse_into<Current_Tool_Cmd, Parser_Get_Current_Tool_Frame, &FrameReply::frame>(slot, message) == ZK_OK) {
+        FrameRec frame;
+        read_words(&frame, &Current_Tool_Cmd[slot].frame, sizeof frame);
+        const Euler& euler = frame.pose.euler;
+        frame.pose.position = {euler.rx, euler.ry, euler.rz};
+        Tool_Matrix = Algo_Pos2Matrix(frame.pose);
+    }
+    Mailbox(Current_Tool_Cmd).raise(slot, true);
+}
+
+void work_frame_in_use(int slot, char* message) {
+    if (parse_into<Current_Work_Cmd, Parser_Get_Current_Work_Frame, &FrameReply::frame>(slot, message) == ZK_OK) {
+        FrameRec frame;
+        read_words(&frame, &Current_Work_Cmd[slot].frame, sizeof frame);
+        Frame_Matrix = Algo_Pos2Matrix(frame.pose);
+    }
+    Mailbox(Current_Work_Cmd).raise(slot, true);
+}
+
+// The local model follows the arm's mounting.
+void mounting(int slot, char* message) {
+    if (parse_into<Get_Install_Pose_Cmd, Parser_Get_Install_Pose, &InstallPoseReply::x, &InstallPoseReply::y,
+                   &InstallPoseReply::z>(slot, message) == ZK_OK) {
+        InstallPoseReply reply;
+        Mailbox(Get_Install_Pose_Cmd).copy(slot, &reply);
+        Algo_Set_Angle(reply.x, reply.y, reply.z);
+    }
+    Mailbox(Get_Install_Pose_Cmd).raise(slot, true);
+}
+
+// The replies of the force sensor's calibrations are told apart by nobody: both mailboxes get each.
+void force_sensor(int slot, char* message) {
+    set<Set_Force_Sensor_Cmd, Parser_Set_Force_Sensor>(slot, message);
+    set<Auto_Set_Fz_Cmd, Parser_Set_Force_Sensor>(slot, message);
+}
+
+// Reports of streamed motion go to the application's callback.
+template <int type>
+void report(int slot, char* message) {
+    ArmMotionReport report{};
+    report.report_type = type;
+    report.arm_err = 8;
+    report.socket = read(SockInfo[slot].socket);
+    if constexpr (type == 3) {
+        report.result = Parser_Force_Position_Move(report.socket, message, report.joint, report.all_direction_force,
+                                                   &report.force, &report.arm_err);
+    } else {
+        report.result = Parser_Movej_CANFD(report.socket, message, &report.pose, report.joint, &report.arm_err);
+    }
+    if (const MotionReportCallback callback = read(callback1, std::memory_order_acquire)) callback(report);
+}
+constexpr Handler joint_report = report<1>;
+constexpr Handler pose_report = report<2>;
+constexpr Handler force_report = report<3>;
+
+void drag_point(int slot, char* message) { save_drag_point(slot, message); }
+
+// clang-format off
+constexpr Route routes[] = {
+    {{"add_global_waypoint"}, 265, add<Add_Global_Waypoint_Cmd, Parser_Add_State>},
+    {{"update_global_waypoint"}, 266, add<Update_Global_Waypoint_Cmd, Parser_Update_State>},
+    {{"delete_global_waypoint"}, 267, add<Delete_Global_Waypoint_Cmd, Parser_Delete_State>},
+    {{"given_global_waypoint"}, 268, unread},
+    {{"get_global_waypoints_list"}, 269, unread},
+    {{"point"}, 231, drag_point},
+    {{"set_joint_drive_max_speed", "set_joint_max_drive_speed"}, 218, add<Set_Joint_Drive_Max_Speed_Cmd, Parser_Set_Joint_Drive_Max_Speed>},
+    {{"get_joint_drive_max_speed"}, 222, unread},
+    {{"set_joint_drive_max_acc", "set_joint_max_drive_acc"}, 219, add<Set_Joint_Drive_Max_Acc_Cmd, Parser_Set_Joint_Drive_Max_Acc>},
+    {{"get_joint_drive_max_acc"}, 223, unread},
+    {{"set_joint_drive_max_pos"}, 221, add<Set_Joint_Drive_Max_Pos_Cmd, Parser_Set_Joint_Drive_Max_Pos>},
+    {{"get_joint_drive_max_pos"}, 203, unread},
+    {{"set_joint_drive_min_pos"}, 220, add<Set_Joint_Drive_Min_Pos_Cmd, Parser_Set_Joint_Drive_Min_Pos>},
+    {{"get_joint_drive_min_pos"}, 202, unread},
+    {{"set_joint_max_speed"}, 2, set<Set_Joint_Max_Speed_Cmd, Parser_Joint_Speed>},
+    {{"expand_get_version"}, 217, unread},
+    {{"expand_set_version"}, 216, set<Expand_Set_Version_Cmd, Parser_Expand_Set_Version>},
+    {{"get_realtime_push"}, 230, add<Get_Realtime_Push_Cmd, Parser_Get_Realtime_Push, &RealtimePushReply::config>},
+    {{"expand_state"}, 224, unread},
+    {{"expand_config"}, 225, set<Expand_Config_Cmd, Parser_Expand_Config>},
+    {{"expand_get_config"}, 226, unread},
+    {{"joint_max_speed"}, 1, add<Joint_Max_Speed_Cmd, Parser_Get_Joint_Speed, &JointReply::value>},
+    {{"joint_zero_pos"}, 7, set_first<Set_Joint_Zero_Cmd, Parser_Joint_Zero_Pos>},
+    {{"set_joint_max_acc"}, 3, set<Set_Joint_Max_Acc_Cmd, Parser_Joint_Acc>},
+    {{"set_joint_min_pos"}, 4, set_first<Set_Joint_Min_Pos_Cmd, Parser_Joint_Min_Pos>},
+    {{"set_joint_max_pos"}, 5, set<Set_Joint_Max_Pos_Cmd, Parser_Joint_Max_Pos>},
+    {{"set_joint_en_state"}, 6, set<Set_Joint_En_State_Cmd, Parser_Joint_EN_State>},
+    {{"set_joint_clear_err"}, 8, set<Set_Joint_Clear_Err_Cmd, Parser_Joint_Err_Clear>},
+    {{"start_calibrate"}, 9, dropped},
+    {{"stop_calibrate"}, 10, dropped},
+    {{"calibrate_state"}, 11, dropped},
+    {{"joint_max_acc"}, 12, add_first<Get_Joint_Max_Acc_Cmd, Parser_Get_Joint_Acc, &JointReply::value>},
+    {{"joint_min_pos"}, 13, add<Get_Joint_Min_Pos_Cmd, Parser_Get_Min_Pos, &JointReply::value>},
+    {{"joint_max_pos"}, 14, add<Get_Joint_Max_Pos_Cmd, Parser_Get_Max_Pos, &JointReply::value>},
+    {{"joint_en_state"}, 15, unread},
+    {{"joint_err_flag"}, 16, unread},
+    {{"joint_software_version"}, 17, unread},
+    {{"set_arm_max_line_speed"}, 19, set<Set_Arm_Max_Line_Speed_Cmd, Parser_Arm_Line_Speed>},
+    {{"set_arm_max_line_acc"}, 20, set<Set_Arm_Max_Line_Acc_Cmd, Parser_Arm_Line_Acc>},
+    {{"set_arm_max_angular_speed"}, 21, set<Set_Arm_Max_Angular_Speed_Cmd, Parser_Arm_Angular_Speed>},
+    {{"set_arm_max_angular_acc"}, 22, set<Set_Arm_Max_Angular_Acc_Cmd, Parser_Arm_Angular_Acc>},
+    {{"arm_max_line_speed"}, 23, unread},
+    {{"arm_max_line_acc"}, 24, unread},
+    {{"arm_max_angular_speed"}, 25, unread},
+    {{"arm_max_angular_acc"}, 26, unread},
+    {{"set_arm_init"}, 27, set_first<Set_Arm_Tip_Init_Cmd, Parser_Arm_Tip_Init>},
+    {{"get_collision_stage"}, 29, unread},
+    {{"set_DH_data"}, 30, set<Set_DH_Data_Cmd, Parser_Set_DH_Data>},
+    {{"DH_data"}, 31, unread},
+    {{"set_joint_zero_offset"}, 32, set<Set_Joint_Zero_OffSet_Cmd, Parser_Set_Joint_Zero_Offset>},
+    {{"set_arm_dynamic_parm"}, 33, set<Set_ARM_Dynamic_Parm_Cmd, Parser_Set_Hand>},
+    {{"tool_software_version"}, 34, unread},
+    {{"set_arm_servo"}, 35, set<Set_Arm_Servo_State_Cmd, Parser_Arm_Servo_State>},
+    {{"set_system_state_servo"}, 36, dropped},
+    {{"set_auto_tool_frame"}, 37, set<Auto_Set_Tool_Frame_Cmd, Parser_Auto_Set_Tool_Frame>},
+    {{"generate_auto_tool_frame"}, 38, set<Auto_Set_Tool_Frame_Cmd, Parser_Auto_Set_Tool_Frame>},
+    {{"set_manual_tool_frame"}, 39, set<Manual_Set_Tool_Frame_Cmd, Parser_Manual_Set_Tool_Frame>},
+    {{"set_change_tool_frame"}, 40, set_first<Change_Tool_Frame_Cmd, Parser_Change_Tool_Frame>},
+    {{"set_delete_tool_frame"}, 41, set<Delete_Tool_Frame_Cmd, Parser_Delete_Tool_Frame>},
+    {{"set_payload"}, 42, set<Set_Payload_Cmd, Parser_Set_Hand>},
+    {{"set_none_payload"}, 43, set<Set_None_Payload_Cmd, Parser_Set_Hand>},
+    {{"current_tool_frame"}, 44, tool_frame_in_use},
+    {{"given_tool_frame", "get_tool_frame"}, 45, unread},
+    {{"total_tool_frame"}, 46, unread},
+    {{"set_auto_work_frame"}, 47, set<Auto_Set_Work_Frame_Cmd, Parser_Auto_Set_Work_Frame>},
+    {{"set_manual_work_frame"}, 48, set<Manual_Set_Work_Frame_Cmd, Parser_Manual_Set_Work_Frame>},
+    {{"set_change_work_frame"}, 49, set<Change_Work_Frame_Cmd, Parser_Change_Work_Frame>},
+    {{"set_delete_work_frame"}, 50, set<Delete_Work_Frame_Cmd, Parser_Delete_Work_Frame>},
+    {{"current_work_frame"}, 51, work_frame_in_use},
+    {{"given_work_frame", "get_work_frame"}, 52, unread},
+    {{"total_work_frame"}, 53, unread},
+    {{"current_arm_state"}, 54, add<Arm_Current_State_Cmd, Parser_Arm_State, &ArmStateReply::joint, &ArmStateReply::pose, &ArmStateReply::arm_err, &ArmStateReply::sys_err>},
+    {{"current_joint_current"}, 56, unread},
+    {{"current_joint_voltage"}, 57, unread},
+    {{"joint_degree"}, 58, unread},
+    {{"arm_all_state"}, 59, unread},
+    {{"arm_plan_num"}, 60, unread},
+    {{"set_init_pose"}, 61, set<Set_Arm_Init_Pose_Cmd, Parser_Set_Arm_Init_Pose>},
+    {{"init_pose"}, 62, unread},
+    {{"set_install_pose"}, 63, set<Set_Install_Pose_Cmd, Parser_Set_Hand>},
+    {{"current_trajectory_state"}, 64, set<Move_Cmd, Parser_Plan_Feedback, &MoveReport::device, &MoveReport::trajectory_connect>},
+    {{"joint_state"}, 65, joint_report},
+    {{"pose_state"}, 66, pose_report},
+    {{"set_arm_stop"}, 67, set<Set_Arm_Stop_Cmd, Parser_Move_Stop>},
+    {{"set_arm_slow_stop"}, 232, set<Set_Arm_Slow_Stop_Cmd, Parser_Move_Slow_Stop>},
+    {{"set_arm_pause"}, 68, set<Set_Arm_Pause_Cmd, Parser_Move_Pause>},
+    {{"set_delete_current_trajectory"}, 70, set<Clear_Current_Trajectory_Cmd, Parser_Clear_Current_Trajectory>},
+    {{"set_arm_delete_trajectory"}, 71, set<Clear_All_Trajectory_Cmd, Parser_Clear_All_Trajectory>},
+    {{"arm_current_trajectory"}, 72, set<Get_Arm_Current_Trajectory_Cmd, Parser_Get_Current_Trajectory, &TrajectoryReply::type, &TrajectoryReply::data>},
+    {{"movej", "movel", "movec", "moves"}, 189, set<Move_Receive_Cmd, Parser_Receive_State, &MoveAcknowledgement::move_type>},
+    {{"add_waypoint"}, 73, dropped},
+    {{"start_waypoint"}, 74, dropped},
+    {{"clear_waypoint"}, 75, dropped},
+    {{"timer"}, 77, dropped},
+    {{"set_joint_teach"}, 78, set<Joint_Teach_Cmd_Cmd, Parser_Joint_Teach>},
+    {{"set_pos_teach"}, 79, set<Pos_Teach_Cmd_Cmd, Parser_Pos_Teach>},
+    {{"set_ort_teach"}, 80, set<Ort_Teach_Cmd_Cmd, Parser_Ort_Teach>},
+    {{"set_stop_teach"}, 81, set<Teach_Stop_Cmd_Cmd, Parser_Teach_Stop>},
+    {{"set_joint_step"}, 82, dropped},
+    {{"set_pos_step"}, 83, dropped},
+    {{"set_ort_step"}, 84, dropped},
+    {{"controller_state"}, 85, unread},
+    {{"set_arm_power"}, 86, set<Set_Arm_Power_Cmd, Parser_Set_Arm_Power>},
+    {{"arm_power_state"}, 87, unread},
+    {{"clear_system_err"}, 88, set<Clear_System_Err_Cmd, Parser_Clear_System_Err>},
+    {{"arm_hardware_version"}, 89, dropped},
+    {{"arm_software_version"}, 90, unread},
+    {{"get_log_file"}, 91, dropped},
+    {{"get_system_runtime"}, 92, unread},
+    {{"clear_system_runtime"}, 93, set_first<Clear_System_Runtime_Cmd, Parser_Clear_System_Err>},
+    {{"get_joint_odom"}, 94, unread},
+    {{"clear_joint_odom"}, 95, set<Clear_Joint_Odom_Cmd, Parser_Clear_System_Err>},
+    {{"set_high_speed_eth"}, 96, set<Set_High_Speed_Eth_Cmd, Parser_Set_High_Speed_Eth>},
+    {{"set_tool_DO_state"}, 106, set<Set_Tool_DO_State_Cmd, Parser_Set_Tool_DO_State_2>},
+    {{"set_DO_state"}, 97, set<Set_DO_State_Cmd, Parser_Set_DO_State>},
+    {{"set_AO_state"}, 98, set<Set_AO_State_Cmd, Parser_Set_AO_State>},
+    {{"DO_state"}, 100, unread},
+    {{"DI_state"}, 101, unread},
+    {{"AO_state"}, 102, unread},
+    {{"AI_state"}, 103, unread},
+    {{"IO_input"}, 99, unread},
+    {{"IO_output"}, 104, unread},
+    {{"set_tool_IO_mode"}, 107, set<Set_Tool_IO_Mode_Cmd, Parser_Set_Tool_DO_State>},
+    {{"tool_IO_state"}, 108, unread},
+    {{"Start_Force_Position_Move"}, 160, set<Start_Force_Position_Move_Cmd, Parser_Set_Tool_DO_State>},
+    {{"Stop_Force_Position_Move"}, 162, set<Stop_Force_Position_Move_Cmd, Parser_Set_Tool_DO_State>},
+    {{"set_tool_voltage"}, 109, set<Set_Tool_Voltage_Cmd, Parser_Set_Tool_Voltage>},
+    {{"tool_voltage"}, 110, unread},
+    {{"set_gripper_route"}, 111, set<Set_Gripper_Route_Cmd, Parser_Set_Gripper_Route>},
+    {{"set_gripper"}, 112, set<Set_Gripper_Release_Cmd, Parser_Set_Gripper_Route>},
+    {{"start_drag_teach"}, 113, set<Start_Drag_Teach_Cmd, Parser_Drag_Teach>},
+    {{"stop_drag_teach"}, 114, set<Stop_Drag_Teach_Cmd, Parser_Drag_Teach>},
+    {{"set_drag_teach_sensitivity"}, 272, set<Set_Drag_Teach_Sensitivity_Cmd, Parser_Set_Joint_Zero_Offset>},
+    {{"get_drag_teach_sensitivity"}, 273, unread},
+    {{"run_drag_trajectory"}, 115, set<Run_Drag_Trajectory_Cmd, Parser_Run_Drag_Trajectory>},
+    {{"pause_drag_trajectory"}, 116, set<Pause_Drag_Trajectory_Cmd, Parser_Pause_Drag_Trajectory>},
+    {{"continue_drag_trajectory"}, 117, set<Continue_Drag_Trajectory_Cmd, Parser_Continue_Drag_Trajectory>},
+    {{"stop_drag_trajectory"}, 118, set<Stop_Drag_Trajectory_Cmd, Parser_Stop_Drag_Trajectory>},
+    {{"drag_trajectory_origin"}, 119, unread},
+    {{"start_multi_drag_teach"}, 120, set<Start_Multi_Drag_Teach_Cmd, Parser_Set_Hand>},
+    {{"set_force_position"}, 121, set<Set_Force_Postion_Cmd, Parser_Set_Hand>},
+    {{"stop_force_position"}, 122, set<Stop_Force_Postion_Cmd, Parser_Stop_Drag_Trajectory>},
+    {{"get_force_data"}, 123, unread},
+    {{"clear_force_data"}, 124, set<Clear_Force_Data_Cmd, Parser_Clear_Force_Data>},
+    {{"stop_set_force_sensor"}, 126, set<Stop_Set_Force_Sensor_Cmd, Parser_Stop_Force_Sensor>},
+    {{"set_force_sensor"}, 125, force_sensor},
+    {{"set_hand_posture"}, 127, set<Set_Hand_Posture_Cmd, Parser_Set_Hand>},
+    {{"set_hand_seq"}, 128, set<Set_Hand_Seq_Cmd, Parser_Set_Hand>},
+    {{"set_hand_angle"}, 129, set<Set_Hand_Angle_Cmd, Parser_Set_Hand>},
+    {{"set_hand_speed"}, 130, set<Set_Hand_Speed_Cmd, Parser_Set_Hand>},
+    {{"set_PWM"}, 132, dropped},
+    {{"get_Fz"}, 133, unread},
+    {{"clear_Fz"}, 134, set<Clear_Fz_Cmd, Parser_Set_Hand>},
+    {{"auto_set_Fz"}, 135, force_sensor},
+    {{"manual_set_Fz"}, 136, force_sensor},
+    {{"close_modbus_mode"}, 138, set<Stop_Modbus_Mode_Cmd, Parser_Set_Hand>},
+    {{"read_coils"}, 139, unread},
+    {{"read_multiple_coils"}, 215, unread},
+    {{"input_status"}, 140, unread},
+    {{"multiple_holding_registers"}, 211, unread},
+    {{"multiple_input_registers"}, 270, unread},
+    {{"holding_registers"}, 141, unread},
+    {{"input_registers"}, 142, unread},
+    {{"write_single_coil"}, 143, set<Write_Single_Coil_Cmd, Parser_Write_single_coil>},
+    {{"write_coils"}, 144, set<Write_Coils_Cmd, Parser_Write_Multiple_Coils>},
+    {{"write_single_register"}, 145, set<Write_Single_Registers_Cmd, Parser_Write_single_coil>},
+    {{"write_registers"}, 146, set<Write_Registers_Cmd, Parser_Write_Multiple_Coils>},
+    {{"set_vehicle"}, 147, dropped},
+    {{"set_lift_speed"}, 149, dropped},
+    {{"set_lift_height"}, 150, dropped},
+    {{"set_lift"}, 148, dropped},
+    {{"lift_state"}, 151, unread},
+    {{"set_car_move"}, 152, dropped},
+    {{"set_car_speed"}, 153, dropped},
+    {{"set_car_navigation_speed"}, 154, dropped},
+    {{"set_car_navigation_mode"}, 155, dropped},
+    {{"get_car_state"}, 156, dropped},
+    {{"set_car_charge"}, 157, dropped},
+    {{"set_car_station_num"}, 158, dropped},
+    {{"set_collision_state"}, 28, set<Set_Collision_Stage_Cmd, Parser_Set_Collision_Stage>},
+    {{"current_joint_temperature"}, 55, unread},
+    {{"set_arm_continue"}, 69, set<Set_Arm_Continue_Cmd, Parser_Move_Continue>},
+    {{"set_hand_force"}, 131, set<Set_Hand_Force_Cmd, Parser_Set_Hand>},
+    {{"hand_follow_angle"}, 274, set<Set_Hand_Follow_Angle_Cmd, Parser_Set_Hand>},
+    {{"hand_follow_pos"}, 275, set<Set_Hand_Follow_Pos_Cmd, Parser_Set_Hand>},
+    {{"set_modbus_mode"}, 137, set<Set_Modbus_Mode_Cmd, Parser_Set_Hand>},
+    {{"set_modbustcp_mode"}, 252, add<Set_Modbustcp_Mode_Cmd, Parser_Set_Modbustcp_Mode>},
+    {{"Force_Position_State"}, 161, force_report},
+    {{"set_teach_frame"}, 165, set<Set_Teach_Frame_Cmd, Parser_Set_TEACH_FRAME>},
+    {{"get_teach_frame"}, 241, unread},
+    {{"download_project"}, 164, unread},
+    {{"run_project"}, 163, set<Run_Project_Cmd, Parser_RunProject>},
+    {{"install_pose"}, 167, mounting},
+    {{"auto_set_joint_limit"}, 206, set<Auto_Set_Joint_Limit_Cmd, Parser_Set_Joint_Limit>},
+    {{"IO_state"}, 105, unread},
+    {{"set_arm_run_mode"}, 181, unread},
+    {{"get_arm_run_mode"}, 182, unread},
+    {{"run_update_software"}, 183, set<Run_Update_Software_Project_Cmd, Parser_Run_UpdateSoftware_E>},
+    {{"online_next"}, 184, set<Set_Online_Start_Cmd, Parser_Set_Online_Start>},
+    {{"set_lift_version"}, 185, unread},
+    {{"set_sale_version"}, 192, unread},
+    {{"get_tool_hardware_version"}, 193, unread},
+    {{"save_trajectory"}, 194, unread},
+    {{"popup"}, 197, set<Set_Popup_Cmd, Parser_Set_Popup>},
+    {{"get_program_trajectory_list"}, 235, unread},
+    {{"get_program_run_state"}, 236, unread},
+    {{"set_program_id_start"}, 237, set<Set_Program_ID_Start_Cmd, Parser_Set_Program_ID_Start>},
+    {{"program_run_finish"}, 240, unread},
+    {{"delete_program_trajectory"}, 239, set<Delete_Program_Trajectory_Cmd, Parser_Delete_State>},
+    {{"set_high_ethernet"}, 198, set<Set_High_Ethernet_Cmd, Parser_Set_High_Ethernet>},
+    {{"get_high_ethernet"}, 199, unread},
+    {{"save_device_info_all"}, 200, set<Save_Device_Info_All_Cmd, Parser_Save_Device_Info_All>},
+    {{"set_NetIP"}, 201, set<Set_NetIP_Cmd, Parser_Set_NetIP>},
+    {{"get_wired_net"}, 208, unread},
+    {{"get_wifi_net"}, 209, unread},
+    {{"get_controller_RS485_mode"}, 233, unread},
+    {{"get_tool_RS485_mode"}, 234, unread},
+    {{"set_net_default"}, 210, set<Set_Net_Default_Cmd, Parser_Set_Net_Default_Cmd>},
+    {{"set_IO_mode"}, 212, set<Set_IO_Mode_Cmd, Parser_Set_IO_Mode>},
+    {{"set_voltage"}, 213, set<Set_Voltage_Cmd, Parser_Set_Voltage>},
+    {{"voltage_state"}, 214, unread},
+    {{"set_realtime_push"}, 229, add<Set_Realtime_Push_Cmd, Parser_Set_Realtime_Push>},
+    {{"set_electronic_fence_enable"}, 242, add<Set_Electronic_Fence_Enable_Cmd, Parser_Set_Electronic_Fence_Enable>},
+    {{"get_electronic_fence_enable"}, 243, unread},
+    {{"set_electronic_fence_config"}, 244, add<Set_Electronic_Fence_Config_Cmd, Parser_Set_Electronic_Fence_Config>},
+    {{"get_electronic_fence_config"}, 245, unread},
+    {{"add_electronic_fence_config"}, 246, add<Add_Electronic_Fence_Config_Cmd, Parser_Add_Electronic_Fence_Config>},
+    {{"update_electronic_fence_config"}, 247, add<Update_Electronic_Fence_Config_Cmd, Parser_Update_Electronic_Fence_Config>},
+    {{"delete_electronic_fence_config"}, 248, add<Delete_Electronic_Fence_Config_Cmd, Parser_delete_Electronic_Fence_Config>},
+    {{"get_electronic_fence_list_names"}, 249, unread},
+    {{"given_electronic_fence_config"}, 250, unread},
+    {{"get_electronic_fence_list_infos"}, 251, unread},
+    {{"close_modbustcp_mode"}, 253, add<Close_Modbustcp_Mode_Cmd, Parser_Close_Modbustcp_Mode>},
+    {{"set_self_collision_enable"}, 254, add<Set_Self_Collision_Enable_Cmd, Parser_Set_Self_Collision_Enable>},
+    {{"get_self_collision_enable"}, 255, unread},
+    {{"get_gripper_state"}, 204, unread},
+    {{"auto_fix_joint_over_soft_limit"}, 205, add<Auto_Fix_Joint_Over_Soft_Limit_Cmd, Parser_Set_IO_Mode>},
+    {{"arm_software_info"}, 207, add<Get_Arm_Software_Info_Cmd, Parser_Get_Arm_Software_Info, &ArmSoftwareInfoReply::info>},
+    {{"plan_speed"}, 196, set<Set_Plan_Speed_Cmd, Parser_Set_Plan_Speed>},
+    {{"set_force_drag_threshold"}, 186, add<Set_Force_Drag_Threshold_Cmd, Parser_Set_IO_Mode>},
+    {{"get_force_drag_threshold"}, 187, unread},
+    {{"init_force_drag_threshold"}, 188, add<Init_Force_Drag_Threshold_Cmd, Parser_init_force_drag_threshold>},
+    {{"set_tool_envelope"}, 190, add<Set_Tool_Envelope_Cmd, Parser_Set_High_Speed_Eth>},
+    {{"velope"}, 191, unread},
+    {{"set_virtual_wall_config"}, 256, add<Set_Virtual_Wall_Config_Cmd, Parser_Set_Config>},
+    {{"get_virtual_wall_config"}, 257, unread},
+    {{"set_virtual_wall_enable"}, 258, add<Set_Virtual_Wall_Enable_Cmd, Parser_Set_High_Speed_Eth>},
+    {{"get_virtual_wall_enable"}, 259, unread},
+    {{"update_work_frame"}, 260, add<Update_Work_Frame_Cmd, Parser_Update_State>},
+    {{"update_tool_frame"}, 261, add<Update_Tool_Frame_Cmd, Parser_Update_State>},
+    {{"set_default_run_program"}, 263, add<Set_Default_Run_Program_Cmd, Parser_Set_High_Speed_Eth>},
+    {{"get_default_run_program"}, 264, unread},
+    {{"update_program_trajectory"}, 262, add<Update_Program_Trajectory_Cmd, Parser_Update_State>},
+    {{}, 169, set<Set_IO_Mode_NC_Cmd, Parser_Set_High_Speed_Eth>},
+    {{}, 176, set<Set_IO_State_NC_Cmd, Parser_Set_High_Speed_Eth>},
+    {{}, 177, unread},
+    {{}, 178, unread},
+    {{}, 179, set<Set_Controller_Voltage_NC_Cmd, Parser_Set_Gripper_Route>},
+    {{}, 180, unread},
+    {{}, 195, unread},
+};
+// clang-format on
+
+const Route* find_route(const char* message) {
+    for (const Route& route : routes) {
+        for (const char* literal : route.literals) {
+            if (!literal) break;
+            if (std::strstr(message, literal)) return &route;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+}  // namespace zk
+
+ZK_API int Get_Json_KeyCode(const char* message) {
+    const zk::Route* route = message ? zk::find_route(message) : nullptr;
+    return route ? route->code : 0;
+}
+
+ZK_API int handle_Recv_Json(int32_t slot, char* message) {
+    if (slot < 0 || slot >= ZK_SLOTS || !message) return 0;
+    if (const zk::Route* route = zk::find_route(message)) route->handle(slot, message);
+    return 0;
+}
