@@ -3,19 +3,19 @@
 namespace sim {
 
 Command& CommandTable::set(const std::string& name, const std::string& key, Action action) {
-    return add(name, {.key = key, .state = {}, .action = std::move(action), .query = {}, .refused = {}});
+    return add(name, {.literal = name, .key = key, .action = std::move(action), .query = {}, .refused = {}});
 }
 
-Command& CommandTable::query(const std::string& name, const std::string& state, Query query) {
-    return add(name, {.key = {}, .state = state, .action = {}, .query = std::move(query), .refused = {}});
+Command& CommandTable::query(const std::string& name, const std::string& literal, Query query) {
+    return add(name, {.literal = literal, .key = {}, .action = {}, .query = std::move(query), .refused = {}});
 }
 
 Command& CommandTable::order(const std::string& name, Hook hook) {
-    return add(name, {.key = {},
-                      .state = {},
-                      .action = [hook = std::move(hook)](Call& call) { return hook(call), true; },
-                      .query = {},
-                      .refused = {}});
+    const auto action = [hook = std::move(hook)](Call& call) {
+        hook(call);
+        return true;
+    };
+    return add(name, {.literal = {}, .key = {}, .action = action, .query = {}, .refused = {}});
 }
 
 const Command* CommandTable::find(const std::string& name) const {

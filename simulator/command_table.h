@@ -24,22 +24,24 @@ using Query = std::function<Json(Call&)>;
 using Hook = std::function<void(Call&)>;
 
 struct Command {
-    std::string key;    // of the acknowledgement; empty when the command has none
-    std::string state;  // literal of the query's reply; empty for an action
-    Action action;
-    Query query;
-    Hook refused;  // runs behind a false acknowledgement
+    std::string literal;  // by which the client finds the reply
+    std::string key;      // of the acknowledgement; empty when the command has none
+    Action action;        // of a command that is acknowledged or not answered
+    Query query;          // of one that is answered
+    Hook refused;         // runs behind a false acknowledgement
 };
 
-// The commands by name. A client tells replies apart by searching their text for literals in a fixed order, so a row
-// names the literal that its reply must be found by.
+// The commands by name. A client tells replies apart by searching their text for literals in a fixed order, and the
+// first one found decides. A row names the literal of its own reply; no other key or value of the reply may hold an
+// earlier one.
 class CommandTable {
  public:
-    // Acknowledged with {"command": <name>, <key>: true or false}; false also when the action throws BadRequest.
+    // Acknowledged with {"command": <literal>, <key>: true or false}, the literal being the name unless the row is told
+    // another. False also when the action throws BadRequest.
     Command& set(const std::string& name, const std::string& key, Action action);
 
-    // Answered with {"state": <state>, ...}, the rest as `query` returns it. BadRequest leaves it unanswered.
-    Command& query(const std::string& name, const std::string& state, Query query);
+    // Answered with {"state": <literal>, ...}, the rest as `query` returns it. BadRequest leaves it unanswered.
+    Command& query(const std::string& name, const std::string& literal, Query query);
 
     // Carried out and not answered.
     Command& order(const std::string& name, Hook hook);

@@ -65,8 +65,8 @@ void Controller::handle(std::string_view text, const std::shared_ptr<Client>& cl
 }
 
 void Controller::carry_out(const Command& command, Call& call) {
-    if (!command.state.empty()) {
-        Json reply{{"state", command.state}};
+    if (command.query) {
+        Json reply{{"state", command.literal}};
         reply.update(command.query(call));
         call.client->send(reply);
         return;
@@ -77,7 +77,7 @@ void Controller::carry_out(const Command& command, Call& call) {
     } catch (const BadRequest& error) {
         note(call.client->name() + ": " + error.what());
     }
-    if (!command.key.empty()) call.client->send({{"command", call.request.command()}, {command.key, done}});
+    if (!command.key.empty()) call.client->send({{"command", command.literal}, {command.key, done}});
     if (!done && command.refused) command.refused(call);
 }
 
