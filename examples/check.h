@@ -1,0 +1,48 @@
+// What every example does with a status: go on when it is good, tell the cause when it is not.
+#pragma once
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "zk_base.h"
+
+inline bool succeeded(const char* what, int status) {
+    if (status != ZK_OK) std::fprintf(stderr, "%s failed with status %d: %s\n", what, status, ZK_Status_Text(status));
+    return status == ZK_OK;
+}
+
+// An open arm that is closed at the end of its scope. Check is_open() before use.
+class Arm {
+ public:
+    Arm(const char* address, int port, int arm_mode) {
+        ZK_API_Init(arm_mode, nullptr);
+        socket_ = Arm_Socket_Start(address, port, 5000);
+        if (!is_open()) succeeded("Connecting", socket_);
+    }
+    ~Arm() {
+        if (is_open()) Arm_Socket_Close(socket_);
+    }
+    Arm(const Arm&) = delete;
+    Arm& operator=(const Arm&) = delete;
+
+    bool is_open() const { return socket_ > ZK_LARGEST_STATUS; }
+    operator ArmSocket() const { return socket_; }
+
+ private:
+    ArmSocket socket_;
+};
+
+// ADDRESS PORT [ARM_MODE], where the arm mode is 65 for six joints and 75 for seven.
+struct Arguments {
+    const char* address;
+    int port;
+    int arm_mode;
+};
+
+inline Arguments arguments(int argc, char** argv) {
+    if (argc < 3 || argc > 4) {
+        std::fprintf(stderr, "usage: %s ADDRESS PORT [ARM_MODE]\n", argv[0]);
+        std::exit(2);
+    }
+    return {argv[1], std::atoi(argv[2]), argc == 4 ? std::atoi(argv[3]) : 65};
+}

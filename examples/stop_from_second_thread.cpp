@@ -1,0 +1,32 @@
+// A blocking move lasts as long as the arm moves. What ends it early is a stop, and that may come from any other
+// thread: here from one that waits for the Enter key, or for two seconds when nobody is at the keyboard.
+#include <poll.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "check.h"
+
+int main(int argc, char** argv) {
+    const auto [address, port, arm_mode] = arguments(argc, argv);
+    const Arm arm(address, port, arm_mode);
+    if (!arm.is_open()) return 1;
+
+    float joint[7] = {};
+    Pose pose;
+    uint16_t arm_err = 0, sys_err = 0;
+    if (!succeeded("Reading the joints", Get_Current_Arm_State(arm, joint, &pose, &arm_err, &sys_err))) return 1;
+    joint[0] += joint[0] > 0 ? -120.0f : 120.0f;
+
+    std::printf("Moving joint 1 slowly to %.0f degrees. Press Enter to stop.\n", joint[0]);
+    std::thread stopper([socket = ArmSocket(arm)] {
+        pollfd keyboard{STDIN_FILENO, POLLIN, 0};
+        poll(&keyboard, isatty(STDIN_FILENO) ? 1 : 0, isatty(STDIN_FILENO) ? -1 : 2000);
+        succeeded("Stopping", Move_Slow_Stop_Cmd(socket, true));
+    });
+    const int status = Movej_Cmd(arm, joint, 5, 0, 0, true);
+    stopper.join();
+
+    std::printf("The move ended with status %d: %s\n", status, ZK_Status_Text(status));
+    return status == ZK_REFUSED || status == ZK_OK ? 0 : 1;
+}
