@@ -1,0 +1,47 @@
+#include "support/udp.h"
+
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "support/socket.h"
+
+namespace zk::test {
+namespace {
+
+int udp_socket() { return checked(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0), "socket"); }
+
+}  // namespace
+
+UdpReceiver::UdpReceiver(int port) : descriptor_(udp_socket()), port_(bind_loopback(descriptor_, port)) {}
+
+UdpReceiver::~UdpReceiver() { ::close(descriptor_); }
+
+std::string UdpReceiver::receive() {
+    std::string datagram(65536, '\0');
+    if (!wait_readable(descriptor_)) {
+        ADD_FAILURE() << "no datagram came to port " << port_;
+        return {};
+    }
+    datagram.resize(checked(static_cast<int>(recv(descriptor_, datagram.data(), datagram.size(), 0)), "recv"));
+    return datagram;
+}
+
+void UdpReceiver::forget() {
+    char dropped;
+    while (recv(descriptor_, &dropped, sizeof dropped, MSG_DONTWAIT) >= 0) {
+    }
+}
+
+void send_datagram(int port, const std::string& text) {
+    const int descriptor = udp_socket();
+    const sockaddr_in address = loopback(port);
+    const ssize_t sent =
+        sendto(descriptor, text.data(), text.size(), 0, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    ::close(descriptor);
+    checked(static_cast<int>(sent), "sendto");
+}
+
+int free_udp_port() { return UdpReceiver().port(); }
+
+}  // namespace zk::test
