@@ -1,0 +1,129 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "numeric/dense.h"
+#include "zk/dense_matrix.h"
+
+namespace {
+
+using zk::test::dense;
+using zk::test::expect_equal;
+using zk::test::expect_near;
+using zk::test::random_dense;
+using zk::test::to_eigen;
+
+TEST(Determinant, BothRoutesAreThatOfEigen) {
+    for (int n = 1; n <= 7; ++n) {
+        const Mat a = random_dense(n, n);
+        const double expected = to_eigen(a).determinant();
+        EXPECT_NEAR(mat_det(a), expected, 1e-3 * (1 + std::abs(expected))) << n;
+        EXPECT_NEAR(directCalculateDetA(a), expected, 1e-4 * (1 + std::abs(expected))) << n;
+    }
+}
+
+TEST(Determinant, EmptyAndSingleElement) {
+    EXPECT_EQ(mat_det(mat_init(0, 0)), 1);
+    EXPECT_EQ(directCalculateDetA(mat_init(0, 0)), 0);
+    EXPECT_EQ(mat_det(dense(1, 1, {-3})), -3);
+    EXPECT_EQ(directCalculateDetA(dense(1, 1, {-3})), -3);
+}
+
+TEST(Determinant, OfWhatIsNotSquareSaysSo) {
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(mat_det(mat_init(2, 3)), INFINITY);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "A is not a square matrix.");
+    EXPECT_EQ(directCalculateDetA(mat_init(2, 3)), 0);
+}
+
+TEST(Determinant, AZeroFirstPivotIsExact) {
+    EXPECT_EQ(mat_det(dense(2, 2, {0, 1, 1, 0})), -1);
+    EXPECT_EQ(mat_det(dense(3, 3, {0, 2, 1, 3, 1, 4, 1, 5, 9})), -32);
+}
+
+TEST(Determinant, ALaterZeroPivotExpandsTheHalfReducedRecord) {
+    // Its determinant is -1. One step of elimination leaves 1 2 3 / 2 0 1 / 1 1 3 with the column below the first pivot
+    // untouched, and that expands to -5.
+    const Mat a = dense(3, 3, {1, 2, 3, 2, 4, 7, 1, 3, 6});
+    EXPECT_NEAR(to_eigen(a).determinant(), -1, 1e-9);
+    EXPECT_EQ(mat_det(a), -5);
+}
+
+TEST(Lu, FactorsGiveTheMatrixBack) {
+    for (const auto& [rows, cols] : {std::pair(4, 4), std::pair(3, 5), std::pair(5, 3)}) {
+        Mat a = random_dense(rows, cols), L, U;
+        for (int i = 0; i < 3; ++i) a.m[i][i] += 5;
+        EXPECT_EQ(mat_lu(&L, &U, a, 1e-6f), 1);
+        expect_near(mat_mult(L, U), to_eigen(a), 1e-5);
+        EXPECT_EQ(L.rows, rows);
+        EXPECT_EQ(L.cols, rows);
+        for (int i = 0; i < rows; ++i) {
+            EXPECT_EQ(L.m[i][i], 1);
+            for (int j = i + 1; j < rows; ++j) EXPECT_EQ(L.m[i][j], 0);
+            for (int j = 0; j < std::min(i, cols - 1); ++j) EXPECT_NEAR(U.m[i][j], 0, 1e-5);
+        }
+    }
+}
+
+TEST(Lu, StatusTellsTheLastPivotAlone) {
+    Mat L, U;
+    const Mat singular = dense(2, 2, {1, 2, 2, 4});
+    EXPECT_EQ(mat_lu(&L, &U, singular, 1e-6f), 0);
+    EXPECT_EQ(mat_lu(&L, &U, singular, 0), 1);
+    EXPECT_EQ(mat_lu(&L, &U, dense(2, 2, {0, 1, 1, 0}), 1e-6f), 1);  // a zero pivot: stored, not finite
+    EXPECT_FALSE(std::isfinite(L.m[1][0]));
+    EXPECT_EQ(mat_lu(&L, &U, mat_init(0, 0), 1e-6f), 0);
+}
+
+TEST(DenseInverse, IsThatOfEigen) {
+    for (int n = 1; n <= 20; ++n) {
+        const Mat a = random_dense(n, n);
+        Mat inverse;
+        ASSERT_EQ(mat_inv(&inverse, a), 1);
+        const Eigen::MatrixXd expected = to_eigen(a).inverse();
+        expect_near(inverse, expected, 1e-6 * n * to_eigen(a).norm() * expected.norm() * expected.norm());
+    }
+}
+
+TEST(DenseInverse, ExchangesRowsAndColumnsBack) {
+    Mat inverse;
+    ASSERT_EQ(mat_inv(&inverse, dense(3, 3, {0, 2, 0, 0, 0, 4, 8, 0, 0})), 1);
+    expect_equal(inverse, dense(3, 3, {0, 0, 0.125f, 0.5f, 0, 0, 0, 0.25f, 0}));
+    ASSERT_EQ(mat_inv(&inverse, mat_eye(4, 4)), 1);
+    expect_equal(inverse, mat_eye(4, 4));
+}
+
+TEST(DenseInverse, RefusesWithoutTouchingTheOutput) {
+    const Mat before = dense(2, 2, {1, 2, 3, 4});
+    Mat out = before;
+    EXPECT_EQ(mat_inv(&out, mat_init(3, 3)), -1);
+    EXPECT_EQ(mat_inv(&out, dense(2, 2, {1, 2, 2, 4})), -1);
+    EXPECT_EQ(mat_inv(&out, dense(1, 1, {1e-40f})), -1);  // 1 / p overflows
+    EXPECT_EQ(mat_inv(&out, dense(2, 2, {NAN, 0, 0, 0})), -1);
+    EXPECT_EQ(mat_inv(&out, mat_init(2, 3)), 0);
+    EXPECT_EQ(mat_is_equal(out, before), 1);
+}
+
+TEST(DenseInverse, KnowsNoTolerance) {
+    Mat out;
+    EXPECT_EQ(mat_inv(&out, dense(2, 2, {1, 1, 1, 1.0000001f})), 1);
+    EXPECT_GT(mat_find_abs_max(out), 1e6f);
+}
+
+TEST(Rank, EliminatesWithPartialPivoting) {
+    const Mat two = dense(3, 4, {1, 2, 3, 4, 2, 4, 6.5f, 8, 3, 6, 9, 12});
+    EXPECT_EQ(mat_rank(0, random_dense(4, 6), 1e-5f), 4);
+    EXPECT_EQ(mat_rank(1, random_dense(6, 4), 1e-5f), 4);
+    EXPECT_EQ(mat_rank(0, dense(2, 2, {0, 1, 1, 0}), 1e-6f), 2);
+    // The second column is twice the first: elimination stops there, though the third would give a pivot.
+    EXPECT_EQ(mat_rank(0, two, 1e-6f), 1);
+    EXPECT_EQ(mat_rank(1, two, 1e-6f), 2);
+    EXPECT_EQ(mat_rank(0, dense(2, 3, {0, 1, 2, 0, 3, 4}), 1e-6f), 0);
+}
+
+TEST(Rank, APivotHasToBeAboveTheTolerance) {
+    EXPECT_EQ(mat_rank(0, mat_eye(3, 3), 1), 0);
+    EXPECT_EQ(mat_rank(0, mat_eye(3, 3), 0.5f), 3);
+}
+
+}  // namespace

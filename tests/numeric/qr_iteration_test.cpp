@@ -1,0 +1,120 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "numeric/dense.h"
+#include "zk/dense_matrix.h"
+
+namespace {
+
+using zk::test::dense;
+using zk::test::expect_near;
+using zk::test::random_dense;
+using zk::test::to_eigen;
+
+bool any_nan(const Mat& a) { return to_eigen(a).hasNaN(); }
+
+// A symmetric matrix with the given eigenvalues and no axis of its own along a coordinate axis.
+Mat symmetric(const std::vector<double>& values) {
+    const int n = static_cast<int>(values.size());
+    const Eigen::MatrixXd Q = Eigen::HouseholderQR<Eigen::MatrixXd>(to_eigen(random_dense(n, n))).householderQ();
+    const Eigen::MatrixXd A = Q * Eigen::Map<const Eigen::VectorXd>(values.data(), n).asDiagonal() * Q.transpose();
+    Mat a = mat_init(n, n);
+    for (int i = 0; i < n; ++i) {
+        for (int j = 0; j <= i; ++j) a.m[i][j] = a.m[j][i] = static_cast<float>(A(i, j));
+    }
+    return a;
+}
+
+std::vector<float> sorted_values(const Mat& values) {
+    std::vector<float> v;
+    for (int i = 0; i < values.rows; ++i) v.push_back(values.m[i][0]);
+    std::sort(v.begin(), v.end());
+    return v;
+}
+
+TEST(Qr, ReflectsToAnUpperTriangle) {
+    for (const auto& [rows, cols] : {std::pair(4, 4), std::pair(6, 3), std::pair(3, 6)}) {
+        const Mat a = random_dense(rows, cols);
+        Mat Q, R;
+        mat_qr(&Q, &R, a);
+        expect_near(mat_mult(Q, R), to_eigen(a), 2e-5);
+        expect_near(mat_mult(Q, mat_T(Q)), Eigen::MatrixXd::Identity(rows, rows), 1e-5);
+        for (int i = 0; i < rows; ++i) {
+            for (int j = 0; j < std::min(i, cols); ++j) EXPECT_NEAR(R.m[i][j], 0, 1e-5);
+        }
+    }
+}
+
+TEST(Qr, EachColumnTakesTheSignOppositeToItsHead) {
+    Mat Q, R;
+    mat_qr(&Q, &R, dense(2, 2, {3, 0, 4, 5}));
+    EXPECT_NEAR(R.m[0][0], -5, 1e-5);
+    EXPECT_NEAR(R.m[1][1], -3, 1e-5);  // the last step reflects a single element, too
+}
+
+TEST(Qr, AZeroHeadIsReflectedButNotCleared) {
+    Mat Q, R;
+    mat_qr(&Q, &R, dense(2, 2, {0, 1, 2, 1}));
+    EXPECT_EQ(R.m[0][0], 0);
+    EXPECT_EQ(R.m[1][0], 2);  // -2 after the first reflection, and the last one turns its row again
+    EXPECT_EQ(std::abs(R.m[1][1]), 1);
+}
+
+TEST(Qr, AZeroLastPivotGivesNan) {
+    Mat Q, R;
+    mat_qr(&Q, &R, dense(2, 2, {1, 1, 0, 0}));
+    EXPECT_TRUE(any_nan(R));
+    EXPECT_TRUE(any_nan(Q));
+}
+
+TEST(Eigenvalues, ComeAsMagnitudesOfASymmetricMatrix) {
+    Mat values;
+    ASSERT_EQ(mat_eig(1000, &values, symmetric({9, 4, 2, 1}), 1e-6f), 1);
+    EXPECT_EQ(values.rows, 4);
+    EXPECT_EQ(values.cols, 1);
+    const std::vector<float> v = sorted_values(values), expected{1, 2, 4, 9};
+    for (int i = 0; i < 4; ++i) EXPECT_NEAR(v[i], expected[i], 1e-4);
+
+    ASSERT_EQ(mat_eig(1000, &values, symmetric({5, -3, 1}), 1e-6f), 1);
+    EXPECT_NEAR(sorted_values(values)[1], 3, 1e-4);
+}
+
+TEST(Eigenvalues, IterationEndsAtItsCount) {
+    Mat once, Q, R;
+    const Mat a = symmetric({5, 4, 3});
+    mat_eig(1, &once, a, 1e-6f);
+    mat_qr(&Q, &R, a);
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(once.m[i][0], std::fabs(R.m[i][i]));
+    mat_eig(5, &once, a, 100.0f);  // a tolerance that the first round meets
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(once.m[i][0], std::fabs(R.m[i][i]));
+}
+
+TEST(Eigenvalues, RefuseWithoutTouchingTheOutput) {
+    const Mat before = dense(1, 2, {7, 7});
+    Mat values = before, vectors = before;
+    EXPECT_EQ(mat_eig(10, &values, mat_init(2, 3), 1e-6f), 0);
+    EXPECT_EQ(mat_hermitian_eig(10, &values, &vectors, dense(2, 2, {1, 2, 3, 4}), 1e-6f), -1);
+    EXPECT_EQ(mat_is_equal(values, before), 1);
+    EXPECT_EQ(mat_is_equal(vectors, before), 1);
+}
+
+TEST(Eigenvectors, DiagonaliseAPositiveMatrix) {
+    const Mat a = symmetric({8, 5, 3, 1});
+    Mat values, vectors;
+    ASSERT_EQ(mat_hermitian_eig(1000, &values, &vectors, a, 1e-6f), 0);
+    const Eigen::MatrixXd V = to_eigen(vectors), D = to_eigen(mat_diag(values));
+    EXPECT_LT((to_eigen(a) * V - V * D).norm(), 1e-4);
+    EXPECT_LT((V * V.transpose() - Eigen::MatrixXd::Identity(4, 4)).norm(), 1e-4);
+}
+
+TEST(Eigenvectors, TheDeterminantDecidesTheSign) {
+    // Exact arithmetic: R has the diagonal -2, 3, and A + 2 I is regular where A - 3 I is, too.
+    Mat values, vectors;
+    ASSERT_EQ(mat_hermitian_eig(10, &values, &vectors, dense(2, 2, {2, 0, 0, -3}), 1e-6f), 0);
+    EXPECT_EQ(values.m[0][0], 2);
+    EXPECT_EQ(values.m[1][0], -3);
+}
+
+}  // namespace

@@ -1,0 +1,142 @@
+#include "zk/dense_matrix.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "numeric/dense.h"
+
+namespace {
+
+using zk::test::dense;
+using zk::test::expect_empty;
+using zk::test::expect_equal;
+using zk::test::expect_near;
+using zk::test::random_dense;
+using zk::test::to_eigen;
+using zk::test::vec;
+
+const Mat k2x3 = dense(2, 3, {1, 2, 3, 4, 5, 6});
+
+TEST(DenseMatrix, ArithmeticIsThatOfEigen) {
+    const Mat a = random_dense(3, 5), b = random_dense(3, 5), c = random_dense(5, 20);
+    expect_near(mat_add(a, b), to_eigen(a) + to_eigen(b), 1e-6);
+    expect_near(mat_sub(a, b), to_eigen(a) - to_eigen(b), 1e-6);
+    expect_near(mat_mult(a, c), to_eigen(a) * to_eigen(c), 1e-5);
+    expect_near(mat_kM(-1.5f, a), -1.5 * to_eigen(a), 1e-6);
+    expect_near(mat_T(a), to_eigen(a).transpose(), 1e-9);
+    expect_equal(mat_eye(2, 3), dense(2, 3, {1, 0, 0, 0, 1, 0}));
+    EXPECT_EQ(mat_trace(dense(2, 3, {1, 9, 9, 9, 2, 9})), 3);
+}
+
+TEST(DenseMatrix, ProductSumsInSinglePrecision) {
+    EXPECT_EQ(mat_mult(dense(1, 3, {1e8f, 1, -1e8f}), vec({1, 1, 1})).m[0][0], 0);
+}
+
+TEST(DenseMatrix, SizesThatDoNotMatchGiveTheEmptyMatrix) {
+    expect_empty(mat_mult(k2x3, k2x3));
+    expect_empty(mat_add(k2x3, mat_init(2, 2)));
+    expect_empty(mat_sub(k2x3, mat_init(3, 3)));
+    expect_empty(mat_diag(dense(1, 1, {4})));
+    expect_empty(mat_diag(mat_init(0, 3)));
+}
+
+TEST(DenseMatrix, DiagonalGoesBothWays) {
+    expect_equal(mat_diag(dense(1, 3, {1, 2, 3})), dense(3, 3, {1, 0, 0, 0, 2, 0, 0, 0, 3}));
+    expect_equal(mat_diag(vec({1, 2})), dense(2, 2, {1, 0, 0, 2}));
+    expect_equal(mat_diag(dense(3, 3, {1, 9, 9, 9, 2, 9, 9, 9, 3})), vec({1, 2, 3}));
+    expect_equal(mat_diag(k2x3), vec({1, 5}));
+}
+
+TEST(DenseMatrix, RowsAndColumnsCountFromOne) {
+    expect_equal(mat_get_Mrow_i(2, k2x3), dense(1, 3, {4, 5, 6}));
+    expect_equal(mat_get_Mcol_j(3, k2x3), vec({3, 6}));
+    Mat a = k2x3;
+    mat_set_Mrow_i(1, &a, dense(1, 2, {7, 8}));
+    expect_equal(a, dense(2, 3, {7, 8, 3, 4, 5, 6}));
+    mat_set_Mcol_j(3, &a, vec({0, 1}));
+    expect_equal(a, dense(2, 3, {7, 8, 0, 4, 5, 1}));
+    swap_row(&a, 1, 2);
+    expect_equal(a, dense(2, 3, {4, 5, 1, 7, 8, 0}));
+    swap_col(&a, 3, 1);
+    expect_equal(a, dense(2, 3, {1, 5, 4, 0, 8, 7}));
+}
+
+TEST(DenseMatrix, NumbersOutsideTheRecordChangeNothing) {
+    Mat a = k2x3;
+    for (int number : {0, -1, 21}) {
+        mat_set_Mrow_i(number, &a, dense(1, 1, {9}));
+        mat_set_Mcol_j(number, &a, dense(1, 1, {9}));
+        swap_row(&a, 1, number);
+        swap_col(&a, number, 1);
+        expect_equal(mat_get_Mrow_i(number, a), mat_init(1, 3));
+        expect_equal(mat_get_Mcol_j(number, a), mat_init(2, 1));
+    }
+    EXPECT_EQ(mat_is_equal(a, k2x3), 1);
+}
+
+TEST(DenseMatrix, CountsBeyondTheRecordEndWithIt) {
+    Mat a = random_dense(20, 20);
+    const Eigen::MatrixXd whole = to_eigen(a);
+    a.rows = a.cols = 1000;
+    Mat doubled = mat_add(a, a);
+    EXPECT_EQ(doubled.rows, 1000);
+    doubled.rows = doubled.cols = 20;
+    expect_near(doubled, 2 * whole, 1e-9);
+    EXPECT_EQ(mat_diag(a).rows, 1000);
+    EXPECT_EQ(mat_diag(a).m[19][0], a.m[19][19]);
+    EXPECT_EQ(mat_find_abs_max(mat_init(-1, 4)), 0);
+}
+
+TEST(DenseMatrix, ExtremesAreOfAbsoluteValues) {
+    EXPECT_EQ(mat_find_abs_max(dense(2, 2, {1, -7, 3, 0.5f})), 7);
+    EXPECT_EQ(mat_find_abs_min(dense(2, 2, {1, -7, 3, -0.5f})), 0.5f);
+    EXPECT_EQ(mat_find_abs_max(mat_init(0, 0)), 0);
+    EXPECT_EQ(mat_find_abs_min(mat_init(0, 0)), 1e10f);
+}
+
+TEST(DenseMatrix, SymmetryIsExact) {
+    EXPECT_EQ(mat_is_hermitian(dense(2, 2, {1, 2, 2, 3})), 1);
+    EXPECT_EQ(mat_is_hermitian(dense(2, 2, {1, 2, std::nextafter(2.0f, 3.0f), 3})), 0);
+    EXPECT_EQ(mat_is_hermitian(dense(2, 2, {std::nanf(""), 2, 2, 3})), 0);
+    EXPECT_EQ(mat_is_hermitian(k2x3), -1);
+    EXPECT_EQ(mat_is_hermitian(mat_init(0, 0)), 1);
+}
+
+TEST(DenseMatrix, EqualityIsOfWholeRecords) {
+    Mat a = k2x3;
+    EXPECT_EQ(mat_is_equal(a, k2x3), 1);
+    a.m[19][19] = 1;  // not in use, and compared
+    EXPECT_EQ(mat_is_equal(a, k2x3), 0);
+    EXPECT_EQ(mat_is_equal(dense(1, 1, {0.0f}), dense(1, 1, {-0.0f})), 0);
+}
+
+TEST(DenseMatrix, PrintsRowByRow) {
+    testing::internal::CaptureStdout();
+    mat_print(dense(2, 2, {1, -2.5f, 0, 1e6f}));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Mat = \n\t1.000000,\t-2.500000,\t\n\t0.000000,\t1000000.000000,\t\n");
+}
+
+TEST(DenseMatrix, ConversionsKeepTheCountsAndCopyTheBlock) {
+    const Matrix a{2, 3, {{1, 2, 3, 99}, {4, 5, 6, 99}, {99}}};
+    expect_equal(matrix_to_mat(a), k2x3);
+    EXPECT_EQ(matrix_to_mat(a).m[0][3], 0);
+    const Matrix back = mat_to_matrix(k2x3);
+    EXPECT_EQ(back.rows, 2);
+    EXPECT_EQ(back.cols, 3);
+    EXPECT_EQ(back.m[1][2], 6);
+
+    const Mat large = random_dense(7, 6);
+    const Matrix7 seven = mat_to_matrix_more(large);
+    EXPECT_EQ(seven.m[6][5], large.m[6][5]);
+    EXPECT_EQ(seven.m[6][6], 0);
+    expect_equal(matrix_more_to_mat(seven), large);
+
+    const Matrix cut = mat_to_matrix(large);  // more than the record holds: as much as it does
+    EXPECT_EQ(cut.rows, 7);
+    EXPECT_EQ(cut.m[3][3], large.m[3][3]);
+    EXPECT_EQ(matrix_to_mat(cut).m[4][0], 0);
+}
+
+}  // namespace
