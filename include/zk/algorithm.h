@@ -1,0 +1,142 @@
+/*
+ * The local kinematics as applications use it: the Algo_ functions compute on this host, with the model of the arm that
+ * the start-up of a connection loads, or that Algo_Init_Sys_Data selects where there is no controller.
+ *
+ * Units change here. Joint angles, joint limits and mounting angles are degrees, speeds revolutions per minute (30 is
+ * 180 degrees per second); a Pose and a FrameRec are metres and radians. Below (zk/model.h, zk/kinematics.h) all is
+ * radians.
+ *
+ * Arrays of joints hold one value for each joint of the model's arm. One model serves every connection of the process,
+ * and nothing is locked: set the model up, and compute with it, from one thread at a time. The conversions of poses
+ * touch no model and may run on any thread.
+ */
+#ifndef ZK_ALGORITHM_H
+#define ZK_ALGORITHM_H
+
+#include <stddef.h>
+#include <stdint.h>
+#include <sys/time.h>
+
+#include "zk/export.h"
+#include "zk/frame_record.h"
+#include "zk/transform_types.h"
+
+/* ----------------------------------------------------------------------------------------------------- The model -- */
+
+/* Version of the algorithm layer, "1.4.8". The text is constant. Any thread. */
+ZK_API const char* Algo_Version(void);
+
+/*
+ * Selects the arm, see libalgo_set_robot_and_sensor_type for the numbers, and discards everything that was set before:
+ * frames, mounting angles, limits. Set those again afterwards, in that order. A pair that there is no arm of leaves a
+ * model without joints.
+ */
+ZK_API void Algo_Init_Sys_Data(int model, int sensor);
+
+/* Mounting angles of the base, degrees: rotations about the fixed x, y, z of the world. The getter does nothing unless
+ * all three pointers are given. */
+ZK_API void Algo_Set_Angle(float x, float y, float z);
+ZK_API void Algo_Get_Angle(float* x, float* y, float* z);
+
+/*
+ * Tool in the flange frame, with its payload (kg) and centre of gravity (m), and work frame in the world. Read by
+ * position and Euler angles. The setters also keep the pose for Algo_End2Tool and Algo_Tool2End. The getters leave the
+ * name, the quaternion, and for the work frame the payload as they were. Null does nothing.
+ */
+ZK_API void Algo_Set_ToolFrame(const FrameRec* tool);
+ZK_API void Algo_Get_Curr_ToolFrame(FrameRec* tool);
+ZK_API void Algo_Set_WorkFrame(const FrameRec* work);
+ZK_API void Algo_Get_Curr_WorkFrame(FrameRec* work);
+
+/*
+ * Limits of the joints: position in degrees, speed in revolutions per minute, acceleration in revolutions per minute
+ * per second. The setters write 0 for joints that the arm does not have; the getters do nothing on null.
+ */
+ZK_API void Algo_Set_Joint_Max_Limit(const float* limits);
+ZK_API void Algo_Get_Joint_Max_Limit(float* limits);
+ZK_API void Algo_Set_Joint_Min_Limit(const float* limits);
+ZK_API void Algo_Get_Joint_Min_Limit(float* limits);
+ZK_API void Algo_Set_Joint_Max_Speed(const float* limits);
+ZK_API void Algo_Get_Joint_Max_Speed(float* limits);
+ZK_API void Algo_Set_Joint_Max_Acc(const float* limits);
+ZK_API void Algo_Get_Joint_Max_Acc(float* limits);
+
+ZK_API float angleU; /* last angles of Algo_Set_Angle, radians */
+ZK_API float angleV;
+ZK_API float angleH;
+ZK_API Pose g_tool_pose; /* pose of the last Algo_Set_ToolFrame */
+ZK_API Pose g_work_pose; /* pose of the last Algo_Set_WorkFrame */
+
+/* ---------------------------------------------------------------------------------------------- Forward kinematics --
+ */
+
+/* Tool in the work frame at joint angles in degrees, mounting included: as pose, and as 4 by 4 transform. Null gives a
+ * pose of ten zeros, which is no orientation. */
+ZK_API Pose Algo_Forward_Kinematics(const float* joint);
+ZK_API Matrix Forward_Kinematics_e(const float* joint);
+
+/* -1 when a joint of the arm is outside its limits (degrees), else 0; NaN is not outside. A value at its very limit may
+ * count as outside, since limits are kept in radians. */
+ZK_API int zk_algo_judgment_overpos(const float* joint);
+
+/* ---------------------------------------------------------------------------------------------- Poses and frames -- */
+
+/*
+ * Conversions. Those of a Pose read its position and Euler angles and fill all three fields of a result. Euler angles
+ * are radians, R = Rz(rz) Ry(ry) Rx(rx).
+ */
+ZK_API Matrix Algo_Pos2Matrix(Pose pose);
+ZK_API Pose Algo_Matrix2Pos(Matrix matrix);
+ZK_API Matrix Algo_Euler2Matrix(Euler euler); /* 3 by 3 */
+ZK_API Quat Algo_Euler2Quaternion(Euler euler);
+ZK_API Euler Algo_Quaternion2Euler(Quat quaternion);
+
+/* A pose of the base frame told in the work frame, and back; the matrix is the inverse of the work frame's transform,
+ * as libalgo_get_work_cs_to_base_matrix gives it. */
+ZK_API Pose Algo_Base2WorkFrame(Matrix work_T_base, Pose pose);
+ZK_API Pose Algo_WorkFrame2Base(Matrix work_T_base, Pose pose);
+
+/*
+ * From the pose of the arm's end to that of its tool, and back, with the frames last given to Algo_Set_ToolFrame and
+ * Algo_Set_WorkFrame: Algo_End2Tool gives W T(pose) L, with W and L the transforms of work frame and tool, and
+ * Algo_Tool2End undoes it, but for poses near the singular pitch. Note that W itself is the factor, and not its inverse
+ * as elsewhere.
+ */
+ZK_API Pose Algo_End2Tool(Pose pose);
+ZK_API Pose Algo_Tool2End(Pose pose);
+
+/* ----------------------------------------------------------------------------------------------- The layer below -- */
+
+/*
+ * What the functions above call: the model and the kinematics in the units of this header. The frame and limit
+ * functions do nothing on null. invoke_forward_kinematics_e gives the flange in the base, without tool, frames and
+ * mounting.
+ */
+ZK_API void invoke_libalgo_init(void);
+ZK_API int invoke_libalgo_set_robot_type(int model, int sensor); /* 0, or -1 when there is no such arm */
+ZK_API void invoke_libalgo_set_tool_cs_params(const FrameRec* tool);
+ZK_API void invoke_libalgo_get_tool_cs_params(FrameRec* tool);
+ZK_API void invoke_libalgo_set_work_cs_params(const FrameRec* work);
+ZK_API void invoke_libalgo_get_work_cs_params(FrameRec* work);
+ZK_API void invoke_libalgo_set_robot_install_angle(float x, float y, float z);
+ZK_API void invoke_libalgo_get_robot_install_angle(float* x, float* y, float* z);
+ZK_API void invoke_libalgo_set_jointlim_max(const float* limits);
+ZK_API void invoke_libalgo_get_jointlim_max(float* limits);
+ZK_API void invoke_libalgo_set_jointlim_min(const float* limits);
+ZK_API void invoke_libalgo_get_jointlim_min(float* limits);
+ZK_API void invoke_libalgo_set_joint_vel_maxlim(const float* limits);
+ZK_API void invoke_libalgo_get_joint_vel_maxlim(float* limits);
+ZK_API void invoke_libalgo_set_joint_acc_maxlim(const float* limits);
+ZK_API void invoke_libalgo_get_joint_acc_maxlim(float* limits);
+ZK_API void invoke_libalgo_set_control_loop_period(float seconds);
+ZK_API Pose invoke_forward_kinematics(const float* joint);
+ZK_API Matrix invoke_forward_kinematics_e(const float* joint);
+
+/* Time of day, as gettimeofday gives it. Any thread. */
+ZK_API void get_time_of_day(struct timeval* now);
+
+ZK_API uint8_t defaut_traversal_mode;        /* 1 while no search range for seven joints has been chosen */
+ZK_API double invoke_inverse_time_total_min; /* fastest judged inverse solution, ms; 10000 before the first */
+ZK_API double invoke_inverse_time_total_max; /* slowest judged inverse solution, ms */
+
+#endif

@@ -1,0 +1,81 @@
+// The public names of the local kinematics.
+#include "zk/algorithm.h"
+#include "zk/model.h"
+#include "zk/numeric.h"
+#include "zk/pose.h"
+
+float angleU = 0;
+float angleV = 0;
+float angleH = 0;
+Pose g_tool_pose;
+Pose g_work_pose;
+
+ZK_API const char* Algo_Version(void) { return "1.4.8"; }
+
+ZK_API void Algo_Init_Sys_Data(int model, int sensor) {
+    invoke_libalgo_init();
+    invoke_libalgo_set_robot_type(model, sensor);
+}
+
+ZK_API void Algo_Set_Angle(float x, float y, float z) {
+    const auto radians = [](float degrees) { return static_cast<float>(degrees * 3.141592653589793 / 180.0); };
+    angleU = radians(x);
+    angleV = radians(y);
+    angleH = radians(z);
+    invoke_libalgo_set_robot_install_angle(x, y, z);
+}
+ZK_API void Algo_Get_Angle(float* x, float* y, float* z) { invoke_libalgo_get_robot_install_angle(x, y, z); }
+
+ZK_API void Algo_Set_ToolFrame(const FrameRec* tool) {
+    if (!tool) return;
+    invoke_libalgo_set_tool_cs_params(tool);
+    g_tool_pose = tool->pose;
+}
+ZK_API void Algo_Get_Curr_ToolFrame(FrameRec* tool) { invoke_libalgo_get_tool_cs_params(tool); }
+ZK_API void Algo_Set_WorkFrame(const FrameRec* work) {
+    if (!work) return;
+    invoke_libalgo_set_work_cs_params(work);
+    g_work_pose = work->pose;
+}
+ZK_API void Algo_Get_Curr_WorkFrame(FrameRec* work) { invoke_libalgo_get_work_cs_params(work); }
+
+ZK_API void Algo_Set_Joint_Max_Limit(const float* limits) { invoke_libalgo_set_jointlim_max(limits); }
+ZK_API void Algo_Get_Joint_Max_Limit(float* limits) { invoke_libalgo_get_jointlim_max(limits); }
+ZK_API void Algo_Set_Joint_Min_Limit(const float* limits) { invoke_libalgo_set_jointlim_min(limits); }
+ZK_API void Algo_Get_Joint_Min_Limit(float* limits) { invoke_libalgo_get_jointlim_min(limits); }
+ZK_API void Algo_Set_Joint_Max_Speed(const float* limits) { invoke_libalgo_set_joint_vel_maxlim(limits); }
+ZK_API void Algo_Get_Joint_Max_Speed(float* limits) { invoke_libalgo_get_joint_vel_maxlim(limits); }
+ZK_API void Algo_Set_Joint_Max_Acc(const float* limits) { invoke_libalgo_set_joint_acc_maxlim(limits); }
+ZK_API void Algo_Get_Joint_Max_Acc(float* limits) { invoke_libalgo_get_joint_acc_maxlim(limits); }
+
+ZK_API Pose Algo_Forward_Kinematics(const float* joint) { return joint ? invoke_forward_kinematics(joint) : Pose{}; }
+ZK_API Matrix Forward_Kinematics_e(const float* joint) { return Algo_Pos2Matrix(Algo_Forward_Kinematics(joint)); }
+
+ZK_API int zk_algo_judgment_overpos(const float* joint) {
+    float min[8], max[8];
+    invoke_libalgo_get_jointlim_min(min);
+    invoke_libalgo_get_jointlim_max(max);
+    for (int i = 0; i < libalgo_get_rbt_dof(); ++i) {
+        if (joint[i] < min[i] || joint[i] > max[i]) return -1;
+    }
+    return 0;
+}
+
+ZK_API Matrix Algo_Pos2Matrix(Pose pose) { return algo_pose_to_matrix(pose); }
+ZK_API Pose Algo_Matrix2Pos(Matrix matrix) { return algo_matrix_to_pose(matrix); }
+ZK_API Matrix Algo_Euler2Matrix(Euler euler) { return algo_euler_to_matrix(euler); }
+ZK_API Quat Algo_Euler2Quaternion(Euler euler) { return euler_to_quat(euler); }
+ZK_API Euler Algo_Quaternion2Euler(Quat quaternion) { return quat_to_euler(quaternion); }
+
+ZK_API Pose Algo_Base2WorkFrame(Matrix work_T_base, Pose pose) { return algo_base_to_workframe(work_T_base, pose); }
+ZK_API Pose Algo_WorkFrame2Base(Matrix work_T_base, Pose pose) { return algo_workframe_to_base(work_T_base, pose); }
+
+ZK_API Pose Algo_End2Tool(Pose pose) {
+    const Matrix end = Algo_Pos2Matrix(pose), tool = Algo_Pos2Matrix(g_tool_pose), work = Algo_Pos2Matrix(g_work_pose);
+    return Algo_Base2WorkFrame(work, Algo_Matrix2Pos(matrix_m(end, tool)));
+}
+ZK_API Pose Algo_Tool2End(Pose pose) {
+    const Matrix tool = Algo_Pos2Matrix(g_tool_pose), work = Algo_Pos2Matrix(g_work_pose);
+    const Matrix end_in_base = Algo_Pos2Matrix(Algo_WorkFrame2Base(work, pose));
+    return Algo_Matrix2Pos(matrix_m(end_in_base, matrix_inv(tool)));
+}

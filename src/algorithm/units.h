@@ -1,0 +1,30 @@
+// Degrees above, radians below. Each conversion is one operation in double precision, rounded once; the ones that look
+// like inverses of each other are not so to the bit.
+#pragma once
+
+#include <array>
+
+#include "zk/model.h"
+
+namespace zk {
+
+constexpr double kRadiansPerDegree = 0.017453292519943295;
+
+constexpr float radians(float degrees) { return static_cast<float>(degrees * kRadiansPerDegree); }
+constexpr float degrees(float radians) { return static_cast<float>(radians / kRadiansPerDegree); }
+
+// Speeds and accelerations count in revolutions per minute, of 6 degrees per second each.
+constexpr float radians_of_turns(float turns) { return radians(turns * 6.0f); }
+constexpr float turns(float radians) { return static_cast<float>(radians / kRadiansPerDegree / 6.0); }
+
+using Joints = std::array<float, 8>;
+
+// The arm's joints converted, the rest zero.
+template <float (*convert)(float)>
+Joints converted(const float* values) {
+    Joints result{};
+    for (int joint = 0; joint < libalgo_get_rbt_dof(); ++joint) result[joint] = convert(values[joint]);
+    return result;
+}
+
+}  // namespace zk

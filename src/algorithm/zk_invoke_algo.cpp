@@ -1,0 +1,109 @@
+// The line at which units change: the model and the kinematics, spoken to in degrees.
+#include "algorithm/units.h"
+#include "zk/algorithm.h"
+#include "zk/kinematics.h"
+#include "zk/model.h"
+
+uint8_t defaut_traversal_mode = 1;
+double invoke_inverse_time_total_min = 10000.0;
+double invoke_inverse_time_total_max = 0;
+
+namespace zk {
+namespace {
+
+using Setter = void (*)(const float*);
+using Getter = void (*)(float*);
+
+template <float (*convert)(float)>
+void set(Setter to_model, const float* values) {
+    if (values) to_model(converted<convert>(values).data());
+}
+
+template <float (*convert)(float)>
+void get(Getter from_model, float* values) {
+    if (!values) return;
+    Joints held;
+    from_model(held.data());
+    for (int joint = 0; joint < libalgo_get_rbt_dof(); ++joint) values[joint] = convert(held[joint]);
+}
+
+void set_frame(Setter to_model, const Pose& pose) {
+    const auto& [p, q, e] = pose;
+    const float params[6] = {p.x, p.y, p.z, e.rx, e.ry, e.rz};
+    to_model(params);
+}
+
+void get_frame(Getter from_model, Pose& pose) {
+    float params[6];
+    from_model(params);
+    pose.position = {params[0], params[1], params[2]};
+    pose.euler = {params[3], params[4], params[5]};
+}
+
+}  // namespace
+}  // namespace zk
+
+using namespace zk;
+
+ZK_API void invoke_libalgo_init(void) { libalgo_init(); }
+ZK_API int invoke_libalgo_set_robot_type(int model, int sensor) {
+    return libalgo_set_robot_and_sensor_type(model, sensor);
+}
+
+ZK_API void invoke_libalgo_set_tool_cs_params(const FrameRec* tool) {
+    if (!tool) return;
+    set_frame(libalgo_set_tool_cs_params, tool->pose);
+    const float payload[11] = {tool->payload, tool->x, tool->y, tool->z};
+    libalgo_set_payload_params(payload);
+}
+ZK_API void invoke_libalgo_get_tool_cs_params(FrameRec* tool) {
+    if (!tool) return;
+    get_frame(libalgo_get_tool_cs_params, tool->pose);
+    float payload[11];
+    libalgo_get_payload_params(payload);
+    tool->payload = payload[0];
+    tool->x = payload[1];
+    tool->y = payload[2];
+    tool->z = payload[3];
+}
+ZK_API void invoke_libalgo_set_work_cs_params(const FrameRec* work) {
+    if (work) set_frame(libalgo_set_work_cs_params, work->pose);
+}
+ZK_API void invoke_libalgo_get_work_cs_params(FrameRec* work) {
+    if (work) get_frame(libalgo_get_work_cs_params, work->pose);
+}
+
+ZK_API void invoke_libalgo_set_robot_install_angle(float x, float y, float z) {
+    const float angles[3] = {radians(x), radians(y), radians(z)};
+    libalgo_set_robot_install_angle(angles);
+}
+ZK_API void invoke_libalgo_get_robot_install_angle(float* x, float* y, float* z) {
+    if (!x || !y || !z) return;
+    float angles[3];
+    libalgo_get_robot_install_angle(angles);
+    *x = degrees(angles[0]);
+    *y = degrees(angles[1]);
+    *z = degrees(angles[2]);
+}
+
+// clang-format off
+ZK_API void invoke_libalgo_set_jointlim_max(const float* limits)     { set<radians>(libalgo_set_jointlim_max, limits); }
+ZK_API void invoke_libalgo_get_jointlim_max(float* limits)           { get<degrees>(libalgo_get_jointlim_max, limits); }
+ZK_API void invoke_libalgo_set_jointlim_min(const float* limits)     { set<radians>(libalgo_set_jointlim_min, limits); }
+ZK_API void invoke_libalgo_get_jointlim_min(float* limits)           { get<degrees>(libalgo_get_jointlim_min, limits); }
+ZK_API void invoke_libalgo_set_joint_vel_maxlim(const float* limits) { set<radians_of_turns>(libalgo_set_joint_vel_maxlim, limits); }
+ZK_API void invoke_libalgo_get_joint_vel_maxlim(float* limits)       { get<turns>(libalgo_get_joint_vel_maxlim, limits); }
+ZK_API void invoke_libalgo_set_joint_acc_maxlim(const float* limits) { set<radians_of_turns>(libalgo_set_joint_acc_maxlim, limits); }
+ZK_API void invoke_libalgo_get_joint_acc_maxlim(float* limits)       { get<turns>(libalgo_get_joint_acc_maxlim, limits); }
+// clang-format on
+
+ZK_API void invoke_libalgo_set_control_loop_period(float seconds) { libalgo_set_control_loop_period(seconds); }
+
+ZK_API Pose invoke_forward_kinematics(const float* joint) {
+    return forward_kinematics(converted<radians>(joint).data());
+}
+ZK_API Matrix invoke_forward_kinematics_e(const float* joint) {
+    return forward_kinematics_e(converted<radians>(joint).data());
+}
+
+ZK_API void get_time_of_day(struct timeval* now) { gettimeofday(now, nullptr); }
