@@ -23,6 +23,12 @@ const Command* CommandTable::find(const std::string& name) const {
     return found == commands_.end() ? nullptr : &found->second;
 }
 
+std::vector<std::string> CommandTable::names() const {
+    std::vector<std::string> names;
+    for (const auto& [name, command] : commands_) names.push_back(name);
+    return names;
+}
+
 Command& CommandTable::add(const std::string& name, Command command) {
     const auto [row, added] = commands_.emplace(name, std::move(command));
     if (!added) throw std::logic_error("two commands named " + name);

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "client.h"
 #include "request.h"
@@ -47,6 +48,7 @@ class CommandTable {
     Command& order(const std::string& name, Hook hook);
 
     const Command* find(const std::string& name) const;
+    std::vector<std::string> names() const;
 
  private:
     Command& add(const std::string& name, Command command);

@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "clock.h"
+#include "commands.h"
 #include "note.h"
 #include "push_sender.h"
 #include "server.h"
@@ -38,6 +39,10 @@ int run(int argc, char** argv) {
         const Options options = parse_options(argc, argv);
         if (options.help) {
             std::cout << usage();
+            return 0;
+        }
+        if (options.commands) {
+            for (const std::string& name : all_commands().names()) std::cout << name << '\n';
             return 0;
         }
         if (options.quiet) silence_notes();

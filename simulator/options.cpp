@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <getopt.h>
 
+#include <algorithm>
 #include <charconv>
 #include <climits>
 #include <cmath>
@@ -33,7 +34,7 @@ int parse_integer(std::string_view option, std::string_view text, int low, int h
     return value;
 }
 
-std::vector<double> parse_list(std::string_view option, std::string_view text, size_t size) {
+std::vector<double> parse_list(std::string_view option, std::string_view text) {
     std::vector<double> values;
     for (size_t begin = 0; begin <= text.size();) {
         const size_t end = std::min(text.find(',', begin), text.size());
@@ -41,6 +42,11 @@ std::vector<double> parse_list(std::string_view option, std::string_view text, s
         if (!std::isfinite(values.back())) throw std::invalid_argument("--" + std::string(option) + ": not finite");
         begin = end + 1;
     }
+    return values;
+}
+
+std::vector<double> parse_list(std::string_view option, std::string_view text, size_t size) {
+    const std::vector<double> values = parse_list(option, text);
     if (values.size() != size)
         throw std::invalid_argument("--" + std::string(option) + ": needs " + std::to_string(size) +
                                     " numbers with commas between them");
@@ -66,33 +72,6 @@ std::string parse_address(std::string_view option, const std::string& text) {
     return text;
 }
 
-JointVector parse_joints(std::string_view text, const RobotModel& model) {
-    const JointVector joints = parse_list("joints", text, model.joint_count());
-    for (size_t i = 0; i < joints.size(); ++i) {
-        if (joints[i] < model.joints[i].min || joints[i] > model.joints[i].max)
-            throw std::invalid_argument("--joints: joint " + std::to_string(i + 1) + " beyond its limit");
-    }
-    return joints;
-}
-
-constexpr option kOptions[] = {{"model", required_argument, nullptr, 'm'},
-                               {"listen", required_argument, nullptr, 'l'},
-                               {"port", required_argument, nullptr, 'p'},
-                               {"push-ip", required_argument, nullptr, 'i'},
-                               {"push-port", required_argument, nullptr, 'u'},
-                               {"push-cycle", required_argument, nullptr, 'c'},
-                               {"no-push", no_argument, nullptr, 'n'},
-                               {"joints", required_argument, nullptr, 'j'},
-                               {"tool", required_argument, nullptr, 't'},
-                               {"work", required_argument, nullptr, 'w'},
-                               {"install", required_argument, nullptr, 'a'},
-                               {"silent-on", required_argument, nullptr, 's'},
-                               {"refuse-on", required_argument, nullptr, 'r'},
-                               {"delay-ms", required_argument, nullptr, 'd'},
-                               {"quiet", no_argument, nullptr, 'q'},
-                               {"help", no_argument, nullptr, 'h'},
-                               {nullptr, 0, nullptr, 0}};
-
 std::string all_model_names() {
     std::string names;
     for (const std::string& name : model_names()) names += (names.empty() ? "" : " ") + name;
@@ -107,10 +86,76 @@ RobotModel parse_model(const std::string& name) {
     }
 }
 
+std::array<double, 3> parse_angles(std::string_view option, std::string_view text) {
+    const std::vector<double> angles = parse_list(option, text, 3);
+    return {angles[0], angles[1], angles[2]};
+}
+
+struct OptionRow {
+    const char* name;
+    const char* value;  // what it takes, as the help calls it; empty when it takes none
+    const char* help;
+    void (*take)(Options& options, const std::string& value);
+};
+
+using std::string;
+constexpr OptionRow kOptions[] = {
+    {"model", "NAME", "the arm and its end sensor (ZK65-B); one of those below",
+     [](Options& o, const string& value) { o.model = parse_model(value); }},
+    {"listen", "IP", "address to listen on (127.0.0.1)",
+     [](Options& o, const string& value) { o.listen = parse_address("listen", value); }},
+    {"port", "N", "TCP port, 0 for any free one (8080)",
+     [](Options& o, const string& value) { o.port = parse_integer("port", value, 0, kMaxPort); }},
+    {"push-ip", "IP", "where the real-time push goes (127.0.0.1)",
+     [](Options& o, const string& value) { o.push.ip = parse_address("push-ip", value); }},
+    {"push-port", "N", "its UDP port, 0 for any free one (8089)",
+     [](Options& o, const string& value) { o.push.port = parse_integer("push-port", value, 0, kMaxPort); }},
+    {"push-cycle", "N", "its cycle in units of 5 ms (1)",
+     [](Options& o, const string& value) { o.push.cycle = parse_integer("push-cycle", value, 1, kMaxCycle); }},
+    {"no-push", "", "push nothing until a client enables it", [](Options& o, const string&) { o.push.enable = false; }},
+    {"joints", "A,B,...", "joint angles at start, degrees",
+     [](Options& o, const string& value) { o.joints = parse_list("joints", value); }},
+    {"tool", "X,Y,Z,RX,RY,RZ", "tool frame in use at start, metres and radians",
+     [](Options& o, const string& value) { o.tool = parse_pose("tool", value); }},
+    {"work", "X,Y,Z,RX,RY,RZ", "work frame in use at start, metres and radians",
+     [](Options& o, const string& value) { o.work = parse_pose("work", value); }},
+    {"install", "RX,RY,RZ", "mounting angles, degrees",
+     [](Options& o, const string& value) { o.install = parse_angles("install", value); }},
+    {"silent-on", "COMMAND", "ignore this command; may be given several times",
+     [](Options& o, const string& value) { o.silent_on.push_back(value); }},
+    {"refuse-on", "COMMAND", "answer this command with false; may be given several times",
+     [](Options& o, const string& value) { o.refuse_on.push_back(value); }},
+    {"delay-ms", "N", "hold every reply and report back for so long",
+     [](Options& o, const string& value) { o.delay_ms = parse_integer("delay-ms", value, 0, kMaxDelayMs); }},
+    {"quiet", "", "no notes on standard error", [](Options& o, const string&) { o.quiet = true; }},
+    {"commands", "", "list the commands that it knows, and end", [](Options& o, const string&) { o.commands = true; }},
+    {"help", "", "this text", [](Options& o, const string&) { o.help = true; }},
+};
+
+std::vector<option> getopt_rows() {
+    std::vector<option> rows;
+    for (const OptionRow& row : kOptions)
+        rows.push_back({row.name, *row.value ? required_argument : no_argument, nullptr, 0});
+    rows.push_back({});
+    return rows;
+}
+
 // A wrong letter within a group of short ones is told by `optopt` alone.
 std::string wrong_option(char** argv) {
     const std::string last = argv[optind - 1];
     return optopt != 0 && last.substr(0, 2) != "--" ? std::string("-") + static_cast<char>(optopt) : last;
+}
+
+// Limits hold for the model that is given, wherever on the line it stands.
+void check_joints(const Options& options) {
+    const RobotModel& model = options.model;
+    if (options.joints.empty()) return;
+    if (options.joints.size() != model.joint_count())
+        throw std::invalid_argument("--joints: needs " + std::to_string(model.joint_count()) + " numbers");
+    for (size_t i = 0; i < options.joints.size(); ++i) {
+        if (options.joints[i] < model.joints[i].min || options.joints[i] > model.joints[i].max)
+            throw std::invalid_argument("--joints: joint " + std::to_string(i + 1) + " beyond its limit");
+    }
 }
 
 }  // namespace
@@ -118,97 +163,31 @@ std::string wrong_option(char** argv) {
 Options parse_options(int argc, char** argv) {
     Options options;
     options.model = make_model("ZK65-B");
-    std::string joints;
     opterr = 0;
-    for (int letter; (letter = getopt_long(argc, argv, ":", kOptions, nullptr)) != -1;) {
-        const std::string value = optarg ? optarg : "";
-        switch (letter) {
-            case 'm':
-                options.model = parse_model(value);
-                break;
-            case 'l':
-                options.listen = parse_address("listen", value);
-                break;
-            case 'p':
-                options.port = parse_integer("port", value, 0, kMaxPort);
-                break;
-            case 'i':
-                options.push.ip = parse_address("push-ip", value);
-                break;
-            case 'u':
-                options.push.port = parse_integer("push-port", value, 0, kMaxPort);
-                break;
-            case 'c':
-                options.push.cycle = parse_integer("push-cycle", value, 1, kMaxCycle);
-                break;
-            case 'n':
-                options.push.enable = false;
-                break;
-            case 'j':
-                joints = value;
-                break;
-            case 't':
-                options.tool = parse_pose("tool", value);
-                break;
-            case 'w':
-                options.work = parse_pose("work", value);
-                break;
-            case 'a': {
-                const std::vector<double> angles = parse_list("install", value, 3);
-                options.install = {angles[0], angles[1], angles[2]};
-                break;
-            }
-            case 's':
-                options.silent_on.push_back(value);
-                break;
-            case 'r':
-                options.refuse_on.push_back(value);
-                break;
-            case 'd':
-                options.delay_ms = parse_integer("delay-ms", value, 0, kMaxDelayMs);
-                break;
-            case 'q':
-                options.quiet = true;
-                break;
-            case 'h':
-                options.help = true;
-                break;
-            case ':':
-                throw std::invalid_argument(std::string(argv[optind - 1]) + " needs a value");
-            default:
-                throw std::invalid_argument("unknown option " + wrong_option(argv));
-        }
+    const std::vector<option> rows = getopt_rows();
+    int row = 0;
+    for (int found; (found = getopt_long(argc, argv, ":", rows.data(), &row)) != -1;) {
+        if (found == ':') throw std::invalid_argument(std::string(argv[optind - 1]) + " needs a value");
+        if (found != 0) throw std::invalid_argument("unknown option " + wrong_option(argv));
+        kOptions[row].take(options, optarg ? optarg : "");
     }
     if (optind < argc) throw std::invalid_argument(std::string("unexpected argument ") + argv[optind]);
-    if (!joints.empty()) options.joints = parse_joints(joints, options.model);
+    check_joints(options);
     return options;
 }
 
 std::string usage() {
-    return "Usage: zk_simulator [options]\n"
-           "A controller without an arm: commands over TCP, real-time state over UDP.\n"
-           "\n"
-           "  --model NAME        the arm, ZK65-B if not given; one of\n"
-           "                      " +
-           all_model_names() +
-           "\n"
-           "  --listen IP         address to listen on (127.0.0.1)\n"
-           "  --port N            TCP port, 0 for any free one (8080)\n"
-           "  --push-ip IP        where the real-time push goes (127.0.0.1)\n"
-           "  --push-port N       its UDP port, 0 for any free one (8089)\n"
-           "  --push-cycle N      its cycle in units of 5 ms (1)\n"
-           "  --no-push           push nothing until a client enables it\n"
-           "  --joints A,B,...    joint angles at start, degrees\n"
-           "  --tool X,Y,Z,RX,RY,RZ   tool frame in use at start, metres and radians\n"
-           "  --work X,Y,Z,RX,RY,RZ   work frame in use at start, metres and radians\n"
-           "  --install RX,RY,RZ  mounting angles, degrees\n"
-           "  --silent-on COMMAND ignore this command; may be given several times\n"
-           "  --refuse-on COMMAND answer this command with false; may be given several times\n"
-           "  --delay-ms N        hold every reply and report back for so long\n"
-           "  --quiet             no notes on standard error\n"
-           "  --help              this text\n"
-           "\n"
-           "The first line on standard output tells the model and the ports:\n"
+    std::string text =
+        "Usage: zk_simulator [options]\n"
+        "A controller without an arm: commands over TCP, real-time state over UDP.\n\n";
+    constexpr size_t kColumn = 26;
+    for (const OptionRow& row : kOptions) {
+        std::string left = std::string("  --") + row.name + ' ' + row.value;
+        left.resize(std::max(left.size() + 1, kColumn), ' ');
+        text += left + row.help + '\n';
+    }
+    return text + "\nModels: " + all_model_names() +
+           "\n\nThe first line on standard output tells the model and the ports:\n"
            "  zk_simulator model=ZK65-B port=40123 push_port=40124\n"
            "SIGINT and SIGTERM end the program.\n";
 }

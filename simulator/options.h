@@ -14,6 +14,7 @@ namespace sim {
 // The command line.
 struct Options {
     bool help = false;
+    bool commands = false;  // list them and end
     bool quiet = false;
     std::string listen = "127.0.0.1";
     int port = 8080;  // 0: any free one
