@@ -1,0 +1,80 @@
+// A peer that falls silent in the middle of a message.
+#include <gtest/gtest.h>
+
+#include "support/arm.h"
+#include "support/scaled_time.h"
+#include "zk/trajectory.h"
+
+namespace {
+
+using namespace zk::test;
+
+class SilentPeer : public testing::Test {
+ protected:
+    void SetUp() override {
+        ZK_API_Init(65, ReportLog::callback);
+        dead_ = connect_arm(controller_);
+        live_ = connect_arm(controller_);
+        controller_.answer("set_arm_stop", R"({"command":"set_arm_stop","arm_stop":true})");
+    }
+
+    // The other arm is served again once the silent one has been given up.
+    void expect_that_the_other_arm_works() {
+        controller_.say(R"({"command":"set_arm_pause","arm_pause":false})", 1);
+        set_time_factor(200);
+        eventually([] { return shared(Set_Arm_Pause_Cmd[1].count) == 1; });
+        set_time_factor(1);
+        EXPECT_EQ(Move_Stop_Cmd_Block(live_), 0);
+    }
+
+    ReportLog log_;
+    ScriptedController controller_;
+    ArmSocket dead_ = 0, live_ = 0;
+};
+
+TEST_F(SilentPeer, LosesWhatItSentAndTheOtherArmsWork) {
+    testing::internal::CaptureStderr();
+    const std::string message = report_message(1);
+    controller_.say_bytes({report_message(2) + message.substr(0, 30)}, 0);
+    // The whole message before the cut one goes with it: nothing of a visit is cut before its last message is whole.
+    expect_that_the_other_arm_works();
+    controller_.say_bytes({report_message(3)}, 0);
+    EXPECT_EQ(log_.results(1), std::vector<int>{3});
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;
+    EXPECT_NE(said.find("socket " + std::to_string(dead_)), std::string::npos) << said;
+}
+
+TEST_F(SilentPeer, AStreamWithoutEndIsDropped) {
+    testing::internal::CaptureStderr();
+    controller_.say_bytes({std::string(50000, 'x')}, 0);
+    expect_that_the_other_arm_works();
+    controller_.say_bytes({report_message(3)}, 0);
+    EXPECT_EQ(log_.results(1), std::vector<int>{3});
+    testing::internal::GetCapturedStderr();
+}
+
+TEST_F(SilentPeer, OneThatGoesOnInTimeLosesNothing) {
+    const std::string message = report_message(1);
+    for (int i = 0; i < 4; ++i) {
+        controller_.say_bytes({message.substr(i * 5, 5)}, 0);
+        const int32_t start = Get_Program_Runtime();
+        set_time_factor(50);
+        eventually([&] { return Get_Program_Runtime() - start > 1000; });
+        set_time_factor(1);
+    }
+    controller_.say_bytes({message.substr(20)}, 0);
+    EXPECT_EQ(log_.results(1), std::vector<int>{1});
+}
+
+TEST_F(SilentPeer, IsLeftAloneWhenItsConnectionCloses) {
+    testing::internal::CaptureStderr();
+    controller_.say_bytes({"half a message"}, 0);
+    Arm_Socket_Close(dead_);
+    EXPECT_EQ(Get_Socket_Idx(dead_), -1);
+    EXPECT_EQ(Init_Socket_Joint(65, live_), 0);  // the close has forgotten the connection behind it
+    EXPECT_EQ(Move_Stop_Cmd_Block(live_), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+}  // namespace

@@ -1,0 +1,64 @@
+#include "support/arm.h"
+
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+
+#include <chrono>
+#include <stdexcept>
+#include <thread>
+
+#include "support/socket.h"
+
+namespace zk::test {
+
+ArmSocket connect_arm(ScriptedController& controller, int arm_mode) {
+    const int descriptor = checked(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket");
+    const sockaddr_in address = loopback(controller.port());
+    checked(connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), "connect");
+    if (Init_Socket_Joint(arm_mode, descriptor) != 0) throw std::runtime_error("no slot is free");
+    controller.wait_for_connections(Get_Socket_Idx(descriptor) + 1);
+    return descriptor;
+}
+
+bool eventually(const std::function<bool()>& condition) {
+    const auto start = std::chrono::steady_clock::now();
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() - start > kDeadline) {
+            ADD_FAILURE() << "what was waited for did not happen";
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+void ReportLog::callback(ArmMotionReport report) {
+    ReportLog* const log = current_;
+    if (!log) return;
+    const std::lock_guard lock(log->mutex_);
+    log->reports_.push_back(report);
+    log->changed_.notify_all();
+}
+
+std::vector<ArmMotionReport> ReportLog::wait_for(size_t count) {
+    std::unique_lock lock(mutex_);
+    if (!changed_.wait_for(lock, kDeadline, [&] { return reports_.size() >= count; })) {
+        ADD_FAILURE() << "only " << reports_.size() << " of " << count << " reports came";
+    }
+    return reports_;
+}
+
+std::vector<int> ReportLog::results(size_t count) {
+    std::vector<int> numbers;
+    for (const ArmMotionReport& report : wait_for(count)) numbers.push_back(report.result);
+    return numbers;
+}
+
+std::string report_message(int number, size_t size) {
+    const std::string start = R"({"state":"joint_state","arm_err":)" + std::to_string(number);
+    if (size == 0) return line(start + "}");
+    const size_t framing = start.size() + std::string(R"(,"pad":""})").size() + 2;
+    return line(start + R"(,"pad":")" + std::string(size - framing, 'x') + R"("})");
+}
+
+}  // namespace zk::test
