@@ -1,5 +1,27 @@
+#include <algorithm>
+#include <array>
+
+#include "pose/pose_parts.h"
+#include "zk/kinematics.h"
+#include "zk/model.h"
 #include "zk/numeric.h"
 #include "zk/pose.h"
+
+namespace zk {
+namespace {
+
+using Joints = std::array<float, 8>;
+
+// As many joints as the arm has, the rest zero.
+Joints joints_in_radians(const float* degrees) {
+    Joints q{};
+    const int dof = std::clamp(libalgo_get_rbt_dof(), 0, static_cast<int>(q.size()));
+    std::transform(degrees, degrees + dof, q.begin(), [](float angle) { return angle * 0.017453292f; });
+    return q;
+}
+
+}  // namespace
+}  // namespace zk
 
 ZK_API Matrix algo_pose_to_matrix(Pose p) { return pose_euler_to_transformation_matrix(p); }
 
@@ -13,4 +35,21 @@ ZK_API Pose algo_base_to_workframe(Matrix work_T_base, Pose p) {
 
 ZK_API Pose algo_workframe_to_base(Matrix work_T_base, Pose p) {
     return algo_matrix_to_pose(matrix_m(matrix_inv(work_T_base), algo_pose_to_matrix(p)));
+}
+
+ZK_API Pose algo_rotate_move(const float* joint, int axis, float angle, Pose frame) {
+    const Pose r = forward_kinematics(zk::joints_in_radians(joint).data());
+    const int axes[3] = {axis == 1, axis == 2, axis == 3};
+    return zk::oriented(r, Rodrigues_rotate_simplify(axes, r.euler, zk::radians(angle), frame));
+}
+
+// work_T_base base_T_flange flange_T_tool D, D the displacement. The mounting rotation is no part of it.
+ZK_API Pose algo_cartesian_tool(const float* joint, float dx, float dy, float dz) {
+    Matrix flange_T_tool, work_T_base;
+    libalgo_get_tool_cs_matrix(&flange_T_tool);
+    libalgo_get_work_cs_to_base_matrix(&work_T_base);
+    const Matrix base_T_flange = forward_kinematics_e(zk::joints_in_radians(joint).data());
+    const Matrix base_T_tool = matrix_m(base_T_flange, flange_T_tool);
+    const Matrix D{4, 4, {{1, 0, 0, dx}, {0, 1, 0, dy}, {0, 0, 1, dz}, {0, 0, 0, 1}}};
+    return algo_base_to_workframe(work_T_base, algo_matrix_to_pose(matrix_m(base_T_tool, D)));
 }

@@ -1,0 +1,173 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "support/kdl_frames.h"
+#include "zk/model.h"
+#include "zk/numeric.h"
+#include "zk/pose.h"
+
+namespace {
+
+using zk::test::expect_near;
+using zk::test::expect_pose_near;
+using zk::test::to_kdl;
+
+constexpr int kWork = 0, kTool = 1, kOther = 2;
+constexpr float kPi = 3.1415927f;
+constexpr double kTolerance = 1e-5;
+
+// The quaternion is wrong on purpose: no step may read it.
+const Pose kPose{{0.3f, -0.5f, 0.7f}, {0, 1, 0, 0}, {0.4f, -0.9f, 2.5f}};
+const Pose kFrame{{9, 9, 9}, {0, 0, 1, 0}, {-0.2f, 0.6f, -1.1f}};
+
+float degrees(double radians) { return static_cast<float>(radians * 180 / M_PI); }
+
+void expect_zero(const Pose& p) {
+    for (float v : {p.position.x, p.position.y, p.position.z, p.quaternion.w, p.quaternion.x, p.quaternion.y,
+                    p.quaternion.z, p.euler.rx, p.euler.ry, p.euler.rz}) {
+        EXPECT_EQ(v, 0);
+    }
+}
+
+void expect_equal(const Euler& actual, const Euler& expected) {
+    EXPECT_EQ(actual.rx, expected.rx);
+    EXPECT_EQ(actual.ry, expected.ry);
+    EXPECT_EQ(actual.rz, expected.rz);
+}
+
+class PoseStep : public testing::Test {
+ protected:
+    void SetUp() override {
+        ASSERT_EQ(libalgo_set_robot_and_sensor_type(0, 0), 0);
+        const float work[6] = {9, 9, 9, kFrame.euler.rx, kFrame.euler.ry, kFrame.euler.rz};
+        const float tool[6] = {0.1f, 0.2f, 0.3f, 1, 1, 1};
+        libalgo_set_work_cs_params(work);
+        libalgo_set_tool_cs_params(tool);
+    }
+};
+
+TEST(Rodrigues, TurnsAboutTheAxesOfTheFrame) {
+    const KDL::Rotation F = to_kdl(kFrame.euler), C = to_kdl(kPose.euler);
+    const KDL::Vector axes[] = {F.UnitX(), F.UnitY(), F.UnitZ()};
+    for (int i = 0; i < 3; ++i) {
+        for (float theta : {-2.8f, -0.3f, 0.0f, 1.0f, 3.0f}) {
+            for (int sign : {1, -1}) {  // the sign of the element plays no part
+                int axis[3] = {};
+                axis[i] = sign;
+                expect_near(to_kdl(Rodrigues_rotate_simplify(axis, kPose.euler, theta, kFrame)),
+                            KDL::Rotation::Rot(axes[i], theta) * C, kTolerance);
+            }
+        }
+    }
+}
+
+TEST(Rodrigues, ToolFormTurnsAboutTheEndsOwnAxes) {
+    const KDL::Rotation C = to_kdl(kPose.euler);
+    const float theta = 0.8f;
+    const KDL::Rotation turns[] = {KDL::Rotation::RotX(theta), KDL::Rotation::RotY(theta), KDL::Rotation::RotZ(theta)};
+    for (int i = 0; i < 3; ++i) {
+        int axis[3] = {};
+        axis[i] = 1;
+        expect_near(to_kdl(Rodrigues_rotate_simplify_tool(axis, kPose.euler, theta, kFrame)), C * turns[i], kTolerance);
+    }
+}
+
+TEST(Rodrigues, TheLastAxisSetWinsAndOthersDoNotCount) {
+    const int all[] = {1, -1, 1}, last[] = {0, 0, 1}, none[] = {2, 0, -5};
+    for (const auto rotate : {Rodrigues_rotate_simplify, Rodrigues_rotate_simplify_tool}) {
+        expect_equal(rotate(all, kPose.euler, 0.4f, kFrame), rotate(last, kPose.euler, 0.4f, kFrame));
+        // cos(theta) times the orientation: the angles stay while the cosine is positive, and are mirrored below.
+        expect_near(to_kdl(rotate(none, kPose.euler, 0.4f, kFrame)), to_kdl(kPose.euler), kTolerance);
+        Matrix negative = matrix_m_num(euler_to_matrix(kPose.euler), std::cos(2.0f));
+        expect_near(to_kdl(rotate(none, kPose.euler, 2, kFrame)), to_kdl(matrix_to_euler(negative)), kTolerance);
+    }
+}
+
+TEST(Rodrigues, AnglesPassThroughTheWrap) {
+    const int x[] = {1, 0, 0};
+    EXPECT_NEAR(Rodrigues_rotate_simplify(x, {-3.14f, 0, 0}, 0, {}).rx, 3.1431853f, 1e-6);
+}
+
+TEST(Rodrigues, TurnsRightlyIntoTheSingularPitch) {
+    const int y[] = {0, 1, 0};
+    for (float quarter : {kPi / 2, -kPi / 2}) {
+        const Euler in_base = Rodrigues_rotate_simplify(y, {0.3f, 0, 0}, quarter, {});
+        EXPECT_EQ(in_base.rz, 0);
+        expect_near(to_kdl(in_base), KDL::Rotation::RotY(quarter) * KDL::Rotation::RotX(0.3), 1e-5);
+        const Euler in_tool = Rodrigues_rotate_simplify_tool(y, {0, 0, 0.3f}, quarter, {});
+        EXPECT_EQ(in_tool.rz, 0);
+        expect_near(to_kdl(in_tool), KDL::Rotation::RotZ(0.3) * KDL::Rotation::RotY(quarter), 1e-5);
+    }
+}
+
+TEST_F(PoseStep, InTheWorkFrame) {
+    const float delta[] = {0.01f, -0.02f, 0.03f, 5, -10, 20};
+    const KDL::Rotation F = to_kdl(kFrame.euler);
+    const KDL::Rotation expected = KDL::Rotation::Rot(F.UnitZ(), 20 * M_PI / 180) *
+                                   KDL::Rotation::Rot(F.UnitY(), -10 * M_PI / 180) *
+                                   KDL::Rotation::Rot(F.UnitX(), 5 * M_PI / 180) * to_kdl(kPose.euler);
+    expect_pose_near(algo_pose_move(delta, kWork, kPose),
+                     {expected, to_kdl(kPose.position) + KDL::Vector(0.01, -0.02, 0.03)}, kTolerance);
+}
+
+TEST_F(PoseStep, InTheToolFrameTranslatesAlongTheAxesFromBefore) {
+    const float delta[] = {0.01f, -0.02f, 0.03f, 5, -10, 20};
+    const KDL::Frame f = to_kdl(kPose);
+    const KDL::Rotation expected = f.M * KDL::Rotation::RotX(5 * M_PI / 180) * KDL::Rotation::RotY(-10 * M_PI / 180) *
+                                   KDL::Rotation::RotZ(20 * M_PI / 180);
+    expect_pose_near(algo_pose_move(delta, kTool, kPose), {expected, f * KDL::Vector(0.01, -0.02, 0.03)}, kTolerance);
+}
+
+TEST_F(PoseStep, InNoFrameGivesTheOriginAndKeepsTheOrientation) {
+    const float delta[] = {1, 2, 3, 40, 50, 60};
+    expect_zero(dPosMove(delta, kOther, kPose));
+    const Pose moved = algo_pose_move(delta, kOther, kPose);
+    expect_equal(moved.euler, kPose.euler);
+    expect_pose_near(moved, {to_kdl(kPose.euler), KDL::Vector::Zero()}, kTolerance);
+}
+
+TEST_F(PoseStep, OfNothingKeepsAnglesOutsideTheUsualRange) {
+    const float none[6] = {};
+    const Pose turned{{1, 2, 3}, {0, 1, 0, 0}, {7, -3.5f, 2}};
+    for (int frame : {kWork, kTool}) {
+        const Pose moved = algo_pose_move(none, frame, turned);
+        expect_equal(moved.euler, turned.euler);
+        expect_pose_near(moved, to_kdl(turned), kTolerance);
+    }
+}
+
+TEST_F(PoseStep, NanTurnsAndIsNotPassedOver) {
+    const float delta[] = {0, 0, 0, NAN, 0, 0};
+    EXPECT_TRUE(std::isnan(rotateMove(delta, kTool, kPose).euler.ry));
+}
+
+TEST_F(PoseStep, TranslationInTheWorkFrameLeavesTheRestZero) {
+    const float delta[] = {1, 2, 3, 40, 50, 60};
+    Pose moved = dPosMoveWork(delta, kPose);
+    EXPECT_EQ(moved.position.x, 1.3f);
+    EXPECT_EQ(moved.position.y, 1.5f);
+    EXPECT_EQ(moved.position.z, 3.7f);
+    moved.position = {};
+    expect_zero(moved);
+}
+
+TEST_F(PoseStep, TranslationAlongTheToolDoesNotWrap) {
+    const float delta[] = {1, 0, 0, 0, 0, 0};
+    const Pose moved = dPosMoveTool(delta, {{0, 0, 0}, {}, {-3.14f, 0, -3.135f}});
+    EXPECT_NEAR(moved.euler.rx, -3.14f, 1e-6);
+    EXPECT_NEAR(moved.euler.rz, -3.135f, 1e-6);
+    expect_pose_near(moved, {KDL::Rotation::RPY(-3.14, 0, -3.135), KDL::Rotation::RPY(-3.14, 0, -3.135).UnitX()},
+                     kTolerance);
+    // At the singular pitch rx and rz come from elements that are all but zero: what they give is still told.
+    EXPECT_NEAR(dPosMoveTool(delta, {{}, {}, {0, kPi / 2, 0}}).euler.ry, kPi / 2, 1e-6);
+}
+
+TEST_F(PoseStep, RotationsInDegreesAreThoseInRadians) {
+    const float delta[] = {0, 0, 0, 0, degrees(0.5), 0};
+    const int y[] = {0, 1, 0};
+    const Euler expected = Rodrigues_rotate_simplify_tool(y, kPose.euler, 0.5f, {});
+    expect_near(to_kdl(rotateMove(delta, kTool, kPose).euler), to_kdl(expected), 1e-6);
+}
+
+}  // namespace
