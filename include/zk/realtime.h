@@ -146,7 +146,7 @@ ZK_API int Parser_Set_Realtime_Push(const char* text);
 
 /*
  * Asks the controller for its configuration; force_coordinate is -1 on an arm without a force sensor. Afterwards the
- * mailbox record of the first connection is wiped, whichever asked. Returns 0, 5, 7, 9, 11, 18. Application threads.
+ * mailbox record of the first connection is wiped, whichever asked. Returns 0, 5, 7, 9, 11, 18, 19. Application threads.
  */
 ZK_API int Get_Realtime_Push(ArmSocket socket, RealtimePushConfig* config);
 ZK_API int Get_Realtime_Push_Block(ArmSocket socket, RealtimePushConfig* config);

@@ -61,7 +61,7 @@ ZK_API int Parser_Set_Realtime_Push(const char* text) { return Parser_Set_Online
 
 RealtimePushReply Get_Realtime_Push_Cmd[ZK_SLOTS];
 ZK_API int Get_Realtime_Push(ArmSocket s, RealtimePushConfig* config) {
-    return guarded(Get_Realtime_Push_Block, s, config);
+    return checked(Get_Realtime_Push_Block, s, config);
 }
 ZK_API int Get_Realtime_Push_Block(ArmSocket s, RealtimePushConfig* config) {
     return query({s, "get_realtime_push"}, Get_Realtime_Push_Cmd,
