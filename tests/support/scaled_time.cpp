@@ -48,7 +48,7 @@ ZK_API void sleep_cp(int32_t milliseconds) {
     std::chrono::nanoseconds real = std::chrono::milliseconds(milliseconds);
     {
         const std::lock_guard lock(scale().mutex);
-        real /= scale().factor;
+        if (scale().factor > 1) real /= scale().factor;
     }
     std::this_thread::sleep_for(real);
 }

@@ -4,8 +4,9 @@
 
 namespace zk::test {
 
-// How many milliseconds of the library's pass in one of the machine's, from now on; 1 at the start. Keep it at 1 while
-// something has to happen within a limit (a machine under load is late), and raise it for the limit to pass.
+// How many milliseconds of the library's pass in one of the machine's, from now on; 1 at the start. Raise it for a limit
+// to run out. With 0 the library's clock stands still while its sleeps pass as they are: for what has to happen within
+// a limit, on a machine that may be under any load.
 void set_time_factor(int factor);
 
 }  // namespace zk::test
