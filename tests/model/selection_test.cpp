@@ -1,0 +1,241 @@
+// Selecting an arm, and what each arm is by default.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "zk/model.h"
+
+namespace zk::test {
+namespace {
+
+float radians(int degrees) { return static_cast<float>(degrees) * 0.017453292f; }
+
+struct Defaults {
+    int model, sensor, joints;
+    std::vector<int> max, min, speed;  // degrees
+    std::vector<float> direction;      // of the first seven
+    std::vector<float> mass;           // kilograms
+};
+
+class Model : public testing::TestWithParam<Defaults> {};
+
+TEST_P(Model, HasItsLimitsDirectionsAndMasses) {
+    const Defaults& arm = GetParam();
+    ASSERT_EQ(libalgo_set_robot_and_sensor_type(arm.model, arm.sensor), 0);
+    EXPECT_EQ(libalgo_get_rbt_dof(), arm.joints);
+    EXPECT_EQ(libalgo_get_robot_type(), arm.model);
+    EXPECT_EQ(libalgo_get_sensor_type(), arm.sensor);
+
+    float max[8], min[8], speed[8], acceleration[8], direction[7];
+    libalgo_get_jointlim_max(max);
+    libalgo_get_jointlim_min(min);
+    libalgo_get_joint_vel_maxlim(speed);
+    libalgo_get_joint_acc_maxlim(acceleration);
+    libalgo_get_joint_direction(direction);
+    for (int j = 0; j < 8; ++j) {
+        const bool has = j < arm.joints;
+        EXPECT_EQ(max[j], has ? radians(arm.max[j]) : 0) << j;
+        EXPECT_EQ(min[j], has ? radians(arm.min[j]) : 0) << j;
+        EXPECT_EQ(speed[j], has ? radians(arm.speed[j]) : 0) << j;
+        EXPECT_EQ(acceleration[j], has ? radians(1000) : 0) << j;
+    }
+    EXPECT_EQ(std::vector<float>(direction, direction + 7), arm.direction);
+
+    DynamicsParams dynamics;
+    libalgo_get_dynamics_params(&dynamics);
+    for (int j = 0; j < 8; ++j) {
+        EXPECT_EQ(dynamics.link[j].mass, j < int(arm.mass.size()) ? arm.mass[j] : 0) << j;
+    }
+    float tcp[4];
+    libalgo_get_tcp_config(tcp);
+    EXPECT_EQ(std::vector<float>(tcp, tcp + 4), (std::vector<float>{0.25f, 1.6f, 0.6f, 4.0f}));
+    EXPECT_EQ(libalgo_check_dh_params_is_default(), 1);
+    EXPECT_EQ(std::memcmp(&robot.dh, &dh_default, sizeof robot.dh), 0);
+    EXPECT_EQ(std::memcmp(robot.dynamics_params.link, dyn_param_default.link, sizeof dyn_param_default.link), 0);
+}
+
+const std::vector<float> kStraight = {1, 1, 1, 1, 1, 1, 1}, kOf63 = {1, -1, 1, 1, 1, 1, 1},
+                         kParallel = {1, -1, 1, -1, 1, 1, 1};
+const std::vector<int> kMax63 = {178, 178, 145, 178, 178, 360}, kMin63 = {-178, -178, -178, -178, -178, -360},
+                       kMaxParallel = {180, 180, 145, 140, 180, 180},
+                       kMinParallel = {-180, -180, -160, -140, -180, -180}, kSpeed = {180, 180, 225, 225, 225, 225};
+
+INSTANTIATE_TEST_SUITE_P(
+    , Model,
+    testing::Values(Defaults{0,
+                             0,
+                             6,
+                             {178, 130, 135, 178, 128, 360},
+                             {-178, -130, -135, -178, -128, -360},
+                             kSpeed,
+                             kStraight,
+                             {1.51f, 1.653f, 0.726f, 0.671f, 0.647f, 0.107f}},
+                    Defaults{0,
+                             2,
+                             6,
+                             {178, 130, 135, 178, 128, 360},
+                             {-178, -130, -135, -178, -128, -360},
+                             kSpeed,
+                             kStraight,
+                             {1.51f, 1.653f, 0.726f, 0.671f, 0.647f, 0.248f}},
+                    Defaults{1,
+                             1,
+                             7,
+                             {178, 130, 178, 135, 178, 128, 360},
+                             {-178, -130, -178, -135, -178, -128, -360},
+                             {180, 180, 225, 225, 225, 225, 225},
+                             kStraight,
+                             {1.574f, 1.217f, 1.11f, 0.685f, 0.619f, 0.602f, 0.15f}},
+                    Defaults{3, 0, 6, kMax63, kMin63, kSpeed, kOf63, {1.837f, 2.006f, 1.961f, 1.201f, 1.026f, 0.107f}},
+                    Defaults{4, 0, 6, kMax63, kMin63, kSpeed, kOf63, {}},
+                    Defaults{5,
+                             0,
+                             6,
+                             kMaxParallel,
+                             kMinParallel,
+                             kSpeed,
+                             kParallel,
+                             {1.50782f, 2.022748f, 1.885823f, 0.5700811f, 0.6413858f, 0.107f}},
+                    Defaults{6,
+                             0,
+                             6,
+                             kMaxParallel,
+                             kMinParallel,
+                             {225, 225, 225, 180, 180, 180},
+                             kParallel,
+                             {1.19575f, 0.8055f, 0.413f, 0.2386f, 0.2633f, 0.0667f}},
+                    Defaults{7,
+                             0,
+                             7,
+                             {172, 105, 172, 55, 172, 120, 172},
+                             {-172, -105, -172, -170, -172, -90, -172},
+                             {180, 180, 180, 180, 225, 225, 225},
+                             {-1, 1, -1, 1, -1, 1, -1},
+                             {0.849f, 0.954f, 1.166f, 0.501f, 0.164f, 0.92f}},
+                    Defaults{8,
+                             1,
+                             6,
+                             kMaxParallel,
+                             kMinParallel,
+                             kSpeed,
+                             kParallel,
+                             {1.6026f, 2.8169f, 2.6857f, 0.625f, 0.6743f, 0.15f}},
+                    Defaults{9,
+                             3,
+                             7,
+                             {360, 360, 360, 360, 360, 360, 360},
+                             {-360, -360, -360, -360, -360, -360, -360},
+                             {300, 300, 300, 300, 300, 300, 300},
+                             kStraight,
+                             {}}),
+    [](const auto& p) { return std::to_string(p.param.model) + "Sensor" + std::to_string(p.param.sensor); });
+
+TEST(Selection, TakesThePairsThatThereAreArmsOf) {
+    // By sensor -1 to 4.
+    const struct {
+        int model;
+        const char* taken;
+    } cases[] = {{-1, "......"}, {0, ".yyy.."}, {1, ".yyy.."}, {2, "......"}, {3, ".yyy.."}, {4, ".yyy.."},
+                 {5, ".yyy.."},  {6, ".y...."}, {7, ".y...."}, {8, ".yyy.."}, {9, "yyyyyy"}, {10, "......"}};
+    for (const auto& [model, taken] : cases) {
+        for (int sensor = -1; sensor <= 4; ++sensor) {
+            const bool ok = taken[sensor + 1] == 'y';
+            EXPECT_EQ(libalgo_set_robot_and_sensor_type(model, sensor), ok ? 0 : -1) << model << ' ' << sensor;
+            EXPECT_EQ(libalgo_get_rbt_dof() > 0, ok);
+            EXPECT_EQ(libalgo_get_robot_type(), model);
+            EXPECT_EQ(libalgo_get_sensor_type(), sensor);
+        }
+    }
+}
+
+TEST(Selection, DiscardsEverythingThatWasSetBefore) {
+    libalgo_init();
+    const RobotModel fresh = robot;
+    std::memset(&robot, 0x3c, sizeof robot);
+    EXPECT_EQ(libalgo_clear(), 0);
+    EXPECT_EQ(std::memcmp(&robot, &fresh, sizeof fresh), 0);
+
+    EXPECT_FLOAT_EQ(libalgo_get_control_loop_period(), 0.002f);
+    EXPECT_EQ(libalgo_get_dynamics_model_type(), 0);
+    EXPECT_EQ(libalgo_get_system_all_dof(), 0);
+    Matrix m;
+    for (const auto get :
+         {libalgo_get_tool_cs_matrix, libalgo_get_work_cs_to_base_matrix, libalgo_get_robot_install_angle_matrix}) {
+        get(&m);
+        EXPECT_EQ(m.rows, 4);
+        EXPECT_EQ(m.cols, 4);
+        for (int i = 0; i < 16; ++i) EXPECT_EQ(m.m[i / 4][i % 4], i / 4 == i % 4);
+    }
+    float gravity[3];
+    libalgo_get_robot_gravity_acc(gravity);
+    EXPECT_EQ(gravity[2], -9.81f);
+}
+
+TEST(Selection, OfNoArmClearsTheModelButKeepsTheDefaultsOfTheLast) {
+    ASSERT_EQ(libalgo_set_robot_and_sensor_type(0, 2), 0);
+    ASSERT_EQ(libalgo_set_robot_and_sensor_type(6, 1), -1);
+    EXPECT_EQ(robot.dh.d[0], 0);
+    EXPECT_EQ(robot.tcp_config[0], 0);
+    EXPECT_EQ(robot.joint_config[0].pos_max, 0);
+    EXPECT_EQ(dh_default.d[5], 0.1725f);
+    EXPECT_EQ(dyn_param_default.link[5].mass, 0.248f);
+    EXPECT_EQ(libalgo_check_dh_params_is_default(), 1);  // there is no joint that could differ
+}
+
+TEST(Selection, TellsLinkInertiaWhereItIsKnown) {
+    const struct {
+        int model, sensor, link;
+        LinkDynamics expected;
+    } cases[] = {
+        {0,
+         0,
+         0,
+         {{0.0029285f, -3.26e-05f, -5.8e-06f, 0.0025064f, 4.79e-05f, 0.001756f},
+          {0.0007414f, 0.0117825f, -0.0162234f},
+          1.51f}},
+        {1,
+         0,
+         6,
+         {{5.09e-05f, -3.1e-06f, -7e-07f, 4.74e-05f, 4e-07f, 6.04e-05f}, {-5.41e-05f, 2.73e-05f, -0.0011557f}, 0.107f}},
+        {3,
+         1,
+         5,
+         {{8.24e-05f, -2.6e-06f, -8e-07f, 7.95e-05f, 5e-07f, 7.73e-05f}, {-3.98e-05f, 1.92e-05f, -0.0020675f}, 0.15f}},
+        {0,
+         2,
+         5,
+         {{0.0003088f, -3.8e-06f, -1.5e-06f, 0.0003046f, 9e-07f, 0.0001226f},
+          {-0.0001056f, 5.88e-05f, -0.0067513f},
+          0.248f}},
+        {7,
+         0,
+         0,
+         {{0.0006195f, -6e-07f, -3e-07f, 0.0007587f, -7e-07f, 0.000455f},
+          {1.53e-05f, 0.0004118f, -0.0042976f},
+          0.849f}},
+    };
+    for (const auto& c : cases) {
+        ASSERT_EQ(libalgo_set_robot_and_sensor_type(c.model, c.sensor), 0);
+        LinkDynamics links[7];
+        libalgo_get_link_dynamics_params(links);
+        EXPECT_EQ(std::memcmp(&links[c.link], &c.expected, sizeof c.expected), 0) << c.model << ' ' << c.sensor;
+    }
+}
+
+TEST(Selection, StoresSingularAnglesAsTheirSinglePrecisionValues) {
+    libalgo_set_robot_and_sensor_type(3, 0);
+    EXPECT_EQ(robot.dh.alpha[1], -1.5707964f);
+    EXPECT_EQ(robot.dh.offset[4], 3.1415927f);
+    EXPECT_EQ(robot.joint_config[5].pos_max, 6.2831855f);
+    libalgo_set_robot_and_sensor_type(4, 0);
+    EXPECT_EQ(robot.dh.alpha[5], -1.5707964f);  // told so, though the arm's wrist is not built so
+    EXPECT_EQ(robot.dh.d[0], 0.162f);
+    EXPECT_EQ(robot.dh.d[1], -0.0084f);
+    libalgo_set_robot_and_sensor_type(4, 1);
+    EXPECT_EQ(robot.dh.d[0], 0.172f);
+}
+
+}  // namespace
+}  // namespace zk::test
