@@ -1,16 +1,19 @@
-// Joint configuration.
+// Joint configuration: limits of the arm and of its drives, enabling, errors, zero points, calibration.
 #include "zk/joint_configuration.h"
 
 #include "connection/exchange.h"
+#include "connection/pending.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
 #include "zk/algorithm.h"
+#include "zk/motion.h"
 
 using namespace zk;
 
 namespace {
 
 using JointQuery = int (*)(ArmSocket, float*);
+using JointLimit = int (*)(ArmSocket, uint8_t, float);
 
 int joints_query(ArmSocket s, const char* command, JointReply (&mailbox)[ZK_SLOTS], float* out) {
     return query({s, command}, mailbox, [&](const JointReply& reply) { copy_joints(s, reply.value, out); });
@@ -26,7 +29,83 @@ int limit_into_model(JointQuery query, void (*to_model)(const float*), ArmSocket
     return ZK_OK;
 }
 
+// A limit that was set is asked for again, so that the model gets what the controller now holds. The question's status
+// is the result.
+int limit_and_back(JointLimit set, JointQuery query, ArmSocket s, uint8_t joint, float value) {
+    if (const int status = guarded(set, s, joint, value)) return status;
+    float held[8] = {};
+    return query(s, held);
+}
+
+// The same where the connection is looked at first.
+int limit_of_connection(JointLimit set, JointQuery query, ArmSocket s, uint8_t joint, float value) {
+    if (sending_file()) return ZK_SENDING_FILE;
+    if (const int status = needs_connection(s)) return status;
+    return limit_and_back(set, query, s, joint, value);
+}
+
+Request joint_pair(ArmSocket s, const char* command, const char* key, uint8_t joint, int32_t value) {
+    return Request(s, command).numbers(key, {double(joint), double(value)});
+}
+
+// Speeds and accelerations go out in turns a minute, six degrees a second each, where not told otherwise.
+int32_t thousandths_of_rpm(float degrees_per_second) { return thousandths(degrees_per_second / 6.0f); }
+
 }  // namespace
+
+// The non-blocking forms of speed and acceleration send the number as it is, six times larger.
+AckReply Set_Joint_Max_Speed_Cmd[ZK_SLOTS];
+ZK_API int Set_Joint_Speed(ArmSocket s, uint8_t joint, float value, bool block) {
+    return limit_of_connection(block ? Set_Joint_Speed_Block : Set_Joint_Speed_NonBlock, Get_Joint_Speed, s, joint,
+                               value);
+}
+ZK_API int Set_Joint_Speed_Block(ArmSocket s, uint8_t joint, float value) {
+    return set(joint_pair(s, "set_joint_max_speed", "joint_max_speed", joint, thousandths_of_rpm(value)),
+               Set_Joint_Max_Speed_Cmd);
+}
+ZK_API int Set_Joint_Speed_NonBlock(ArmSocket s, uint8_t joint, float value) {
+    return post(joint_pair(s, "set_joint_max_speed", "joint_max_speed", joint, thousandths(value)));
+}
+ZK_API int Parser_Joint_Speed(const char* text) { return acknowledgement(text, "joint_max_speed", ZK_NOT_BOOLEAN); }
+
+AckReply Set_Joint_Max_Acc_Cmd[ZK_SLOTS];
+ZK_API int Set_Joint_Acc(ArmSocket s, uint8_t joint, float value, bool block) {
+    return limit_of_connection(block ? Set_Joint_Acc_Block : Set_Joint_Acc_NonBlock, Get_Joint_Acc, s, joint, value);
+}
+ZK_API int Set_Joint_Acc_Block(ArmSocket s, uint8_t joint, float value) {
+    return set(joint_pair(s, "set_joint_max_acc", "joint_max_acc", joint, thousandths_of_rpm(value)),
+               Set_Joint_Max_Acc_Cmd);
+}
+ZK_API int Set_Joint_Acc_NonBlock(ArmSocket s, uint8_t joint, float value) {
+    return post(joint_pair(s, "set_joint_max_acc", "joint_max_acc", joint, thousandths(value)));
+}
+ZK_API int Parser_Joint_Acc(const char* text) { return acknowledgement(text, "joint_max_acc", ZK_NOT_BOOLEAN); }
+
+AckReply Set_Joint_Min_Pos_Cmd[ZK_SLOTS];
+ZK_API int Set_Joint_Min_Pos(ArmSocket s, uint8_t joint, float value, bool block) {
+    return limit_and_back(block ? Set_Joint_Min_Pos_Block : Set_Joint_Min_Pos_NonBlock, Get_Joint_Min_Pos, s, joint,
+                          value);
+}
+ZK_API int Set_Joint_Min_Pos_Block(ArmSocket s, uint8_t joint, float value) {
+    return set(joint_pair(s, "set_joint_min_pos", "joint_min_pos", joint, thousandths(value)), Set_Joint_Min_Pos_Cmd);
+}
+ZK_API int Set_Joint_Min_Pos_NonBlock(ArmSocket s, uint8_t joint, float value) {
+    return post(joint_pair(s, "set_joint_min_pos", "joint_min_pos", joint, thousandths(value)));
+}
+ZK_API int Parser_Joint_Min_Pos(const char* text) { return acknowledgement(text, "joint_min_pos", ZK_NOT_BOOLEAN); }
+
+AckReply Set_Joint_Max_Pos_Cmd[ZK_SLOTS];
+ZK_API int Set_Joint_Max_Pos(ArmSocket s, uint8_t joint, float value, bool block) {
+    return limit_and_back(block ? Set_Joint_Max_Pos_Block : Set_Joint_Max_Pos_NonBlock, Get_Joint_Max_Pos, s, joint,
+                          value);
+}
+ZK_API int Set_Joint_Max_Pos_Block(ArmSocket s, uint8_t joint, float value) {
+    return set(joint_pair(s, "set_joint_max_pos", "joint_max_pos", joint, thousandths(value)), Set_Joint_Max_Pos_Cmd);
+}
+ZK_API int Set_Joint_Max_Pos_NonBlock(ArmSocket s, uint8_t joint, float value) {
+    return post(joint_pair(s, "set_joint_max_pos", "joint_max_pos", joint, thousandths(value)));
+}
+ZK_API int Parser_Joint_Max_Pos(const char* text) { return acknowledgement(text, "joint_max_pos", ZK_NOT_BOOLEAN); }
 
 JointReply Joint_Max_Speed_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Speed(ArmSocket s, float* out) {
@@ -72,30 +151,238 @@ ZK_API int Parser_Get_Max_Pos(ArmSocket s, const char* text, float* out) {
     return joint_array(s, text, {.key = "max_pos"}, out);
 }
 
-AckReply Set_Joint_Max_Speed_Cmd[ZK_SLOTS];
-AckReply Set_Joint_Max_Acc_Cmd[ZK_SLOTS];
-AckReply Set_Joint_Min_Pos_Cmd[ZK_SLOTS];
-AckReply Set_Joint_Max_Pos_Cmd[ZK_SLOTS];
-AckReply Set_Joint_En_State_Cmd[ZK_SLOTS];
-AckReply Set_Joint_Zero_Cmd[ZK_SLOTS];
-AckReply Set_Joint_Clear_Err_Cmd[ZK_SLOTS];
-AckReply Auto_Fix_Joint_Over_Soft_Limit_Cmd[ZK_SLOTS];
-AckReply Auto_Set_Joint_Limit_Cmd[ZK_SLOTS];
+// The drives' own limits, which the local model does not know.
 AckReply Set_Joint_Drive_Max_Speed_Cmd[ZK_SLOTS];
-AckReply Set_Joint_Drive_Max_Acc_Cmd[ZK_SLOTS];
-AckReply Set_Joint_Drive_Min_Pos_Cmd[ZK_SLOTS];
-AckReply Set_Joint_Drive_Max_Pos_Cmd[ZK_SLOTS];
-
-ZK_API int Parser_Start_Calibrate(const char* text) { return acknowledgement(text, "calibrate_state", ZK_NOT_BOOLEAN); }
-ZK_API int Parser_Joint_Speed(const char* text) { return acknowledgement(text, "joint_max_speed", ZK_NOT_BOOLEAN); }
-ZK_API int Parser_Joint_Acc(const char* text) { return acknowledgement(text, "joint_max_acc", ZK_NOT_BOOLEAN); }
-ZK_API int Parser_Joint_Min_Pos(const char* text) { return acknowledgement(text, "joint_min_pos", ZK_NOT_BOOLEAN); }
-ZK_API int Parser_Joint_Max_Pos(const char* text) { return acknowledgement(text, "joint_max_pos", ZK_NOT_BOOLEAN); }
-ZK_API int Parser_Joint_EN_State(const char* text) { return acknowledgement(text, "joint_en_state", ZK_NOT_BOOLEAN); }
-ZK_API int Parser_Joint_Zero_Pos(const char* text) { return acknowledgement(text, "joint_zero_pos", ZK_NOT_BOOLEAN); }
-ZK_API int Parser_Joint_Err_Clear(const char* text) { return acknowledgement(text, "joint_clear_err", ZK_NOT_BOOLEAN); }
-ZK_API int Parser_Set_Joint_Limit(const char* text) { return acknowledgement(text, "limit_mode"); }
+ZK_API int Set_Joint_Drive_Speed(ArmSocket s, uint8_t joint, float value) {
+    return guarded(Set_Joint_Drive_Speed_Block, s, joint, value);
+}
+ZK_API int Set_Joint_Drive_Speed_Block(ArmSocket s, uint8_t joint, float value) {
+    return set(joint_pair(s, "set_joint_drive_max_speed", "joint_max_speed", joint, thousandths_of_rpm(value)),
+               Set_Joint_Drive_Max_Speed_Cmd);
+}
 ZK_API int Parser_Set_Joint_Drive_Max_Speed(const char* text) { return acknowledgement(text, "joint_max_speed"); }
+
+AckReply Set_Joint_Drive_Max_Acc_Cmd[ZK_SLOTS];
+ZK_API int Set_Joint_Drive_Acc(ArmSocket s, uint8_t joint, float value) {
+    return guarded(Set_Joint_Drive_Acc_Block, s, joint, value);
+}
+ZK_API int Set_Joint_Drive_Acc_Block(ArmSocket s, uint8_t joint, float value) {
+    return set(joint_pair(s, "set_joint_drive_max_acc", "joint_max_acc", joint, thousandths_of_rpm(value)),
+               Set_Joint_Drive_Max_Acc_Cmd);
+}
 ZK_API int Parser_Set_Joint_Drive_Max_Acc(const char* text) { return acknowledgement(text, "joint_max_acc"); }
+
+AckReply Set_Joint_Drive_Min_Pos_Cmd[ZK_SLOTS];
+ZK_API int Set_Joint_Drive_Min_Pos(ArmSocket s, uint8_t joint, float value) {
+    return guarded(Set_Joint_Drive_Min_Pos_Block, s, joint, value);
+}
+ZK_API int Set_Joint_Drive_Min_Pos_Block(ArmSocket s, uint8_t joint, float value) {
+    return set(joint_pair(s, "set_joint_drive_min_pos", "joint_min_pos", joint, thousandths(value)),
+               Set_Joint_Drive_Min_Pos_Cmd);
+}
 ZK_API int Parser_Set_Joint_Drive_Min_Pos(const char* text) { return acknowledgement(text, "joint_min_pos"); }
+
+AckReply Set_Joint_Drive_Max_Pos_Cmd[ZK_SLOTS];
+ZK_API int Set_Joint_Drive_Max_Pos(ArmSocket s, uint8_t joint, float value) {
+    return guarded(Set_Joint_Drive_Max_Pos_Block, s, joint, value);
+}
+ZK_API int Set_Joint_Drive_Max_Pos_Block(ArmSocket s, uint8_t joint, float value) {
+    return set(joint_pair(s, "set_joint_drive_max_pos", "joint_max_pos", joint, thousandths(value)),
+               Set_Joint_Drive_Max_Pos_Cmd);
+}
 ZK_API int Parser_Set_Joint_Drive_Max_Pos(const char* text) { return acknowledgement(text, "joint_max_pos"); }
+
+JointReply Get_Joint_Drive_Max_Speed_Cmd[ZK_SLOTS];
+ZK_API int Get_Joint_Drive_Speed(ArmSocket s, float* out) { return guarded(Get_Joint_Drive_Speed_Block, s, out); }
+ZK_API int Get_Joint_Drive_Speed_Block(ArmSocket s, float* out) {
+    return joints_query(s, "get_joint_drive_max_speed", Get_Joint_Drive_Max_Speed_Cmd, out);
+}
+ZK_API int Parser_Get_Joint_Drive_Max_Speed(ArmSocket s, const char* text, float* out) {
+    return Parser_Get_Joint_Speed(s, text, out);
+}
+
+JointReply Get_Joint_Drive_Max_Acc_Cmd[ZK_SLOTS];
+ZK_API int Get_Joint_Drive_Acc(ArmSocket s, float* out) { return guarded(Get_Joint_Drive_Acc_Block, s, out); }
+ZK_API int Get_Joint_Drive_Acc_Block(ArmSocket s, float* out) {
+    return joints_query(s, "get_joint_drive_max_acc", Get_Joint_Drive_Max_Acc_Cmd, out);
+}
+ZK_API int Parser_Get_Joint_Drive_Max_Acc(ArmSocket s, const char* text, float* out) {
+    return Parser_Get_Joint_Acc(s, text, out);
+}
+
+JointReply Get_Joint_Drive_Min_Pos_Cmd[ZK_SLOTS];
+ZK_API int Get_Joint_Drive_Min_Pos(ArmSocket s, float* out) { return guarded(Get_Joint_Drive_Min_Pos_Block, s, out); }
+ZK_API int Get_Joint_Drive_Min_Pos_Block(ArmSocket s, float* out) {
+    return joints_query(s, "get_joint_drive_min_pos", Get_Joint_Drive_Min_Pos_Cmd, out);
+}
+ZK_API int Parser_Get_Joint_Drive_Min_Pos(ArmSocket s, const char* text, float* out) {
+    return Parser_Get_Min_Pos(s, text, out);
+}
+
+JointReply Get_Joint_Drive_Max_Pos_Cmd[ZK_SLOTS];
+ZK_API int Get_Joint_Drive_Max_Pos(ArmSocket s, float* out) { return guarded(Get_Joint_Drive_Max_Pos_Block, s, out); }
+ZK_API int Get_Joint_Drive_Max_Pos_Block(ArmSocket s, float* out) {
+    return joints_query(s, "get_joint_drive_max_pos", Get_Joint_Drive_Max_Pos_Cmd, out);
+}
+ZK_API int Parser_Get_Joint_Drive_Max_Pos(ArmSocket s, const char* text, float* out) {
+    return Parser_Get_Max_Pos(s, text, out);
+}
+
+static Request en_state(ArmSocket s, uint8_t joint, uint8_t state) {
+    return joint_pair(s, "set_joint_en_state", "joint_en_state", joint, state);
+}
+AckReply Set_Joint_En_State_Cmd[ZK_SLOTS];
+ZK_API int Set_Joint_EN_State(ArmSocket s, uint8_t joint, uint8_t state, bool block) {
+    return guarded(block ? Set_Joint_EN_State_Block : Set_Joint_EN_State_NonBlock, s, joint, state);
+}
+ZK_API int Set_Joint_EN_State_Block(ArmSocket s, uint8_t joint, uint8_t state) {
+    return set(en_state(s, joint, state), Set_Joint_En_State_Cmd);
+}
+ZK_API int Set_Joint_EN_State_NonBlock(ArmSocket s, uint8_t joint, uint8_t state) {
+    return post(en_state(s, joint, state));
+}
+ZK_API int Parser_Joint_EN_State(const char* text) { return acknowledgement(text, "joint_en_state", ZK_NOT_BOOLEAN); }
+
+JointIntReply Get_Joint_En_State_Cmd[ZK_SLOTS];
+ZK_API int Get_Joint_EN_State(ArmSocket s, uint8_t* state) { return checked(Get_Joint_EN_State_Block, s, state); }
+ZK_API int Get_Joint_EN_State_Block(ArmSocket s, uint8_t* state) {
+    return query({s, "get_joint_en_state"}, Get_Joint_En_State_Cmd,
+                 [&](const JointIntReply& reply) { copy_joints(s, reply.value, state); });
+}
+ZK_API int Parser_Get_Joint_EN_State(ArmSocket s, const char* text, int32_t* state) {
+    return joint_array(s, text, "en_state", state);
+}
+
+static Request clear_err(ArmSocket s, uint8_t joint) {
+    return Request(s, "set_joint_clear_err").number("joint_clear_err", joint);
+}
+AckReply Set_Joint_Clear_Err_Cmd[ZK_SLOTS];
+ZK_API int Set_Joint_Err_Clear(ArmSocket s, uint8_t joint, bool block) {
+    if (sending_file()) return ZK_SENDING_FILE;
+    sleep_cp(settle_ms);
+    return block ? Set_Joint_Err_Clear_Block(s, joint) : Set_Joint_Err_Clear_NonBlock(s, joint);
+}
+ZK_API int Set_Joint_Err_Clear_Block(ArmSocket s, uint8_t joint) {
+    return set(clear_err(s, joint), Set_Joint_Clear_Err_Cmd);
+}
+ZK_API int Set_Joint_Err_Clear_NonBlock(ArmSocket s, uint8_t joint) { return post(clear_err(s, joint)); }
+ZK_API int Parser_Joint_Err_Clear(const char* text) { return acknowledgement(text, "joint_clear_err", ZK_NOT_BOOLEAN); }
+
+JointErrorReply Get_Joint_Err_Flag_Cmd[ZK_SLOTS];
+ZK_API int Get_Joint_Err_Flag(ArmSocket s, uint16_t* err_flag, uint16_t* brake_state) {
+    return checked(Get_Joint_Err_Flag_Block, s, err_flag, brake_state);
+}
+ZK_API int Get_Joint_Err_Flag_Block(ArmSocket s, uint16_t* err_flag, uint16_t* brake_state) {
+    return query({s, "get_joint_err_flag"}, Get_Joint_Err_Flag_Cmd, [&](const JointErrorReply& reply) {
+        copy_joints(s, reply.err_flag, err_flag);
+        copy_joints(s, reply.brake_state, brake_state);
+    });
+}
+ZK_API int Parser_Get_Joint_Err_Flag(ArmSocket s, const char* text, int32_t* err_flag, int32_t* brake_state) {
+    const int status = joint_array(s, text, "err_flag", err_flag);
+    return status ? status : joint_array(s, text, "brake_state", brake_state);
+}
+
+JointIntReply Get_Joint_Software_Version_Cmd[ZK_SLOTS];
+ZK_API int Get_Joint_Software_Version(ArmSocket s, int32_t* version) {
+    return checked(Get_Joint_Software_Version_Block, s, version);
+}
+ZK_API int Get_Joint_Software_Version_Block(ArmSocket s, int32_t* version) {
+    return query({s, "get_joint_software_version"}, Get_Joint_Software_Version_Cmd,
+                 [&](const JointIntReply& reply) { copy_joints(s, reply.value, version); });
+}
+ZK_API int Parser_Get_Joint_Software_Version(ArmSocket s, const char* text, int32_t* version) {
+    return joint_array(s, text, "version", version);
+}
+
+static Request zero_pos(ArmSocket s, uint8_t joint) {
+    return Request(s, "set_joint_zero_pos").number("joint_zero_pos", joint);
+}
+AckReply Set_Joint_Zero_Cmd[ZK_SLOTS];
+ZK_API int Set_Joint_Zero_Pos(ArmSocket s, uint8_t joint, bool block) {
+    if (sending_file()) return ZK_SENDING_FILE;
+    sleep_cp(settle_ms);
+    if (const int status = needs_connection(s)) return status;
+    return block ? Set_Joint_Zero_Pos_Block(s, joint) : Set_Joint_Zero_Pos_NonBlock(s, joint);
+}
+ZK_API int Set_Joint_Zero_Pos_Block(ArmSocket s, uint8_t joint) { return set(zero_pos(s, joint), Set_Joint_Zero_Cmd); }
+ZK_API int Set_Joint_Zero_Pos_NonBlock(ArmSocket s, uint8_t joint) { return post(zero_pos(s, joint)); }
+ZK_API int Parser_Joint_Zero_Pos(const char* text) { return acknowledgement(text, "joint_zero_pos", ZK_NOT_BOOLEAN); }
+
+// The replies of calibration do not reach the pending list: the blocking forms end in 7.
+ZK_API int Start_Calibrate(ArmSocket s, bool block) {
+    return settled(block, Start_Calibrate_Block, Start_Calibrate_NonBlock, s);
+}
+ZK_API int Start_Calibrate_Block(ArmSocket s) { return pending({s, "start_calibrate"}, 9, Parser_Start_Calibrate); }
+ZK_API int Start_Calibrate_NonBlock(ArmSocket s) { return post({s, "start_calibrate"}); }
+ZK_API int Stop_Calibrate(ArmSocket s, bool block) {
+    return settled(block, Stop_Calibrate_Block, Stop_Calibrate_NonBlock, s);
+}
+ZK_API int Stop_Calibrate_Block(ArmSocket s) { return pending({s, "stop_calibrate"}, 10, Parser_Start_Calibrate); }
+ZK_API int Stop_Calibrate_NonBlock(ArmSocket s) { return post({s, "stop_calibrate"}); }
+ZK_API int Parser_Start_Calibrate(const char* text) { return acknowledgement(text, "calibrate_state", ZK_NOT_BOOLEAN); }
+
+ZK_API int Get_Calibrate_State(ArmSocket s, float* state, uint16_t* err, int32_t* value) {
+    return settled_query(Get_Calibrate_State_Block, s, state, err, value);
+}
+ZK_API int Get_Calibrate_State_Block(ArmSocket s, float* state, uint16_t* err, int32_t* value) {
+    return pending({s, "get_calibrate_state"}, 11,
+                   [&](const char* text) { return Parser_Get_Calibrate_State(s, text, state, err, value); });
+}
+ZK_API int Parser_Get_Calibrate_State(ArmSocket s, const char* text, float* state, uint16_t* err, int32_t* value) {
+    Reply reply(text);
+    const auto joints = [&](const char* key) {
+        return reply.array(reply.root(), key, joint_count(s), ZK_WRONG_SIZE, ZK_BAD_REPLY);
+    };
+    const Item states = joints("joint_state");
+    for (int i = 0; i < states.size(); ++i) state[i] = static_cast<uint8_t>(states[i].integer());
+    const Item errors = joints("err");
+    for (int i = 0; i < errors.size(); ++i) err[i] = static_cast<uint16_t>(errors[i].integer());
+    // The same key is asked for a number, which an array is not: with both arrays filled the result is 11.
+    if (const Item number = reply.number(reply.root(), "err")) *value = number.integer();
+    return reply.status();
+}
+
+// Brings joints that stand beyond a soft limit back. Accepted, it waits for the report of the motion, without a limit.
+AckReply Auto_Fix_Joint_Over_Soft_Limit_Cmd[ZK_SLOTS];
+ZK_API int Auto_Fix_Joint_Over_Soft_Limit(ArmSocket s, bool block) {
+    return guarded(block ? Auto_Fix_Joint_Over_Soft_Limit_Block : Auto_Fix_Joint_Over_Soft_Limit_NonBlock, s);
+}
+ZK_API int Auto_Fix_Joint_Over_Soft_Limit_Block(ArmSocket s) {
+    Mailbox accepted(Auto_Fix_Joint_Over_Soft_Limit_Cmd), arrived(Move_Cmd);
+    int slot = Get_Socket_Idx(s);
+    if (slot < 0) return ZK_NOT_CONNECTED;
+    arrived.clear(slot);
+    post({s, "auto_fix_joint_over_soft_limit"});
+    if (const int status = await(accepted, s, read(m_nOutTime), slot)) return status;
+    if (const int refusal = accepted.result(slot)) {
+        accepted.lower(slot);
+        return refusal;
+    }
+    if (const int status = await(arrived, s, no_limit, slot)) return status;
+    arrived.lower(slot);
+    return arrived.result(slot);
+}
+ZK_API int Auto_Fix_Joint_Over_Soft_Limit_NonBlock(ArmSocket s) {
+    Mailbox accepted(Auto_Fix_Joint_Over_Soft_Limit_Cmd);
+    int slot = Get_Socket_Idx(s);
+    if (slot < 0) return ZK_NOT_CONNECTED;
+    accepted.clear(slot);
+    post({s, "auto_fix_joint_over_soft_limit"});
+    if (const int status = await(accepted, s, read(m_nOutTime), slot)) return status;
+    accepted.lower(slot);
+    return accepted.result(slot);
+}
+
+static Request limit_mode(ArmSocket s, uint8_t mode) {
+    return Request(s, "auto_set_joint_limit").number("limit_mode", mode);
+}
+AckReply Auto_Set_Joint_Limit_Cmd[ZK_SLOTS];
+ZK_API int Auto_Set_Joint_Limit(ArmSocket s, uint8_t mode) {
+    return briefly_settled(Auto_Set_Joint_Limit_Block_E, s, mode);
+}
+ZK_API int Auto_Set_Joint_Limit_E(ArmSocket s, uint8_t mode) { return Auto_Set_Joint_Limit(s, mode); }
+ZK_API int Auto_Set_Joint_Limit_Block_E(ArmSocket s, uint8_t mode) {
+    return set(limit_mode(s, mode), Auto_Set_Joint_Limit_Cmd);
+}
+ZK_API int Parser_Set_Joint_Limit(const char* text) { return acknowledgement(text, "limit_mode"); }

@@ -20,6 +20,7 @@
 namespace zk {
 
 constexpr int32_t poll_ms = 10;
+constexpr int32_t no_limit = INT32_MAX;
 
 // A table of reply records, whatever their payload: count, result, then the payload's words.
 class Mailbox {

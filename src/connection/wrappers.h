@@ -56,6 +56,14 @@ int settled_query(Form form, Arguments... arguments) {
     return settled(true, form, form, arguments...);
 }
 
+// A pause of two milliseconds, then the blocking form with SuspendQueue raised.
+template <class Form, class... Arguments>
+int briefly_settled(Form form, Arguments... arguments) {
+    if (sending_file()) return ZK_SENDING_FILE;
+    sleep_cp(2);
+    return suspended(form, arguments...);
+}
+
 // A live connection, in the calls that ask for one.
 inline int needs_connection(ArmSocket socket) {
     if (socket < 1) return ZK_NOT_CONNECTED;
