@@ -1,0 +1,255 @@
+// A move's acknowledgement and its arrival.
+#include "zk/motion.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+
+#include "support/arm.h"
+#include "support/scaled_time.h"
+#include "zk/startup.h"
+#include "zk/trajectory.h"
+
+namespace {
+
+using namespace zk::test;
+
+const char* const kAccepted = R"({"command":"movej","receive_state":true})";
+const char* const kArrived =
+    R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,"trajectory_connect":0})";
+
+std::string trajectory(const std::string& type) {
+    return R"({"state":"arm_current_trajectory","type":")" + type + R"(","data":[0,0,0,0,0,0]})";
+}
+
+class Motion : public testing::Test {
+ protected:
+    void SetUp() override {
+        set_time_factor(0);
+        ZK_API_Init(65, nullptr);
+        arm_ = connect_arm(controller_);
+        set_shared(g_is_robot_type_i, uint8_t{1});
+        controller_.answer("movej", kAccepted);
+    }
+
+    // Polls run fast, yet no answer can come too late.
+    void let_only_the_polls_run_fast() {
+        m_nOutTime = 2000000000;
+        set_time_factor(20);
+    }
+
+    int move_nonblock() { return Movej_Cmd_NonBlock(arm_, target_, 20, 0, 0); }
+    int move(int connect = 0) { return Movej_Cmd(arm_, target_, 20, 0, connect, true); }
+    std::future<int> start_move(int connect = 0) {
+        return std::async(std::launch::async, [this, connect] { return move(connect); });
+    }
+    void wait_for_poll() { controller_.wait_for_request("get_arm_current_trajectory"); }
+
+    // Says a report that does not end the move, and returns when the move has looked at it: the answer to the first
+    // poll from now comes behind the report, and the second poll goes out after both.
+    void say_in_vain(const char* report) {
+        controller_.say(report);
+        controller_.forget_requests();
+        wait_for_poll();
+        wait_for_poll();
+    }
+
+    ScriptedController controller_;
+    ArmSocket arm_ = 0;
+    float target_[6] = {1, 2, 3, 4, 5, 6};
+};
+
+TEST_F(Motion, ANonBlockingMoveGivesItsAcknowledgement) {
+    const std::pair<const char*, int> rows[] = {{kAccepted, 0},
+                                                {R"({"command":"movej","receive_state":false})", 1},
+                                                {R"({"command":"movej","receive_state":"yes"})", 11},
+                                                {R"({"command":"movej"})", 9},
+                                                {R"({"command":"movejp","receive_state":true})", 11},
+                                                {R"({"command":7,"also":"movej","receive_state":true})", 11},
+                                                {R"({"state":"movej","receive_state":true})", 9},
+                                                {R"({"command":"movej","receive_state":tr)", 9}};
+    for (const auto& [reply, status] : rows) {
+        controller_.answer("movej", reply);
+        EXPECT_EQ(move_nonblock(), status) << reply;
+        EXPECT_EQ(shared(Move_Receive_Cmd[0].count), 0) << reply;
+    }
+}
+
+TEST_F(Motion, ANonBlockingMoveWaitsAHundredMilliseconds) {
+    controller_.ignore("movej");
+    const int32_t start = Get_Program_Runtime();
+    set_time_factor(5);
+    EXPECT_EQ(move_nonblock(), 7);
+    EXPECT_GE(Get_Program_Runtime() - start, 100);
+    EXPECT_LT(Get_Program_Runtime() - start, 3000) << "the limit of other commands";
+}
+
+TEST_F(Motion, AnUnknownArmIsNotAskedForItsAcknowledgement) {
+    set_shared(g_is_robot_type_i, uint8_t{0});
+    controller_.ignore("movej");
+    EXPECT_EQ(move_nonblock(), 0);
+    EXPECT_NE(controller_.wait_for_request("movej"), "");
+}
+
+TEST_F(Motion, AJoinedMoveReturnsAtOnce) {
+    EXPECT_EQ(move(1), 0);
+    EXPECT_NE(controller_.wait_for_request("movej"), "");
+}
+
+TEST_F(Motion, AJoinedMoveOfAnUnknownArmWaitsForItsArrival) {
+    set_shared(g_is_robot_type_i, uint8_t{0});
+    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
+    std::future<int> status = start_move(1);
+    wait_for_poll();
+    wait_for_poll();
+    controller_.say(kArrived);
+    EXPECT_EQ(status.get(), 0);
+}
+
+TEST_F(Motion, AMoveEndsWithTheReportOfItsArrival) {
+    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
+    std::future<int> status = start_move();
+    wait_for_poll();
+    wait_for_poll();
+    controller_.say(kArrived);
+    EXPECT_EQ(status.get(), 0);
+    EXPECT_EQ(shared(Move_Cmd[0].count), 0);
+}
+
+TEST_F(Motion, AReportOfAnEarlierMoveIsNotTaken) {
+    controller_.say(R"({"state":"current_trajectory_state","trajectory_state":false,"device":0})");
+    eventually([] { return shared(Move_Cmd[0].count) == 1; });
+    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
+    std::future<int> status = start_move();
+    wait_for_poll();
+    controller_.say(kArrived);
+    EXPECT_EQ(status.get(), 0);
+}
+
+TEST_F(Motion, ReportsThatAreNotItsOwnAreIgnored) {
+    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
+    std::future<int> status = start_move();
+    wait_for_poll();
+    for (const char* report :
+         {R"({"state":"current_trajectory_state","trajectory_state":true,"device":1,"trajectory_connect":0})",
+          R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,"trajectory_connect":1})",
+          R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,"trajectory_connect":"0"})",
+          R"({"state":"current_trajectory_state","trajectory_state":true,"device":0})"}) {
+        say_in_vain(report);
+        EXPECT_EQ(status.wait_for(std::chrono::seconds(0)), std::future_status::timeout) << report;
+    }
+    controller_.say(kArrived);
+    EXPECT_EQ(status.get(), 0);
+}
+
+TEST_F(Motion, ARefusalIsToldByTheReport) {
+    controller_.answer_bytes("movej",
+                             {line(R"({"command":"movej","receive_state":false})") +
+                              line(R"({"state":"current_trajectory_state","trajectory_state":false,"device":0})")});
+    controller_.answer("get_arm_current_trajectory", trajectory("none"));
+    EXPECT_EQ(move(), 1);
+}
+
+TEST_F(Motion, ARefusalCountsAfterAReportOfAnotherDevice) {
+    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
+    std::future<int> status = start_move();
+    wait_for_poll();
+    say_in_vain(R"({"state":"current_trajectory_state","trajectory_state":true,"device":3,"trajectory_connect":0})");
+    controller_.say(R"({"state":"current_trajectory_state","trajectory_state":false})");
+    EXPECT_EQ(status.get(), 1);
+}
+
+TEST_F(Motion, ABrokenReportEndsTheMove) {
+    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
+    std::future<int> status = start_move();
+    wait_for_poll();
+    controller_.say(R"({"state":"current_trajectory_state","trajectory_state":true,"devi)");
+    EXPECT_EQ(status.get(), 9);
+}
+
+TEST_F(Motion, AStopFromASecondThreadEndsTheMove) {
+    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
+    controller_.answer_bytes("set_arm_stop",
+                             {line(R"({"command":"set_arm_stop","arm_stop":true})") +
+                              line(R"({"state":"current_trajectory_state","trajectory_state":false,"device":0})")});
+    std::future<int> status = start_move();
+    wait_for_poll();
+    EXPECT_EQ(Move_Stop_Cmd(arm_, true), 0);
+    EXPECT_EQ(status.get(), 1);
+}
+
+TEST_F(Motion, AClosedConnectionEndsTheMove) {
+    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
+    std::future<int> status = start_move();
+    wait_for_poll();
+    Arm_Socket_Close(arm_);
+    EXPECT_EQ(status.get(), 5);
+}
+
+TEST_F(Motion, AnArmThatWasSeenMovingAndIsIdleEndsIn14) {
+    let_only_the_polls_run_fast();
+    controller_.answer_in_turn("get_arm_current_trajectory",
+                               {trajectory("none"), trajectory("movej"), trajectory("none"), trajectory("movej")});
+    EXPECT_EQ(move(), 14);
+    EXPECT_EQ(shared(SuspendQueue), 0);
+}
+
+TEST_F(Motion, AnArmThatNeverStartsEndsIn14AfterFiftyLooks) {
+    let_only_the_polls_run_fast();
+    int looks = 0;
+    controller_.answer_with("get_arm_current_trajectory", [&](const std::string&) {
+        ++looks;
+        return Pieces{line(trajectory("none"))};
+    });
+    EXPECT_EQ(move(), 14);
+    EXPECT_EQ(looks, 50);
+}
+
+TEST_F(Motion, ATrajectoryOfAnotherTypeIsNotTheMove) {
+    let_only_the_polls_run_fast();
+    int looks = 0;
+    controller_.answer_with("get_arm_current_trajectory", [&](const std::string&) {
+        return Pieces{line(trajectory(++looks <= 5 ? "movel" : "none"))};
+    });
+    EXPECT_EQ(move(), 14);
+    EXPECT_EQ(looks, 55);
+}
+
+TEST_F(Motion, SixFailedLooksEndTheMoveWithTheirStatus) {
+    set_time_factor(200);
+    EXPECT_EQ(move(), 7);
+    for (int i = 0; i < 6; ++i) wait_for_poll();
+}
+
+TEST_F(Motion, FailedLooksAddUp) {
+    let_only_the_polls_run_fast();
+    int looks = 0;
+    controller_.answer_with("get_arm_current_trajectory", [&](const std::string&) {
+        return Pieces{line(++looks % 2 ? R"({"state":"arm_current_trajectory","type":"movej"})" : trajectory("movej"))};
+    });
+    EXPECT_EQ(move(), 9);
+    EXPECT_EQ(looks, 11);
+}
+
+TEST_F(Motion, AFileTransferCountsAsAFailedLook) {
+    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
+    std::future<int> status = start_move();
+    wait_for_poll();
+    set_shared(IsSendFile, 1);
+    EXPECT_EQ(status.get(), 18);
+}
+
+TEST_F(Motion, GuardsSendNothing) {
+    EXPECT_EQ(Movej_Cmd(arm_, nullptr, 20, 0, 0, true), 19);
+    EXPECT_EQ(Movej_Cmd(arm_, nullptr, 20, 0, 0, false), 19);
+    set_shared(IsSendFile, 1);
+    EXPECT_EQ(Movej_Cmd(arm_, target_, 20, 0, 0, true), 18);
+    EXPECT_EQ(Movej_Cmd(arm_, nullptr, 20, 0, 0, false), 18);
+    set_shared(IsSendFile, 0);
+    EXPECT_EQ(Movej_Cmd_Block(arm_ + 1, target_, 20, 0, 0), 5);
+    EXPECT_EQ(Movej_Cmd_NonBlock(arm_ + 1, target_, 20, 0, 0), 5);
+    Move_Stop_Cmd_NonBlock(arm_);
+    EXPECT_EQ(controller_.next_request(), "{\n\t\"command\":\t\"set_arm_stop\"\n}");
+}
+
+}  // namespace
