@@ -10,10 +10,8 @@
 #define ZK_STATIC_ASSERT(condition, text) static_assert(condition, text)
 #else
 #define ZK_API extern __attribute__((visibility("default")))
-#define ZK_CONCAT_(a, b) a##b
-#define ZK_CONCAT(a, b) ZK_CONCAT_(a, b)
-#define ZK_STATIC_ASSERT(condition, text) \
-    typedef char ZK_CONCAT(zk_assertion_of_line_, __LINE__)[(condition) ? 1 : -1] __attribute__((unused))
+/* Any number of declarations of the one array agree, as long as its size is 1. */
+#define ZK_STATIC_ASSERT(condition, text) extern char zk_static_assertion[(condition) ? 1 : -1]
 #endif
 
 /* Version of this library's build, beside the two version strings that API_Version and Algo_Version give. */
