@@ -23,4 +23,6 @@
 /* How many connections a process can hold, and so the length of every mailbox table. */
 #define ZK_SLOTS 20
 
+ZK_STATIC_ASSERT(sizeof(int) == 4 && sizeof(float) == 4, "the records of the interface count in words of 32 bits");
+
 #endif
