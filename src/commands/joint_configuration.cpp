@@ -15,10 +15,6 @@ namespace {
 using JointQuery = int (*)(ArmSocket, float*);
 using JointLimit = int (*)(ArmSocket, uint8_t, float);
 
-int joints_query(ArmSocket s, const char* command, JointReply (&mailbox)[ZK_SLOTS], float* out) {
-    return query({s, command}, mailbox, [&](const JointReply& reply) { copy_joints(s, reply.value, out); });
-}
-
 // A limit that the controller told goes into the local model. The model takes as many values as its arm has joints,
 // which need not be as many as the connection has.
 int limit_into_model(JointQuery query, void (*to_model)(const float*), ArmSocket s, float* out) {
@@ -112,7 +108,7 @@ ZK_API int Get_Joint_Speed(ArmSocket s, float* out) {
     return limit_into_model(Get_Joint_Speed_Block, Algo_Set_Joint_Max_Speed, s, out);
 }
 ZK_API int Get_Joint_Speed_Block(ArmSocket s, float* out) {
-    return joints_query(s, "get_joint_max_speed", Joint_Max_Speed_Cmd, out);
+    return query_joints(s, "get_joint_max_speed", Joint_Max_Speed_Cmd, out);
 }
 ZK_API int Parser_Get_Joint_Speed(ArmSocket s, const char* text, float* out) {
     return joint_array(s, text, {.key = "joint_speed", .factor = 6.0f, .not_array = ZK_WRONG_SIZE}, out);
@@ -123,7 +119,7 @@ ZK_API int Get_Joint_Acc(ArmSocket s, float* out) {
     return limit_into_model(Get_Joint_Acc_Block, Algo_Set_Joint_Max_Acc, s, out);
 }
 ZK_API int Get_Joint_Acc_Block(ArmSocket s, float* out) {
-    return joints_query(s, "get_joint_max_acc", Get_Joint_Max_Acc_Cmd, out);
+    return query_joints(s, "get_joint_max_acc", Get_Joint_Max_Acc_Cmd, out);
 }
 ZK_API int Parser_Get_Joint_Acc(ArmSocket s, const char* text, float* out) {
     return joint_array(s, text, {.key = "joint_acc", .factor = 6.0f}, out);
@@ -134,7 +130,7 @@ ZK_API int Get_Joint_Min_Pos(ArmSocket s, float* out) {
     return limit_into_model(Get_Joint_Min_Pos_Block, Algo_Set_Joint_Min_Limit, s, out);
 }
 ZK_API int Get_Joint_Min_Pos_Block(ArmSocket s, float* out) {
-    return joints_query(s, "get_joint_min_pos", Get_Joint_Min_Pos_Cmd, out);
+    return query_joints(s, "get_joint_min_pos", Get_Joint_Min_Pos_Cmd, out);
 }
 ZK_API int Parser_Get_Min_Pos(ArmSocket s, const char* text, float* out) {
     return joint_array(s, text, {.key = "min_pos"}, out);
@@ -145,7 +141,7 @@ ZK_API int Get_Joint_Max_Pos(ArmSocket s, float* out) {
     return limit_into_model(Get_Joint_Max_Pos_Block, Algo_Set_Joint_Max_Limit, s, out);
 }
 ZK_API int Get_Joint_Max_Pos_Block(ArmSocket s, float* out) {
-    return joints_query(s, "get_joint_max_pos", Get_Joint_Max_Pos_Cmd, out);
+    return query_joints(s, "get_joint_max_pos", Get_Joint_Max_Pos_Cmd, out);
 }
 ZK_API int Parser_Get_Max_Pos(ArmSocket s, const char* text, float* out) {
     return joint_array(s, text, {.key = "max_pos"}, out);
@@ -195,7 +191,7 @@ ZK_API int Parser_Set_Joint_Drive_Max_Pos(const char* text) { return acknowledge
 JointReply Get_Joint_Drive_Max_Speed_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Drive_Speed(ArmSocket s, float* out) { return guarded(Get_Joint_Drive_Speed_Block, s, out); }
 ZK_API int Get_Joint_Drive_Speed_Block(ArmSocket s, float* out) {
-    return joints_query(s, "get_joint_drive_max_speed", Get_Joint_Drive_Max_Speed_Cmd, out);
+    return query_joints(s, "get_joint_drive_max_speed", Get_Joint_Drive_Max_Speed_Cmd, out);
 }
 ZK_API int Parser_Get_Joint_Drive_Max_Speed(ArmSocket s, const char* text, float* out) {
     return Parser_Get_Joint_Speed(s, text, out);
@@ -204,7 +200,7 @@ ZK_API int Parser_Get_Joint_Drive_Max_Speed(ArmSocket s, const char* text, float
 JointReply Get_Joint_Drive_Max_Acc_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Drive_Acc(ArmSocket s, float* out) { return guarded(Get_Joint_Drive_Acc_Block, s, out); }
 ZK_API int Get_Joint_Drive_Acc_Block(ArmSocket s, float* out) {
-    return joints_query(s, "get_joint_drive_max_acc", Get_Joint_Drive_Max_Acc_Cmd, out);
+    return query_joints(s, "get_joint_drive_max_acc", Get_Joint_Drive_Max_Acc_Cmd, out);
 }
 ZK_API int Parser_Get_Joint_Drive_Max_Acc(ArmSocket s, const char* text, float* out) {
     return Parser_Get_Joint_Acc(s, text, out);
@@ -213,7 +209,7 @@ ZK_API int Parser_Get_Joint_Drive_Max_Acc(ArmSocket s, const char* text, float* 
 JointReply Get_Joint_Drive_Min_Pos_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Drive_Min_Pos(ArmSocket s, float* out) { return guarded(Get_Joint_Drive_Min_Pos_Block, s, out); }
 ZK_API int Get_Joint_Drive_Min_Pos_Block(ArmSocket s, float* out) {
-    return joints_query(s, "get_joint_drive_min_pos", Get_Joint_Drive_Min_Pos_Cmd, out);
+    return query_joints(s, "get_joint_drive_min_pos", Get_Joint_Drive_Min_Pos_Cmd, out);
 }
 ZK_API int Parser_Get_Joint_Drive_Min_Pos(ArmSocket s, const char* text, float* out) {
     return Parser_Get_Min_Pos(s, text, out);
@@ -222,7 +218,7 @@ ZK_API int Parser_Get_Joint_Drive_Min_Pos(ArmSocket s, const char* text, float* 
 JointReply Get_Joint_Drive_Max_Pos_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Drive_Max_Pos(ArmSocket s, float* out) { return guarded(Get_Joint_Drive_Max_Pos_Block, s, out); }
 ZK_API int Get_Joint_Drive_Max_Pos_Block(ArmSocket s, float* out) {
-    return joints_query(s, "get_joint_drive_max_pos", Get_Joint_Drive_Max_Pos_Cmd, out);
+    return query_joints(s, "get_joint_drive_max_pos", Get_Joint_Drive_Max_Pos_Cmd, out);
 }
 ZK_API int Parser_Get_Joint_Drive_Max_Pos(ArmSocket s, const char* text, float* out) {
     return Parser_Get_Max_Pos(s, text, out);

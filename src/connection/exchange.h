@@ -94,4 +94,9 @@ void copy_joints(ArmSocket socket, const Held (&held)[size], Value* out) {
     for (int i = 0; i < joints && i < static_cast<int>(size); ++i) out[i] = static_cast<Value>(held[i]);
 }
 
+// The query of one number for each joint.
+inline int query_joints(ArmSocket socket, const char* command, JointReply (&mailbox)[ZK_SLOTS], float* out) {
+    return query({socket, command}, mailbox, [&](const JointReply& reply) { copy_joints(socket, reply.value, out); });
+}
+
 }  // namespace zk
