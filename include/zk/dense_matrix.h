@@ -244,7 +244,9 @@ ZK_API int mat_hermitian_eig(int max_iter, Mat* values, Mat* vectors, Mat A, flo
 
 /*
  * A = U S V' by the eigenvectors of A A' and A' A; the singular values on S's diagonal in the order of the iteration.
- * NaN can come out where one of these products is singular, so of a matrix that is not square.
+ * A column of U is turned where A v and s u differ by more than 0.00001, which suits elements up to about 1 in size:
+ * with larger ones rounding alone may turn it. NaN can come out where one of the products is singular, so of a matrix
+ * that is not square.
  */
 ZK_API void mat_svd(Mat* U, Mat* S, Mat* V, Mat A);
 

@@ -126,7 +126,7 @@ ZK_API int mat_is_hermitian(Mat A) {
     if (A.rows != A.cols) return -1;
     for (int i = 0; i < zk::used<Mat>(A.rows); ++i) {
         for (int j = 0; j < zk::used<Mat>(A.cols); ++j) {
-            if (!(A.m[i][j] == A.m[j][i])) return 0;
+            if (A.m[i][j] != A.m[j][i]) return 0;
         }
     }
     return 1;

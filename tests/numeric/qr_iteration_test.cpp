@@ -109,6 +109,14 @@ TEST(Eigenvectors, DiagonaliseAPositiveMatrix) {
     EXPECT_LT((V * V.transpose() - Eigen::MatrixXd::Identity(4, 4)).norm(), 1e-4);
 }
 
+TEST(Eigenvectors, AMatrixThatIsNotSquareIsNotRefused) {
+    Mat values, vectors;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(mat_hermitian_eig(10, &values, &vectors, random_dense(3, 2), 1e-6f), 0);
+    EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(values.rows, 2);
+}
+
 TEST(Eigenvectors, TheDeterminantDecidesTheSign) {
     // Exact arithmetic: R has the diagonal -2, 3, and A + 2 I is regular where A - 3 I is, too.
     Mat values, vectors;

@@ -154,9 +154,12 @@ TEST(Rotations, QuaternionOfAnyLengthTurnsAlikeAndANullOneNotAtAll) {
     expect_rotation(quat_to_matrix({1, 2, 3, 4}),
                     to_kdl(Quat{1 / 5.477226f, 2 / 5.477226f, 3 / 5.477226f, 4 / 5.477226f}));
 
-    float x = 0.001f;  // a half turn about x until its squared norm is no more than a millionth
-    while (x * x > 0.000001f) x = std::nextafter(x, 0.0f);
-    expect_rotation(quat_to_matrix({0, x, 0, 0}), KDL::Rotation::Identity());
+    // Half turns about x, but for a squared norm of a millionth or less.
+    const float x = 0.000999f;
+    float y = 0;
+    while (x * x + y * y < 0.000001f) y += 1e-9f;
+    ASSERT_EQ(x * x + y * y, 0.000001f);
+    expect_rotation(quat_to_matrix({0, x, y, 0}), KDL::Rotation::Identity());
     expect_rotation(quat_to_matrix({0, 0.00101f, 0, 0}), KDL::Rotation::RotX(kPi));
 }
 
