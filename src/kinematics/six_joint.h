@@ -1,0 +1,90 @@
+// What the solvers of the six-joint arms share: where the wrist is to stand, and how joint angles are counted.
+// Angles named theta or t are the DH model's, joint angle plus offset. Numbers in brackets: docs/kinematics.md.
+#pragma once
+
+#include <cmath>
+
+#include "zk/model.h"
+#include "zk/numeric.h"
+
+namespace zk {
+
+inline constexpr float kTurn = 6.2831855f, kHalfTurn = 3.1415927f, kQuarterTurn = 1.5707964f;
+
+// What a solver returns.
+inline constexpr int kSolved = 0, kUnreachable = -1, kBeyondLimits = -2;
+
+// The wrist in the shoulder frame, which is the mounted base lifted by d1.
+template <class Real>
+struct Wrist {
+    Real m[3][3];  // rotation of the flange
+    Real x, y, z;  // the point d6 behind the flange on its axis
+};
+
+template <class Real>
+Wrist<Real> shoulder_T_wrist(const Matrix& world_T_tool) {
+    Matrix world_T_base, flange_T_tool;
+    libalgo_get_robot_install_angle_matrix(&world_T_base);
+    libalgo_get_tool_cs_matrix(&flange_T_tool);
+    const Matrix base_T_world = matrix_inv_coordinate_system(world_T_base);
+    const Matrix tool_T_flange = matrix_inv_coordinate_system(flange_T_tool);
+    const auto row_times = [](const auto* row, const Matrix& t, int j) -> double {
+        const double sum = row[0] * double{t.m[0][j]} + row[1] * double{t.m[1][j]} + row[2] * double{t.m[2][j]};
+        return j == 3 ? sum + row[3] : sum;
+    };
+    double t[3][4];  // (F1)
+    for (int i = 0; i < 3; ++i) {
+        double base_T_tool[4];
+        for (int j = 0; j < 4; ++j) base_T_tool[j] = row_times(base_T_world.m[i], world_T_tool, j);
+        for (int j = 0; j < 4; ++j) t[i][j] = row_times(base_T_tool, tool_T_flange, j);
+    }
+    Wrist<Real> wrist;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) wrist.m[i][j] = static_cast<Real>(t[i][j]);
+    }
+    const double d1 = robot.dh.d[0], d6 = robot.dh.d[5];
+    wrist.x = static_cast<Real>(t[0][3] - d6 * t[0][2]);  // (F2)
+    wrist.y = static_cast<Real>(t[1][3] - d6 * t[1][2]);
+    wrist.z = static_cast<Real>(t[2][3] - d6 * t[2][2] - d1);
+    return wrist;
+}
+
+// The seed in model angles. Joint 6 is solved within one turn: its whole turns wait outside, to be added at the end.
+template <class Real>
+struct Seed {
+    Real theta[6];
+    float turns;
+
+    explicit Seed(const float* joint) : turns(std::trunc(joint[5] / kTurn) * kTurn) {
+        for (int j = 0; j < 6; ++j) theta[j] = static_cast<Real>(joint[j]) + robot.dh.offset[j];  // (F3)
+        theta[5] -= turns;
+    }
+};
+
+// The range of each joint in model angles.
+struct Range {
+    float min[8], max[8];
+
+    Range() {
+        libalgo_get_modeling_jointlim_min(min);
+        libalgo_get_modeling_jointlim_max(max);
+    }
+    // Half a degree more on both sides, so that an arm that stands at a limit can be solved for.
+    static Range widened() {
+        constexpr double kSlack = 0.0087;
+        Range range;
+        for (int j = 0; j < 6; ++j) {
+            range.min[j] = static_cast<float>(range.min[j] - kSlack);
+            range.max[j] = static_cast<float>(range.max[j] + kSlack);
+        }
+        return range;
+    }
+    bool holds(int joint, float theta) const { return theta >= min[joint] && theta <= max[joint]; }
+
+    // The angle moved by a turn if it lies outside, on the side where it does.
+    float wrapped(int joint, float theta) const {
+        return min[joint] > theta ? theta + kTurn : theta > max[joint] ? theta - kTurn : theta;
+    }
+};
+
+}  // namespace zk
