@@ -1,0 +1,302 @@
+// The forms of waiting: what a reply that is early, late, double, broken or missing does to a command.
+#include <gtest/gtest.h>
+
+#include <future>
+
+#include "support/arm.h"
+#include "support/scaled_time.h"
+#include "zk/arm_state.h"
+#include "zk/frames.h"
+#include "zk/joint_configuration.h"
+#include "zk/queue.h"
+#include "zk/realtime.h"
+#include "zk/system.h"
+#include "zk/trajectory.h"
+
+namespace {
+
+using namespace zk::test;
+
+std::string speeds(int each) {
+    std::string array;
+    for (int i = 0; i < 6; ++i) array += (i ? "," : "") + std::to_string(each);
+    return R"({"state":"joint_max_speed","joint_speed":[)" + array + "]}";
+}
+
+class Forms : public testing::Test {
+ protected:
+    void SetUp() override {
+        set_time_factor(0);
+        ZK_API_Init(65, nullptr);
+        arm_ = connect_arm(controller_);
+    }
+
+    // Brings a message to its mailbox: the one behind it has been dispatched.
+    void say_and_wait(const std::string& message, int connection = 0) {
+        const int32_t before = shared(Clear_All_Trajectory_Cmd[connection].count);
+        EXPECT_EQ(before, 0);
+        controller_.say(message, connection);
+        controller_.say(R"({"command":"set_arm_delete_trajectory","arm_delete_trajectory":true})", connection);
+        eventually([&] { return shared(Clear_All_Trajectory_Cmd[connection].count) == 1; });
+        set_shared(Clear_All_Trajectory_Cmd[connection].count, 0);
+    }
+
+    int speed(float& value) {
+        float out[7] = {};
+        const int status = Get_Joint_Speed_Block(arm_, out);
+        value = out[5];
+        return status;
+    }
+
+    ScriptedController controller_;
+    ArmSocket arm_ = 0;
+};
+
+struct Setter {
+    const char* name;
+    int (*wrapper)(ArmSocket, bool);
+    int (*block)(ArmSocket);
+    int (*nonblock)(ArmSocket);
+    const char* command;
+    const char* key;
+    AckReply* mailbox;
+};
+
+constexpr Setter kSetters[] = {
+    {"Stop", Move_Stop_Cmd, Move_Stop_Cmd_Block, Move_Stop_Cmd_NonBlock, "set_arm_stop", "arm_stop", Set_Arm_Stop_Cmd},
+    {"SlowStop", Move_Slow_Stop_Cmd, Move_Slow_Stop_Cmd_Block, Move_Slow_Stop_Cmd_NonBlock, "set_arm_slow_stop",
+     "arm_slow_stop", Set_Arm_Slow_Stop_Cmd},
+    {"Pause", Move_Pause_Cmd, Move_Pause_Cmd_Block, Move_Pause_Cmd_NonBlock, "set_arm_pause", "arm_pause",
+     Set_Arm_Pause_Cmd},
+    {"Continue", Move_Continue_Cmd, Move_Continue_Cmd_Block, Move_Continue_Cmd_NonBlock, "set_arm_continue",
+     "arm_continue", Set_Arm_Continue_Cmd},
+    {"ClearCurrent", Clear_Current_Trajectory, Clear_Current_Trajectory_Block, Clear_Current_Trajectory_NonBlock,
+     "set_delete_current_trajectory", "delete_current_trajectory", Clear_Current_Trajectory_Cmd},
+    {"ClearAll", Clear_All_Trajectory, Clear_All_Trajectory_Block, Clear_All_Trajectory_NonBlock,
+     "set_arm_delete_trajectory", "arm_delete_trajectory", Clear_All_Trajectory_Cmd}};
+
+class Setters : public Forms, public testing::WithParamInterface<Setter> {
+ protected:
+    std::string reply(const std::string& value) const {
+        const Setter& row = GetParam();
+        return std::string(R"({"command":")") + row.command + R"(",")" + row.key + "\":" + value + "}";
+    }
+};
+INSTANTIATE_TEST_SUITE_P(, Setters, testing::ValuesIn(kSetters),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_P(Setters, BlockGivesTheAcknowledgement) {
+    const std::string without_key = std::string(R"({"command":")") + GetParam().command + "\"}";
+    const std::pair<std::string, int> rows[] = {
+        {reply("true"), 0}, {reply("false"), 1}, {reply("1"), 11}, {reply("tr"), 9}, {without_key, 9}};
+    for (const auto& [message, status] : rows) {
+        controller_.answer(GetParam().command, message);
+        EXPECT_EQ(GetParam().block(arm_), status) << message;
+        EXPECT_EQ(GetParam().wrapper(arm_, true), status) << message;
+        EXPECT_EQ(shared(GetParam().mailbox[0].count), 0);
+    }
+}
+
+TEST_P(Setters, NonBlockLeavesTheReplyInTheMailbox) {
+    controller_.answer(GetParam().command, reply("false"));
+    EXPECT_EQ(GetParam().wrapper(arm_, false), 0);
+    eventually([&] { return shared(GetParam().mailbox[0].count) == 1; });
+    EXPECT_EQ(shared(GetParam().mailbox[0].result), 1);
+}
+
+TEST_P(Setters, AFileTransferHoldsTheWrapperBackAndNothingIsSent) {
+    set_shared(IsSendFile, 1);
+    EXPECT_EQ(GetParam().wrapper(arm_, true), 18);
+    EXPECT_EQ(GetParam().wrapper(arm_, false), 18);
+    EXPECT_TRUE(ZK_Queue_Empty(&Socket_Tx_Buffer));
+}
+
+TEST_P(Setters, BlockTimesOutAfterThreeSeconds) {
+    const int32_t start = Get_Program_Runtime();
+    set_time_factor(100);
+    EXPECT_EQ(GetParam().block(arm_), 7);
+    EXPECT_GE(Get_Program_Runtime() - start, 3000);
+}
+
+TEST_P(Setters, AnUnknownSocketGives5AndNothingIsQueued) {
+    set_shared(IsSendFile, 1);  // holds the queue
+    EXPECT_EQ(GetParam().block(arm_ + 1), 5);
+    EXPECT_TRUE(ZK_Queue_Empty(&Socket_Tx_Buffer));
+    EXPECT_EQ(GetParam().nonblock(arm_ + 1), 0) << "forms that only send do not look";
+}
+
+TEST_P(Setters, AConnectionThatClosesEndsTheWaitIn5) {
+    std::future<int> status = std::async(std::launch::async, [&] { return GetParam().block(arm_); });
+    controller_.wait_for_request(GetParam().command);
+    Arm_Socket_Close(arm_);
+    EXPECT_EQ(status.get(), 5);
+}
+
+TEST_F(Forms, AnOldAcknowledgementIsNotTaken) {
+    say_and_wait(R"({"command":"set_arm_stop","arm_stop":false})");
+    controller_.answer("set_arm_stop", R"({"command":"set_arm_stop","arm_stop":true})");
+    EXPECT_EQ(Move_Stop_Cmd_Block(arm_), 0);
+}
+
+TEST_F(Forms, TwoAcknowledgementsAreOne) {
+    controller_.answer_bytes("set_arm_stop", {line(R"({"command":"set_arm_stop","arm_stop":true})") +
+                                              line(R"({"command":"set_arm_stop","arm_stop":true})")});
+    EXPECT_EQ(Move_Stop_Cmd_Block(arm_), 0);
+    say_and_wait("{\"nobody\":0}");
+    EXPECT_LE(shared(Set_Arm_Stop_Cmd[0].count), 1);
+    EXPECT_EQ(Move_Stop_Cmd_Block(arm_), 0);
+}
+
+TEST_F(Forms, AGentleStopTakesAnOldReplyAndClearsTheOtherStops) {
+    say_and_wait(R"({"command":"set_arm_slow_stop","arm_slow_stop":false})");
+    say_and_wait(R"({"command":"set_arm_stop","arm_stop":true})");
+    EXPECT_EQ(Move_Slow_Stop_Cmd_Block(arm_), 1);
+    EXPECT_EQ(shared(Set_Arm_Stop_Cmd[0].count), 0);
+    EXPECT_EQ(shared(Set_Arm_Slow_Stop_Cmd[0].count), 0);
+}
+
+// A query that timed out leaves its reply to the next one, and so on: the pairing is shifted by one.
+TEST_F(Forms, ALateReplyShiftsThePairingOfAQuery) {
+    float value = 0;
+    set_time_factor(100);
+    EXPECT_EQ(speed(value), 7);
+    EXPECT_EQ(value, 0);
+    set_time_factor(0);
+    controller_.wait_for_request("get_joint_max_speed");
+    say_and_wait(speeds(1000));
+    EXPECT_EQ(shared(Joint_Max_Speed_Cmd[0].count), 1);
+    EXPECT_EQ(speed(value), 0);
+    EXPECT_FLOAT_EQ(value, 6.0f) << "the older reply, at once";
+    controller_.wait_for_request("get_joint_max_speed");
+    say_and_wait(speeds(2000));
+    EXPECT_EQ(speed(value), 0);
+    EXPECT_FLOAT_EQ(value, 12.0f);
+}
+
+TEST_F(Forms, RepliesQueueUpInTheCountAndTheLastPayloadIsTheirs) {
+    say_and_wait(speeds(1000));
+    say_and_wait(speeds(3000));
+    EXPECT_EQ(shared(Joint_Max_Speed_Cmd[0].count), 2);
+    for (int left = 1; left >= 0; --left) {
+        float value = 0;
+        EXPECT_EQ(speed(value), 0);
+        EXPECT_FLOAT_EQ(value, 18.0f);
+        EXPECT_EQ(shared(Joint_Max_Speed_Cmd[0].count), left);
+    }
+}
+
+TEST_F(Forms, APayloadIsHandedOverWithABadStatus) {
+    say_and_wait(speeds(1000));
+    float value = 0;
+    EXPECT_EQ(speed(value), 0);
+    controller_.answer("get_joint_max_speed", R"({"state":"joint_max_speed","joint_speed":[1,2,3,4,5,6,7]})");
+    EXPECT_EQ(speed(value), 10);
+    EXPECT_FLOAT_EQ(value, 6.0f) << "what the mailbox held";
+}
+
+TEST_F(Forms, TheTrajectoryQueryTakesNoOldReplyAndLeavesNone) {
+    const auto reply = [](const char* type) {
+        return std::string(R"({"state":"arm_current_trajectory","type":")") + type + R"(","data":[0,0,0,0,0,0]})";
+    };
+    say_and_wait(reply("movec"));
+    controller_.answer_bytes("get_arm_current_trajectory", {line(reply("movel"))});
+    int32_t type = -1;
+    float data[7];
+    EXPECT_EQ(Get_Current_Trajectory_Block(arm_, &type, data), 0);
+    EXPECT_EQ(type, 2);
+    EXPECT_EQ(shared(Get_Arm_Current_Trajectory_Cmd[0].count), 0);
+}
+
+// What a clearing query clears is the record of the first connection, whichever asked.
+TEST_F(Forms, ClearingQueriesClearTheFirstConnection) {
+    const ArmSocket second = connect_arm(controller_);
+    const std::string frame = R"({"state":"current_work_frame","frame_name":"w","pose":[1,2,3,4,5,6]})";
+    controller_.answer("get_current_work_frame", frame);
+    controller_.answer("get_realtime_push",
+                       R"({"state":"get_realtime_push","cycle":3,"enable":true,"port":2,"ip":"1.2.3.4","custom":)"
+                       R"({"joint_speed":true,"lift_state":true,"expand_state":true,"hand":true,)"
+                       R"("arm_current_status":true,"aloha_state":true}})");
+    say_and_wait(frame, 0);
+    FrameRec record{};
+    EXPECT_EQ(Get_Current_Work_Frame_Block(second, &record), 0);
+    EXPECT_EQ(shared(Current_Work_Cmd[0].count), 0) << "its reply is lost";
+    EXPECT_EQ(shared(Current_Work_Cmd[1].frame.pose.euler.rz), 0.006f) << "the one in use stays";
+
+    RealtimePushConfig config{};
+    EXPECT_EQ(Get_Realtime_Push_Block(second, &config), 0);
+    EXPECT_EQ(config.cycle, 3);
+    EXPECT_EQ(shared(Get_Realtime_Push_Cmd[1].config.cycle), 3);
+    EXPECT_EQ(Get_Realtime_Push_Block(arm_, &config), 0);
+    EXPECT_EQ(shared(Get_Realtime_Push_Cmd[0].config.cycle), 0);
+}
+
+// The status of this query is read after its record was wiped: the first connection always sees 0.
+TEST_F(Forms, TheSoftwareQueryOfTheFirstConnectionAlwaysSucceeds) {
+    const ArmSocket second = connect_arm(controller_);
+    controller_.answer("get_arm_software_info", R"({"state":"arm_software_info","Product_version":7})");
+    ArmSoftwareInfo info{};
+    EXPECT_EQ(Get_Arm_Software_Info(arm_, &info), 0);
+    EXPECT_EQ(Get_Arm_Software_Info(second, &info), 11);
+}
+
+TEST_F(Forms, EachConnectionGetsItsOwnReply) {
+    const ArmSocket second = connect_arm(controller_);
+    controller_.answer("set_arm_stop", R"({"command":"set_arm_stop","arm_stop":true})");
+    controller_.answer("set_arm_pause", R"({"command":"set_arm_pause","arm_pause":false})");
+    std::future<int> stop = std::async(std::launch::async, [&] { return Move_Stop_Cmd_Block(second); });
+    EXPECT_EQ(Move_Pause_Cmd_Block(arm_), 1);
+    EXPECT_EQ(stop.get(), 0);
+    EXPECT_NE(controller_.wait_for_request("set_arm_stop", 1), "");
+    EXPECT_NE(controller_.wait_for_request("set_arm_pause", 0), "");
+}
+
+TEST_F(Forms, WrappersThatSuspendRaiseTheFlagForTheirBlockingForm) {
+    const auto flag_during = [&](const std::string& command, const std::string& reply, auto call) {
+        int during = -1;
+        controller_.answer_with(command, [&, reply](const std::string&) {
+            during = shared(SuspendQueue);
+            return Pieces{line(reply)};
+        });
+        EXPECT_EQ(call(), 0);
+        EXPECT_EQ(shared(SuspendQueue), 0);
+        return during;
+    };
+    int32_t type;
+    float data[7];
+    EXPECT_EQ(flag_during("get_arm_current_trajectory",
+                          R"({"state":"arm_current_trajectory","type":"none","data":[0,0,0,0,0,0]})",
+                          [&] { return Get_Current_Trajectory(arm_, &type, data); }),
+              1);
+    EXPECT_EQ(flag_during("get_joint_max_speed", speeds(1), [&] { return Arm_Socket_State(arm_); }), 1);
+    EXPECT_EQ(flag_during("get_joint_max_speed", speeds(1), [&] { return Get_Joint_Speed(arm_, data); }), 0);
+}
+
+TEST_F(Forms, NullPointersGive19AfterTheGuardAndNothingIsSent) {
+    int32_t type;
+    float data[7];
+    Pose pose;
+    uint16_t word;
+    const std::function<int()> calls[] = {[&] { return Get_Current_Trajectory(arm_, nullptr, data); },
+                                          [&] { return Get_Current_Trajectory(arm_, &type, nullptr); },
+                                          [&] { return Add_Waypoint(arm_, nullptr, false); },
+                                          [&] { return Add_Waypoint(arm_, nullptr, true); },
+                                          [&] { return Get_Joint_Speed(arm_, nullptr); },
+                                          [&] { return Get_Joint_Acc(arm_, nullptr); },
+                                          [&] { return Get_Joint_Min_Pos(arm_, nullptr); },
+                                          [&] { return Get_Joint_Max_Pos(arm_, nullptr); },
+                                          [&] { return Get_Current_Arm_State(arm_, nullptr, &pose, &word, &word); },
+                                          [&] { return Get_Current_Arm_State(arm_, data, &pose, nullptr, &word); },
+                                          [&] { return Get_Current_Arm_State(arm_, data, &pose, &word, nullptr); },
+                                          [&] { return Get_Current_Tool_Frame(arm_, nullptr); },
+                                          [&] { return Get_Current_Work_Frame(arm_, nullptr); },
+                                          [&] { return Get_Arm_Software_Info(arm_, nullptr); },
+                                          [&] { return Get_Realtime_Push(arm_, nullptr); }};
+    for (size_t i = 0; i < std::size(calls); ++i) EXPECT_EQ(calls[i](), 19) << i;
+    set_shared(IsSendFile, 1);
+    for (size_t i = 0; i < std::size(calls); ++i) EXPECT_EQ(calls[i](), 18) << i;
+    EXPECT_EQ(Get_Install_Pose(arm_, nullptr, nullptr, nullptr), 18);
+    EXPECT_EQ(Set_Realtime_Push(arm_, {}), 18);
+    EXPECT_TRUE(ZK_Queue_Empty(&Socket_Tx_Buffer));
+}
+
+}  // namespace
