@@ -132,7 +132,10 @@ ZK_API int mat_is_hermitian(Mat A) {
     return 1;
 }
 
-ZK_API int mat_is_equal(Mat A, Mat B) { return std::memcmp(&A, &B, sizeof A) == 0; }
+// Of the bytes: zeros of different sign differ, and a NaN equals itself.
+ZK_API int mat_is_equal(Mat A, Mat B) {
+    return std::memcmp(&A, &B, sizeof A) == 0;  // NOLINT(bugprone-suspicious-memory-comparison)
+}
 
 ZK_API Mat matrix_to_mat(Matrix A) { return zk::converted<Mat>(A); }
 

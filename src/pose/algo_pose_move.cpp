@@ -9,8 +9,6 @@
 namespace zk {
 namespace {
 
-constexpr Pose kOrigin{};
-
 struct Axis {
     float x = 0, y = 0, z = 0;
 };
@@ -44,7 +42,7 @@ Euler turned(const Euler& e, const Axis& k, float theta) {
 
 // The axes of f, seen from e, are the columns of inverse(C) F.
 ZK_API Euler Rodrigues_rotate_simplify(const int* axis, Euler e, float theta, Pose f) {
-    const Matrix C = pose_euler_to_transformation_matrix(zk::oriented(zk::kOrigin, e));
+    const Matrix C = pose_euler_to_transformation_matrix({{}, {}, e});
     const Matrix P = matrix_m(matrix_inv(C), pose_euler_to_transformation_matrix(f));
     const int number = zk::chosen(axis);
     return zk::turned(e, number < 0 ? zk::Axis{} : zk::column(P, number), theta);
