@@ -12,14 +12,6 @@ float lwt = 0;
 
 namespace {
 
-int float_query(ArmSocket s, const char* command, FloatReply (&mailbox)[ZK_SLOTS], float* out) {
-    return query({s, command}, mailbox, [&](const FloatReply& reply) { *out = reply.value; });
-}
-
-int integer_query(ArmSocket s, const char* command, IntReply (&mailbox)[ZK_SLOTS], int32_t* out) {
-    return query({s, command}, mailbox, [&](const IntReply& reply) { *out = reply.value; });
-}
-
 // An integer whose type is not looked at.
 int untyped_integer(const char* text, const char* key, int32_t* value) {
     Reply reply(text);
@@ -46,7 +38,7 @@ ZK_API int Parser_Arm_Line_Speed(const char* text) { return acknowledgement(text
 FloatReply Get_Arm_Max_Line_Speed_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Line_Speed(ArmSocket s, float* value) { return checked(Get_Arm_Line_Speed_Block, s, value); }
 ZK_API int Get_Arm_Line_Speed_Block(ArmSocket s, float* value) {
-    return float_query(s, "get_arm_max_line_speed", Get_Arm_Max_Line_Speed_Cmd, value);
+    return query_value(s, "get_arm_max_line_speed", Get_Arm_Max_Line_Speed_Cmd, value);
 }
 ZK_API int Parser_Get_Arm_Line_Speed(const char* text, float* value) {
     return float_value(text, "arm_line_speed", 1000.0f, value);
@@ -68,7 +60,7 @@ ZK_API int Parser_Arm_Line_Acc(const char* text) { return acknowledgement(text, 
 FloatReply Get_Arm_Max_Line_Acc_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Line_Acc(ArmSocket s, float* value) { return checked(Get_Arm_Line_Acc_Block, s, value); }
 ZK_API int Get_Arm_Line_Acc_Block(ArmSocket s, float* value) {
-    return float_query(s, "get_arm_max_line_acc", Get_Arm_Max_Line_Acc_Cmd, value);
+    return query_value(s, "get_arm_max_line_acc", Get_Arm_Max_Line_Acc_Cmd, value);
 }
 ZK_API int Parser_Get_Arm_Line_Acc(const char* text, float* value) {
     return float_value(text, "arm_line_acc", 1000.0f, value);
@@ -93,7 +85,7 @@ ZK_API int Parser_Arm_Angular_Speed(const char* text) {
 FloatReply Get_Arm_Max_Angular_Speed_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Angular_Speed(ArmSocket s, float* value) { return guarded(Get_Arm_Angular_Speed_Block, s, value); }
 ZK_API int Get_Arm_Angular_Speed_Block(ArmSocket s, float* value) {
-    return float_query(s, "get_arm_max_angular_speed", Get_Arm_Max_Angular_Speed_Cmd, value);
+    return query_value(s, "get_arm_max_angular_speed", Get_Arm_Max_Angular_Speed_Cmd, value);
 }
 ZK_API int Parser_Get_Arm_Angular_Speed(const char* text, float* value) {
     return float_value(text, "arm_angular_speed", 1000.0f, value);
@@ -116,7 +108,7 @@ ZK_API int Parser_Arm_Angular_Acc(const char* text) { return acknowledgement(tex
 FloatReply Get_Arm_Max_Angular_Acc_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Angular_Acc(ArmSocket s, float* value) { return checked(Get_Arm_Angular_Acc_Block, s, value); }
 ZK_API int Get_Arm_Angular_Acc_Block(ArmSocket s, float* value) {
-    return float_query(s, "get_arm_max_angular_acc", Get_Arm_Max_Angular_Acc_Cmd, value);
+    return query_value(s, "get_arm_max_angular_acc", Get_Arm_Max_Angular_Acc_Cmd, value);
 }
 ZK_API int Parser_Get_Arm_Angular_Acc(const char* text, float* value) {
     return float_value(text, "arm_angular_acc", 1000.0f, value);
@@ -149,7 +141,7 @@ ZK_API int Parser_Set_Collision_Stage(const char* text) { return acknowledgement
 IntReply Get_Collision_Stage_Cmd[ZK_SLOTS];
 ZK_API int Get_Collision_Stage(ArmSocket s, int32_t* stage) { return checked(Get_Collision_Stage_Block, s, stage); }
 ZK_API int Get_Collision_Stage_Block(ArmSocket s, int32_t* stage) {
-    return integer_query(s, "get_collision_stage", Get_Collision_Stage_Cmd, stage);
+    return query_value(s, "get_collision_stage", Get_Collision_Stage_Cmd, stage);
 }
 ZK_API int Parser_Get_Collision_Stage(const char* text, int32_t* stage) {
     return untyped_integer(text, "collision_stage", stage);
@@ -253,7 +245,7 @@ ZK_API int Parser_Set_TEACH_FRAME(const char* text) { return acknowledgement(tex
 IntReply Get_Teach_Frame_Cmd[ZK_SLOTS];
 ZK_API int Get_Teach_Frame(ArmSocket s, int32_t* type) { return checked(Get_Teach_Frame_Block, s, type); }
 ZK_API int Get_Teach_Frame_Block(ArmSocket s, int32_t* type) {
-    return integer_query(s, "get_teach_frame", Get_Teach_Frame_Cmd, type);
+    return query_value(s, "get_teach_frame", Get_Teach_Frame_Cmd, type);
 }
 ZK_API int Parser_Get_Teach_Frame(const char* text, int32_t* type) { return untyped_integer(text, "frame_type", type); }
 

@@ -119,7 +119,7 @@ ZK_API int Parser_Arm_All_State(ArmSocket s, const char* text, ArmAllState* stat
 IntReply Get_Arm_Plan_Num_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Plan_Num(ArmSocket s, int32_t* number) { return checked(Get_Arm_Plan_Num_Block, s, number); }
 ZK_API int Get_Arm_Plan_Num_Block(ArmSocket s, int32_t* number) {
-    return query({s, "get_arm_plan_num"}, Get_Arm_Plan_Num_Cmd, [&](const IntReply& reply) { *number = reply.value; });
+    return query_value(s, "get_arm_plan_num", Get_Arm_Plan_Num_Cmd, number);
 }
 ZK_API int Parser_Get_Arm_Plan_Num(const char* text, int32_t* number) {
     return integer_value(text, "plan_num", number);

@@ -94,6 +94,12 @@ void copy_joints(ArmSocket socket, const Held (&held)[size], Value* out) {
     for (int i = 0; i < joints && i < static_cast<int>(size); ++i) out[i] = static_cast<Value>(held[i]);
 }
 
+// The query of a single value.
+template <class Record, class Value>
+int query_value(ArmSocket socket, const char* command, Record (&mailbox)[ZK_SLOTS], Value* out) {
+    return query({socket, command}, mailbox, [&](const Record& reply) { *out = reply.value; });
+}
+
 // The query of one number for each joint.
 inline int query_joints(ArmSocket socket, const char* command, JointReply (&mailbox)[ZK_SLOTS], float* out) {
     return query({socket, command}, mailbox, [&](const JointReply& reply) { copy_joints(socket, reply.value, out); });
