@@ -11,6 +11,17 @@ namespace zk {
 
 inline constexpr float kTurn = 6.2831855f, kHalfTurn = 3.1415927f, kQuarterTurn = 1.5707964f;
 
+// The angle moved by a turn, if that takes it nearer to the seed.
+inline float beside(float seed, float theta) {
+    return seed - theta > kHalfTurn ? theta + kTurn : seed - theta < -kHalfTurn ? theta - kTurn : theta;
+}
+
+// The angle of the opposite direction, as atan2(-y, -x) gives it.
+inline float opposite(float theta) { return std::signbit(theta) ? theta + kHalfTurn : theta - kHalfTurn; }
+
+// The angle with the sine kept and the cosine reversed, as atan2(y, -x) gives it.
+inline float mirrored(float theta) { return std::copysign(kHalfTurn, theta) - theta; }
+
 // What a solver returns.
 inline constexpr int kSolved = 0, kUnreachable = -1, kBeyondLimits = -2;
 

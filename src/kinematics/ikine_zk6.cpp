@@ -1,0 +1,43 @@
+// Inverse kinematics of the 65: no offsets, so shoulder, elbow and wrist make a plane triangle.
+#include <cmath>
+
+#include "kinematics/spherical_wrist.h"
+#include "zk/inverse_kinematics.h"
+
+namespace zk {
+namespace {
+
+struct Zk6 {
+    static constexpr float kLastTwist = 1;
+    static constexpr bool kJoint5NearPi = false;
+    static constexpr bool kSumFromSeed = true;
+
+    const float a3 = robot.dh.a[2], d4 = robot.dh.d[3];
+
+    // r^2 + z^2 = a3^2 + d4^2 + 2 a3 d4 sin t3. The straight arm may be a little too short, the folded one may not.
+    Elbows elbows(float r, float z) const {
+        float sine = (r * r + z * z - d4 * d4 - a3 * a3) / (2 * d4 * a3);
+        if (sine > 1 && sine < 1.0002f) sine = 1;
+        const float cosine = std::sqrt(1 - sine * sine);
+        const float up = std::atan2(sine, cosine);
+        return {up, mirrored(up)};  // atan2(sine, -cosine)
+    }
+
+    // With a = a3 sin t3 + d4 and c = a3 cos t3 the wrist point is r = c cos t23 + a sin t23, z = c sin t23 - a cos
+    // t23.
+    float t23(float r, float z, float t3) const {
+        const auto [s3, c3] = sine_cosine(t3);
+        return std::atan2(z, r) + std::atan2(a3 * s3 + d4, a3 * c3);
+    }
+
+    static Axes forearm(SineCosine t1, SineCosine t23) {
+        return {{t1.c * t23.c, t1.s * t23.c, t23.s}, {t1.s, -t1.c, 0}, {t1.c * t23.s, t1.s * t23.s, -t23.c}};
+    }
+};
+
+}  // namespace
+}  // namespace zk
+
+ZK_API int inverse_kinematics_zk6(const float* seed, float* joint, Matrix world_T_tool) {
+    return zk::SphericalWrist<zk::Zk6>(seed, world_T_tool).solve(joint);
+}

@@ -1,0 +1,172 @@
+// Inverse kinematics of six-joint arms whose last three axes meet in one point: the wrist point alone decides joints 1
+// to 3, the rotation then decides joints 4 to 6. Two shoulders, two elbows and two wrists make eight candidates.
+//
+// The geometry of an arm:
+//     Elbows elbows(float r, float z)            both t3 with the wrist point at (r, z) in the plane of joints 2 and 3;
+//                                                NaN out of reach
+//     float t23(float r, float z, float t3)      t2 + t3
+//     static Axes forearm(SineCosine t1, SineCosine t23)    the frame that joint 4 turns in, at t4 = 0
+//     kLastTwist      sign of the twist before joint 6
+//     kJoint5NearPi   its model angle lies about half a turn, where the arc tangent jumps
+//     kSumFromSeed    t4 + t6 is counted next to the seed's, and not next to 0
+#pragma once
+
+#include <cmath>
+
+#include "kinematics/six_joint.h"
+#include "numeric/sine_cosine.h"
+
+namespace zk {
+
+struct Elbows {
+    float first, second;
+};
+
+// Three unit vectors in the shoulder frame.
+struct Axes {
+    float x[3], y[3], z[3];
+};
+
+template <class Arm>
+class SphericalWrist {
+ public:
+    SphericalWrist(const float* seed, const Matrix& world_T_tool)
+        : seed_(seed), wrist_(shoulder_T_wrist<float>(world_T_tool)) {}
+
+    // The six joints to `joint`; kSolved, kUnreachable or kBeyondLimits.
+    int solve(float* joint) {
+        const auto [a, b] = shoulders();
+        try_arm(a, a.elbow.first);
+        try_arm(b, b.elbow.first);
+        try_arm(a, a.elbow.second);
+        try_arm(b, b.elbow.second);
+        if (best_.found() && libalgo_get_is_avoid_Singularity() == 1) hold_singular_wrist();
+        if (best_.found()) best_.theta[5] = beside(seed_.theta[5], best_.theta[5]);
+        return write(joint);
+    }
+
+ private:
+    // A joint 1, and what follows from it alone.
+    struct Shoulder {
+        float t1;
+        SineCosine sc1;
+        float r;  // the wrist point's distance from the axis of joint 1, in the plane of the arm
+        Elbows elbow;
+    };
+    struct Shoulders {
+        Shoulder a, b;
+    };
+    // Joints 4 to 6.
+    struct Hand {
+        float t4, t5, t6;
+    };
+    struct Best {
+        float theta[6] = {};
+        float score = 1000;
+        bool found() const { return score < 1000; }
+    };
+
+    // t1 = pi/2 - atan2(x, y), or half a turn from it. With the wrist point on its axis joint 1 stays where it is.
+    Shoulders shoulders() const {
+        constexpr float kOnAxis = 5e-5f;
+        if (std::fabs(wrist_.x) < kOnAxis && std::fabs(wrist_.y) < kOnAxis) {
+            const Shoulder only = shoulder(seed_.theta[0]);
+            return {only, only};
+        }
+        const float from_y = std::atan2(wrist_.x, wrist_.y);
+        return {shoulder(range_.wrapped(0, kQuarterTurn - from_y)),
+                shoulder(range_.wrapped(0, -kQuarterTurn - from_y))};
+    }
+
+    Shoulder shoulder(float t1) const {
+        const SineCosine sc1 = sine_cosine(t1);
+        const float r = wrist_.x * sc1.c + wrist_.y * sc1.s;
+        const Elbows elbow = arm_.elbows(r, wrist_.z);
+        return {t1, sc1, r, {range_.wrapped(2, elbow.first), range_.wrapped(2, elbow.second)}};
+    }
+
+    // The two candidates of a shoulder and an elbow; an elbow out of reach is NaN, which no limit test passes.
+    void try_arm(const Shoulder& shoulder, float t3) {
+        if (!range_.holds(0, shoulder.t1) || !range_.holds(2, t3)) return;
+        if (squared(0, shoulder.t1) + squared(2, t3) >= best_.score) return;  // the rest could only make it worse
+        const float t23 = arm_.t23(shoulder.r, wrist_.z, t3);
+        const float t2 = range_.wrapped(1, t23 - t3);
+        if (!range_.holds(1, t2)) return;
+        if (squared(0, shoulder.t1) + squared(1, t2) + squared(2, t3) >= best_.score) return;
+
+        const Hand hand = first_hand(Arm::forearm(shoulder.sc1, sine_cosine(t23)));
+        const Hand turned = {opposite(hand.t4), -hand.t5, opposite(hand.t6)};
+        offer(shoulder.t1, t2, t3, hand);
+        offer(shoulder.t1, t2, t3, turned);
+    }
+
+    // With F the forearm's axes and m the flange's rotation, F' m is the rotation of joints 4 to 6. With k the last
+    // twist's sign its third column is k (cos t4 sin t5, sin t4 sin t5, cos t5), its third row begins with (-sin t5 cos
+    // t6, sin t5 sin t6). The first wrist is the one with sin t5 >= 0.
+    Hand first_hand(const Axes& f) const {
+        const float x = Arm::kLastTwist * dot(f.x, 2), y = Arm::kLastTwist * dot(f.y, 2);
+        const float t4 = std::atan2(y, x);
+        const float t5 = std::atan2(std::sqrt(x * x + y * y), Arm::kLastTwist * dot(f.z, 2));
+        const float t6 = std::atan2(dot(f.z, 1), -dot(f.z, 0));
+        return {t4, t5, t6};
+    }
+
+    float dot(const float (&axis)[3], int column) const {
+        return axis[0] * wrist_.m[0][column] + axis[1] * wrist_.m[1][column] + axis[2] * wrist_.m[2][column];
+    }
+
+    // A candidate whose joints 1 to 3 are within limits. The nearest to the seed is kept, the first of equals.
+    void offer(float t1, float t2, float t3, const Hand& h) {
+        const float t5 = Arm::kJoint5NearPi ? beside(seed_.theta[4], h.t5) : h.t5;
+        const float t6 = beside(seed_.theta[5], h.t6);
+        if (!range_.holds(3, h.t4) || !range_.holds(4, t5) || !range_.holds(5, t6)) return;
+        const float theta[6] = {t1, t2, t3, h.t4, t5, t6};
+        float score = 0;
+        for (int j = 0; j < 6; ++j) score += squared(j, theta[j]);
+        if (score < best_.score) best_ = {{t1, t2, t3, h.t4, t5, t6}, score};
+    }
+
+    // E = 2.4 e1^2 + 2.4 e2^2 + 2.4 e3^2 + e4^2 + e5^2 + e6^2
+    float squared(int j, float theta) const {
+        const float e = theta - seed_.theta[j];
+        return j < 3 ? 2.4f * e * e : e * e;
+    }
+
+    // With t5 near 0 only t4 + t6 = p is defined. The sum keeps the pose, the difference stays that of the seed.
+    void hold_singular_wrist() {
+        constexpr float kNearZero = 0.087f;
+        if (!(std::fabs(best_.theta[4]) < kNearZero)) return;
+        const SineCosine t1 = sine_cosine(best_.theta[0]);
+        const auto& m = wrist_.m;
+        const float s4 = seed_.theta[3], s6 = seed_.theta[5];
+        float p = std::atan2(t1.s * m[0][0] - t1.c * m[1][0], t1.s * m[0][1] - t1.c * m[1][1]);
+        const float e = Arm::kSumFromSeed ? p - (s4 + s6) : p;
+        const auto within_half_turn = [](float angle) { return -kHalfTurn < angle && angle < kHalfTurn; };
+        if (within_half_turn(e + kTurn)) {
+            p += kTurn;
+        } else if (within_half_turn(e - kTurn)) {
+            p -= kTurn;
+        }
+        best_.theta[3] = (s4 + p - s6) / 2;
+        best_.theta[5] = (p - s4 + s6) / 2;
+    }
+
+    // Model angles to joint values, all six of them. Without a solution those are of the model's zero pose.
+    int write(float* joint) const {
+        const float* offset = robot.dh.offset;
+        for (int j = 0; j < 6; ++j) joint[j] = (j == 5 ? best_.theta[j] + seed_.turns : best_.theta[j]) - offset[j];
+        if (!best_.found()) return kUnreachable;
+        for (int j = 0; j < 6; ++j) {
+            if (joint[j] > range_.max[j] - offset[j] || joint[j] < range_.min[j] - offset[j]) return kBeyondLimits;
+        }
+        return kSolved;
+    }
+
+    const Seed<float> seed_;
+    const Wrist<float> wrist_;
+    const Range range_ = Range::widened();
+    const Arm arm_;
+    Best best_;
+};
+
+}  // namespace zk
