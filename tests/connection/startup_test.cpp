@@ -1,0 +1,346 @@
+// The conversation that turns an address into an arm.
+#include "zk/startup.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <filesystem>
+
+#include "support/arm.h"
+#include "support/start_up.h"
+#include "support/udp.h"
+#include "zk/algorithm.h"
+#include "zk/realtime.h"
+#include "zk/status.h"
+#include "zk/trajectory.h"
+
+namespace {
+
+using namespace zk::test;
+
+bool is_open(int descriptor) { return fcntl(descriptor, F_GETFD) != -1; }
+
+// The number of a closed descriptor may already be that of something else of this process.
+bool is_udp_socket(int descriptor) {
+    int type = 0;
+    socklen_t size = sizeof type;
+    return getsockopt(descriptor, SOL_SOCKET, SO_TYPE, &type, &size) == 0 && type == SOCK_DGRAM;
+}
+
+long open_descriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
+}
+
+class StartUp : public testing::Test {
+ protected:
+    void SetUp() override {
+        init(65);
+        set_shared(listener.socket, -1);  // or the first close would take descriptor 0 with it
+    }
+    void init(int arm_mode, int joints = 6) {
+        ZK_API_Init(arm_mode, nullptr);
+        answer_start_up(controller_, joints);
+    }
+    ArmSocket start() { return Arm_Socket_Start("127.0.0.1", controller_.port(), 1000); }
+
+    ScriptedController controller_;
+};
+
+TEST_F(StartUp, AsksItsQuestionsInTurn) {
+    const ArmSocket arm = start();
+    EXPECT_GT(arm, ZK_LARGEST_STATUS);
+    EXPECT_EQ(Get_Socket_Idx(arm), 0);
+    for (const char* command :
+         {"get_arm_software_info", "get_current_tool_frame", "get_current_work_frame", "get_install_pose",
+          "get_joint_max_speed", "get_joint_max_acc", "get_joint_min_pos", "get_joint_max_pos", "get_realtime_push"}) {
+        EXPECT_EQ(controller_.next_request(), std::string("{\n\t\"command\":\t\"") + command + "\"\n}");
+    }
+    EXPECT_EQ(shared(g_is_robot_type_i), 1);
+    EXPECT_EQ(shared(m_nSockInfoLen), 1);
+}
+
+// What the controller told is what the local model holds.
+void expect_limits(const std::vector<float>& lowest, const std::vector<float>& highest) {
+    float low[8] = {}, high[8] = {};
+    Algo_Get_Joint_Min_Limit(low);
+    Algo_Get_Joint_Max_Limit(high);
+    for (size_t i = 0; i < lowest.size(); ++i) {
+        EXPECT_NEAR(low[i], lowest[i], 1e-4) << i;
+        EXPECT_NEAR(high[i], highest[i], 1e-4) << i;
+    }
+}
+
+TEST_F(StartUp, PutsTheArmIntoTheModel) {
+    controller_.answer(
+        "get_current_tool_frame",
+        R"({"state":"current_tool_frame","tool_name":"gripper","pose":[10000,-20000,150000,100,200,300],)"
+        R"("payload":1500,"position":[1000,2000,3000]})");
+    controller_.answer("get_current_work_frame",
+                       R"({"state":"current_work_frame","frame_name":"table","pose":[400000,0,-50000,0,0,1570]})");
+    controller_.answer("get_install_pose", R"({"state":"install_pose","pose":[0.0,180.0,45.5]})");
+    controller_.answer("get_joint_min_pos",
+                       R"({"state":"joint_min_pos","min_pos":[-10000,-20000,-30000,-40500,-50000,-60000]})");
+    controller_.answer("get_joint_max_pos",
+                       R"({"state":"joint_max_pos","max_pos":[11000,22000,33000,44500,55000,66000]})");
+    ASSERT_GT(start(), ZK_LARGEST_STATUS);
+
+    FrameRec tool{}, work{};
+    Algo_Get_Curr_ToolFrame(&tool);
+    EXPECT_FLOAT_EQ(tool.pose.position.y, -0.02f);
+    EXPECT_FLOAT_EQ(tool.pose.position.z, 0.15f);
+    EXPECT_NEAR(tool.pose.euler.rz, 0.3f, 1e-6);
+    EXPECT_FLOAT_EQ(tool.payload, 1.5f);
+    EXPECT_FLOAT_EQ(tool.z, 0.003f);
+    Algo_Get_Curr_WorkFrame(&work);
+    EXPECT_FLOAT_EQ(work.pose.position.x, 0.4f);
+    EXPECT_NEAR(work.pose.euler.rz, 1.57f, 1e-6);
+    EXPECT_FLOAT_EQ(g_tool_pose.position.z, 0.15f);
+    EXPECT_FLOAT_EQ(g_work_pose.position.z, -0.05f);
+    EXPECT_FLOAT_EQ(Tool_Matrix.m[0][3], 0.01f) << "the position, and not the angles in its place";
+    EXPECT_FLOAT_EQ(Tool_Matrix.m[1][3], -0.02f);
+    EXPECT_FLOAT_EQ(Tool_Matrix.m[2][3], 0.15f);
+    EXPECT_FLOAT_EQ(Tool_Matrix.m[2][0], -std::sin(0.2f));
+    EXPECT_FLOAT_EQ(Frame_Matrix.m[0][3], 0.4f);
+    EXPECT_FLOAT_EQ(Frame_Matrix.m[1][0], std::sin(1.57f));
+    float x, y, z;
+    Algo_Get_Angle(&x, &y, &z);
+    EXPECT_EQ(x, 0.0f);
+    EXPECT_EQ(y, 180.0f);
+    EXPECT_EQ(z, 45.5f);
+    expect_limits({-10, -20, -30, -40.5, -50, -60}, {11, 22, 33, 44.5, 55, 66});
+}
+
+TEST_F(StartUp, LearnsASevenJointArm) {
+    init(75, 7);
+    const ArmSocket arm = start();
+    ASSERT_GT(arm, ZK_LARGEST_STATUS);
+    EXPECT_EQ(shared(SockInfo[0].joint_count), 7);
+    EXPECT_EQ(shared(SockInfo[0].arm_mode), 75);
+    EXPECT_EQ(Curr_Robot_Type, 1);
+    EXPECT_EQ(Curr_Senser_Type, 2);
+    expect_limits({-178, -130, -178, -135, -178, -128, -360}, {178, 130, 178, 135, 178, 128, 360});
+}
+
+// The mounting angles are kept in radians and compared with the controller's to the last bit after their way back; 31
+// degrees are among the few that do not survive it.
+TEST_F(StartUp, AMountingHasToReadBack) {
+    for (const char* angles : {"0.1,0.2,0.3", "180,-180,90", "30,45.5,60", "-90,15,135"}) {
+        controller_.answer("get_install_pose", R"({"state":"install_pose","pose":[)" + std::string(angles) + "]}");
+        const ArmSocket arm = start();
+        ASSERT_GT(arm, ZK_LARGEST_STATUS) << angles;
+        Arm_Socket_Close(arm);
+    }
+    controller_.answer("get_install_pose", R"({"state":"install_pose","pose":[31,0,0]})");
+    EXPECT_EQ(start(), -1);
+    controller_.wait_for_close();
+}
+
+TEST_F(StartUp, KnowsTheArmByItsModelText) {
+    struct Row {
+        const char* text;
+        int robot, sensor;
+    };
+    // A row without a mark keeps what the one before it left.
+    for (const Row& row :
+         {Row{"ZK65-B", 0, 0}, Row{"ZK75-6F", 1, 2}, Row{"ZK63-ZF", 3, 1}, Row{"ORB65-6F", 5, 2}, Row{"ZK62-B", 6, 0},
+          Row{"ZK72-6F", 7, 2}, Row{"ORB63-B", 8, 0}, Row{"unknown", 8, 0}, Row{"ZK6563", 3, 0}, Row{"ZK75ORB65", 5, 0},
+          Row{"63ORB65", 3, 0}, Row{"ORB63ZK65", 8, 0}, Row{"6272", 6, 0}, Row{"ZK65-6F-B", 0, 0}, Row{"zk75-zf", 0, 0},
+          Row{"-ZF-6F", 0, 1}, Row{"", 0, 1}}) {
+        answer_start_up(controller_, 6, *row.text ? row.text : "?");
+        const ArmSocket arm = start();
+        ASSERT_GT(arm, ZK_LARGEST_STATUS) << row.text;
+        EXPECT_EQ(Curr_Robot_Type, row.robot) << row.text;
+        EXPECT_EQ(Curr_Senser_Type, row.sensor) << row.text;
+        Arm_Socket_Close(arm);
+    }
+}
+
+TEST_F(StartUp, ARefusedConnectionGives5AndClosesTheListener) {
+    ASSERT_TRUE(is_open(0));
+    set_shared(listener.socket, 0);
+    const int port = ScriptedController().port();  // gone by now
+    EXPECT_EQ(Arm_Socket_Start("127.0.0.1", port, 1000), 5);
+    EXPECT_EQ(shared(listener.socket), -1);
+    EXPECT_FALSE(is_open(0)) << "a listener that was never set up counts as descriptor 0";
+    const int null = open("/dev/null", O_RDONLY);
+    ASSERT_EQ(null, 0);
+    EXPECT_EQ(Arm_Socket_Start("127.0.0.1", port, 1000), 5);
+    EXPECT_TRUE(is_open(0)) << "and that only once";
+}
+
+TEST_F(StartUp, OnlyDottedAddressesAreAccepted) {
+    for (const char* address : {"localhost", "256.0.0.1", "127.0.0", "", "127.0.0.1 ", "::1"}) {
+        EXPECT_EQ(Arm_Socket_Start(address, controller_.port(), 1000), 5) << address;
+    }
+    EXPECT_EQ(Arm_Socket_Start(nullptr, controller_.port(), 1000), 5);
+}
+
+TEST_F(StartUp, AFullTableGivesMinus1) {
+    for (int i = 0; i < 20; ++i) EXPECT_EQ(Init_Socket_Joint(65, 90000 + i), 0);
+    EXPECT_EQ(Init_Socket_Joint(65, 91000), -1);
+    EXPECT_EQ(start(), -1);
+    controller_.wait_for_connections(1);
+    controller_.wait_for_close();
+    for (int i = 0; i < 20; ++i) EXPECT_EQ(Get_Socket_Idx(90000 + i), i);
+}
+
+TEST_F(StartUp, AnArmOfAnotherJointCountGives10) {
+    answer_start_up(controller_, 7);
+    EXPECT_EQ(start(), 10);
+    controller_.wait_for_close();
+    init(75, 6);
+    EXPECT_EQ(start(), 10);
+    EXPECT_EQ(Get_Socket_Idx(0), 0) << "the slot is free again";
+}
+
+struct BrokenReply {
+    const char* command;
+    const char* reply;
+    int status;
+};
+
+// On the first connection a broken model text counts as none: its query reads the status of a wiped record.
+constexpr BrokenReply kBroken[] = {
+    {"get_arm_software_info", R"({"state":"arm_software_info"})", 9},
+    {"get_arm_software_info", R"({"state":"arm_software_info","Product_version":1})", 11},
+    {"get_current_tool_frame", R"({"state":"current_tool_frame")", 9},
+    {"get_current_tool_frame", R"({"state":"current_tool_frame","tool_name":"a","pose":[1]})", 10},
+    {"get_current_tool_frame", R"({"state":"current_tool_frame","tool_name":"a","pose":7})", 11},
+    {"get_current_tool_frame", R"({"state":"current_tool_frame","tool_name":"a","pose":[1,2,3,4,5,6],"payload":"1"})",
+     11},
+    {"get_current_tool_frame",
+     R"({"state":"current_tool_frame","tool_name":"a","pose":[1,2,3,4,5,6],"payload":1,"position":[1,2]})", 11},
+    {"get_current_work_frame", R"({"state":"current_work_frame","pose":[1,2,3,4,5,6]})", 9},
+    {"get_current_work_frame", R"({"state":"current_work_frame","frame_name":"a","pose":[1,2,3,4,5,6,7]})", 10},
+    {"get_install_pose", R"({"state":"install_pose"})", 9},
+    {"get_install_pose", R"({"state":"install_pose","pose":{}})", 11},
+    {"get_joint_max_speed", R"({"state":"joint_max_speed","joint_speed":1})", 10},
+    {"get_joint_max_speed", R"({"state":"joint_max_speed"})", 9},
+    {"get_joint_max_acc", R"({"state":"joint_max_acc","joint_acc":1})", 11},
+    {"get_joint_max_acc", R"({"state":"joint_max_acc","joint_acc":[1,2,3,4,5]})", 10},
+    {"get_joint_min_pos", R"({"state":"joint_min_pos","min_pos":[]})", 10},
+    {"get_joint_min_pos", R"({"state":"joint_min_pos","min_pos":null})", 11},
+    {"get_joint_max_pos", R"({"state":"joint_max_pos","max":[1,2,3,4,5,6]})", 9},
+};
+
+TEST_F(StartUp, ABrokenAnswerIsTheStatusAndTheConnectionCloses) {
+    const long before = open_descriptors();
+    for (const bool first : {true, false}) {
+        for (const BrokenReply& row : kBroken) {
+            SCOPED_TRACE(std::string(row.reply) + (first ? " on the first connection" : " on the second"));
+            // Every record but the first keeps what it held, so the slots are made new.
+            if (!first) {
+                ASSERT_EQ(Init_Socket_Joint(65, 90000), 0);
+            }
+            answer_start_up(controller_);
+            controller_.answer(row.command, row.reply);
+            const ArmSocket result = start();
+            if (first && row.command == std::string("get_arm_software_info")) {
+                EXPECT_GT(result, ZK_LARGEST_STATUS);
+                Arm_Socket_Close(result);
+            } else {
+                EXPECT_EQ(result, row.status);
+            }
+            controller_.wait_for_close();
+            controller_.close();
+            Arm_Socket_Close(90000);
+            EXPECT_EQ(Get_Socket_Idx(0), 0);
+        }
+    }
+    EXPECT_EQ(open_descriptors(), before);
+}
+
+TEST_F(StartUp, AFailedPushQueryLeavesTheConnectionUsable) {
+    controller_.answer("get_realtime_push", R"({"state":"get_realtime_push","cycle":5,"enable":true,"port":8089})");
+    const ArmSocket arm = start();
+    ASSERT_GT(arm, ZK_LARGEST_STATUS);
+    EXPECT_EQ(shared(listener.socket), -1);
+    controller_.answer("set_arm_stop", R"({"command":"set_arm_stop","arm_stop":true})");
+    EXPECT_EQ(Move_Stop_Cmd(arm, true), 0);
+}
+
+TEST_F(StartUp, WithoutPushThereIsNoListener) {
+    ASSERT_GT(start(), ZK_LARGEST_STATUS);
+    EXPECT_EQ(shared(listener.socket), -1);
+    EXPECT_EQ(shared(listener.cycle), 1);
+}
+
+void some_callback(RobotStatus) {}
+
+TEST_F(StartUp, ASecondConnectionKeepsTheListenerAndClearsTheCallback) {
+    controller_.answer("get_realtime_push", realtime_push_on(free_udp_port(), 3));
+    ASSERT_GT(start(), ZK_LARGEST_STATUS);
+    const int32_t socket = shared(listener.socket);
+    EXPECT_TRUE(is_udp_socket(socket));
+    EXPECT_EQ(shared(listener.cycle), 3);
+    Realtime_Arm_Joint_State(some_callback);
+    set_shared(listener.receiving, uint8_t{1});
+
+    controller_.answer("get_realtime_push", realtime_push_on(free_udp_port(), 7));
+    const ArmSocket second = start();
+    ASSERT_GT(second, ZK_LARGEST_STATUS);
+    EXPECT_EQ(shared(listener.socket), socket);
+    EXPECT_EQ(shared(listener.callback), nullptr);
+    EXPECT_EQ(shared(listener.receiving), 0);
+    EXPECT_EQ(shared(listener.cycle), 7);
+
+    Arm_Socket_Close(second);
+    EXPECT_EQ(shared(listener.socket), -1);
+    EXPECT_FALSE(is_udp_socket(socket));
+}
+
+TEST_F(StartUp, NoDescriptorIsLeftOver) {
+    const long before = open_descriptors();
+    const int port = free_udp_port();
+    for (int i = 0; i < 10; ++i) {
+        controller_.answer("get_realtime_push", realtime_push_on(port));
+        const ArmSocket arm = start();
+        ASSERT_GT(arm, ZK_LARGEST_STATUS);
+        Arm_Socket_Close(arm);
+        controller_.wait_for_close(i);
+        controller_.close(i);
+    }
+    EXPECT_EQ(open_descriptors(), before);
+}
+
+// Closing a connection forgets those in the slots above it, whose descriptors stay open.
+TEST_F(StartUp, ClosingForgetsTheLaterConnections) {
+    const ArmSocket first = start(), second = start(), third = start();
+    EXPECT_EQ(shared(m_nSockInfoLen), 3);
+    EXPECT_EQ(Get_Socket_Idx(third), 2);
+    Arm_Socket_Close(second);
+    EXPECT_EQ(Get_Socket_Idx(first), 0);
+    EXPECT_EQ(Get_Socket_Idx(second), -1);
+    EXPECT_EQ(Get_Socket_Idx(third), -1);
+    EXPECT_FALSE(is_open(second));
+    EXPECT_TRUE(is_open(third));
+    EXPECT_EQ(shared(m_nSockInfoLen), 2);
+    EXPECT_EQ(Move_Stop_Cmd_Block(third), 5);
+
+    controller_.answer("set_arm_stop", R"({"command":"set_arm_stop","arm_stop":true})");
+    EXPECT_EQ(Move_Stop_Cmd_Block(first), 0);
+    Arm_Socket_Close(third);
+    EXPECT_FALSE(is_open(third)) << "an unknown socket is closed all the same";
+    EXPECT_EQ(shared(m_nSockInfoLen), 2);
+    Arm_Socket_Close(0);
+    Arm_Socket_Close(-1);
+    EXPECT_TRUE(is_open(first));
+}
+
+// A failed attempt closes as Arm_Socket_Close does: the stream of the first arm ends with it.
+TEST_F(StartUp, AFailedAttemptEndsTheStreamOfTheOthers) {
+    controller_.answer("get_realtime_push", realtime_push_on(free_udp_port()));
+    const ArmSocket first = start();
+    const int32_t socket = shared(listener.socket);
+    EXPECT_TRUE(is_udp_socket(socket));
+    controller_.answer("get_joint_max_pos", R"({"state":"joint_max_pos","max_pos":[]})");
+    EXPECT_EQ(start(), 10);
+    EXPECT_EQ(shared(listener.socket), -1);
+    EXPECT_FALSE(is_udp_socket(socket));
+    EXPECT_EQ(Get_Socket_Idx(first), 0);
+}
+
+}  // namespace
