@@ -45,11 +45,11 @@ class Zk75 : public ::testing::Test {
 };
 
 TEST_F(Zk75, NarrowFindsPosturesNearTheSeed) {
-    const Solved solved = solve_at_random(arm, 10000 / kShare, 0.006, narrow);
+    const Solved solved = solve_at_random(arm, 10000 / kShare, 0.005, narrow);
     EXPECT_LT(solved.singular, 0.05 * 10000 / kShare);
     // The arm angle is that of one step: where a joint is close to its limit it can come out beyond, and no other arm
     // angle is looked for.
-    EXPECT_LE(solved.unsolved, 5e-4 * solved.asked);
+    EXPECT_LE(solved.unsolved, 1 + 3e-4 * solved.asked);
     EXPECT_LT(solved.farthest, 2e-3);  // the pull to mid-range
 }
 

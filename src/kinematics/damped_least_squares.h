@@ -1,0 +1,97 @@
+// One step of damped least squares that keeps every joint within the room it has, for an arm of up to seven joints.
+// Numbers are the equations of docs/kinematics-seven-axis.md.
+#pragma once
+
+#include <algorithm>
+#include <array>
+
+#include "kinematics/end_frame_jacobian.h"
+
+namespace zk::damped {
+
+using Joints = std::array<double, 7>;
+using Error = std::array<double, 6>;  // translation in metres, rotation in radians
+using Jacobian = zk::Jacobian<double>;
+
+inline double squared(const Error& e) {
+    double sum = 0;
+    for (const double x : e) sum += x * x;
+    return sum;
+}
+
+inline bool all_below(const Error& e, double metres, double radians) {
+    return e[0] * e[0] + e[1] * e[1] + e[2] * e[2] < metres * metres &&
+           e[3] * e[3] + e[4] * e[4] + e[5] * e[5] < radians * radians;
+}
+
+// (8.3): half the squared error, so that steps are careful far away and those of Newton's method close by; and a floor
+// that keeps the system regular at a singular posture.
+inline double damping(const Error& e) { return 0.5 * squared(e) + 1e-12; }
+
+struct Room {
+    Joints below, above;  // how far each joint may go
+};
+
+// Solves A y = b in place of b by Cholesky's method; the lower triangle of A is used up. A is positive definite.
+inline void solve(std::array<Error, 6>& A, Error& b) {
+    for (int i = 0; i < 6; ++i) {
+        for (int j = 0; j <= i; ++j) {
+            double sum = A[i][j];
+            for (int k = 0; k < j; ++k) sum -= A[i][k] * A[j][k];
+            A[i][j] = i == j ? std::sqrt(sum) : sum / A[j][j];
+        }
+        for (int k = 0; k < i; ++k) b[i] -= A[i][k] * b[k];
+        b[i] /= A[i][i];
+    }
+    for (int i = 5; i >= 0; --i) {
+        for (int k = i + 1; k < 6; ++k) b[i] -= A[k][i] * b[k];
+        b[i] /= A[i][i];
+    }
+}
+
+// (8.2) for the joints that are free; what the others do is taken off the error first.
+inline Joints free_step(const Jacobian& J, Error e, double damping, const Joints& pull, const std::array<bool, 7>& held,
+                        const Joints& of_held) {
+    Joints step;
+    for (int i = 0; i < 7; ++i) step[i] = held[i] ? of_held[i] : pull[i];
+    std::array<Error, 6> A;
+    for (int i = 0; i < 6; ++i) {
+        for (int k = 0; k < 7; ++k) e[i] -= J[i][k] * step[k];
+        for (int j = 0; j <= i; ++j) {
+            A[i][j] = i == j ? damping : 0;
+            for (int k = 0; k < 7; ++k) A[i][j] += held[k] ? 0 : J[i][k] * J[j][k];
+        }
+    }
+    solve(A, e);
+    for (int k = 0; k < 7; ++k) {
+        if (held[k]) continue;
+        for (int i = 0; i < 6; ++i) step[k] += J[i][k] * e[i];
+    }
+    return step;
+}
+
+// The step that takes the error off, with the pull in what is left free. A joint that would go beyond its room goes to
+// the end of it, the worst one first, and the others make up for it (8.4).
+inline Joints step_within(const Jacobian& J, const Error& e, const Joints& pull, const Room& room) {
+    std::array<bool, 7> held{};
+    Joints step{};
+    for (int round = 0; round < 7; ++round) {
+        step = free_step(J, e, damping(e), pull, held, step);
+        int worst = -1;
+        double beyond = 0;
+        for (int i = 0; i < 7; ++i) {
+            const double excess = std::max(step[i] - room.above[i], room.below[i] - step[i]);
+            if (!held[i] && excess > beyond) {
+                worst = i;
+                beyond = excess;
+            }
+        }
+        if (worst < 0) break;
+        held[worst] = true;
+        step[worst] = step[worst] > room.above[worst] ? room.above[worst] : room.below[worst];
+    }
+    for (int i = 0; i < 7; ++i) step[i] = std::clamp(step[i], room.below[i], room.above[i]);
+    return step;
+}
+
+}  // namespace zk::damped

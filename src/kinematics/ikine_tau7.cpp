@@ -1,0 +1,189 @@
+// Inverse kinematics of the 72: seven axes whose wrist does not meet in a point, so there is no closed form. Numbers
+// are the equations of docs/kinematics-seven-axis.md.
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "kinematics/damped_least_squares.h"
+#include "kinematics/rotation_difference.h"
+#include "numeric/fixed_matrix.h"
+#include "zk/inverse_kinematics.h"
+#include "zk/model.h"
+#include "zk/seven_axis.h"
+
+namespace zk::tau7 {
+namespace {
+
+using damped::Error;
+using damped::Joints;
+
+struct Arm {
+    DhParams dh;
+    Joints lo, hi;
+
+    Arm() {
+        float min[8], max[8];
+        libalgo_get_dh_value(&dh);
+        libalgo_get_jointlim_min(min);
+        libalgo_get_jointlim_max(max);
+        std::copy_n(min, 7, lo.begin());
+        std::copy_n(max, 7, hi.begin());
+    }
+};
+
+struct Target {
+    Mat3Of<double> R;
+    Vec3Of<double> p;
+};
+
+// (8.1)
+Transform<double> link(const Arm& arm, const Joints& q, int i) {
+    constexpr Twist kTwists[] = {Twist::kNone,    Twist::kMinus90, Twist::kPlus90, Twist::kPlus90,
+                                 Twist::kMinus90, Twist::kPlus90,  Twist::kPlus90};
+    const double a[] = {0, 0, 0, arm.dh.a[3], arm.dh.a[4], 0, arm.dh.a[6]};
+    const double d[] = {arm.dh.d[0], 0, arm.dh.d[2], 0, arm.dh.d[4], 0, arm.dh.d[6]};
+    const double theta = q[i] + arm.dh.offset[i];
+    return link_transform(kTwists[i], a[i], std::sin(theta), std::cos(theta), d[i]);
+}
+
+Transform<double> jacobian_and_pose(const Arm& arm, const Joints& q, damped::Jacobian& J) {
+    return end_frame_jacobian([&](int i) { return link(arm, q, i); }, J);
+}
+
+// What is left to the target, in the frame of the flange.
+Error error_in_end_frame(const Transform<double>& current, const Target& target) {
+    const Mat3Of<double> to_end = transposed(rotation_of<double>(current));
+    const Vec3Of<double> p = product(to_end, minus(target.p, translation_of<double>(current)));
+    const Vec3Of<double> a = axis_times_angle(product(to_end, target.R));
+    return {p[0], p[1], p[2], a[0], a[1], a[2]};
+}
+
+// (8.5): downhill on the mean square distance from mid-range, measured in ranges.
+Joints mid_range_pull(const Arm& arm, const Joints& q) {
+    constexpr double kGain = -0.1 / 7;
+    Joints z;
+    for (int i = 0; i < 7; ++i) {
+        const double range = arm.hi[i] - arm.lo[i];
+        z[i] = range > 0 ? kGain * (q[i] - (arm.lo[i] + arm.hi[i]) / 2) / (range * range) : 0;
+    }
+    return z;
+}
+
+enum class Limits { kKept, kIgnored };
+
+damped::Room room_of(const Arm& arm, const Joints& q, Limits limits) {
+    damped::Room room;
+    if (limits == Limits::kIgnored) {
+        room.above.fill(std::numeric_limits<double>::infinity());
+        room.below.fill(-std::numeric_limits<double>::infinity());
+        return room;
+    }
+    for (int i = 0; i < 7; ++i) {
+        room.below[i] = arm.lo[i] - q[i];
+        room.above[i] = arm.hi[i] - q[i];
+    }
+    return room;
+}
+
+// Whether an iteration gets anywhere: in ten rounds the squared error has to fall by a fifth.
+class Progress {
+ public:
+    bool made(double error) {
+        if (round_ % 10 == 0) {
+            if (!(error < 0.8 * last_)) return false;
+            last_ = error;
+        }
+        ++round_;
+        return true;
+    }
+
+ private:
+    int round_ = 0;
+    double last_ = std::numeric_limits<double>::infinity();
+};
+
+// Moves q to the target. The pull belongs to the call, not to the round: it moves a seed that is a solution once.
+bool converge(const Arm& arm, const Target& target, Limits limits, Joints& q) {
+    constexpr int kRounds = 100;
+    constexpr double kMetres = 1e-6, kRadians = 1e-6;
+    Joints pull = mid_range_pull(arm, q);
+    Progress progress;
+    for (int round = 0; round < kRounds; ++round) {
+        damped::Jacobian J;
+        const Error e = error_in_end_frame(jacobian_and_pose(arm, q, J), target);
+        if (round > 0 && damped::all_below(e, kMetres, kRadians)) return true;
+        if (!progress.made(damped::squared(e))) return false;
+        const Joints step = damped::step_within(J, e, pull, room_of(arm, q, limits));
+        for (int i = 0; i < 7; ++i) q[i] += step[i];
+        pull = {};
+    }
+    return false;
+}
+
+// The n-th of points that spread evenly over the joints' ranges, drawn towards the seed to a share of the way to the
+// limits. Method: Roberts, The Unreasonable Effectiveness of Quasirandom Sequences (2018), for seven dimensions.
+Joints seed_about(const Arm& arm, const Joints& seed, int n, double share) {
+    constexpr double kRoot = 1.0970017794609055;  // of x^8 = x + 1
+    Joints q;
+    double stride = 1;
+    for (int i = 0; i < 7; ++i) {
+        stride /= kRoot;
+        const double point = 0.5 + n * stride, side = 2 * (point - std::floor(point)) - 1;
+        q[i] = seed[i] + share * side * (side > 0 ? arm.hi[i] - seed[i] : seed[i] - arm.lo[i]);
+    }
+    return q;
+}
+
+struct Restarts {
+    int count;
+    double reach;  // how far around the seed, as a share of the joints' ranges
+};
+
+// (8.6): the farther the target, the wider the circle, so that a small motion does not come out as a jump.
+Restarts restarts(const Arm& arm, const Joints& seed, const Target& target) {
+    if (ikine_get_solution_range_zk75() > 1.0f) return {400, 1};
+    damped::Jacobian J;
+    const double distance = std::sqrt(damped::squared(error_in_end_frame(jacobian_and_pose(arm, seed, J), target)));
+    return {40, std::min(1.0, 2 * distance)};
+}
+
+// 0 with a solution in q, -2 when only the limits stand in the way of the seed, -1 for none.
+int solve(const Arm& arm, const Joints& seed, const Target& target, Joints& q) {
+    q = seed;
+    if (converge(arm, target, Limits::kKept, q)) return 0;
+    const auto [count, reach] = restarts(arm, seed, target);
+    for (int n = 1; n <= count; ++n) {
+        q = seed_about(arm, seed, n, reach * std::min(1.0, n / 20.0));
+        if (converge(arm, target, Limits::kKept, q)) return 0;
+    }
+    q = seed;
+    return converge(arm, target, Limits::kIgnored, q) ? -2 : -1;
+}
+
+Joints as_joints(const float* values) {
+    Joints q;
+    std::copy_n(values, 7, q.begin());
+    return q;
+}
+
+}  // namespace
+}  // namespace zk::tau7
+
+ZK_API int inverse_kinematics_tau7(const float* seed, float* out, Mat target) {
+    using namespace zk::tau7;
+    const Arm arm;
+    Joints from = as_joints(seed), q;
+    for (int i = 0; i < 7; ++i) from[i] = std::max(arm.lo[i], std::min(arm.hi[i], from[i]));
+    const int status = solve(arm, from, {zk::rotation_of<double>(target), zk::translation_of<double>(target)}, q);
+    if (status != 0) return status;
+    std::copy(q.begin(), q.end(), out);
+    return 0;
+}
+
+ZK_API void ikine_jacobe_and_pose_tau72(const float* joint, Mat* J, Mat* T) {
+    using namespace zk::tau7;
+    zk::damped::Jacobian jacobian;
+    const zk::Transform<double> pose = jacobian_and_pose(Arm(), as_joints(joint), jacobian);
+    *J = zk::filled<Mat>(6, 7, [&](int i, int j) { return static_cast<float>(jacobian[i][j]); });
+    *T = zk::filled<Mat>(4, 4, [&](int i, int j) { return i == 3 ? j == 3 : static_cast<float>(pose.m[i][j]); });
+}
