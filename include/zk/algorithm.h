@@ -105,6 +105,22 @@ ZK_API Pose Algo_WorkFrame2Base(Matrix work_T_base, Pose pose);
 ZK_API Pose Algo_End2Tool(Pose pose);
 ZK_API Pose Algo_Tool2End(Pose pose);
 
+/* ------------------------------------------------------------------------------------------------- Poses that move --
+ */
+
+/*
+ * Where the tool would be, seen in the work frame: after a straight displacement of dx, dy, dz metres along its own
+ * axes from where these joints (degrees) hold it; and turned in place by `angle` degrees about axis 1, 2 or 3 of the
+ * frame whose rotation `frame` holds (any other axis leaves the orientation). Not while another thread changes the
+ * model.
+ */
+ZK_API Pose Algo_Cartesian_Tool(const float* joint, float dx, float dy, float dz);
+ZK_API Pose Algo_RotateMove(const float* joint, int axis, float angle, Pose frame);
+
+/* A pose moved by delta: x, y, z in metres and rx, ry, rz in radians, in the work frame (frame 0) or along the tool's
+ * own axes (frame 1); see algo_pose_move. */
+ZK_API Pose Algo_PoseMove(const float* delta, int frame, Pose pose);
+
 /* ----------------------------------------------------------------------------------------------- The layer below -- */
 
 /*

@@ -1,20 +1,69 @@
-/* Teaching and stepping. */
+/*
+ * Teaching and stepping: jogging a joint or an axis of the tool until told to stop, or by a fixed amount.
+ *
+ * direction: non-zero for the positive one. v: speed in percent, 1 to 100. type: 0 the x axis, 1 the y axis, any other
+ * number the z axis. The plain names take a flag and call <name>_Block or <name>_NonBlock; they add 18 during a file
+ * transfer. Application threads; stopping may come from any.
+ */
 #ifndef ZK_TEACH_H
 #define ZK_TEACH_H
+
+#include <stdbool.h>
 
 #include "zk/connection.h"
 #include "zk/mailboxes.h"
 
-/* Acknowledgements: the mailboxes, and the parsers of their replies. A parser gives 0 for true, 1 for false, 9 for a text that
- * is not JSON or lacks the key, and 11 for another type (8 where told). Any thread. */
-ZK_API AckReply Joint_Teach_Cmd_Cmd[ZK_SLOTS];
-ZK_API AckReply Pos_Teach_Cmd_Cmd[ZK_SLOTS];
-ZK_API AckReply Ort_Teach_Cmd_Cmd[ZK_SLOTS];
-ZK_API AckReply Teach_Stop_Cmd_Cmd[ZK_SLOTS];
+/* ------------------------------------------------------------------------------------------------------ Teaching -- */
 
+/*
+ * Jog one joint (counted from 1), the position along an axis, or the orientation about an axis, until Teach_Stop_Cmd.
+ * The blocking forms wait for the acknowledgement, not for the motion: 0, 1 refused, 5, 7, 9, 11; the others return 0.
+ */
+ZK_API AckReply Joint_Teach_Cmd_Cmd[ZK_SLOTS];
+ZK_API int Joint_Teach_Cmd(ArmSocket socket, uint8_t joint, uint8_t direction, uint8_t v, bool block);
+ZK_API int Joint_Teach_Cmd_Block(ArmSocket socket, uint8_t joint, uint8_t direction, uint8_t v);
+ZK_API int Joint_Teach_Cmd_NonBlock(ArmSocket socket, uint8_t joint, uint8_t direction, uint8_t v);
 ZK_API int Parser_Joint_Teach(const char* text);
+
+ZK_API AckReply Pos_Teach_Cmd_Cmd[ZK_SLOTS];
+ZK_API int Pos_Teach_Cmd(ArmSocket socket, int32_t type, uint8_t direction, uint8_t v, bool block);
+ZK_API int Pos_Teach_Cmd_Block(ArmSocket socket, int32_t type, uint8_t direction, uint8_t v);
+ZK_API int Pos_Teach_Cmd_NonBlock(ArmSocket socket, int32_t type, uint8_t direction, uint8_t v);
 ZK_API int Parser_Pos_Teach(const char* text);
+
+ZK_API AckReply Ort_Teach_Cmd_Cmd[ZK_SLOTS];
+ZK_API int Ort_Teach_Cmd(ArmSocket socket, int32_t type, uint8_t direction, uint8_t v, bool block);
+ZK_API int Ort_Teach_Cmd_Block(ArmSocket socket, int32_t type, uint8_t direction, uint8_t v);
+ZK_API int Ort_Teach_Cmd_NonBlock(ArmSocket socket, int32_t type, uint8_t direction, uint8_t v);
 ZK_API int Parser_Ort_Teach(const char* text);
+
+/* Ends the jogging. */
+ZK_API AckReply Teach_Stop_Cmd_Cmd[ZK_SLOTS];
+ZK_API int Teach_Stop_Cmd(ArmSocket socket, bool block);
+ZK_API int Teach_Stop_Cmd_Blcok(ArmSocket socket);
+ZK_API int Teach_Stop_Cmd_NonBlcok(ArmSocket socket);
 ZK_API int Parser_Teach_Stop(const char* text);
+
+/* ------------------------------------------------------------------------------------------------------ Stepping -- */
+
+/*
+ * Move one joint by degrees, the position along an axis by metres, or the orientation about an axis by radians; the
+ * sign of the step is the direction.
+ *
+ * The blocking forms wait for the report of the motion: its status (0 arrived, 1 not), 12 when another device reports,
+ * 14 when the arm stands still for m_nOutTime_max and some looks more, 5 when the connection is closed, or, after
+ * failed readings of the joints, their status. The others return 0.
+ */
+ZK_API int Joint_Step_Cmd(ArmSocket socket, uint8_t joint, uint8_t v, float step, bool block);
+ZK_API int Joint_Step_Cmd_Block(ArmSocket socket, uint8_t joint, uint8_t v, float step);
+ZK_API int Joint_Step_Cmd_NonBlock(ArmSocket socket, uint8_t joint, uint8_t v, float step);
+
+ZK_API int Pos_Step_Cmd(ArmSocket socket, int32_t type, uint8_t v, float step, bool block);
+ZK_API int Pos_Step_Cmd_Block(ArmSocket socket, int32_t type, uint8_t v, float step);
+ZK_API int Pos_Step_Cmd_NonBlock(ArmSocket socket, int32_t type, uint8_t v, float step);
+
+ZK_API int Ort_Step_Cmd(ArmSocket socket, int32_t type, uint8_t v, float step, bool block);
+ZK_API int Ort_Step_Cmd_Block(ArmSocket socket, int32_t type, uint8_t v, float step);
+ZK_API int Ort_Step_Cmd_NonBlock(ArmSocket socket, int32_t type, uint8_t v, float step);
 
 #endif

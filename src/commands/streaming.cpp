@@ -1,10 +1,13 @@
-// Streamed motion.
+// Streamed motion: set-points straight to the socket, at the caller's own rate, and the reports that come back.
 #include "zk/streaming.h"
 
 #include <algorithm>
+#include <cstdio>
 
+#include "connection/exchange.h"
+#include "connection/pending.h"
 #include "connection/reply.h"
-#include "connection/slots.h"
+#include "connection/wrappers.h"
 
 using namespace zk;
 
@@ -37,4 +40,73 @@ ZK_API int Parser_Force_Position_Move(ArmSocket s, const char* text, float* join
     if (reply.require(reply.find("joint").is_array(), ZK_WRONG_TYPE))
         plain_numbers(reply.find("joint"), joint_count(s), joint);
     return reply.status();
+}
+
+namespace {
+
+// Written at once, whatever becomes of it.
+int sent(const Request& request) {
+    stream(request);
+    return ZK_OK;
+}
+
+Request& pose_quat(Request& request, const Pose& pose, int32_t (*quaternion)(float)) {
+    const Position& p = pose.position;
+    const Quat& q = pose.quaternion;
+    return request.numbers("pose_quat", {double(millionths(p.x)), double(millionths(p.y)), double(millionths(p.z)),
+                                         double(quaternion(q.w)), double(quaternion(q.x)), double(quaternion(q.y)),
+                                         double(quaternion(q.z))});
+}
+
+// The quaternion, when it is about a unit one; else the Euler angles.
+Request& pose_or_quat(Request& request, const Pose& pose) {
+    const Quat& q = pose.quaternion;
+    const double norm = q.w * q.w + q.x * q.x + q.y * q.y + q.z * q.z;
+    const bool unit = norm > 0.99 && norm < 1.1;
+    return unit ? pose_quat(request, pose, millionths) : request.pose("pose", pose);
+}
+
+}  // namespace
+
+ZK_API int Movej_CANFD(ArmSocket s, const float* joint, uint8_t follow, float expand) {
+    return checked(Movej_CANFD_NonBlock, s, joint, follow, expand);
+}
+ZK_API int Movej_CANFD_NonBlock(ArmSocket s, const float* joint, uint8_t follow, float expand) {
+    const int status = sent(Request(s, "movej_canfd")
+                                .joints("joint", joint)
+                                .boolean("follow", follow != 0)
+                                .number("expand", thousandths(expand)));
+    std::fflush(stdout);
+    return status;
+}
+// Its reply goes to the callback, not to the pending list: it ends in 7.
+ZK_API int Movej_CANFD_Block(ArmSocket s, const float* joint) {
+    return pending(Request(s, "movej_canfd").joints("joint", joint), 65, [](const char*) { return int(ZK_OK); });
+}
+
+ZK_API int Movep_CANFD(ArmSocket s, uint8_t follow, Pose pose) {
+    return guarded(Movep_CANFD_NonBlock, s, follow, pose);
+}
+ZK_API int Movep_CANFD_NonBlock(ArmSocket s, uint8_t follow, Pose pose) {
+    Request request(s, "movep_canfd");
+    return sent(pose_or_quat(request, pose).boolean("follow", follow != 0));
+}
+// The blocking form sends the quaternion whatever it holds, in thousandths, and ends in 7 likewise.
+ZK_API int Movep_CANFD_Block(ArmSocket s, uint8_t follow, Pose pose) {
+    Request request(s, "movep_canfd");
+    return pending(pose_quat(request, pose, thousandths).boolean("follow", follow != 0), 66,
+                   [](const char*) { return int(ZK_OK); });
+}
+
+ZK_API int Movej_Follow(ArmSocket s, const float* joint) { return checked(Movej_Follow_NonBlock, s, joint); }
+ZK_API int Movej_Follow_NonBlock(ArmSocket s, const float* joint) {
+    const int status = sent(Request(s, "movej_follow").joints("joint", joint));
+    std::fflush(stdout);
+    return status;
+}
+
+ZK_API int Movep_Follow(ArmSocket s, Pose pose) { return guarded(Movep_Follow_NonBlock, s, pose); }
+ZK_API int Movep_Follow_NonBlock(ArmSocket s, Pose pose) {
+    Request request(s, "movep_follow");
+    return sent(pose_or_quat(request, pose));
 }
