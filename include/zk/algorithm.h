@@ -117,8 +117,8 @@ ZK_API Pose Algo_Tool2End(Pose pose);
 ZK_API Pose Algo_Cartesian_Tool(const float* joint, float dx, float dy, float dz);
 ZK_API Pose Algo_RotateMove(const float* joint, int axis, float angle, Pose frame);
 
-/* A pose moved by delta: x, y, z in metres and rx, ry, rz in radians, in the work frame (frame 0) or along the tool's
- * own axes (frame 1); see algo_pose_move. */
+/* A pose moved by delta: x, y, z in metres and rotations about x, y, z in degrees, in the work frame (frame 0) or along
+ * the tool's own axes (frame 1); see algo_pose_move. */
 ZK_API Pose Algo_PoseMove(const float* delta, int frame, Pose pose);
 
 /* ----------------------------------------------------------------------------------------------- The layer below -- */
