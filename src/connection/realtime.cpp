@@ -135,7 +135,7 @@ ZK_API void* threadFunction(void*) {
         if (got < 0) continue;
         text[got] = '\0';
         handle(text, sender);
-        if (elapsed_since(start) > read(listener.cycle) * 100 + 199) write(listener.receiving, uint8_t{0});
+        if (elapsed_since(start) > read(listener.cycle) * int64_t{100} + 199) write(listener.receiving, uint8_t{0});
     }
     return nullptr;
 }

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "connection/die.h"
 #include "zk/connection.h"
 
 TxQueue Socket_Tx_Buffer;
@@ -32,8 +33,9 @@ int32_t next(const TxQueue& queue, int32_t index) { return (index + 1) % queue.c
 void copy_frame(TxFrame* to, const TxFrame* from) {
     constexpr size_t room = sizeof(TxFrame) - offsetof(TxFrame, data);
     const size_t length = from->length < 0 ? 0 : static_cast<size_t>(from->length);
+    if (length > room) zk::die("a frame of %zu bytes exceeds the %zu that the queue holds", length, room);
     std::memcpy(reinterpret_cast<char*>(to) + offsetof(TxFrame, data),
-                reinterpret_cast<const char*>(from) + offsetof(TxFrame, data), length < room ? length : room);
+                reinterpret_cast<const char*>(from) + offsetof(TxFrame, data), length);
     to->length = from->length;
     to->socket = from->socket;
 }
