@@ -13,6 +13,7 @@
 #ifndef ZK_ALGORITHM_H
 #define ZK_ALGORITHM_H
 
+#include <stdbool.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <sys/time.h>
@@ -21,7 +22,7 @@
 #include "zk/frame_record.h"
 #include "zk/transform_types.h"
 
-/* ----------------------------------------------------------------------------------------------------- The model -- */
+/* -------------------------------------------------------------------------------------------------- The model -- */
 
 /* Version of the algorithm layer, "1.4.8". The text is constant. Any thread. */
 ZK_API const char* Algo_Version(void);
@@ -67,8 +68,7 @@ ZK_API float angleH;
 ZK_API Pose g_tool_pose; /* pose of the last Algo_Set_ToolFrame */
 ZK_API Pose g_work_pose; /* pose of the last Algo_Set_WorkFrame */
 
-/* ---------------------------------------------------------------------------------------------- Forward kinematics --
- */
+/* ----------------------------------------------------------------------------------------- Forward kinematics -- */
 
 /* Tool in the work frame at joint angles in degrees, mounting included: as pose, and as 4 by 4 transform. Null gives a
  * pose of ten zeros, which is no orientation. */
@@ -79,7 +79,37 @@ ZK_API Matrix Forward_Kinematics_e(const float* joint);
  * count as outside, since limits are kept in radians. */
 ZK_API int zk_algo_judgment_overpos(const float* joint);
 
-/* ---------------------------------------------------------------------------------------------- Poses and frames -- */
+/* ----------------------------------------------------------------------------------------- Inverse kinematics -- */
+
+/* The arguments of Algo_Inverse_Kinematics as one record. */
+typedef struct InverseKinematicsCall {
+    const float* seed; /* degrees */
+    const Pose* pose;  /* metres, radians */
+    float joint[7];    /* the result, degrees */
+    int flag;
+} InverseKinematicsCall;
+
+ZK_STATIC_ASSERT(offsetof(InverseKinematicsCall, flag) == 2 * sizeof(void*) + 28, "layout of InverseKinematicsCall");
+
+/*
+ * Joint angles in degrees that bring the tool to a pose of the work frame; of several solutions the one nearest to the
+ * seed. With flag 0 the pose's quaternion is its orientation and has to be a unit quaternion to a hundredth of its
+ * squared norm; with flag 1 its Euler angles are. Seven joints follow the seed unless
+ * Algo_Set_Redundant_Parameter_Traversal_Mode was called.
+ *
+ * Returns 0; 19 for a null seed or pose, a quaternion that is not one, or a seed outside the joint limits; 21 when
+ * there is no solution, and then `joint` holds no answer. The seven-joint solver of model 1 is not checked against the
+ * target, see zk/seven_axis.h. The Wrap form does the same with a record; 19 for null.
+ */
+ZK_API int Algo_Inverse_Kinematics(const float* seed, const Pose* pose, float* joint, uint8_t flag);
+ZK_API int Algo_Inverse_Kinematics_Wrap(InverseKinematicsCall* call);
+
+/* Whether solving for seven joints searches the whole range of the free axis (true) or follows the seed (false), from
+ * now on. Before the first call it follows the seed whatever ikine_set_solution_range_zk75 says; there is no way back
+ * to that. */
+ZK_API void Algo_Set_Redundant_Parameter_Traversal_Mode(bool whole_range);
+
+/* ------------------------------------------------------------------------------------------- Poses and frames -- */
 
 /*
  * Conversions. Those of a Pose read its position and Euler angles and fill all three fields of a result. Euler angles
@@ -105,8 +135,7 @@ ZK_API Pose Algo_WorkFrame2Base(Matrix work_T_base, Pose pose);
 ZK_API Pose Algo_End2Tool(Pose pose);
 ZK_API Pose Algo_Tool2End(Pose pose);
 
-/* ------------------------------------------------------------------------------------------------- Poses that move --
- */
+/* -------------------------------------------------------------------------------------------- Poses that move -- */
 
 /*
  * Where the tool would be, seen in the work frame: after a straight displacement of dx, dy, dz metres along its own
@@ -121,7 +150,7 @@ ZK_API Pose Algo_RotateMove(const float* joint, int axis, float angle, Pose fram
  * the tool's own axes (frame 1); see algo_pose_move. */
 ZK_API Pose Algo_PoseMove(const float* delta, int frame, Pose pose);
 
-/* ----------------------------------------------------------------------------------------------- The layer below -- */
+/* -------------------------------------------------------------------------------------------- The layer below -- */
 
 /*
  * What the functions above call: the model and the kinematics in the units of this header. The frame and limit
@@ -147,6 +176,16 @@ ZK_API void invoke_libalgo_get_joint_acc_maxlim(float* limits);
 ZK_API void invoke_libalgo_set_control_loop_period(float seconds);
 ZK_API Pose invoke_forward_kinematics(const float* joint);
 ZK_API Matrix invoke_forward_kinematics_e(const float* joint);
+
+/*
+ * joint_overspeed_judgment, and inverse_kinematics with its codes, in degrees; a flag of 0 is passed on as 2, which is
+ * the same. The second form passes its flag on as it is, keeps account of the time that solving takes, and judges the
+ * way from the seed to the solution: the number of the first joint that one control period does not allow, or 0.
+ */
+ZK_API int invoke_joint_overspeed_judgment(const float* from, const float* to, float scale);
+ZK_API int invoke_inverse_kinematics(const float* seed, const Pose* pose, float* joint, uint8_t flag);
+ZK_API int invoke_inverse_kinematics_with_judgment_overspeed(const float* seed, const Pose* pose, float* joint,
+                                                             uint8_t flag);
 
 /* Time of day, as gettimeofday gives it. Any thread. */
 ZK_API void get_time_of_day(struct timeval* now);

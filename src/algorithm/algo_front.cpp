@@ -1,14 +1,38 @@
 // The public names of the local kinematics.
 #include "zk/algorithm.h"
+#include "zk/inverse_kinematics.h"
 #include "zk/model.h"
 #include "zk/numeric.h"
 #include "zk/pose.h"
+#include "zk/status.h"
 
 float angleU = 0;
 float angleV = 0;
 float angleH = 0;
 Pose g_tool_pose;
 Pose g_work_pose;
+
+namespace {
+
+// How the solvers of seven joints search.
+struct Search {
+    float range;
+    int strategy;
+};
+constexpr Search kNarrow = {0.013f, 1}, kWhole = {3.14f, 0};
+
+void search(const Search& how) {
+    ikine_set_solution_range_zk75(how.range);
+    ikine_set_7dof_solver_search_strategy(how.strategy);
+}
+
+// To a hundredth of the squared norm; NaN passes.
+bool is_unit(const Quat& q) {
+    const double squared = q.w * q.w + q.x * q.x + q.y * q.y + q.z * q.z;
+    return !(squared > 1.01 || squared < 0.99);
+}
+
+}  // namespace
 
 ZK_API const char* Algo_Version(void) { return "1.4.8"; }
 
@@ -59,6 +83,23 @@ ZK_API int zk_algo_judgment_overpos(const float* joint) {
         if (joint[i] < min[i] || joint[i] > max[i]) return -1;
     }
     return 0;
+}
+
+ZK_API int Algo_Inverse_Kinematics(const float* seed, const Pose* pose, float* joint, uint8_t flag) {
+    if (!seed || !pose) return ZK_BAD_ARGUMENT;
+    if (flag == 0 && !is_unit(pose->quaternion)) return ZK_BAD_ARGUMENT;
+    if (zk_algo_judgment_overpos(seed) != 0) return ZK_BAD_ARGUMENT;
+    if (defaut_traversal_mode != 0) search(kNarrow);
+    return invoke_inverse_kinematics(seed, pose, joint, flag) == 0 ? ZK_OK : ZK_NO_SOLUTION;
+}
+ZK_API int Algo_Inverse_Kinematics_Wrap(InverseKinematicsCall* call) {
+    if (!call) return ZK_BAD_ARGUMENT;
+    return Algo_Inverse_Kinematics(call->seed, call->pose, call->joint, static_cast<uint8_t>(call->flag));
+}
+
+ZK_API void Algo_Set_Redundant_Parameter_Traversal_Mode(bool whole_range) {
+    defaut_traversal_mode = 0;
+    search(whole_range ? kWhole : kNarrow);
 }
 
 ZK_API Matrix Algo_Pos2Matrix(Pose pose) { return algo_pose_to_matrix(pose); }

@@ -12,6 +12,7 @@ constexpr double kRadiansPerDegree = 0.017453292519943295;
 
 constexpr float radians(float degrees) { return static_cast<float>(degrees * kRadiansPerDegree); }
 constexpr float degrees(float radians) { return static_cast<float>(radians / kRadiansPerDegree); }
+constexpr float degrees_of_solution(float radians) { return static_cast<float>(radians * 57.29577951308232); }
 
 // Speeds and accelerations count in revolutions per minute, of 6 degrees per second each.
 constexpr float radians_of_turns(float turns) { return radians(turns * 6.0f); }

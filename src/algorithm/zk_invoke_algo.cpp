@@ -1,6 +1,7 @@
 // The line at which units change: the model and the kinematics, spoken to in degrees.
 #include "algorithm/units.h"
 #include "zk/algorithm.h"
+#include "zk/inverse_kinematics.h"
 #include "zk/kinematics.h"
 #include "zk/model.h"
 
@@ -38,6 +39,24 @@ void get_frame(Getter from_model, Pose& pose) {
     from_model(params);
     pose.position = {params[0], params[1], params[2]};
     pose.euler = {params[3], params[4], params[5]};
+}
+
+// Degrees in, degrees out; the output is converted only when it is a solution.
+int solve(const float* seed, const Pose* pose, float* joint, uint8_t flag) {
+    const int result = inverse_kinematics(converted<radians>(seed).data(), pose, joint, flag);
+    if (result != 0) return result;
+    for (int i = 0; i < libalgo_get_rbt_dof(); ++i) joint[i] = degrees_of_solution(joint[i]);
+    return 0;
+}
+
+// A new fastest solution is not looked at as a slowest one.
+void keep_account(double seconds) {
+    const double milliseconds = seconds * 1000.0;
+    if (milliseconds < invoke_inverse_time_total_min) {
+        invoke_inverse_time_total_min = milliseconds;
+    } else if (milliseconds > invoke_inverse_time_total_max) {
+        invoke_inverse_time_total_max = milliseconds;
+    }
 }
 
 }  // namespace
@@ -104,6 +123,26 @@ ZK_API Pose invoke_forward_kinematics(const float* joint) {
 }
 ZK_API Matrix invoke_forward_kinematics_e(const float* joint) {
     return forward_kinematics_e(converted<radians>(joint).data());
+}
+
+ZK_API int invoke_joint_overspeed_judgment(const float* from, const float* to, float scale) {
+    return joint_overspeed_judgment(converted<radians>(from).data(), converted<radians>(to).data(), scale);
+}
+
+ZK_API int invoke_inverse_kinematics(const float* seed, const Pose* pose, float* joint, uint8_t flag) {
+    return solve(seed, pose, joint, flag == 0 ? 2 : flag);
+}
+
+ZK_API int invoke_inverse_kinematics_with_judgment_overspeed(const float* seed, const Pose* pose, float* joint,
+                                                             uint8_t flag) {
+    if (libalgo_get_robot_type() == 1) ikine_set_solution_range_zk75(0.013f);
+    timeval begin, end;
+    get_time_of_day(&begin);
+    const int result = solve(seed, pose, joint, flag);
+    get_time_of_day(&end);
+    keep_account(static_cast<double>(end.tv_usec - begin.tv_usec) / 1e6 +
+                 static_cast<double>(end.tv_sec - begin.tv_sec));
+    return result == 0 ? invoke_joint_overspeed_judgment(seed, joint, 1.0f) : result;
 }
 
 ZK_API void get_time_of_day(struct timeval* now) { gettimeofday(now, nullptr); }

@@ -100,15 +100,17 @@ class SphericalWrist {
         offer(shoulder.t1, t2, t3, turned);
     }
 
-    // With F the forearm's axes and m the flange's rotation, F' m is the rotation of joints 4 to 6. With k the last
-    // twist's sign its third column is k (cos t4 sin t5, sin t4 sin t5, cos t5), its third row begins with (-sin t5 cos
-    // t6, sin t5 sin t6). The first wrist is the one with sin t5 >= 0.
+    // With F the forearm's axes and k the last twist's sign, F' m = Rz(t4) Ry(t5) Rx(0 or 180) Rz(t6) has the third
+    // column k (cos t4 sin t5, sin t4 sin t5, cos t5); turned back by t4 it has the second row k (sin t6, cos t6, 0).
+    // So t6 goes with whatever t4 came out, also where rounding alone decides t4. The first wrist has sin t5 >= 0.
     Hand first_hand(const Axes& f) const {
-        const float x = Arm::kLastTwist * dot(f.x, 2), y = Arm::kLastTwist * dot(f.y, 2);
+        constexpr float k = Arm::kLastTwist;
+        const float x = k * dot(f.x, 2), y = k * dot(f.y, 2);
         const float t4 = std::atan2(y, x);
-        const float t5 = std::atan2(std::sqrt(x * x + y * y), Arm::kLastTwist * dot(f.z, 2));
-        const float t6 = std::atan2(dot(f.z, 1), -dot(f.z, 0));
-        return {t4, t5, t6};
+        const float t5 = std::atan2(std::sqrt(x * x + y * y), k * dot(f.z, 2));
+        const auto [s4, c4] = sine_cosine(t4);
+        const float sine = c4 * dot(f.y, 0) - s4 * dot(f.x, 0), cosine = c4 * dot(f.y, 1) - s4 * dot(f.x, 1);
+        return {t4, t5, std::atan2(k * sine, k * cosine)};
     }
 
     float dot(const float (&axis)[3], int column) const {

@@ -2,8 +2,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "zk/dense_matrix.h"
 #include "zk/inverse_kinematics.h"
 #include "zk/numeric.h"
+#include "zk/seven_axis.h"
 
 namespace zk {
 namespace {
@@ -15,6 +17,15 @@ float at_full_turn(float angle) {
     constexpr float kFullTurn = 6.2831850f, kDrifted = 6.3180919f;
     const float size = std::fabs(angle);
     return size > kFullTurn && size < kDrifted ? std::copysign(kFullTurn, angle) : angle;
+}
+
+// base_T_flange of a tool at world_T_tool, mounting and tool taken out.
+Mat flange_target(const Matrix& world_T_tool) {
+    Matrix world_T_base, flange_T_tool;
+    libalgo_get_robot_install_angle_matrix(&world_T_base);
+    libalgo_get_tool_cs_matrix(&flange_T_tool);
+    const Matrix base_T_tool = matrix_m(matrix_inv_coordinate_system(world_T_base), world_T_tool);
+    return matrix_to_mat(matrix_m(base_T_tool, matrix_inv_coordinate_system(flange_T_tool)));
 }
 
 }  // namespace
@@ -41,10 +52,14 @@ ZK_API int inverse_kinematics(const float* seed, const Pose* pose, float* joint,
     switch (model) {
         case 0:
             return inverse_kinematics_zk6(local, joint, world_T_tool);
+        case 1:
+            return inverse_kinematics_zk_75(local, joint, flange_target(world_T_tool));
         case 5:
         case 6:
         case 8:
             return inverse_kinematics_orb6(local, joint, world_T_tool);
+        case 7:
+            return inverse_kinematics_tau7(seed, joint, flange_target(world_T_tool));
         default:
             return kNoSolver;
     }
