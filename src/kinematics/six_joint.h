@@ -11,9 +11,11 @@ namespace zk {
 
 inline constexpr float kTurn = 6.2831855f, kHalfTurn = 3.1415927f, kQuarterTurn = 1.5707964f;
 
-// The angle moved by a turn, if that takes it nearer to the seed.
+// The angle moved by a turn, if that takes it nearer to the seed. Like `wrapped` without a branch, since no processor
+// can guess which way.
 inline float beside(float seed, float theta) {
-    return seed - theta > kHalfTurn ? theta + kTurn : seed - theta < -kHalfTurn ? theta - kTurn : theta;
+    const float e = seed - theta;
+    return theta + kTurn * static_cast<float>((e > kHalfTurn) - (e < -kHalfTurn));
 }
 
 // The angle of the opposite direction, as atan2(-y, -x) gives it.
@@ -94,7 +96,7 @@ struct Range {
 
     // The angle moved by a turn if it lies outside, on the side where it does.
     float wrapped(int joint, float theta) const {
-        return min[joint] > theta ? theta + kTurn : theta > max[joint] ? theta - kTurn : theta;
+        return theta + kTurn * static_cast<float>((min[joint] > theta) - (theta > max[joint]));
     }
 };
 

@@ -98,12 +98,37 @@ class SixJointArm {
     KDL::Frame world_T_base, flange_T_tool;
 };
 
+inline void set_limits(int joint, float min, float max) {
+    JointConfig config;
+    libalgo_get_joint_config(static_cast<int16_t>(joint), &config);
+    config.pos_min = min;
+    config.pos_max = max;
+    libalgo_set_joint_config(static_cast<int16_t>(joint), &config);
+}
+
+// One arm and one solver, and an output that shows what was written.
+class EdgeCase : public testing::Test {
+ protected:
+    EdgeCase(int model, Solver solver) : arm_(model, 0), solver_(solver) {}
+
+    Matrix target(const Joints& q) const { return to_matrix(arm_.world_T_tool(q)); }
+    int solve(const Joints& seed, const Matrix& at) { return solver_(seed.data(), solved_.data(), at); }
+    int solve(const Joints& seed, const Joints& q) { return solve(seed, target(q)); }
+    int written() const { return 6 - static_cast<int>(std::count(solved_.begin(), solved_.begin() + 6, kUntouched)); }
+
+    static constexpr float kUntouched = -77;
+    SixJointArm arm_;
+    const Solver solver_;
+    std::mt19937 generator_{1};
+    Joints solved_{kUntouched, kUntouched, kUntouched, kUntouched, kUntouched, kUntouched};
+};
+
 inline constexpr double kMetres = 2e-5, kRadians = 2e-4;
 
-// Distances of two frames that count as none.
-inline testing::AssertionResult reproduces(const KDL::Frame& actual, const KDL::Frame& target) {
+// Distances of two frames that count as none, or so many times that.
+inline testing::AssertionResult reproduces(const KDL::Frame& actual, const KDL::Frame& target, double times = 1) {
     const double metres = (actual.p - target.p).Norm(), turn = angle_between(actual.M, target.M);
-    if (metres < kMetres && turn < kRadians) return testing::AssertionSuccess();
+    if (metres < kMetres * times && turn < kRadians * times) return testing::AssertionSuccess();
     return testing::AssertionFailure() << metres << " m and " << turn << " rad off";
 }
 

@@ -1,0 +1,42 @@
+// Inverse kinematics of the 63: the shoulder stands a2 off the axis of joint 1, the forearm a4 off the elbow. Numbers
+// in brackets are the equations of docs/kinematics.md.
+#include <cmath>
+
+#include "kinematics/spherical_wrist.h"
+#include "zk/inverse_kinematics.h"
+
+namespace zk {
+namespace {
+
+struct Zkl63_2 {
+    static constexpr float kLastTwist = -1;
+    static constexpr bool kJoint5NearPi = true;
+    static constexpr bool kSumFromSeed = false;
+
+    const float a2 = robot.dh.a[1], a3 = robot.dh.a[2], a4 = robot.dh.a[3], d4 = robot.dh.d[3];
+
+    // No slack for a straight arm: k is a length here, and beyond 1 m far out of reach.
+    Elbows elbows(float r, float z) const {
+        const float out = r - a2;                                                // (L7)
+        float k = (out * out + z * z - a3 * a3 - a4 * a4 - d4 * d4) / (2 * a3);  // (S5)
+        if (k > 1 && k < 1.0002f) k = 1;
+        const float root = std::sqrt(d4 * d4 + a4 * a4 - k * k), h0 = std::atan2(a4, -d4);
+        return {h0 - std::atan2(k, root), h0 - std::atan2(k, -root)};  // (S6)
+    }
+
+    float t23(float r, float z, float t3) const {
+        const auto [s3, c3] = sine_cosine(t3);
+        return std::atan2(r - a2, z) - std::atan2(a3 * c3 + a4, a3 * s3 + d4);  // (S7)
+    }
+
+    static Axes forearm(SineCosine t1, SineCosine t23) {
+        return {{t1.c * t23.c, t1.s * t23.c, -t23.s}, {-t1.s, t1.c, 0}, {t1.c * t23.s, t1.s * t23.s, t23.c}};
+    }
+};
+
+}  // namespace
+}  // namespace zk
+
+ZK_API int inverse_kinematics_zkl63_2(const float* seed, float* joint, Matrix world_T_tool) {
+    return zk::SphericalWrist<zk::Zkl63_2>(seed, world_T_tool).solve(joint);
+}
