@@ -1,0 +1,100 @@
+// The simulator as a program: its options, its first line, its end, and that it stands on its own.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <set>
+
+#include "simulator/talk.h"
+
+namespace zk::test {
+namespace {
+
+TEST(Program, FirstLineTellsModelAndPorts) {
+    Talk talk({"--quiet", "--model", "ORB63-ZF"});
+    const std::regex form(R"(zk_simulator model=ORB63-ZF port=\d+ push_port=\d+)");
+    EXPECT_TRUE(std::regex_match(talk.simulator.first_line(), form)) << talk.simulator.first_line();
+}
+
+TEST(Program, EndsWithZeroOnASignal) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        Talk talk({"--quiet"});
+        ASSERT_TRUE(talk.movej({0, 0, 0, 0, 0, 0}, 1));
+        kill(talk.simulator.id(), signal);
+        EXPECT_EQ(talk.simulator.wait_for_exit(), 0);
+    }
+}
+
+TEST(Program, HelpNamesEveryModelAndTheCycle) {
+    const Finished run = run_simulator("--help");
+    EXPECT_EQ(run.status, 0);
+    for (const char* text : {"ZK65-B", "ZK75-6F", "72-B", "ORB63-ZF", "--push-port", "units of 5 ms"})
+        EXPECT_NE(run.output.find(text), std::string::npos) << text;
+}
+
+TEST(Program, WrongOptionsEndWithTwoAndAMessage) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"--modl ZK65-B --wrong", "--modl"},
+        {"--model ZK66-B", "ZK66-B"},
+        {"--model 62-ZF", "62-ZF"},
+        {"--model", "--model"},
+        {"--port eighty", "eighty"},
+        {"--port 65536", "--port"},
+        {"--port -1", "--port"},
+        {"--port 80x", "80x"},
+        {"--listen localhost", "localhost"},
+        {"--push-cycle 0", "--push-cycle"},
+        {"--tool 1,2,3", "--tool"},
+        {"--tool 1,2,3,4,5,nan", "--tool"},
+        {"--tool 1e9,0,0,0,0,0", "--tool"},
+        {"--install 1,2,", "--install"},
+        {"--joints 0,0,0,0,0", "--joints"},
+        {"--joints 179,0,0,0,0,0", "joint 1"},
+        {"--silent-on make_coffee", "make_coffee"},
+        {"--refuse-on get_joint_degree", "get_joint_degree"},
+        {"now", "now"},
+    };
+    for (const auto& [arguments, mentioned] : cases) {
+        const Finished run = run_simulator(arguments);
+        EXPECT_EQ(run.status, 2) << arguments;
+        EXPECT_NE(run.output.find(mentioned), std::string::npos) << arguments << "\n" << run.output;
+    }
+}
+
+TEST(Program, APortInUseIsAnError) {
+    Talk talk({"--quiet"});
+    const Finished run = run_simulator("--port " + std::to_string(talk.simulator.port()));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.output, "");
+}
+
+// Its agreement with the library means something only as long as they share nothing.
+TEST(Program, IncludesNothingOfTheLibrary) {
+    const std::filesystem::path folder = std::filesystem::path(ZK_SOURCE_DIR) / "simulator";
+    const std::regex include(R"re(\s*#\s*include\s*([<"])([^>"]+)[>"].*)re");
+    std::set<std::string> sources;
+    for (const auto& file : std::filesystem::recursive_directory_iterator(folder)) {
+        const std::string extension = file.path().extension();
+        if (extension != ".cpp" && extension != ".h") continue;
+        sources.insert(extension);
+        std::ifstream text(file.path());
+        for (std::string line; std::getline(text, line);) {
+            std::smatch parts;
+            if (!std::regex_match(line, parts, include)) continue;
+            const std::string name = parts[2];
+            if (parts[1] == "\"") {
+                EXPECT_TRUE(std::filesystem::exists(folder / name)) << file.path() << ": " << line;
+                EXPECT_EQ(name.find(".."), std::string::npos) << file.path() << ": " << line;
+            } else {
+                EXPECT_NE(name.rfind("zk", 0), 0u) << file.path() << ": " << line;
+                EXPECT_EQ(name.find("cJSON"), std::string::npos) << file.path() << ": " << line;
+            }
+        }
+    }
+    EXPECT_EQ(sources, (std::set<std::string>{".cpp", ".h"}));
+}
+
+}  // namespace
+}  // namespace zk::test

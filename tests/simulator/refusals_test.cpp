@@ -1,0 +1,142 @@
+// What the simulated arm refuses, and that whoever waits for a move learns of it.
+#include <gtest/gtest.h>
+
+#include "simulator/talk.h"
+
+namespace zk::test {
+namespace {
+
+const Json kGoodMove{{"joint", {1000, 2000, 3000, 4000, 5000, 6000}}, {"v", 100}, {"r", 0}, {"trajectory_connect", 0}};
+
+Json changed(const std::string& key, const Json& value) {
+    Json move = kGoodMove;
+    move[key] = value;
+    return move;
+}
+
+Json without(const std::string& key) {
+    Json move = kGoodMove;
+    move.erase(key);
+    return move;
+}
+
+void expect_refused(Talk& talk, const Json& move, const std::string& why) {
+    EXPECT_EQ(talk.ask("movej", move), Json({{"command", "movej"}, {"receive_state", false}})) << why;
+    EXPECT_FALSE(talk.read_arrival()) << why;
+}
+
+TEST(Refusals, MovesThatCannotBe) {
+    Talk talk({"--quiet"});
+    const std::vector<double> rest = talk.joints();
+    expect_refused(talk, changed("joint", {178001, 0, 0, 0, 0, 0}), "beyond the upper limit");
+    expect_refused(talk, changed("joint", {0, -130001, 0, 0, 0, 0}), "beyond the lower limit");
+    expect_refused(talk, changed("joint", {0, 0, 0, 0, 0}), "five joints");
+    expect_refused(talk, changed("joint", {0, 0, 0, 0, 0, 0, 0}), "seven joints");
+    expect_refused(talk, changed("joint", "home"), "joints that are no array");
+    for (const int percent : {-1, 0, 101, 255}) expect_refused(talk, changed("v", percent), "v out of range");
+    for (const char* key : {"joint", "v", "trajectory_connect"}) expect_refused(talk, without(key), key);
+    EXPECT_EQ(talk.joints(), rest);
+    EXPECT_EQ(talk.ask("get_arm_plan_num").at("plan_num"), 0);
+    EXPECT_TRUE(talk.movej({178, 130, 135, 178, 128, 360}, 100));  // the limits themselves
+}
+
+TEST(Refusals, MovesOfAnArmThatMayNotMove) {
+    Talk talk({"--quiet"});
+    struct Obstacle {
+        const char* set;
+        Json set_keys;
+        const char* clear;
+        Json clear_keys;
+    };
+    const Obstacle obstacles[] = {
+        {"set_arm_power", {{"arm_power", 64}}, "set_arm_power", {{"arm_power", 1}}},
+        {"set_joint_en_state", {{"joint_en_state", {3, 0}}}, "set_joint_en_state", {{"joint_en_state", {3, 1}}}},
+        {"zk_sim_fault", {{"sys_err", 4}}, "clear_system_err", Json::object()},
+        {"zk_sim_fault", {{"joint_err", {0, 9, 0, 0, 0, 0}}}, "set_joint_clear_err", {{"joint_clear_err", 2}}},
+        {"set_joint_max_pos", {{"joint_max_pos", {6, 5000}}}, "auto_set_joint_limit", {{"limit_mode", 1}}},
+    };
+    for (const Obstacle& obstacle : obstacles) {
+        talk.ask(obstacle.set, obstacle.set_keys);
+        expect_refused(talk, kGoodMove, obstacle.set);
+        talk.ask(obstacle.clear, obstacle.clear_keys);
+        EXPECT_EQ(talk.ask("movej", kGoodMove).at("receive_state"), true) << obstacle.clear;
+        EXPECT_TRUE(talk.read_arrival()) << obstacle.clear;
+    }
+}
+
+TEST(Refusals, LimitsBeyondTheModel) {
+    Talk talk({"--quiet"});
+    const auto set = [&](const std::string& what, int joint, int value) {
+        const Json reply = talk.ask("set_joint_" + what, {{"joint_" + what, {joint, value}}});
+        return reply.at("joint_" + what).get<bool>();
+    };
+    EXPECT_FALSE(set("max_pos", 1, 178001));
+    EXPECT_FALSE(set("min_pos", 1, -178001));
+    EXPECT_FALSE(set("max_speed", 1, 30001));
+    EXPECT_FALSE(set("max_speed", 1, 0));
+    EXPECT_FALSE(set("max_acc", 1, 166667));
+    EXPECT_TRUE(set("max_pos", 2, 90000));
+    EXPECT_FALSE(set("min_pos", 2, 90000));  // nothing left between them
+    EXPECT_TRUE(set("min_pos", 2, -45500));
+    EXPECT_TRUE(set("max_speed", 2, 12345));
+    EXPECT_TRUE(set("max_acc", 2, 100));
+    EXPECT_EQ(talk.ask("get_joint_max_pos").at("max_pos"), Json({178000, 90000, 135000, 178000, 128000, 360000}));
+    EXPECT_EQ(talk.ask("get_joint_min_pos").at("min_pos"), Json({-178000, -45500, -135000, -178000, -128000, -360000}));
+    EXPECT_EQ(talk.ask("get_joint_max_speed").at("joint_speed"), Json({30000, 12345, 37500, 37500, 37500, 37500}));
+    EXPECT_EQ(talk.ask("get_joint_max_acc").at("joint_acc")[1], 100);
+    EXPECT_EQ(talk.ask("get_joint_drive_max_speed").at("joint_speed")[1], 30000);
+}
+
+TEST(Refusals, FramesByTheirNames) {
+    Talk talk({"--quiet"});
+    const auto store = [&](const std::string& command, const std::string& key, const std::string& name) {
+        return talk.ask(command, {{"frame_name", name}, {"frame_pose", {1, 2, 3, 4, 5, 6}}}).at(key).get<bool>();
+    };
+    const auto named = [&](const std::string& what, const std::string& name) {
+        return talk.ask("set_" + what, {{"frame_name", name}}).at(what).get<bool>();
+    };
+    EXPECT_TRUE(store("set_manual_work_frame", "manual_work_frame", "ten_bytes_"));
+    EXPECT_FALSE(store("set_manual_work_frame", "manual_work_frame", "ten_bytes_"));   // there already
+    EXPECT_FALSE(store("set_manual_work_frame", "manual_work_frame", "elevenbytes"));  // longer than clients keep
+    EXPECT_FALSE(store("set_manual_work_frame", "manual_work_frame", ""));
+    EXPECT_FALSE(store("set_manual_work_frame", "manual_work_frame", "NULL"));
+    EXPECT_FALSE(store("update_work_frame", "update_state", "nobody"));
+    EXPECT_FALSE(store("update_work_frame", "update_state", "Base"));
+    EXPECT_TRUE(store("update_work_frame", "update_state", "ten_bytes_"));
+    EXPECT_FALSE(named("change_work_frame", "nobody"));
+    EXPECT_TRUE(named("change_work_frame", "ten_bytes_"));
+    EXPECT_EQ(talk.ask("get_current_work_frame").at("frame_name"), "ten_bytes_");
+    EXPECT_EQ(talk.ask("get_total_work_frame").at("frame_names"), Json({"Base", "ten_bytes_"}));
+    EXPECT_EQ(talk.ask("get_work_frame", {{"frame_name", "nobody"}}).at("get_state"), false);
+    EXPECT_FALSE(named("delete_work_frame", "Base"));
+    EXPECT_TRUE(named("delete_work_frame", "ten_bytes_"));
+    EXPECT_EQ(talk.ask("get_current_work_frame").at("frame_name"), "Base");
+    for (int i = 1; i < 11; ++i)
+        EXPECT_TRUE(store("set_manual_work_frame", "manual_work_frame", "w" + std::to_string(i)));
+    EXPECT_FALSE(store("set_manual_work_frame", "manual_work_frame", "w11"));  // clients have room for eleven names
+}
+
+TEST(Refusals, OnDemand) {
+    Talk talk({"--quiet", "--refuse-on", "movej", "--silent-on", "get_joint_degree"});
+    expect_refused(talk, kGoodMove, "--refuse-on");
+    talk.send("get_joint_degree");
+    EXPECT_EQ(talk.ask("get_arm_plan_num").at("plan_num"), 0);  // the first thing that comes
+    EXPECT_EQ(talk.ask("zk_sim_fault", {{"silent_on", Json::array()}, {"refuse_on", {"set_arm_stop"}}}).at("done"),
+              true);
+    EXPECT_EQ(talk.joints().size(), 6u);
+    EXPECT_EQ(talk.ask("set_arm_stop").at("arm_stop"), false);
+    EXPECT_EQ(talk.ask("movej", kGoodMove).at("receive_state"), true);
+}
+
+TEST(Refusals, DelayedRepliesKeepTheirOrder) {
+    Talk talk({"--quiet", "--delay-ms", "30"});
+    talk.send("get_arm_plan_num");
+    talk.send("zk_sim_fault", {{"delay_ms", 0}});
+    talk.send("get_arm_power_state");
+    EXPECT_TRUE(talk.read().contains("plan_num"));
+    EXPECT_TRUE(talk.read().contains("done"));
+    EXPECT_TRUE(talk.read().contains("power_state"));
+}
+
+}  // namespace
+}  // namespace zk::test

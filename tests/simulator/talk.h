@@ -1,0 +1,133 @@
+// A simulator with one client that speaks JSON to it, and the states that it pushes.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <stdio.h>
+#include <sys/wait.h>
+
+#include <cmath>
+#include <functional>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "support/line_client.h"
+#include "support/simulator_process.h"
+#include "support/udp.h"
+
+namespace zk::test {
+
+using Json = nlohmann::json;
+
+// One datagram of the real-time push.
+struct Sample {
+    int64_t time;                // simulated milliseconds
+    std::vector<double> joints;  // degrees
+    std::string status;
+};
+
+class Talk {
+ public:
+    explicit Talk(const std::vector<std::string>& arguments = {});
+
+    // Sends {"command": name, ...keys} formatted over several lines, as clients do.
+    void send(const std::string& name, const Json& keys = Json::object());
+    Json read();
+    Json ask(const std::string& name, const Json& keys = Json::object());
+
+    // Orders a joint move to a target in degrees; true when it was accepted.
+    bool movej(const std::vector<double>& target, int percent, int connect = 0);
+
+    // Reads an arrival report, and tells whether the arm arrived.
+    bool read_arrival();
+
+    // The joints in degrees, by query.
+    std::vector<double> joints();
+
+    Sample sample();
+
+    // Collects samples up to and with the first that `last` accepts.
+    std::vector<Sample> samples_until(const std::function<bool(const Sample&)>& last);
+    std::vector<Sample> samples_until(const std::string& status);
+
+    SimulatorProcess simulator;
+    LineClient client;
+    UdpReceiver push;
+};
+
+// A request as a client formats it.
+inline std::string request_text(const std::string& name, const Json& keys = Json::object()) {
+    Json request = keys;
+    request["command"] = name;
+    return request.dump(1, '\t');
+}
+
+inline Talk::Talk(const std::vector<std::string>& arguments)
+    : simulator(arguments), client(simulator.port()), push(simulator.push_port()) {}
+
+inline void Talk::send(const std::string& name, const Json& keys) { client.send_line(request_text(name, keys)); }
+
+inline Json Talk::read() { return Json::parse(client.read_line()); }
+
+inline Json Talk::ask(const std::string& name, const Json& keys) {
+    send(name, keys);
+    return read();
+}
+
+inline bool Talk::movej(const std::vector<double>& target, int percent, int connect) {
+    std::vector<int> wire;
+    for (const double joint : target) wire.push_back(static_cast<int>(std::lround(joint * 1000)));
+    return ask("movej", {{"joint", wire}, {"v", percent}, {"r", 0}, {"trajectory_connect", connect}})
+        .at("receive_state");
+}
+
+inline bool Talk::read_arrival() {
+    const Json report = read();
+    EXPECT_EQ(report.value("state", ""), "current_trajectory_state");
+    return report.at("trajectory_state");
+}
+
+inline std::vector<double> Talk::joints() {
+    std::vector<double> joints = ask("get_joint_degree").at("joint");
+    for (double& joint : joints) joint /= 1000;
+    return joints;
+}
+
+inline Sample Talk::sample() {
+    const Json state = Json::parse(push.receive());
+    Sample sample{state.at("time"), state.at("joint_status").at("joint_position"), state.at("arm_current_status")};
+    for (double& joint : sample.joints) joint /= 1000;
+    return sample;
+}
+
+inline std::vector<Sample> Talk::samples_until(const std::function<bool(const Sample&)>& last) {
+    std::vector<Sample> samples;
+    do {
+        samples.push_back(sample());
+    } while (!last(samples.back()));
+    return samples;
+}
+
+inline std::vector<Sample> Talk::samples_until(const std::string& status) {
+    return samples_until([&](const Sample& sample) { return sample.status == status; });
+}
+
+// What a program that ran to its end has left.
+struct Finished {
+    std::string output;  // standard output and standard error
+    int status;
+};
+
+inline Finished run_simulator(const std::string& arguments) {
+    FILE* pipe = popen((std::string(ZK_SIMULATOR) + " " + arguments + " 2>&1").c_str(), "r");
+    if (!pipe) throw std::runtime_error("popen");
+    Finished run;
+    char bytes[4096];
+    for (size_t size; (size = fread(bytes, 1, sizeof bytes, pipe)) > 0;) run.output.append(bytes, size);
+    const int status = pclose(pipe);
+    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return run;
+}
+
+}  // namespace zk::test
