@@ -46,10 +46,13 @@
 
 /* The local model and its mathematics, without a wire */
 #include "zk/algorithm.h"
+#include "zk/dense_matrix.h"
+#include "zk/inverse_kinematics.h"
 #include "zk/kinematics.h"
 #include "zk/model.h"
 #include "zk/numeric.h"
 #include "zk/pose.h"
+#include "zk/seven_axis.h"
 
 /* The library's own machinery */
 #include "zk/dispatch.h"
