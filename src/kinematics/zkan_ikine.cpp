@@ -54,6 +54,10 @@ ZK_API int inverse_kinematics(const float* seed, const Pose* pose, float* joint,
             return inverse_kinematics_zk6(local, joint, world_T_tool);
         case 1:
             return inverse_kinematics_zk_75(local, joint, flange_target(world_T_tool));
+        case 3:
+            return inverse_kinematics_zkl63_2(local, joint, world_T_tool);
+        case 4:
+            return inverse_kinematics_zkl63_3(local, joint, world_T_tool);
         case 5:
         case 6:
         case 8:

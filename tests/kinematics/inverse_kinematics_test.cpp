@@ -1,0 +1,168 @@
+// The entry of the inverse kinematics: targets, seeds, the choice of a solver; and what stands beside it.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <kdl/chainfksolverpos_recursive.hpp>
+#include <string>
+
+#include "kinematics/kdl_arm.h"
+#include "support/kdl_frames.h"
+#include "zk/inverse_kinematics.h"
+#include "zk/kinematics.h"
+
+namespace zk::test {
+namespace {
+
+class EveryModel : public testing::TestWithParam<int> {
+ protected:
+    void SetUp() override { ASSERT_EQ(libalgo_set_robot_and_sensor_type(GetParam(), 0), 0); }
+
+    const Arm& arm_ = arm_of(GetParam(), 0);
+    const KDL::Chain chain_ = kdl_chain(arm_);
+    std::mt19937 generator_{7};
+
+    KDL::Frame base_T_flange(const Joints& q) const {
+        KDL::JntArray joints(chain_.getNrOfJoints());
+        for (unsigned i = 0; i < joints.rows(); ++i) joints(i) = q[i];
+        KDL::Frame f;
+        EXPECT_GE(KDL::ChainFkSolverPos_recursive(chain_).JntToCart(joints, f), 0);
+        return f;
+    }
+    // Well away from limits and from every arm's singular postures.
+    Joints posture() {
+        std::uniform_real_distribution<float> away(-0.15f, 0.15f);
+        Joints q = {0.3f, 0.6f, 0.8f, -0.9f, 0.7f, 0.6f, 0.4f};
+        for (float& angle : q) angle += away(generator_);
+        return q;
+    }
+};
+
+TEST_P(EveryModel, BringsTheToolToAPoseOfTheWorkFrame) {
+    std::uniform_real_distribution<float> metres(-0.3f, 0.3f), angle(-1.5f, 1.5f), near(-0.005f, 0.005f);
+    for (int round = 0; round < 100; ++round) {
+        float tool[6], work[6], mounting[3];
+        for (int i = 0; i < 6; ++i) {
+            tool[i] = i < 3 ? metres(generator_) : angle(generator_);
+            work[i] = i < 3 ? metres(generator_) : angle(generator_);
+        }
+        for (float& m : mounting) m = angle(generator_);
+        libalgo_set_tool_cs_params(tool);
+        libalgo_set_work_cs_params(work);
+        libalgo_set_robot_install_angle(mounting);
+        const auto frame = [](const float* p) {
+            return KDL::Frame(KDL::Rotation::RPY(p[3], p[4], p[5]), KDL::Vector(p[0], p[1], p[2]));
+        };
+        const KDL::Frame work_T_base =
+            frame(work).Inverse() * KDL::Frame(KDL::Rotation::RPY(mounting[0], mounting[1], mounting[2]));
+
+        const Joints q = posture();
+        const KDL::Frame target = work_T_base * base_T_flange(q) * frame(tool);
+        Joints seed = q;
+        for (int i = 0; i < arm_.joints; ++i) seed[i] += near(generator_);
+        const Joints given = seed;
+        // Only what the flag names is looked at.
+        for (const int flag : {0, 1, 2}) {
+            Pose pose = to_pose(target);
+            flag == 1 ? void(pose.quaternion = {}) : void(pose.euler = {9, 9, 9});
+            Joints solved{};
+            ASSERT_EQ(inverse_kinematics(seed.data(), &pose, solved.data(), flag), 0) << "round " << round;
+            EXPECT_EQ(seed, given);
+            expect_near(work_T_base * base_T_flange(solved) * frame(tool), target, 1e-4);
+            for (int i = 0; i < arm_.joints; ++i) EXPECT_NEAR(solved[i], q[i], 0.02);
+            if (HasFailure()) FAIL() << "round " << round << " flag " << flag;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, EveryModel, testing::Values(0, 1, 3, 4, 5, 6, 7, 8),
+                         [](const auto& model) { return "Model" + std::to_string(model.param); });
+
+TEST(InverseKinematics, HasNoSolverForModelsThatAreNoArm) {
+    const float seed[8] = {};
+    const Pose pose{};
+    float joint[8] = {5};
+    for (const int model : {2, 9, 10, 255, -1}) {
+        libalgo_set_robot_and_sensor_type(model, 0);
+        EXPECT_EQ(inverse_kinematics(seed, &pose, joint, 1), -4) << model;
+        EXPECT_EQ(joint[0], 5);
+    }
+}
+
+TEST(InverseKinematics, TakesALastJointJustPastItsFullTurnForTheFullTurn) {
+    ASSERT_EQ(libalgo_init(), 0);
+    // Almost half a turn away from the seed: the two degrees decide which way round is the shorter one.
+    for (const float sign : {1.0f, -1.0f}) {
+        const float q[8] = {0.4f, -0.6f, 1.1f, 0.3f, 0.8f, sign * 3.15f};
+        const Pose pose = forward_kinematics(q);
+        for (const auto& [last, status] :
+             {std::pair(6.2831850f, 0), {6.2831860f, 0}, {6.30f, 0}, {6.318f, 0}, {6.32f, -2}}) {
+            const float seed[8] = {0.4f, -0.6f, 1.1f, 0.3f, 0.8f, sign * last};
+            float joint[8];
+            EXPECT_EQ(inverse_kinematics(seed, &pose, joint, 0), status) << seed[5];
+            EXPECT_NEAR(joint[5], status == 0 ? q[5] : q[5] + sign * 6.2831853f, 1e-4);
+        }
+    }
+}
+
+TEST(InverseKinematics, TargetOfAPoseIsToldInTheWorld) {
+    ASSERT_EQ(libalgo_init(), 0);
+    const float work[6] = {0.1f, -0.2f, 0.3f, 0.4f, -1.1f, 2.6f};
+    libalgo_set_work_cs_params(work);
+    const KDL::Frame world_T_work(KDL::Rotation::RPY(0.4, -1.1, 2.6), KDL::Vector(0.1, -0.2, 0.3));
+    Pose pose{{0.5f, 0.6f, 0.7f}, {0.5f, -0.5f, 0.5f, 0.5f}, {0.2f, 0.3f, -0.4f}};
+    Matrix world_T_tool;
+    for (const int flag : {0, 1, 2, 257}) {
+        calc_Tbase2tool_from_Pose(&world_T_tool, &pose, flag);
+        const KDL::Rotation turn = flag == 1 ? to_kdl(pose.euler) : to_kdl(pose.quaternion);
+        expect_near(to_kdl(world_T_tool), world_T_work * KDL::Frame(turn, to_kdl(pose.position)), 1e-6);
+        EXPECT_EQ(world_T_tool.m[3][3], 1);
+    }
+}
+
+TEST(OverspeedJudgment, NamesTheFirstJointThatOnePeriodDoesNotAllow) {
+    ASSERT_EQ(libalgo_init(), 0);
+    libalgo_set_control_loop_period(0.01f);
+    // 180 degrees per second allow joints 1 and 2, and 225 allow the others, so much:
+    const float slow = 0.0314f, fast = 0.0392f;
+    const struct {
+        float to[7];
+        float scale;
+        int expected;
+    } cases[] = {
+        {{slow, -slow, fast, -fast, fast, fast, 9}, 1, 0},
+        {{0, slow + 0.0003f, 9, 0, 0, 0, 0}, 1, 2},
+        {{0, 0, 0, 0, 0, -fast - 0.0003f, 0}, 1, 6},
+        {{0, 0, slow / 2 + 0.001f, fast / 2 + 0.001f, 0, 0, 0}, 0.5f, 4},
+        {{0, 0, 0, 0, 0, 0, 9}, 0, 0},
+        {{0, 0, 1e-6f, 0, 0, 0, 0}, 0, 3},
+        {{0, 0, 1e-6f, 0, 0, 0, 0}, -2, 3},
+        {{NAN, NAN, 0, 0, 9, 0, 0}, 1, 5},
+    };
+    const float from[7] = {};
+    for (const auto& c : cases) {
+        EXPECT_EQ(joint_overspeed_judgment(from, c.to, c.scale), c.expected) << c.to[2] << ' ' << c.scale;
+    }
+    libalgo_set_robot_and_sensor_type(2, 0);
+    EXPECT_EQ(joint_overspeed_judgment(from, cases[1].to, 1), 0);
+}
+
+TEST(SolutionRange, AndStrategyKeepInStep) {
+    EXPECT_EQ(theta_v, 0.013f);
+    EXPECT_EQ(global_is_movl, 1);
+    for (const auto& [range, strategy] : {std::pair(1.0f, 1), {1.0001f, 0}, {3.14f, 0}, {0.5f, 1}, {NAN, 1}}) {
+        EXPECT_EQ(ikine_set_solution_range_zk75(range), strategy);
+        EXPECT_EQ(ikine_get_7dof_solver_search_strategy(), strategy);
+        EXPECT_TRUE(std::isnan(range) || ikine_get_solution_range_zk75() == range);
+    }
+    for (const auto& [strategy, range] : {std::pair(1, 0.013f), {0, 3.14f}, {1, 0.013f}, {7, 3.14f}}) {
+        ikine_set_7dof_solver_search_strategy(strategy);
+        EXPECT_EQ(ikine_get_7dof_solver_search_strategy(), strategy);
+        EXPECT_EQ(ikine_get_solution_range_zk75(), range);
+        libalgo_init();
+        EXPECT_EQ(theta_v, range);
+    }
+    ikine_set_7dof_solver_search_strategy(1);
+}
+
+}  // namespace
+}  // namespace zk::test
