@@ -1,4 +1,5 @@
-/* A program of somebody else's: it asks for versions, computes with the local model, and uses the cJSON that comes along. */
+/* A program of somebody else's: it asks for versions, computes with the local model, and uses the cJSON that comes
+ * along. */
 #include <cJSON.h>
 #include <math.h>
 #include <stdio.h>
