@@ -4,9 +4,9 @@
 
 namespace zk::test {
 
-// How many milliseconds of the library's pass in one of the machine's, from now on; 1 at the start. Raise it for a limit
-// to run out. With 0 the library's clock stands still while its sleeps pass as they are: for what has to happen within
-// a limit, on a machine that may be under any load.
+// How many milliseconds of the library's pass in one of the machine's, from now on; 1 at the start. Raise it for a
+// limit to run out. With 0 the library's clock stands still while its sleeps pass as they are: for what has to happen
+// within a limit, on a machine that may be under any load.
 void set_time_factor(int factor);
 
 }  // namespace zk::test
