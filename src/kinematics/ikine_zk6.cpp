@@ -19,15 +19,15 @@ struct Zk6 {
         float sine = (r * r + z * z - d4 * d4 - a3 * a3) / (2 * d4 * a3);
         if (sine > 1 && sine < 1.0002f) sine = 1;
         const float cosine = std::sqrt(1 - sine * sine);
-        const float up = std::atan2(sine, cosine);
-        return {up, mirrored(up)};  // atan2(sine, -cosine)
+        const float up = arc_tangent(sine, cosine);
+        return {{up, {sine, cosine}}, {mirrored(up), {sine, -cosine}}};
     }
 
     // With a = a3 sin t3 + d4 and c = a3 cos t3 the wrist point is r = c cos t23 + a sin t23, z = c sin t23 - a cos
-    // t23.
-    float t23(float r, float z, float t3) const {
-        const auto [s3, c3] = sine_cosine(t3);
-        return std::atan2(z, r) + std::atan2(a3 * s3 + d4, a3 * c3);
+    // t23: t23 is the angle of (r, z) plus that of (c, a).
+    Point toward_t23(float r, float z, SineCosine t3) const {
+        const float a = a3 * t3.s + d4, c = a3 * t3.c;
+        return {z * c + r * a, r * c - z * a};
     }
 
     static Axes forearm(SineCosine t1, SineCosine t23) {

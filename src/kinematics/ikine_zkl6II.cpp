@@ -20,13 +20,18 @@ struct Zkl63_2 {
         const float out = r - a2;                                                // (L7)
         float k = (out * out + z * z - a3 * a3 - a4 * a4 - d4 * d4) / (2 * a3);  // (S5)
         if (k > 1 && k < 1.0002f) k = 1;
-        const float root = std::sqrt(d4 * d4 + a4 * a4 - k * k), h0 = std::atan2(a4, -d4);
-        return {h0 - std::atan2(k, root), h0 - std::atan2(k, -root)};  // (S6)
+        const float root = std::sqrt(d4 * d4 + a4 * a4 - k * k);
+        return {elbow(k, root), elbow(k, -root)};
     }
 
-    float t23(float r, float z, float t3) const {
-        const auto [s3, c3] = sine_cosine(t3);
-        return std::atan2(r - a2, z) - std::atan2(a3 * c3 + a4, a3 * s3 + d4);  // (S7)
+    Elbow elbow(float k, float v) const {
+        const float y = d4 * k + a4 * v, x = a4 * k - d4 * v;  // (S6)
+        return {arc_tangent(y, x), direction(y, x)};
+    }
+
+    Point toward_t23(float r, float z, SineCosine t3) const {
+        const float out = r - a2, p = a3 * t3.c + a4, q = a3 * t3.s + d4;
+        return {out * q - z * p, z * q + out * p};  // (S7)
     }
 
     static Axes forearm(SineCosine t1, SineCosine t23) {

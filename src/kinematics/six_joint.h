@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+#include "numeric/arc_tangent.h"
+#include "numeric/sine_cosine.h"
 #include "zk/model.h"
 #include "zk/numeric.h"
 
@@ -23,6 +25,12 @@ inline float opposite(float theta) { return std::signbit(theta) ? theta + kHalfT
 
 // The angle with the sine kept and the cosine reversed, as atan2(y, -x) gives it.
 inline float mirrored(float theta) { return std::copysign(kHalfTurn, theta) - theta; }
+
+// Sine and cosine of the angle of a point.
+inline SineCosine direction(float y, float x) {
+    const float length = std::sqrt(x * x + y * y);
+    return length == 0 ? SineCosine{0, 1} : SineCosine{y / length, x / length};
+}
 
 // What a solver returns.
 inline constexpr int kSolved = 0, kUnreachable = -1, kBeyondLimits = -2;

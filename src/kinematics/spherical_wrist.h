@@ -4,7 +4,7 @@
 // The geometry of an arm:
 //     Elbows elbows(float r, float z)            both t3 with the wrist point at (r, z) in the plane of joints 2 and 3;
 //                                                NaN out of reach
-//     float t23(float r, float z, float t3)      t2 + t3
+//     Point toward_t23(float r, float z, SineCosine t3)     a point at the angle t2 + t3
 //     static Axes forearm(SineCosine t1, SineCosine t23)    the frame that joint 4 turns in, at t4 = 0
 //     kLastTwist      sign of the twist before joint 6
 //     kJoint5NearPi   its model angle lies about half a turn, where the arc tangent jumps
@@ -14,12 +14,20 @@
 #include <cmath>
 
 #include "kinematics/six_joint.h"
-#include "numeric/sine_cosine.h"
 
 namespace zk {
 
+struct Point {
+    float y, x;
+};
+
+// A joint 3, and its sine and cosine.
+struct Elbow {
+    float t3;
+    SineCosine sc3;
+};
 struct Elbows {
-    float first, second;
+    Elbow first, second;
 };
 
 // Three unit vectors in the shoulder frame.
@@ -66,38 +74,41 @@ class SphericalWrist {
         bool found() const { return score < 1000; }
     };
 
-    // t1 = pi/2 - atan2(x, y), or half a turn from it. With the wrist point on its axis joint 1 stays where it is.
+    // With the wrist point on its axis joint 1 stays where it is.
     Shoulders shoulders() const {
         constexpr float kOnAxis = 5e-5f;
         if (std::fabs(wrist_.x) < kOnAxis && std::fabs(wrist_.y) < kOnAxis) {
-            const Shoulder only = shoulder(seed_.theta[0]);
+            const Shoulder only = shoulder(seed_.theta[0], sine_cosine(seed_.theta[0]));
             return {only, only};
         }
-        const float from_y = std::atan2(wrist_.x, wrist_.y);
-        return {shoulder(range_.wrapped(0, kQuarterTurn - from_y)),
-                shoulder(range_.wrapped(0, -kQuarterTurn - from_y))};
+        const float from_y = arc_tangent(wrist_.x, wrist_.y);  // (S4)
+        const auto [s1, c1] = direction(wrist_.y, wrist_.x);
+        return {shoulder(range_.wrapped(0, kQuarterTurn - from_y), {s1, c1}),
+                shoulder(range_.wrapped(0, -kQuarterTurn - from_y), {-s1, -c1})};
     }
 
-    Shoulder shoulder(float t1) const {
-        const SineCosine sc1 = sine_cosine(t1);
+    Shoulder shoulder(float t1, SineCosine sc1) const {
         const float r = wrist_.x * sc1.c + wrist_.y * sc1.s;
-        const Elbows elbow = arm_.elbows(r, wrist_.z);
-        return {t1, sc1, r, {range_.wrapped(2, elbow.first), range_.wrapped(2, elbow.second)}};
+        auto [first, second] = arm_.elbows(r, wrist_.z);
+        first.t3 = range_.wrapped(2, first.t3);
+        second.t3 = range_.wrapped(2, second.t3);
+        return {t1, sc1, r, {first, second}};
     }
 
     // The two candidates of a shoulder and an elbow; an elbow out of reach is NaN, which no limit test passes.
-    void try_arm(const Shoulder& shoulder, float t3) {
-        if (!range_.holds(0, shoulder.t1) || !range_.holds(2, t3)) return;
-        if (squared(0, shoulder.t1) + squared(2, t3) >= best_.score) return;  // the rest could only make it worse
-        const float t23 = arm_.t23(shoulder.r, wrist_.z, t3);
-        const float t2 = range_.wrapped(1, t23 - t3);
+    void try_arm(const Shoulder& shoulder, const Elbow& elbow) {
+        const float t1 = shoulder.t1, t3 = elbow.t3;
+        if (!range_.holds(0, t1) || !range_.holds(2, t3)) return;
+        if (squared(0, t1) + squared(2, t3) >= best_.score) return;  // the rest could only make it worse
+        const Point toward = arm_.toward_t23(shoulder.r, wrist_.z, elbow.sc3);
+        const float t2 = range_.wrapped(1, arc_tangent(toward.y, toward.x) - t3);
         if (!range_.holds(1, t2)) return;
-        if (squared(0, shoulder.t1) + squared(1, t2) + squared(2, t3) >= best_.score) return;
+        if (squared(0, t1) + squared(1, t2) + squared(2, t3) >= best_.score) return;
 
-        const Hand hand = first_hand(Arm::forearm(shoulder.sc1, sine_cosine(t23)));
+        const Hand hand = first_hand(Arm::forearm(shoulder.sc1, direction(toward.y, toward.x)));
         const Hand turned = {opposite(hand.t4), -hand.t5, opposite(hand.t6)};
-        offer(shoulder.t1, t2, t3, hand);
-        offer(shoulder.t1, t2, t3, turned);
+        offer(t1, t2, t3, hand);
+        offer(t1, t2, t3, turned);
     }
 
     // With F the forearm's axes and k the last twist's sign, F' m = Rz(t4) Ry(t5) Rx(0 or 180) Rz(t6) has the third
@@ -106,11 +117,11 @@ class SphericalWrist {
     Hand first_hand(const Axes& f) const {
         constexpr float k = Arm::kLastTwist;
         const float x = k * dot(f.x, 2), y = k * dot(f.y, 2);
-        const float t4 = std::atan2(y, x);
-        const float t5 = std::atan2(std::sqrt(x * x + y * y), k * dot(f.z, 2));
+        const float t4 = arc_tangent(y, x);
+        const float t5 = arc_tangent(std::sqrt(x * x + y * y), k * dot(f.z, 2));
         const auto [s4, c4] = sine_cosine(t4);
         const float sine = c4 * dot(f.y, 0) - s4 * dot(f.x, 0), cosine = c4 * dot(f.y, 1) - s4 * dot(f.x, 1);
-        return {t4, t5, std::atan2(k * sine, k * cosine)};
+        return {t4, t5, arc_tangent(k * sine, k * cosine)};
     }
 
     float dot(const float (&axis)[3], int column) const {
@@ -141,7 +152,7 @@ class SphericalWrist {
         const SineCosine t1 = sine_cosine(best_.theta[0]);
         const auto& m = wrist_.m;
         const float s4 = seed_.theta[3], s6 = seed_.theta[5];
-        float p = std::atan2(t1.s * m[0][0] - t1.c * m[1][0], t1.s * m[0][1] - t1.c * m[1][1]);
+        float p = arc_tangent(t1.s * m[0][0] - t1.c * m[1][0], t1.s * m[0][1] - t1.c * m[1][1]);
         const float e = Arm::kSumFromSeed ? p - (s4 + s6) : p;
         const auto within_half_turn = [](float angle) { return -kHalfTurn < angle && angle < kHalfTurn; };
         if (within_half_turn(e + kTurn)) {

@@ -2,7 +2,9 @@
 // score of them and whose points a processor cannot guess.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace zk {
 
@@ -10,9 +12,8 @@ namespace zk {
 // NaN. Method: odd polynomial through Chebyshev nodes on the octant, 2.5e-9 from the arc tangent, in double precision.
 inline float arc_tangent(float y, float x) {
     const double height = std::fabs(y), width = std::fabs(x);
-    const bool steep = height > width;
-    const double longer = steep ? height : width, shorter = steep ? width : height;
-    const double t = shorter / (longer == 0 ? 1 : longer);
+    const double longer = std::max(height, width), shorter = std::min(width, height);  // in this order NaN gets through
+    const double t = shorter / std::max(longer, std::numeric_limits<double>::min());
     const double u = t * t, u2 = u * u, u4 = u2 * u2;
     const double low =
         (0.99999999754602042 - 0.33333282295513 * u) + (0.19998230640412754 - 0.14261573680656933 * u) * u2;
@@ -20,8 +21,10 @@ inline float arc_tangent(float y, float x) {
         (0.10940198966983225 - 0.083720639531456975 * u) + (0.057463557931223479 - 0.030717508982484105 * u) * u2;
     const double high = 0.010680719485844748 - 0.0017437011522270041 * u;
     const double octant = t * (low + (middle + high * u4) * u4);
-    const double quadrant = steep ? M_PI / 2 - octant : octant;
-    const double half_plane = std::signbit(x) ? M_PI - quadrant : quadrant;
+    constexpr double sign[] = {1, -1}, right_angle[] = {0, M_PI / 2}, straight_angle[] = {0, M_PI};
+    const bool steep = height > width, behind = std::signbit(x);
+    const double quadrant = right_angle[steep] + sign[steep] * octant;
+    const double half_plane = straight_angle[behind] + sign[behind] * quadrant;
     return static_cast<float>(std::copysign(half_plane, y));
 }
 
