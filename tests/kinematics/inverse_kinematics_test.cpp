@@ -104,6 +104,20 @@ TEST(InverseKinematics, TakesALastJointJustPastItsFullTurnForTheFullTurn) {
     }
 }
 
+TEST(InverseKinematics, TheSeventhJointIsTheLastOfTheSevenAxisArm) {
+    ASSERT_EQ(libalgo_set_robot_and_sensor_type(1, 0), 0);
+    const float q[8] = {0.4f, -0.6f, 1.1f, 0.3f, 0.8f, 0.5f, 6.25f};
+    const Pose pose = forward_kinematics(q);
+    const auto solved_from = [&](float last) {
+        Joints seed = {0.4f, -0.6f, 1.1f, 0.3f, 0.8f, 0.5f, last}, joint{};
+        EXPECT_EQ(inverse_kinematics(seed.data(), &pose, joint.data(), 0), 0);
+        return joint;
+    };
+    const Joints at_full_turn = solved_from(6.2831850f);
+    EXPECT_EQ(solved_from(6.30f), at_full_turn);
+    EXPECT_NE(solved_from(6.26f), at_full_turn);
+}
+
 TEST(InverseKinematics, TargetOfAPoseIsToldInTheWorld) {
     ASSERT_EQ(libalgo_init(), 0);
     const float work[6] = {0.1f, -0.2f, 0.3f, 0.4f, -1.1f, 2.6f};
