@@ -2,18 +2,13 @@
 // docs/kinematics.md.
 #include <math.h>
 
+#include <algorithm>
+
 #include "kinematics/six_joint.h"
-#include "numeric/arc_tangent.h"
-#include "numeric/sine_cosine.h"
 #include "zk/inverse_kinematics.h"
 
 namespace zk {
 namespace {
-
-struct Candidate {
-    float theta[6];
-    bool valid;
-};
 
 // What joint 1 decides: the wrist seen from the plane of joints 2 and 3.
 struct Plane {
@@ -27,40 +22,47 @@ class Zkl63_3 {
     Zkl63_3(const float* seed, const Matrix& world_T_tool)
         : seed_(seed), seed7_(seed[6]), wrist_(shoulder_T_wrist<float>(world_T_tool)) {}
 
+    // Two shoulders, two elbows, two wrists, the last changing fastest. NaN counts as out of reach everywhere.
     int solve(float* joint) {
-        if (!fill()) return kUnreachable;
-        const Candidate& best = nearest_candidate();
-        return best.valid ? write(best.theta, joint) : kUnreachable;
+        const float q = wrist_.x * wrist_.x + wrist_.y * wrist_.y - d2_ * d2_;  // (L5)
+        if (!(q >= 0)) return kUnreachable;
+        const float root = ::sqrtf(q);
+        try_shoulder(root);
+        try_shoulder(-root);
+        return best_.valid ? write(joint) : kUnreachable;
     }
 
  private:
-    // Two shoulders, two elbows, two wrists, the last changing fastest. What cannot be reached, NaN included, stays
-    // invalid.
-    bool fill() {
-        const float q = wrist_.x * wrist_.x + wrist_.y * wrist_.y - d2_ * d2_;  // (L5)
-        if (!(q >= 0)) return false;
-        const float toward = arc_tangent(-wrist_.x, wrist_.y), aside = arc_tangent(::sqrtf(q), d2_);
-        fill_shoulder(table_, toward - aside);  // (L6)
-        fill_shoulder(table_ + 4, toward + aside);
-        return true;
-    }
+    struct Arm {
+        float t1, t2, t3;
+    };
+    struct Ends {
+        float t4, t6;
+    };
+    struct Best {
+        float theta[6];
+        float score = 1000;
+        bool valid = false;
+    };
 
-    void fill_shoulder(Candidate* entry, float t1) const {
-        const Plane plane = plane_of(t1);
+    void try_shoulder(float v) {
+        const Plane plane = plane_of(-wrist_.x * d2_ - wrist_.y * v, wrist_.y * d2_ - wrist_.x * v);  // (L6)
+        if (best_.valid && squared(0, plane.t1) >= best_.score) return;  // the rest could only make it worse
         const float squares = plane.r * plane.r + plane.height * plane.height;
         const float k = (a3_ * a3_ + squares - (a4_ * a4_ + d4_ * d4_)) / (2 * a3_);  // (L9)
         const float q2 = squares - k * k;
         if (!(q2 >= 0)) return;
-        const float toward = arc_tangent(-plane.height, plane.r), aside = arc_tangent(::sqrtf(q2), k);
-        fill_elbow(entry, plane, toward - aside);  // (L10)
-        fill_elbow(entry + 2, plane, toward + aside);
+        const float root = ::sqrtf(q2);
+        try_elbow(plane, k, root);
+        try_elbow(plane, k, -root);
     }
 
-    Plane plane_of(float t1) const {
-        const auto [s1, c1] = sine_cosine(t1);
+    // Of the point (x, y) at the angle t1.
+    Plane plane_of(float y, float x) const {
+        const auto [s1, c1] = direction(y, x);
         const auto& m = wrist_.m;
         Plane plane;
-        plane.t1 = t1;
+        plane.t1 = nearest(0, arc_tangent(y, x));
         for (int j = 0; j < 3; ++j) {  // (L2)
             plane.x[j] = c1 * m[0][j] + s1 * m[1][j];
             plane.y[j] = c1 * m[1][j] - s1 * m[0][j];
@@ -71,29 +73,38 @@ class Zkl63_3 {
         return plane;
     }
 
-    void fill_elbow(Candidate* entry, const Plane& plane, float t2) const {
-        const auto [s2, c2] = sine_cosine(t2);
-        const float gx = plane.r - a3_ * c2, gy = -plane.height - a3_ * s2;       // (L11)
-        const float t23 = arc_tangent(a4_ * gy + d4_ * gx, a4_ * gx - d4_ * gy);  // (L12)
-        const auto [s, c] = sine_cosine(t23);
+    void try_elbow(const Plane& plane, float k, float v) {
+        const float y2 = -plane.height * k - plane.r * v, x2 = plane.r * k - plane.height * v;
+        const float t2 = arc_tangent(y2, x2);  // (L10)
+        const auto [s2, c2] = direction(y2, x2);
+        const float gx = plane.r - a3_ * c2, gy = -plane.height - a3_ * s2;  // (L11)
+        const float y23 = a4_ * gy + d4_ * gx, x23 = a4_ * gx - d4_ * gy;
+        const float t3 = arc_tangent(y23, x23) - t2;  // (L12)
+        const Arm arm = {plane.t1, nearest(1, t2), nearest(2, t3)};
+        if (best_.valid && score_of(arm) >= best_.score) return;
+        try_wrists(arm, plane, direction(y23, x23));
+    }
+
+    void try_wrists(const Arm& arm, const Plane& plane, SineCosine t23) {
         float n[3][3];  // (L3)
         for (int j = 0; j < 3; ++j) {
-            n[0][j] = c * plane.x[j] - s * plane.z[j];
+            n[0][j] = t23.c * plane.x[j] - t23.s * plane.z[j];
             n[1][j] = plane.y[j];
-            n[2][j] = s * plane.x[j] + c * plane.z[j];
+            n[2][j] = t23.s * plane.x[j] + t23.c * plane.z[j];
         }
         const float c5 = ::fabsf(::fabsf(n[2][2]) - 1) <= 1e-6f ? ::copysignf(1, n[2][2]) : n[2][2];
         if (!(::fabsf(c5) <= 1)) return;
-        const float t5 = ::acosf(c5);  // (L13)
-        const auto [t4, t6] = ::fabsf(c5) < 1 ? regular_wrist(n) : singular_wrist(n, c5);
-        const bool flips = ::fabsf(c5) < 1;
-        entry[0] = {{plane.t1, t2, t23 - t2, t4, t5, t6}, true};
-        entry[1] = {{plane.t1, t2, t23 - t2, flips ? opposite(t4) : t4, -t5, flips ? opposite(t6) : t6}, true};
+        const float t5 = arc_tangent(::sqrtf((1 - c5) * (1 + c5)), c5);  // (L13)
+        if (::fabsf(c5) < 1) {
+            const auto [t4, t6] = regular_wrist(n);
+            offer(arm, t4, t5, t6);
+            offer(arm, opposite(t4), -t5, opposite(t6));
+        } else {
+            const auto [t4, t6] = singular_wrist(n, c5);
+            offer(arm, t4, t5, t6);
+            offer(arm, t4, -t5, t6);
+        }
     }
-
-    struct Ends {
-        float t4, t6;
-    };
 
     // Of the wrist with sin t5 above 0; in the other one both pairs change sign.  (L14)
     static Ends regular_wrist(const float (&n)[3][3]) {
@@ -112,33 +123,33 @@ class Zkl63_3 {
         return {s4 - h, h + e};
     }
 
-    // Moves the joints of every candidate by turns: into their limits, then beside the seed, limits or not. Returns the
-    // candidate nearest to the seed, the first of equals; the first of all when none can be compared.
-    const Candidate& nearest_candidate() {
-        float best_score = 1000;
-        const Candidate* best = table_;
-        for (Candidate& candidate : table_) {
-            if (!candidate.valid) continue;
-            float score = 0;
-            for (int j = 0; j < 6; ++j) {
-                float& theta = candidate.theta[j];
-                theta = beside(seed_.theta[j], range_.wrapped(j, theta));
-                const float e = theta - seed_.theta[j];
-                score += j < 3 ? 2.4f * e * e : e * e;
-            }
-            if (score < best_score) {
-                best_score = score;
-                best = &candidate;
-            }
-        }
-        return *best;
+    // The angle moved by turns: into its limits, then beside the seed, limits or not.
+    float nearest(int j, float theta) const { return beside(seed_.theta[j], range_.wrapped(j, theta)); }
+
+    float squared(int j, float theta) const {
+        const float e = theta - seed_.theta[j];
+        return j < 3 ? 2.4f * e * e : e * e;
+    }
+
+    float score_of(const Arm& arm) const { return squared(0, arm.t1) + squared(1, arm.t2) + squared(2, arm.t3); }
+
+    // The nearest to the seed is kept, the first of equals. With a seed too far away, or NaN, it is the first of all.
+    void offer(const Arm& arm, float t4, float t5, float t6) {
+        const float theta[6] = {arm.t1, arm.t2, arm.t3, nearest(3, t4), nearest(4, t5), nearest(5, t6)};
+        const float score = score_of(arm) + squared(3, theta[3]) + squared(4, theta[4]) + squared(5, theta[5]);
+        const bool nearer = score < best_.score;
+        if (!nearer && best_.valid) return;
+        std::copy_n(theta, 6, best_.theta);
+        best_.valid = true;
+        if (nearer) best_.score = score;
     }
 
     // Writes joint angles up to and including the first that is beyond its limit.
-    int write(const float* theta, float* joint) const {
+    int write(float* joint) const {
         for (int j = 0; j < 6; ++j) {
             const float offset = robot.dh.offset[j];
-            joint[j] = range_.wrapped(j, j == 5 ? theta[j] + seed_.turns : theta[j]) - offset;
+            const float theta = j == 5 ? best_.theta[j] + seed_.turns : best_.theta[j];
+            joint[j] = range_.wrapped(j, theta) - offset;
             if (!(joint[j] <= range_.max[j] - offset && joint[j] >= range_.min[j] - offset)) return kBeyondLimits;
         }
         return kSolved;
@@ -150,7 +161,7 @@ class Zkl63_3 {
     const Range range_ = Range::widened();
     const float d2_ = robot.dh.d[1], d4_ = robot.dh.d[3];
     const float a2_ = robot.dh.a[1], a3_ = robot.dh.a[2], a4_ = robot.dh.a[3];
-    Candidate table_[8] = {};
+    Best best_;
 };
 
 }  // namespace
