@@ -15,7 +15,7 @@ bool Item::is_number() const { return cJSON_IsNumber(item_); }
 bool Item::is_text() const { return cJSON_IsString(item_); }
 bool Item::is_array() const { return cJSON_IsArray(item_); }
 bool Item::is_object() const { return cJSON_IsObject(item_); }
-int32_t Item::integer() const { return is_number() ? item_->valueint : 0; }
+int32_t Item::integer() const { return item_ ? item_->valueint : 0; }
 double Item::number() const { return is_number() ? item_->valuedouble : 0; }
 const char* Item::text() const { return is_text() ? item_->valuestring : ""; }
 int Item::size() const { return item_ ? cJSON_GetArraySize(item_) : 0; }

@@ -27,7 +27,7 @@ class Item {
     bool is_array() const;
     bool is_object() const;
 
-    int32_t integer() const;   // the integer that the parser holds for a number; 0 for anything else
+    int32_t integer() const;   // the integer that the parser holds: 1 for true, 0 for any other than a number
     double number() const;     // 0 for anything else
     const char* text() const;  // "" for anything else
     int size() const;          // elements

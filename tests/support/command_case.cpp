@@ -2,15 +2,225 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <fstream>
+#include <regex>
+#include <sstream>
+
+#include "zk/dispatch.h"
+#include "zk/system.h"
+
 namespace zk::test {
+namespace {
+
+constexpr int kOldResult = 42;
+
+bool is_plain(const std::string& name) { return !std::regex_search(name, std::regex("Block|Blcok")); }
+
+int request_count(ScriptedController& controller) {
+    const std::string bytes = controller.received();
+    int count = 0;
+    for (size_t at = 0; (at = bytes.find("\r\n", at)) != std::string::npos; ++at) ++count;
+    return count;
+}
+
+// Everything that was sent is what this request sends.
+void expect_silence(ScriptedController& controller, ArmSocket arm) {
+    Set_Ethernet_Block(arm);
+    EXPECT_EQ(command_name(controller.next_request()), "set_ethernet");
+}
+
+void expect_counter(const CommandCase& row) {
+    for (int i = 0; i < 2; ++i) {
+        std::string message = row.reply;
+        handle_Recv_Json(0, message.data());
+    }
+    EXPECT_EQ(row.mailbox.count(), row.adds ? 2 : 1) << "after two replies";
+    FirstRecord(row.mailbox).wipe();
+}
+
+void expect_exchange(const CommandCase& row, ScriptedController& controller, ArmSocket arm) {
+    std::string told;
+    EXPECT_EQ(row.call(arm, told), row.status);
+    EXPECT_EQ(told, row.told);
+    EXPECT_EQ(controller.next_request(), formatted(row.wire));
+    if (!row.then.wire.empty()) {
+        EXPECT_EQ(controller.next_request(), formatted(row.then.wire));
+    }
+    if (row.mailbox.words) {
+        EXPECT_EQ(row.mailbox.count(), 0) << "the reply is taken";
+    }
+}
+
+void expect_refusal(const CommandCase& row, ScriptedController& controller, ArmSocket arm) {
+    const int before = request_count(controller);
+    controller.answer(command_name(row.wire), std::regex_replace(row.reply, std::regex(":true"), ":false"));
+    std::string told;
+    EXPECT_EQ(row.call(arm, told), 1) << "refused";
+    EXPECT_EQ(request_count(controller), before + 1) << "nothing follows a refusal";
+    controller.forget_requests();
+    controller.answer(command_name(row.wire), row.reply);
+}
+
+// A reply that came when nobody waited any more.
+void expect_old_reply(const CommandCase& row, ScriptedController& controller, ArmSocket arm) {
+    FirstRecord(row.mailbox).put(1, kOldResult);
+    std::string told;
+    EXPECT_EQ(row.call(arm, told), row.takes_old && !row.status_lost ? kOldResult : row.status) << "an old reply";
+    EXPECT_EQ(controller.next_request(), formatted(row.wire));
+    if (row.takes_old) eventually([&] { return row.mailbox.count() == 1; });
+}
+
+}  // namespace
+
+void FirstRecord::put(int count, int result) {
+    set_shared(words[1], int32_t{result});
+    set_shared(words[0], int32_t{count});
+}
+
+void FirstRecord::wipe() {
+    for (size_t i = 0; i < size; ++i) set_shared(words[i], 0);
+}
+
+CommandCase CommandCase::followed_by(const Exchange& exchange) const {
+    CommandCase row = *this;
+    row.then = exchange;
+    return row;
+}
+CommandCase CommandCase::adding() const {
+    CommandCase row = *this;
+    row.adds = true;
+    return row;
+}
+CommandCase CommandCase::taking_old_replies() const {
+    CommandCase row = *this;
+    row.takes_old = true;
+    return row;
+}
+CommandCase CommandCase::clearing_old_replies() const {
+    CommandCase row = *this;
+    row.takes_old = false;
+    return row;
+}
+CommandCase CommandCase::on(int mode) const {
+    CommandCase row = *this;
+    row.arm_mode = mode;
+    return row;
+}
+
+CommandCase queued(const std::string& name, Call call, const std::string& wire, int arm_mode) {
+    return {name, call, wire, "", 0, arm_mode};
+}
+
+CommandCase acknowledged(const std::string& name, Call call, FirstRecord mailbox, const std::string& wire,
+                         const std::string& reply) {
+    CommandCase row{name, call, wire, reply};
+    row.mailbox = mailbox;
+    row.refusable = true;
+    return row;
+}
+
+CommandCase answered(const std::string& name, Call call, FirstRecord mailbox, const std::string& wire,
+                     const std::string& reply, const std::string& told) {
+    CommandCase row{name, call, wire, reply};
+    row.mailbox = mailbox;
+    row.told = told;
+    row.adds = row.takes_old = true;
+    return row;
+}
+
+CommandCase unheard(const std::string& name, Call call, const std::string& wire, const std::string& reply) {
+    CommandCase row{name, call, wire, reply, 7};
+    row.limit = 50;
+    return row;
+}
+
+std::string formatted(const std::string& request) {
+    if (request.find('\n') != std::string::npos) return request;
+    std::string text;
+    int depth = 0;
+    bool in_text = false, in_array = false;
+    const auto new_line = [&] { return '\n' + std::string(depth, '\t'); };
+    for (size_t i = 0; i < request.size(); ++i) {
+        const char c = request[i];
+        const bool structure = !in_text && !in_array;
+        if (c == '"') in_text = !in_text;
+        if (!in_text && (c == '[' || c == ']')) in_array = c == '[';
+        if (structure && c == '{') {
+            ++depth;
+            text += c + new_line();
+        } else if (structure && c == '}') {
+            --depth;
+            text += new_line() + c;
+        } else if (structure && (c == ',' || c == ':')) {
+            text += c + (c == ',' ? new_line() : "\t");
+            ++i;  // the space behind it
+        } else {
+            text += c;
+        }
+    }
+    return text;
+}
+
+std::string command_name(const std::string& wire) {
+    const std::string text = formatted(wire), key = "\"command\":\t\"";
+    const size_t start = text.find(key) + key.size();
+    return text.substr(start, text.find('"', start) - start);
+}
 
 void run(const CommandCase& row) {
     ScriptedController controller;
     ZK_API_Init(row.arm_mode, nullptr);
+    set_shared(m_nOutTime, int32_t{row.limit});
     const ArmSocket arm = connect_arm(controller, row.arm_mode);
+    if (row.mailbox.words) expect_counter(row);
     if (!row.reply.empty()) controller.answer(command_name(row.wire), row.reply);
-    EXPECT_EQ(row.call(arm), row.status);
-    EXPECT_EQ(controller.next_request(), row.wire);
+    if (!row.then.wire.empty()) controller.answer(command_name(row.then.wire), row.then.reply);
+    expect_exchange(row, controller, arm);
+    if (row.refusable) expect_refusal(row, controller, arm);
+    if (row.mailbox.words) expect_old_reply(row, controller, arm);
+}
+
+void expect_nothing_during_a_file_transfer(const std::vector<CommandCase>& rows) {
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    const ArmSocket arm = connect_arm(controller);
+    set_shared(IsSendFile, 1);
+    for (const CommandCase& row : rows) {
+        if (!is_plain(row.name)) continue;
+        std::string told;
+        EXPECT_EQ(row.call(arm, told), 18) << row.name;
+        EXPECT_EQ(told, "") << row.name;
+    }
+    set_shared(IsSendFile, 0);
+    expect_silence(controller, arm);
+}
+
+void expect_nothing_sent(const std::vector<BadCall>& calls, int status) {
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    const ArmSocket arm = connect_arm(controller);
+    std::string told;
+    for (const BadCall& bad : calls) EXPECT_EQ(bad.call(arm, told), status) << bad.name;
+    expect_silence(controller, arm);
+}
+
+std::string commands_without_row(const std::string& header, const std::vector<CommandCase>& rows) {
+    std::ifstream file(std::string(ZK_SOURCE_DIR) + "/include/zk/" + header);
+    std::stringstream text;
+    text << file.rdbuf();
+    const std::string declarations = text.str();
+    const std::regex command(R"(ZK_API int (?!Par?ser_)(\w+)\()");
+    std::string missing;
+    int count = 0;
+    for (std::sregex_iterator found(declarations.begin(), declarations.end(), command), end; found != end; ++found) {
+        const std::string name = (*found)[1];
+        const auto is_named = [&](const CommandCase& row) { return row.name == name; };
+        if (std::none_of(rows.begin(), rows.end(), is_named)) missing += name + " ";
+        ++count;
+    }
+    EXPECT_GT(count, 0) << header;
+    return missing;
 }
 
 }  // namespace zk::test

@@ -4,30 +4,122 @@
 #include <functional>
 #include <ostream>
 #include <string>
+#include <type_traits>
+#include <vector>
 
 #include "support/arm.h"
+#include "support/outputs.h"
+#include "zk/mailboxes.h"
 
 namespace zk::test {
 
+// A call of a command, which may tell what it wrote through its pointers.
+class Call {
+ public:
+    template <class Function>
+    Call(Function function)
+        : call_([function](ArmSocket arm, std::string& told) {
+              if constexpr (std::is_invocable_v<Function, ArmSocket>) {
+                  return static_cast<void>(told), function(arm);
+              } else {
+                  return function(arm, told);
+              }
+          }) {}
+
+    int operator()(ArmSocket arm, std::string& told) const { return call_(arm, told); }
+
+ private:
+    std::function<int(ArmSocket, std::string&)> call_;
+};
+
+// The mailbox record of the first connection, if the command has one: count, result, payload.
+struct FirstRecord {
+    FirstRecord() = default;
+    template <class Record>
+    FirstRecord(Record (&table)[ZK_SLOTS]) : words(&table[0].count), size(sizeof(Record) / sizeof(int32_t)) {}
+
+    int count() const { return shared(words[0]); }
+    void put(int count, int result);
+    void wipe();
+
+    int32_t* words = nullptr;
+    size_t size = 0;
+};
+
+// A request without its CRLF and the reply to it, "" for none. The request stands as it is on the wire or, for short,
+// on one line: {"command": "a", "b": [1, 2]}.
+struct Exchange {
+    std::string wire;
+    std::string reply;
+};
+
 struct CommandCase {
     std::string name;
-    std::function<int(ArmSocket)> call;
-    std::string wire;   // the request without its CRLF
-    std::string reply;  // "" for none
+    Call call;
+    std::string wire;
+    std::string reply;
     int status = 0;
     int arm_mode = 65;
+    std::string told = {};  // what the call writes through its pointers
+    FirstRecord mailbox = {};
+    Exchange then = {};        // what goes over the wire next, once the first reply was good
+    bool refusable = false;    // the same reply with false for true gives 1, and ends the call
+    bool adds = false;         // a second reply makes the mailbox's count 2
+    bool takes_old = false;    // a reply that is there before the request is taken for its own
+    bool status_lost = false;  // the status of the mailbox is not the call's
+    int limit = 60000;         // of waiting for a reply, ms
+
+    CommandCase followed_by(const Exchange& exchange) const;
+    CommandCase adding() const;
+    CommandCase taking_old_replies() const;
+    CommandCase clearing_old_replies() const;
+    CommandCase on(int mode) const;
 };
+
+// Rows of the usual kinds. A non-blocking form queues its request and gives 0.
+CommandCase queued(const std::string& name, Call call, const std::string& wire, int arm_mode = 65);
+// A blocking form of a setter gives what its acknowledgement says.
+CommandCase acknowledged(const std::string& name, Call call, FirstRecord mailbox, const std::string& wire,
+                         const std::string& reply);
+// A query tells what the reply holds.
+CommandCase answered(const std::string& name, Call call, FirstRecord mailbox, const std::string& wire,
+                     const std::string& reply, const std::string& told);
+// A command whose reply reaches nobody.
+CommandCase unheard(const std::string& name, Call call, const std::string& wire, const std::string& reply);
+
+// A query whose parameters are the socket and its outputs.
+template <class... Outs>
+Call asking(int (*query)(ArmSocket, Outs*...)) {
+    return [query](ArmSocket arm, std::string& told) { return with_outputs<Outs...>(told, query, arm); };
+}
+
+// Name and call of a row: CALL(Set_Joint_Err_Clear, (s, 3, true)), ASK(Get_Joint_Speed). A text before it makes a name
+// for a second row of the same command.
+#define CALL(command, arguments) #command, [](ArmSocket s) { return command arguments; }
+#define ASK(command) #command, asking(command)
 
 inline std::ostream& operator<<(std::ostream& out, const CommandCase& row) { return out << row.name; }
 
+// A request of one line as it stands on the wire.
+std::string formatted(const std::string& request);
+
 // The name of a request's command.
-inline std::string command_name(const std::string& wire) {
-    const std::string key = "\"command\":\t\"";
-    const size_t start = wire.find(key) + key.size();
-    return wire.substr(start, wire.find('"', start) - start);
-}
+std::string command_name(const std::string& wire);
 
 // Runs a row against a controller of its own.
 void run(const CommandCase& row);
+
+// The plain names among the rows give 18 during a file transfer, and send nothing.
+void expect_nothing_during_a_file_transfer(const std::vector<CommandCase>& rows);
+
+// Calls that must give 19, or another status, and send nothing.
+struct BadCall {
+    std::string name;
+    Call call;
+};
+void expect_nothing_sent(const std::vector<BadCall>& calls, int status = 19);
+
+// The commands that a header of include/zk declares and no row is named after. Parsers are no commands.
+std::string commands_without_row(const std::string& header, const std::vector<CommandCase>& rows);
 
 }  // namespace zk::test

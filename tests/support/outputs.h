@@ -1,0 +1,117 @@
+// What a call wrote through its pointers, as text. What it did not write is left out, or is "-" between what it wrote.
+#pragma once
+
+#include <charconv>
+#include <cstring>
+#include <string>
+#include <tuple>
+#include <type_traits>
+
+#include "zk/arm_state.h"
+#include "zk/frames.h"
+#include "zk/system.h"
+
+namespace zk::test {
+
+constexpr unsigned char kUnwritten = 0xA5;
+
+template <class T>
+bool is_unwritten(const T& value) {
+    unsigned char untouched[sizeof(T)];
+    std::memset(untouched, kUnwritten, sizeof untouched);
+    return std::memcmp(&value, untouched, sizeof(T)) == 0;
+}
+
+template <class T>
+std::enable_if_t<std::is_arithmetic_v<T>, std::string> text_of(T value) {
+    if (is_unwritten(value)) return "-";
+    char digits[40];
+    if constexpr (std::is_floating_point_v<T>) {
+        return {digits, std::to_chars(digits, digits + sizeof digits, value).ptr};
+    } else {
+        return {digits, std::to_chars(digits, digits + sizeof digits, static_cast<long long>(value)).ptr};
+    }
+}
+
+// The elements up to the last that was written.
+template <class T, size_t size>
+std::string text_of(const T (&values)[size]) {
+    size_t written = size;
+    while (written > 0 && is_unwritten(values[written - 1])) --written;
+    std::string text;
+    for (size_t i = 0; i < written; ++i) text += (i ? " " : "") + text_of(values[i]);
+    return text;
+}
+
+template <size_t size>
+std::string text_of(const char (&text)[size]) {
+    return is_unwritten(text) ? "-" : std::string(text, strnlen(text, size));
+}
+
+inline std::string text_of(const FrameName& name) { return text_of(name.text); }
+
+// Position, Euler angles; no reply tells a quaternion.
+inline std::string text_of(const Pose& pose) {
+    const auto& [x, y, z] = pose.position;
+    const auto& [rx, ry, rz] = pose.euler;
+    return text_of({x, y, z}) + ", " + text_of({rx, ry, rz}) + (is_unwritten(pose.quaternion) ? "" : ", quaternion!");
+}
+
+// Ten bytes of name, of which the last need not be ended.
+inline std::string text_of(const FrameRec& frame) {
+    return std::string(frame.frame_name, strnlen(frame.frame_name, 10)) + ", " + text_of(frame.pose) + ", " +
+           text_of({frame.payload, frame.x, frame.y, frame.z});
+}
+
+inline std::string text_of(const ArmAllState& all) {
+    return text_of(all.temperature) + ", " + text_of(all.voltage) + ", " + text_of(all.current) + ", " +
+           text_of(all.en_state) + ", " + text_of(all.err_flag) + ", " + text_of(all.sys_err);
+}
+
+inline std::string text_of(const ArmSoftwareInfo& info) {
+    return text_of(info.product_version) + ", " + text_of(info.algorithm_version) + ", " +
+           text_of(info.ctrl_build_time) + ", " + text_of(info.ctrl_version) + ", " +
+           text_of(info.dynamic_model_version) + ", " + text_of(info.plan_build_time) + ", " +
+           text_of(info.plan_version);
+}
+
+inline std::string text_of(const WifiNet& net) {
+    return text_of(net.channel) + ", " + text_of(net.ip) + ", " + text_of(net.mac) + ", " + text_of(net.mask) + ", " +
+           text_of(net.mode) + ", " + text_of(net.password) + ", " + text_of(net.ssid);
+}
+
+// Room for what a pointer of a command may be given: a value, an array of them, a text.
+template <class T>
+class Output {
+ public:
+    Output() { std::memset(values_, kUnwritten, sizeof values_); }
+    T* address() { return values_; }
+    std::string text() const { return text_of(values_); }
+
+ private:
+    T values_[std::is_same_v<T, char> ? 64 : 12];
+};
+
+// All outputs; nothing when none was written.
+template <class... Outs>
+std::string text_of(const std::tuple<Output<Outs>...>& outputs) {
+    std::string text;
+    bool written = false;
+    const auto append = [&](const std::string& output) {
+        written |= !output.empty() && output != "-";
+        text += (text.empty() ? "" : "; ") + (output.empty() ? "-" : output);
+    };
+    std::apply([&](const auto&... output) { (append(output.text()), ...); }, outputs);
+    return written ? text : "";
+}
+
+// Calls with an output for each of the function's last parameters, and tells what it wrote.
+template <class... Outs, class Function, class... Ins>
+int with_outputs(std::string& told, Function function, Ins... ins) {
+    std::tuple<Output<Outs>...> outputs;
+    const int status = std::apply([&](auto&... output) { return function(ins..., output.address()...); }, outputs);
+    told = text_of(outputs);
+    return status;
+}
+
+}  // namespace zk::test

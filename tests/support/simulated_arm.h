@@ -1,0 +1,20 @@
+// A connection of the library to a simulator of its own, made by the start-up as an application makes it.
+#pragma once
+
+#include "support/simulator_process.h"
+#include "zk/connection.h"
+
+namespace zk::test {
+
+class SimulatedArm {
+ public:
+    // Six joints, model ZK65-B, where the arguments do not say another.
+    explicit SimulatedArm(const std::vector<std::string>& arguments = {});
+    operator ArmSocket() const { return arm_; }
+
+ private:
+    SimulatorProcess simulator_;
+    ArmSocket arm_;
+};
+
+}  // namespace zk::test
