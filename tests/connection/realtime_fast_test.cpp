@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <mutex>
 
 #include "support/arm.h"
 #include "support/datagram.h"
@@ -26,6 +27,7 @@ class Realtime : public testing::Test {
         ZK_API_Init(65, nullptr);
         set_shared(listener.socket, -1);
         answer_start_up(controller_);
+        const std::lock_guard lock(mutex_);
         latest_ = {};
         calls_ = 0;
     }
@@ -43,13 +45,19 @@ class Realtime : public testing::Test {
     }
 
     static void callback(RobotStatus status) {
+        const std::lock_guard lock(mutex_);
         latest_ = status;
         ++calls_;
+    }
+    static RobotStatus latest() {
+        const std::lock_guard lock(mutex_);
+        return latest_;
     }
 
     ScriptedController controller_;
     ArmSocket arm_ = 0;
     int port_ = free_udp_port();
+    static inline std::mutex mutex_;
     static inline RobotStatus latest_;
     static inline std::atomic<int> calls_{0};
 };
@@ -57,9 +65,9 @@ class Realtime : public testing::Test {
 TEST_F(Realtime, EveryDatagramReachesCallbackAndPoll) {
     start();
     send(full_datagram());
-    EXPECT_EQ(latest_.errCode, 0);
-    EXPECT_EQ(latest_.joint_position[0], 1.5f);
-    EXPECT_STREQ(latest_.arm_ip, "127.0.0.1");
+    EXPECT_EQ(latest().errCode, 0);
+    EXPECT_EQ(latest().joint_position[0], 1.5f);
+    EXPECT_STREQ(latest().arm_ip, "127.0.0.1");
     RobotStatus polled{};
     EXPECT_EQ(Get_Realtime_Arm_Joint_State(&polled), 0);
     EXPECT_EQ(polled.joint_position[0], 1.5f);
@@ -74,17 +82,17 @@ TEST_F(Realtime, BrokenDatagramsAreHandedOnWithTheirStatus) {
     without_joints.erase("joint_status");
     without_joints["hand"]["hand_err"] = 99;
     send(without_joints);
-    EXPECT_EQ(latest_.errCode, 9);
-    EXPECT_EQ(latest_.hand_err, 99) << "stored before the failure";
-    EXPECT_EQ(latest_.joint_position[0], 1.5f) << "from the datagram before";
+    EXPECT_EQ(latest().errCode, 9);
+    EXPECT_EQ(latest().hand_err, 99) << "stored before the failure";
+    EXPECT_EQ(latest().joint_position[0], 1.5f) << "from the datagram before";
     send_text("nonsense");
-    EXPECT_EQ(latest_.errCode, 9);
+    EXPECT_EQ(latest().errCode, 9);
     send_text("");
-    EXPECT_EQ(latest_.errCode, 9);
+    EXPECT_EQ(latest().errCode, 9);
     json too_long = full_datagram();
     too_long["pad"] = std::string(1500, 'x');
     send(too_long);
-    EXPECT_EQ(latest_.errCode, 9) << "at most 1024 bytes are read";
+    EXPECT_EQ(latest().errCode, 9) << "at most 1024 bytes are read";
     RobotStatus polled{};
     EXPECT_EQ(Get_Realtime_Arm_Joint_State(&polled), 0);
     EXPECT_EQ(polled.errCode, 9);
@@ -198,7 +206,7 @@ TEST_F(Realtime, ACloseFromTheCallbackIsSafe) {
     EXPECT_EQ(Get_Socket_Idx(arm_), -1);
     start();
     send(full_datagram());
-    EXPECT_EQ(latest_.errCode, 0);
+    EXPECT_EQ(latest().errCode, 0);
 }
 
 }  // namespace
