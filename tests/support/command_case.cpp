@@ -107,6 +107,11 @@ CommandCase CommandCase::on(int mode) const {
     row.arm_mode = mode;
     return row;
 }
+CommandCase CommandCase::giving(int other_status) const {
+    CommandCase row = *this;
+    row.status = other_status;
+    return row;
+}
 
 CommandCase queued(const std::string& name, Call call, const std::string& wire, int arm_mode) {
     return {name, call, wire, "", 0, arm_mode};

@@ -74,6 +74,7 @@ struct CommandCase {
     CommandCase taking_old_replies() const;
     CommandCase clearing_old_replies() const;
     CommandCase on(int mode) const;
+    CommandCase giving(int other_status) const;
 };
 
 // Rows of the usual kinds. A non-blocking form queues its request and gives 0.

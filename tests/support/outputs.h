@@ -33,15 +33,8 @@ std::enable_if_t<std::is_arithmetic_v<T>, std::string> text_of(T value) {
     }
 }
 
-// The elements up to the last that was written.
 template <class T, size_t size>
-std::string text_of(const T (&values)[size]) {
-    size_t written = size;
-    while (written > 0 && is_unwritten(values[written - 1])) --written;
-    std::string text;
-    for (size_t i = 0; i < written; ++i) text += (i ? " " : "") + text_of(values[i]);
-    return text;
-}
+std::string text_of(const T (&values)[size]);
 
 template <size_t size>
 std::string text_of(const char (&text)[size]) {
@@ -78,6 +71,16 @@ inline std::string text_of(const ArmSoftwareInfo& info) {
 inline std::string text_of(const WifiNet& net) {
     return text_of(net.channel) + ", " + text_of(net.ip) + ", " + text_of(net.mac) + ", " + text_of(net.mask) + ", " +
            text_of(net.mode) + ", " + text_of(net.password) + ", " + text_of(net.ssid);
+}
+
+// The elements up to the last that was written.
+template <class T, size_t size>
+std::string text_of(const T (&values)[size]) {
+    size_t written = size;
+    while (written > 0 && is_unwritten(values[written - 1])) --written;
+    std::string text;
+    for (size_t i = 0; i < written; ++i) text += (i ? " " : "") + text_of(values[i]);
+    return text;
 }
 
 // Room for what a pointer of a command may be given: a value, an array of them, a text.
