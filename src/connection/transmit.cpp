@@ -32,7 +32,7 @@ ZK_API void Add_Queue(int32_t socket, const char* text, int32_t length) {
     if (bytes > longest_frame) die("a frame of %d bytes exceeds the %zu that the queue holds", length, longest_frame);
 
     TxFrame frame{};
-    std::memcpy(bytes_of(frame), text, bytes);
+    if (bytes > 0) std::memcpy(bytes_of(frame), text, bytes);
     frame.length = length;
     frame.socket = socket;
 
