@@ -75,9 +75,9 @@ ZK_API int global_is_movl; /* the strategy, 1 at first */
  *
  * Close to a wrist singularity rounding alone splits a turn between joints 4 and 6 of zk6 and zkl63_2; the pose is met.
  * With is_avoid_Singularity set zk6 splits it as the seed does where joint 5 is within 0.087 of 0, and zkl63_2 where it
- * is within 0.087 of -pi. zkl63_3 splits it by the seed where the sine of joint 5 is below 0.0014. orb6 takes joint 6
- * from the seed where joint 5 is within two degrees of 0 or pi, and keeps the wrist point, not the last two degrees of
- * the rotation.
+ * is within 0.087 of -pi, but there the turn of the flange about its own axis is not met. zkl63_3 splits it by the seed
+ * where the sine of joint 5 is below 0.0014. orb6 takes joint 6 from the seed where joint 5 is within two degrees of 0
+ * or pi, and keeps the wrist point, not the last two degrees of the rotation.
  *
  * They keep nothing between calls and read the model alone: any thread, while nobody changes the model.
  * Method: wrist-centre split, Pieper, The Kinematics of Manipulators under Computer Control (1968), of which the arms

@@ -1,5 +1,6 @@
 // Inverse kinematics of six-joint arms whose last three axes meet in one point: the wrist point alone decides joints 1
 // to 3, the rotation then decides joints 4 to 6. Two shoulders, two elbows and two wrists make eight candidates.
+// Numbers in brackets are the equations of docs/kinematics.md.
 //
 // The geometry of an arm:
 //     Elbows elbows(float r, float z)            both t3 with the wrist point at (r, z) in the plane of joints 2 and 3;
@@ -117,7 +118,7 @@ class SphericalWrist {
     Hand first_hand(const Axes& f) const {
         constexpr float k = Arm::kLastTwist;
         const float x = k * dot(f.x, 2), y = k * dot(f.y, 2);
-        const float t4 = arc_tangent(y, x);
+        const float t4 = arc_tangent(y, x);  // (S3)
         const float t5 = arc_tangent(std::sqrt(x * x + y * y), k * dot(f.z, 2));
         const auto [s4, c4] = sine_cosine(t4);
         const float sine = c4 * dot(f.y, 0) - s4 * dot(f.x, 0), cosine = c4 * dot(f.y, 1) - s4 * dot(f.x, 1);
@@ -152,6 +153,7 @@ class SphericalWrist {
         const SineCosine t1 = sine_cosine(best_.theta[0]);
         const auto& m = wrist_.m;
         const float s4 = seed_.theta[3], s6 = seed_.theta[5];
+        // (S8)
         float p = arc_tangent(t1.s * m[0][0] - t1.c * m[1][0], t1.s * m[0][1] - t1.c * m[1][1]);
         const float e = Arm::kSumFromSeed ? p - (s4 + s6) : p;
         const auto within_half_turn = [](float angle) { return -kHalfTurn < angle && angle < kHalfTurn; };

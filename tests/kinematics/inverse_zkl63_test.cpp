@@ -246,8 +246,9 @@ TEST_F(Zkl63_2Edge, HoldsTheWristOnlyWithJoint5NearMinusHalfATurn) {
     const double s1 = std::sin(q[0]), c1 = std::cos(q[0]);
     const double sum = std::atan2(s1 * m(0, 0) - c1 * m(1, 0), s1 * m(0, 1) - c1 * m(1, 1));
     ASSERT_EQ(solve(seed, q), 0);
-    EXPECT_NEAR(reduced(solved_[3] + arm_.offset(3) + solved_[5] + arm_.offset(5) - sum), 0, 1e-4);
-    EXPECT_NEAR(reduced(solved_[5] - solved_[3] - (seed[5] - seed[3])), 0, 1e-4);
+    const double difference = seed[5] + arm_.offset(5) - seed[3] - arm_.offset(3);
+    EXPECT_NEAR(solved_[3] + arm_.offset(3), (sum - difference) / 2, 1e-4);
+    EXPECT_NEAR(solved_[5] + arm_.offset(5), one_turn_nearer(seed[5] + arm_.offset(5), (sum + difference) / 2), 1e-4);
 
     q[4] = seed[4] = 3.09f;
     ASSERT_EQ(solve(seed, q), 0);
