@@ -240,7 +240,7 @@ TEST_F(Zkl63_2Edge, HoldsTheWristOnlyWithJoint5NearMinusHalfATurn) {
     EXPECT_EQ(solved_, without);
 
     Joints q = kPose;
-    q[3] = 0.9f;
+    q[3] = -1.5f;
     q[4] = seed[4] = -3.09f;
     const KDL::Rotation m = arm_.base_T_link(q).M;
     const double s1 = std::sin(q[0]), c1 = std::cos(q[0]);
