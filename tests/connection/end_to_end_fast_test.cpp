@@ -6,6 +6,7 @@
 
 #include "support/arm.h"
 #include "support/kdl_frames.h"
+#include "support/scaled_time.h"
 #include "support/simulator_process.h"
 #include "zk/algorithm.h"
 #include "zk/arm_state.h"
@@ -24,6 +25,7 @@ class LiveArm {
     explicit LiveArm(const std::string& model, std::vector<std::string> more = {})
         : joints_(model.find("75") != model.npos || model.find("72") != model.npos ? 7 : 6),
           simulator_(with_model(model, std::move(more))) {
+        set_time_factor(0);  // the arm may take its time
         ZK_API_Init(joints_ == 7 ? 75 : 65, nullptr);
         set_shared(listener.socket, -1);
         socket_ = Arm_Socket_Start("127.0.0.1", simulator_.port(), 1000);
@@ -123,6 +125,7 @@ TEST(EndToEnd, ARefusedMoveGives1) {
 
 TEST(EndToEnd, AConnectionCanBeMadeAgainAndAgain) {
     SimulatorProcess simulator({"--quiet"});
+    set_time_factor(0);
     ZK_API_Init(65, nullptr);
     set_shared(listener.socket, -1);
     for (int i = 0; i < 5; ++i) {
