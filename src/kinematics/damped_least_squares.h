@@ -1,9 +1,10 @@
-// One step of damped least squares that keeps every joint within the room it has, for an arm of up to seven joints.
-// Numbers are the equations of docs/kinematics-seven-axis.md.
+// Damped least squares that keep every joint within its limits, for an arm of up to seven joints. Numbers are the
+// equations of docs/kinematics-seven-axis.md.
 #pragma once
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 #include "kinematics/end_frame_jacobian.h"
 
@@ -28,9 +29,22 @@ inline bool all_below(const Error& e, double metres, double radians) {
 // that keeps the system regular at a singular posture.
 inline double damping(const Error& e) { return 0.5 * squared(e) + 1e-12; }
 
+struct Limits {
+    Joints lo, hi;
+};
+
 struct Room {
     Joints below, above;  // how far each joint may go
 };
+
+inline Room room_of(const Joints& q, const Limits& limits) {
+    Room room;
+    for (int i = 0; i < 7; ++i) {
+        room.below[i] = limits.lo[i] - q[i];
+        room.above[i] = limits.hi[i] - q[i];
+    }
+    return room;
+}
 
 // Solves A y = b in place of b by Cholesky's method; the lower triangle of A is used up. A is positive definite.
 inline void solve(std::array<Error, 6>& A, Error& b) {
@@ -92,6 +106,41 @@ inline Joints step_within(const Jacobian& J, const Error& e, const Joints& pull,
     }
     for (int i = 0; i < 7; ++i) step[i] = std::clamp(step[i], room.below[i], room.above[i]);
     return step;
+}
+
+// Whether an iteration gets anywhere: in ten rounds the squared error has to fall by a fifth.
+class Progress {
+ public:
+    bool made(double error) {
+        if (round_ % 10 == 0) {
+            if (!(error < 0.8 * last_)) return false;
+            last_ = error;
+        }
+        ++round_;
+        return true;
+    }
+
+ private:
+    int round_ = 0;
+    double last_ = std::numeric_limits<double>::infinity();
+};
+
+// Moves q until at(q, J), which gives the error that is left and fills in its Jacobian, is below both. The pull belongs
+// to the call, not to the round: it moves a q that is a solution once. False when it gets nowhere.
+template <class At>
+bool converge(At at, const Limits& limits, Joints pull, double metres, double radians, Joints& q) {
+    constexpr int kRounds = 100;
+    Progress progress;
+    for (int round = 0; round < kRounds; ++round) {
+        Jacobian J;
+        const Error e = at(q, J);
+        if (round > 0 && all_below(e, metres, radians)) return true;
+        if (!progress.made(squared(e))) return false;
+        const Joints step = step_within(J, e, pull, room_of(q, limits));
+        for (int i = 0; i < 7; ++i) q[i] += step[i];
+        pull = {};
+    }
+    return false;
 }
 
 }  // namespace zk::damped

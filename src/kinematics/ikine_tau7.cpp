@@ -19,15 +19,15 @@ using damped::Joints;
 
 struct Arm {
     DhParams dh;
-    Joints lo, hi;
+    damped::Limits limits;
 
     Arm() {
         float min[8], max[8];
         libalgo_get_dh_value(&dh);
         libalgo_get_jointlim_min(min);
         libalgo_get_jointlim_max(max);
-        std::copy_n(min, 7, lo.begin());
-        std::copy_n(max, 7, hi.begin());
+        std::copy_n(min, 7, limits.lo.begin());
+        std::copy_n(max, 7, limits.hi.begin());
     }
 };
 
@@ -61,63 +61,28 @@ Error error_in_end_frame(const Transform<double>& current, const Target& target)
 // (8.5): downhill on the mean square distance from mid-range, measured in ranges.
 Joints mid_range_pull(const Arm& arm, const Joints& q) {
     constexpr double kGain = -0.1 / 7;
+    const auto& [lo, hi] = arm.limits;
     Joints z;
     for (int i = 0; i < 7; ++i) {
-        const double range = arm.hi[i] - arm.lo[i];
-        z[i] = range > 0 ? kGain * (q[i] - (arm.lo[i] + arm.hi[i]) / 2) / (range * range) : 0;
+        const double range = hi[i] - lo[i];
+        z[i] = range > 0 ? kGain * (q[i] - (lo[i] + hi[i]) / 2) / (range * range) : 0;
     }
     return z;
 }
 
-enum class Limits { kKept, kIgnored };
-
-damped::Room room_of(const Arm& arm, const Joints& q, Limits limits) {
-    damped::Room room;
-    if (limits == Limits::kIgnored) {
-        room.above.fill(std::numeric_limits<double>::infinity());
-        room.below.fill(-std::numeric_limits<double>::infinity());
-        return room;
-    }
-    for (int i = 0; i < 7; ++i) {
-        room.below[i] = arm.lo[i] - q[i];
-        room.above[i] = arm.hi[i] - q[i];
-    }
-    return room;
+bool converge(const Arm& arm, const Target& target, const damped::Limits& limits, Joints& q) {
+    constexpr double kMetres = 1e-6, kRadians = 1e-6;
+    const auto at = [&](const Joints& joints, damped::Jacobian& J) {
+        return error_in_end_frame(jacobian_and_pose(arm, joints, J), target);
+    };
+    return damped::converge(at, limits, mid_range_pull(arm, q), kMetres, kRadians, q);
 }
 
-// Whether an iteration gets anywhere: in ten rounds the squared error has to fall by a fifth.
-class Progress {
- public:
-    bool made(double error) {
-        if (round_ % 10 == 0) {
-            if (!(error < 0.8 * last_)) return false;
-            last_ = error;
-        }
-        ++round_;
-        return true;
-    }
-
- private:
-    int round_ = 0;
-    double last_ = std::numeric_limits<double>::infinity();
-};
-
-// Moves q to the target. The pull belongs to the call, not to the round: it moves a seed that is a solution once.
-bool converge(const Arm& arm, const Target& target, Limits limits, Joints& q) {
-    constexpr int kRounds = 100;
-    constexpr double kMetres = 1e-6, kRadians = 1e-6;
-    Joints pull = mid_range_pull(arm, q);
-    Progress progress;
-    for (int round = 0; round < kRounds; ++round) {
-        damped::Jacobian J;
-        const Error e = error_in_end_frame(jacobian_and_pose(arm, q, J), target);
-        if (round > 0 && damped::all_below(e, kMetres, kRadians)) return true;
-        if (!progress.made(damped::squared(e))) return false;
-        const Joints step = damped::step_within(J, e, pull, room_of(arm, q, limits));
-        for (int i = 0; i < 7; ++i) q[i] += step[i];
-        pull = {};
-    }
-    return false;
+damped::Limits no_limits() {
+    damped::Limits limits;
+    limits.lo.fill(-std::numeric_limits<double>::infinity());
+    limits.hi.fill(std::numeric_limits<double>::infinity());
+    return limits;
 }
 
 // The n-th of points that spread evenly over the joints' ranges, drawn towards the seed to a share of the way to the
@@ -129,7 +94,7 @@ Joints seed_about(const Arm& arm, const Joints& seed, int n, double share) {
     for (int i = 0; i < 7; ++i) {
         stride /= kRoot;
         const double point = 0.5 + n * stride, side = 2 * (point - std::floor(point)) - 1;
-        q[i] = seed[i] + share * side * (side > 0 ? arm.hi[i] - seed[i] : seed[i] - arm.lo[i]);
+        q[i] = seed[i] + share * side * (side > 0 ? arm.limits.hi[i] - seed[i] : seed[i] - arm.limits.lo[i]);
     }
     return q;
 }
@@ -141,7 +106,7 @@ struct Restarts {
 
 // (8.6): the farther the target, the wider the circle, so that a small motion does not come out as a jump.
 Restarts restarts(const Arm& arm, const Joints& seed, const Target& target) {
-    if (ikine_get_solution_range_zk75() > 1.0f) return {400, 1};
+    if (ikine_get_solution_range_zk75() > 1.0f) return {150, 1};
     damped::Jacobian J;
     const double distance = std::sqrt(damped::squared(error_in_end_frame(jacobian_and_pose(arm, seed, J), target)));
     return {40, std::min(1.0, 2 * distance)};
@@ -150,14 +115,14 @@ Restarts restarts(const Arm& arm, const Joints& seed, const Target& target) {
 // 0 with a solution in q, -2 when only the limits stand in the way of the seed, -1 for none.
 int solve(const Arm& arm, const Joints& seed, const Target& target, Joints& q) {
     q = seed;
-    if (converge(arm, target, Limits::kKept, q)) return 0;
+    if (converge(arm, target, arm.limits, q)) return 0;
     const auto [count, reach] = restarts(arm, seed, target);
     for (int n = 1; n <= count; ++n) {
         q = seed_about(arm, seed, n, reach * std::min(1.0, n / 20.0));
-        if (converge(arm, target, Limits::kKept, q)) return 0;
+        if (converge(arm, target, arm.limits, q)) return 0;
     }
     q = seed;
-    return converge(arm, target, Limits::kIgnored, q) ? -2 : -1;
+    return converge(arm, target, no_limits(), q) ? -2 : -1;
 }
 
 Joints as_joints(const float* values) {
@@ -173,7 +138,7 @@ ZK_API int inverse_kinematics_tau7(const float* seed, float* out, Mat target) {
     using namespace zk::tau7;
     const Arm arm;
     Joints from = as_joints(seed), q;
-    for (int i = 0; i < 7; ++i) from[i] = std::max(arm.lo[i], std::min(arm.hi[i], from[i]));
+    for (int i = 0; i < 7; ++i) from[i] = std::max(arm.limits.lo[i], std::min(arm.limits.hi[i], from[i]));
     const int status = solve(arm, from, {zk::rotation_of<double>(target), zk::translation_of<double>(target)}, q);
     if (status != 0) return status;
     std::copy(q.begin(), q.end(), out);
