@@ -6,6 +6,7 @@ CommandTable all_commands() {
     CommandTable table;
     add_joint_commands(table);
     add_state_commands(table);
+    add_limit_commands(table);
     add_frame_commands(table);
     add_motion_commands(table);
     add_trajectory_commands(table);

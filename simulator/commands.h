@@ -7,6 +7,7 @@ namespace sim {
 // One function a family, each in a source of its own: commands_<family>.cpp.
 void add_joint_commands(CommandTable& table);
 void add_state_commands(CommandTable& table);
+void add_limit_commands(CommandTable& table);
 void add_frame_commands(CommandTable& table);
 void add_motion_commands(CommandTable& table);
 void add_trajectory_commands(CommandTable& table);

@@ -23,6 +23,15 @@ struct Faults {
     int delay_ms = 0;                 // between a message and its sending
 };
 
+// The limits of the tool as the wire has them: thousandths of a metre and of a radian, per second and per second
+// squared.
+struct CartesianLimits {
+    int line_speed = 250;
+    int line_acc = 1600;
+    int angular_speed = 600;
+    int angular_acc = 4000;
+};
+
 // Everything that the controller knows, and the commands that act on it. Runs in one thread, knows no sockets, and
 // moves only when `step` tells it that time has passed.
 class Controller {
@@ -52,6 +61,7 @@ class Controller {
     Frame payload;                    // in force; its pose means nothing
     std::array<double, 3> install{};  // mounting rx, ry, rz in degrees
     JointVector init_pose;
+    CartesianLimits tool_limits;
     PushSettings push;
     Faults faults;
     int64_t runtime_start = 0;  // simulated milliseconds

@@ -106,6 +106,31 @@ std::vector<Row> state_rows(size_t joints) {
     };
 }
 
+std::vector<Row> limit_rows(size_t joints) {
+    return {
+        done("set_arm_max_line_speed", {{"arm_line_speed", 250}}, 19, "arm_line_speed"),
+        done("set_arm_max_line_acc", {{"arm_line_acc", 1600}}, 20, "arm_line_acc"),
+        done("set_arm_max_angular_speed", {{"arm_angular_speed", 600}}, 21, "arm_angular_speed"),
+        done("set_arm_max_angular_acc", {{"arm_angular_acc", 4000}}, 22, "arm_angular_acc"),
+        {"get_arm_max_line_speed", {}, 23, {{"/arm_line_speed", "number"}}},
+        {"get_arm_max_line_acc", {}, 24, {{"/arm_line_acc", "number"}}},
+        {"get_arm_max_angular_speed", {}, 25, {{"/arm_angular_speed", "number"}}},
+        {"get_arm_max_angular_acc", {}, 26, {{"/arm_angular_acc", "number"}}},
+        done("set_arm_init", {}, 27, "arm_init"),
+        done("set_collision_stage", {{"collision_stage", 8}}, 28, "collision_state"),
+        {"get_collision_stage", {}, 29, {{"/collision_stage", "number"}}},
+        done("set_DH_data", {{"data", {1, 2, 3, 4, 5}}}, 30, "set_state"),
+        {"get_DH_data", {}, 31, {{"/data", "numbers"}}},
+        done("set_joint_zero_offset", {{"offset", array(joints, 250)}}, 32, "set_state"),
+        done("set_arm_dynamic_parm", {{"parm", array(2 * joints, 1)}}, 33, "set_state"),
+        done("set_arm_servo", {{"arm_servo", 1}}, 35, "arm_servo"),
+        done("set_system_state_servo", {{"servo_state", 1}}, 36, "servo_state"),
+        done("plan_speed", {{"speed", 50}}, 196, "plan_state"),
+        done("set_teach_frame", {{"frame_type", 1}}, 165, "set_state"),
+        {"get_teach_frame", {}, 241, {{"/frame_type", "number"}}},
+    };
+}
+
 std::vector<Row> frame_rows() {
     const Json pose{100000, 0, 0, 0, 0, 1571}, position{1, 2, 3};
     const std::map<std::string, std::string> tool{
@@ -265,8 +290,8 @@ const std::set<std::string> kUnanswered{"set_wifi_ap", "set_wifi_sta", "set_usb"
 
 std::vector<Row> all_rows(size_t joints) {
     std::vector<Row> all;
-    for (const std::vector<Row>& rows : {joint_rows(joints), state_rows(joints), frame_rows(), trajectory_rows(joints),
-                                         push_rows(), system_rows(), network_rows()})
+    for (const std::vector<Row>& rows : {joint_rows(joints), state_rows(joints), limit_rows(joints), frame_rows(),
+                                         trajectory_rows(joints), push_rows(), system_rows(), network_rows()})
         all.insert(all.end(), rows.begin(), rows.end());
     return all;
 }
