@@ -92,6 +92,11 @@ CommandCase CommandCase::adding() const {
     row.adds = true;
     return row;
 }
+CommandCase CommandCase::absorbing() const {
+    CommandCase row = *this;
+    row.adds = false;
+    return row;
+}
 CommandCase CommandCase::taking_old_replies() const {
     CommandCase row = *this;
     row.takes_old = true;

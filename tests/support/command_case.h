@@ -71,6 +71,7 @@ struct CommandCase {
 
     CommandCase followed_by(const Exchange& exchange) const;
     CommandCase adding() const;
+    CommandCase absorbing() const;
     CommandCase taking_old_replies() const;
     CommandCase clearing_old_replies() const;
     CommandCase on(int mode) const;

@@ -1,0 +1,327 @@
+// Limits and model of the arm: every command on the wire, its guards, its parsers, and the length that is kept.
+#include "zk/arm_limits.h"
+
+#include <gtest/gtest.h>
+
+#include "support/command_case.h"
+#include "support/parser_case.h"
+#include "support/simulated_arm.h"
+
+namespace {
+
+using namespace zk::test;
+
+const float kOffsets[7] = {0.251f, -90.0f, 1.5f, -0.0009f, 178.0f, 12.3456f, -7.25f};
+const float kDynamics[14] = {0.0123456f, 1.5f, -2.0f, 0.001f, 1e-10f, 123456.7f, -0.0f, 3e6f, 0, 0, 0, -1.25f, 7, 8};
+
+const std::vector<CommandCase> kRows = {
+    // Metres, radians and seconds in thousandths.
+    acknowledged(CALL(Set_Arm_Line_Speed, (s, 0.251f, true)), Set_Arm_Max_Line_Speed_Cmd,
+                 R"({"command": "set_arm_max_line_speed", "arm_line_speed": 250})",
+                 R"({"command":"set_arm_max_line_speed","arm_line_speed":true})"),
+    acknowledged(CALL(Set_Arm_Line_Speed_Block, (s, 0.25f)), Set_Arm_Max_Line_Speed_Cmd,
+                 R"({"command": "set_arm_max_line_speed", "arm_line_speed": 250})",
+                 R"({"command":"set_arm_max_line_speed","arm_line_speed":true})"),
+    queued(CALL(Set_Arm_Line_Speed_NonBlock, (s, 0.25f)),
+           R"({"command": "set_arm_max_line_speed", "arm_line_speed": 250})"),
+    acknowledged(CALL(Set_Arm_Line_Acc, (s, -1.5f, true)), Set_Arm_Max_Line_Acc_Cmd,
+                 R"({"command": "set_arm_max_line_acc", "arm_line_acc": -1500})",
+                 R"({"command":"set_arm_max_line_acc","arm_line_acc":true})"),
+    acknowledged(CALL(Set_Arm_Line_Acc_Block, (s, 1.5f)), Set_Arm_Max_Line_Acc_Cmd,
+                 R"({"command": "set_arm_max_line_acc", "arm_line_acc": 1500})",
+                 R"({"command":"set_arm_max_line_acc","arm_line_acc":true})"),
+    queued(CALL(Set_Arm_Line_Acc_NonBlock, (s, 1.5f)), R"({"command": "set_arm_max_line_acc", "arm_line_acc": 1500})"),
+    acknowledged(CALL(Set_Arm_Angular_Speed, (s, 3.1415f, true)), Set_Arm_Max_Angular_Speed_Cmd,
+                 R"({"command": "set_arm_max_angular_speed", "arm_angular_speed": 3141})",
+                 R"({"command":"set_arm_max_angular_speed","arm_angular_speed":true})"),
+    acknowledged(CALL(Set_Arm_Angular_Speed_Block, (s, 0.2f)), Set_Arm_Max_Angular_Speed_Cmd,
+                 R"({"command": "set_arm_max_angular_speed", "arm_angular_speed": 200})",
+                 R"({"command":"set_arm_max_angular_speed","arm_angular_speed":true})"),
+    queued(CALL(Set_Arm_Angular_Speed_NonBlock, (s, 0.2f)),
+           R"({"command": "set_arm_max_angular_speed", "arm_angular_speed": 200})"),
+    acknowledged(CALL(Set_Arm_Angular_Acc, (s, 4, true)), Set_Arm_Max_Angular_Acc_Cmd,
+                 R"({"command": "set_arm_max_angular_acc", "arm_angular_acc": 4000})",
+                 R"({"command":"set_arm_max_angular_acc","arm_angular_acc":true})")
+        .taking_old_replies(),
+    acknowledged(CALL(Set_Arm_Angular_Acc_Block, (s, 4)), Set_Arm_Max_Angular_Acc_Cmd,
+                 R"({"command": "set_arm_max_angular_acc", "arm_angular_acc": 4000})",
+                 R"({"command":"set_arm_max_angular_acc","arm_angular_acc":true})")
+        .taking_old_replies(),
+    queued(CALL(Set_Arm_Angular_Acc_NonBlock, (s, 3e6f)),
+           R"({"command": "set_arm_max_angular_acc", "arm_angular_acc": -2147483648})"),
+    answered(ASK(Get_Arm_Line_Speed), Get_Arm_Max_Line_Speed_Cmd, R"({"command": "get_arm_max_line_speed"})",
+             R"({"state":"arm_max_line_speed","arm_line_speed":251})", "0.251"),
+    answered(ASK(Get_Arm_Line_Speed_Block), Get_Arm_Max_Line_Speed_Cmd, R"({"command": "get_arm_max_line_speed"})",
+             R"({"state":"arm_max_line_speed","arm_line_speed":251})", "0.251"),
+    answered(ASK(Get_Arm_Line_Acc), Get_Arm_Max_Line_Acc_Cmd, R"({"command": "get_arm_max_line_acc"})",
+             R"({"state":"arm_max_line_acc","arm_line_acc":1600})", "1.6"),
+    answered(ASK(Get_Arm_Line_Acc_Block), Get_Arm_Max_Line_Acc_Cmd, R"({"command": "get_arm_max_line_acc"})",
+             R"({"state":"arm_max_line_acc","arm_line_acc":1600})", "1.6"),
+    answered(ASK(Get_Arm_Angular_Speed), Get_Arm_Max_Angular_Speed_Cmd, R"({"command": "get_arm_max_angular_speed"})",
+             R"({"state":"arm_max_angular_speed","arm_angular_speed":-600})", "-0.6"),
+    answered(ASK(Get_Arm_Angular_Speed_Block), Get_Arm_Max_Angular_Speed_Cmd,
+             R"({"command": "get_arm_max_angular_speed"})",
+             R"({"state":"arm_max_angular_speed","arm_angular_speed":600})", "0.6"),
+    answered(ASK(Get_Arm_Angular_Acc), Get_Arm_Max_Angular_Acc_Cmd, R"({"command": "get_arm_max_angular_acc"})",
+             R"({"state":"arm_max_angular_acc","arm_angular_acc":4000})", "4"),
+    answered(ASK(Get_Arm_Angular_Acc_Block), Get_Arm_Max_Angular_Acc_Cmd, R"({"command": "get_arm_max_angular_acc"})",
+             R"({"state":"arm_max_angular_acc","arm_angular_acc":4000})", "4"),
+
+    acknowledged(CALL(Set_Arm_Tip_Init, (s, true)), Set_Arm_Tip_Init_Cmd, R"({"command": "set_arm_init"})",
+                 R"({"command":"set_arm_init","arm_init":true})")
+        .taking_old_replies(),
+    acknowledged(CALL(Set_Arm_Tip_Init_Block, (s)), Set_Arm_Tip_Init_Cmd, R"({"command": "set_arm_init"})",
+                 R"({"command":"set_arm_init","arm_init":true})")
+        .taking_old_replies(),
+    queued(CALL(Set_Arm_Tip_Init_NonBlock, (s)), R"({"command": "set_arm_init"})"),
+    // The controller answers "state" to "stage".
+    acknowledged(CALL(Set_Collision_Stage, (s, 8, true)), Set_Collision_Stage_Cmd,
+                 R"({"command": "set_collision_stage", "collision_stage": 8})",
+                 R"({"command":"set_collision_state","collision_state":true})"),
+    acknowledged(CALL(Set_Collision_Stage_Block, (s, -1)), Set_Collision_Stage_Cmd,
+                 R"({"command": "set_collision_stage", "collision_stage": -1})",
+                 R"({"command":"set_collision_state","collision_state":true})"),
+    queued(CALL(Set_Collision_Stage_NonBlock, (s, 0)), R"({"command": "set_collision_stage", "collision_stage": 0})"),
+    answered(ASK(Get_Collision_Stage), Get_Collision_Stage_Cmd, R"({"command": "get_collision_stage"})",
+             R"({"state":"get_collision_stage","collision_stage":8})", "8"),
+    answered(ASK(Get_Collision_Stage_Block), Get_Collision_Stage_Cmd, R"({"command": "get_collision_stage"})",
+             R"({"state":"get_collision_stage","collision_stage":8})", "8"),
+
+    // DH lengths in tenths.
+    acknowledged(CALL(Set_DH_Data, (s, 123.45f, -0.07f, 2.35f, 10, 0.29f, true)), Set_DH_Data_Cmd,
+                 R"({"command": "set_DH_data", "data": [1234, 0, 23, 100, 2]})",
+                 R"({"command":"set_DH_data","set_state":true})")
+        .taking_old_replies(),
+    acknowledged(CALL(Set_DH_Data_Block, (s, 1, 2, 3, 4, 5)), Set_DH_Data_Cmd,
+                 R"({"command": "set_DH_data", "data": [10, 20, 30, 40, 50]})",
+                 R"({"command":"set_DH_data","set_state":true})")
+        .taking_old_replies(),
+    queued(CALL(Set_DH_Data_NonBlock, (s, -1.99f, 2, 3, 4, 5)),
+           R"({"command": "set_DH_data", "data": [-19, 20, 30, 40, 50]})"),
+    answered(ASK(Get_DH_Data), Get_DH_Data_Cmd, R"({"command": "get_DH_data"})",
+             R"({"state":"DH_data","data":[2405,0,-1,2560,1440]})", "240.5; 0; -0.1; 256; 144"),
+    answered(ASK(Get_DH_Data_Block), Get_DH_Data_Cmd, R"({"command": "get_DH_data"})",
+             R"({"state":"DH_data","data":[2405,0,-1,2560,1440]})", "240.5; 0; -0.1; 256; 144"),
+    acknowledged(CALL(Set_Joint_Zero_Offset, (s, kOffsets, true)), Set_Joint_Zero_OffSet_Cmd,
+                 R"({"command": "set_joint_zero_offset", "offset": [250, -90000, 1500, 0, 178000, 12345]})",
+                 R"({"command":"set_joint_zero_offset","set_state":true})"),
+    acknowledged(CALL(Set_Joint_Zero_Offset_Block, (s, kOffsets)), Set_Joint_Zero_OffSet_Cmd,
+                 R"({"command": "set_joint_zero_offset", "offset": [250, -90000, 1500, 0, 178000, 12345, -7250]})",
+                 R"({"command":"set_joint_zero_offset","set_state":true})")
+        .on(75),
+    queued(CALL(Set_Joint_Zero_Offset_NonBlock, (s, kOffsets)),
+           R"({"command": "set_joint_zero_offset", "offset": [250, -90000, 1500, 0, 178000, 12345, -7250]})", 72),
+    // A thousand times as large, but not truncated.
+    acknowledged(CALL(Set_Arm_Dynamic_Parm, (s, kDynamics, true)), Set_ARM_Dynamic_Parm_Cmd,
+                 R"({"command": "set_arm_dynamic_parm", "parm": [12.345600, 1500, -2000, 1, 1.000000e-07, 123456704, )"
+                 R"(0, 3000000000, 0, 0, 0, -1250]})",
+                 R"({"command":"set_arm_dynamic_parm","set_state":true})"),
+    acknowledged(CALL(Set_Arm_Dynamic_Parm_Block, (s, kDynamics)), Set_ARM_Dynamic_Parm_Cmd,
+                 R"({"command": "set_arm_dynamic_parm", "parm": [12.345600, 1500, -2000, 1, 1.000000e-07, 123456704, )"
+                 R"(0, 3000000000, 0, 0, 0, -1250, 7000, 8000]})",
+                 R"({"command":"set_arm_dynamic_parm","set_state":true})")
+        .on(75),
+    queued(CALL(Set_Arm_Dynamic_Parm_NonBlock, (s, kDynamics)),
+           R"({"command": "set_arm_dynamic_parm", "parm": [12.345600, 1500, -2000, 1, 1.000000e-07, 123456704, )"
+           R"(0, 3000000000, 0, 0, 0, -1250, 7000, 8000]})",
+           72),
+
+    acknowledged(CALL(Set_Plan_Speed, (s, 50, true)), Set_Plan_Speed_Cmd, R"({"command": "plan_speed", "speed": 50})",
+                 R"({"command":"plan_speed","plan_state":true})"),
+    acknowledged(CALL(Set_Plan_Speed_Block, (s, -2147483647)), Set_Plan_Speed_Cmd,
+                 R"({"command": "plan_speed", "speed": -2147483647})", R"({"command":"plan_speed","plan_state":true})"),
+    queued(CALL(Set_Plan_Speed_NonBlock, (s, 50)), R"({"command": "plan_speed", "speed": 50})"),
+    acknowledged(CALL(Set_Teach_Frame, (s, 1, true)), Set_Teach_Frame_Cmd,
+                 R"({"command": "set_teach_frame", "frame_type": 1})",
+                 R"({"command":"set_teach_frame","set_state":true})"),
+    acknowledged(CALL(Set_Teach_Frame_Block, (s, 0)), Set_Teach_Frame_Cmd,
+                 R"({"command": "set_teach_frame", "frame_type": 0})",
+                 R"({"command":"set_teach_frame","set_state":true})"),
+    queued(CALL(Set_Teach_Frame_NonBlock, (s, 1)), R"({"command": "set_teach_frame", "frame_type": 1})"),
+    answered(ASK(Get_Teach_Frame), Get_Teach_Frame_Cmd, R"({"command": "get_teach_frame"})",
+             R"({"state":"get_teach_frame","frame_type":1})", "1")
+        .absorbing(),
+    answered(ASK(Get_Teach_Frame_Block), Get_Teach_Frame_Cmd, R"({"command": "get_teach_frame"})",
+             R"({"state":"get_teach_frame","frame_type":1})", "1")
+        .absorbing(),
+    acknowledged(CALL(Set_Arm_Servo_State, (s, 200, true)), Set_Arm_Servo_State_Cmd,
+                 R"({"command": "set_arm_servo", "arm_servo": 1})", R"({"command":"set_arm_servo","arm_servo":true})"),
+    acknowledged(CALL(Set_Arm_Servo_State_Block, (s, 0)), Set_Arm_Servo_State_Cmd,
+                 R"({"command": "set_arm_servo", "arm_servo": 0})", R"({"command":"set_arm_servo","arm_servo":true})"),
+    queued(CALL(Set_Arm_Servo_State_NonBlock, (s, 2)), R"({"command": "set_arm_servo", "arm_servo": 1})"),
+    // Its reply reaches nobody.
+    unheard(CALL(Set_System_State_Servo, (s, 3, true)), R"({"command": "set_system_state_servo", "servo_state": 3})",
+            R"({"command":"set_system_state_servo","servo_state":true})"),
+    unheard(CALL(Set_System_State_Servo_Block, (s, 1)), R"({"command": "set_system_state_servo", "servo_state": 1})",
+            R"({"command":"set_system_state_servo","servo_state":true})"),
+    queued(CALL(Set_System_State_Servo_NonBlock, (s, 255)),
+           R"({"command": "set_system_state_servo", "servo_state": 255})"),
+};
+
+class ArmLimits : public testing::TestWithParam<CommandCase> {};
+TEST_P(ArmLimits, OnTheWire) { run(GetParam()); }
+INSTANTIATE_TEST_SUITE_P(, ArmLimits, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
+
+TEST(ArmLimitsGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("arm_limits.h", kRows), ""); }
+
+TEST(ArmLimitsGuards, PlainNamesDoNothingDuringAFileTransfer) {
+    lwt = 3;
+    expect_nothing_during_a_file_transfer(kRows);
+    EXPECT_EQ(Set_DH_Data(77, 1, 2, 3, 4, 5, true), 5);
+    EXPECT_EQ(lwt, 3);
+}
+
+TEST(ArmLimitsGuards, NullPointersAreToldAndNothingIsSent) {
+    static float value;
+    expect_nothing_sent({{CALL(Get_Arm_Line_Speed, (s, nullptr))},
+                         {CALL(Get_Arm_Line_Acc, (s, nullptr))},
+                         {CALL(Get_Arm_Angular_Acc, (s, nullptr))},
+                         {CALL(Get_Collision_Stage, (s, nullptr))},
+                         {CALL(Get_DH_Data, (s, nullptr, &value, &value, &value, &value))},
+                         {CALL(Get_DH_Data, (s, &value, nullptr, &value, &value, &value))},
+                         {CALL(Get_DH_Data, (s, &value, &value, nullptr, &value, &value))},
+                         {CALL(Get_DH_Data, (s, &value, &value, &value, nullptr, &value))},
+                         {CALL(Get_DH_Data, (s, &value, &value, &value, &value, nullptr))},
+                         {CALL(Set_Joint_Zero_Offset, (s, nullptr, false))},
+                         {CALL(Set_Arm_Dynamic_Parm, (s, nullptr, true))},
+                         {CALL(Get_Teach_Frame, (s, nullptr))}});
+}
+
+TEST(ArmLimitsParsers, Acknowledgements) {
+    for (const AckParser& parser : {
+             AckParser{Parser_Arm_Line_Speed, "arm_line_speed", 8},
+             {Parser_Arm_Line_Acc, "arm_line_acc", 8},
+             {Parser_Arm_Angular_Speed, "arm_angular_speed", 8},
+             {Parser_Arm_Angular_Acc, "arm_angular_acc", 8},
+             {Parser_Set_TEACH_FRAME, "set_state", 8},
+             {Parser_Arm_Tip_Init, "arm_init"},
+             {Parser_Set_Collision_Stage, "collision_state"},
+             {Parser_Set_DH_Data, "set_state"},
+             {Parser_Set_Joint_Zero_Offset, "set_state"},
+             {Parser_Set_Hand, "set_state"},
+             {Parser_Set_Plan_Speed, "plan_state"},
+             {Parser_Arm_Servo_State, "arm_servo"},
+             {Parser_Set_System_State_Servo, "servo_state"},
+         }) {
+        expect_acknowledgement(parser);
+    }
+}
+
+TEST(ArmLimitsParsers, Numbers) {
+    expect_number({parsing(Parser_Get_Arm_Line_Speed), "arm_line_speed", "1.234"});
+    expect_number({parsing(Parser_Get_Arm_Line_Acc), "arm_line_acc", "1.234"});
+    expect_number({parsing(Parser_Get_Arm_Angular_Speed), "arm_angular_speed", "1.234"});
+    expect_number({parsing(Parser_Get_Arm_Angular_Acc), "arm_angular_acc", "1.234"});
+    expect_parsed(parsing(Parser_Get_Arm_Line_Speed), {{R"({"arm_line_speed":1.9e3})", 0, "1.9"},
+                                                       {R"({"arm_line_speed":1500.9})", 0, "1.5"},
+                                                       {R"({"arm_line_speed":-1500.9})", 0, "-1.5"}});
+}
+
+// Nobody looks at the type of these two: what is no number counts as the integer the parser holds for it.
+TEST(ArmLimitsParsers, NumbersOfAnyType) {
+    expect_parsed(parsing(Parser_Get_Collision_Stage), {{R"({"collision_stage":8})", 0, "8"},
+                                                        {R"({"collision_stage":"8"})", 0, "0"},
+                                                        {R"({"collision_stage":true})", 0, "1"},
+                                                        {R"({"stage":8})", 9, ""},
+                                                        {R"({"collision_stage":8)", 9, ""}});
+    expect_parsed(parsing(Parser_Get_Teach_Frame), {{R"({"frame_type":1})", 0, "1"},
+                                                    {R"({"frame_type":null})", 0, "0"},
+                                                    {R"({"frame":1})", 9, ""},
+                                                    {R"(frame_type)", 9, ""}});
+}
+
+TEST(ArmLimitsParsers, DhLengths) {
+    expect_parsed(parsing(Parser_Get_DH_Data), {{R"({"data":[2405,0,-1,2560,1440]})", 0, "240.5 0 -0.1 256 144"},
+                                                {R"({"data":[1,2,3,4,5,6,7]})", 0, "0.1 0.2 0.3 0.4 0.5"},
+                                                {R"({"data":1})", 11, ""},
+                                                {R"({"dh":[1,2,3,4,5]})", 9, ""},
+                                                {R"({"data":[1,2)", 9, ""}});
+}
+
+// The fourth length is kept at once where nobody waits, after the controller's consent elsewhere, and with every
+// answer.
+TEST(KeptLength, FollowsSettingsAndAnswers) {
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    set_shared(m_nOutTime, 60000);
+    const ArmSocket arm = connect_arm(controller);
+    float out[5];
+    const auto ask = [&] { return Get_DH_Data(arm, &out[0], &out[1], &out[2], &out[3], &out[4]); };
+
+    EXPECT_EQ(lwt, 0);
+    controller.answer("set_DH_data", R"({"command":"set_DH_data","set_state":false})");
+    EXPECT_EQ(Set_DH_Data(arm, 1, 2, 3, 4, 5, true), 1);
+    EXPECT_EQ(lwt, 0);
+    EXPECT_EQ(Set_DH_Data_NonBlock(arm, 1, 2, 3, 4, 5), 0);
+    EXPECT_EQ(lwt, 0);
+    eventually([] { return shared(Set_DH_Data_Cmd[0].count) == 1; });
+    set_shared(Set_DH_Data_Cmd[0].count, 0);
+    EXPECT_EQ(Set_DH_Data(arm, 1, 2, 3, 4, 5, false), 0);
+    EXPECT_EQ(lwt, 4);
+    eventually([] { return shared(Set_DH_Data_Cmd[0].count) == 1; });
+    set_shared(Set_DH_Data_Cmd[0].count, 0);
+    controller.answer("set_DH_data", R"({"command":"set_DH_data","set_state":true})");
+    EXPECT_EQ(Set_DH_Data(arm, 1, 2, 3, 6, 5, true), 0);
+    EXPECT_EQ(lwt, 6);
+
+    controller.answer("get_DH_data", R"({"state":"DH_data","data":[10,20,30,80,50]})");
+    EXPECT_EQ(Get_DH_Data_Block(arm, &out[0], &out[1], &out[2], &out[3], &out[4]), 0);
+    EXPECT_EQ(lwt, 6);
+    EXPECT_EQ(ask(), 0);
+    EXPECT_EQ(lwt, 8);
+    controller.answer("get_DH_data", R"({"state":"DH_data","data":7})");
+    lwt = 0;
+    EXPECT_EQ(ask(), 11);
+    EXPECT_EQ(lwt, 0);
+}
+
+// ------------------------------------------------------------------------------------------------- A simulated arm --
+
+TEST(ArmLimitsOfASimulatedArm, AreGotBackAsSetAndInitialised) {
+    SimulatedArm arm;
+    const struct {
+        int (*set)(ArmSocket, float, bool);
+        int (*get)(ArmSocket, float*);
+    } limits[] = {{Set_Arm_Line_Speed, Get_Arm_Line_Speed},
+                  {Set_Arm_Line_Acc, Get_Arm_Line_Acc},
+                  {Set_Arm_Angular_Speed, Get_Arm_Angular_Speed},
+                  {Set_Arm_Angular_Acc, Get_Arm_Angular_Acc}};
+    for (const auto& limit : limits) {
+        float initial = 0, value = 0;
+        EXPECT_EQ(limit.get(arm, &initial), 0);
+        EXPECT_EQ(limit.set(arm, 0.125f, true), 0);
+        EXPECT_EQ(limit.get(arm, &value), 0);
+        EXPECT_EQ(value, 0.125f);
+        EXPECT_EQ(limit.set(arm, 0, true), 1);
+        EXPECT_EQ(limit.set(arm, 1000, true), 1);
+        EXPECT_EQ(Set_Arm_Tip_Init(arm, true), 0);
+        EXPECT_EQ(limit.get(arm, &value), 0);
+        EXPECT_EQ(value, initial);
+        EXPECT_GT(value, 0.125f);
+    }
+}
+
+TEST(ArmLimitsOfASimulatedArm, ModelAndModesAreGotBackAsSet) {
+    SimulatedArm arm;
+    int32_t number = -1;
+    EXPECT_EQ(Set_Collision_Stage(arm, 8, true), 0);
+    EXPECT_EQ(Get_Collision_Stage(arm, &number), 0);
+    EXPECT_EQ(number, 8);
+    EXPECT_EQ(Set_Collision_Stage(arm, 9, true), 1);
+    EXPECT_EQ(Set_Teach_Frame(arm, 1, true), 0);
+    EXPECT_EQ(Get_Teach_Frame(arm, &number), 0);
+    EXPECT_EQ(number, 1);
+    EXPECT_EQ(Set_Teach_Frame(arm, 2, true), 1);
+    EXPECT_EQ(Set_Plan_Speed(arm, 50, true), 0);
+    EXPECT_EQ(Set_Plan_Speed(arm, 101, true), 1);
+    EXPECT_EQ(Set_DH_Data(arm, 240.5f, 0, -0.1f, 256, 144, true), 0);
+    float out[5];
+    EXPECT_EQ(Get_DH_Data(arm, &out[0], &out[1], &out[2], &out[3], &out[4]), 0);
+    EXPECT_EQ(text_of(out), "240.5 0 -0.1 256 144");
+    EXPECT_EQ(Set_Joint_Zero_Offset(arm, kOffsets, true), 0);
+    EXPECT_EQ(Set_Arm_Dynamic_Parm(arm, kDynamics, true), 0);
+    EXPECT_EQ(Set_Arm_Servo_State(arm, 1, true), 0);
+    EXPECT_EQ(Set_System_State_Servo(arm, 1, false), 0);
+}
+
+}  // namespace
