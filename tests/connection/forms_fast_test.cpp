@@ -120,7 +120,7 @@ TEST_P(Setters, BlockTimesOutAfterThreeSeconds) {
 
 TEST_P(Setters, AnUnknownSocketGives5AndNothingIsQueued) {
     set_shared(IsSendFile, 1);  // holds the queue
-    EXPECT_EQ(GetParam().block(arm_ + 1), 5);
+    for (const ArmSocket unknown : {arm_ + 1, 0, -1}) EXPECT_EQ(GetParam().block(unknown), 5) << unknown;
     EXPECT_TRUE(ZK_Queue_Empty(&Socket_Tx_Buffer));
     EXPECT_EQ(GetParam().nonblock(arm_ + 1), 0) << "forms that only send do not look";
 }

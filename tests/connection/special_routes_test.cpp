@@ -104,6 +104,7 @@ TEST_F(SpecialRoutes, AMovesAcknowledgementTellsItsType) {
     }
 }
 
+// What a report does not tell is the arm's own, whatever the report before it said.
 TEST_F(SpecialRoutes, AnArrivalTellsDeviceAndSegment) {
     struct Row {
         const char* rest;
@@ -111,10 +112,10 @@ TEST_F(SpecialRoutes, AnArrivalTellsDeviceAndSegment) {
     };
     for (const Row& row : {Row{R"("trajectory_state":true,"device":1,"trajectory_connect":2)", 0, 1, 2},
                            Row{R"("trajectory_state":true,"device":1)", 0, 1, -1},
-                           Row{R"("trajectory_state":true,"device":"x","trajectory_connect":true)", 0, 77, -1},
-                           Row{R"("trajectory_state":true,"trajectory_connect":1)", 9, 77, 88},
-                           Row{R"("trajectory_state":false,"device":1,"trajectory_connect":2)", 1, 77, 88},
-                           Row{R"("trajectory_state":1,"device":1)", 11, 77, 88}, Row{R"("device":1)", 9, 77, 88}}) {
+                           Row{R"("trajectory_state":true,"device":"x","trajectory_connect":true)", 0, 0, -1},
+                           Row{R"("trajectory_state":true,"trajectory_connect":1)", 9, 0, 0},
+                           Row{R"("trajectory_state":false,"device":1,"trajectory_connect":2)", 1, 0, 0},
+                           Row{R"("trajectory_state":1,"device":1)", 11, 0, 0}, Row{R"("device":1)", 9, 0, 0}}) {
         Move_Cmd[kSlot] = {5, 5, 77, 88};
         dispatch(std::string(R"({"state":"current_trajectory_state",)") + row.rest + "}");
         EXPECT_EQ(Move_Cmd[kSlot].count, 1) << row.rest;

@@ -13,6 +13,9 @@
 #include "support/start_up.h"
 #include "support/udp.h"
 #include "zk/algorithm.h"
+#include "zk/joint_configuration.h"
+#include "zk/arm_state.h"
+#include "zk/joint_configuration.h"
 #include "zk/realtime.h"
 #include "zk/status.h"
 #include "zk/trajectory.h"
@@ -124,18 +127,50 @@ TEST_F(StartUp, LearnsASevenJointArm) {
     expect_limits({-178, -130, -178, -135, -178, -128, -360}, {178, 130, 178, 135, 178, 128, 360});
 }
 
-// The mounting angles are kept in radians and compared with the controller's to the last bit after their way back; 31
-// degrees are among the few that do not survive it.
-TEST_F(StartUp, AMountingHasToReadBack) {
-    for (const char* angles : {"0.1,0.2,0.3", "180,-180,90", "30,45.5,60", "-90,15,135"}) {
+// The model keeps mounting angles in radians, from where 31 degrees do not come back to the last bit.
+TEST_F(StartUp, EveryMountingConnects) {
+    for (const char* angles : {"0.1,0.2,0.3", "180,-180,90", "30,45.5,60", "31,-62,127", "33.3,-77.7,123.456"}) {
         controller_.answer("get_install_pose", R"({"state":"install_pose","pose":[)" + std::string(angles) + "]}");
         const ArmSocket arm = start();
         ASSERT_GT(arm, ZK_LARGEST_STATUS) << angles;
         Arm_Socket_Close(arm);
     }
     controller_.answer("get_install_pose", R"({"state":"install_pose","pose":[31,0,0]})");
-    EXPECT_EQ(start(), -1);
-    controller_.wait_for_close();
+    const ArmSocket arm = start();
+    float x = 0, y = 0, z = 0;
+    EXPECT_EQ(Get_Install_Pose_Block(arm, &x, &y, &z), 0);
+    EXPECT_EQ(Get_Install_Pose(arm, &x, &y, &z), -1) << "the plain name compares";
+    EXPECT_EQ(x, 31.0f);
+}
+
+TEST_F(StartUp, AnArmCanBeConnectedAgainAfterDescriptor0WasClosed) {
+    set_shared(listener.socket, 0);
+    for (int i = 0; i < 3; ++i) {
+        const ArmSocket arm = start();
+        ASSERT_GT(arm, ZK_LARGEST_STATUS) << i;
+        Arm_Socket_Close(arm);
+    }
+}
+
+// The number of a closed connection, and its slot, come back with the next one.
+TEST_F(StartUp, NothingOfTheLastConnectionReachesTheNext) {
+    const ArmSocket old = start();
+    controller_.say(R"({"command":"set_arm_slow_stop","arm_slow_stop":false})");
+    controller_.say(R"({"state":"joint_max_speed","joint_speed":[1,1,1,1,1,1]})");
+    eventually([] { return shared(Joint_Max_Speed_Cmd[0].count) == 1; });
+    set_shared(IsSendFile, 1);  // holds the queue
+    Move_Stop_Cmd_NonBlock(old);
+    Arm_Socket_Close(old);
+    set_shared(IsSendFile, 0);
+    controller_.forget_requests();
+
+    const ArmSocket arm = start();
+    ASSERT_EQ(arm, old);
+    EXPECT_NE(controller_.next_request().find("get_arm_software_info"), std::string::npos)
+        << "no frame of the last one";
+    EXPECT_EQ(shared(Joint_Max_Speed_Cmd[0].count), 0);
+    controller_.answer("set_arm_slow_stop", R"({"command":"set_arm_slow_stop","arm_slow_stop":true})");
+    EXPECT_EQ(Move_Slow_Stop_Cmd_Block(arm), 0);
 }
 
 TEST_F(StartUp, KnowsTheArmByItsModelText) {
