@@ -306,13 +306,12 @@ std::string reply_of(Talk& talk, const Row& row) {
     return reply;
 }
 
-class EveryReply : public testing::TestWithParam<std::pair<const char*, size_t>> {};
-INSTANTIATE_TEST_SUITE_P(Simulator, EveryReply,
-                         testing::Values(std::pair{"ORB65-B", size_t{6}}, std::pair{"ZK75-6F", size_t{7}}));
+class EveryReply : public testing::TestWithParam<const char*> {};
+INSTANTIATE_TEST_SUITE_P(Simulator, EveryReply, testing::Values("ORB65-B", "ZK75-6F"));
 
 TEST_P(EveryReply, IsTakenForWhatItIs) {
-    const auto& [model, joints] = GetParam();
-    Talk talk({"--model", model});
+    Talk talk({"--quiet", "--model", GetParam()});
+    const size_t joints = talk.joints().size();
     for (const Row& row : all_rows(joints)) {
         const std::string text = reply_of(talk, row);
         EXPECT_EQ(Get_Json_KeyCode(text.c_str()), row.code) << text;
@@ -327,9 +326,8 @@ TEST_P(EveryReply, IsTakenForWhatItIs) {
 }
 
 TEST_P(EveryReply, ThatRefusesIsTakenForWhatItIs) {
-    const auto& [model, joints] = GetParam();
-    Talk talk({"--quiet", "--model", model});
-    for (const Row& row : all_rows(joints)) {
+    Talk talk({"--quiet", "--model", GetParam()});
+    for (const Row& row : all_rows(talk.joints().size())) {
         if (row.reply.size() != 1 || row.reply.begin()->second != "true" || row.command == "zk_sim_fault") continue;
         ASSERT_EQ(talk.ask("zk_sim_fault", {{"refuse_on", {row.command}}}).at("done"), true);
         const std::string text = reply_of(talk, row);
@@ -343,8 +341,7 @@ TEST_P(EveryReply, ThatRefusesIsTakenForWhatItIs) {
 }
 
 TEST_P(EveryReply, ThatReportsAnArrivalIsTakenForOne) {
-    const auto& [model, joints] = GetParam();
-    Talk talk({"--quiet", "--model", model});
+    Talk talk({"--quiet", "--model", GetParam()});
     ASSERT_TRUE(talk.movej(talk.joints(), 10));
     const std::string text = talk.client.read_line();
     EXPECT_EQ(Get_Json_KeyCode(text.c_str()), 64);
