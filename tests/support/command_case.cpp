@@ -36,7 +36,7 @@ void expect_counter(const CommandCase& row) {
         handle_Recv_Json(0, message.data());
     }
     EXPECT_EQ(row.mailbox.count(), row.adds ? 2 : 1) << "after two replies";
-    FirstRecord(row.mailbox).wipe();
+    FirstRecord(row.mailbox).fill(0);
 }
 
 void expect_exchange(const CommandCase& row, ScriptedController& controller, ArmSocket arm) {
@@ -71,6 +71,16 @@ void expect_old_reply(const CommandCase& row, ScriptedController& controller, Ar
     if (row.takes_old) eventually([&] { return row.mailbox.count() == 1; });
 }
 
+// A query on the second connection, while a reply to the first is there.
+void expect_first_record(const CommandCase& row, ScriptedController& controller) {
+    const ArmSocket second = connect_arm(controller, row.arm_mode);
+    FirstRecord(row.mailbox).fill(7);
+    std::string told;
+    EXPECT_EQ(row.call(second, told), row.status) << "on the second connection";
+    EXPECT_EQ(told, row.told) << "on the second connection";
+    for (size_t i = 0; i < row.mailbox.size; ++i) EXPECT_EQ(shared(row.mailbox.words[i]), row.wipes ? 0 : 7) << i;
+}
+
 }  // namespace
 
 void FirstRecord::put(int count, int result) {
@@ -78,8 +88,8 @@ void FirstRecord::put(int count, int result) {
     set_shared(words[0], int32_t{count});
 }
 
-void FirstRecord::wipe() {
-    for (size_t i = 0; i < size; ++i) set_shared(words[i], 0);
+void FirstRecord::fill(int value) {
+    for (size_t i = 0; i < size; ++i) set_shared(words[i], int32_t{value});
 }
 
 CommandCase CommandCase::followed_by(const Exchange& exchange) const {
@@ -105,6 +115,11 @@ CommandCase CommandCase::taking_old_replies() const {
 CommandCase CommandCase::clearing_old_replies() const {
     CommandCase row = *this;
     row.takes_old = false;
+    return row;
+}
+CommandCase CommandCase::wiping() const {
+    CommandCase row = *this;
+    row.wipes = true;
     return row;
 }
 CommandCase CommandCase::on(int mode) const {
@@ -189,6 +204,7 @@ void run(const CommandCase& row) {
     expect_exchange(row, controller, arm);
     if (row.refusable) expect_refusal(row, controller, arm);
     if (row.mailbox.words) expect_old_reply(row, controller, arm);
+    if (row.mailbox.words && !row.told.empty()) expect_first_record(row, controller);
 }
 
 void expect_nothing_during_a_file_transfer(const std::vector<CommandCase>& rows) {

@@ -40,7 +40,7 @@ struct FirstRecord {
 
     int count() const { return shared(words[0]); }
     void put(int count, int result);
-    void wipe();
+    void fill(int value);
 
     int32_t* words = nullptr;
     size_t size = 0;
@@ -66,6 +66,7 @@ struct CommandCase {
     bool refusable = false;    // the same reply with false for true gives 1, and ends the call
     bool adds = false;         // a second reply makes the mailbox's count 2
     bool takes_old = false;    // a reply that is there before the request is taken for its own
+    bool wipes = false;        // the first connection's record is wiped, whichever asked
     bool status_lost = false;  // the status of the mailbox is not the call's
     int limit = 60000;         // of waiting for a reply, ms
 
@@ -74,6 +75,7 @@ struct CommandCase {
     CommandCase absorbing() const;
     CommandCase taking_old_replies() const;
     CommandCase clearing_old_replies() const;
+    CommandCase wiping() const;
     CommandCase on(int mode) const;
     CommandCase giving(int other_status) const;
 };
