@@ -17,7 +17,10 @@ class Arm {
     Arm(const char* address, int port, int arm_mode) {
         ZK_API_Init(arm_mode, nullptr);
         socket_ = Arm_Socket_Start(address, port, 5000);
-        if (!is_open()) succeeded("Connecting", socket_);
+        if (is_open()) return;
+        succeeded("Connecting", socket_);
+        if (socket_ == ZK_WRONG_SIZE)
+            std::fprintf(stderr, "The arm mode does not fit the arm: 65 for six joints, 75 for seven.\n");
     }
     ~Arm() {
         if (is_open()) Arm_Socket_Close(socket_);
@@ -44,5 +47,12 @@ inline Arguments arguments(int argc, char** argv) {
         std::fprintf(stderr, "usage: %s ADDRESS PORT [ARM_MODE]\n", argv[0]);
         std::exit(2);
     }
-    return {argv[1], std::atoi(argv[2]), argc == 4 ? std::atoi(argv[3]) : 65};
+    const auto number = [&](int i) {
+        char* end;
+        const long value = std::strtol(argv[i], &end, 10);
+        if (*end == '\0' && value > 0 && value < 65536) return static_cast<int>(value);
+        std::fprintf(stderr, "%s: \"%s\" is no port and no arm mode\n", argv[0], argv[i]);
+        std::exit(2);
+    };
+    return {argv[1], number(2), argc == 4 ? number(3) : 65};
 }

@@ -77,22 +77,28 @@ struct Progress {
     float of(const RobotStatus& status) const { return (status.joint_position[joint] - from) / (to - from); }
 };
 
-// Moves while this thread watches the stream. `watch` sees the progress and may stop the arm; the status is the move's.
+// Moves while this thread watches the stream. `watch` sees the progress and may stop the arm; the status is the move's,
+// or that of the stream when it failed.
 template <class Watch>
 int watched_move(ArmSocket arm, const float* target, int joints, uint8_t speed, Watch watch) {
     State start;
     if (!read_state(arm, start)) return ZK_REFUSED;
     const Progress progress(start.joint, target, joints);
     auto move = std::async(std::launch::async, [&] { return Movej_Cmd(arm, target, speed, 0, 0, true); });
+    int stream = ZK_OK;
     while (move.wait_for(200ms) != std::future_status::ready) {
-        RobotStatus status;
-        if (!succeeded("Reading the stream", Get_Realtime_Arm_Joint_State(&status))) continue;
-        const float done = progress.of(status);
-        std::printf("    joint %d at %8.3f deg  %3.0f %%\n", progress.joint + 1, status.joint_position[progress.joint],
+        RobotStatus state;
+        if (const int status = Get_Realtime_Arm_Joint_State(&state)) {
+            stream = status;
+            continue;
+        }
+        const float done = progress.of(state);
+        std::printf("    joint %d at %8.3f deg  %3.0f %%\n", progress.joint + 1, state.joint_position[progress.joint],
                     100 * done);
         watch(done);
     }
-    return move.get();
+    const int status = move.get();
+    return succeeded("Reading the stream", stream) ? status : stream;
 }
 
 bool three_moves(ArmSocket arm, int joints) {
@@ -114,6 +120,7 @@ bool stop_half_way(ArmSocket arm, int joints) {
         asked = true;
         stopped = succeeded("Stopping", Move_Stop_Cmd(arm, true));
     });
+    if (!asked) std::fprintf(stderr, "The move ended, with status %d, before the stop was asked for.\n", status);
     State end;
     if (!stopped || !read_state(arm, end)) return false;
     print("stopped at", end.joint, joints);

@@ -18,15 +18,22 @@ int main(int argc, char** argv) {
     if (!succeeded("Reading the joints", Get_Current_Arm_State(arm, joint, &pose, &arm_err, &sys_err))) return 1;
     joint[0] += joint[0] > 0 ? -120.0f : 120.0f;
 
+    // The move's end wakes the stopper, through a pipe.
+    int over[2];
+    if (pipe(over) != 0) return 1;
+    const bool somebody_there = isatty(STDIN_FILENO);
     std::printf("Moving joint 1 slowly to %.0f degrees. Press Enter to stop.\n", joint[0]);
-    std::thread stopper([socket = ArmSocket(arm)] {
-        pollfd keyboard{STDIN_FILENO, POLLIN, 0};
-        poll(&keyboard, isatty(STDIN_FILENO) ? 1 : 0, isatty(STDIN_FILENO) ? -1 : 2000);
-        succeeded("Stopping", Move_Slow_Stop_Cmd(socket, true));
+    bool asked = false, stopped = false;
+    std::thread stopper([&] {
+        pollfd events[2] = {{over[0], POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}};
+        poll(events, somebody_there ? 2 : 1, somebody_there ? -1 : 2000);
+        asked = (events[0].revents & POLLIN) == 0;
+        if (asked) stopped = succeeded("Stopping", Move_Slow_Stop_Cmd(arm, true));
     });
     const int status = Movej_Cmd(arm, joint, 5, 0, 0, true);
+    (void)!write(over[1], "", 1);
     stopper.join();
 
     std::printf("The move ended with status %d: %s\n", status, ZK_Status_Text(status));
-    return status == ZK_REFUSED || status == ZK_OK ? 0 : 1;
+    return asked ? (stopped && status == ZK_REFUSED ? 0 : 1) : (status == ZK_OK ? 0 : 1);
 }

@@ -7,6 +7,7 @@
 
 #include "commands/drag_point.h"
 #include "connection/routing.h"
+#include "routes.h"
 #include "zk/algorithm.h"
 #include "zk/arm_limits.h"
 #include "zk/arm_state.h"
@@ -39,6 +40,7 @@ void unread(int, char*) {}
 
 // The tool frame in use also becomes Tool_Matrix, with its Euler angles in the place of the position.
 void tool_frame_in_use(int slot, char* message) {
+    if (!message) return Mailbox(Current_Tool_Cmd).clear(slot);
     if (parse_into<Current_Tool_Cmd, Parser_Get_Current_Tool_Frame, &FrameReply::frame>(slot, message) == ZK_OK) {
         FrameRec frame;
         read_words(&frame, &Current_Tool_Cmd[slot].frame, sizeof frame);
@@ -50,6 +52,7 @@ void tool_frame_in_use(int slot, char* message) {
 }
 
 void work_frame_in_use(int slot, char* message) {
+    if (!message) return Mailbox(Current_Work_Cmd).clear(slot);
     if (parse_into<Current_Work_Cmd, Parser_Get_Current_Work_Frame, &FrameReply::frame>(slot, message) == ZK_OK) {
         FrameRec frame;
         read_words(&frame, &Current_Work_Cmd[slot].frame, sizeof frame);
@@ -60,6 +63,7 @@ void work_frame_in_use(int slot, char* message) {
 
 // The local model follows the arm's mounting.
 void mounting(int slot, char* message) {
+    if (!message) return Mailbox(Get_Install_Pose_Cmd).clear(slot);
     if (parse_into<Get_Install_Pose_Cmd, Parser_Get_Install_Pose, &InstallPoseReply::x, &InstallPoseReply::y,
                    &InstallPoseReply::z>(slot, message) == ZK_OK) {
         InstallPoseReply reply;
@@ -78,6 +82,7 @@ void force_sensor(int slot, char* message) {
 // Reports of streamed motion go to the application's callback.
 template <int type>
 void report(int slot, char* message) {
+    if (!message) return;
     ArmMotionReport report{};
     report.report_type = type;
     report.arm_err = 8;
@@ -94,7 +99,20 @@ constexpr Handler joint_report = report<1>;
 constexpr Handler pose_report = report<2>;
 constexpr Handler force_report = report<3>;
 
-void drag_point(int slot, char* message) { save_drag_point(slot, message); }
+void drag_point(int slot, char* message) {
+    if (message) save_drag_point(slot, message);
+}
+
+// The report of a failure tells neither device nor segment: it is the arm's own, whatever the report before it said.
+void arrival(int slot, char* message) {
+    Mailbox mailbox(Move_Cmd);
+    if (!message) return mailbox.clear(slot);
+    MoveReport report{};
+    const int status = Parser_Plan_Feedback(message, &report.device, &report.trajectory_connect);
+    mailbox.fill(slot, &report);
+    mailbox.finish(slot, status);
+    mailbox.raise(slot, false);
+}
 
 // clang-format off
 constexpr Route routes[] = {
@@ -178,7 +196,7 @@ constexpr Route routes[] = {
     {{"set_init_pose"}, 61, set<Set_Arm_Init_Pose_Cmd, Parser_Set_Arm_Init_Pose>},
     {{"init_pose"}, 62, add<Get_Arm_Init_Pose_Cmd, Parser_Get_Arm_Init_Pose, &JointReply::value>},
     {{"set_install_pose"}, 63, set<Set_Install_Pose_Cmd, Parser_Set_Hand>},
-    {{"current_trajectory_state"}, 64, set<Move_Cmd, Parser_Plan_Feedback, &MoveReport::device, &MoveReport::trajectory_connect>},
+    {{"current_trajectory_state"}, 64, arrival},
     {{"joint_state"}, 65, joint_report},
     {{"pose_state"}, 66, pose_report},
     {{"set_arm_stop"}, 67, set<Set_Arm_Stop_Cmd, Parser_Move_Stop>},
@@ -372,6 +390,11 @@ const Route* find_route(const char* message) {
 }
 
 }  // namespace
+
+void forget_replies(int slot) {
+    for (const Route& route : routes) route.handle(slot, nullptr);
+}
+
 }  // namespace zk
 
 ZK_API int Get_Json_KeyCode(const char* message) {

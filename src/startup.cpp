@@ -13,6 +13,7 @@
 
 #include "connection/realtime.h"
 #include "connection/slots.h"
+#include "routes.h"
 #include "zk/algorithm.h"
 #include "zk/arm_state.h"
 #include "zk/frames.h"
@@ -85,9 +86,12 @@ int learn_frames(ArmSocket s) {
     return ZK_OK;
 }
 
+// Without the plain name's comparison: degrees do not come back from the model to the last bit.
 int learn_mounting(ArmSocket s) {
     float x = 0, y = 0, z = 0;
-    return Get_Install_Pose(s, &x, &y, &z);
+    if (const int status = Get_Install_Pose_Block(s, &x, &y, &z)) return status;
+    Algo_Set_Angle(x, y, z);
+    return ZK_OK;
 }
 
 // Each query puts its limits into the model on its way.
@@ -116,6 +120,7 @@ int prepare_listener(ArmSocket s) {
 int converse(ArmSocket socket, const char* address, int32_t port) {
     if (!connected(socket, address, port)) return ZK_NOT_CONNECTED;
     if (Init_Socket_Joint(read(CUR_ARM_MODE), socket) != 0) return ZK_TABLE_FULL;
+    forget_replies(slot_of(socket));
     for (const auto learn : {learn_model, learn_frames, learn_mounting, learn_limits}) {
         if (const int status = learn(socket)) return status;
     }
@@ -124,9 +129,9 @@ int converse(ArmSocket socket, const char* address, int32_t port) {
 
 // A descriptor that no status shares its number with.
 int tcp_socket() {
-    const int low = socket(AF_INET, SOCK_STREAM, 0);
-    if (low <= 0 || low > ZK_LARGEST_STATUS) return low;
-    const int descriptor = fcntl(low, F_DUPFD, ZK_LARGEST_STATUS + 1);
+    const int low = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (low < 0 || low > ZK_LARGEST_STATUS) return low;
+    const int descriptor = fcntl(low, F_DUPFD_CLOEXEC, ZK_LARGEST_STATUS + 1);
     close(low);
     return descriptor;
 }

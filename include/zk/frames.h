@@ -5,9 +5,10 @@
  * at most ten bytes. The forms: the plain name takes a flag, where there is one, and calls <name>_Block, which waits
  * for the controller's reply, or <name>_NonBlock, which only queues the request and returns 0. Statuses: 0; 1 refused;
  * 5 not an open connection; 7 no reply within m_nOutTime; 9, 10, 11 a reply that is broken, of another size, or of the
- * wrong type. The plain names add 18 during a file transfer, and 19 for a null pointer. A request too long for its
- * frame of 299 bytes, by its name, ends the process. Application threads; what touches the local model not while
- * another thread computes kinematics.
+ * wrong type. The plain names add 18 during a file transfer, and 19 for a null pointer. Keep the word
+ * "point" out of names: a reply that holds it is taken for a recorded point, and the question ends in 7. A request too
+ * long for its frame of 299 bytes, by its name, ends the process. Application threads; what touches the local model not
+ * while another thread computes kinematics.
  */
 #ifndef ZK_FRAMES_H
 #define ZK_FRAMES_H

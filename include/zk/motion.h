@@ -41,7 +41,8 @@ ZK_API int Parser_Plan_Feedback(const char* text, int32_t* device, int32_t* traj
  * thread. Movej_Cmd_NonBlock waits for the acknowledgement alone, 100 ms at most: 0 taken, 1 refused, 5, 7, 9, 11. The
  * plain name chooses by its flag and adds 18 during a file transfer and 19 for a null pointer.
  *
- * Application threads, one move a connection at a time.
+ * Application threads, one move a connection at a time: a blocking move that is sent behind one that still runs ends
+ * with the arrival of the first.
  */
 ZK_API int Movej_Cmd(ArmSocket socket, const float* joint, uint8_t v, uint8_t r, int32_t trajectory_connect,
                      bool block);

@@ -119,8 +119,9 @@ ZK_API RealtimeListener listener;
 ZK_API void Realtime_Arm_Joint_State(RealtimeCallback callback);
 
 /*
- * Copies the last state: 0; or 25 when no stream has come within m_nOutTime_max (1000 ms). The copy is of one datagram
- * whole. After the stream stops, the last state is given again and again: look at a field that moves. Any thread.
+ * Copies the last state: 0; or 25 when no datagram has come in time within m_nOutTime_max (1000 ms); one that comes
+ * more than cycle * 100 + 199 ms after the one before counts as none. The copy is of one datagram whole. After the
+ * stream stops, the last state is given again and again: look at a field that moves. Any thread.
  */
 ZK_API int Get_Realtime_Arm_Joint_State(RobotStatus* status);
 
@@ -146,7 +147,8 @@ ZK_API int Parser_Set_Realtime_Push(const char* text);
 
 /*
  * Asks the controller for its configuration; force_coordinate is -1 on an arm without a force sensor. Afterwards the
- * mailbox record of the first connection is wiped, whichever asked. Returns 0, 5, 7, 9, 11, 18, 19. Application threads.
+ * mailbox record of the first connection is wiped, whichever asked. Returns 0, 5, 7, 9, 11, 18, 19. Application
+ * threads.
  */
 ZK_API int Get_Realtime_Push(ArmSocket socket, RealtimePushConfig* config);
 ZK_API int Get_Realtime_Push_Block(ArmSocket socket, RealtimePushConfig* config);

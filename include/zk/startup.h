@@ -29,12 +29,15 @@ ZK_API Matrix Frame_Matrix;
  * address: dotted IPv4 text; host names are not resolved. timeout: without effect; a connect takes as long as the
  * system takes.
  *
- * Returns the socket, a positive number, or a status: 4 no socket; 5 no connection; -1 all 20 connections are taken, or
- * the mounting angles did not read back; 7 the controller does not answer; 9, 10, 11 an answer that is broken, of
- * another joint count than the arm mode's, or of the wrong type; 18 during a file transfer; 25 the listener could not
- * be set up (the connection stays open). A socket is always above ZK_LARGEST_STATUS, so `arm > ZK_LARGEST_STATUS` tells
- * one from a status. A failed attempt closes as Arm_Socket_Close does. Application threads, one at a time. A second arm
- * replaces the model, the frames and the limits of the first.
+ * Returns the socket, always above ZK_LARGEST_STATUS, or a status: 4 no socket; 5 no connection; -1 all 20 connections
+ * are taken; 7 the controller does not answer; 9, 10, 11 an answer that is broken, of another joint count than the arm
+ * mode's, or of the wrong type; 18 during a file transfer; 25 the listener could not be set up (the connection stays
+ * open). A failed attempt closes as Arm_Socket_Close does. Application threads, one at a time.
+ *
+ * A second arm replaces the model, the frames and the limits of the first. A controller that tells a model of no known
+ * mark keeps the model of the arm before; one that tells a combination of arm and sensor that does not exist leaves a
+ * model without joints (libalgo_get_rbt_dof() is 0). A tool or work frame in use whose name holds the word "point"
+ * makes the start end in 7: its reply is taken for a recorded point.
  */
 ZK_API ArmSocket Arm_Socket_Start(const char* address, int32_t port, int32_t timeout);
 

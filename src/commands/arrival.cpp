@@ -22,7 +22,7 @@ int early_refusal(ArmSocket socket) {
     const int32_t start = Get_Program_Runtime();
     Mailbox mailbox(Move_Receive_Cmd);
     for (;;) {
-        const int slot = Get_Socket_Idx(socket);
+        const int slot = slot_of(socket);
         if (slot < 0) return ZK_NOT_CONNECTED;
         if (mailbox.count(slot) < 1) return ZK_OK;
         mailbox.lower(slot);
@@ -32,12 +32,11 @@ int early_refusal(ArmSocket socket) {
     }
 }
 
-// Takes a report from the mailbox. One of another device, or of a segment joined to the next, is not this move's. The
-// record is wiped, since the report of a failure leaves its device and segment as they stood.
+// Takes a report from the mailbox. One of another device, or of a segment joined to the next, is not this move's.
 bool is_own_report(Mailbox mailbox, int slot, int& status) {
     MoveReport report;
+    mailbox.clear(slot);
     mailbox.copy(slot, &report);
-    mailbox.wipe(slot);
     status = report.result;
     return report.device == 0 && report.trajectory_connect == 0;
 }
@@ -48,7 +47,7 @@ int arrival(ArmSocket socket, Trajectory expected) {
     int fails = 0, idles = 0;
     const auto reported = [&](int slot) { return slot >= 0 && mailbox.count(slot) > 0; };
     for (;;) {
-        const int slot = Get_Socket_Idx(socket);
+        const int slot = slot_of(socket);
         if (slot < 0) return ZK_NOT_CONNECTED;
         if (reported(slot)) {
             int status;
@@ -62,11 +61,11 @@ int arrival(ArmSocket socket, Trajectory expected) {
             continue;
         }
         const bool idle = type == static_cast<int32_t>(Trajectory::kNone);
+        seen = seen || type == static_cast<int32_t>(expected);
         if (!idle && reported(slot)) continue;
         sleep_cp(look_ms);
-        seen = seen || type == static_cast<int32_t>(expected);
         if (!idle || (!seen && ++idles < most_idle_polls)) continue;
-        if (!reported(Get_Socket_Idx(socket))) return ZK_NO_TRAJECTORY;
+        if (!reported(slot_of(socket))) return ZK_NO_TRAJECTORY;
     }
 }
 
@@ -74,9 +73,9 @@ int arrival(ArmSocket socket, Trajectory expected) {
 
 int move_and_arrive(const Request& request, Trajectory expected, int32_t trajectory_connect) {
     const ArmSocket socket = request.socket();
-    const int slot = Get_Socket_Idx(socket);
+    const int slot = slot_of(socket);
     if (slot < 0) return ZK_NOT_CONNECTED;
-    Mailbox(Move_Cmd).wipe(slot);
+    Mailbox(Move_Cmd).clear(slot);
     Mailbox(Move_Receive_Cmd).clear(slot);
     post(request);
 
@@ -89,7 +88,7 @@ int move_and_arrive(const Request& request, Trajectory expected, int32_t traject
 
 int move_accepted(const Request& request) {
     Mailbox mailbox(Move_Receive_Cmd);
-    int slot = Get_Socket_Idx(request.socket());
+    int slot = slot_of(request.socket());
     if (slot < 0) return ZK_NOT_CONNECTED;
     post(request);
     mailbox.clear(slot);  // after queueing: an acknowledgement of an earlier move does not count

@@ -346,7 +346,7 @@ ZK_API int Auto_Fix_Joint_Over_Soft_Limit(ArmSocket s, bool block) {
 }
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit_Block(ArmSocket s) {
     Mailbox accepted(Auto_Fix_Joint_Over_Soft_Limit_Cmd), arrived(Move_Cmd);
-    int slot = Get_Socket_Idx(s);
+    int slot = slot_of(s);
     if (slot < 0) return ZK_NOT_CONNECTED;
     arrived.clear(slot);
     post({s, "auto_fix_joint_over_soft_limit"});
@@ -361,7 +361,7 @@ ZK_API int Auto_Fix_Joint_Over_Soft_Limit_Block(ArmSocket s) {
 }
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit_NonBlock(ArmSocket s) {
     Mailbox accepted(Auto_Fix_Joint_Over_Soft_Limit_Cmd);
-    int slot = Get_Socket_Idx(s);
+    int slot = slot_of(s);
     if (slot < 0) return ZK_NOT_CONNECTED;
     accepted.clear(slot);
     post({s, "auto_fix_joint_over_soft_limit"});

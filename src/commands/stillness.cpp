@@ -46,7 +46,7 @@ class StallDetector {
     int wait() {
         Mailbox reports(Move_Cmd);
         for (;;) {
-            const int slot = Get_Socket_Idx(socket_);
+            const int slot = slot_of(socket_);
             if (slot < 0) return ZK_NOT_CONNECTED;
             if (reports.count(slot) > 0) return report(reports, slot);
             if (elapsed_since(since_) >= read(m_nOutTime_max)) {
@@ -64,8 +64,8 @@ class StallDetector {
  private:
     static int report(Mailbox& reports, int slot) {
         MoveReport report;
+        reports.clear(slot);
         reports.copy(slot, &report);
-        reports.wipe(slot);
         return report.device != 0 ? int(ZK_OTHER_DEVICE) : report.result;
     }
 
@@ -89,9 +89,9 @@ class StallDetector {
 }  // namespace
 
 int move_until_still(const Request& request) {
-    const int slot = Get_Socket_Idx(request.socket());
+    const int slot = slot_of(request.socket());
     if (slot < 0) return ZK_NOT_CONNECTED;
-    Mailbox(Move_Cmd).wipe(slot);
+    Mailbox(Move_Cmd).clear(slot);
     post(request);
     return StallDetector(request.socket()).wait();
 }

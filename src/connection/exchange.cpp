@@ -58,7 +58,7 @@ int stream(const Request& request) {
 int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot) {
     const int32_t start = Get_Program_Runtime();
     for (;;) {
-        slot = Get_Socket_Idx(socket);
+        slot = slot_of(socket);
         if (slot < 0) return ZK_NOT_CONNECTED;
         if (mailbox.count(slot) > 0) return ZK_OK;
         if (elapsed_since(start) >= limit) return ZK_TIMEOUT;
@@ -69,7 +69,7 @@ int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot) {
 static int32_t limit_of(int32_t limit) { return limit > 0 ? limit : read(m_nOutTime); }
 
 int set(const Request& request, Mailbox mailbox, const SetForm& form) {
-    int slot = Get_Socket_Idx(request.socket());
+    int slot = slot_of(request.socket());
     if (slot < 0) return ZK_NOT_CONNECTED;
     if (form.clears) Mailbox(*form.clears).clear(slot);
     if (!form.clears && !form.keeps_count) mailbox.clear(slot);
@@ -86,7 +86,7 @@ int set(const Request& request, Mailbox mailbox, const SetForm& form) {
 }
 
 int exchange(const Request& request, Mailbox mailbox, const QueryForm& form, void* record, bool& arrived) {
-    int slot = Get_Socket_Idx(request.socket());
+    int slot = slot_of(request.socket());
     if (slot < 0) return ZK_NOT_CONNECTED;
     if (form.clears_before) mailbox.clear(slot);
 

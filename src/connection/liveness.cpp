@@ -17,7 +17,7 @@ ZK_API int Arm_Socket_State(ArmSocket socket) {
 
 ZK_API int Arm_Socket_State_Block(ArmSocket socket) {
     Mailbox mailbox(Joint_Max_Speed_Cmd);
-    int slot = Get_Socket_Idx(socket);
+    int slot = slot_of(socket);
     if (slot < 0) return ZK_NOT_CONNECTED;
     if (const int status = Arm_Socket_State_nBlock(socket)) return status;
     if (await(mailbox, socket, probe_limit_ms, slot)) return ZK_NOT_CONNECTED;

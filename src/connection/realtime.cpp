@@ -81,7 +81,7 @@ void handle(const char* text, const in_addr& sender) {
 }  // namespace
 
 int listen_on(int32_t port) {
-    const int descriptor = socket(AF_INET, SOCK_DGRAM, 0);
+    const int descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     write(listener.socket, static_cast<int32_t>(descriptor), std::memory_order_release);
     if (descriptor == -1) return ZK_NO_STREAM;
     const timeval timeout{2, 0};

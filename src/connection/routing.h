@@ -9,6 +9,8 @@
 
 namespace zk {
 
+// Without a message a handler forgets: a new connection has taken the slot, and what the last one left counts no
+// longer.
 using Handler = void (*)(int slot, char* message);
 
 struct Route {
@@ -50,24 +52,28 @@ int parse_into(int slot, const char* message) {
 // that a caller polling at that moment may take the former result.
 template <auto& table, auto parse, auto... fields>
 void set(int slot, char* message) {
+    if (!message) return Mailbox(table).clear(slot);
     parse_into<table, parse, fields...>(slot, message);
     Mailbox(table).raise(slot, false);
 }
 
 template <auto& table, auto parse, auto... fields>
 void add(int slot, char* message) {
+    if (!message) return Mailbox(table).clear(slot);
     parse_into<table, parse, fields...>(slot, message);
     Mailbox(table).raise(slot, true);
 }
 
 template <auto& table, auto parse, auto... fields>
 void set_first(int slot, char* message) {
+    if (!message) return Mailbox(table).clear(slot);
     Mailbox(table).raise(slot, false);
     parse_into<table, parse, fields...>(slot, message);
 }
 
 template <auto& table, auto parse, auto... fields>
 void add_first(int slot, char* message) {
+    if (!message) return Mailbox(table).clear(slot);
     Mailbox(table).raise(slot, true);
     parse_into<table, parse, fields...>(slot, message);
 }

@@ -8,6 +8,7 @@
 
 #include "connection/descriptor_use.h"
 #include "connection/realtime.h"
+#include "connection/transmit.h"
 
 SocketSlot SockInfo[ZK_SLOTS];
 int32_t m_nSockInfoLen = 0;
@@ -29,11 +30,13 @@ void DescriptorUse::wait_until_left(int descriptor) const {
     while (in_use_.load(std::memory_order_seq_cst) == descriptor) sched_yield();
 }
 
+int slot_of(ArmSocket socket) { return socket < 1 ? -1 : Get_Socket_Idx(socket); }
+
 int joint_count_of_slot(int slot) { return slot < 0 || slot >= ZK_SLOTS ? 6 : read(SockInfo[slot].joint_count); }
-int joint_count(ArmSocket socket) { return joint_count_of_slot(Get_Socket_Idx(socket)); }
+int joint_count(ArmSocket socket) { return joint_count_of_slot(slot_of(socket)); }
 
 int request_joint_count(ArmSocket socket) {
-    const int slot = Get_Socket_Idx(socket);
+    const int slot = slot_of(socket);
     return slot >= 0 && has_seven_joints(read(SockInfo[slot].arm_mode)) ? 7 : 6;
 }
 
@@ -72,6 +75,7 @@ ZK_API void Arm_Socket_Close(ArmSocket socket) {
     for (int i = slot; i >= 0 && i < ZK_SLOTS; ++i) clear(SockInfo[i]);
 
     stop_listening();
+    forget_frames(socket);
     close_unused(socket);
     if (slot >= 0) std::atomic_ref(m_nSockInfoLen).fetch_sub(1);
 }

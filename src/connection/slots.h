@@ -6,6 +6,9 @@
 
 namespace zk {
 
+// Slot of an open connection, or -1. A socket below 1 is none, though a free slot looks like the socket 0.
+int slot_of(ArmSocket socket);
+
 // Joints of a slot, and of a socket; a socket that is in no slot counts as a six-joint arm.
 int joint_count_of_slot(int slot);
 int joint_count(ArmSocket socket);

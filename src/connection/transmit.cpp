@@ -7,6 +7,7 @@
 #include "connection/descriptor_use.h"
 #include "connection/die.h"
 #include "connection/slots.h"
+#include "connection/transmit.h"
 #include "zk/queue.h"
 
 using namespace zk;
@@ -26,6 +27,17 @@ void write_frame(TxFrame& frame) {
 }
 
 }  // namespace
+
+void zk::forget_frames(ArmSocket socket) {
+    ZK_Mutex_Lock();
+    Queue_Mutex_Lock();
+    const TxQueue& queue = Socket_Tx_Buffer;
+    for (int32_t i = queue.front; queue.base && i != queue.rear; i = (i + 1) % queue.capacity) {
+        if (queue.base[i].socket == socket) queue.base[i].socket = -1;
+    }
+    Queue_Mutex_UnLock();
+    ZK_Mutex_UnLock();
+}
 
 ZK_API void Add_Queue(int32_t socket, const char* text, int32_t length) {
     const size_t bytes = length < 0 ? 0 : static_cast<size_t>(length);
