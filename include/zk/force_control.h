@@ -5,8 +5,8 @@
 #include "zk/connection.h"
 #include "zk/mailboxes.h"
 
-/* Acknowledgements: the mailboxes, and the parsers of their replies. A parser gives 0 for true, 1 for false, 9 for a text that
- * is not JSON or lacks the key, and 11 for another type (8 where told). Any thread. */
+/* Acknowledgements: the mailboxes, and the parsers of their replies. A parser gives 0 for true, 1 for false, 9 for a
+ * text that is not JSON or lacks the key, and 11 for another type (8 where told). Any thread. */
 ZK_API AckReply Set_Force_Postion_Cmd[ZK_SLOTS];
 ZK_API AckReply Stop_Force_Postion_Cmd[ZK_SLOTS];
 ZK_API AckReply Clear_Force_Data_Cmd[ZK_SLOTS];

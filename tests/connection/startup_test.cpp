@@ -13,7 +13,6 @@
 #include "support/start_up.h"
 #include "support/udp.h"
 #include "zk/algorithm.h"
-#include "zk/joint_configuration.h"
 #include "zk/arm_state.h"
 #include "zk/joint_configuration.h"
 #include "zk/realtime.h"
