@@ -4,7 +4,7 @@
  * tool, mounting and work frame are already taken out. Geometry and limits are those of the model (zk/model.h).
  *
  * Nothing here allocates or keeps anything between calls. The model is read without a lock: call from one thread at a
- * time while it may change. docs/kinematics-seven-axis.md derives the solvers.
+ * time while it may change. docs/kinematics.md derives the solvers.
  */
 #ifndef ZK_SEVEN_AXIS_H
 #define ZK_SEVEN_AXIS_H

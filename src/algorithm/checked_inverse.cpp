@@ -1,6 +1,6 @@
 // Inverse kinematics that is checked, and refined where it misses. It stands on the functions that an application
 // calls, in their units, so what is checked is what the application gets. Numbers are the equations of
-// docs/kinematics-seven-axis.md.
+// docs/kinematics.md.
 #include "zk/checked_inverse.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 // Damped least squares that keep every joint within its limits, for an arm of up to seven joints. Numbers are the
-// equations of docs/kinematics-seven-axis.md.
+// equations of docs/kinematics.md.
 #pragma once
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 // Inverse kinematics of the 72: seven axes whose wrist does not meet in a point, so there is no closed form. Numbers
-// are the equations of docs/kinematics-seven-axis.md.
+// are the equations of docs/kinematics.md.
 #include <algorithm>
 #include <cmath>
 #include <limits>

@@ -1,4 +1,4 @@
-// The sub-problems of the 75's inverse kinematics. docs/kinematics-seven-axis.md derives them; numbers in the sources
+// The sub-problems of the 75's inverse kinematics. docs/kinematics.md derives them; numbers in the sources
 // are its equations.
 #pragma once
 
