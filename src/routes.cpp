@@ -5,6 +5,7 @@
 // reached. The last rows have codes that no literal gives; they stand for commands that wait for them all the same.
 #include <cstring>
 
+#include "commands/counters.h"
 #include "commands/drag_point.h"
 #include "connection/routing.h"
 #include "routes.h"
@@ -224,9 +225,9 @@ constexpr Route routes[] = {
     {{"arm_hardware_version"}, 89, dropped},
     {{"arm_software_version"}, 90, add<Get_Arm_Software_Version_Cmd, Parser_Get_Arm_Software_Version, &SoftwareVersionReply::plan, &SoftwareVersionReply::ctrl, &SoftwareVersionReply::kernel1, &SoftwareVersionReply::kernel2, &SoftwareVersionReply::product>},
     {{"get_log_file"}, 91, dropped},
-    {{"get_system_runtime"}, 92, add<Get_System_Runtime_Cmd, Parser_Get_System_Runtime, &SystemRuntimeReply::day, &SystemRuntimeReply::hour, &SystemRuntimeReply::min, &SystemRuntimeReply::sec>},
+    {{"get_system_runtime"}, 92, add<Get_System_Runtime_Cmd, read_system_runtime, &SystemRuntimeReply::told, &SystemRuntimeReply::day, &SystemRuntimeReply::hour, &SystemRuntimeReply::min, &SystemRuntimeReply::sec>},
     {{"clear_system_runtime"}, 93, set_first<Clear_System_Runtime_Cmd, Parser_Clear_System_Err>},
-    {{"get_joint_odom"}, 94, add<Get_Joint_Odom_Cmd, Parser_Get_Joint_Odom, &JointReply::value>},
+    {{"get_joint_odom"}, 94, add<Get_Joint_Odom_Cmd, read_joint_odom, &JointOdomReply::told, &JointOdomReply::value>},
     {{"clear_joint_odom"}, 95, set<Clear_Joint_Odom_Cmd, Parser_Clear_System_Err>},
     {{"set_high_speed_eth"}, 96, set<Set_High_Speed_Eth_Cmd, Parser_Set_High_Speed_Eth>},
     {{"set_tool_DO_state"}, 106, set<Set_Tool_DO_State_Cmd, Parser_Set_Tool_DO_State_2>},

@@ -92,7 +92,15 @@ typedef struct SystemRuntimeReply {
     int32_t count;
     int32_t result;
     int32_t day, hour, min, sec;
+    int32_t told; /* 0 when the controller could not tell */
 } SystemRuntimeReply;
+
+typedef struct JointOdomReply {
+    int32_t count;
+    int32_t result;
+    float value[8];
+    int32_t told; /* 0 when the controller could not tell */
+} JointOdomReply;
 
 typedef struct Rs485Reply {
     int32_t count;
@@ -175,8 +183,8 @@ ZK_API int Get_Log_File(ArmSocket socket, bool block);
 ZK_API int Get_Log_File_Block(ArmSocket socket);
 ZK_API int Get_Log_File_NonBlock(ArmSocket socket);
 
-/* Asks how long the system has run. While the controller cannot tell, the result is 0 and the record's last values
- * come. */
+/* Asks how long the system has run. While the controller cannot tell, the result is 0 and the outputs stay as they
+ * were. */
 ZK_API SystemRuntimeReply Get_System_Runtime_Cmd[ZK_SLOTS];
 ZK_API int Get_System_Runtime(ArmSocket socket, int32_t* day, int32_t* hour, int32_t* min, int32_t* sec);
 ZK_API int Get_System_Runtime_Block(ArmSocket socket, int32_t* day, int32_t* hour, int32_t* min, int32_t* sec);
@@ -190,7 +198,7 @@ ZK_API int Clear_System_Runtime_NonBlock(ArmSocket socket);
 
 /* Asks for the odometers of the connection's joints, in degrees; as with the run time while the controller cannot tell.
  */
-ZK_API JointReply Get_Joint_Odom_Cmd[ZK_SLOTS];
+ZK_API JointOdomReply Get_Joint_Odom_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Odom(ArmSocket socket, float* odom);
 ZK_API int Get_Joint_Odom_Block(ArmSocket socket, float* odom);
 ZK_API int Parser_Get_Joint_Odom(const char* text, float* odom);

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "commands/counters.h"
 #include "connection/exchange.h"
 #include "connection/pending.h"
 #include "connection/reply.h"
@@ -15,10 +16,11 @@ using namespace zk;
 
 namespace {
 
-// An optional word that says that the controller has no numbers to tell: the reply ends well, with nothing stored.
-bool tells_state_alone(Reply& reply) {
+// A word about the system's state stands where the controller has no numbers: the reply ends well, with nothing stored.
+bool tells_numbers(Reply& reply) {
     const Item state = reply.find("sys_state");
-    return state && (reply.require(state.is_text(), ZK_WRONG_TYPE), true);
+    if (state) reply.require(state.is_text(), ZK_WRONG_TYPE);
+    return !state;
 }
 
 // A text of a reply into a field of the record, and from there, its length known to fit, to the caller.
@@ -179,6 +181,7 @@ ZK_API int Get_System_Runtime(ArmSocket s, int32_t* day, int32_t* hour, int32_t*
 }
 ZK_API int Get_System_Runtime_Block(ArmSocket s, int32_t* day, int32_t* hour, int32_t* min, int32_t* sec) {
     return query({s, "get_system_runtime"}, Get_System_Runtime_Cmd, [&](const SystemRuntimeReply& reply) {
+        if (!reply.told) return;
         *day = reply.day;
         *hour = reply.hour;
         *min = reply.min;
@@ -186,8 +189,13 @@ ZK_API int Get_System_Runtime_Block(ArmSocket s, int32_t* day, int32_t* hour, in
     });
 }
 ZK_API int Parser_Get_System_Runtime(const char* text, int32_t* day, int32_t* hour, int32_t* min, int32_t* sec) {
+    int32_t told;
+    return read_system_runtime(text, &told, day, hour, min, sec);
+}
+int zk::read_system_runtime(const char* text, int32_t* told, int32_t* day, int32_t* hour, int32_t* min, int32_t* sec) {
     Reply reply(text);
-    if (tells_state_alone(reply)) return reply.status();
+    *told = tells_numbers(reply);
+    if (!*told) return reply.status();
     const auto take = [&](const char* key, int32_t* value) {
         if (const Item number = reply.number(reply.root(), key)) *value = number.integer();
     };
@@ -207,14 +215,21 @@ ZK_API int Clear_System_Runtime_Block(ArmSocket s) {
 }
 ZK_API int Clear_System_Runtime_NonBlock(ArmSocket s) { return post({s, "clear_system_runtime"}); }
 
-JointReply Get_Joint_Odom_Cmd[ZK_SLOTS];
+JointOdomReply Get_Joint_Odom_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Odom(ArmSocket s, float* odom) { return checked(Get_Joint_Odom_Block, s, odom); }
 ZK_API int Get_Joint_Odom_Block(ArmSocket s, float* odom) {
-    return query_joints(s, "get_joint_odom", Get_Joint_Odom_Cmd, odom);
+    return query({s, "get_joint_odom"}, Get_Joint_Odom_Cmd, [&](const JointOdomReply& reply) {
+        if (reply.told) copy_joints(s, reply.value, odom);
+    });
 }
 ZK_API int Parser_Get_Joint_Odom(const char* text, float* odom) {
+    int32_t told;
+    return read_joint_odom(text, &told, odom);
+}
+int zk::read_joint_odom(const char* text, int32_t* told, float* odom) {
     Reply reply(text);
-    if (tells_state_alone(reply)) return reply.status();
+    *told = tells_numbers(reply);
+    if (!*told) return reply.status();
     const Item array = reply.array(reply.root(), "odom");
     for (int i = 0; i < array.size() && i < 8; ++i) odom[i] = static_cast<float>(array[i].integer());
     return reply.status();
@@ -405,9 +420,7 @@ ZK_API int Get_Arm_Run_Mode(ArmSocket s, int32_t* mode) {
 ZK_API int Get_Arm_Run_Mode_Block_NC_E(ArmSocket s, int32_t* mode) {
     return query_value(s, "get_arm_run_mode", Get_Arm_Run_Mode_NC_Cmd, mode);
 }
-ZK_API int Parser_Get_Arm_Run_Mode_NC_E(const char* text, int32_t* mode) {
-    return integer_value(text, "mode", mode, ZK_NOT_BOOLEAN);
-}
+ZK_API int Parser_Get_Arm_Run_Mode_NC_E(const char* text, int32_t* mode) { return integer_value(text, "mode", mode); }
 
 // Requests without a reply, blocking by name only.
 ZK_API int Set_WiFi_AP_Data(ArmSocket s, const char* name, const char* password) {

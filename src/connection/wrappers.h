@@ -56,10 +56,11 @@ int settled_query(Form form, Arguments... arguments) {
     return settled(true, form, form, arguments...);
 }
 
-// A pause of two milliseconds, then the blocking form with SuspendQueue raised.
+// Checked, then a pause of two milliseconds and the blocking form with SuspendQueue raised.
 template <class Form, class... Arguments>
 int briefly_settled(Form form, Arguments... arguments) {
     if (sending_file()) return ZK_SENDING_FILE;
+    if (any_null(arguments...)) return ZK_BAD_ARGUMENT;
     sleep_cp(2);
     return suspended(form, arguments...);
 }

@@ -187,6 +187,8 @@ TEST(ArmLimitsGuards, NullPointersAreToldAndNothingIsSent) {
                          {CALL(Get_Teach_Frame, (s, nullptr))}});
 }
 
+TEST(ArmLimitsGuards, SuspendWhileTheyWait) { expect_suspension({{CALL(Set_System_State_Servo, (s, 1, true))}}); }
+
 TEST(ArmLimitsParsers, Acknowledgements) {
     for (const AckParser& parser : {
              AckParser{Parser_Arm_Line_Speed, "arm_line_speed", 8},

@@ -253,6 +253,14 @@ TEST(JointConfigurationGuards, NullPointersAreToldAndNothingIsSent) {
                          {CALL(Get_Calibrate_State, (s, state, words, nullptr))}});
 }
 
+TEST(JointConfigurationGuards, SuspendWhileTheyWait) {
+    expect_suspension(
+        {{CALL(Start_Calibrate, (s, true))},
+         {CALL(Stop_Calibrate, (s, true))},
+         {ASK(Get_Calibrate_State)},
+         {CALL(Auto_Set_Joint_Limit, (s, 1)), R"({"command":"auto_set_joint_limit","limit_mode":true})"}});
+}
+
 // The three that look at the connection: first whether there is one, then whether the library runs.
 TEST(JointConfigurationGuards, NoConnectionNoThreads) {
     EXPECT_EQ(Set_Joint_Speed(0, 1, 1, false), 5);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <future>
 #include <regex>
 #include <sstream>
 
@@ -122,6 +123,11 @@ CommandCase CommandCase::wiping() const {
     row.wipes = true;
     return row;
 }
+CommandCase CommandCase::losing_its_status() const {
+    CommandCase row = *this;
+    row.status_lost = true;
+    return row;
+}
 CommandCase CommandCase::on(int mode) const {
     CommandCase row = *this;
     row.arm_mode = mode;
@@ -229,6 +235,24 @@ void expect_nothing_sent(const std::vector<BadCall>& calls, int status) {
     std::string told;
     for (const BadCall& bad : calls) EXPECT_EQ(bad.call(arm, told), status) << bad.name;
     expect_silence(controller, arm);
+}
+
+void expect_suspension(const std::vector<SuspendedCall>& calls) {
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    const ArmSocket arm = connect_arm(controller);
+    for (const SuspendedCall& call : calls) {
+        SCOPED_TRACE(call.name);
+        set_shared(m_nOutTime, 60000);
+        std::string told;
+        std::future<int> status = std::async(std::launch::async, [&] { return call.call(arm, told); });
+        EXPECT_NE(controller.next_request(), "");
+        EXPECT_EQ(shared(SuspendQueue), 1);
+        if (call.reply.empty()) set_shared(m_nOutTime, 1);
+        if (!call.reply.empty()) controller.say(call.reply);
+        EXPECT_EQ(status.get(), call.reply.empty() ? 7 : 0);
+        EXPECT_EQ(shared(SuspendQueue), 0);
+    }
 }
 
 std::string commands_without_row(const std::string& header, const std::vector<CommandCase>& rows) {

@@ -76,6 +76,7 @@ struct CommandCase {
     CommandCase taking_old_replies() const;
     CommandCase clearing_old_replies() const;
     CommandCase wiping() const;
+    CommandCase losing_its_status() const;
     CommandCase on(int mode) const;
     CommandCase giving(int other_status) const;
 };
@@ -122,6 +123,14 @@ struct BadCall {
     Call call;
 };
 void expect_nothing_sent(const std::vector<BadCall>& calls, int status = 19);
+
+// Calls that hold SuspendQueue at 1 while they wait. They end by a reply, or by their limit where none reaches them.
+struct SuspendedCall {
+    std::string name;
+    Call call;
+    std::string reply = {};
+};
+void expect_suspension(const std::vector<SuspendedCall>& calls);
 
 // The commands that a header of include/zk declares and no row is named after. Parsers are no commands.
 std::string commands_without_row(const std::string& header, const std::vector<CommandCase>& rows);

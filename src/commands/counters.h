@@ -1,0 +1,12 @@
+// The replies about the controller's counters. A controller that cannot tell them says so instead, and then the
+// callers' outputs stay as they were: `told` says which it was.
+#pragma once
+
+#include <cstdint>
+
+namespace zk {
+
+int read_system_runtime(const char* text, int32_t* told, int32_t* day, int32_t* hour, int32_t* min, int32_t* sec);
+int read_joint_odom(const char* text, int32_t* told, float* odom);
+
+}  // namespace zk

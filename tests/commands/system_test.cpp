@@ -1,0 +1,511 @@
+// System and network: every command on the wire, its guards, and its parsers.
+#include "zk/system.h"
+
+#include <gtest/gtest.h>
+
+#include "support/command_case.h"
+#include "support/parser_case.h"
+#include "support/simulated_arm.h"
+
+namespace {
+
+using namespace zk::test;
+
+const char* const kSoftwareInfo =
+    R"({"state":"arm_software_info","Product_version":"ZK65-6F","algorithm_info":{"version":"1.4.8"},)"
+    R"("ctrl_info":{"build_time":"2024/05/17 10:12:13","version":"V1.6.5"},"dynamic_info":{"model_version":"2"},)"
+    R"("plan_info":{"build_time":"2024/05/17 10:14:15","version":"V1.6.6"}})";
+const char* const kSoftwareInfoTold = "ZK65-6F, 1.4.8, 2024/05/17 10:12:13, V1.6.5, 2, 2024/05/17 10:14:15, V1.6.6";
+const char* const kVersions =
+    R"({"state":"arm_software_version","Plan_version":1048576,"Ctrl_version":43981,"Real-time_Kernal1":0,)"
+    R"("Real-time_Kernal2":-1,"Product_version":"ZK65-B"})";
+const char* const kWifi =
+    R"({"state":"get_wifi_net","channel":6,"ip":"192.168.10.18","mac":"02:00:00:00:00:18","mask":"255.255.255.0",)"
+    R"("mode":"sta","password":"secret","ssid":"hall"})";
+const char* const kWifiTold = "6, 192.168.10.18, 02:00:00:00:00:18, 255.255.255.0, sta, secret, hall";
+
+// Versions without a buffer for the product.
+const auto kWithoutProduct = [](ArmSocket s, std::string& told) {
+    const auto call = [](ArmSocket arm, char* plan, char* ctrl, char* kernel1, char* kernel2) {
+        return Get_Arm_Software_Version(arm, plan, ctrl, kernel1, kernel2, nullptr);
+    };
+    return with_outputs<char, char, char, char>(told, call, s);
+};
+
+const std::vector<CommandCase> kRows = {
+    // 64 is off.
+    acknowledged(CALL(Set_Arm_Power, (s, 0, true)), Set_Arm_Power_Cmd,
+                 R"({"command": "set_arm_power", "arm_power": 64})", R"({"command":"set_arm_power","arm_power":true})"),
+    acknowledged(CALL(Set_Arm_Power_Block, (s, 200)), Set_Arm_Power_Cmd,
+                 R"({"command": "set_arm_power", "arm_power": 1})", R"({"command":"set_arm_power","arm_power":true})"),
+    queued(CALL(Set_Arm_Power_NonBlock, (s, 0)), R"({"command": "set_arm_power", "arm_power": 64})"),
+    answered(ASK(Get_Arm_Power_State), Get_Arm_Power_State_Cmd, R"({"command": "get_arm_power_state"})",
+             R"({"state":"arm_power_state","power_state":1})", "1"),
+    answered(ASK(Get_Arm_Power_State_Block), Get_Arm_Power_State_Cmd, R"({"command": "get_arm_power_state"})",
+             R"({"state":"arm_power_state","power_state":1})", "1"),
+    acknowledged(CALL(Clear_System_Err, (s, true)), Clear_System_Err_Cmd, R"({"command": "clear_system_err"})",
+                 R"({"command":"clear_system_err","clear_state":true})"),
+    acknowledged(CALL(Clear_System_Err_Block, (s)), Clear_System_Err_Cmd, R"({"command": "clear_system_err"})",
+                 R"({"command":"clear_system_err","clear_state":true})"),
+    queued(CALL(Clear_System_Err_NonBlock, (s)), R"({"command": "clear_system_err"})"),
+    answered(ASK(Get_Controller_State), Get_Controller_State_Cmd, R"({"command": "get_controller_state"})",
+             R"({"state":"controller_state","voltage":24001,"current":1200,"temperature":-38000,"err_flag":65537})",
+             "24.001; 1.2; -38; 1")
+        .absorbing(),
+    answered(ASK(Get_Controller_State_Block), Get_Controller_State_Cmd, R"({"command": "get_controller_state"})",
+             R"({"state":"controller_state","voltage":24000,"current":1200,"temperature":38000,"err_flag":0})",
+             "24; 1.2; 38; 0")
+        .absorbing(),
+
+    unheard(ASK(Get_Arm_Hardware_Version), R"({"command": "get_arm_hardware_version"})",
+            R"({"state":"arm_hardware_version","version":"1.0"})"),
+    unheard(ASK(Get_Arm_Hardware_Version_Block), R"({"command": "get_arm_hardware_version"})",
+            R"({"state":"arm_hardware_version","version":"1.0"})"),
+    answered(ASK(Get_Arm_Software_Version), Get_Arm_Software_Version_Cmd, R"({"command": "get_arm_software_version"})",
+             kVersions, "100000; ABCD; 0; FFFFFFFF; ZK65-B"),
+    answered("WithoutProduct_Get_Arm_Software_Version", kWithoutProduct, Get_Arm_Software_Version_Cmd,
+             R"({"command": "get_arm_software_version"})", kVersions, "100000; ABCD; 0; FFFFFFFF"),
+    answered(ASK(Get_Arm_Software_Version_Block), Get_Arm_Software_Version_Cmd,
+             R"({"command": "get_arm_software_version"})", kVersions, "100000; ABCD; 0; FFFFFFFF; ZK65-B"),
+    answered(ASK(Get_Arm_Software_Info), Get_Arm_Software_Info_Cmd, R"({"command": "get_arm_software_info"})",
+             kSoftwareInfo, kSoftwareInfoTold)
+        .wiping()
+        .losing_its_status(),
+    answered(ASK(Get_Arm_Software_Info_Block), Get_Arm_Software_Info_Cmd, R"({"command": "get_arm_software_info"})",
+             kSoftwareInfo, kSoftwareInfoTold)
+        .wiping()
+        .losing_its_status(),
+    answered(ASK(Get_Tool_Software_Version), Get_Tool_SoftWare_Version_Cmd,
+             R"({"command": "get_tool_software_version"})", R"({"state":"tool_software_version","version":256})",
+             "256"),
+    answered(ASK(Get_Tool_Software_Version_Block), Get_Tool_SoftWare_Version_Cmd,
+             R"({"command": "get_tool_software_version"})", R"({"state":"tool_software_version","version":256})",
+             "256"),
+
+    unheard(CALL(Get_Log_File, (s, true)), R"({"command": "get_log_file"})",
+            R"({"command":"get_log_file","set_state":true})"),
+    unheard(CALL(Get_Log_File_Block, (s)), R"({"command": "get_log_file"})",
+            R"({"command":"get_log_file","set_state":true})"),
+    queued(CALL(Get_Log_File_NonBlock, (s)), R"({"command": "get_log_file"})"),
+    answered(ASK(Get_System_Runtime), Get_System_Runtime_Cmd, R"({"command": "get_system_runtime"})",
+             R"({"state":"get_system_runtime","day":1,"hour":2,"min":3,"sec":4})", "1; 2; 3; 4"),
+    answered(ASK(Get_System_Runtime_Block), Get_System_Runtime_Cmd, R"({"command": "get_system_runtime"})",
+             R"({"state":"get_system_runtime","day":1,"hour":2,"min":3,"sec":4})", "1; 2; 3; 4"),
+    answered("Untold_" ASK(Get_System_Runtime), Get_System_Runtime_Cmd, R"({"command": "get_system_runtime"})",
+             R"({"state":"get_system_runtime","sys_state":"error"})", ""),
+    acknowledged(CALL(Clear_System_Runtime, (s, true)), Clear_System_Runtime_Cmd,
+                 R"({"command": "clear_system_runtime"})", R"({"command":"clear_system_runtime","clear_state":true})"),
+    acknowledged(CALL(Clear_System_Runtime_Block, (s)), Clear_System_Runtime_Cmd,
+                 R"({"command": "clear_system_runtime"})", R"({"command":"clear_system_runtime","clear_state":true})"),
+    queued(CALL(Clear_System_Runtime_NonBlock, (s)), R"({"command": "clear_system_runtime"})"),
+    answered(ASK(Get_Joint_Odom), Get_Joint_Odom_Cmd, R"({"command": "get_joint_odom"})",
+             R"({"state":"get_joint_odom","odom":[100,2,3,4,5,-6]})", "100 2 3 4 5 -6"),
+    answered(ASK(Get_Joint_Odom_Block), Get_Joint_Odom_Cmd, R"({"command": "get_joint_odom"})",
+             R"({"state":"get_joint_odom","odom":[100,2,3,4,5,6,7]})", "100 2 3 4 5 6 7")
+        .on(75),
+    answered("Untold_" ASK(Get_Joint_Odom), Get_Joint_Odom_Cmd, R"({"command": "get_joint_odom"})",
+             R"({"state":"get_joint_odom","sys_state":"error"})", ""),
+    acknowledged(CALL(Clear_Joint_Odom, (s, true)), Clear_Joint_Odom_Cmd, R"({"command": "clear_joint_odom"})",
+                 R"({"command":"clear_joint_odom","clear_state":true})"),
+    acknowledged(CALL(Clear_Joint_Odom_Block, (s)), Clear_Joint_Odom_Cmd, R"({"command": "clear_joint_odom"})",
+                 R"({"command":"clear_joint_odom","clear_state":true})"),
+    queued(CALL(Clear_Joint_Odom_NonBlock, (s)), R"({"command": "clear_joint_odom"})"),
+
+    queued(CALL(Set_High_Speed_Eth, (s, 1, false)), R"({"command": "set_high_speed_eth", "mode": 1})"),
+    acknowledged(CALL(Set_High_Speed_Eth_Block, (s, 255)), Set_High_Speed_Eth_Cmd,
+                 R"({"command": "set_high_speed_eth", "mode": 255})",
+                 R"({"command":"set_high_speed_eth","set_state":true})"),
+    queued(CALL(Set_High_Speed_Eth_NonBlock, (s, 0)), R"({"command": "set_high_speed_eth", "mode": 0})"),
+    acknowledged(CALL(Set_High_Ethernet, (s, "192.168.1.18", "255.255.255.0", "192.168.1.1")), Set_High_Ethernet_Cmd,
+                 R"({"command": "set_high_ethernet", "ip": "192.168.1.18", "mask": "255.255.255.0", )"
+                 R"("gateway": "192.168.1.1"})",
+                 R"({"command":"set_high_ethernet","state":true})"),
+    acknowledged(CALL(Set_High_Ethernet_Block, (s, "", "b", "c")), Set_High_Ethernet_Cmd,
+                 R"({"command": "set_high_ethernet", "ip": "", "mask": "b", "gateway": "c"})",
+                 R"({"command":"set_high_ethernet","state":true})"),
+    answered(ASK(Get_High_Ethernet), Get_High_Ethernet_Cmd, R"({"command": "get_high_ethernet"})",
+             R"({"state":"get_high_ethernet","ip":"192.168.1.18","mask":"255.255.255.0","gateway":"192.168.1.1",)"
+             R"("mac":"02:00:00:00:00:18"})",
+             "192.168.1.18; 255.255.255.0; 192.168.1.1; 02:00:00:00:00:18"),
+    answered(ASK(Get_High_Ethernet_Block), Get_High_Ethernet_Cmd, R"({"command": "get_high_ethernet"})",
+             R"({"state":"get_high_ethernet","ip":"a","mask":"b","gateway":"c","mac":"d"})", "a; b; c; d"),
+    answered(ASK(Get_Wired_Net), Get_Wired_Net_Cmd, R"({"command": "get_wired_net"})",
+             R"({"state":"get_wired_net","ip":"192.168.1.18","mask":"255.255.255.0","mac":"02:00:00:00:00:18"})",
+             "192.168.1.18; 255.255.255.0; 02:00:00:00:00:18")
+        .wiping(),
+    answered(ASK(Get_Wired_Net_Block), Get_Wired_Net_Cmd, R"({"command": "get_wired_net"})",
+             R"({"state":"get_wired_net","ip":"a","mask":"b","mac":"c"})", "a; b; c")
+        .wiping(),
+    answered(ASK(Get_Wifi_Net), Get_Wifi_Net_Cmd, R"({"command": "get_wifi_net"})", kWifi, kWifiTold).wiping(),
+    answered(ASK(Get_Wifi_Net_Block), Get_Wifi_Net_Cmd, R"({"command": "get_wifi_net"})", kWifi, kWifiTold).wiping(),
+    acknowledged(CALL(Set_NetIP, (s, "192.168.1.19")), Set_NetIP_Cmd,
+                 R"({"command": "set_NetIP", "ip": "192.168.1.19"})", R"({"command":"set_NetIP","status":true})"),
+    acknowledged(CALL(Set_NetIP_Block, (s, "192.168.1.19")), Set_NetIP_Cmd,
+                 R"({"command": "set_NetIP", "ip": "192.168.1.19"})", R"({"command":"set_NetIP","status":true})"),
+    acknowledged(CALL(Set_Net_Default, (s)), Set_Net_Default_Cmd, R"({"command": "set_net_default"})",
+                 R"({"command":"set_net_default","net_default_state":true})"),
+    acknowledged(CALL(Set_Net_Default_Block, (s)), Set_Net_Default_Cmd, R"({"command": "set_net_default"})",
+                 R"({"command":"set_net_default","net_default_state":true})"),
+    // The same request under other names, whose mailbox nothing feeds.
+    unheard(CALL(Set_Controller_ResetIP_NC_E, (s)), R"({"command": "set_net_default"})",
+            R"({"command":"set_net_default","net_default_state":true})"),
+    unheard(CALL(Set_Controller_ResetIP_Block_NC_E, (s)), R"({"command": "set_net_default"})",
+            R"({"command":"set_net_default","net_default_state":true})"),
+    acknowledged(CALL(Save_Device_Info_All, (s)), Save_Device_Info_All_Cmd, R"({"command": "save_device_info_all"})",
+                 R"({"command":"save_device_info_all","model":true})"),
+    acknowledged(CALL(Save_Device_Info_All_Block, (s)), Save_Device_Info_All_Cmd,
+                 R"({"command": "save_device_info_all"})", R"({"command":"save_device_info_all","model":true})"),
+    answered(ASK(Get_Controller_RS485_Mode), Get_Controller_RS485_Cmd, R"({"command": "get_controller_RS485_mode"})",
+             R"({"state":"get_controller_RS485_mode","controller_RS485_mode":1,"baudrate":115200,"modbus_timeout":10})",
+             "1; 115200; 10"),
+    answered(ASK(Get_Controller_RS485_Mode_Block), Get_Controller_RS485_Cmd,
+             R"({"command": "get_controller_RS485_mode"})",
+             R"({"state":"get_controller_RS485_mode","controller_RS485_mode":1,"baudrate":115200,"modbus_timeout":10})",
+             "1; 115200; 10"),
+    answered(ASK(Get_Tool_RS485_Mode), Get_Tool_RS485_Cmd, R"({"command": "get_tool_RS485_mode"})",
+             R"({"state":"get_tool_RS485_mode","tool_RS485_mode":0,"baudrate":9600,"modbus_timeout":1})", "0; 9600; 1"),
+    answered(ASK(Get_Tool_RS485_Mode_Block), Get_Tool_RS485_Cmd, R"({"command": "get_tool_RS485_mode"})",
+             R"({"state":"get_tool_RS485_mode","tool_RS485_mode":0,"baudrate":9600,"modbus_timeout":1})", "0; 9600; 1"),
+    acknowledged(CALL(Set_Arm_Run_Mode, (s, 1)), Set_Arm_Run_Mode_NC_Cmd,
+                 R"({"command": "set_arm_run_mode", "mode": 1})", R"({"command":"set_arm_run_mode","mode":true})"),
+    acknowledged(CALL(Set_Arm_Run_Mode_Block_NC_E, (s, -1)), Set_Arm_Run_Mode_NC_Cmd,
+                 R"({"command": "set_arm_run_mode", "mode": -1})", R"({"command":"set_arm_run_mode","mode":true})"),
+    answered(ASK(Get_Arm_Run_Mode), Get_Arm_Run_Mode_NC_Cmd, R"({"command": "get_arm_run_mode"})",
+             R"({"state":"get_arm_run_mode","mode":1})", "1"),
+    answered(ASK(Get_Arm_Run_Mode_Block_NC_E), Get_Arm_Run_Mode_NC_Cmd, R"({"command": "get_arm_run_mode"})",
+             R"({"state":"get_arm_run_mode","mode":1})", "1"),
+
+    // Never answered, blocking by name only.
+    queued(CALL(Set_WiFi_AP_Data, (s, "arm \"1\"", "secret")),
+           R"({"command": "set_wifi_ap", "wifi_name": "arm \"1\"", "password": "secret"})"),
+    queued(CALL(Set_WiFi_AP_Data_Blcok, (s, "", "")), R"({"command": "set_wifi_ap", "wifi_name": "", "password": ""})"),
+    queued(CALL(Set_WiFI_STA_Data, (s, "hall", "secret")),
+           R"({"command": "set_wifi_sta", "router_name": "hall", "password": "secret"})"),
+    queued(CALL(Set_WiFI_STA_Data_Block, (s, "hall", "secret")),
+           R"({"command": "set_wifi_sta", "router_name": "hall", "password": "secret"})"),
+    queued(CALL(Set_USB_Data, (s, 921600)), R"({"command": "set_usb", "baudrate": 921600})"),
+    queued(CALL(Set_USB_Data_Block, (s, -1)), R"({"command": "set_usb", "baudrate": -1})"),
+    queued(CALL(Set_RS485, (s, 115200)), R"({"command": "set_RS485", "baudrate": 115200})"),
+    queued(CALL(Set_RS485_Block, (s, 115200)), R"({"command": "set_RS485", "baudrate": 115200})"),
+    queued(CALL(Set_Ethernet, (s)), R"({"command": "set_ethernet"})"),
+    queued(CALL(Set_Ethernet_Block, (s)), R"({"command": "set_ethernet"})"),
+};
+
+class System : public testing::TestWithParam<CommandCase> {};
+TEST_P(System, OnTheWire) { run(GetParam()); }
+INSTANTIATE_TEST_SUITE_P(, System, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
+
+TEST(SystemGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("system.h", kRows), ""); }
+
+TEST(SystemGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+
+TEST(SystemGuards, NullPointersAreToldAndNothingIsSent) {
+    static float value;
+    static uint16_t word;
+    static int32_t number;
+    static char text[64];
+    expect_nothing_sent({{CALL(Get_Arm_Power_State, (s, nullptr))},
+                         {CALL(Get_Controller_State, (s, nullptr, &value, &value, &word))},
+                         {CALL(Get_Controller_State, (s, &value, nullptr, &value, &word))},
+                         {CALL(Get_Controller_State, (s, &value, &value, nullptr, &word))},
+                         {CALL(Get_Controller_State, (s, &value, &value, &value, nullptr))},
+                         {CALL(Get_Arm_Hardware_Version, (s, nullptr))},
+                         {CALL(Get_Arm_Software_Version, (s, nullptr, text, text, text, text))},
+                         {CALL(Get_Arm_Software_Version, (s, text, nullptr, text, text, text))},
+                         {CALL(Get_Arm_Software_Version, (s, text, text, nullptr, text, text))},
+                         {CALL(Get_Arm_Software_Version, (s, text, text, text, nullptr, nullptr))},
+                         {CALL(Get_Arm_Software_Info, (s, nullptr))},
+                         {CALL(Get_Tool_Software_Version, (s, nullptr))},
+                         {CALL(Get_System_Runtime, (s, nullptr, &number, &number, &number))},
+                         {CALL(Get_System_Runtime, (s, &number, nullptr, &number, &number))},
+                         {CALL(Get_System_Runtime, (s, &number, &number, nullptr, &number))},
+                         {CALL(Get_System_Runtime, (s, &number, &number, &number, nullptr))},
+                         {CALL(Get_Joint_Odom, (s, nullptr))},
+                         {CALL(Set_High_Ethernet, (s, nullptr, "b", "c"))},
+                         {CALL(Get_High_Ethernet, (s, text, text, text, nullptr))},
+                         {CALL(Get_Wired_Net, (s, text, nullptr, text))},
+                         {CALL(Get_Wifi_Net, (s, nullptr))},
+                         {CALL(Set_NetIP, (s, nullptr))},
+                         {CALL(Get_Controller_RS485_Mode, (s, nullptr, &number, &number))},
+                         {CALL(Get_Controller_RS485_Mode, (s, &number, nullptr, &number))},
+                         {CALL(Get_Tool_RS485_Mode, (s, &number, &number, nullptr))},
+                         {CALL(Get_Arm_Run_Mode, (s, nullptr))},
+                         {CALL(Set_WiFi_AP_Data, (s, nullptr, "secret"))},
+                         {CALL(Set_WiFI_STA_Data, (s, "hall", nullptr))}});
+}
+
+TEST(SystemGuards, SuspendWhileTheyWait) {
+    expect_suspension({{ASK(Get_Arm_Hardware_Version)},
+                       {CALL(Get_Log_File, (s, true))},
+                       {CALL(Set_Arm_Run_Mode, (s, 1)), R"({"command":"set_arm_run_mode","mode":true})"},
+                       {ASK(Get_Arm_Run_Mode), R"({"state":"get_arm_run_mode","mode":1})"}});
+}
+
+// Whoever waits for nothing does not look at the connection.
+TEST(SystemGuards, OrdersNeedNoConnection) {
+    ZK_API_Init(65, nullptr);
+    EXPECT_EQ(Set_RS485(77, 9600), 0);
+    EXPECT_EQ(Set_Ethernet(-1), 0);
+    EXPECT_EQ(Clear_System_Err(77, true), 5);
+}
+
+// The record of the first connection is wiped before the status is read: there a broken reply looks good.
+TEST(SoftwareInfo, FailsOnOtherConnectionsOnly) {
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    set_shared(m_nOutTime, 60000);
+    const ArmSocket first = connect_arm(controller), second = connect_arm(controller);
+    controller.answer("get_arm_software_info", R"({"state":"arm_software_info","Product_version":"ZK65-B"})");
+    ArmSoftwareInfo info{};
+    EXPECT_EQ(Get_Arm_Software_Info(first, &info), 0);
+    EXPECT_STREQ(info.product_version, "ZK65-B");
+    EXPECT_EQ(Get_Arm_Software_Info(second, &info), 9);
+}
+
+// A reply without numbers leaves the outputs alone also when an earlier one had some.
+TEST(Counters, AreNotRepeatedWhenTheControllerCannotTell) {
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    set_shared(m_nOutTime, 60000);
+    const ArmSocket arm = connect_arm(controller);
+    controller.answer_in_turn("get_system_runtime",
+                              {R"({"state":"get_system_runtime","day":1,"hour":2,"min":3,"sec":4})",
+                               R"({"state":"get_system_runtime","sys_state":"error"})"});
+    int32_t day = 9, hour = 9, min = 9, sec = 9;
+    EXPECT_EQ(Get_System_Runtime(arm, &day, &hour, &min, &sec), 0);
+    day = hour = min = sec = 9;
+    EXPECT_EQ(Get_System_Runtime(arm, &day, &hour, &min, &sec), 0);
+    EXPECT_EQ(text_of({day, hour, min, sec}), "9 9 9 9");
+}
+
+// ------------------------------------------------------------------------------------------------------- Parsers --
+
+TEST(SystemParsers, Acknowledgements) {
+    for (const AckParser& parser : {
+             AckParser{Parser_Set_Arm_Power, "arm_power"},
+             {Parser_Clear_System_Err, "clear_state"},
+             {Parser_Set_High_Speed_Eth, "set_state"},
+             {Parser_Set_High_Ethernet, "state"},
+             {Parser_Set_NetIP, "status"},
+             {Parser_Set_Net_Default_Cmd, "net_default_state"},
+             {Parser_Save_Device_Info_All, "model"},
+         }) {
+        expect_acknowledgement(parser);
+    }
+}
+
+TEST(SystemParsers, Numbers) {
+    expect_number({parsing(Parser_Get_Arm_Power_State), "power_state", "1234"});
+    expect_number({parsing(Parser_Get_Tool_Software_Version), "version", "1234"});
+    expect_number({parsing(Parser_Get_Arm_Run_Mode_NC_E), "mode", "1234"});
+}
+
+// Only false is a refusal.
+TEST(SystemParsers, RunMode) {
+    const Parse parse = [](ArmSocket, const char* text, std::string&) { return Parser_Set_Arm_Run_Mode_NC_E(text); };
+    expect_parsed(parse, {{R"({"mode":true})", 0, ""},
+                          {R"({"mode":false})", 1, ""},
+                          {R"({"mode":7})", 0, ""},
+                          {R"({"mode":null})", 0, ""},
+                          {R"({"state":true})", 8, ""},
+                          {R"({"mode":)", 9, ""}});
+}
+
+TEST(SystemParsers, ControllerState) {
+    expect_parsed(
+        parsing(Parser_Controller_State),
+        {{R"({"voltage":24000,"current":1,"temperature":-1,"err_flag":65537})", 0, "24; 0.001; -0.001; 65537"},
+         {R"({"current":1,"temperature":-1,"err_flag":0})", 9, ""},
+         {R"({"voltage":24000,"current":"1"})", 11, "24; -; -; -"},
+         {R"({"voltage":24000,"current":1,"err_flag":0})", 9, "24; 0.001; -; -"},
+         {R"({"voltage":24000,"current":1,"temperature":-1})", 9, "24; 0.001; -0.001; -"},
+         {R"({"voltage":24000,"current":1,"temperature":-1,"err_flag":true})", 11, "24; 0.001; -0.001; -"},
+         {R"({"voltage":24000)", 9, ""}});
+}
+
+TEST(SystemParsers, HardwareVersionDeliversNothing) {
+    expect_parsed(parsing(Parser_Get_Arm_Hardware_Version),
+                  {{R"({"version":"1.0"})", 0, ""}, {R"({"version":1})", 11, ""}, {R"({"state":"1.0"})", 9, ""}});
+}
+
+TEST(SystemParsers, SoftwareVersions) {
+    expect_parsed(parsing(Parser_Get_Arm_Software_Version),
+                  {{R"({"Plan_version":255,"Ctrl_version":16,"Real-time_Kernal1":1,"Real-time_Kernal2":2})", 0,
+                    "FF; 10; 1; 2; -"},
+                   {R"({"Plan_version":"255","Ctrl_version":16})", 11, ""},
+                   {R"({"Plan_version":255,"Real-time_Kernal1":1,"Real-time_Kernal2":2})", 9, "FF; -; -; -; -"},
+                   {R"({"Plan_version":255,"Ctrl_version":16,"Real-time_Kernal2":2})", 9, "FF; 10; -; -; -"},
+                   {R"({"Plan_version":255,"Ctrl_version":16,"Real-time_Kernal1":1})", 9, "FF; 10; 1; -; -"},
+                   {"", 9, ""}});
+}
+
+TEST(SystemParsers, SoftwareInfo) {
+    const std::string start = R"({"Product_version":"ZK65-B",)", algorithm = R"("algorithm_info":{"version":"1"},)",
+                      ctrl = R"("ctrl_info":{"build_time":"2","version":"3"},)",
+                      dynamic = R"("dynamic_info":{"model_version":"4"},)",
+                      plan = R"("plan_info":{"build_time":"5","version":"6"}})";
+    expect_parsed(
+        parsing(Parser_Get_Arm_Software_Info),
+        {{start + algorithm + ctrl + dynamic + plan, 0, "ZK65-B, 1, 2, 3, 4, 5, 6"},
+         {"{" + algorithm + ctrl + dynamic + plan, 9, ""},
+         {R"({"Product_version":65,)" + algorithm + ctrl + dynamic + plan, 11, ""},
+         {start + ctrl + dynamic + plan, 9, "ZK65-B, -, -, -, -, -, -"},
+         {start + R"("algorithm_info":"1",)" + ctrl + dynamic + plan, 11, "ZK65-B, -, -, -, -, -, -"},
+         {start + algorithm + R"("ctrl_info":{"build_time":"2"},)" + dynamic + plan, 9, "ZK65-B, 1, 2, -, -, -, -"},
+         {start + algorithm + ctrl + dynamic + R"("plan_info":{"version":"6"}})", 9, "ZK65-B, 1, 2, 3, 4, -, -"},
+         {start + algorithm, 9, ""}});
+}
+
+// A word about the state stands in the place of the numbers.
+TEST(SystemParsers, Counters) {
+    expect_parsed(parsing(Parser_Get_System_Runtime), {{R"({"day":1,"hour":2,"min":3,"sec":4})", 0, "1; 2; 3; 4"},
+                                                       {R"({"sys_state":"error"})", 0, ""},
+                                                       {R"({"sys_state":7,"day":1,"hour":2,"min":3,"sec":4})", 11, ""},
+                                                       {R"({"day":1,"hour":"2","min":3,"sec":4})", 11, "1; -; -; -"},
+                                                       {R"({"day":1,"hour":2,"sec":4})", 9, "1; 2; -; -"},
+                                                       {R"({"hour":2,"min":3,"sec":4})", 9, ""},
+                                                       {R"({"day":1)", 9, ""}});
+    expect_parsed(parsing(Parser_Get_Joint_Odom), {{R"({"odom":[1,-2,3]})", 0, "1 -2 3"},
+                                                   {R"({"odom":[1,2,3,4,5,6,7,8,9,10]})", 0, "1 2 3 4 5 6 7 8"},
+                                                   {R"({"sys_state":"error","odom":[1]})", 0, ""},
+                                                   {R"({"sys_state":null,"odom":[1]})", 11, ""},
+                                                   {R"({"odom":7})", 11, ""},
+                                                   {R"({"joint":[1]})", 9, ""}});
+}
+
+TEST(SystemParsers, Network) {
+    expect_parsed(parsing(Parser_Get_High_Ethernet),
+                  {{R"({"ip":"a","mask":"b","gateway":"c","mac":"d"})", 0, "a; b; c; d"},
+                   {R"({"ip":"a","mask":"b","mac":"d"})", 9, "a; b; -; -"},
+                   {R"({"ip":1,"mask":"b","gateway":"c","mac":"d"})", 11, ""}});
+    expect_parsed(parsing(Parser_Get_Wired_Net), {{R"({"ip":"a","mask":"b","mac":"d"})", 0, "a; b; d"},
+                                                  {R"({"ip":"a","mac":"d"})", 9, "a; -; -"},
+                                                  {R"({"ip":"a","mask":"b","mac":null})", 11, "a; b; -"}});
+    expect_parsed(parsing(Parser_Get_Wifi_Net),
+                  {{R"({"channel":6,"ip":"a","mac":"b","mask":"c","mode":"d","password":"e","ssid":"f"})", 0,
+                    "6, a, b, c, d, e, f"},
+                   {R"({"channel":"6","ip":"a"})", 11, ""},
+                   {R"({"channel":6,"ip":"a","mask":"c"})", 9, "6, a, -, -, -, -, -"}});
+    for (const auto& [parse, key] : {std::pair{parsing(Parser_Get_Controller_RS485_Mode), "controller_RS485_mode"},
+                                     {parsing(Parser_Get_Tool_RS485_Mode), "tool_RS485_mode"}}) {
+        const std::string mode = std::string("{\"") + key + "\":1";
+        expect_parsed(parse, {{mode + R"(,"baudrate":9600,"modbus_timeout":10})", 0, "1; 9600; 10"},
+                              {mode + R"(,"modbus_timeout":10})", 9, "1; -; -"},
+                              {mode + R"(,"baudrate":"9600","modbus_timeout":10})", 11, "1; -; -"},
+                              {mode + R"(,"baudrate":9600})", 9, "1; 9600; -"},
+                              {R"({"RS485_mode":1,"baudrate":9600,"modbus_timeout":10})", 9, ""}});
+    }
+}
+
+// A text that does not fit its field, its end included, ends the process.
+void expect_room(const Parse& parse, const std::string& before, const std::string& behind, size_t size) {
+    const auto status = [&](size_t length) {
+        std::string told;
+        return parse(-1, (before + std::string(length, 'x') + behind).c_str(), told);
+    };
+    EXPECT_EQ(status(size - 1), 0) << before;
+    EXPECT_DEATH(status(size), "takes " + std::to_string(size) + " bytes, its field holds") << before;
+}
+
+TEST(SystemParsers, TextsFitTheirFields) {
+    const auto in = [](const std::string& text, const std::string& hole, const Parse& parse, size_t size) {
+        const size_t at = text.find(hole);
+        ASSERT_NE(at, std::string::npos) << hole;
+        const size_t value = at + hole.size();
+        expect_room(parse, text.substr(0, value), text.substr(text.find('"', value)), size);
+    };
+    const Parse info = parsing(Parser_Get_Arm_Software_Info), wifi = parsing(Parser_Get_Wifi_Net);
+    in(kSoftwareInfo, R"("Product_version":")", info, 10);
+    in(kSoftwareInfo, R"("algorithm_info":{"version":")", info, 20);
+    in(kSoftwareInfo, R"("ctrl_info":{"build_time":")", info, 20);
+    in(kSoftwareInfo, R"("2024/05/17 10:12:13","version":")", info, 10);
+    in(kSoftwareInfo, R"("model_version":")", info, 5);
+    in(kSoftwareInfo, R"("plan_info":{"build_time":")", info, 20);
+    in(kSoftwareInfo, R"("2024/05/17 10:14:15","version":")", info, 10);
+    in(kWifi, R"("ip":")", wifi, 16);
+    in(kWifi, R"("mac":")", wifi, 18);
+    in(kWifi, R"("mask":")", wifi, 16);
+    in(kWifi, R"("mode":")", wifi, 5);
+    in(kWifi, R"("password":")", wifi, 16);
+    in(kWifi, R"("ssid":")", wifi, 33);
+}
+
+// ------------------------------------------------------------------------------------------------- A simulated arm --
+
+TEST(SystemOfASimulatedArm, TellsOfItself) {
+    SimulatedArm arm;
+    ArmSoftwareInfo info{};
+    EXPECT_EQ(Get_Arm_Software_Info(arm, &info), 0);
+    char plan[12], ctrl[12], kernel1[12], kernel2[12], product[20];
+    EXPECT_EQ(Get_Arm_Software_Version(arm, plan, ctrl, kernel1, kernel2, product), 0);
+    EXPECT_STREQ(product, info.product_version);
+    EXPECT_STREQ(plan, "100000");
+    int32_t number = 0;
+    EXPECT_EQ(Get_Tool_Software_Version(arm, &number), 0);
+    EXPECT_EQ(number, 0x100);
+    float voltage, current, temperature;
+    uint16_t error = 1;
+    EXPECT_EQ(Get_Controller_State(arm, &voltage, &current, &temperature, &error), 0);
+    EXPECT_EQ(voltage, 24);
+    EXPECT_EQ(error, 0);
+
+    EXPECT_EQ(Set_Arm_Power(arm, 0, true), 0);
+    EXPECT_EQ(Get_Arm_Power_State(arm, &number), 0);
+    EXPECT_EQ(number, 0);
+    EXPECT_EQ(Set_Arm_Power(arm, 1, true), 0);
+    EXPECT_EQ(Get_Arm_Power_State(arm, &number), 0);
+    EXPECT_EQ(number, 1);
+    EXPECT_EQ(Set_Arm_Run_Mode(arm, 0), 0);
+    EXPECT_EQ(Get_Arm_Run_Mode(arm, &number), 0);
+    EXPECT_EQ(number, 0);
+    EXPECT_EQ(Set_Arm_Run_Mode(arm, 7), 1);
+
+    EXPECT_EQ(Clear_System_Err(arm, true), 0);
+    EXPECT_EQ(Clear_System_Runtime(arm, true), 0);
+    int32_t day = 9, hour = 9, min = 9, sec = 99;
+    EXPECT_EQ(Get_System_Runtime(arm, &day, &hour, &min, &sec), 0);
+    EXPECT_EQ(text_of({day, hour}), "0 0");
+    EXPECT_LT(sec, 60);
+    EXPECT_EQ(Clear_Joint_Odom(arm, true), 0);
+    float odom[6];
+    EXPECT_EQ(Get_Joint_Odom(arm, odom), 0);
+    EXPECT_EQ(text_of(odom), "0 0 0 0 0 0");
+    EXPECT_EQ(Get_Log_File(arm, false), 0);
+    EXPECT_EQ(Save_Device_Info_All(arm), 0);
+}
+
+TEST(SystemOfASimulatedArm, KeepsItsNetwork) {
+    SimulatedArm arm;
+    EXPECT_EQ(Set_High_Ethernet(arm, "10.0.0.2", "255.0.0.0", "10.0.0.1"), 0);
+    char ip[16], mask[16], gateway[16], mac[18];
+    EXPECT_EQ(Get_High_Ethernet(arm, ip, mask, gateway, mac), 0);
+    EXPECT_STREQ(ip, "10.0.0.2");
+    EXPECT_STREQ(gateway, "10.0.0.1");
+    EXPECT_EQ(Set_NetIP(arm, "10.0.0.3"), 0);
+    EXPECT_EQ(Set_NetIP(arm, "a text of sixteen"), 1);
+    EXPECT_EQ(Get_Wired_Net(arm, ip, mask, mac), 0);
+    EXPECT_STREQ(ip, "10.0.0.3");
+    EXPECT_STREQ(mask, "255.0.0.0");
+    EXPECT_EQ(Set_Net_Default(arm), 0);
+    EXPECT_EQ(Get_Wired_Net(arm, ip, mask, mac), 0);
+    EXPECT_STREQ(mask, "255.255.255.0");
+    EXPECT_EQ(Set_High_Speed_Eth_Block(arm, 1), 0);
+    EXPECT_EQ(Set_High_Speed_Eth_Block(arm, 9), 1);
+
+    EXPECT_EQ(Set_WiFi_AP_Data(arm, "own", "secret"), 0);
+    EXPECT_EQ(Set_WiFI_STA_Data(arm, "hall", "secret"), 0);
+    WifiNet net{};
+    EXPECT_EQ(Get_Wifi_Net(arm, &net), 0);
+    EXPECT_STREQ(net.ssid, "hall");
+    EXPECT_STREQ(net.mode, "sta");
+    EXPECT_EQ(Set_RS485(arm, 9600), 0);
+    EXPECT_EQ(Set_USB_Data(arm, 9600), 0);
+    EXPECT_EQ(Set_Ethernet(arm), 0);
+    int32_t mode = -1, baudrate = 0, timeout = -1;
+    EXPECT_EQ(Get_Controller_RS485_Mode(arm, &mode, &baudrate, &timeout), 0);
+    EXPECT_EQ(baudrate, 9600);
+    EXPECT_EQ(Get_Tool_RS485_Mode(arm, &mode, &baudrate, &timeout), 0);
+    EXPECT_EQ(mode, 0);
+}
+
+}  // namespace
