@@ -31,25 +31,39 @@ T* address(T (&values)[size]) {
     return values;
 }
 
-// Parses into a copy of the payload and publishes it. Parsers of joint arrays take the socket first.
+// A reply taken apart into a copy of the slot's record, ready to be published there. Parsers of joint arrays take the
+// socket first.
+template <auto& table, auto parse, auto... fields>
+class Parsed {
+ public:
+    Parsed(int slot, const char* message) : slot_(slot) {
+        mailbox_.copy(slot, &record_);
+        if constexpr (std::is_invocable_v<decltype(parse), const char*, decltype(address(record_.*fields))...>) {
+            status_ = parse(message, address(record_.*fields)...);
+        } else {
+            status_ = parse(read(SockInfo[slot].socket), message, address(record_.*fields)...);
+        }
+    }
+    int publish() {
+        mailbox_.fill(slot_, &record_);
+        mailbox_.finish(slot_, status_);
+        return status_;
+    }
+
+ private:
+    Mailbox mailbox_{table};
+    std::remove_reference_t<decltype(table[0])> record_;
+    int slot_;
+    int status_;
+};
+
 template <auto& table, auto parse, auto... fields>
 int parse_into(int slot, const char* message) {
-    auto record = std::remove_reference_t<decltype(table[0])>{};
-    Mailbox mailbox(table);
-    mailbox.copy(slot, &record);
-    int status;
-    if constexpr (std::is_invocable_v<decltype(parse), const char*, decltype(address(record.*fields))...>) {
-        status = parse(message, address(record.*fields)...);
-    } else {
-        status = parse(read(SockInfo[slot].socket), message, address(record.*fields)...);
-    }
-    mailbox.fill(slot, &record);
-    mailbox.finish(slot, status);
-    return status;
+    return Parsed<table, parse, fields...>(slot, message).publish();
 }
 
-// The rules of the counter: `set` makes it 1, `add` raises it by 1; with `first` it rises before the parser runs, so
-// that a caller polling at that moment may take the former result.
+// The rules of the counter: `set` makes it 1, `add` raises it by 1; with `first` it rises before the result is there,
+// so that a caller polling at that very moment may take the former one.
 template <auto& table, auto parse, auto... fields>
 void set(int slot, char* message) {
     if (!message) return Mailbox(table).clear(slot);
@@ -67,15 +81,17 @@ void add(int slot, char* message) {
 template <auto& table, auto parse, auto... fields>
 void set_first(int slot, char* message) {
     if (!message) return Mailbox(table).clear(slot);
+    Parsed<table, parse, fields...> reply(slot, message);
     Mailbox(table).raise(slot, false);
-    parse_into<table, parse, fields...>(slot, message);
+    reply.publish();
 }
 
 template <auto& table, auto parse, auto... fields>
 void add_first(int slot, char* message) {
     if (!message) return Mailbox(table).clear(slot);
+    Parsed<table, parse, fields...> reply(slot, message);
     Mailbox(table).raise(slot, true);
-    parse_into<table, parse, fields...>(slot, message);
+    reply.publish();
 }
 
 }  // namespace zk

@@ -363,7 +363,7 @@ TEST(FramesParsers, Names) {
     const std::pair<Parse, std::string> parsers[] = {{parsing(Parser_Get_All_Tool_Frame), "tool_names"},
                                                      {parsing(Parser_Get_All_Work_Frame), "frame_names"}};
     for (const auto& [parse, key] : parsers) {
-        const auto reply = [&](const std::string& names) { return "{\"" + key + "\":" + names + "}"; };
+        const auto reply = [&list = key](const std::string& names) { return "{\"" + list + "\":" + names + "}"; };
         expect_parsed(parse, {{reply(R"(["a","NULL","b"])"), 0, "a; 1"},
                               {reply(R"(["a","null","NULLx"])"), 0, "a null NULLx; 3"},
                               {reply("[]"), 0, "-; 0"},
