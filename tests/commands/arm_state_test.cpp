@@ -261,7 +261,7 @@ TEST_F(Mounting, GoesIntoTheModelAtOnceOrAfterConsent) {
     EXPECT_EQ(Set_Install_Pose_NonBlock(arm_, 1, 2, 3), 0);
     EXPECT_EQ(Set_Install_Pose_Block(arm_, 1, 2, 3), 0);
     EXPECT_EQ(model(), "0 90 180");
-    IsSendFile = 1;
+    set_shared(IsSendFile, 1);
     EXPECT_EQ(Set_Install_Pose(arm_, false, 1, 2, 3), 18);
     EXPECT_EQ(model(), "0 90 180");
     set_shared(IsSendFile, 0);

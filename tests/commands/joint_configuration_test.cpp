@@ -270,7 +270,7 @@ TEST(JointConfigurationGuards, NoConnectionNoThreads) {
     EXPECT_EQ(Set_Joint_Acc(77, 1, 1, true), 2);
     EXPECT_EQ(Set_Joint_Zero_Pos(77, 1, true), 2);
     EXPECT_EQ(Set_Joint_Min_Pos(77, 1, 1, true), 5) << "who waits for a reply needs a slot";
-    IsSendFile = 1;
+    set_shared(IsSendFile, 1);
     EXPECT_EQ(Set_Joint_Speed(0, 1, 1, false), 18);
     EXPECT_EQ(Set_Joint_Zero_Pos(0, 1, false), 18);
 }
