@@ -18,7 +18,8 @@ Controller::Controller(const Options& options)
       init_pose(options.model.joint_count(), 0.0),
       push(options.push),
       commands_(all_commands()),
-      solver_(arm.model().chain) {
+      solver_(arm.model().chain),
+      inverse_(arm.model()) {
     faults.delay_ms = options.delay_ms;
     for (const std::string& name : options.silent_on) {
         if (!commands_.find(name)) throw std::invalid_argument("--silent-on: unknown command '" + name + "'");
@@ -94,13 +95,21 @@ KDL::Frame Controller::flange_pose() const {
     return flange;
 }
 
-KDL::Frame Controller::mounted_flange() const {
-    const auto& [rx, ry, rz] = install;
-    return KDL::Frame(KDL::Rotation::RPY(rx * kRadians, ry * kRadians, rz * kRadians)) * flange_pose();
+KDL::Frame Controller::mounted_flange() const { return mounting() * flange_pose(); }
+
+KDL::Frame Controller::tool_pose() const { return surroundings().tool_of(flange_pose()); }
+
+Surroundings Controller::surroundings() const {
+    return {frame_of(works.current().pose).Inverse() * mounting(), frame_of(tools.current().pose)};
 }
 
-KDL::Frame Controller::tool_pose() const {
-    return frame_of(works.current().pose).Inverse() * mounted_flange() * frame_of(tools.current().pose);
+std::optional<JointVector> Controller::joints_at(const KDL::Frame& tool, const JointVector& seed) const {
+    return inverse_.solve(surroundings().flange_of(tool), seed, arm.limits);
+}
+
+KDL::Frame Controller::mounting() const {
+    const auto& [rx, ry, rz] = install;
+    return KDL::Frame(KDL::Rotation::RPY(rx * kRadians, ry * kRadians, rz * kRadians));
 }
 
 }  // namespace sim

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <kdl/chainfksolverpos_recursive.hpp>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -11,6 +12,7 @@
 #include "client.h"
 #include "command_table.h"
 #include "frames.h"
+#include "inverse.h"
 #include "options.h"
 #include "push.h"
 
@@ -53,6 +55,13 @@ class Controller {
     KDL::Frame mounted_flange() const;  // in the room, with the mounting angles
     KDL::Frame tool_pose() const;       // of the current tool in the current work frame
 
+    // The frames and the mounting in force.
+    Surroundings surroundings() const;
+
+    // The joints near `seed`, within their limits, at which the current tool has this pose in the current work frame;
+    // nothing where the arm cannot have it.
+    std::optional<JointVector> joints_at(const KDL::Frame& tool, const JointVector& seed) const;
+
     const CommandTable& commands() const { return commands_; }
 
     Arm arm;
@@ -68,9 +77,11 @@ class Controller {
 
  private:
     void carry_out(const Command& command, Call& call);
+    KDL::Frame mounting() const;
 
     CommandTable commands_;
     mutable KDL::ChainFkSolverPos_recursive solver_;
+    mutable InverseKinematics inverse_;
     int64_t steps_ = 0;
 };
 

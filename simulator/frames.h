@@ -14,6 +14,17 @@ using WirePose = std::array<int, 6>;
 KDL::Frame frame_of(const WirePose& pose);
 WirePose wire_pose(const KDL::Frame& frame);
 
+// What lies before and behind the arm: its base in the work frame, and the tool on its flange.
+struct Surroundings {
+    KDL::Frame work_T_base;
+    KDL::Frame flange_T_tool;
+
+    KDL::Frame tool_of(const KDL::Frame& flange) const { return work_T_base * flange * flange_T_tool; }
+    KDL::Frame flange_of(const KDL::Frame& tool) const {
+        return work_T_base.Inverse() * tool * flange_T_tool.Inverse();
+    }
+};
+
 struct Frame {
     WirePose pose{};
     double payload = 0;             // thousandths of a kilogram, as sent
