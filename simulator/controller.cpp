@@ -3,6 +3,7 @@
 #include <numbers>
 
 #include "commands.h"
+#include "inverse.h"
 #include "note.h"
 
 namespace sim {
@@ -19,7 +20,7 @@ Controller::Controller(const Options& options)
       push(options.push),
       commands_(all_commands()),
       solver_(arm.model().chain),
-      inverse_(arm.model()) {
+      inverse_(std::make_unique<InverseKinematics>(arm.model())) {
     faults.delay_ms = options.delay_ms;
     for (const std::string& name : options.silent_on) {
         if (!commands_.find(name)) throw std::invalid_argument("--silent-on: unknown command '" + name + "'");
@@ -49,6 +50,8 @@ Controller::Controller(const Options& options)
         }
     };
 }
+
+Controller::~Controller() = default;
 
 void Controller::handle(std::string_view text, const std::shared_ptr<Client>& client) {
     try {
@@ -104,7 +107,7 @@ Surroundings Controller::surroundings() const {
 }
 
 std::optional<JointVector> Controller::joints_at(const KDL::Frame& tool, const JointVector& seed) const {
-    return inverse_.solve(surroundings().flange_of(tool), seed, arm.limits);
+    return inverse_->solve(surroundings().flange_of(tool), seed, arm.limits);
 }
 
 KDL::Frame Controller::mounting() const {

@@ -12,11 +12,12 @@
 #include "client.h"
 #include "command_table.h"
 #include "frames.h"
-#include "inverse.h"
 #include "options.h"
 #include "push.h"
 
 namespace sim {
+
+class InverseKinematics;
 
 // The faults on demand.
 struct Faults {
@@ -39,6 +40,7 @@ struct CartesianLimits {
 class Controller {
  public:
     explicit Controller(const Options& options);
+    ~Controller();
     Controller(const Controller&) = delete;
     Controller& operator=(const Controller&) = delete;
 
@@ -81,7 +83,7 @@ class Controller {
 
     CommandTable commands_;
     mutable KDL::ChainFkSolverPos_recursive solver_;
-    mutable InverseKinematics inverse_;
+    std::unique_ptr<InverseKinematics> inverse_;
     int64_t steps_ = 0;
 };
 
