@@ -2,6 +2,7 @@
 #include "zk/teach.h"
 
 #include "commands/stillness.h"
+#include "connection/elapsed.h"
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
@@ -55,8 +56,19 @@ AckReply Pos_Teach_Cmd_Cmd[ZK_SLOTS];
 ZK_API int Pos_Teach_Cmd(ArmSocket s, int32_t type, uint8_t direction, uint8_t v, bool block) {
     return guarded(block ? Pos_Teach_Cmd_Block : Pos_Teach_Cmd_NonBlock, s, type, direction, v);
 }
+// The one wait that looks without a pause, until the same limit.
 ZK_API int Pos_Teach_Cmd_Block(ArmSocket s, int32_t type, uint8_t direction, uint8_t v) {
-    return set(pos_teach(s, type, direction, v), Pos_Teach_Cmd_Cmd);
+    Mailbox mailbox(Pos_Teach_Cmd_Cmd);
+    int slot = slot_of(s);
+    if (slot < 0) return ZK_NOT_CONNECTED;
+    mailbox.clear(slot);
+    post(pos_teach(s, type, direction, v));
+    for (const int32_t start = Get_Program_Runtime(); mailbox.count(slot) < 1;) {
+        if (elapsed_since(start) >= read(m_nOutTime)) return ZK_TIMEOUT;
+        if ((slot = slot_of(s)) < 0) return ZK_NOT_CONNECTED;
+    }
+    mailbox.clear(slot);
+    return mailbox.result(slot);
 }
 ZK_API int Pos_Teach_Cmd_NonBlock(ArmSocket s, int32_t type, uint8_t direction, uint8_t v) {
     return post(pos_teach(s, type, direction, v));

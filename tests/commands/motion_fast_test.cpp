@@ -1,255 +1,199 @@
-// A move's acknowledgement and its arrival.
+// Motion: every command on the wire, its guards and its parsers. The clock stands still, since an acknowledgement is
+// waited for a hundred milliseconds only. How the waits end is the subject of arrival_fast_test.
 #include "zk/motion.h"
 
 #include <gtest/gtest.h>
 
-#include <future>
+#include <cmath>
 
-#include "support/arm.h"
+#include <nlohmann/json.hpp>
+
+#include "support/command_case.h"
+#include "support/kdl_frames.h"
+#include "support/parser_case.h"
 #include "support/scaled_time.h"
+#include "zk/algorithm.h"
 #include "zk/startup.h"
-#include "zk/trajectory.h"
 
 namespace {
 
 using namespace zk::test;
 
-const char* const kAccepted = R"({"command":"movej","receive_state":true})";
-const char* const kArrived =
-    R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,"trajectory_connect":0})";
+// Products are single-precision and truncated toward zero: 0.251 degrees are 250.99998 thousandths.
+const float kJoints[7] = {0.251f, -90.0f, 1.5f, -0.0009f, 178.0f, 12.3456f, -7.25f};
+const float kNoIntegers[6] = {NAN, INFINITY, -INFINITY, 3e6f, -3e6f, 2147483.5f};
+constexpr Pose kPose{{0.3f, -0.2f, 0.0000019f}, {9, 9, 9, 9}, {3.1415f, -0.5f, -0.0009f}};
+constexpr Pose kVia{{0.25f, 0.5f, -3000.0f}, {}, {0.5f, 0.25f, 1.0f}};
 
-std::string trajectory(const std::string& type) {
-    return R"({"state":"arm_current_trajectory","type":")" + type + R"(","data":[0,0,0,0,0,0]})";
+// Its arrival comes behind the answer to the first look at what the arm does.
+CommandCase arriving(const std::string& name, Call call, const std::string& wire, const std::string& type) {
+    return CommandCase{name, call, wire, R"({"command":")" + command_name(wire) + R"(","receive_state":true})"}
+        .followed_by({R"({"command": "get_arm_current_trajectory"})",
+                      R"({"state":"arm_current_trajectory","type":")" + type + "\",\"data\":[0,0,0,0,0,0]}\r\n" +
+                          R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,)"
+                          R"("trajectory_connect":0})"});
+}
+CommandCase accepted(const std::string& name, Call call, const std::string& wire) {
+    return acknowledged(name, call, Move_Receive_Cmd, wire,
+                        R"({"command":")" + command_name(wire) + R"(","receive_state":true})");
 }
 
-class Motion : public testing::Test {
+#define MOVE(command, type, wire, ...)                                                  \
+    arriving(#command, ZK_FORM(command, __VA_ARGS__, true), wire, type),                \
+        arriving(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), wire, type), \
+        accepted("Unarrived_" #command, ZK_FORM(command, __VA_ARGS__, false), wire),    \
+        accepted(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), wire)
+
+const std::vector<CommandCase> kRows = {
+    MOVE(Movej_Cmd, "movej",
+         R"({"command": "movej", "joint": [250, -90000, 1500, 0, 178000, 12345], "v": 255, "r": 7, )"
+         R"("trajectory_connect": 0})",
+         kJoints, 255, 7, 0),
+    MOVE(Movel_Cmd, "movel",
+         R"({"command": "movel", "pose": [300000, -200000, 1, 3141, -500, 0], "v": 20, "r": 50, )"
+         R"("trajectory_connect": 0})",
+         kPose, 20, 50, 0),
+    MOVE(Moves_Cmd, "moves",
+         R"({"command": "moves", "pose": [300000, -200000, 1, 3141, -500, 0], "v": 1, "r": 0, )"
+         R"("trajectory_connect": 0})",
+         kPose, 1, 0, 0),
+    MOVE(Movej_P_Cmd, "movej",
+         R"({"command": "movej_p", "pose": [300000, -200000, 1, 3141, -500, 0], "v": 100, "r": 1, )"
+         R"("trajectory_connect": 0})",
+         kPose, 100, 1, 0),
+    MOVE(Movec_Cmd, "movec",
+         R"({"command": "movec", "pose": {"pose_via": [250000, 500000, -2147483648, 500, 250, 1000], )"
+         R"("pose_to": [300000, -200000, 1, 3141, -500, 0]}, "v": 20, "r": 3, "loop": 255, "trajectory_connect": 0})",
+         kVia, kPose, 20, 3, 255, 0),
+
+    accepted("OfSevenJoints_" CALL(Movej_Cmd_NonBlock, (s, kJoints, 20, 0, 2147483647)),
+             R"({"command": "movej", "joint": [250, -90000, 1500, 0, 178000, 12345, -7250], "v": 20, "r": 0, )"
+             R"("trajectory_connect": 2147483647})")
+        .on(75),
+    accepted("OfWhatNoIntegerHolds_" CALL(Movej_Cmd_NonBlock, (s, kNoIntegers, 0, 0, 0)),
+             R"({"command": "movej", "joint": [-2147483648, -2147483648, -2147483648, -2147483648, -2147483648, )"
+             R"(2147483520], "v": 0, "r": 0, "trajectory_connect": 0})"),
+    // A move that is joined to the next is not waited for.
+    queued("Joined_" CALL(Movel_Cmd, (s, kPose, 20, 0, -3, true)),
+           R"({"command": "movel", "pose": [300000, -200000, 1, 3141, -500, 0], "v": 20, "r": 0, )"
+           R"("trajectory_connect": -3})"),
+
+    // An arm that does not say where it stands is not moved.
+    CommandCase{CALL(MoveCartesianTool_Cmd, (s, 20, 0, 0, true, 0.1f, 0, 0)), R"({"command": "get_current_arm_state"})",
+                R"({"state":"current_arm_state","arm_state":7})"}
+        .giving(11),
+    CommandCase{CALL(MoveRotate_Cmd, (s, 1, 20, 0, 0, true, kPose, 30)), R"({"command": "get_current_arm_state"})",
+                R"({"state":"current_arm_state"})"}
+        .giving(9),
+};
+
+class Motion : public testing::TestWithParam<CommandCase> {
  protected:
     void SetUp() override {
         set_time_factor(0);
-        ZK_API_Init(65, nullptr);
-        arm_ = connect_arm(controller_);
         set_shared(g_is_robot_type_i, uint8_t{1});
-        controller_.answer("movej", kAccepted);
     }
+};
+TEST_P(Motion, OnTheWire) { run(GetParam()); }
+INSTANTIATE_TEST_SUITE_P(, Motion, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
 
-    // Polls run fast, yet no answer can come too late.
-    void let_only_the_polls_run_fast() {
-        m_nOutTime = 2000000000;
-        set_time_factor(20);
-    }
+TEST(MotionGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("motion.h", kRows), ""); }
 
-    int move_nonblock() { return Movej_Cmd_NonBlock(arm_, target_, 20, 0, 0); }
-    int move(int connect = 0) { return Movej_Cmd(arm_, target_, 20, 0, connect, true); }
-    std::future<int> start_move(int connect = 0) {
-        return std::async(std::launch::async, [this, connect] { return move(connect); });
-    }
-    void wait_for_poll() { controller_.wait_for_request("get_arm_current_trajectory"); }
+TEST(MotionGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 
-    // Says a report that does not end the move, and returns when the move has looked at it: the answer to the first
-    // poll from now comes behind the report, and the second poll goes out after both.
-    void say_in_vain(const char* report) {
-        controller_.say(report);
-        controller_.forget_requests();
-        wait_for_poll();
-        wait_for_poll();
-    }
+TEST(MotionGuards, NoMoveWithoutJoints) {
+    expect_nothing_sent(
+        {{CALL(Movej_Cmd, (s, nullptr, 20, 0, 0, true))}, {CALL(Movej_Cmd, (s, nullptr, 20, 0, 0, false))}});
+}
 
-    ScriptedController controller_;
-    ArmSocket arm_ = 0;
-    float target_[6] = {1, 2, 3, 4, 5, 6};
+TEST(MotionGuards, NoMoveWithoutAConnection) {
+    expect_nothing_sent({{CALL(Movej_Cmd_Block, (s + 1, kJoints, 20, 0, 0))},
+                         {CALL(Movel_Cmd_NonBlock, (s + 1, kPose, 20, 0, 0))},
+                         {CALL(MoveCartesianTool_Cmd, (s + 1, 20, 0, 0, true, 0, 0, 0))}},
+                        5);
+}
+
+// ------------------------------------------------------------------------------------------------------- Parsers --
+
+TEST(MotionParsers, Acceptance) {
+    expect_parsed(parsing(Parser_Receive_State), {{R"({"command":"movej","receive_state":true})", 0, "1"},
+                                                  {R"({"command":"movel","receive_state":false})", 1, "2"},
+                                                  {R"({"command":"movec","receive_state":true})", 0, "3"},
+                                                  {R"({"command":"movej_p","receive_state":true})", 0, "0"},
+                                                  {R"({"command":"moves","receive_state":1})", 11, "5"},
+                                                  {R"({"command":"moves"})", 9, "5"},
+                                                  {R"({"command":"movejp","receive_state":true})", 11, ""},
+                                                  {R"({"command":7,"also":"movej","receive_state":true})", 11, ""},
+                                                  {R"({"state":"movej","receive_state":true})", 9, ""},
+                                                  {R"({"command":"movej","receive_state":tr)", 9, ""}});
+}
+
+// Whether the report of a failure names a device does not count.
+TEST(MotionParsers, Arrival) {
+    expect_parsed(parsing(Parser_Plan_Feedback),
+                  {{R"({"trajectory_state":true,"device":1,"trajectory_connect":2})", 0, "1; 2"},
+                   {R"({"trajectory_state":true,"device":3})", 0, "3; -1"},
+                   {R"({"trajectory_state":true,"device":"0","trajectory_connect":"0"})", 0, "-; -1"},
+                   {R"({"trajectory_state":true,"trajectory_connect":0})", 9, ""},
+                   {R"({"trajectory_state":false})", 1, ""},
+                   {R"({"trajectory_state":0,"device":0})", 11, ""},
+                   {R"({"device":0,"trajectory_connect":0})", 9, ""},
+                   {R"({"trajectory_state":true,"device":0)", 9, ""}});
+}
+
+// ------------------------------------------------------------------------------------------------- Derived moves --
+
+struct DerivedMove {
+    const char* name;
+    int (*call)(ArmSocket arm);
+    KDL::Frame (*target)(const KDL::Frame& here);
 };
 
-TEST_F(Motion, ANonBlockingMoveGivesItsAcknowledgement) {
-    const std::pair<const char*, int> rows[] = {{kAccepted, 0},
-                                                {R"({"command":"movej","receive_state":false})", 1},
-                                                {R"({"command":"movej","receive_state":"yes"})", 11},
-                                                {R"({"command":"movej"})", 9},
-                                                {R"({"command":"movejp","receive_state":true})", 11},
-                                                {R"({"command":7,"also":"movej","receive_state":true})", 11},
-                                                {R"({"state":"movej","receive_state":true})", 9},
-                                                {R"({"command":"movej","receive_state":tr)", 9}};
-    for (const auto& [reply, status] : rows) {
-        controller_.answer("movej", reply);
-        EXPECT_EQ(move_nonblock(), status) << reply;
-        EXPECT_EQ(shared(Move_Receive_Cmd[0].count), 0) << reply;
-    }
+constexpr Pose kReference{{7, 7, 7}, {7, 7, 7, 7}, {0.2f, -0.4f, 1.1f}};
+KDL::Frame turned(const KDL::Frame& here, KDL::Vector (KDL::Rotation::*axis)() const) {
+    return {KDL::Rotation::Rot2((to_kdl(kReference.euler).*axis)(), 30 * M_PI / 180) * here.M, here.p};
 }
 
-TEST_F(Motion, ANonBlockingMoveWaitsAHundredMilliseconds) {
-    controller_.ignore("movej");
-    const int32_t start = Get_Program_Runtime();
-    set_time_factor(5);
-    EXPECT_EQ(move_nonblock(), 7);
-    EXPECT_GE(Get_Program_Runtime() - start, 100);
-    EXPECT_LT(Get_Program_Runtime() - start, 3000) << "the limit of other commands";
-}
+const DerivedMove kDerived[] = {
+    {"AlongTheTool", [](ArmSocket s) { return MoveCartesianTool_Cmd(s, 33, 7, 5, true, 0.05f, -0.02f, 0.01f); },
+     [](const KDL::Frame& here) { return here * KDL::Frame(KDL::Vector(0.05, -0.02, 0.01)); }},
+    {"AboutX", [](ArmSocket s) { return MoveRotate_Cmd(s, 1, 33, 7, 5, false, kReference, 30); },
+     [](const KDL::Frame& here) { return turned(here, &KDL::Rotation::UnitX); }},
+    {"AboutZ", [](ArmSocket s) { return MoveRotate_Cmd(s, 3, 33, 7, 5, false, kReference, 30); },
+     [](const KDL::Frame& here) { return turned(here, &KDL::Rotation::UnitZ); }}};
 
-TEST_F(Motion, AnUnknownArmIsNotAskedForItsAcknowledgement) {
-    set_shared(g_is_robot_type_i, uint8_t{0});
-    controller_.ignore("movej");
-    EXPECT_EQ(move_nonblock(), 0);
-    EXPECT_NE(controller_.wait_for_request("movej"), "");
-}
+class DerivedMoves : public testing::TestWithParam<DerivedMove> {};
+INSTANTIATE_TEST_SUITE_P(, DerivedMoves, testing::ValuesIn(kDerived),
+                         [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(Motion, AJoinedMoveReturnsAtOnce) {
-    EXPECT_EQ(move(1), 0);
-    EXPECT_NE(controller_.wait_for_request("movej"), "");
-}
+// The target comes from the joints of the answer, not from its pose.
+TEST_P(DerivedMoves, GoALineToTheComputedTarget) {
+    ScriptedController controller;
+    set_time_factor(0);
+    ZK_API_Init(65, nullptr);
+    const ArmSocket arm = connect_arm(controller);
+    set_shared(g_is_robot_type_i, uint8_t{1});
+    Algo_Init_Sys_Data(0, 0);
+    controller.answer("get_current_arm_state",
+                      R"({"state":"current_arm_state","arm_state":{"joint":[10000,-20000,-60000,15000,-40000,20000],)"
+                      R"("pose":[1,2,3,4,5,6],"arm_err":0,"sys_err":0}})");
+    controller.answer("movel", R"({"command":"movel","receive_state":true})");
+    EXPECT_EQ(GetParam().call(arm), 0);
+    EXPECT_EQ(controller.next_request(), "{\n\t\"command\":\t\"get_current_arm_state\"\n}");
+    const nlohmann::json request = nlohmann::json::parse(controller.next_request());
+    EXPECT_EQ(request.size(), 5u);
+    EXPECT_EQ(request["command"], "movel");
+    EXPECT_EQ(request["v"], 33);
+    EXPECT_EQ(request["r"], 7);
+    EXPECT_EQ(request["trajectory_connect"], 5);
 
-TEST_F(Motion, AJoinedMoveOfAnUnknownArmWaitsForItsArrival) {
-    set_shared(g_is_robot_type_i, uint8_t{0});
-    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
-    std::future<int> status = start_move(1);
-    wait_for_poll();
-    wait_for_poll();
-    controller_.say(kArrived);
-    EXPECT_EQ(status.get(), 0);
-}
-
-TEST_F(Motion, AMoveEndsWithTheReportOfItsArrival) {
-    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
-    std::future<int> status = start_move();
-    wait_for_poll();
-    wait_for_poll();
-    controller_.say(kArrived);
-    EXPECT_EQ(status.get(), 0);
-    EXPECT_EQ(shared(Move_Cmd[0].count), 0);
-}
-
-TEST_F(Motion, AReportOfAnEarlierMoveIsNotTaken) {
-    controller_.say(R"({"state":"current_trajectory_state","trajectory_state":false,"device":0})");
-    eventually([] { return shared(Move_Cmd[0].count) == 1; });
-    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
-    std::future<int> status = start_move();
-    wait_for_poll();
-    controller_.say(kArrived);
-    EXPECT_EQ(status.get(), 0);
-}
-
-TEST_F(Motion, ReportsThatAreNotItsOwnAreIgnored) {
-    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
-    std::future<int> status = start_move();
-    wait_for_poll();
-    for (const char* report :
-         {R"({"state":"current_trajectory_state","trajectory_state":true,"device":1,"trajectory_connect":0})",
-          R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,"trajectory_connect":1})",
-          R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,"trajectory_connect":"0"})",
-          R"({"state":"current_trajectory_state","trajectory_state":true,"device":0})"}) {
-        say_in_vain(report);
-        EXPECT_EQ(status.wait_for(std::chrono::seconds(0)), std::future_status::timeout) << report;
-    }
-    controller_.say(kArrived);
-    EXPECT_EQ(status.get(), 0);
-}
-
-TEST_F(Motion, ARefusalIsToldByTheReport) {
-    controller_.answer_bytes("movej",
-                             {line(R"({"command":"movej","receive_state":false})") +
-                              line(R"({"state":"current_trajectory_state","trajectory_state":false,"device":0})")});
-    controller_.answer("get_arm_current_trajectory", trajectory("none"));
-    EXPECT_EQ(move(), 1);
-}
-
-TEST_F(Motion, ARefusalCountsAfterAReportOfAnotherDevice) {
-    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
-    std::future<int> status = start_move();
-    wait_for_poll();
-    say_in_vain(R"({"state":"current_trajectory_state","trajectory_state":true,"device":3,"trajectory_connect":0})");
-    controller_.say(R"({"state":"current_trajectory_state","trajectory_state":false})");
-    EXPECT_EQ(status.get(), 1);
-}
-
-TEST_F(Motion, ABrokenReportEndsTheMove) {
-    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
-    std::future<int> status = start_move();
-    wait_for_poll();
-    controller_.say(R"({"state":"current_trajectory_state","trajectory_state":true,"devi)");
-    EXPECT_EQ(status.get(), 9);
-}
-
-TEST_F(Motion, AStopFromASecondThreadEndsTheMove) {
-    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
-    controller_.answer_bytes("set_arm_stop",
-                             {line(R"({"command":"set_arm_stop","arm_stop":true})") +
-                              line(R"({"state":"current_trajectory_state","trajectory_state":false,"device":0})")});
-    std::future<int> status = start_move();
-    wait_for_poll();
-    EXPECT_EQ(Move_Stop_Cmd(arm_, true), 0);
-    EXPECT_EQ(status.get(), 1);
-}
-
-TEST_F(Motion, AClosedConnectionEndsTheMove) {
-    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
-    std::future<int> status = start_move();
-    wait_for_poll();
-    Arm_Socket_Close(arm_);
-    EXPECT_EQ(status.get(), 5);
-}
-
-TEST_F(Motion, AnArmThatWasSeenMovingAndIsIdleEndsIn14) {
-    let_only_the_polls_run_fast();
-    controller_.answer_in_turn("get_arm_current_trajectory",
-                               {trajectory("none"), trajectory("movej"), trajectory("none"), trajectory("movej")});
-    EXPECT_EQ(move(), 14);
-    EXPECT_EQ(shared(SuspendQueue), 0);
-}
-
-TEST_F(Motion, AnArmThatNeverStartsEndsIn14AfterFiftyLooks) {
-    let_only_the_polls_run_fast();
-    int looks = 0;
-    controller_.answer_with("get_arm_current_trajectory", [&](const std::string&) {
-        ++looks;
-        return Pieces{line(trajectory("none"))};
-    });
-    EXPECT_EQ(move(), 14);
-    EXPECT_EQ(looks, 50);
-}
-
-TEST_F(Motion, ATrajectoryOfAnotherTypeIsNotTheMove) {
-    let_only_the_polls_run_fast();
-    int looks = 0;
-    controller_.answer_with("get_arm_current_trajectory", [&](const std::string&) {
-        return Pieces{line(trajectory(++looks <= 5 ? "movel" : "none"))};
-    });
-    EXPECT_EQ(move(), 14);
-    EXPECT_EQ(looks, 55);
-}
-
-TEST_F(Motion, SixFailedLooksEndTheMoveWithTheirStatus) {
-    set_time_factor(200);
-    EXPECT_EQ(move(), 7);
-    for (int i = 0; i < 6; ++i) wait_for_poll();
-}
-
-TEST_F(Motion, FailedLooksAddUp) {
-    let_only_the_polls_run_fast();
-    int looks = 0;
-    controller_.answer_with("get_arm_current_trajectory", [&](const std::string&) {
-        return Pieces{line(++looks % 2 ? R"({"state":"arm_current_trajectory","type":"movej"})" : trajectory("movej"))};
-    });
-    EXPECT_EQ(move(), 9);
-    EXPECT_EQ(looks, 11);
-}
-
-TEST_F(Motion, AFileTransferCountsAsAFailedLook) {
-    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
-    std::future<int> status = start_move();
-    wait_for_poll();
-    set_shared(IsSendFile, 1);
-    EXPECT_EQ(status.get(), 18);
-}
-
-TEST_F(Motion, GuardsSendNothing) {
-    EXPECT_EQ(Movej_Cmd(arm_, nullptr, 20, 0, 0, true), 19);
-    EXPECT_EQ(Movej_Cmd(arm_, nullptr, 20, 0, 0, false), 19);
-    set_shared(IsSendFile, 1);
-    EXPECT_EQ(Movej_Cmd(arm_, target_, 20, 0, 0, true), 18);
-    EXPECT_EQ(Movej_Cmd(arm_, nullptr, 20, 0, 0, false), 18);
-    set_shared(IsSendFile, 0);
-    EXPECT_EQ(Movej_Cmd_Block(arm_ + 1, target_, 20, 0, 0), 5);
-    EXPECT_EQ(Movej_Cmd_NonBlock(arm_ + 1, target_, 20, 0, 0), 5);
-    Move_Stop_Cmd_NonBlock(arm_);
-    EXPECT_EQ(controller_.next_request(), "{\n\t\"command\":\t\"set_arm_stop\"\n}");
+    const float joints[6] = {10, -20, -60, 15, -40, 20};
+    const KDL::Frame target = GetParam().target(to_kdl(Algo_Forward_Kinematics(joints)));
+    double rx, ry, rz;
+    target.M.GetRPY(rx, ry, rz);
+    const double expected[] = {target.p.x() * 1e6, target.p.y() * 1e6, target.p.z() * 1e6,
+                               rx * 1e3,           ry * 1e3,           rz * 1e3};
+    for (int i = 0; i < 6; ++i) EXPECT_NEAR(request["pose"][i].get<int>(), expected[i], 2) << i;
 }
 
 }  // namespace

@@ -1,14 +1,10 @@
 // The exact text of every request, and what the plain reply to it gives.
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <limits>
-
 #include "support/command_case.h"
 #include "zk/arm_state.h"
 #include "zk/frames.h"
 #include "zk/joint_configuration.h"
-#include "zk/motion.h"
 #include "zk/realtime.h"
 #include "zk/startup.h"
 #include "zk/system.h"
@@ -68,24 +64,6 @@ const CommandCase kRows[] = {
      ""},
     {"Timer", [](ArmSocket s) { return Timer(s, 2147483647, false); },
      "{\n\t\"command\":\t\"timer\",\n\t\"wait_time\":\t2147483647\n}", ""},
-    {"Movej", [](ArmSocket s) { return Movej_Cmd_NonBlock(s, kJoints, 255, 7, -3); },
-     "{\n\t\"command\":\t\"movej\",\n\t\"joint\":\t[250, -90000, 1500, 0, 178000, "
-     "12345],\n\t\"v\":\t255,\n\t\"r\":\t7,\n\t"
-     "\"trajectory_connect\":\t-3\n}",
-     ""},
-    {"MovejOfSevenJoints", [](ArmSocket s) { return Movej_Cmd_NonBlock(s, kJoints, 20, 0, 0); },
-     "{\n\t\"command\":\t\"movej\",\n\t\"joint\":\t[250, -90000, 1500, 0, 178000, 12345, "
-     "-7250],\n\t\"v\":\t20,\n\t\"r\":"
-     "\t0,\n\t\"trajectory_connect\":\t0\n}",
-     "", 0, 75},
-    {"MovejOfWhatNoIntegerHolds",
-     [](ArmSocket s) {
-         const float joints[6] = {NAN, INFINITY, -INFINITY, 3e6f, -3e6f, 2147483.5f};
-         return Movej_Cmd_NonBlock(s, joints, 0, 0, 0);
-     },
-     "{\n\t\"command\":\t\"movej\",\n\t\"joint\":\t[-2147483648, -2147483648, -2147483648, -2147483648, -2147483648, "
-     "2147483520],\n\t\"v\":\t0,\n\t\"r\":\t0,\n\t\"trajectory_connect\":\t0\n}",
-     ""},
     {"ArmState",
      [](ArmSocket s) {
          float joint[7];

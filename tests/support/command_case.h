@@ -103,6 +103,15 @@ Call asking(int (*query)(ArmSocket, Outs*...)) {
 #define CALL(command, arguments) #command, [](ArmSocket s) { return command arguments; }
 #define ASK(command) #command, asking(command)
 
+// The rows of all forms of a setter, called with the same arguments: the plain name with either flag, _Block,
+// _NonBlock.
+#define SETTER(command, mailbox, wire, reply, ...)                                                    \
+    acknowledged(#command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) true), mailbox, wire, reply),  \
+        acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, wire, reply), \
+        queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) false), wire),       \
+        queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), wire)
+#define ZK_FORM(form, ...) [](ArmSocket s) { return form(s __VA_OPT__(, ) __VA_ARGS__); }
+
 inline std::ostream& operator<<(std::ostream& out, const CommandCase& row) { return out << row.name; }
 
 // A request of one line as it stands on the wire.

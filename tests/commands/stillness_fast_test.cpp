@@ -1,0 +1,111 @@
+// How the wait of a step ends: with its report, or with an arm that stands still.
+#include <gtest/gtest.h>
+
+#include <future>
+
+#include "support/arm.h"
+#include "support/scaled_time.h"
+#include "zk/arm_state.h"
+#include "zk/motion.h"
+#include "zk/teach.h"
+
+namespace {
+
+using namespace zk::test;
+
+std::string state(const std::vector<int>& joints) {
+    std::string array;
+    for (const int joint : joints) array += (array.empty() ? "" : ",") + std::to_string(joint);
+    return R"({"state":"current_arm_state","arm_state":{"joint":[)" + array +
+           R"(],"pose":[0,0,0,0,0,0],"arm_err":0,"sys_err":0}})";
+}
+
+class Stillness : public testing::Test {
+ protected:
+    void SetUp() override {
+        ZK_API_Init(65, nullptr);
+        m_nOutTime = 2000000000;
+        m_nOutTime_max = 1;
+        set_time_factor(20);
+    }
+
+    // What a step gives when the controller tells these states in turn, the last one for ever.
+    int step_among(const std::vector<std::string>& states, int arm_mode = 65) {
+        const ArmSocket arm = connect_arm(controller_, arm_mode);
+        looks_ = 0;
+        controller_.answer_with("get_current_arm_state", [&, states](const std::string&) {
+            return Pieces{line(states[std::min<size_t>(looks_++, states.size() - 1)])};
+        });
+        return Joint_Step_Cmd(arm, 1, 20, 5, true);
+    }
+
+    ScriptedController controller_;
+    size_t looks_ = 0;
+};
+
+TEST_F(Stillness, AReportEndsTheWait) {
+    const std::pair<const char*, int> rows[] = {{R"("trajectory_state":true,"device":0,"trajectory_connect":1)", 0},
+                                                {R"("trajectory_state":true,"device":1)", 12},
+                                                {R"("trajectory_state":false,"device":1)", 1},
+                                                {R"("trajectory_state":true)", 9},
+                                                {R"("trajectory_state":"true","device":0)", 11}};
+    set_time_factor(0);
+    const ArmSocket arm = connect_arm(controller_);
+    for (const auto& [report, status] : rows) {
+        controller_.answer("set_joint_step", std::string(R"({"state":"current_trajectory_state",)") + report + "}");
+        EXPECT_EQ(Joint_Step_Cmd(arm, 1, 20, 5, true), status) << report;
+        EXPECT_EQ(shared(Move_Cmd[0].count), 0) << report;
+    }
+}
+
+// The first look is compared with zero, so an arm that stands elsewhere counts as moving once.
+TEST_F(Stillness, FiveLooksAtAnArmThatStandsStillEndIn14) {
+    EXPECT_EQ(step_among({state({0, 0, 0, 0, 0, 0})}), 14);
+    EXPECT_EQ(looks_, 5u);
+    EXPECT_EQ(step_among({state({10000, 0, 0, 0, 0, 0})}), 14);
+    EXPECT_EQ(looks_, 6u);
+}
+
+TEST_F(Stillness, TheFirstLookIsTakenAfterTheLimit) {
+    m_nOutTime_max = 1000;
+    const int32_t start = Get_Program_Runtime();
+    EXPECT_EQ(step_among({state({0, 0, 0, 0, 0, 0})}), 14);
+    EXPECT_GE(Get_Program_Runtime() - start, 1200);
+}
+
+// Motion begins the count anew, whichever joint moves; a tenth of a degree is none.
+TEST_F(Stillness, AnArmThatMovesIsWaitedFor) {
+    EXPECT_EQ(step_among({state({0, 0, 0, 0, 0, 99}), state({0, 0, 0, 0, 0, 0}), state({0, 0, 0, 0, 0, 0}),
+                          state({0, 0, 0, 0, 0, 0}), state({0, 0, 0, 0, 0, 101}), state({0, 0, 0, 0, 0, 0})}),
+              14);
+    EXPECT_EQ(looks_, 4u + 2u + 5u);
+    EXPECT_EQ(step_among({state({0, 0, 0, 0, 0, 0, 101}), state({0, 0, 0, 0, 0, 0, 0})}, 75), 14);
+    EXPECT_EQ(looks_, 2u + 5u);
+}
+
+TEST_F(Stillness, SevenFailedLooksEndTheWaitWithTheirStatus) {
+    const std::string broken = R"({"state":"current_arm_state"})";
+    EXPECT_EQ(step_among({broken}), 9);
+    EXPECT_EQ(looks_, 7u);
+    EXPECT_EQ(step_among({broken, broken, broken, state({0, 0, 0, 0, 0, 0}), broken}), 9);
+    EXPECT_EQ(looks_, 8u) << "they add up";
+}
+
+// An answer that nobody took is looked at without being taken.
+TEST_F(Stillness, AnAnswerThatIsThereServes) {
+    set_shared(Arm_Current_State_Cmd[0].count, 1);
+    EXPECT_EQ(step_among({state({0, 0, 0, 0, 0, 0})}), 14);
+    EXPECT_EQ(looks_, 0u);
+    EXPECT_EQ(shared(Arm_Current_State_Cmd[0].count), 1);
+}
+
+TEST_F(Stillness, AClosedConnectionEndsTheWait) {
+    set_time_factor(0);
+    const ArmSocket arm = connect_arm(controller_);
+    std::future<int> status = std::async(std::launch::async, [&] { return Pos_Step_Cmd_Block(arm, 0, 20, 0.1f); });
+    controller_.wait_for_request("set_pos_step");
+    Arm_Socket_Close(arm);
+    EXPECT_EQ(status.get(), 5);
+}
+
+}  // namespace

@@ -1,0 +1,90 @@
+// Teaching and stepping: every command on the wire, and its guards. The clock stands still, so that a step's report is
+// never late. How the wait of a step ends is the subject of stillness_fast_test.
+#include "zk/teach.h"
+
+#include <gtest/gtest.h>
+
+#include "support/command_case.h"
+#include "support/scaled_time.h"
+#include "zk/motion.h"
+
+namespace {
+
+using namespace zk::test;
+
+const char* const kArrived = R"({"state":"current_trajectory_state","trajectory_state":true,"device":0})";
+
+const std::vector<CommandCase> kRows = {
+    SETTER(Joint_Teach_Cmd, Joint_Teach_Cmd_Cmd,
+           R"({"command": "set_joint_teach", "teach_joint": 6, "direction": "pos", "v": 20})",
+           R"({"command":"set_joint_teach","joint_teach":true})", 6, 1, 20),
+    SETTER(Pos_Teach_Cmd, Pos_Teach_Cmd_Cmd,
+           R"({"command": "set_pos_teach", "teach_type": "x", "direction": "neg", "v": 255})",
+           R"({"command":"set_pos_teach","pos_teach":true})", 0, 0, 255),
+    SETTER(Ort_Teach_Cmd, Ort_Teach_Cmd_Cmd,
+           R"({"command": "set_ort_teach", "teach_type": "ry", "direction": "pos", "v": 1})",
+           R"({"command":"set_ort_teach","ort_teach":true})", 1, 255, 1),
+    queued("Y_" CALL(Pos_Teach_Cmd, (s, 1, 1, 20, false)),
+           R"({"command": "set_pos_teach", "teach_type": "y", "direction": "pos", "v": 20})"),
+    queued("Z_" CALL(Pos_Teach_Cmd, (s, 7, 1, 20, false)),
+           R"({"command": "set_pos_teach", "teach_type": "z", "direction": "pos", "v": 20})"),
+    queued("Rx_" CALL(Ort_Teach_Cmd, (s, 0, 0, 20, false)),
+           R"({"command": "set_ort_teach", "teach_type": "rx", "direction": "neg", "v": 20})"),
+    queued("Rz_" CALL(Ort_Teach_Cmd, (s, -1, 0, 20, false)),
+           R"({"command": "set_ort_teach", "teach_type": "rz", "direction": "neg", "v": 20})"),
+
+    acknowledged(CALL(Teach_Stop_Cmd, (s, true)), Teach_Stop_Cmd_Cmd, R"({"command": "set_stop_teach"})",
+                 R"({"command":"set_stop_teach","stop_teach":true})"),
+    acknowledged(CALL(Teach_Stop_Cmd_Blcok, (s)), Teach_Stop_Cmd_Cmd, R"({"command": "set_stop_teach"})",
+                 R"({"command":"set_stop_teach","stop_teach":true})"),
+    queued("Unwaited_" CALL(Teach_Stop_Cmd, (s, false)), R"({"command": "set_stop_teach"})"),
+    queued(CALL(Teach_Stop_Cmd_NonBlcok, (s)), R"({"command": "set_stop_teach"})"),
+
+    // A step is answered by the report of its end. That of a joint goes out untruncated.
+    SETTER(Joint_Step_Cmd, Move_Cmd, R"({"command": "set_joint_step", "joint_step": [2, 500], "v": 20})", kArrived, 2,
+           20, 0.5f),
+    queued("Untruncated_" CALL(Joint_Step_Cmd, (s, 7, 100, -0.0625f, false)),
+           R"({"command": "set_joint_step", "joint_step": [7, -62.500000], "v": 100})"),
+    SETTER(Pos_Step_Cmd, Move_Cmd, R"({"command": "set_pos_step", "step_type": "x_step", "step": -1, "v": 20})",
+           kArrived, 0, 20, -0.0000019f),
+    SETTER(Ort_Step_Cmd, Move_Cmd, R"({"command": "set_ort_step", "step_type": "rz_step", "step": 3141, "v": 1})",
+           kArrived, 2, 1, 3.1415f),
+    queued("Y_" CALL(Pos_Step_Cmd, (s, 1, 20, 0.3f, false)),
+           R"({"command": "set_pos_step", "step_type": "y_step", "step": 300000, "v": 20})"),
+    queued("Z_" CALL(Pos_Step_Cmd, (s, 2, 20, 5000, false)),
+           R"({"command": "set_pos_step", "step_type": "z_step", "step": -2147483648, "v": 20})"),
+    queued("Rx_" CALL(Ort_Step_Cmd, (s, 0, 20, 1, false)),
+           R"({"command": "set_ort_step", "step_type": "rx_step", "step": 1000, "v": 20})"),
+    queued("Ry_" CALL(Ort_Step_Cmd, (s, 1, 20, -0.5f, false)),
+           R"({"command": "set_ort_step", "step_type": "ry_step", "step": -500, "v": 20})"),
+};
+
+class Teach : public testing::TestWithParam<CommandCase> {
+ protected:
+    void SetUp() override { set_time_factor(0); }
+};
+TEST_P(Teach, OnTheWire) { run(GetParam()); }
+INSTANTIATE_TEST_SUITE_P(, Teach, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
+
+TEST(TeachGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("teach.h", kRows), ""); }
+
+TEST(TeachGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+
+TEST(TeachGuards, WhoeverWaitsNeedsAConnection) {
+    expect_nothing_sent(
+        {{CALL(Pos_Teach_Cmd_Block, (s + 1, 0, 1, 20))}, {CALL(Joint_Step_Cmd, (s + 1, 1, 20, 1, true))}}, 5);
+}
+
+TEST(TeachGuards, JoggingWithoutAnAnswerEndsIn7) {
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    const ArmSocket arm = connect_arm(controller);
+    set_time_factor(100);
+    for (const auto teach : {Pos_Teach_Cmd_Block, Ort_Teach_Cmd_Block}) {
+        const int32_t start = Get_Program_Runtime();
+        EXPECT_EQ(teach(arm, 0, 1, 20), 7);
+        EXPECT_GE(Get_Program_Runtime() - start, 3000);
+    }
+}
+
+}  // namespace
