@@ -47,6 +47,12 @@ Path Arm::joint_path(const JointVector& start, const JointVector& target, double
     return path;
 }
 
+std::vector<Pace> Arm::paces() const {
+    std::vector<Pace> paces;
+    for (const JointLimits& joint : limits) paces.push_back({joint.speed(), joint.acc()});
+    return paces;
+}
+
 std::string Arm::objection_to(const JointVector& target) const {
     if (target.size() != joint_count())
         return std::to_string(target.size()) + " joints for an arm of " + std::to_string(joint_count());

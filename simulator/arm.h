@@ -48,6 +48,8 @@ class Arm {
     // A path straight in joint space at `percent` of the speed limits.
     Path joint_path(const JointVector& start, const JointVector& target, double percent) const;
 
+    std::vector<Pace> paces() const;  // of all joints, at their limits
+
     // Why the arm would not move to `target`, or an empty text.
     std::string objection_to(const JointVector& target) const;
     std::string objection_to_moving() const;

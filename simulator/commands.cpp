@@ -10,6 +10,8 @@ CommandTable all_commands() {
     add_frame_commands(table);
     add_motion_commands(table);
     add_trajectory_commands(table);
+    add_streaming_commands(table);
+    add_teach_commands(table);
     add_push_commands(table);
     add_system_commands(table);
     add_fault_commands(table);

@@ -11,6 +11,8 @@ void add_limit_commands(CommandTable& table);
 void add_frame_commands(CommandTable& table);
 void add_motion_commands(CommandTable& table);
 void add_trajectory_commands(CommandTable& table);
+void add_streaming_commands(CommandTable& table);
+void add_teach_commands(CommandTable& table);
 void add_push_commands(CommandTable& table);
 void add_system_commands(CommandTable& table);
 void add_fault_commands(CommandTable& table);

@@ -13,11 +13,13 @@ constexpr double kEndOfPath = 1 - 1e-9;
 
 void MotionQueue::stop() {
     drop_waiting();
+    stream_.stop();
     brake(Brake::stop, 1);
 }
 
 void MotionQueue::slow_stop() {
     drop_waiting();
+    stream_.stop();
     brake(Brake::slow_stop, kSlowStopShare);
 }
 
@@ -34,7 +36,7 @@ void MotionQueue::delete_current() {
 }
 
 bool MotionQueue::pause() {
-    if (idle() || paused_ || brake_ != Brake::none) return false;
+    if (!current() || paused_ || brake_ != Brake::none) return false;
     brake(Brake::pause, 1);
     paused_ = !running_;
     return true;
@@ -49,10 +51,11 @@ bool MotionQueue::resume() {
 }
 
 void MotionQueue::step(double seconds, JointVector& joints) {
+    stream_.step(seconds, joints);
     if (running_ && !paused_) advance(seconds, joints);
     if (brake_ == Brake::none) report_dropped();
-    if (idle()) paused_ = false;
-    if (!running_ && !paused_ && !waiting_.empty()) begin(joints);
+    if (!current()) paused_ = false;
+    if (!running_ && !paused_ && !waiting_.empty() && stream_.resting()) begin(joints);
 }
 
 const Move* MotionQueue::current() const {
@@ -73,7 +76,8 @@ std::string MotionQueue::status() const {
             break;
     }
     if (paused_) return "pause";
-    return current() ? current()->status : "idle";
+    if (current()) return current()->status;
+    return stream_.resting() ? "idle" : stream_.status();
 }
 
 void MotionQueue::begin(const JointVector& joints) {

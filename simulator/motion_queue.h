@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "follower.h"
 #include "profile.h"
 #include "robot_model.h"
 
@@ -41,6 +42,11 @@ class MotionQueue {
 
     void add(Move move) { waiting_.push_back(std::move(move)); }
 
+    // Takes a streamed set-point. False while there are moves, which wait in turn until the arm rests at the last one,
+    // and after a stop until the stream has paused.
+    bool follow(SetPoint set_point) { return !current() && stream_.follow(std::move(set_point)); }
+    const Follower& stream() const { return stream_; }
+
     // These brake on the path. What is dropped is reported when the arm has come to rest.
     void stop();
     void slow_stop();
@@ -56,7 +62,10 @@ class MotionQueue {
     // The running move, or the one that runs next; null when there is none.
     const Move* current() const;
     size_t size() const { return waiting_.size() + (running_ ? 1 : 0); }
-    bool idle() const { return !running_ && waiting_.empty(); }
+    bool idle() const { return !current() && stream_.resting(); }
+
+    // All moves are stopped, and none has been added since.
+    bool stopping() const { return brake_ > Brake::pause && waiting_.empty(); }
 
     // As the real-time push names it.
     std::string status() const;
@@ -80,6 +89,7 @@ class MotionQueue {
     void drop_waiting();
     void report_dropped();
 
+    Follower stream_;
     std::optional<Running> running_;
     std::deque<Move> waiting_;
     std::vector<Move> dropped_;  // to be reported at rest

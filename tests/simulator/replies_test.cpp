@@ -188,6 +188,22 @@ std::vector<Row> trajectory_rows(size_t joints) {
     };
 }
 
+std::vector<Row> streaming_rows(size_t joints) {
+    return {
+        {"movej_canfd", {{"joint", array(joints, 0)}}, 65, {{"/joint", "joints"}, {"/arm_err", "number"}}},
+        {"zk_sim_stream", {}, 0, {{"/received", "number"}, {"/refused", "number"}}},
+    };
+}
+
+std::vector<Row> teach_rows() {
+    const Json jog{{"teach_joint", 1}, {"direction", "neg"}, {"v", 1}};
+    return {
+        done("set_joint_teach", jog, 78, "joint_teach"),
+        done("set_stop_teach", {}, 81, "stop_teach"),
+        done("set_joint_step", {{"joint_step", {1, 10}}, {"v", 1}}, 82, "joint_step"),
+    };
+}
+
 std::vector<Row> push_rows() {
     return {
         done("set_realtime_push", {{"cycle", 2}, {"enable", true}, {"custom", {{"joint_speed", true}}}}, 229, "state"),
@@ -286,12 +302,17 @@ std::vector<Row> network_rows() {
 }
 
 // Carried out without an answer.
-const std::set<std::string> kUnanswered{"set_wifi_ap", "set_wifi_sta", "set_usb", "set_RS485", "set_ethernet"};
+const std::set<std::string> kUnanswered{"set_wifi_ap", "set_wifi_sta", "set_usb",
+                                        "set_RS485",   "set_ethernet", "movej_follow"};
+
+// Reported when they have ended, or were refused.
+const std::set<std::string> kReported{"movej", "auto_fix_joint_over_soft_limit", "set_joint_step"};
 
 std::vector<Row> all_rows(size_t joints) {
     std::vector<Row> all;
-    for (const std::vector<Row>& rows : {joint_rows(joints), state_rows(joints), limit_rows(joints), frame_rows(),
-                                         trajectory_rows(joints), push_rows(), system_rows(), network_rows()})
+    for (const std::vector<Row>& rows :
+         {joint_rows(joints), state_rows(joints), limit_rows(joints), frame_rows(), trajectory_rows(joints),
+          streaming_rows(joints), teach_rows(), push_rows(), system_rows(), network_rows()})
         all.insert(all.end(), rows.begin(), rows.end());
     return all;
 }
@@ -333,8 +354,7 @@ TEST_P(EveryReply, ThatRefusesIsTakenForWhatItIs) {
         const std::string text = reply_of(talk, row);
         EXPECT_EQ(Get_Json_KeyCode(text.c_str()), row.code) << text;
         EXPECT_EQ(Json::parse(text).at(Json::json_pointer(row.reply.begin()->first)), false) << text;
-        // Behind the refusal of a move comes its report.
-        if (row.command == "movej" || row.command == "auto_fix_joint_over_soft_limit") {
+        if (kReported.count(row.command) != 0) {
             EXPECT_EQ(Get_Json_KeyCode(talk.client.read_line().c_str()), 64);
         }
     }

@@ -1,0 +1,145 @@
+// How the simulated arm follows streamed set-points.
+#include <gtest/gtest.h>
+
+#include "simulator/samples.h"
+#include "support/socket.h"
+
+namespace zk::test {
+namespace {
+
+Json joints(const std::vector<double>& degrees) {
+    Json wire = Json::array();
+    for (const double joint : degrees) wire.push_back(std::lround(joint * 1000));
+    return {{"joint", wire}};
+}
+
+Json joints(const std::vector<double>& degrees, bool follow) {
+    Json keys = joints(degrees);
+    keys["follow"] = follow;
+    keys["expand"] = 0;
+    return keys;
+}
+
+std::vector<double> plus(std::vector<double> joints, double turn) {
+    for (double& joint : joints) joint += turn;
+    return joints;
+}
+
+// The samples from now on, up to the first at rest at these joints.
+std::vector<Sample> samples_to(Talk& talk, const std::vector<double>& target) {
+    return talk.samples_until([&](const Sample& sample) {
+        double distance = 0;
+        for (size_t i = 0; i < target.size(); ++i)
+            distance = std::max(distance, std::abs(sample.joints[i] - target[i]));
+        return sample.status == "idle" && distance < 0.001;
+    });
+}
+
+int verdict(const Json& report) {
+    EXPECT_EQ(report.value("state", ""), "joint_state") << report;
+    return report.at("arm_err");
+}
+
+TEST(Streaming, ADistantSetPointIsPursuedWithinSpeedAndAcceleration) {
+    Talk talk(kCycleOption);
+    const Limits limits = limits_of(talk);
+    const std::vector<double> start = talk.joints(), away = plus(start, 60), back = plus(start, -10);
+    talk.send("movej_follow", joints(away));
+    std::vector<Sample> samples =
+        talk.samples_until([&](const Sample& sample) { return sample.joints[0] > start[0] + 30; });
+    talk.send("movej_follow", joints(back));
+    const std::vector<Sample> rest = samples_to(talk, back);
+    samples.insert(samples.end(), rest.begin(), rest.end());
+    expect_within_limits(samples, limits, 1);
+    EXPECT_GE(peaks_of(samples, 0).speed, 0.9 * limits.speed[0]);
+    EXPECT_GE(peaks_of(samples, 0).acc, 0.9 * limits.acc[0]);
+    EXPECT_TRUE(talk.ask("get_arm_plan_num").contains("plan_num"));  // the first thing that comes
+}
+
+TEST(Streaming, SetPointsAreReportedOneByOneAndTheArmRestsAtTheLast) {
+    for (const bool follow : {true, false}) {
+        Talk talk(kCycleOption);
+        const Limits limits = limits_of(talk);
+        const std::vector<double> start = talk.joints();
+        constexpr int kCount = 300;
+        for (int i = 1; i <= kCount; ++i) {
+            talk.send("movej_canfd", joints(plus(start, 0.05 * i), follow));
+            EXPECT_EQ(verdict(talk.read()), 0);
+        }
+        samples_to(talk, plus(start, 0.05 * kCount));
+        EXPECT_EQ(talk.ask("zk_sim_stream"), Json({{"state", "zk_sim_stream"}, {"received", kCount}, {"refused", 0}}));
+        const std::vector<double> last = plus(talk.joints(), 20);
+        talk.send("movej_canfd", joints(last, follow));
+        const std::vector<Sample> samples = samples_to(talk, last);
+        for (size_t joint = 0; joint < last.size(); ++joint)
+            EXPECT_LE(peaks_of(samples, joint).speed, limits.speed[joint] + kSpeedRounding) << "joint " << joint + 1;
+        const double acc = peaks_of(samples, 0).acc;
+        EXPECT_EQ(acc > limits.acc[0] + kAccRounding, follow) << acc;
+    }
+}
+
+TEST(Streaming, ReportsTellWhereTheArmStands) {
+    Talk talk({"--quiet", "--joints", "10.5,-20,-60,15,-40,20"});
+    const Json report = talk.ask("movej_canfd", joints({10.5, -20, -60, 15, -40, 20}));
+    EXPECT_EQ(report.at("joint"), Json({10.5, -20.0, -60.0, 15.0, -40.0, 20.0}));
+}
+
+TEST(Streaming, RefusedSetPointsAreToldAndNotFollowed) {
+    Talk talk({"--quiet"});
+    const std::vector<double> start = talk.joints();
+    const Json good = joints(start, true);
+    const auto changed = [&](const char* key, const Json& value) {
+        Json keys = good;
+        keys[key] = value;
+        return keys;
+    };
+    std::vector<double> beyond = start;
+    beyond[1] = -130.1;
+    const std::pair<Json, int> rows[] = {
+        {joints({1, 2, 3, 4, 5}), 257}, {changed("joint", "home"), 257},       {changed("follow", 1), 257},
+        {joints(beyond, true), 258},    {joints(plus(start, 37), false), 259},
+    };
+    for (const auto& [keys, error] : rows) EXPECT_EQ(verdict(talk.ask("movej_canfd", keys)), error) << keys;
+    EXPECT_EQ(verdict(talk.ask("movej_follow", joints(beyond))), 258);
+
+    talk.ask("set_arm_power", {{"arm_power", 64}});
+    EXPECT_EQ(verdict(talk.ask("movej_canfd", good)), 261);
+    talk.ask("set_arm_power", {{"arm_power", 1}});
+    EXPECT_EQ(verdict(talk.ask("movej_canfd", good)), 0);
+    EXPECT_EQ(talk.joints(), start);
+    EXPECT_EQ(talk.ask("zk_sim_stream").at("refused"), 7);
+}
+
+TEST(Streaming, AMoveWaitsForTheLastSetPointAndKeepsFurtherOnesAway) {
+    Talk talk(kCycleOption);
+    const std::vector<double> start = talk.joints(), streamed = plus(start, 20);
+    talk.send("movej_follow", joints(streamed));
+    ASSERT_TRUE(talk.movej(start, 100));
+    EXPECT_EQ(verdict(talk.ask("movej_canfd", joints(streamed))), 261);
+    talk.samples_until([&](const Sample& sample) { return std::abs(sample.joints[0] - streamed[0]) < 0.001; });
+    EXPECT_TRUE(talk.read_arrival());
+    expect_near(talk.joints(), start);
+}
+
+TEST(Streaming, AStopBrakesAndOutlastsTheStream) {
+    Talk talk(kCycleOption);
+    const Limits limits = limits_of(talk);
+    const std::vector<double> start = talk.joints(), target = plus(start, 100);
+    talk.send("movej_follow", joints(target));
+    std::vector<Sample> samples =
+        talk.samples_until([&](const Sample& sample) { return sample.joints[0] > start[0] + 30; });
+    talk.client.send_bytes(line(request_text("set_arm_stop")) + line(request_text("movej_follow", joints(target))));
+    EXPECT_TRUE(talk.read().at("arm_stop"));
+    EXPECT_EQ(verdict(talk.read()), 261);
+    const std::vector<Sample> rest = talk.samples_until("idle");
+    samples.insert(samples.end(), rest.begin(), rest.end());
+    expect_within_limits(samples, limits, 1);
+    EXPECT_LT(talk.joints()[0], target[0] - 20);
+    // The stream has paused for long enough after some samples.
+    talk.samples_until([&](const Sample& sample) { return sample.time > rest.back().time + 200; });
+    talk.send("movej_follow", joints(target));
+    samples_to(talk, target);
+}
+
+}  // namespace
+}  // namespace zk::test
