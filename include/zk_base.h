@@ -59,5 +59,6 @@
 #include "zk/dispatch.h"
 #include "zk/mailboxes.h"
 #include "zk/queue.h"
+#include "zk/second_parsers.h"
 
 #endif

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "commands/frame_replies.h"
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
@@ -70,10 +71,15 @@ int names_query(ArmSocket s, const char* command, FrameNamesReply (&mailbox)[ZK_
     return query({s, command}, mailbox, deliver, {.wipes_first = true});
 }
 
+void tool_name(Reply& reply, FrameRec* frame, const FrameReading& reading) {
+    const Item name = reply.find("tool_name");
+    if (reply.require(bool(name), ZK_BAD_REPLY)) copy_name(name.text(), frame->frame_name, reading.tool_name_bytes);
+}
+
 // Payload and centre of gravity, which end every reply about a tool.
-void payload(Reply& reply, FrameRec* frame) {
+void payload(Reply& reply, FrameRec* frame, const FrameReading& reading) {
     if (const Item mass = reply.number(reply.root(), "payload"))
-        frame->payload = static_cast<float>(mass.number() / 1000.0);
+        frame->payload = static_cast<float>(mass.number() / reading.mass_divisor);
     const Item centre = reply.array(reply.root(), "position", 3, ZK_WRONG_TYPE);
     if (!centre) return;
     float metres[3];
@@ -84,8 +90,8 @@ void payload(Reply& reply, FrameRec* frame) {
 }
 
 // The pose of a frame that was asked for by name, whose elements are taken as 64-bit integers.
-void given_pose(Reply& reply, Pose& pose) {
-    const Item array = reply.array(reply.root(), "pose", 6);
+void given_pose(Reply& reply, Pose& pose, const FrameReading& reading) {
+    const Item array = reply.array(reply.root(), "pose", 6, reading.wrong_pose_size);
     if (!array) return;
     const auto value = [&](int i, float divisor) {
         return static_cast<float>(std::trunc(array[i].number())) / divisor;
@@ -237,11 +243,13 @@ ZK_API int Get_Current_Tool_Frame_Block(ArmSocket s, FrameRec* frame) {
     return frame_query({s, "get_current_tool_frame"}, Current_Tool_Cmd, frame, {.wipes_first = true});
 }
 ZK_API int Parser_Get_Current_Tool_Frame(const char* text, FrameRec* frame) {
+    return read_current_tool(text, frame, {});
+}
+int zk::read_current_tool(const char* text, FrameRec* frame, const FrameReading& reading) {
     Reply reply(text);
-    const Item name = reply.find("tool_name");
-    if (reply.require(bool(name), ZK_BAD_REPLY)) copy_name(name.text(), frame->frame_name, name_bytes);
-    wire_pose(reply.array(reply.root(), "pose", 6), frame->pose.position, frame->pose.euler);
-    payload(reply, frame);
+    tool_name(reply, frame, reading);
+    wire_pose(reply.array(reply.root(), "pose", 6, reading.wrong_pose_size), frame->pose.position, frame->pose.euler);
+    payload(reply, frame, reading);
     return reply.status();
 }
 
@@ -253,13 +261,13 @@ ZK_API int Get_Given_Tool_Frame_Block(ArmSocket s, const char* name, FrameRec* f
     return frame_query(named_tool(s, "get_tool_frame", name), Given_Tool_Cmd, frame,
                        {.clears_before = true, .wipes_first = true});
 }
-ZK_API int Parser_Get_Given_Tool_Frame(const char* text, FrameRec* frame) {
+ZK_API int Parser_Get_Given_Tool_Frame(const char* text, FrameRec* frame) { return read_given_tool(text, frame, {}); }
+int zk::read_given_tool(const char* text, FrameRec* frame, const FrameReading& reading) {
     Reply reply(text);
     require_found(reply);
-    const Item name = reply.find("tool_name");
-    if (reply.require(bool(name), ZK_BAD_REPLY)) copy_name(name.text(), frame->frame_name, name_bytes);
-    given_pose(reply, frame->pose);
-    payload(reply, frame);
+    tool_name(reply, frame, reading);
+    given_pose(reply, frame->pose, reading);
+    payload(reply, frame, reading);
     return reply.status();
 }
 
@@ -370,11 +378,14 @@ ZK_API int Get_Given_Work_Frame_Block(ArmSocket s, char* name, Pose* pose) {
                  {.clears_before = true, .wipes_first = true});
 }
 ZK_API int Parser_Get_Given_Work_Frame(const char* text, char* name, Pose* pose) {
+    return read_given_work(text, name, pose, {});
+}
+int zk::read_given_work(const char* text, char* name, Pose* pose, const FrameReading& reading) {
     Reply reply(text);
     require_found(reply);
     if (const Item told = reply.find("frame_name"); reply.good() && told.is_text())
         copy_name(told.text(), name, name_bytes);
-    given_pose(reply, *pose);
+    given_pose(reply, *pose, reading);
     return reply.status();
 }
 
