@@ -1,5 +1,6 @@
 // Streamed set-points: followed at once, without an acknowledgement and without a report of arrival.
 
+#include <algorithm>
 #include <cmath>
 
 #include "commands.h"
@@ -41,6 +42,32 @@ std::optional<JointVector> joint_target(const Call& call) {
     return target;
 }
 
+// Clients send a quaternion as w, x, y, z in millionths, or, in one form of one command, in thousandths. The length
+// tells which.
+KDL::Rotation rotation(const Request& request, int w, int x, int y, int z) {
+    constexpr double kTolerance = 0.1;
+    const double length = std::hypot(std::hypot(w, x), std::hypot(y, z));
+    const double scale = length > 1e4 ? 1e6 : 1e3;
+    if (std::abs(length / scale - 1) > kTolerance) throw BadRequest(request.command() + ": no unit quaternion");
+    return KDL::Rotation::Quaternion(x / length, y / length, z / length, w / length);
+}
+
+KDL::Frame requested_pose(const Request& request) {
+    if (request.has("pose_quat")) {
+        const std::vector<int> p = request.integers("pose_quat", 7);
+        return {rotation(request, p[3], p[4], p[5], p[6]), KDL::Vector(p[0] / 1e6, p[1] / 1e6, p[2] / 1e6)};
+    }
+    WirePose pose;
+    std::ranges::copy(request.integers("pose", pose.size()), pose.begin());
+    return frame_of(pose);
+}
+
+// Each is solved from the one before, so that the arm keeps its posture.
+std::optional<JointVector> pose_target(const Call& call) {
+    const Arm& arm = call.controller.arm;
+    return call.controller.joints_at(requested_pose(call.request), arm.motion().stream().last(arm.joints()));
+}
+
 // How the commands differ.
 struct Manner {
     const char* name;
@@ -52,7 +79,9 @@ struct Manner {
 
 constexpr Manner kManners[] = {
     {"movej_canfd", "joint_state", "move_through_joint", true, joint_target},
+    {"movep_canfd", "pose_state", "move_through_pose", true, pose_target},
     {"movej_follow", "joint_state", "move_through_joint", false, joint_target},
+    {"movep_follow", "pose_state", "move_through_pose", false, pose_target},
 };
 
 bool too_far(const Arm& arm, const JointVector& target) {
@@ -65,9 +94,9 @@ bool too_far(const Arm& arm, const JointVector& target) {
 
 Verdict follow(const Call& call, const Manner& manner) {
     Arm& arm = call.controller.arm;
-    const std::optional<JointVector> target = manner.target(call);
-    const bool direct = manner.passed_on && call.request.has("follow") && call.request.flag("follow");
     if (!arm.objection_to_moving().empty()) return Verdict::not_now;
+    const bool direct = manner.passed_on && call.request.has("follow") && call.request.flag("follow");
+    const std::optional<JointVector> target = manner.target(call);
     if (!target) return Verdict::unreachable;
     if (!arm.objection_to(*target).empty()) return Verdict::beyond_limit;
     if (manner.passed_on && too_far(arm, *target)) return Verdict::too_far;

@@ -191,6 +191,7 @@ std::vector<Row> trajectory_rows(size_t joints) {
 std::vector<Row> streaming_rows(size_t joints) {
     return {
         {"movej_canfd", {{"joint", array(joints, 0)}}, 65, {{"/joint", "joints"}, {"/arm_err", "number"}}},
+        {"movep_canfd", {{"pose", array(6, 0)}}, 66, {{"/pose", "pose"}, {"/arm_err", "number"}}},
         {"zk_sim_stream", {}, 0, {{"/received", "number"}, {"/refused", "number"}}},
     };
 }
@@ -302,8 +303,8 @@ std::vector<Row> network_rows() {
 }
 
 // Carried out without an answer.
-const std::set<std::string> kUnanswered{"set_wifi_ap", "set_wifi_sta", "set_usb",
-                                        "set_RS485",   "set_ethernet", "movej_follow"};
+const std::set<std::string> kUnanswered{"set_wifi_ap",  "set_wifi_sta", "set_usb",     "set_RS485",
+                                        "set_ethernet", "movej_follow", "movep_follow"};
 
 // Reported when they have ended, or were refused.
 const std::set<std::string> kReported{"movej", "auto_fix_joint_over_soft_limit", "set_joint_step"};

@@ -141,5 +141,52 @@ TEST(Streaming, AStopBrakesAndOutlastsTheStream) {
     samples_to(talk, target);
 }
 
+std::vector<int> pose_of(Talk& talk) { return talk.ask("get_current_arm_state").at("arm_state").at("pose"); }
+
+TEST(Streaming, PosesAreFollowedAsEulerAnglesAndAsQuaternionsOfEitherScale) {
+    Talk talk({"--quiet", "--tool", "0.02,-0.03,0.15,0,0,0"});
+    const Json waypoint = Json::parse(talk.push.receive()).at("waypoint");
+    std::vector<int> pose = waypoint.at("position"), quaternion = waypoint.at("quat");
+    const std::vector<int> euler = waypoint.at("euler"), position = pose;
+    const auto turned = [&](int divisor) {
+        std::vector<int> all = pose;
+        for (const int part : quaternion) all.push_back(part / divisor);
+        return Json{{"pose_quat", all}};
+    };
+    const auto by_angles = [&] { return Json{{"pose", {pose[0], pose[1], pose[2], euler[0], euler[1], euler[2]}}}; };
+    for (int i = 1; i <= 90; ++i) {
+        pose[2] = position[2] + 500 * i;
+        Json keys = i % 3 == 0 ? by_angles() : turned(i % 3 == 1 ? 1 : 1000);
+        keys["follow"] = i % 2 == 0;
+        const Json report = talk.ask("movep_canfd", keys);
+        EXPECT_EQ(report.at("state"), "pose_state");
+        EXPECT_EQ(report.at("arm_err"), 0);
+        const double height = report.at("pose").at(2);
+        EXPECT_NEAR(height, position[2] / 1e6, 0.05);
+    }
+    pose[1] -= 40000;
+    talk.send("movep_follow", by_angles());
+    talk.samples_until([](const Sample& sample) { return sample.status == "move_through_pose"; });
+    talk.samples_until("idle");
+    const std::vector<int> reached = pose_of(talk);
+    for (int i = 0; i < 3; ++i) EXPECT_NEAR(reached[i], pose[i], 5) << i;
+    for (int i = 3; i < 6; ++i) EXPECT_NEAR(reached[i], euler[i - 3], 1) << i;
+}
+
+TEST(Streaming, PosesThatCannotBeAreRefused) {
+    Talk talk({"--quiet"});
+    const std::vector<int> start = pose_of(talk);
+    const std::pair<Json, int> rows[] = {
+        {{{"pose", {3000000, 0, 0, 0, 0, 0}}}, 260},
+        {{{"pose", {0, 0, 0}}}, 257},
+        {{{"pose_quat", {0, 0, 500000, 0, 0, 0, 0}}}, 257},
+        {{{"pose_quat", {0, 0, 500000, 800000, 0, 0, 0}}}, 257},
+    };
+    for (const char* command : {"movep_canfd", "movep_follow"}) {
+        for (const auto& [keys, error] : rows) EXPECT_EQ(talk.ask(command, keys).at("arm_err"), error) << keys;
+    }
+    EXPECT_EQ(pose_of(talk), start);
+}
+
 }  // namespace
 }  // namespace zk::test
