@@ -14,8 +14,8 @@ inline bool succeeded(const char* what, int status) {
 // An open arm that is closed at the end of its scope. Check is_open() before use.
 class Arm {
  public:
-    Arm(const char* address, int port, int arm_mode) {
-        ZK_API_Init(arm_mode, nullptr);
+    Arm(const char* address, int port, int arm_mode, MotionReportCallback callback = nullptr) {
+        ZK_API_Init(arm_mode, callback);
         socket_ = Arm_Socket_Start(address, port, 5000);
         if (is_open()) return;
         succeeded("Connecting", socket_);
@@ -35,24 +35,26 @@ class Arm {
     ArmSocket socket_;
 };
 
-// ADDRESS PORT [ARM_MODE], where the arm mode is 65 for six joints and 75 for seven.
+// ADDRESS PORT [ARM_MODE], where the arm mode is 65 for six joints and 75 for seven; and, where a program runs for a
+// time, [SECONDS] behind it.
 struct Arguments {
     const char* address;
     int port;
     int arm_mode;
 };
 
-inline Arguments arguments(int argc, char** argv) {
-    if (argc < 3 || argc > 4) {
-        std::fprintf(stderr, "usage: %s ADDRESS PORT [ARM_MODE]\n", argv[0]);
+inline Arguments arguments(int argc, char** argv, int* seconds = nullptr) {
+    if (argc < 3 || argc > (seconds ? 5 : 4)) {
+        std::fprintf(stderr, "usage: %s ADDRESS PORT [ARM_MODE%s]\n", argv[0], seconds ? " [SECONDS]" : "");
         std::exit(2);
     }
     const auto number = [&](int i) {
         char* end;
         const long value = std::strtol(argv[i], &end, 10);
         if (*end == '\0' && value > 0 && value < 65536) return static_cast<int>(value);
-        std::fprintf(stderr, "%s: \"%s\" is no port and no arm mode\n", argv[0], argv[i]);
+        std::fprintf(stderr, "%s: \"%s\" is no number from 1 to 65535\n", argv[0], argv[i]);
         std::exit(2);
     };
-    return {argv[1], number(2), argc == 4 ? number(3) : 65};
+    if (argc == 5) *seconds = number(4);
+    return {argv[1], number(2), argc >= 4 ? number(3) : 65};
 }
