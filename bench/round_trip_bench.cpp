@@ -2,20 +2,14 @@
 // the queue and the 10 ms poll are the design; the rest is ours.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <chrono>
 #include <vector>
 
+#include "percentile.h"
 #include "support/simulator_process.h"
 #include "zk_base.h"
 
 namespace {
-
-double percentile(std::vector<double>& values, double fraction) {
-    const auto at = values.begin() + static_cast<std::ptrdiff_t>(fraction * static_cast<double>(values.size() - 1));
-    std::nth_element(values.begin(), at, values.end());
-    return *at;
-}
 
 void blocking_setter(benchmark::State& state) {
     const zk::test::SimulatorProcess simulator({"--model", "ZK65-B"});

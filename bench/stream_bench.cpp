@@ -1,0 +1,164 @@
+// Streaming: what a set-point costs its caller, beside what writing such a message cannot do without; and a stream of a
+// thousand set-points a second against the simulated controller, of which none may get lost.
+#include <arpa/inet.h>
+#include <benchmark/benchmark.h>
+#include <cjson/cJSON.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <cstring>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "percentile.h"
+#include "support/line_client.h"
+#include "support/simulator_process.h"
+#include "zk_base.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+using Joints = std::array<float, 6>;
+
+// Both ends of a connection over loopback.
+struct Loopback {
+    int client, server;
+
+    Loopback() {
+        const int listener = socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        bind(listener, reinterpret_cast<sockaddr*>(&address), length);
+        listen(listener, 1);
+        getsockname(listener, reinterpret_cast<sockaddr*>(&address), &length);
+        client = socket(AF_INET, SOCK_STREAM, 0);
+        connect(client, reinterpret_cast<sockaddr*>(&address), length);
+        server = accept(listener, nullptr, nullptr);
+        close(listener);
+    }
+
+    std::string received() const {
+        char bytes[512];
+        const ssize_t size = recv(server, bytes, sizeof bytes, 0);
+        return std::string(bytes, static_cast<size_t>(std::max<ssize_t>(size, 0)));
+    }
+};
+
+template <class Act>
+double microseconds(Act act) {
+    const auto start = Clock::now();
+    act();
+    return std::chrono::duration<double, std::micro>(Clock::now() - start).count();
+}
+
+// The same message by the plainest means.
+void bare_set_point(int socket, const Joints& joints) {
+    int wire[6];
+    for (size_t i = 0; i < joints.size(); ++i) wire[i] = static_cast<int>(joints[i] * 1000);
+    cJSON* const object = cJSON_CreateObject();
+    cJSON_AddStringToObject(object, "command", "movej_canfd");
+    cJSON_AddItemToObject(object, "joint", cJSON_CreateIntArray(wire, 6));
+    cJSON_AddBoolToObject(object, "follow", true);
+    cJSON_AddNumberToObject(object, "expand", 0);
+    char* const text = cJSON_Print(object);
+    char message[512];
+    const size_t length = std::strlen(text);
+    std::memcpy(message, text, length);
+    std::memcpy(message + length, "\r\n", 2);
+    send(socket, message, length + 2, MSG_DONTWAIT);
+    cJSON_free(text);
+    cJSON_Delete(object);
+}
+
+// The two take turns, so that whatever else the machine does strikes both.
+void cost_of_a_set_point(benchmark::State& state) {
+    ZK_API_Init(65, nullptr);
+    const Loopback library, bare;
+    Init_Socket_Joint(65, library.client);
+    std::vector<double> calls, bares;
+    Joints joints{};
+    for (auto _ : state) {
+        for (size_t i = 0; i < joints.size(); ++i) joints[i] += 0.001f * static_cast<float>(i + 1);
+        calls.push_back(microseconds([&] { Movej_CANFD(library.client, joints.data(), 1, 0); }));
+        const std::string sent = library.received();
+        bares.push_back(microseconds([&] { bare_set_point(bare.client, joints); }));
+        if (bare.received() != sent) return state.SkipWithError("the two messages are not the same");
+        state.SetIterationTime(1e-6 * calls.back());
+    }
+    state.counters["call_us"] = percentile(calls, 0.5);
+    state.counters["bare_us"] = percentile(bares, 0.5);
+    state.counters["ratio"] = percentile(calls, 0.5) / percentile(bares, 0.5);
+    Arm_Socket_Close(library.client);
+    close(bare.client);
+    close(bare.server);
+    close(library.server);
+}
+BENCHMARK(cost_of_a_set_point)->UseManualTime()->Iterations(20000)->Unit(benchmark::kMicrosecond);
+
+std::atomic<int64_t> reports{0};
+
+// Set-points at absolute deadlines, as a control loop sends them; the milliseconds between them.
+std::vector<double> stream(ArmSocket arm, const Joints& start, int count) {
+    std::vector<double> periods;
+    periods.reserve(static_cast<size_t>(count));
+    Joints joints = start;
+    Clock::time_point due = Clock::now(), before = due;
+    for (int i = 1; i <= count; ++i) {
+        std::this_thread::sleep_until(due += 1ms);
+        joints[0] = start[0] + 5 * std::sin(1e-3f * static_cast<float>(i));
+        Movej_CANFD(arm, joints.data(), 1, 0);
+        const Clock::time_point now = Clock::now();
+        periods.push_back(std::chrono::duration<double, std::milli>(now - before).count());
+        before = now;
+    }
+    return periods;
+}
+
+nlohmann::json counts_of(int port) {
+    return nlohmann::json::parse(zk::test::LineClient(port).ask(R"({"command":"zk_sim_stream"})"));
+}
+
+// The set-points that the simulator has got once no more come.
+nlohmann::json final_counts(int port) {
+    nlohmann::json counts = counts_of(port), before;
+    do {
+        std::this_thread::sleep_for(200ms);
+        before = std::exchange(counts, counts_of(port));
+    } while (before != counts);
+    return counts;
+}
+
+void thousand_a_second(benchmark::State& state) {
+    constexpr int kCount = 30'000;
+    const zk::test::SimulatorProcess simulator({"--model", "ZK65-B"});
+    ZK_API_Init(65, [](ArmMotionReport) { ++reports; });
+    const ArmSocket arm = Arm_Socket_Start("127.0.0.1", simulator.port(), 0);
+    if (arm <= ZK_LARGEST_STATUS) return state.SkipWithError(ZK_Status_Text(arm));
+    Joints start;
+    if (const int status = Get_Joint_Degree(arm, start.data())) return state.SkipWithError(ZK_Status_Text(status));
+    for (auto _ : state) {
+        std::vector<double> periods = stream(arm, start, kCount);
+        state.counters["period_p50_ms"] = percentile(periods, 0.5);
+        state.counters["period_p99_ms"] = percentile(periods, 0.99);
+        state.counters["period_p99.9_ms"] = percentile(periods, 0.999);
+        state.counters["period_max_ms"] = percentile(periods, 1);
+        const nlohmann::json counts = final_counts(simulator.port());
+        state.counters["lost"] = kCount - counts.at("received").get<int>();
+        state.counters["refused"] = counts.at("refused").get<int>();
+        state.counters["reports"] = static_cast<double>(reports);
+        if (counts.at("received") != kCount) state.SkipWithError("set-points were lost");
+    }
+    Arm_Socket_Close(arm);
+}
+BENCHMARK(thousand_a_second)->Iterations(1)->Unit(benchmark::kSecond);
+
+}  // namespace
