@@ -6,6 +6,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/wire_protocol.h"
 
 namespace {
 
@@ -163,6 +164,8 @@ TEST_P(ArmLimits, OnTheWire) { run(GetParam()); }
 INSTANTIATE_TEST_SUITE_P(, ArmLimits, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
 
 TEST(ArmLimitsGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("arm_limits.h", kRows), ""); }
+
+TEST(ArmLimitsGuards, ThePageTellsTheWire) { expect_documented("Limits of the arm", kRows); }
 
 TEST(ArmLimitsGuards, PlainNamesDoNothingDuringAFileTransfer) {
     lwt = 3;

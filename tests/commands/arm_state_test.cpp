@@ -9,6 +9,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/wire_protocol.h"
 #include "zk/algorithm.h"
 
 namespace {
@@ -108,6 +109,8 @@ TEST_P(ArmState, OnTheWire) { run(GetParam()); }
 INSTANTIATE_TEST_SUITE_P(, ArmState, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
 
 TEST(ArmStateGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("arm_state.h", kRows), ""); }
+
+TEST(ArmStateGuards, ThePageTellsTheWire) { expect_documented("State of the arm", kRows); }
 
 TEST(ArmStateGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 

@@ -9,6 +9,7 @@
 #include "support/kdl_frames.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/wire_protocol.h"
 #include "zk/algorithm.h"
 #include "zk/arm_limits.h"
 #include "zk/startup.h"
@@ -239,6 +240,8 @@ TEST_P(Frames, OnTheWire) {
 INSTANTIATE_TEST_SUITE_P(, Frames, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
 
 TEST(FramesGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("frames.h", kRows), ""); }
+
+TEST(FramesGuards, ThePageTellsTheWire) { expect_documented("Frames and payload", kRows); }
 
 TEST(FramesGuards, PlainNamesDoNothingDuringAFileTransfer) {
     std::vector<CommandCase> rows = kRows;

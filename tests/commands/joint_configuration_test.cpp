@@ -8,6 +8,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/wire_protocol.h"
 #include "zk/algorithm.h"
 #include "zk/force_control.h"
 #include "zk/io.h"
@@ -233,6 +234,8 @@ INSTANTIATE_TEST_SUITE_P(, JointConfiguration, testing::ValuesIn(kRows),
 TEST(JointConfigurationGuards, EveryCommandHasARow) {
     EXPECT_EQ(commands_without_row("joint_configuration.h", kRows), "");
 }
+
+TEST(JointConfigurationGuards, ThePageTellsTheWire) { expect_documented("Joint configuration", kRows); }
 
 TEST(JointConfigurationGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 

@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include <nlohmann/json.hpp>
 
@@ -12,6 +14,7 @@
 #include "support/kdl_frames.h"
 #include "support/parser_case.h"
 #include "support/scaled_time.h"
+#include "support/wire_protocol.h"
 #include "zk/algorithm.h"
 #include "zk/startup.h"
 
@@ -98,6 +101,13 @@ TEST_P(Motion, OnTheWire) { run(GetParam()); }
 INSTANTIATE_TEST_SUITE_P(, Motion, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
 
 TEST(MotionGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("motion.h", kRows), ""); }
+
+TEST(MotionGuards, ThePageTellsTheWire) {
+    std::vector<CommandCase> moves;
+    std::copy_if(kRows.begin(), kRows.end(), std::back_inserter(moves),
+                 [](const CommandCase& row) { return command_name(row.wire) != "get_current_arm_state"; });
+    expect_documented("Motion", moves);
+}
 
 TEST(MotionGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 

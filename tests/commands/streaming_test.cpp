@@ -7,6 +7,7 @@
 
 #include "support/command_case.h"
 #include "support/parser_case.h"
+#include "support/wire_protocol.h"
 #include "zk/queue.h"
 #include "zk/trajectory.h"
 
@@ -75,6 +76,8 @@ TEST_P(Streaming, OnTheWire) { run(GetParam()); }
 INSTANTIATE_TEST_SUITE_P(, Streaming, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
 
 TEST(StreamingGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("streaming.h", kRows), ""); }
+
+TEST(StreamingGuards, ThePageTellsTheWire) { expect_documented("Streamed motion", kRows); }
 
 TEST(StreamingGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 

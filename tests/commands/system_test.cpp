@@ -6,6 +6,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/wire_protocol.h"
 
 namespace {
 
@@ -196,6 +197,8 @@ TEST_P(System, OnTheWire) { run(GetParam()); }
 INSTANTIATE_TEST_SUITE_P(, System, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
 
 TEST(SystemGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("system.h", kRows), ""); }
+
+TEST(SystemGuards, ThePageTellsTheWire) { expect_documented("System and network", kRows); }
 
 TEST(SystemGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 

@@ -6,6 +6,7 @@
 
 #include "support/command_case.h"
 #include "support/scaled_time.h"
+#include "support/wire_protocol.h"
 #include "zk/motion.h"
 
 namespace {
@@ -67,6 +68,8 @@ TEST_P(Teach, OnTheWire) { run(GetParam()); }
 INSTANTIATE_TEST_SUITE_P(, Teach, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
 
 TEST(TeachGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("teach.h", kRows), ""); }
+
+TEST(TeachGuards, ThePageTellsTheWire) { expect_documented("Teaching and steps", kRows); }
 
 TEST(TeachGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 

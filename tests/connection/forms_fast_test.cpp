@@ -85,30 +85,11 @@ class Setters : public Forms, public testing::WithParamInterface<Setter> {
 INSTANTIATE_TEST_SUITE_P(, Setters, testing::ValuesIn(kSetters),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST_P(Setters, BlockGivesTheAcknowledgement) {
-    const std::string without_key = std::string(R"({"command":")") + GetParam().command + "\"}";
-    const std::pair<std::string, int> rows[] = {
-        {reply("true"), 0}, {reply("false"), 1}, {reply("1"), 11}, {reply("tr"), 9}, {without_key, 9}};
-    for (const auto& [message, status] : rows) {
-        controller_.answer(GetParam().command, message);
-        EXPECT_EQ(GetParam().block(arm_), status) << message;
-        EXPECT_EQ(GetParam().wrapper(arm_, true), status) << message;
-        EXPECT_EQ(shared(GetParam().mailbox[0].count), 0);
-    }
-}
-
 TEST_P(Setters, NonBlockLeavesTheReplyInTheMailbox) {
     controller_.answer(GetParam().command, reply("false"));
     EXPECT_EQ(GetParam().wrapper(arm_, false), 0);
     eventually([&] { return shared(GetParam().mailbox[0].count) == 1; });
     EXPECT_EQ(shared(GetParam().mailbox[0].result), 1);
-}
-
-TEST_P(Setters, AFileTransferHoldsTheWrapperBackAndNothingIsSent) {
-    set_shared(IsSendFile, 1);
-    EXPECT_EQ(GetParam().wrapper(arm_, true), 18);
-    EXPECT_EQ(GetParam().wrapper(arm_, false), 18);
-    EXPECT_TRUE(ZK_Queue_Empty(&Socket_Tx_Buffer));
 }
 
 TEST_P(Setters, BlockTimesOutAfterThreeSeconds) {

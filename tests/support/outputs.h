@@ -9,6 +9,7 @@
 
 #include "zk/arm_state.h"
 #include "zk/frames.h"
+#include "zk/realtime.h"
 #include "zk/system.h"
 
 namespace zk::test {
@@ -71,6 +72,13 @@ inline std::string text_of(const ArmSoftwareInfo& info) {
 inline std::string text_of(const WifiNet& net) {
     return text_of(net.channel) + ", " + text_of(net.ip) + ", " + text_of(net.mac) + ", " + text_of(net.mask) + ", " +
            text_of(net.mode) + ", " + text_of(net.password) + ", " + text_of(net.ssid);
+}
+
+inline std::string text_of(const RealtimePushConfig& push) {
+    return text_of(push.cycle) + ", " + (push.enable ? "on" : "off") + ", " + text_of(push.port) + ", " +
+           text_of(push.force_coordinate) + ", " + text_of(push.ip) + ", " +
+           text_of({push.joint_speed, push.lift_state, push.expand_state, push.hand, push.arm_current_status,
+                    push.aloha_state});
 }
 
 // The elements up to the last that was written.

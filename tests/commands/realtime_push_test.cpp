@@ -1,0 +1,93 @@
+// The commands about the real-time push on the wire, and what the controller says of it.
+#include <gtest/gtest.h>
+
+#include "support/command_case.h"
+#include "support/parser_case.h"
+#include "support/wire_protocol.h"
+#include "zk/realtime.h"
+#include "zk/startup.h"
+
+namespace {
+
+using namespace zk::test;
+
+constexpr RealtimePushConfig kFull{5, true, 8089, 2, "192.168.1.10", 1, 0, 1, 0, 1, 0};
+constexpr RealtimePushConfig kBare{0, false, 0, -1, "1.1.1", -1, -1, -1, -1, -1, -1};
+constexpr RealtimePushConfig kLongAddress{1, true, 1, 0, "1234567890123456", -1, -1, -1, 1, -1, -1};
+
+int set_push(int (*set)(ArmSocket, RealtimePushConfig), ArmSocket s, const RealtimePushConfig& config, int sensor) {
+    set_shared(Curr_Senser_Type, int32_t{sensor});
+    return set(s, config);
+}
+
+const std::string kReply =
+    R"({"state":"get_realtime_push","cycle":5,"enable":true,"port":8089,"force_coordinate":1,"ip":"192.168.1.10",)"
+    R"("custom":{"joint_speed":true,"lift_state":false,"expand_state":true,"hand":false,"arm_current_status":true,)"
+    R"("aloha_state":false}})";
+const char* const kReplyTold = "5, on, 8089, 1, 192.168.1.10, 1 0 1 0 1 0";
+
+CommandCase adding(CommandCase row) { return row.adding(); }
+
+// What is negative, zero or too long is not said.
+const std::vector<CommandCase> kRows = {
+    adding(acknowledged(
+        "Set_Realtime_Push", [](ArmSocket s) { return set_push(Set_Realtime_Push, s, kFull, 1); },
+        Set_Realtime_Push_Cmd,
+        R"({"command": "set_realtime_push", "cycle": 5, "enable": true, "port": 8089, )"
+        R"("force_coordinate": 2, "ip": "192.168.1.10", "custom": {"joint_speed": true, )"
+        R"("lift_state": false, "expand_state": true, "arm_current_status": true, "hand": false, )"
+        R"("aloha_state": false}})",
+        R"({"command":"set_realtime_push","state":true})")),
+    adding(acknowledged(
+        "Set_Realtime_Push_Block", [](ArmSocket s) { return set_push(Set_Realtime_Push_Block, s, kLongAddress, 0); },
+        Set_Realtime_Push_Cmd,
+        R"({"command": "set_realtime_push", "cycle": 1, "enable": true, "port": 1, "custom": {"hand": true}})",
+        R"({"command":"set_realtime_push","state":true})")),
+    adding(acknowledged(
+        "SaysLittle_Set_Realtime_Push", [](ArmSocket s) { return set_push(Set_Realtime_Push, s, kBare, 2); },
+        Set_Realtime_Push_Cmd,
+        "{\n\t\"command\":\t\"set_realtime_push\",\n\t\"enable\":\tfalse,\n\t\"custom\":\t{\n\t}\n}",
+        R"({"command":"set_realtime_push","state":true})")),
+    answered(ASK(Get_Realtime_Push), Get_Realtime_Push_Cmd, R"({"command": "get_realtime_push"})", kReply, kReplyTold)
+        .wiping(),
+    answered(ASK(Get_Realtime_Push_Block), Get_Realtime_Push_Cmd, R"({"command": "get_realtime_push"})", kReply,
+             kReplyTold)
+        .wiping(),
+};
+
+class RealtimePush : public testing::TestWithParam<CommandCase> {};
+TEST_P(RealtimePush, OnTheWire) { run(GetParam()); }
+INSTANTIATE_TEST_SUITE_P(, RealtimePush, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
+
+TEST(RealtimePushGuards, ThePageTellsTheWire) { expect_documented("Real-time push", kRows); }
+
+TEST(RealtimePushGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+
+TEST(RealtimePushGuards, NoRecordNoQuestion) { expect_nothing_sent({{CALL(Get_Realtime_Push, (s, nullptr))}}); }
+
+TEST(RealtimePushParsers, Configuration) {
+    const auto without = [](const std::string& key) {
+        const size_t start = kReply.find("\"" + key + "\":"), end = kReply.find_first_of(",}", start);
+        const bool last = kReply[end] == '}';
+        return kReply.substr(0, last ? start - 1 : start) + kReply.substr(last ? end : end + 1);
+    };
+    const auto with_text = [](const std::string& key) {
+        const size_t start = kReply.find("\"" + key + "\":") + key.size() + 3, end = kReply.find_first_of(",}", start);
+        return kReply.substr(0, start) + "[]" + kReply.substr(end);
+    };
+    const Parse parse = parsing(Parser_Get_Realtime_Push);
+    std::string told;
+    for (const char* key : {"cycle", "enable", "port", "ip", "joint_speed", "lift_state", "expand_state", "hand",
+                            "arm_current_status", "aloha_state"}) {
+        EXPECT_EQ(parse(-1, without(key).c_str(), told), 9) << key;
+        EXPECT_EQ(parse(-1, with_text(key).c_str(), told), 11) << key;
+    }
+    EXPECT_EQ(parse(-1, without("force_coordinate").c_str(), told), 0);
+    EXPECT_EQ(told, "5, on, 8089, -1, 192.168.1.10, 1 0 1 0 1 0");
+    EXPECT_EQ(parse(-1, with_text("force_coordinate").c_str(), told), 11);
+    EXPECT_EQ(parse(-1, R"({"cycle":5,"enable":true,"port":1,"ip":"1.1.1.1","custom":7})", told), 11);
+    EXPECT_EQ(parse(-1, R"({"cycle":5,"enable":true,"port":1,"ip":"1.1.1.1"})", told), 9);
+    EXPECT_EQ(parse(-1, "{", told), 9);
+}
+
+}  // namespace
