@@ -58,14 +58,21 @@ M difference(const M& a, const M& b) {
     return filled<M>(a.rows, a.cols, [&](int i, int j) { return a.m[i][j] - b.m[i][j]; });
 }
 
-// Single-precision products, added up as Sum in ascending order and rounded once.
 template <typename Sum, typename M>
-M product(const M& a, const M& b) {
-    return filled<M>(a.rows, b.cols, [&](int i, int j) {
+M product(const M& a, const M& b, int rows, int inner, int cols) {
+    return filled<M>(rows, cols, [&](int i, int j) {
         Sum total = 0;
-        for (int k = 0; k < used<M>(a.cols); ++k) total += a.m[i][k] * b.m[k][j];
+        for (int k = 0; k < used<M>(inner); ++k) total += a.m[i][k] * b.m[k][j];
         return static_cast<float>(total);
     });
+}
+
+// Single-precision products, added up as Sum in ascending order and rounded once. Nearly all are of two frames, whose
+// known bounds let the compiler lay the loops out flat.
+template <typename Sum, typename M>
+M product(const M& a, const M& b) {
+    if (a.rows == 4 && a.cols == 4 && b.cols == 4) return product<Sum>(a, b, 4, 4, 4);
+    return product<Sum>(a, b, a.rows, a.cols, b.cols);
 }
 
 }  // namespace zk
