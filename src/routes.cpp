@@ -41,37 +41,24 @@ void unread(int, char*) {}
 
 // The tool frame in use also becomes Tool_Matrix, with its Euler angles in the place of the position.
 void tool_frame_in_use(int slot, char* message) {
-    if (!message) return Mailbox(Current_Tool_Cmd).clear(slot);
-    if (parse_into<Current_Tool_Cmd, Parser_Get_Current_Tool_Frame, &FrameReply::frame>(slot, message) == ZK_OK) {
-        FrameRec frame;
-        read_words(&frame, &Current_Tool_Cmd[slot].frame, sizeof frame);
-        const Euler& euler = frame.pose.euler;
-        frame.pose.position = {euler.rx, euler.ry, euler.rz};
-        Tool_Matrix = Algo_Pos2Matrix(frame.pose);
-    }
-    Mailbox(Current_Tool_Cmd).raise(slot, true);
+    add_and_apply<Current_Tool_Cmd, Parser_Get_Current_Tool_Frame, &FrameReply::frame>(
+        slot, message, [](const FrameReply& reply) {
+            Pose pose = reply.frame.pose;
+            pose.position = {pose.euler.rx, pose.euler.ry, pose.euler.rz};
+            Tool_Matrix = Algo_Pos2Matrix(pose);
+        });
 }
 
 void work_frame_in_use(int slot, char* message) {
-    if (!message) return Mailbox(Current_Work_Cmd).clear(slot);
-    if (parse_into<Current_Work_Cmd, Parser_Get_Current_Work_Frame, &FrameReply::frame>(slot, message) == ZK_OK) {
-        FrameRec frame;
-        read_words(&frame, &Current_Work_Cmd[slot].frame, sizeof frame);
-        Frame_Matrix = Algo_Pos2Matrix(frame.pose);
-    }
-    Mailbox(Current_Work_Cmd).raise(slot, true);
+    add_and_apply<Current_Work_Cmd, Parser_Get_Current_Work_Frame, &FrameReply::frame>(
+        slot, message, [](const FrameReply& reply) { Frame_Matrix = Algo_Pos2Matrix(reply.frame.pose); });
 }
 
 // The local model follows the arm's mounting.
 void mounting(int slot, char* message) {
-    if (!message) return Mailbox(Get_Install_Pose_Cmd).clear(slot);
-    if (parse_into<Get_Install_Pose_Cmd, Parser_Get_Install_Pose, &InstallPoseReply::x, &InstallPoseReply::y,
-                   &InstallPoseReply::z>(slot, message) == ZK_OK) {
-        InstallPoseReply reply;
-        Mailbox(Get_Install_Pose_Cmd).copy(slot, &reply);
-        Algo_Set_Angle(reply.x, reply.y, reply.z);
-    }
-    Mailbox(Get_Install_Pose_Cmd).raise(slot, true);
+    add_and_apply<Get_Install_Pose_Cmd, Parser_Get_Install_Pose, &InstallPoseReply::x, &InstallPoseReply::y,
+                  &InstallPoseReply::z>(
+        slot, message, [](const InstallPoseReply& reply) { Algo_Set_Angle(reply.x, reply.y, reply.z); });
 }
 
 // The replies of the force sensor's calibrations are told apart by nobody: both mailboxes get each.

@@ -102,7 +102,7 @@ ZK_API int Set_None_Payload_Block(ArmSocket socket);
 ZK_API int Set_None_Payload_NonBlock(ArmSocket socket);
 
 /*
- * Asks for the tool frame in use: name (not ended when it has ten bytes), pose, mass and centre of gravity. The plain
+ * Asks for the tool frame in use: name, pose, mass and centre of gravity. The plain
  * name then refreshes g_tool_pose from the local model; the answer does not go into the model here: the start-up of the
  * connection and the commands that change frames put it there. Afterwards the mailbox record of the first connection is
  * wiped, whichever asked, as in all the questions of this family.

@@ -63,7 +63,9 @@ ZK_API int Parser_Joint_Max_Pos(const char* text);
 
 /*
  * Ask for the joints' limits, in the units above. On success the plain names also put the limits into the local model,
- * where kinematics and its checks use them; the blocking forms do not. 19 for a null pointer.
+ * where kinematics and its checks use them; the blocking forms do not. The model's limits of speed and acceleration
+ * become six times what is told: the factor of degrees per second in a revolution per minute is applied twice on this
+ * way. 19 for a null pointer.
  */
 ZK_API JointReply Joint_Max_Speed_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Speed(ArmSocket socket, float* out);

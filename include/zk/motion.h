@@ -39,7 +39,9 @@ ZK_API int Parser_Plan_Feedback(const char* text, int32_t* device, int32_t* traj
  * arm is idle and no report came; 5 when the connection was closed meanwhile; after six failed polls of the trajectory
  * in progress their status (7, say). A joined move returns 0 at once. To end the wait, stop the arm from another
  * thread. Movej_Cmd_NonBlock waits for the acknowledgement alone, 100 ms at most: 0 taken, 1 refused, 5, 7, 9, 11. The
- * plain name chooses by its flag and adds 18 during a file transfer and 19 for a null pointer.
+ * plain name chooses by its flag and adds 18 during a file transfer and 19 for a null pointer. Before the first
+ * successful Arm_Socket_Start of the process no acknowledgement is looked for: NonBlock gives 0 at once, and a joined
+ * move that blocks waits for an arrival.
  *
  * Application threads, one move a connection at a time: a blocking move that is sent behind one that still runs ends
  * with the arrival of the first.

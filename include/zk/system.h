@@ -276,8 +276,8 @@ ZK_API int Get_Tool_RS485_Mode(ArmSocket socket, int32_t* mode, int32_t* baudrat
 ZK_API int Get_Tool_RS485_Mode_Block(ArmSocket socket, int32_t* mode, int32_t* baudrate, int32_t* timeout);
 ZK_API int Parser_Get_Tool_RS485_Mode(const char* text, int32_t* mode, int32_t* baudrate, int32_t* timeout);
 
-/* Set, and ask for, the mode the arm runs in: 0 simulated, 1 real. Only false counts as a refusal. The plain names wait
- * 2 ms first. A reply without "mode" gives 8. */
+/* Set, and ask for, the mode the arm runs in: 0 simulated, 1 real. The plain names wait 2 ms first. Setting: only false
+ * counts as a refusal, and a reply without "mode" gives 8. Asking: 9 without it, 11 when it is no number. */
 ZK_API AckReply Set_Arm_Run_Mode_NC_Cmd[ZK_SLOTS];
 ZK_API int Set_Arm_Run_Mode(ArmSocket socket, int32_t mode);
 ZK_API int Set_Arm_Run_Mode_Block_NC_E(ArmSocket socket, int32_t mode);

@@ -49,6 +49,7 @@ class Parsed {
         mailbox_.finish(slot_, status_);
         return status_;
     }
+    const auto& record() const { return record_; }
 
  private:
     Mailbox mailbox_{table};
@@ -57,24 +58,28 @@ class Parsed {
     int status_;
 };
 
-template <auto& table, auto parse, auto... fields>
-int parse_into(int slot, const char* message) {
-    return Parsed<table, parse, fields...>(slot, message).publish();
-}
-
 // The rules of the counter: `set` makes it 1, `add` raises it by 1; with `first` it rises before the result is there,
 // so that a caller polling at that very moment may take the former one.
 template <auto& table, auto parse, auto... fields>
 void set(int slot, char* message) {
     if (!message) return Mailbox(table).clear(slot);
-    parse_into<table, parse, fields...>(slot, message);
+    Parsed<table, parse, fields...>(slot, message).publish();
     Mailbox(table).raise(slot, false);
 }
 
 template <auto& table, auto parse, auto... fields>
 void add(int slot, char* message) {
     if (!message) return Mailbox(table).clear(slot);
-    parse_into<table, parse, fields...>(slot, message);
+    Parsed<table, parse, fields...>(slot, message).publish();
+    Mailbox(table).raise(slot, true);
+}
+
+// What a good reply tells goes elsewhere too, before anybody finds it in the mailbox.
+template <auto& table, auto parse, auto... fields>
+void add_and_apply(int slot, char* message, auto apply) {
+    if (!message) return Mailbox(table).clear(slot);
+    Parsed<table, parse, fields...> reply(slot, message);
+    if (reply.publish() == ZK_OK) apply(reply.record());
     Mailbox(table).raise(slot, true);
 }
 
