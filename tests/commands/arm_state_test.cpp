@@ -32,10 +32,8 @@ const char* const kAllStateTold =
     "1 0 1 1 0 1 0, 0 1 2 3 4 1 0, 9";
 
 const std::vector<CommandCase> kRows = {
-    answered(ASK(Get_Current_Arm_State), Arm_Current_State_Cmd, R"({"command": "get_current_arm_state"})", kState,
-             "1 -90.001 0.001 0 0.005 0.006; 0.1 -0.2 1e-06, 3.141 -1.57 0.001; 7; 0"),
-    answered(ASK(Get_Current_Arm_State_Block), Arm_Current_State_Cmd, R"({"command": "get_current_arm_state"})", kState,
-             "1 -90.001 0.001 0 0.005 0.006; 0.1 -0.2 1e-06, 3.141 -1.57 0.001; 7; 0"),
+    QUERY(Get_Current_Arm_State, Arm_Current_State_Cmd, R"({"command": "get_current_arm_state"})", kState,
+          "1 -90.001 0.001 0 0.005 0.006; 0.1 -0.2 1e-06, 3.141 -1.57 0.001; 7; 0"),
     answered("Incomplete_" ASK(Get_Current_Arm_State), Arm_Current_State_Cmd, R"({"command": "get_current_arm_state"})",
              kStateWithoutErrors, "1 -90.001 0.001 0 0.005 0.006 7; 0.1 -0.2 1e-06, 3.141 -1.57 0.001; 0; 0")
         .on(75)
@@ -63,14 +61,9 @@ const std::vector<CommandCase> kRows = {
              R"({"state":"joint_degree","joint":[1000,-90001,1,0,5,6]})", "1 -90.001 0.001 0 0.005 0.006"),
     answered(ASK(Get_Joint_Degree_Block), Get_Joint_Degree_Cmd, R"({"command": "get_joint_degree"})",
              R"({"state":"joint_degree","joint":[1,2,3]})", "0.001 0.002 0.003 0 0 0"),
-    answered(ASK(Get_Arm_All_State), Get_Joint_All_State_Cmd, R"({"command": "get_arm_all_state"})", kAllState,
-             kAllStateTold),
-    answered(ASK(Get_Arm_All_State_Block), Get_Joint_All_State_Cmd, R"({"command": "get_arm_all_state"})", kAllState,
-             kAllStateTold),
-    answered(ASK(Get_Arm_Plan_Num), Get_Arm_Plan_Num_Cmd, R"({"command": "get_arm_plan_num"})",
-             R"({"state":"arm_plan_num","plan_num":3})", "3"),
-    answered(ASK(Get_Arm_Plan_Num_Block), Get_Arm_Plan_Num_Cmd, R"({"command": "get_arm_plan_num"})",
-             R"({"state":"arm_plan_num","plan_num":3})", "3"),
+    QUERY(Get_Arm_All_State, Get_Joint_All_State_Cmd, R"({"command": "get_arm_all_state"})", kAllState, kAllStateTold),
+    QUERY(Get_Arm_Plan_Num, Get_Arm_Plan_Num_Cmd, R"({"command": "get_arm_plan_num"})",
+          R"({"state":"arm_plan_num","plan_num":3})", "3"),
 
     acknowledged(CALL(Set_Arm_Init_Pose, (s, kJoints, true)), Set_Arm_Init_Pose_Cmd,
                  R"({"command": "set_init_pose", "init_pose": [250, -90000, 1500, 0, 178000, 12345]})",

@@ -44,13 +44,8 @@ const auto kAskGivenWork = [](auto form) {
 
 const std::vector<CommandCase> kRows = {
     // Tools: mass and centre of gravity have other scales in each form.
-    acknowledged(CALL(Auto_Set_Tool_Frame, (s, 6, true)), Auto_Set_Tool_Frame_Cmd,
-                 R"({"command": "set_auto_tool_frame", "point_num": 6})",
-                 R"({"command":"set_auto_tool_frame","auto_tool_frame":true})"),
-    acknowledged(CALL(Auto_Set_Tool_Frame_Block, (s, 255)), Auto_Set_Tool_Frame_Cmd,
-                 R"({"command": "set_auto_tool_frame", "point_num": 255})",
-                 R"({"command":"set_auto_tool_frame","auto_tool_frame":true})"),
-    queued(CALL(Auto_Set_Tool_Frame_NonBlock, (s, 1)), R"({"command": "set_auto_tool_frame", "point_num": 1})"),
+    SETTER(Auto_Set_Tool_Frame, Auto_Set_Tool_Frame_Cmd, R"({"command": "set_auto_tool_frame", "point_num": 6})",
+           R"({"command":"set_auto_tool_frame","auto_tool_frame":true})", 6),
     acknowledged(CALL(Generate_Auto_Tool_Frame, (s, "grip", 1.5f, 0.1f, -0.0015f, 0.0000019f, true)),
                  Auto_Set_Tool_Frame_Cmd,
                  R"({"command": "generate_auto_tool_frame", "tool_name": "grip", "payload": 1500, )"
@@ -125,8 +120,7 @@ const std::vector<CommandCase> kRows = {
                  R"({"command":"set_none_payload","set_state":true})"),
     queued(CALL(Set_None_Payload_NonBlock, (s)), R"({"command": "set_none_payload"})"),
 
-    answered(ASK(Get_Current_Tool_Frame), Current_Tool_Cmd, kTool.wire, kTool.reply, kToolTold).wiping(),
-    answered(ASK(Get_Current_Tool_Frame_Block), Current_Tool_Cmd, kTool.wire, kTool.reply, kToolTold).wiping(),
+    QUERY(Get_Current_Tool_Frame, Current_Tool_Cmd, kTool.wire, kTool.reply, kToolTold, .wiping()),
     answered("Get_Given_Tool_Frame", kAskGivenTool(Get_Given_Tool_Frame), Given_Tool_Cmd,
              R"({"command": "get_tool_frame", "tool_name": "grip"})",
              R"({"state":"given_tool_frame","tool_name":"tool_frame_long","pose":[1.9,2,3e0,4,5,6],"payload":2.5,)"
@@ -141,32 +135,17 @@ const std::vector<CommandCase> kRows = {
              "grip, 1e-06 2e-06 3e-06, 0.004 0.005 0.006, 0 0 0 0")
         .clearing_old_replies()
         .wiping(),
-    answered(ASK(Get_All_Tool_Frame), Get_All_Tool_Frame_Cmd, R"({"command": "get_total_tool_frame"})",
-             R"({"state":"total_tool_frame","tool_names":["a","b","NULL","c"]})", "a b; 2")
-        .wiping(),
-    answered(ASK(Get_All_Tool_Frame_Block), Get_All_Tool_Frame_Cmd, R"({"command": "get_total_tool_frame"})",
-             R"({"state":"total_tool_frame","tool_names":["Arm_Tip","tool_frame_long"]})", "Arm_Tip tool_frame; 2")
-        .wiping(),
+    QUERY(Get_All_Tool_Frame, Get_All_Tool_Frame_Cmd, R"({"command": "get_total_tool_frame"})",
+          R"({"state":"total_tool_frame","tool_names":["a","tool_frame_long","NULL","c"]})", "a tool_frame; 2",
+          .wiping()),
 
-    acknowledged(CALL(Auto_Set_Work_Frame, (s, "table", 4, true)), Auto_Set_Work_Frame_Cmd,
-                 R"({"command": "set_auto_work_frame", "frame_name": "table", "point_num": 4})",
-                 R"({"command":"set_auto_work_frame","auto_work_frame":true})"),
-    acknowledged(CALL(Auto_Set_Work_Frame_Block, (s, "table", 1)), Auto_Set_Work_Frame_Cmd,
-                 R"({"command": "set_auto_work_frame", "frame_name": "table", "point_num": 1})",
-                 R"({"command":"set_auto_work_frame","auto_work_frame":true})"),
-    queued(CALL(Auto_Set_Work_Frame_NonBlock, (s, "table", 255)),
-           R"({"command": "set_auto_work_frame", "frame_name": "table", "point_num": 255})"),
-    acknowledged(CALL(Manual_Set_Work_Frame, (s, "table", kPose, true)), Manual_Set_Work_Frame_Cmd,
-                 R"({"command": "set_manual_work_frame", "frame_name": "table", )"
-                 R"("frame_pose": [123456, -300000, 1, 3141, -1570, 1]})",
-                 R"({"command":"set_manual_work_frame","manual_work_frame":true})"),
-    acknowledged(CALL(Manual_Set_Work_Frame_Block, (s, "table", kPose)), Manual_Set_Work_Frame_Cmd,
-                 R"({"command": "set_manual_work_frame", "frame_name": "table", )"
-                 R"("frame_pose": [123456, -300000, 1, 3141, -1570, 1]})",
-                 R"({"command":"set_manual_work_frame","manual_work_frame":true})"),
-    queued(CALL(Manual_Set_Work_Frame_NonBlock, (s, "table", kPose)),
+    SETTER(Auto_Set_Work_Frame, Auto_Set_Work_Frame_Cmd,
+           R"({"command": "set_auto_work_frame", "frame_name": "table", "point_num": 4})",
+           R"({"command":"set_auto_work_frame","auto_work_frame":true})", "table", 4),
+    SETTER(Manual_Set_Work_Frame, Manual_Set_Work_Frame_Cmd,
            R"({"command": "set_manual_work_frame", "frame_name": "table", )"
-           R"("frame_pose": [123456, -300000, 1, 3141, -1570, 1]})"),
+           R"("frame_pose": [123456, -300000, 1, 3141, -1570, 1]})",
+           R"({"command":"set_manual_work_frame","manual_work_frame":true})", "table", kPose),
     acknowledged(CALL(Update_Work_Frame, (s, "table", kPose)), Update_Work_Frame_Cmd,
                  R"({"command": "update_work_frame", "frame_name": "table", )"
                  R"("frame_pose": [123456, -300000, 1, 3141, -1570, 1]})",
@@ -202,8 +181,7 @@ const std::vector<CommandCase> kRows = {
     queued(CALL(Delete_Work_Frame_NonBlock, (s, "table")),
            R"({"command": "set_delete_work_frame", "frame_name": "table"})"),
 
-    answered(ASK(Get_Current_Work_Frame), Current_Work_Cmd, kWork.wire, kWork.reply, kWorkTold).wiping(),
-    answered(ASK(Get_Current_Work_Frame_Block), Current_Work_Cmd, kWork.wire, kWork.reply, kWorkTold).wiping(),
+    QUERY(Get_Current_Work_Frame, Current_Work_Cmd, kWork.wire, kWork.reply, kWorkTold, .wiping()),
     answered("Get_Given_Work_Frame", kAskGivenWork(Get_Given_Work_Frame), Given_Work_Frame_Cmd,
              R"({"command": "get_work_frame", "frame_name": "table"})",
              R"({"state":"given_work_frame","frame_name":"work_frame_long","pose":[1.9,2,3,4,5,6]})",

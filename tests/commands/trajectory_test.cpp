@@ -16,13 +16,6 @@ const char* const kSlowStop = R"({"command":"set_arm_slow_stop","arm_slow_stop":
 const char* const kCircle =
     R"({"state":"arm_current_trajectory","type":"movec","data":[300000,-200000,1,3141,-500,1]})";
 
-// The reply to a waypoint command is taken for a streamed point, and that of the timer is waited for on the list.
-#define WAYPOINT(command, wire, reply, ...)                                                     \
-    unheard(#command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) true), wire, reply),          \
-        unheard(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), wire, reply),         \
-        queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) false), wire), \
-        queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), wire)
-
 const std::vector<CommandCase> kRows = {
     SETTER(Move_Stop_Cmd, Set_Arm_Stop_Cmd, R"({"command": "set_arm_stop"})",
            R"({"command":"set_arm_stop","arm_stop":true})"),
@@ -57,17 +50,18 @@ const std::vector<CommandCase> kRows = {
         .clearing_old_replies()
         .on(75),
 
-    WAYPOINT(Add_Waypoint, R"({"command": "add_waypoint", "joint": [250, -90000, 1500, 0, 178000, 12345]})",
-             R"({"command":"add_waypoint","waypoint_state":true})", kJoints),
+    // The reply to a waypoint command is taken for a streamed point, and that of the timer is waited for on the list.
+    UNHEARD(Add_Waypoint, R"({"command": "add_waypoint", "joint": [250, -90000, 1500, 0, 178000, 12345]})",
+            R"({"command":"add_waypoint","waypoint_state":true})", kJoints),
     queued("OfSevenJoints_" CALL(Add_Waypoint, (s, kJoints, false)),
            R"({"command": "add_waypoint", "joint": [250, -90000, 1500, 0, 178000, 12345, -7250]})", 72),
-    WAYPOINT(Start_Waypoint, R"({"command": "start_waypoint", "frequency": -2147483648})",
-             R"({"command":"start_waypoint","waypoint_state":true})", -2147483647 - 1),
-    WAYPOINT(Clear_Waypoint, R"({"command": "clear_waypoint"})",
-             R"({"command":"clear_waypoint","waypoint_state":true})"),
-    WAYPOINT(Stop_Waypoint, R"({"command": "stop_waypoint"})", R"({"command":"stop_waypoint","waypoint_state":true})"),
-    WAYPOINT(Timer, R"({"command": "timer", "wait_time": 2147483647})", R"({"command":"timer","wait_time":true})",
-             2147483647),
+    UNHEARD(Start_Waypoint, R"({"command": "start_waypoint", "frequency": -2147483648})",
+            R"({"command":"start_waypoint","waypoint_state":true})", -2147483647 - 1),
+    UNHEARD(Clear_Waypoint, R"({"command": "clear_waypoint"})",
+            R"({"command":"clear_waypoint","waypoint_state":true})"),
+    UNHEARD(Stop_Waypoint, R"({"command": "stop_waypoint"})", R"({"command":"stop_waypoint","waypoint_state":true})"),
+    UNHEARD(Timer, R"({"command": "timer", "wait_time": 2147483647})", R"({"command":"timer","wait_time":true})",
+            2147483647),
 };
 
 class Trajectory : public testing::TestWithParam<CommandCase> {};

@@ -103,14 +103,26 @@ Call asking(int (*query)(ArmSocket, Outs*...)) {
 #define CALL(command, arguments) #command, [](ArmSocket s) { return command arguments; }
 #define ASK(command) #command, asking(command)
 
-// The rows of all forms of a setter, called with the same arguments: the plain name with either flag, _Block,
-// _NonBlock.
+// The rows of a command's forms, called with the same arguments. SETTER: the plain name with either flag, _Block and
+// _NonBlock; WAITING: the plain name without a flag and _Block; QUERY: likewise, told by their outputs, both rows with
+// the words behind, such as .wiping(); UNHEARD: as SETTER, for a reply that reaches nobody.
+#define ZK_FORM(form, ...) [](ArmSocket s) { return form(s __VA_OPT__(, ) __VA_ARGS__); }
 #define SETTER(command, mailbox, wire, reply, ...)                                                    \
     acknowledged(#command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) true), mailbox, wire, reply),  \
         acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, wire, reply), \
         queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) false), wire),       \
         queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), wire)
-#define ZK_FORM(form, ...) [](ArmSocket s) { return form(s __VA_OPT__(, ) __VA_ARGS__); }
+#define WAITING(command, mailbox, wire, reply, ...)                              \
+    acknowledged(#command, ZK_FORM(command, __VA_ARGS__), mailbox, wire, reply), \
+        acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, wire, reply)
+#define QUERY(command, mailbox, wire, reply, told, ...)             \
+    answered(ASK(command), mailbox, wire, reply, told) __VA_ARGS__, \
+        answered(ASK(command##_Block), mailbox, wire, reply, told) __VA_ARGS__
+#define UNHEARD(command, wire, reply, ...)                                                      \
+    unheard(#command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) true), wire, reply),          \
+        unheard(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), wire, reply),         \
+        queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) false), wire), \
+        queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), wire)
 
 inline std::ostream& operator<<(std::ostream& out, const CommandCase& row) { return out << row.name; }
 
