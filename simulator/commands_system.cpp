@@ -154,12 +154,17 @@ void add_wireless_and_serial(CommandTable& table, const std::shared_ptr<Network>
     table.order("set_usb", [](Call& call) { call.request.integer("baudrate"); });
     table.order("set_RS485", [net](Call& call) { net->baudrate = call.request.integer("baudrate", 1); });
     table.order("set_ethernet", [](Call&) {});
-    table.query("get_controller_RS485_mode", "get_controller_RS485_mode", [net](Call&) {
-        return Json{{"controller_RS485_mode", 0}, {"baudrate", net->baudrate}, {"modbus_timeout", 0}};
-    });
-    table.query("get_tool_RS485_mode", "get_tool_RS485_mode", [net](Call&) {
-        return Json{{"tool_RS485_mode", 0}, {"baudrate", net->baudrate}, {"modbus_timeout", 0}};
-    });
+    // Mode 1 is a Modbus master, with the baud rate of that.
+    const auto serial_mode = [net](Call& call, int number, const char* key) {
+        const ModbusPort& port = call.controller.modbus.port(number);
+        return Json{{key, port.open ? 1 : 0},
+                    {"baudrate", port.open ? port.baudrate : net->baudrate},
+                    {"modbus_timeout", port.open ? port.timeout : 0}};
+    };
+    table.query("get_controller_RS485_mode", "get_controller_RS485_mode",
+                [=](Call& call) { return serial_mode(call, ModbusMaster::kController, "controller_RS485_mode"); });
+    table.query("get_tool_RS485_mode", "get_tool_RS485_mode",
+                [=](Call& call) { return serial_mode(call, ModbusMaster::kTool, "tool_RS485_mode"); });
 }
 
 void add_run_mode(CommandTable& table) {

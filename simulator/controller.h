@@ -12,6 +12,7 @@
 #include "client.h"
 #include "command_table.h"
 #include "frames.h"
+#include "modbus.h"
 #include "options.h"
 #include "push.h"
 
@@ -73,6 +74,7 @@ class Controller {
     std::array<double, 3> install{};  // mounting rx, ry, rz in degrees
     JointVector init_pose;
     CartesianLimits tool_limits;
+    ModbusMaster modbus;
     PushSettings push;
     Faults faults;
     int64_t runtime_start = 0;  // simulated milliseconds

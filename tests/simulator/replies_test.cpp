@@ -302,6 +302,39 @@ std::vector<Row> network_rows() {
     };
 }
 
+std::vector<Row> modbus_rows() {
+    const Json one{{"port", 0}, {"address", 7}, {"device", 1}}, no_device{{"port", 0}, {"address", 7}, {"device", 3}};
+    const auto with = [](Json keys, const Json& more) {
+        keys.update(more);
+        return keys;
+    };
+    const Json several = with(one, {{"num", 2}});
+    const auto number = [](const std::string& command, const Json& keys, int code) {
+        return Row{command, keys, code, {{"/data", "number"}}};
+    };
+    const auto numbers = [](const std::string& command, const Json& keys, int code) {
+        return Row{command, keys, code, {{"/data", "numbers"}}};
+    };
+    return {
+        done("set_modbus_mode", {{"port", 0}, {"baudrate", 115200}, {"timeout", 10}}, 137, "set_state"),
+        done("set_modbustcp_mode", {{"ip", "10.0.0.9"}, {"port", 502}, {"timeout", 2000}}, 252, "set_state"),
+        number("read_coils", several, 139),
+        {"read_coils", with(no_device, {{"num", 1}}), 139, {{"/read_state", "boolean"}}},
+        numbers("read_multiple_coils", several, 215),
+        number("read_input_status", several, 140),
+        number("read_holding_registers", one, 141),
+        number("read_input_registers", one, 142),
+        numbers("read_multiple_holding_registers", several, 211),
+        numbers("read_multiple_input_registers", several, 270),
+        done("write_single_coil", with(one, {{"data", 1}}), 143, "write_state"),
+        done("write_coils", with(several, {{"data", 3}}), 144, "write_state"),
+        done("write_single_register", with(one, {{"data", 1000}}), 145, "write_state"),
+        done("write_registers", with(several, {{"data", {1, 2, 3, 4}}}), 146, "write_state"),
+        done("close_modbus_mode", {{"port", 0}}, 138, "set_state"),
+        done("close_modbustcp_mode", {}, 253, "set_state"),
+    };
+}
+
 // Carried out without an answer.
 const std::set<std::string> kUnanswered{"set_wifi_ap",  "set_wifi_sta", "set_usb",     "set_RS485",
                                         "set_ethernet", "movej_follow", "movep_follow"};
@@ -313,7 +346,7 @@ std::vector<Row> all_rows(size_t joints) {
     std::vector<Row> all;
     for (const std::vector<Row>& rows :
          {joint_rows(joints), state_rows(joints), limit_rows(joints), frame_rows(), trajectory_rows(joints),
-          streaming_rows(joints), teach_rows(), push_rows(), system_rows(), network_rows()})
+          streaming_rows(joints), teach_rows(), push_rows(), system_rows(), network_rows(), modbus_rows()})
         all.insert(all.end(), rows.begin(), rows.end());
     return all;
 }

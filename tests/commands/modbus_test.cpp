@@ -1,0 +1,273 @@
+// Modbus: every command on the wire, its guards, its parsers, and the banks of a simulated arm.
+#include "zk/modbus.h"
+
+#include <gtest/gtest.h>
+
+#include "support/command_case.h"
+#include "support/parser_case.h"
+#include "support/simulated_arm.h"
+#include "zk/system.h"
+
+namespace {
+
+using namespace zk::test;
+
+const uint8_t kBytes[] = {1, 2, 255, 0, 5};
+
+// Reads of several bits and of one register, as calls that tell what they read.
+const auto kSeveral = [](auto form) {
+    return [form](ArmSocket s, std::string& told) { return with_outputs<int32_t>(told, form, s, 1, 40000, 9, 255); };
+};
+const auto kOne = [](auto form) {
+    return [form](ArmSocket s, std::string& told) { return with_outputs<int32_t>(told, form, s, 1, 40000, 255); };
+};
+std::string several(const std::string& command) {
+    return R"({"command": ")" + command + R"(", "port": 1, "address": 40000, "num": 9, "device": 255})";
+}
+std::string one(const std::string& command) {
+    return R"({"command": ")" + command + R"(", "port": 1, "address": 40000, "device": 255})";
+}
+
+const char* const kModeSet = R"({"command":"set_modbus_mode","set_state":true})";
+const char* const kModeClosed = R"({"command":"close_modbus_mode","set_state":true})";
+const char* const kTcpSet = R"({"command":"set_modbustcp_mode","set_state":true})";
+const char* const kTcpClosed = R"({"command":"close_modbustcp_mode","set_state":true})";
+const char* const kCoils = R"({"state":"read_coils","read_state":true,"data":165})";
+const char* const kManyCoils = R"({"state":"read_multiple_coils","data":[165,1]})";
+const char* const kInputs = R"({"state":"input_status","data":3})";
+const char* const kHolding = R"({"state":"holding_registers","data":65535})";
+const char* const kInput = R"({"state":"input_registers","data":7})";
+const char* const kManyHolding = R"({"state":"multiple_holding_registers","data":[1,2,3]})";
+const char* const kManyInput = R"({"state":"multiple_input_registers","data":[255,-1]})";
+
+// An acknowledged write with its three forms.
+#define WRITE(command, arguments_and_flag, arguments, mailbox, wire, reply)   \
+    acknowledged(CALL(command, arguments_and_flag), mailbox, wire, reply),    \
+        acknowledged(CALL(command##_Block, arguments), mailbox, wire, reply), \
+        queued(CALL(command##_NonBlock, arguments), wire)
+// A read with its two forms.
+#define READ(command, call, mailbox, wire, reply, told)            \
+    answered(#command, call(command), mailbox, wire, reply, told), \
+        answered(#command "_Block", call(command##_Block), mailbox, wire, reply, told)
+
+const std::vector<CommandCase> kRows = {
+    WRITE(Set_Modbus_Mode, (s, 1, 115200, 600, true), (s, 1, 115200, 600), Set_Modbus_Mode_Cmd,
+          R"({"command": "set_modbus_mode", "port": 1, "baudrate": 115200, "timeout": 600})", kModeSet),
+    WRITE(Close_Modbus_Mode, (s, 1, true), (s, 1), Stop_Modbus_Mode_Cmd,
+          R"({"command": "close_modbus_mode", "port": 1})", kModeClosed),
+    acknowledged(CALL(Set_Modbustcp_Mode, (s, "10.0.0.9", 502, 2000)), Set_Modbustcp_Mode_Cmd,
+                 R"({"command": "set_modbustcp_mode", "ip": "10.0.0.9", "port": 502, "timeout": 2000})", kTcpSet)
+        .adding(),
+    acknowledged(CALL(Set_Modbustcp_Mode_Block, (s, "10.0.0.9", 502, 2000)), Set_Modbustcp_Mode_Cmd,
+                 R"({"command": "set_modbustcp_mode", "ip": "10.0.0.9", "port": 502, "timeout": 2000})", kTcpSet)
+        .adding(),
+    acknowledged(CALL(Close_Modbustcp_Mode, (s)), Close_Modbustcp_Mode_Cmd, R"({"command": "close_modbustcp_mode"})",
+                 kTcpClosed)
+        .adding(),
+    acknowledged(CALL(Close_Modbustcp_Mode_Block, (s)), Close_Modbustcp_Mode_Cmd,
+                 R"({"command": "close_modbustcp_mode"})", kTcpClosed)
+        .adding(),
+
+    READ(Get_Read_Coils, kSeveral, Get_Read_Coils_Cmd, several("read_coils"), kCoils, "165"),
+    READ(Get_Read_Multiple_Coils, kSeveral, Get_Read_Multiple_Coils_Cmd, several("read_multiple_coils"), kManyCoils,
+         "165 1"),
+    READ(Get_Read_Input_Status, kSeveral, Get_Read_Input_Status_Cmd, several("read_input_status"), kInputs, "3"),
+    READ(Get_Read_Holding_Registers, kOne, Get_Read_Holding_Registers_Cmd, one("read_holding_registers"), kHolding,
+         "65535"),
+    READ(Get_Read_Input_Registers, kOne, Get_Read_Input_Registers_Cmd, one("read_input_registers"), kInput, "7"),
+    READ(Read_Multiple_Holding_Registers, kSeveral, Read_Multiple_Holding_Registers_Cmd,
+         several("read_multiple_holding_registers"), kManyHolding, "1 2 3"),
+    READ(Read_Multiple_Input_Registers, kSeveral, Read_Multiple_intput_Registers_Cmd,
+         several("read_multiple_input_registers"), kManyInput, "255 -1"),
+
+    WRITE(Write_Single_Coil, (s, 0, 7, 65280, 1, true), (s, 0, 7, 65280, 1), Write_Single_Coil_Cmd,
+          R"({"command": "write_single_coil", "port": 0, "address": 7, "data": 65280, "device": 1})",
+          R"({"command":"write_single_coil","write_state":true})"),
+    WRITE(Write_Single_Register, (s, 0, 7, 65535, 1, true), (s, 0, 7, 65535, 1), Write_Single_Registers_Cmd,
+          R"({"command": "write_single_register", "port": 0, "address": 7, "data": 65535, "device": 1})",
+          R"({"command":"write_single_register","write_state":true})"),
+    WRITE(Write_Coils, (s, 0, 7, 9, kBytes, 1, true), (s, 0, 7, 9, kBytes, 1), Write_Coils_Cmd,
+          R"({"command": "write_coils", "port": 0, "address": 7, "num": 9, "data": [1, 2], "device": 1})",
+          R"({"command":"write_coils","write_state":true})"),
+    queued("Of16_" CALL(Write_Coils_NonBlock, (s, 0, 7, 16, kBytes, 1)),
+           R"({"command": "write_coils", "port": 0, "address": 7, "num": 16, "data": [1, 2], "device": 1})"),
+    queued("Of17_" CALL(Write_Coils_NonBlock, (s, 0, 7, 17, kBytes, 1)),
+           R"({"command": "write_coils", "port": 0, "address": 7, "num": 17, "data": [1, 2, 255], "device": 1})"),
+    queued("Of8_" CALL(Write_Coils_NonBlock, (s, 0, 7, 8, kBytes + 2, 1)),
+           R"({"command": "write_coils", "port": 0, "address": 7, "num": 8, "data": 255, "device": 1})"),
+    WRITE(Write_Registers, (s, 0, 7, 2, kBytes, 1, true), (s, 0, 7, 2, kBytes, 1), Write_Registers_Cmd,
+          R"({"command": "write_registers", "port": 0, "address": 7, "num": 2, "data": [1, 2, 255, 0], "device": 1})",
+          R"({"command":"write_registers","write_state":true})"),
+};
+
+class Modbus : public testing::TestWithParam<CommandCase> {};
+TEST_P(Modbus, OnTheWire) {
+    set_shared(m_nmodbusrtu_OutTime, 60000);
+    run(GetParam());
+}
+INSTANTIATE_TEST_SUITE_P(, Modbus, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
+
+// ------------------------------------------------------------------------------------------------------- Guards --
+
+TEST(ModbusGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("modbus.h", kRows), ""); }
+
+TEST(ModbusGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+
+TEST(ModbusGuards, NullPointersAreToldAndNothingIsSent) {
+    expect_nothing_sent({{CALL(Get_Read_Coils, (s, 0, 0, 1, 1, nullptr))},
+                         {CALL(Get_Read_Input_Status, (s, 0, 0, 1, 1, nullptr))},
+                         {CALL(Get_Read_Holding_Registers, (s, 0, 0, 1, nullptr))},
+                         {CALL(Get_Read_Input_Registers, (s, 0, 0, 1, nullptr))},
+                         {CALL(Set_Modbustcp_Mode, (s, nullptr, 502, 0))},
+                         {CALL(Write_Coils, (s, 0, 0, 9, nullptr, 1, true))},
+                         {CALL(Write_Registers, (s, 0, 0, 1, nullptr, 1, false))}});
+}
+
+TEST(ModbusGuards, SeveralValuesAreDroppedWithoutAnArray) {
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    set_shared(m_nmodbusrtu_OutTime, 60000);
+    const ArmSocket arm = connect_arm(controller);
+    controller.answer("read_multiple_coils", kManyCoils);
+    controller.answer("read_multiple_holding_registers", kManyHolding);
+    controller.answer("read_multiple_input_registers", kManyInput);
+    EXPECT_EQ(Get_Read_Multiple_Coils(arm, 0, 0, 9, 1, nullptr), 0);
+    EXPECT_EQ(Read_Multiple_Holding_Registers(arm, 0, 0, 2, 1, nullptr), 0);
+    EXPECT_EQ(Read_Multiple_Input_Registers(arm, 0, 0, 2, 1, nullptr), 0);
+}
+
+// The limit of reads and writes follows the plain name alone, before its guard, whatever comes of it.
+TEST(ModbusGuards, TheModeSetsTheLimitOfTheBus) {
+    ZK_API_Init(65, nullptr);
+    EXPECT_EQ(m_nmodbusrtu_OutTime, 1000);
+    EXPECT_EQ(Set_Modbus_Mode_NonBlock(77, 0, 115200, 5), 0);
+    EXPECT_EQ(Set_Modbus_Mode_Block(77, 0, 115200, 5), 5);
+    EXPECT_EQ(m_nmodbusrtu_OutTime, 1000);
+    set_shared(IsSendFile, 1);
+    EXPECT_EQ(Set_Modbus_Mode(77, 0, 115200, 5, true), 18);
+    EXPECT_EQ(m_nmodbusrtu_OutTime, 500);
+    EXPECT_EQ(Set_Modbus_Mode(77, 0, 115200, 0x7FFFFFFF, false), 18);
+    EXPECT_EQ(m_nmodbusrtu_OutTime, -100) << "the product wraps";
+}
+
+// As many as the header promises for the frame, in the longest digits; many more end the process.
+TEST(ModbusGuards, DataThatDoesNotFitTheFrameEndsTheProcess) {
+    ZK_API_Init(65, nullptr);
+    const std::vector<uint8_t> bytes(400, 255);
+    const int32_t longest = 65535;
+    EXPECT_EQ(Write_Coils_NonBlock(77, 0, longest, 288, bytes.data(), 255), 0);
+    EXPECT_EQ(Write_Registers_NonBlock(77, 0, longest, 18, bytes.data(), 255), 0);
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_DEATH(Write_Coils_NonBlock(77, 0, 0, 0x7FFFFFFF, bytes.data(), 1), "write_coils.*frame holds 299");
+    const std::vector<uint8_t> many(1000, 0);
+    EXPECT_DEATH(Write_Registers_NonBlock(77, 0, 0, 0x7FFFFFFF, many.data(), 1), "write_registers.*frame holds 299");
+}
+
+// ------------------------------------------------------------------------------------------------------ Parsers --
+
+TEST(ModbusParsers, Acknowledgements) {
+    expect_acknowledgement({Parser_Write_single_coil, "write_state"});
+    expect_acknowledgement({Parser_Write_Multiple_Coils, "write_state"});
+    expect_acknowledgement({Parser_Set_Modbustcp_Mode, "set_state"});
+    expect_acknowledgement({Parser_Close_Modbustcp_Mode, "set_state"});
+}
+
+TEST(ModbusParsers, OneValue) {
+    expect_parsed(parsing(Parser_Get_read_coils), {{R"({"data":1234})", 0, "1234"},
+                                                   {R"({"data":-1.9,"read_state":true})", 0, "-1"},
+                                                   {R"({"data":7,"read_state":null})", 0, "7"},
+                                                   {R"({"data":7,"read_state":false})", 1, ""},
+                                                   {R"({"read_state":false})", 1, ""},
+                                                   {R"({"read_state":true})", 8, ""},
+                                                   {R"({"data":[7]})", 8, ""},
+                                                   {R"({"data":true})", 8, ""},
+                                                   {R"({"data":7)", 9, ""}});
+}
+
+TEST(ModbusParsers, SeveralValues) {
+    for (const auto& parser : {Parser_Get_Read_Multiple_Coils, Parser_Read_Multiple_Holding_Registers}) {
+        expect_parsed(parsing(parser), {{R"({"data":[1,-2,3.9]})", 0, "1 -2 3; 3"},
+                                        {R"({"data":[1,"2",3,null],"read_state":true})", 0, "1 - 3; 4"},
+                                        {R"({"data":[]})", 0, "-; 0"},
+                                        {R"({"data":[1],"read_state":false})", 1, ""},
+                                        {R"({"data":1})", 8, ""},
+                                        {R"({})", 8, ""},
+                                        {R"({"data":[1)", 9, ""}});
+    }
+}
+
+TEST(ModbusParsers, MoreValuesThanTheRecordHolds) {
+    std::string text = R"({"data":[0)";
+    for (int i = 1; i < 300; ++i) text += ',' + std::to_string(i);
+    int32_t values[ZK_MODBUS_VALUES + 1] = {}, count = 0;
+    EXPECT_EQ(Parser_Get_Read_Multiple_Coils((text + "]}").c_str(), values, &count), 0);
+    EXPECT_EQ(count, ZK_MODBUS_VALUES);
+    EXPECT_EQ(values[ZK_MODBUS_VALUES - 1], ZK_MODBUS_VALUES - 1);
+    EXPECT_EQ(values[ZK_MODBUS_VALUES], 0);
+}
+
+// ----------------------------------------------------------------------------------------------- A simulated arm --
+
+class Bus : public testing::Test {
+ protected:
+    void SetUp() override { ASSERT_EQ(Set_Modbus_Mode(arm_, 0, 115200, 600, true), 0); }
+
+    // What a read gives, or its status when it fails.
+    template <class... Ins>
+    std::string read(Ins... ins) {
+        std::string told;
+        const int status = with_outputs<int32_t>(told, ins...);
+        return status == 0 ? told : "status " + std::to_string(status);
+    }
+
+    const SimulatedArm arm_;
+    const ArmSocket s_ = arm_;
+};
+
+TEST_F(Bus, KeepsWhatIsWritten) {
+    const uint8_t coils[] = {0x0D, 0x03}, registers[] = {0x12, 0x34, 0xFF, 0x00};
+    EXPECT_EQ(Write_Coils(arm_, 0, 100, 10, coils, 1, true), 0);
+    EXPECT_EQ(read(Get_Read_Multiple_Coils, s_, 0, 98, 12, 1), "52 12");
+    EXPECT_EQ(Write_Single_Coil(arm_, 0, 100, 0, 1, true), 0);
+    EXPECT_EQ(read(Get_Read_Coils, s_, 0, 100, 8, 1), "12");
+    EXPECT_EQ(Write_Coils(arm_, 0, 100, 2, coils, 1, true), 0);
+    EXPECT_EQ(read(Get_Read_Coils, s_, 0, 100, 8, 1), "13") << "the other six stay";
+
+    EXPECT_EQ(Write_Registers(arm_, 0, 7, 2, registers, 1, true), 0);
+    EXPECT_EQ(Write_Single_Register(arm_, 0, 9, 65535, 1, true), 0);
+    EXPECT_EQ(read(Read_Multiple_Holding_Registers, s_, 0, 7, 3, 1), "18 52 255 0 255 255");
+    EXPECT_EQ(read(Get_Read_Holding_Registers, s_, 0, 7, 1), "4660");
+
+    EXPECT_EQ(read(Get_Read_Input_Status, s_, 0, 3, 4, 1), "5") << "on at odd addresses";
+    EXPECT_EQ(read(Get_Read_Input_Registers, s_, 0, 300, 1), "300");
+    EXPECT_EQ(read(Read_Multiple_Input_Registers, s_, 0, 300, 2, 1), "1 44 1 45");
+}
+
+TEST_F(Bus, EveryPortAndDeviceHasItsOwn) {
+    EXPECT_EQ(Set_Modbus_Mode(arm_, 1, 9600, 600, true), 0);
+    EXPECT_EQ(Set_Modbustcp_Mode(arm_, "10.0.0.9", 502, 1000), 0);
+    const std::pair<int, int> places[] = {{0, 1}, {0, 2}, {1, 1}, {2, 2}};
+    for (const auto& [port, device] : places)
+        EXPECT_EQ(Write_Single_Register(arm_, port, 5, static_cast<uint16_t>(10 * port + device), device, true), 0);
+    for (const auto& [port, device] : places)
+        EXPECT_EQ(read(Get_Read_Holding_Registers, s_, port, 5, device), std::to_string(10 * port + device));
+    int32_t mode = 0, baudrate = 0, timeout = 0;
+    EXPECT_EQ(Get_Tool_RS485_Mode(arm_, &mode, &baudrate, &timeout), 0);
+    EXPECT_EQ(text_of({mode, baudrate, timeout}), "1 9600 600");
+}
+
+TEST_F(Bus, RefusesWhatNobodyAnswers) {
+    for (const auto& [port, address, device] :
+         {std::array{0, 0, 3}, {0, 0, 0}, {0, 65536, 1}, {0, -1, 1}, {1, 0, 1}, {2, 0, 1}, {9, 0, 1}}) {
+        SCOPED_TRACE(text_of({port, address, device}));
+        EXPECT_EQ(read(Get_Read_Holding_Registers, s_, port, address, device), "status 1");
+        EXPECT_EQ(Write_Single_Coil(arm_, port, address, 1, device, true), 1);
+    }
+    EXPECT_EQ(read(Get_Read_Coils, s_, 0, 0, 9, 1), "status 1") << "one byte holds eight";
+    EXPECT_EQ(read(Get_Read_Multiple_Coils, s_, 0, 65530, 7, 1), "status 1") << "beyond the last address";
+    EXPECT_EQ(Set_Modbus_Mode_Block(arm_, 2, 115200, 10), 1) << "no serial port";
+    EXPECT_EQ(Close_Modbus_Mode(arm_, 0, true), 0);
+    EXPECT_EQ(read(Get_Read_Coils, s_, 0, 0, 1, 1), "status 1") << "closed";
+}
+
+}  // namespace
