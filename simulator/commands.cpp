@@ -13,6 +13,7 @@ CommandTable all_commands() {
     add_streaming_commands(table);
     add_teach_commands(table);
     add_push_commands(table);
+    add_fence_commands(table);
     add_modbus_commands(table);
     add_system_commands(table);
     add_fault_commands(table);

@@ -14,6 +14,7 @@ void add_trajectory_commands(CommandTable& table);
 void add_streaming_commands(CommandTable& table);
 void add_teach_commands(CommandTable& table);
 void add_push_commands(CommandTable& table);
+void add_fence_commands(CommandTable& table);
 void add_modbus_commands(CommandTable& table);
 void add_system_commands(CommandTable& table);
 void add_fault_commands(CommandTable& table);

@@ -81,6 +81,17 @@ Request Request::object(const char* key) const {
     return {item, command_ + "." + key};
 }
 
+std::vector<Request> Request::objects(const char* key) const {
+    const Json& item = at(key);
+    if (!item.is_array()) refuse(key, "is no array");
+    std::vector<Request> objects;
+    for (const Json& element : item) {
+        if (!element.is_object()) refuse(key, "holds something else than objects");
+        objects.push_back(Request(element, command_ + "." + key));
+    }
+    return objects;
+}
+
 const Json& Request::at(const char* key) const {
     const auto item = body_.find(key);
     if (item == body_.end()) refuse(key, "is missing");

@@ -34,8 +34,9 @@ class Request {
     std::vector<int> integers(const char* key) const;
     std::vector<int> integers(const char* key, size_t size) const;
 
-    // An object inside the request, read in the same way.
+    // An object inside the request, or an array of them, read in the same way.
     Request object(const char* key) const;
+    std::vector<Request> objects(const char* key) const;
 
  private:
     Request(const Json& body, std::string command) : body_(body), command_(std::move(command)) {}

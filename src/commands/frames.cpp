@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "commands/frame_replies.h"
+#include "commands/name_list.h"
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
@@ -14,8 +15,6 @@
 using namespace zk;
 
 namespace {
-
-constexpr size_t name_bytes = 10;
 
 // A frame in use is asked for, and the local picture of it refreshed from the model.
 int frame_in_use(int (*block)(ArmSocket, FrameRec*), void (*from_model)(FrameRec*), Pose& picture, ArmSocket s,
@@ -102,20 +101,6 @@ void given_pose(Reply& reply, Pose& pose, const FrameReading& reading) {
 
 // "get_state" is told only where there is no such frame.
 void require_found(Reply& reply) { reply.require(!reply.find("get_state").is_false(), ZK_REFUSED); }
-
-// Names up to the first "NULL", each at most ten bytes, as many as the record holds.
-int frame_names(const char* text, const char* key, FrameName* names, int32_t* count) {
-    Reply reply(text);
-    const Item array = reply.array(reply.root(), key);
-    if (!reply.good()) return reply.status();
-    *count = 0;
-    for (int i = 0; i < std::min(array.size(), ZK_FRAME_NAMES); ++i) {
-        if (std::strcmp(array[i].text(), "NULL") == 0) break;
-        copy_name(array[i].text(), names[i].text, name_bytes);
-        *count = i + 1;
-    }
-    return reply.status();
-}
 
 // The scales of mass and centre of gravity differ from form to form.
 using Scale = int32_t (*)(float);
@@ -280,7 +265,7 @@ ZK_API int Get_All_Tool_Frame_Block(ArmSocket s, FrameName* names, int32_t* coun
     return names_query(s, "get_total_tool_frame", Get_All_Tool_Frame_Cmd, names, count);
 }
 ZK_API int Parser_Get_All_Tool_Frame(const char* text, FrameName* names, int32_t* count) {
-    return frame_names(text, "tool_names", names, count);
+    return name_list(text, "tool_names", names, ZK_FRAME_NAMES, count);
 }
 
 static Request auto_work(ArmSocket s, const char* name, uint8_t number) {
@@ -398,5 +383,5 @@ ZK_API int Get_All_Work_Frame_Blcok(ArmSocket s, FrameName* names, int32_t* coun
     return names_query(s, "get_total_work_frame", Get_All_Work_Frame_Cmd, names, count);
 }
 ZK_API int Parser_Get_All_Work_Frame(const char* text, FrameName* names, int32_t* count) {
-    return frame_names(text, "frame_names", names, count);
+    return name_list(text, "frame_names", names, ZK_FRAME_NAMES, count);
 }

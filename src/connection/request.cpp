@@ -61,6 +61,13 @@ void Fields<Self>::append(cJSON* array, double value) {
 }
 
 template <class Self>
+cJSON* Fields<Self>::append_object(cJSON* array) {
+    cJSON* object = cJSON_CreateObject();
+    cJSON_AddItemToArray(array, object);
+    return object;
+}
+
+template <class Self>
 void Fields<Self>::put_number(const char* key, double value) {
     cJSON_AddItemToObject(object_, key, number_item(value));
 }

@@ -40,12 +40,16 @@ class Fields {
     // A nested object, filled by `fill(Object&)`.
     template <class Fill>
     Self& object(const char* key, Fill fill);
+    // An array of nested objects, each filled by `fill(Object&, index)`.
+    template <class Fill>
+    Self& objects(const char* key, int count, Fill fill);
 
  protected:
     explicit Fields(cJSON* object) : object_(object) {}
     cJSON* put_array(const char* key);
     cJSON* put_object(const char* key);
     static void append(cJSON* array, double value);
+    static cJSON* append_object(cJSON* array);
     Self& self() { return static_cast<Self&>(*this); }
 
     cJSON* object_;
@@ -68,6 +72,17 @@ template <class Fill>
 Self& Fields<Self>::object(const char* key, Fill fill) {
     Object nested(put_object(key));
     fill(nested);
+    return self();
+}
+
+template <class Self>
+template <class Fill>
+Self& Fields<Self>::objects(const char* key, int count, Fill fill) {
+    cJSON* array = put_array(key);
+    for (int i = 0; i < count; ++i) {
+        Object nested(append_object(array));
+        fill(nested, i);
+    }
     return self();
 }
 

@@ -335,6 +335,47 @@ std::vector<Row> modbus_rows() {
     };
 }
 
+std::vector<Row> fence_rows() {
+    const Json sphere{{"form", 3}, {"radius", 500}, {"x", 1}, {"y", 2}, {"z", 3}};
+    Json named = sphere;
+    named["form_name"] = "ball";
+    const Json name{{"form_name", "ball"}}, ball{{"name", "b"}, {"radius", 50}, {"x", 1}, {"y", 2}, {"z", 3}};
+    const Json enable{{"set_enable", true}, {"in_out_side", 0}, {"effective_region", 0}};
+    const std::map<std::string, std::string> enabled{
+        {"/enable_state", "boolean"}, {"/in_out_side", "number"}, {"/effective_region", "number"}};
+    const auto fence = [](const std::string& where, bool has_name) {
+        std::map<std::string, std::string> keys;
+        for (const char* key : {"/form", "/radius", "/x", "/y", "/z"}) keys[where + key] = "number";
+        if (has_name) keys[where + "/form_name"] = "string";
+        return keys;
+    };
+    return {
+        done("set_electronic_fence_config", sphere, 244, "set_config"),
+        {"get_electronic_fence_config", {}, 245, fence("", false)},
+        done("set_electronic_fence_enable", enable, 242, "set_state"),
+        {"get_electronic_fence_enable", {}, 243, enabled},
+        done("add_electronic_fence_config", named, 246, "add_config"),
+        done("update_electronic_fence_config", named, 247, "update_config"),
+        {"given_electronic_fence_config", name, 250, fence("", true)},
+        {"given_electronic_fence_config", {{"form_name", "none"}}, 250, {{"/given_state", "boolean"}}},
+        {"get_electronic_fence_list_names", {}, 249, {{"/name_list", "strings"}}},
+        {"get_electronic_fence_list_infos", {}, 251, fence("/info_list/0", true)},
+        done("delete_electronic_fence_config", name, 248, "delete_config"),
+        done("set_virtual_wall_config", sphere, 256, "set_config"),
+        {"get_virtual_wall_config", {}, 257, fence("", false)},
+        done("set_virtual_wall_enable", enable, 258, "set_state"),
+        {"get_virtual_wall_enable", {}, 259, enabled},
+        done("set_self_collision_enable", {{"set_enable", true}}, 254, "set_state"),
+        {"get_self_collision_enable", {}, 255, {{"/enable_state", "number"}}},
+        done("set_tool_envelope", {{"tool_name", "Arm_Tip"}, {"list", Json::array({ball})}}, 190, "set_state"),
+        {"get_tool_envelope",
+         {{"tool_name", "Arm_Tip"}},
+         191,
+         {{"/tool_name", "string"}, {"/list/0/name", "string"}, {"/list/0/radius", "number"}}},
+        {"get_tool_envelope", {{"tool_name", "none"}}, 191, {{"/get_state", "boolean"}}},
+    };
+}
+
 // Carried out without an answer.
 const std::set<std::string> kUnanswered{"set_wifi_ap",  "set_wifi_sta", "set_usb",     "set_RS485",
                                         "set_ethernet", "movej_follow", "movep_follow"};
@@ -344,9 +385,9 @@ const std::set<std::string> kReported{"movej", "auto_fix_joint_over_soft_limit",
 
 std::vector<Row> all_rows(size_t joints) {
     std::vector<Row> all;
-    for (const std::vector<Row>& rows :
-         {joint_rows(joints), state_rows(joints), limit_rows(joints), frame_rows(), trajectory_rows(joints),
-          streaming_rows(joints), teach_rows(), push_rows(), system_rows(), network_rows(), modbus_rows()})
+    for (const std::vector<Row>& rows : {joint_rows(joints), state_rows(joints), limit_rows(joints), frame_rows(),
+                                         trajectory_rows(joints), streaming_rows(joints), teach_rows(), push_rows(),
+                                         system_rows(), network_rows(), modbus_rows(), fence_rows()})
         all.insert(all.end(), rows.begin(), rows.end());
     return all;
 }

@@ -3,6 +3,7 @@
 
 #include <charconv>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <tuple>
 #include <type_traits>
@@ -10,6 +11,7 @@
 #include "zk/arm_state.h"
 #include "zk/frames.h"
 #include "zk/realtime.h"
+#include "zk/safety_geometry.h"
 #include "zk/system.h"
 
 namespace zk::test {
@@ -79,6 +81,30 @@ inline std::string text_of(const RealtimePushConfig& push) {
            text_of(push.force_coordinate) + ", " + text_of(push.ip) + ", " +
            text_of({push.joint_speed, push.lift_state, push.expand_state, push.hand, push.arm_current_status,
                     push.aloha_state});
+}
+
+inline std::string text_of(const FenceName& name) { return text_of(name.text); }
+
+// Form, name in quotes, and the lengths that are not zero: those of the forms one after the other.
+inline std::string text_of(const FenceConfig& fence) {
+    if (is_unwritten(fence)) return "-";
+    std::string text = text_of(fence.form) + " '" + text_of(fence.form_name) + "'";
+    float lengths[(sizeof fence - offsetof(FenceConfig, x_min_limit)) / sizeof(float)];
+    std::memcpy(lengths, &fence.x_min_limit, sizeof lengths);
+    for (size_t i = 0; i < std::size(lengths); ++i) {
+        if (lengths[i] != 0) text += " " + std::to_string(i) + ":" + text_of(lengths[i]);
+    }
+    return text;
+}
+
+inline std::string text_of(const ToolEnvelope& envelope) {
+    if (is_unwritten(envelope)) return "-";
+    std::string text = text_of(envelope.tool_name) + " " + text_of(envelope.count);
+    for (int i = 0; i < envelope.count; ++i) {
+        const auto& [name, radius, x, y, z] = envelope.spheres[i];
+        text += ", " + text_of(name) + " " + text_of({radius, x, y, z});
+    }
+    return text;
 }
 
 // The elements up to the last that was written.

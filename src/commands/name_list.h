@@ -1,0 +1,28 @@
+// Lists of names, as controllers tell those of what they keep.
+#pragma once
+
+#include <algorithm>
+#include <cstring>
+
+#include "connection/reply.h"
+
+namespace zk {
+
+constexpr size_t name_bytes = 10;
+
+// Names up to the first "NULL", each at most ten bytes, as many as the record holds.
+template <class Name>
+int name_list(const char* text, const char* key, Name* names, int capacity, int32_t* count) {
+    Reply reply(text);
+    const Item array = reply.array(reply.root(), key);
+    if (!reply.good()) return reply.status();
+    *count = 0;
+    for (int i = 0; i < std::min(array.size(), capacity); ++i) {
+        if (std::strcmp(array[i].text(), "NULL") == 0) break;
+        copy_name(array[i].text(), names[i].text, name_bytes);
+        *count = i + 1;
+    }
+    return reply.status();
+}
+
+}  // namespace zk

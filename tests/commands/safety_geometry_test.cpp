@@ -1,0 +1,442 @@
+// Safety geometry: every command on the wire, its guards, its parsers, and the fences of a simulated arm.
+#include "zk/safety_geometry.h"
+
+#include <gtest/gtest.h>
+
+#include "support/command_case.h"
+#include "support/parser_case.h"
+#include "support/simulated_arm.h"
+
+namespace {
+
+using namespace zk::test;
+
+FenceConfig fence(int32_t form, const char* name = "") {
+    FenceConfig fence{};
+    fence.form = form;
+    std::memcpy(fence.form_name, name, strnlen(name, sizeof fence.form_name));
+    return fence;
+}
+
+// A record with lengths of every form; 0.0019 and -0.0019 are truncated.
+FenceConfig filled(int32_t form, const char* name = "desk") {
+    FenceConfig all = fence(form, name);
+    float* lengths = &all.x_min_limit;
+    for (int i = 0; i < 19; ++i) lengths[i] = static_cast<float>(i + 1) / 8;
+    all.x_min_limit = all.x1 = all.radius = -0.0019f;
+    return all;
+}
+const std::string kCuboid =
+    R"("x_min_limit": -1, "x_max_limit": 250, "y_min_limit": 375, "y_max_limit": 500, "z_min_limit": 625, )"
+    R"("z_max_limit": 750)";
+const std::string kPlane =
+    R"("x1": -1, "y1": 1000, "z1": 1125, "x2": 1250, "y2": 1375, "z2": 1500, "x3": 1625, "y3": 1750, "z3": 1875)";
+const std::string kSphere = R"("radius": -1, "x": 2125, "y": 2250, "z": 2375)";
+
+ToolEnvelope envelope(int32_t count) {
+    return {"grip", {{"a", 0.05f, 0.0019f, -0.0019f, 1}, {"b", 1, 2, 3, 4}, {"c", 1, 1, 1, 1}, {}, {}}, count};
+}
+
+// The same row for a plain name and its blocking form.
+#define BOTH(command, arguments, mailbox, wire, reply)                     \
+    acknowledged(CALL(command, arguments), mailbox, wire, reply).adding(), \
+        acknowledged(CALL(command##_Block, arguments), mailbox, wire, reply).adding()
+
+// Two names for a query of a fence by its name.
+const auto kAskGiven = [](auto form) {
+    return [form](ArmSocket s, std::string& told) { return with_outputs<FenceConfig>(told, form, s, "desk"); };
+};
+const auto kAskEnvelope = [](auto form) {
+    return [form](ArmSocket s, std::string& told) { return with_outputs<ToolEnvelope>(told, form, s, "grip"); };
+};
+
+const char* const kEnableReply =
+    R"({"state":"get_electronic_fence_enable","enable_state":true,"effective_region":2,"in_out_side":1})";
+const char* const kWallEnableReply =
+    R"({"state":"get_virtual_wall_enable","enable_state":false,"effective_region":-2,"in_out_side":0})";
+const char* const kConfigReply =
+    R"({"state":"get_electronic_fence_config","form":1,"x_min_limit":-1500,"x_max_limit":1,"y_min_limit":0,)"
+    R"("y_max_limit":2000,"z_min_limit":0,"z_max_limit":0})";
+const char* const kWallReply = R"({"state":"get_virtual_wall_config","form":3,"radius":500,"x":1,"y":2,"z":3})";
+const char* const kGivenReply =
+    R"({"state":"given_electronic_fence_config","form":3,"form_name":"desk","radius":500,"x":1,"y":2,"z":3})";
+const char* const kNamesReply =
+    R"({"state":"get_electronic_fence_list_names","name_list":["desk","hall_and_more","NULL","x"]})";
+const char* const kInfosReply =
+    R"({"state":"get_electronic_fence_list_infos","info_list":[{"form_name":"desk","form":3,"radius":500,"x":1,)"
+    R"("y":2,"z":3},{"form_name":"other","form":4}]})";
+const char* const kInfosTold = "3 'desk' 15:0.5 16:0.001 17:0.002 18:0.003 4 'other'; 2";
+const char* const kEnvelopeReply =
+    R"({"state":"get_tool_envelope","get_state":true,"tool_name":"grip","list":[{"name":"tip","radius":50,"x":1,)"
+    R"("y":-2,"z":1000}]})";
+
+const std::vector<CommandCase> kRows = {
+    BOTH(Set_Electronic_Fence_Enable, (s, 255, -1, 2), Set_Electronic_Fence_Enable_Cmd,
+         R"({"command": "set_electronic_fence_enable", "set_enable": true, "in_out_side": -1, "effective_region": 2})",
+         R"({"command":"set_electronic_fence_enable","set_state":true})"),
+    answered(ASK(Get_Electronic_Fence_Enable), Get_Electronic_Fence_Enable_Cmd,
+             R"({"command": "get_electronic_fence_enable"})", kEnableReply, "1; 1; 2")
+        .wiping(),
+    answered(ASK(Get_Electronic_Fence_Enable_Block), Get_Electronic_Fence_Enable_Cmd,
+             R"({"command": "get_electronic_fence_enable"})", kEnableReply, "1; 1; 2")
+        .wiping(),
+    BOTH(Set_Electronic_Fence_Config, (s, filled(1)), Set_Electronic_Fence_Config_Cmd,
+         R"({"command": "set_electronic_fence_config", "form": 1, )" + kCuboid + "}",
+         R"({"command":"set_electronic_fence_config","set_config":true})"),
+    acknowledged("Of_A_Plane_" CALL(Set_Electronic_Fence_Config, (s, filled(2))), Set_Electronic_Fence_Config_Cmd,
+                 R"({"command": "set_electronic_fence_config", "form": 2, )" + kPlane + "}",
+                 R"({"command":"set_electronic_fence_config","set_config":true})")
+        .adding(),
+    acknowledged("Of_No_Form_" CALL(Set_Electronic_Fence_Config, (s, filled(4))), Set_Electronic_Fence_Config_Cmd,
+                 R"({"command": "set_electronic_fence_config", "form": 4})",
+                 R"({"command":"set_electronic_fence_config","set_config":true})")
+        .adding(),
+    answered(ASK(Get_Electronic_Fence_Config), Get_Electronic_Fence_Config_Cmd,
+             R"({"command": "get_electronic_fence_config"})", kConfigReply, "1 '' 0:-1.5 1:0.001 3:2")
+        .wiping(),
+    answered(ASK(Get_Electronic_Fence_Config_Block), Get_Electronic_Fence_Config_Cmd,
+             R"({"command": "get_electronic_fence_config"})", kConfigReply, "1 '' 0:-1.5 1:0.001 3:2")
+        .wiping(),
+    BOTH(Add_Electronic_Fence_Config, (s, filled(2)), Add_Electronic_Fence_Config_Cmd,
+         R"({"command": "add_electronic_fence_config", "form": 2, "form_name": "desk", )" + kPlane + "}",
+         R"({"command":"add_electronic_fence_config","add_config":true})"),
+    BOTH(Update_Electronic_Fence_Config, (s, filled(3, "twelve bytes")), Update_Electronic_Fence_Config_Cmd,
+         R"({"command": "update_electronic_fence_config", "form": 3, "form_name": "twelve bytes", )" + kSphere + "}",
+         R"({"command":"update_electronic_fence_config","update_config":true})"),
+    BOTH(Delete_Electronic_Fence_Config, (s, "desk"), Delete_Electronic_Fence_Config_Cmd,
+         R"({"command": "delete_electronic_fence_config", "form_name": "desk"})",
+         R"({"command":"delete_electronic_fence_config","delete_config":true})"),
+    answered("Given_Electronic_Fence_Config", kAskGiven(Given_Electronic_Fence_Config),
+             Given_Electronic_Fence_Config_Cmd, R"({"command": "given_electronic_fence_config", "form_name": "desk"})",
+             kGivenReply, "3 'desk' 15:0.5 16:0.001 17:0.002 18:0.003")
+        .wiping(),
+    answered("Given_Electronic_Fence_Config_Block", kAskGiven(Given_Electronic_Fence_Config_Block),
+             Given_Electronic_Fence_Config_Cmd, R"({"command": "given_electronic_fence_config", "form_name": "desk"})",
+             kGivenReply, "3 'desk' 15:0.5 16:0.001 17:0.002 18:0.003")
+        .wiping(),
+    answered(ASK(Get_Electronic_Fence_List_Names), Get_Electronic_Fence_List_Name_Cmd,
+             R"({"command": "get_electronic_fence_list_names"})", kNamesReply, "desk hall_and_m; 2")
+        .wiping(),
+    answered(ASK(Get_Electronic_Fence_List_Names_Block), Get_Electronic_Fence_List_Name_Cmd,
+             R"({"command": "get_electronic_fence_list_names"})", kNamesReply, "desk hall_and_m; 2")
+        .wiping(),
+    answered(ASK(Get_Electronic_Fence_List_Info), Get_Electronic_Fence_List_Info_Cmd,
+             R"({"command": "get_electronic_fence_list_infos"})", kInfosReply, kInfosTold)
+        .wiping(),
+    answered(ASK(Get_Electronic_Fence_List_Info_Block), Get_Electronic_Fence_List_Info_Cmd,
+             R"({"command": "get_electronic_fence_list_infos"})", kInfosReply, kInfosTold)
+        .wiping(),
+
+    BOTH(Set_Virtual_Wall_Enable, (s, 0, 1, 2), Set_Virtual_Wall_Enable_Cmd,
+         R"({"command": "set_virtual_wall_enable", "set_enable": false, "in_out_side": 1, "effective_region": 2})",
+         R"({"command":"set_virtual_wall_enable","set_state":true})"),
+    answered(ASK(Get_Virtual_Wall_Enable), Get_Virtual_Wall_Enable_Cmd, R"({"command": "get_virtual_wall_enable"})",
+             kWallEnableReply, "0; 0; -2"),
+    answered(ASK(Get_Virtual_Wall_Enable_Block), Get_Virtual_Wall_Enable_Cmd,
+             R"({"command": "get_virtual_wall_enable"})", kWallEnableReply, "0; 0; -2"),
+    BOTH(Set_Virtual_Wall_Config, (s, filled(3)), Set_Virtual_Wall_Config_Cmd,
+         R"({"command": "set_virtual_wall_config", "form": 3, )" + kSphere + "}",
+         R"({"command":"set_virtual_wall_config","set_config":true})"),
+    acknowledged("Of_A_Cuboid_" CALL(Set_Virtual_Wall_Config, (s, filled(1))), Set_Virtual_Wall_Config_Cmd,
+                 R"({"command": "set_virtual_wall_config", "form": 1, )" + kCuboid + "}",
+                 R"({"command":"set_virtual_wall_config","set_config":true})")
+        .adding(),
+    acknowledged("Of_A_Plane_" CALL(Set_Virtual_Wall_Config, (s, filled(2))), Set_Virtual_Wall_Config_Cmd,
+                 R"({"command": "set_virtual_wall_config", "form": 2})",
+                 R"({"command":"set_virtual_wall_config","set_config":true})")
+        .adding(),
+    answered(ASK(Get_Virtual_Wall_Config), Get_Virtual_Wall_Config_Cmd, R"({"command": "get_virtual_wall_config"})",
+             kWallReply, "3 ''"),
+    answered(ASK(Get_Virtual_Wall_Config_Block), Get_Virtual_Wall_Config_Cmd,
+             R"({"command": "get_virtual_wall_config"})", kWallReply, "3 ''"),
+
+    BOTH(Set_Self_Collision_Enable, (s, 2), Set_Self_Collision_Enable_Cmd,
+         R"({"command": "set_self_collision_enable", "set_enable": true})",
+         R"({"command":"set_self_collision_enable","set_state":true})"),
+    answered(ASK(Get_Self_Collision_Enable), Get_Self_Collision_Enable_Cmd,
+             R"({"command": "get_self_collision_enable"})",
+             R"({"state":"get_self_collision_enable","enable_state":-7})", "1"),
+    answered(ASK(Get_Self_Collision_Enable_Block), Get_Self_Collision_Enable_Cmd,
+             R"({"command": "get_self_collision_enable"})", R"({"state":"get_self_collision_enable","enable_state":0})",
+             "0"),
+
+    // Objects in an array are printed on lines of their own.
+    BOTH(Set_Tool_Envelope, (s, envelope(2)), Set_Tool_Envelope_Cmd,
+         "{\n\t\"command\":\t\"set_tool_envelope\",\n\t\"tool_name\":\t\"grip\",\n\t\"list\":\t[{\n"
+         "\t\t\t\"name\":\t\"a\",\n\t\t\t\"radius\":\t50,\n\t\t\t\"x\":\t1,\n\t\t\t\"y\":\t-1,\n\t\t\t\"z\":\t1000\n"
+         "\t\t}, {\n\t\t\t\"name\":\t\"b\",\n\t\t\t\"radius\":\t1000,\n\t\t\t\"x\":\t2000,\n\t\t\t\"y\":\t3000,\n"
+         "\t\t\t\"z\":\t4000\n\t\t}]\n}",
+         R"({"command":"set_tool_envelope","set_state":true})"),
+    acknowledged("Empty_" CALL(Set_Tool_Envelope, (s, envelope(-1))), Set_Tool_Envelope_Cmd,
+                 "{\n\t\"command\":\t\"set_tool_envelope\",\n\t\"tool_name\":\t\"grip\",\n\t\"list\":\t[]\n}",
+                 R"({"command":"set_tool_envelope","set_state":true})")
+        .adding(),
+    answered("Get_Tool_Envelope", kAskEnvelope(Get_Tool_Envelope), Get_Tool_Envelope_Cmd,
+             R"({"command": "get_tool_envelope", "tool_name": "grip"})", kEnvelopeReply,
+             "grip 1, tip 0.05 0.001 -0.002 1")
+        .wiping()
+        .losing_its_status(),
+    answered("Get_Tool_Envelope_Block", kAskEnvelope(Get_Tool_Envelope_Block), Get_Tool_Envelope_Cmd,
+             R"({"command": "get_tool_envelope", "tool_name": "grip"})", kEnvelopeReply,
+             "grip 1, tip 0.05 0.001 -0.002 1")
+        .wiping()
+        .losing_its_status(),
+};
+
+class SafetyGeometry : public testing::TestWithParam<CommandCase> {};
+TEST_P(SafetyGeometry, OnTheWire) { run(GetParam()); }
+INSTANTIATE_TEST_SUITE_P(, SafetyGeometry, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
+
+// ------------------------------------------------------------------------------------------------------- Guards --
+
+TEST(SafetyGeometryGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("safety_geometry.h", kRows), ""); }
+
+TEST(SafetyGeometryGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+
+TEST(SafetyGeometryGuards, MoreSpheresThanFiveAreToldAndNothingIsSent) {
+    expect_nothing_sent({{CALL(Set_Tool_Envelope, (s, envelope(6)))}});
+}
+
+TEST(SafetyGeometryGuards, NullPointersAreNoHarm) {
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    set_shared(m_nOutTime, 60000);
+    const ArmSocket arm = connect_arm(controller);
+    const auto answers = [&](const char* command, const char* reply) { controller.answer(command, reply); };
+    answers("get_electronic_fence_enable", kEnableReply);
+    answers("get_electronic_fence_config", kConfigReply);
+    answers("given_electronic_fence_config", kGivenReply);
+    answers("get_electronic_fence_list_names", kNamesReply);
+    answers("get_electronic_fence_list_infos", kInfosReply);
+    answers("get_self_collision_enable", R"({"state":"get_self_collision_enable","enable_state":1})");
+    answers("get_tool_envelope", kEnvelopeReply);
+    EXPECT_EQ(Get_Electronic_Fence_Enable(arm, nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(Get_Electronic_Fence_Config(arm, nullptr), 0);
+    EXPECT_EQ(Given_Electronic_Fence_Config(arm, nullptr, nullptr), 0);
+    EXPECT_EQ(Get_Electronic_Fence_List_Names(arm, nullptr, nullptr), 0);
+    EXPECT_EQ(Get_Electronic_Fence_List_Info(arm, nullptr, nullptr), 0);
+    EXPECT_EQ(Get_Self_Collision_Enable(arm, nullptr), 0);
+    EXPECT_EQ(Get_Tool_Envelope(arm, nullptr, nullptr), 0);
+}
+
+// The status of the envelope's query is read behind the wipe of the first connection's record.
+TEST(SafetyGeometryGuards, ARefusedEnvelopeGivesZeroOnTheFirstConnectionAlone) {
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    set_shared(m_nOutTime, 60000);
+    const ArmSocket first = connect_arm(controller), second = connect_arm(controller);
+    controller.answer("get_tool_envelope", R"({"state":"get_tool_envelope","get_state":false})");
+    ToolEnvelope told{};
+    EXPECT_EQ(Get_Tool_Envelope(first, "grip", &told), 0);
+    EXPECT_STREQ(told.tool_name, "");
+    EXPECT_EQ(Get_Tool_Envelope(second, "grip", &told), 1);
+}
+
+// Five spheres with names of one letter fit the frame of 500 bytes; longer ones end the process.
+TEST(SafetyGeometryGuards, AnEnvelopeThatIsTooLongEndsTheProcess) {
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    set_shared(m_nOutTime, 60000);
+    const ArmSocket arm = connect_arm(controller);
+    controller.answer("set_tool_envelope", R"({"command":"set_tool_envelope","set_state":true})");
+    ToolEnvelope five{"grip", {}, 5};
+    for (ToolSphere& sphere : five.spheres) sphere = {"s", 0.05f, 0.1f, -0.1f, 0.2f};
+    EXPECT_EQ(Set_Tool_Envelope(arm, five), 0);
+    EXPECT_GT(controller.next_request().size(), 400u);
+    for (ToolSphere& sphere : five.spheres) sphere = {"eleven char", 0.05f, 0.1f, -0.1f, 0.2f};
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_DEATH(Set_Tool_Envelope(arm, five), "set_tool_envelope.*frame holds 499");
+}
+
+// ------------------------------------------------------------------------------------------------------ Parsers --
+
+TEST(SafetyGeometryParsers, Acknowledgements) {
+    for (const AckParser& parser : {
+             AckParser{Parser_Set_Electronic_Fence_Enable, "set_state"},
+             {Parser_Set_Electronic_Fence_Config, "set_config"},
+             {Parser_Add_Electronic_Fence_Config, "add_config"},
+             {Parser_Update_Electronic_Fence_Config, "update_config"},
+             {Parser_delete_Electronic_Fence_Config, "delete_config"},
+             {Parser_Set_Config, "set_config"},
+             {Parser_Set_Self_Collision_Enable, "set_state"},
+         }) {
+        expect_acknowledgement(parser);
+    }
+}
+
+TEST(SafetyGeometryParsers, Switches) {
+    const Parse parse = parsing(Parser_Get_Electronic_Fence_Enable);
+    expect_parsed(parse, {{R"({"enable_state":false,"effective_region":2,"in_out_side":1})", 0, "0; 1; 2"},
+                          {R"({"effective_region":2,"in_out_side":1})", 9, ""},
+                          {R"({"enable_state":1,"effective_region":2,"in_out_side":1})", 11, ""},
+                          {R"({"enable_state":true,"in_out_side":1})", 9, "1; -; -"},
+                          {R"({"enable_state":true,"effective_region":"2","in_out_side":1})", 11, "1; -; -"},
+                          {R"({"enable_state":true,"effective_region":2})", 9, "1; -; 2"},
+                          {R"({"enable_state":true,"effective_region":2,"in_out_side":true})", 11, "1; -; 2"},
+                          {R"({"enable_state":true)", 9, ""}});
+    expect_number({parsing(Parser_Get_Self_Collision_Enable), "enable_state", "1"});
+}
+
+TEST(SafetyGeometryParsers, TheFenceInUse) {
+    const auto cuboid = [](const std::string& rest) {
+        return R"({"form":1,"form_name":"desk","x_min_limit":1,"x_max_limit":2,"y_min_limit":3,"y_max_limit":4,)"
+               R"("z_min_limit":5)" +
+               rest + "}";
+    };
+    const std::string read = "1 '' 0:0.001 1:0.002 2:0.003 3:0.004 4:0.005";
+    expect_parsed(parsing(Parser_Get_Electronic_Fence_Config),
+                  {{cuboid(R"(,"z_max_limit":-6.9)"), 0, read + " 5:-0.006"},
+                   {cuboid(""), 9, read},
+                   {cuboid(R"(,"z_max_limit":"6")"), 11, read},
+                   {R"({"form":2,"x1":1})", 0, "2 ''"},
+                   {R"({"form":3,"radius":1,"x":1,"y":1,"z":1})", 0, "3 ''"},
+                   {R"({"form":-1})", 0, "-1 ''"},
+                   {R"({"form":"1"})", 11, ""},
+                   {R"({"x_min_limit":1})", 9, ""},
+                   {R"({"form":1)", 9, ""}});
+}
+
+TEST(SafetyGeometryParsers, AFenceByName) {
+    expect_parsed(parsing(Parser_Given_Electronic_Fence_Config),
+                  {{R"({"form":1,"form_name":"a","x_min_limit":1,"x_max_limit":2,"y_min_limit":3,"y_max_limit":4,)"
+                    R"("z_min_limit":5,"z_max_limit":6})",
+                    0, "1 'a' 0:0.001 1:0.002 2:0.003 3:0.004 4:0.005 5:0.006"},
+                   {R"({"form":2,"form_name":"a","x1":1,"y1":2,"z1":3,"x2":4,"y2":5,"z2":6,"x3":7,"y3":8,"z3":9})", 0,
+                    "2 'a' 6:0.001 7:0.002 8:0.003 9:0.004 10:0.005 11:0.006 12:0.007 13:0.008 14:0.009"},
+                   {R"({"form":3,"form_name":"thirteen byte","radius":1,"x":2,"y":3,"z":4})", 0,
+                    "3 'thirteen byt' 15:0.001 16:0.002 17:0.003 18:0.004"},
+                   {R"({"form":3,"form_name":"a","radius":1,"x":2,"y":3})", 9, "3 'a' 15:0.001 16:0.002 17:0.003"},
+                   {R"({"form":3,"form_name":"a","radius":true})", 11, "3 'a'"},
+                   {R"({"form":9,"form_name":"a"})", 0, "9 'a'"},
+                   {R"({"form":9})", 9, "9 ''"},
+                   {R"({"form":9,"form_name":7})", 11, "9 ''"},
+                   {R"({"form_name":"a"})", 9, "0 ''"},
+                   {R"({"given_state":false})", 1, ""},
+                   {R"({"given_state":true,"form":9,"form_name":"a"})", 11, ""},
+                   {R"({"given_state":null,"form":9,"form_name":"a"})", 11, ""},
+                   {R"({"form":9)", 9, ""}});
+}
+
+TEST(SafetyGeometryParsers, Lists) {
+    expect_parsed(
+        parsing(Parser_Get_Electronic_Fence_List_Names),
+        {{R"({"name_list":["1","2","3","4","5","6","7","8","9","10","11","12"]})", 0, "1 2 3 4 5 6 7 8 9 10 11; 11"},
+         {R"({"name_list":["NULL","a"]})", 0, "-; 0"},
+         {R"({"name_list":"a"})", 11, ""},
+         {R"({})", 9, ""}});
+    const std::string named = R"({"form":9,"form_name":"a"})";
+    std::string twelve = named, eleven_read = "9 'a'";
+    for (int i = 1; i < 12; ++i) twelve += "," + named;
+    for (int i = 1; i < 11; ++i) eleven_read += " 9 'a'";
+    expect_parsed(
+        parsing(Parser_Get_Electronic_Fence_List_Info),
+        {{R"({"info_list":[)" + twelve + "]}", 0, eleven_read + "; 11"},
+         {R"({"info_list":[]})", 0, "-; 0"},
+         {R"({"info_list":[)" + named + R"(,{"form":3,"form_name":"b"},)" + named + "]}", 9, "9 'a' 3 'b'; 1"},
+         {R"({"info_list":[)" + named + ",7]}", 9, "9 'a' 0 ''; 1"},
+         {R"({"info_list":{}})", 11, ""},
+         {R"({"infos":[]})", 9, ""},
+         {R"({"info_list":[)", 9, ""}});
+}
+
+TEST(SafetyGeometryParsers, Envelopes) {
+    const std::string sphere = R"({"name":"a","radius":50,"x":1,"y":2,"z":3})";
+    const auto reply = [](const std::string& list) { return R"({"tool_name":"grip","list":[)" + list + "]}"; };
+    std::string six = sphere, five_read = "grip 5";
+    for (int i = 1; i < 6; ++i) six += "," + sphere;
+    for (int i = 0; i < 5; ++i) five_read += ", a 0.05 0.001 0.002 0.003";
+    expect_parsed(parsing(Parser_Get_Tool_Envelope),
+                  {{reply(six), 0, five_read},
+                   {reply(""), 0, "grip 0"},
+                   {R"({"tool_name":"twelve bytes","list":[{"name":"twelve bytes","radius":0,"x":0,"y":0,"z":0}]})", 0,
+                    "twelve byte 1, twelve byte 0 0 0 0"},
+                   {reply(R"({"name":"a","radius":50,"x":1,"y":2})"), 11, "grip 1, a 0 0 0 0"},
+                   {reply(R"({"name":7,"radius":50,"x":1,"y":2,"z":3})"), 11, "grip 1,  0 0 0 0"},
+                   {reply("7"), 11, "grip 1,  0 0 0 0"},
+                   {R"({"tool_name":"grip","list":{}})", 11, "grip 0"},
+                   {R"({"tool_name":"grip"})", 9, "grip 0"},
+                   {R"({"tool_name":7,"list":[]})", 11, ""},
+                   {R"({"list":[]})", 9, ""},
+                   {R"({"get_state":false,"tool_name":"grip","list":[]})", 1, ""},
+                   {R"({"get_state":1,"tool_name":"grip","list":[]})", 0, "grip 0"},
+                   {R"({"tool_name":"grip","list":[)", 9, ""}});
+}
+
+// ----------------------------------------------------------------------------------------------- A simulated arm --
+
+FenceConfig ball(const char* name, float radius) {
+    FenceConfig config = fence(3, name);
+    config.radius = radius;
+    config.x = 0.25f;
+    return config;
+}
+FenceConfig box(const char* name, float half_side) {
+    FenceConfig config = fence(1, name);
+    config.x_min_limit = config.y_min_limit = config.z_min_limit = -half_side;
+    config.x_max_limit = config.y_max_limit = config.z_max_limit = half_side;
+    return config;
+}
+
+TEST(FencesOfASimulatedArm, AreKeptByName) {
+    SimulatedArm simulated;
+    const ArmSocket arm = simulated;
+    EXPECT_EQ(Add_Electronic_Fence_Config(arm, ball("ball", 0.5f)), 0);
+    EXPECT_EQ(Add_Electronic_Fence_Config(arm, box("box", 1)), 0);
+    EXPECT_EQ(Add_Electronic_Fence_Config(arm, box("box", 2)), 1) << "there already";
+    EXPECT_EQ(Add_Electronic_Fence_Config(arm, fence(2, "line")), 1) << "its points are one";
+    EXPECT_EQ(Add_Electronic_Fence_Config(arm, box("inside out", -1)), 1);
+    EXPECT_EQ(Add_Electronic_Fence_Config(arm, fence(4, "four")), 1);
+    EXPECT_EQ(Update_Electronic_Fence_Config(arm, ball("ball", 0.75f)), 0);
+    EXPECT_EQ(Update_Electronic_Fence_Config(arm, ball("none", 0.75f)), 1);
+    std::string told;
+    EXPECT_EQ(with_outputs<FenceConfig>(told, Given_Electronic_Fence_Config, arm, "ball"), 0);
+    EXPECT_EQ(told, "3 'ball' 15:0.75 16:0.25");
+    EXPECT_EQ((with_outputs<FenceName, int32_t>(told, Get_Electronic_Fence_List_Names, arm)), 0);
+    EXPECT_EQ(told, "ball box; 2");
+    EXPECT_EQ((with_outputs<FenceConfig, int32_t>(told, Get_Electronic_Fence_List_Info, arm)), 0);
+    EXPECT_EQ(told, "3 'ball' 15:0.75 16:0.25 1 'box' 0:-1 1:1 2:-1 3:1 4:-1 5:1; 2");
+    EXPECT_EQ(Delete_Electronic_Fence_Config(arm, "ball"), 0);
+    EXPECT_EQ(Delete_Electronic_Fence_Config(arm, "ball"), 1);
+    EXPECT_EQ(with_outputs<FenceConfig>(told, Given_Electronic_Fence_Config, arm, "ball"), 1);
+}
+
+TEST(FencesOfASimulatedArm, AreInUseApartFromTheWall) {
+    SimulatedArm simulated;
+    const ArmSocket arm = simulated;
+    std::string told;
+    EXPECT_EQ(with_outputs<FenceConfig>(told, Get_Electronic_Fence_Config, arm), 0);
+    EXPECT_EQ(told, "0 ''") << "none yet";
+    EXPECT_EQ(Set_Electronic_Fence_Config(arm, box("", 1)), 0);
+    EXPECT_EQ(Set_Virtual_Wall_Config(arm, ball("", 1)), 0);
+    EXPECT_EQ(Set_Virtual_Wall_Config(arm, filled(2)), 1) << "a plane is no wall";
+    EXPECT_EQ(with_outputs<FenceConfig>(told, Get_Electronic_Fence_Config, arm), 0);
+    EXPECT_EQ(told, "1 '' 0:-1 1:1 2:-1 3:1 4:-1 5:1");
+    EXPECT_EQ(with_outputs<FenceConfig>(told, Get_Virtual_Wall_Config, arm), 0);
+    EXPECT_EQ(told, "3 ''");
+    EXPECT_EQ(Set_Electronic_Fence_Enable(arm, 1, 1, 2), 0);
+    EXPECT_EQ((with_outputs<uint8_t, int32_t, int32_t>(told, Get_Electronic_Fence_Enable, arm)), 0);
+    EXPECT_EQ(told, "1; 1; 2");
+    EXPECT_EQ((with_outputs<uint8_t, int32_t, int32_t>(told, Get_Virtual_Wall_Enable, arm)), 0);
+    EXPECT_EQ(told, "0; 0; 0");
+}
+
+TEST(FencesOfASimulatedArm, AndWhatTheArmIsKeptFrom) {
+    SimulatedArm simulated;
+    const ArmSocket arm = simulated;
+    uint8_t enabled = 9;
+    EXPECT_EQ(Get_Self_Collision_Enable(arm, &enabled), 0);
+    EXPECT_EQ(enabled, 0);
+    EXPECT_EQ(Set_Self_Collision_Enable(arm, 1), 0);
+    EXPECT_EQ(Get_Self_Collision_Enable(arm, &enabled), 0);
+    EXPECT_EQ(enabled, 1);
+
+    ToolEnvelope tip = envelope(2);
+    EXPECT_EQ(Set_Tool_Envelope(arm, tip), 1) << "no such tool";
+    std::strcpy(tip.tool_name, "Arm_Tip");
+    EXPECT_EQ(Set_Tool_Envelope(arm, tip), 0);
+    std::string told;
+    EXPECT_EQ(with_outputs<ToolEnvelope>(told, Get_Tool_Envelope, arm, "Arm_Tip"), 0);
+    EXPECT_EQ(told, "Arm_Tip 2, a 0.05 0.001 -0.001 1, b 1 2 3 4");
+}
+
+}  // namespace
