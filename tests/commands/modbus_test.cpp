@@ -6,6 +6,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/wire_protocol.h"
 #include "zk/system.h"
 
 namespace {
@@ -110,6 +111,8 @@ INSTANTIATE_TEST_SUITE_P(, Modbus, testing::ValuesIn(kRows), [](const auto& row)
 // ------------------------------------------------------------------------------------------------------- Guards --
 
 TEST(ModbusGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("modbus.h", kRows), ""); }
+
+TEST(ModbusGuards, ThePageTellsTheWire) { expect_documented("Modbus", kRows); }
 
 TEST(ModbusGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 

@@ -6,6 +6,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/wire_protocol.h"
 
 namespace {
 
@@ -190,6 +191,8 @@ INSTANTIATE_TEST_SUITE_P(, SafetyGeometry, testing::ValuesIn(kRows), [](const au
 // ------------------------------------------------------------------------------------------------------- Guards --
 
 TEST(SafetyGeometryGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("safety_geometry.h", kRows), ""); }
+
+TEST(SafetyGeometryGuards, ThePageTellsTheWire) { expect_documented("Safety geometry", kRows); }
 
 TEST(SafetyGeometryGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 
