@@ -41,21 +41,16 @@ const char* const kInput = R"({"state":"input_registers","data":7})";
 const char* const kManyHolding = R"({"state":"multiple_holding_registers","data":[1,2,3]})";
 const char* const kManyInput = R"({"state":"multiple_input_registers","data":[255,-1]})";
 
-// An acknowledged write with its three forms.
-#define WRITE(command, arguments_and_flag, arguments, mailbox, wire, reply)   \
-    acknowledged(CALL(command, arguments_and_flag), mailbox, wire, reply),    \
-        acknowledged(CALL(command##_Block, arguments), mailbox, wire, reply), \
-        queued(CALL(command##_NonBlock, arguments), wire)
 // A read with its two forms.
 #define READ(command, call, mailbox, wire, reply, told)            \
     answered(#command, call(command), mailbox, wire, reply, told), \
         answered(#command "_Block", call(command##_Block), mailbox, wire, reply, told)
 
 const std::vector<CommandCase> kRows = {
-    WRITE(Set_Modbus_Mode, (s, 1, 115200, 600, true), (s, 1, 115200, 600), Set_Modbus_Mode_Cmd,
-          R"({"command": "set_modbus_mode", "port": 1, "baudrate": 115200, "timeout": 600})", kModeSet),
-    WRITE(Close_Modbus_Mode, (s, 1, true), (s, 1), Stop_Modbus_Mode_Cmd,
-          R"({"command": "close_modbus_mode", "port": 1})", kModeClosed),
+    SETTER(Set_Modbus_Mode, Set_Modbus_Mode_Cmd,
+           R"({"command": "set_modbus_mode", "port": 1, "baudrate": 115200, "timeout": 600})", kModeSet, 1, 115200,
+           600),
+    SETTER(Close_Modbus_Mode, Stop_Modbus_Mode_Cmd, R"({"command": "close_modbus_mode", "port": 1})", kModeClosed, 1),
     acknowledged(CALL(Set_Modbustcp_Mode, (s, "10.0.0.9", 502, 2000)), Set_Modbustcp_Mode_Cmd,
                  R"({"command": "set_modbustcp_mode", "ip": "10.0.0.9", "port": 502, "timeout": 2000})", kTcpSet)
         .adding(),
@@ -81,24 +76,24 @@ const std::vector<CommandCase> kRows = {
     READ(Read_Multiple_Input_Registers, kSeveral, Read_Multiple_intput_Registers_Cmd,
          several("read_multiple_input_registers"), kManyInput, "255 -1"),
 
-    WRITE(Write_Single_Coil, (s, 0, 7, 65280, 1, true), (s, 0, 7, 65280, 1), Write_Single_Coil_Cmd,
-          R"({"command": "write_single_coil", "port": 0, "address": 7, "data": 65280, "device": 1})",
-          R"({"command":"write_single_coil","write_state":true})"),
-    WRITE(Write_Single_Register, (s, 0, 7, 65535, 1, true), (s, 0, 7, 65535, 1), Write_Single_Registers_Cmd,
-          R"({"command": "write_single_register", "port": 0, "address": 7, "data": 65535, "device": 1})",
-          R"({"command":"write_single_register","write_state":true})"),
-    WRITE(Write_Coils, (s, 0, 7, 9, kBytes, 1, true), (s, 0, 7, 9, kBytes, 1), Write_Coils_Cmd,
-          R"({"command": "write_coils", "port": 0, "address": 7, "num": 9, "data": [1, 2], "device": 1})",
-          R"({"command":"write_coils","write_state":true})"),
+    SETTER(Write_Single_Coil, Write_Single_Coil_Cmd,
+           R"({"command": "write_single_coil", "port": 0, "address": 7, "data": 65280, "device": 1})",
+           R"({"command":"write_single_coil","write_state":true})", 0, 7, 65280, 1),
+    SETTER(Write_Single_Register, Write_Single_Registers_Cmd,
+           R"({"command": "write_single_register", "port": 0, "address": 7, "data": 65535, "device": 1})",
+           R"({"command":"write_single_register","write_state":true})", 0, 7, 65535, 1),
+    SETTER(Write_Coils, Write_Coils_Cmd,
+           R"({"command": "write_coils", "port": 0, "address": 7, "num": 9, "data": [1, 2], "device": 1})",
+           R"({"command":"write_coils","write_state":true})", 0, 7, 9, kBytes, 1),
     queued("Of16_" CALL(Write_Coils_NonBlock, (s, 0, 7, 16, kBytes, 1)),
            R"({"command": "write_coils", "port": 0, "address": 7, "num": 16, "data": [1, 2], "device": 1})"),
     queued("Of17_" CALL(Write_Coils_NonBlock, (s, 0, 7, 17, kBytes, 1)),
            R"({"command": "write_coils", "port": 0, "address": 7, "num": 17, "data": [1, 2, 255], "device": 1})"),
     queued("Of8_" CALL(Write_Coils_NonBlock, (s, 0, 7, 8, kBytes + 2, 1)),
            R"({"command": "write_coils", "port": 0, "address": 7, "num": 8, "data": 255, "device": 1})"),
-    WRITE(Write_Registers, (s, 0, 7, 2, kBytes, 1, true), (s, 0, 7, 2, kBytes, 1), Write_Registers_Cmd,
-          R"({"command": "write_registers", "port": 0, "address": 7, "num": 2, "data": [1, 2, 255, 0], "device": 1})",
-          R"({"command":"write_registers","write_state":true})"),
+    SETTER(Write_Registers, Write_Registers_Cmd,
+           R"({"command": "write_registers", "port": 0, "address": 7, "num": 2, "data": [1, 2, 255, 0], "device": 1})",
+           R"({"command":"write_registers","write_state":true})", 0, 7, 2, kBytes, 1),
 };
 
 class Modbus : public testing::TestWithParam<CommandCase> {};

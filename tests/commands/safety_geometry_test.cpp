@@ -75,12 +75,8 @@ const std::vector<CommandCase> kRows = {
     BOTH(Set_Electronic_Fence_Enable, (s, 255, -1, 2), Set_Electronic_Fence_Enable_Cmd,
          R"({"command": "set_electronic_fence_enable", "set_enable": true, "in_out_side": -1, "effective_region": 2})",
          R"({"command":"set_electronic_fence_enable","set_state":true})"),
-    answered(ASK(Get_Electronic_Fence_Enable), Get_Electronic_Fence_Enable_Cmd,
-             R"({"command": "get_electronic_fence_enable"})", kEnableReply, "1; 1; 2")
-        .wiping(),
-    answered(ASK(Get_Electronic_Fence_Enable_Block), Get_Electronic_Fence_Enable_Cmd,
-             R"({"command": "get_electronic_fence_enable"})", kEnableReply, "1; 1; 2")
-        .wiping(),
+    QUERY(Get_Electronic_Fence_Enable, Get_Electronic_Fence_Enable_Cmd, R"({"command": "get_electronic_fence_enable"})",
+          kEnableReply, "1; 1; 2", .wiping()),
     BOTH(Set_Electronic_Fence_Config, (s, filled(1)), Set_Electronic_Fence_Config_Cmd,
          R"({"command": "set_electronic_fence_config", "form": 1, )" + kCuboid + "}",
          R"({"command":"set_electronic_fence_config","set_config":true})"),
@@ -92,12 +88,8 @@ const std::vector<CommandCase> kRows = {
                  R"({"command": "set_electronic_fence_config", "form": 4})",
                  R"({"command":"set_electronic_fence_config","set_config":true})")
         .adding(),
-    answered(ASK(Get_Electronic_Fence_Config), Get_Electronic_Fence_Config_Cmd,
-             R"({"command": "get_electronic_fence_config"})", kConfigReply, "1 '' 0:-1.5 1:0.001 3:2")
-        .wiping(),
-    answered(ASK(Get_Electronic_Fence_Config_Block), Get_Electronic_Fence_Config_Cmd,
-             R"({"command": "get_electronic_fence_config"})", kConfigReply, "1 '' 0:-1.5 1:0.001 3:2")
-        .wiping(),
+    QUERY(Get_Electronic_Fence_Config, Get_Electronic_Fence_Config_Cmd, R"({"command": "get_electronic_fence_config"})",
+          kConfigReply, "1 '' 0:-1.5 1:0.001 3:2", .wiping()),
     BOTH(Add_Electronic_Fence_Config, (s, filled(2)), Add_Electronic_Fence_Config_Cmd,
          R"({"command": "add_electronic_fence_config", "form": 2, "form_name": "desk", )" + kPlane + "}",
          R"({"command":"add_electronic_fence_config","add_config":true})"),
@@ -115,26 +107,16 @@ const std::vector<CommandCase> kRows = {
              Given_Electronic_Fence_Config_Cmd, R"({"command": "given_electronic_fence_config", "form_name": "desk"})",
              kGivenReply, "3 'desk' 15:0.5 16:0.001 17:0.002 18:0.003")
         .wiping(),
-    answered(ASK(Get_Electronic_Fence_List_Names), Get_Electronic_Fence_List_Name_Cmd,
-             R"({"command": "get_electronic_fence_list_names"})", kNamesReply, "desk hall_and_m; 2")
-        .wiping(),
-    answered(ASK(Get_Electronic_Fence_List_Names_Block), Get_Electronic_Fence_List_Name_Cmd,
-             R"({"command": "get_electronic_fence_list_names"})", kNamesReply, "desk hall_and_m; 2")
-        .wiping(),
-    answered(ASK(Get_Electronic_Fence_List_Info), Get_Electronic_Fence_List_Info_Cmd,
-             R"({"command": "get_electronic_fence_list_infos"})", kInfosReply, kInfosTold)
-        .wiping(),
-    answered(ASK(Get_Electronic_Fence_List_Info_Block), Get_Electronic_Fence_List_Info_Cmd,
-             R"({"command": "get_electronic_fence_list_infos"})", kInfosReply, kInfosTold)
-        .wiping(),
+    QUERY(Get_Electronic_Fence_List_Names, Get_Electronic_Fence_List_Name_Cmd,
+          R"({"command": "get_electronic_fence_list_names"})", kNamesReply, "desk hall_and_m; 2", .wiping()),
+    QUERY(Get_Electronic_Fence_List_Info, Get_Electronic_Fence_List_Info_Cmd,
+          R"({"command": "get_electronic_fence_list_infos"})", kInfosReply, kInfosTold, .wiping()),
 
     BOTH(Set_Virtual_Wall_Enable, (s, 0, 1, 2), Set_Virtual_Wall_Enable_Cmd,
          R"({"command": "set_virtual_wall_enable", "set_enable": false, "in_out_side": 1, "effective_region": 2})",
          R"({"command":"set_virtual_wall_enable","set_state":true})"),
-    answered(ASK(Get_Virtual_Wall_Enable), Get_Virtual_Wall_Enable_Cmd, R"({"command": "get_virtual_wall_enable"})",
-             kWallEnableReply, "0; 0; -2"),
-    answered(ASK(Get_Virtual_Wall_Enable_Block), Get_Virtual_Wall_Enable_Cmd,
-             R"({"command": "get_virtual_wall_enable"})", kWallEnableReply, "0; 0; -2"),
+    QUERY(Get_Virtual_Wall_Enable, Get_Virtual_Wall_Enable_Cmd, R"({"command": "get_virtual_wall_enable"})",
+          kWallEnableReply, "0; 0; -2"),
     BOTH(Set_Virtual_Wall_Config, (s, filled(3)), Set_Virtual_Wall_Config_Cmd,
          R"({"command": "set_virtual_wall_config", "form": 3, )" + kSphere + "}",
          R"({"command":"set_virtual_wall_config","set_config":true})"),
@@ -146,10 +128,8 @@ const std::vector<CommandCase> kRows = {
                  R"({"command": "set_virtual_wall_config", "form": 2})",
                  R"({"command":"set_virtual_wall_config","set_config":true})")
         .adding(),
-    answered(ASK(Get_Virtual_Wall_Config), Get_Virtual_Wall_Config_Cmd, R"({"command": "get_virtual_wall_config"})",
-             kWallReply, "3 ''"),
-    answered(ASK(Get_Virtual_Wall_Config_Block), Get_Virtual_Wall_Config_Cmd,
-             R"({"command": "get_virtual_wall_config"})", kWallReply, "3 ''"),
+    QUERY(Get_Virtual_Wall_Config, Get_Virtual_Wall_Config_Cmd, R"({"command": "get_virtual_wall_config"})", kWallReply,
+          "3 ''"),
 
     BOTH(Set_Self_Collision_Enable, (s, 2), Set_Self_Collision_Enable_Cmd,
          R"({"command": "set_self_collision_enable", "set_enable": true})",
