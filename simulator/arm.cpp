@@ -6,6 +6,7 @@
 namespace sim {
 namespace {
 
+constexpr double kHalfWireUnit = 0.0005;             // degrees
 constexpr double kDegreesPerWireSpeed = 6.0 / 1000;  // one revolution per minute is six degrees per second
 
 JointLimits wire_limits(const JointRange& range) {
@@ -23,6 +24,7 @@ Arm::Arm(const RobotModel& model, const JointVector& joints)
     : model_(model), joints_(joints), states_(model.joint_count()) {
     for (const JointRange& joint : model.joints) range_.push_back(wire_limits(joint));
     limits = drive_limits = range_;
+    motion_.check = [this](const Path& path) { check(path); };
 }
 
 Path Arm::joint_path(const JointVector& start, const JointVector& target, double percent) const {
@@ -51,6 +53,27 @@ std::vector<Pace> Arm::paces() const {
     std::vector<Pace> paces;
     for (const JointLimits& joint : limits) paces.push_back({joint.speed(), joint.acc()});
     return paces;
+}
+
+void Arm::check(const Path& path) const {
+    constexpr double kStep = 0.005, kMostSteps = 2000;
+    constexpr double kRounding = 1e-6;  // degrees
+    const Profile profile = path.profile();
+    const double step = std::max(kStep, profile.duration() / kMostSteps);
+    const JointVector start = path.at(0);
+    JointVector before = start;
+    for (double time = step; time < profile.duration() + step; time += step) {
+        const JointVector joints = path.at(std::min(1.0, profile.distance(time)));
+        for (size_t i = 0; i < joints.size(); ++i) {
+            // An arm that stands beyond a limit may come back.
+            const bool inside = joints[i] >= std::min(start[i], limits[i].min_pos / 1000.0) - kHalfWireUnit &&
+                                joints[i] <= std::max(start[i], limits[i].max_pos / 1000.0) + kHalfWireUnit;
+            if (!inside) throw NoPath("joint " + std::to_string(i + 1) + " would leave its limits on the way");
+            if (std::abs(joints[i] - before[i]) > limits[i].speed() * step + kRounding)
+                throw NoPath("joint " + std::to_string(i + 1) + " would be too fast");
+        }
+        before = joints;
+    }
 }
 
 std::string Arm::objection_to(const JointVector& target) const {

@@ -31,6 +31,8 @@ struct JointState {
 class Arm {
  public:
     Arm(const RobotModel& model, const JointVector& joints);
+    Arm(const Arm&) = delete;
+    Arm& operator=(const Arm&) = delete;
 
     const RobotModel& model() const { return model_; }
     size_t joint_count() const { return model_.joint_count(); }
@@ -39,6 +41,12 @@ class Arm {
     const std::vector<JointState>& states() const { return states_; }
     MotionQueue& motion() { return motion_; }
     const MotionQueue& motion() const { return motion_; }
+
+    // Queues a move. Throws NoPath if there is no way for it, and has not changed then.
+    void order(Move move) { motion_.add(std::move(move), joints_); }
+
+    // Where all moves that are queued will have led.
+    JointVector end() const { return motion_.end(joints_); }
 
     // What the mechanics allow, and no limit may exceed.
     const std::vector<JointLimits>& range() const { return range_; }
@@ -49,6 +57,9 @@ class Arm {
     Path joint_path(const JointVector& start, const JointVector& target, double percent) const;
 
     std::vector<Pace> paces() const;  // of all joints, at their limits
+
+    // Runs through a path beforehand. Throws NoPath where a joint would leave its limits or exceed its speed.
+    void check(const Path& path) const;
 
     // Why the arm would not move to `target`, or an empty text.
     std::string objection_to(const JointVector& target) const;

@@ -44,13 +44,12 @@ bool start_waypoint(Call& call, Waypoints& waypoints) {
         move.type = "re_trajectory";
         move.status = "move_through_joint";
         move.data = thousandths(point);
-        move.connect = 1;
         move.plan = [&arm, point, frequency](const JointVector& start) {
             Path path = arm.joint_path(start, point, kPercent);
             path.speed = std::min<double>(path.speed, frequency);
-            return std::optional<Path>(path);
+            return path;
         };
-        arm.motion().add(move);
+        arm.order(move);
     }
     return true;
 }
@@ -76,17 +75,16 @@ bool timer(Call& call) {
     Move move;
     move.type = "none";
     move.status = "idle";
-    move.connect = 1;
     move.plan = [milliseconds](const JointVector& start) {
         // A path that leads nowhere at an even pace.
         Path path;
         path.at = [start](double) { return start; };
         path.speed = 1000.0 / std::max(1, milliseconds);
         path.acc = 1e6;
-        return std::optional<Path>(path);
+        return path;
     };
-    move.data = thousandths(call.controller.arm.joints());
-    call.controller.arm.motion().add(move);
+    move.data = thousandths(call.controller.arm.end());
+    call.controller.arm.order(move);
     return true;
 }
 

@@ -90,9 +90,11 @@ void Controller::step() {
     arm.step(kStepMs / 1000.0);
 }
 
-KDL::Frame Controller::flange_pose() const {
-    KDL::JntArray joints(arm.joint_count());
-    for (size_t i = 0; i < arm.joint_count(); ++i) joints(i) = arm.joints()[i] * kRadians;
+KDL::Frame Controller::flange_pose() const { return flange_at(arm.joints()); }
+
+KDL::Frame Controller::flange_at(const JointVector& angles) const {
+    KDL::JntArray joints(angles.size());
+    for (size_t i = 0; i < angles.size(); ++i) joints(i) = angles[i] * kRadians;
     KDL::Frame flange;
     solver_.JntToCart(joints, flange);
     return flange;
@@ -107,7 +109,12 @@ Surroundings Controller::surroundings() const {
 }
 
 std::optional<JointVector> Controller::joints_at(const KDL::Frame& tool, const JointVector& seed) const {
-    return inverse_->solve(surroundings().flange_of(tool), seed, arm.limits);
+    return joints_at(tool, seed, surroundings());
+}
+
+std::optional<JointVector> Controller::joints_at(const KDL::Frame& tool, const JointVector& seed,
+                                                 const Surroundings& around) const {
+    return inverse_->solve(around.flange_of(tool), seed, arm.limits);
 }
 
 KDL::Frame Controller::mounting() const {

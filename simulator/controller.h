@@ -58,12 +58,17 @@ class Controller {
     KDL::Frame mounted_flange() const;  // in the room, with the mounting angles
     KDL::Frame tool_pose() const;       // of the current tool in the current work frame
 
+    // In the arm's own base, were these its joints.
+    KDL::Frame flange_at(const JointVector& joints) const;
+
     // The frames and the mounting in force.
     Surroundings surroundings() const;
 
-    // The joints near `seed`, within their limits, at which the current tool has this pose in the current work frame;
-    // nothing where the arm cannot have it.
+    // The joints near `seed`, within their limits, at which the tool has this pose in the work frame; nothing where the
+    // arm cannot have it. With the frames in force, or with given ones.
     std::optional<JointVector> joints_at(const KDL::Frame& tool, const JointVector& seed) const;
+    std::optional<JointVector> joints_at(const KDL::Frame& tool, const JointVector& seed,
+                                         const Surroundings& around) const;
 
     const CommandTable& commands() const { return commands_; }
 

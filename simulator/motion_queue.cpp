@@ -1,6 +1,7 @@
 #include "motion_queue.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace sim {
@@ -9,7 +10,28 @@ namespace {
 constexpr double kSlowStopShare = 0.25;  // of the acceleration limit
 constexpr double kEndOfPath = 1 - 1e-9;
 
+bool same_place(const JointVector& a, const JointVector& b) {
+    constexpr double kClose = 1e-6;  // degrees
+    return std::equal(a.begin(), a.end(), b.begin(), [](double x, double y) { return std::abs(x - y) < kClose; });
+}
+
 }  // namespace
+
+void MotionQueue::add(Move move, const JointVector& joints) {
+    const bool joined = move.connect != 0;
+    Trajectory longer = joined_;
+    longer.add(std::move(move), end(joints));
+    if (longer.size() > 1 && check) check(longer.path());
+    if (!joined) waiting_.push_back(std::exchange(longer, {}));
+    joined_ = std::move(longer);
+}
+
+JointVector MotionQueue::end(const JointVector& joints) const {
+    if (!joined_.empty()) return joined_.end();
+    if (!waiting_.empty()) return waiting_.back().end();
+    const bool arrives = brake_ == Brake::none || brake_ == Brake::pause;
+    return running_ && arrives ? running_->path.at(1) : joints;
+}
 
 void MotionQueue::stop() {
     drop_waiting();
@@ -27,11 +49,13 @@ void MotionQueue::delete_current() {
     if (running_ && !paused_) {
         brake(Brake::remove, 1);
     } else if (running_) {
-        dropped_.push_back(std::move(running_->move));
+        drop(running_->trajectory);
         running_.reset();
     } else if (!waiting_.empty()) {
-        dropped_.push_back(std::move(waiting_.front()));
+        drop(waiting_.front());
         waiting_.pop_front();
+    } else {
+        drop(std::exchange(joined_, {}));
     }
 }
 
@@ -59,8 +83,14 @@ void MotionQueue::step(double seconds, JointVector& joints) {
 }
 
 const Move* MotionQueue::current() const {
-    if (running_) return &running_->move;
-    return waiting_.empty() ? nullptr : &waiting_.front();
+    if (running_) return &running_->trajectory.move_at(running_->position());
+    return waiting_.empty() ? nullptr : &waiting_.front().move_at(0);
+}
+
+size_t MotionQueue::size() const {
+    size_t moves = joined_.size() + (running_ ? running_->trajectory.size() : 0);
+    for (const Trajectory& trajectory : waiting_) moves += trajectory.size();
+    return moves;
 }
 
 std::string MotionQueue::status() const {
@@ -80,21 +110,23 @@ std::string MotionQueue::status() const {
     return stream_.resting() ? "idle" : stream_.status();
 }
 
+// Where something before it was dropped, a trajectory begins elsewhere than planned.
 void MotionQueue::begin(const JointVector& joints) {
-    Move move = std::move(waiting_.front());
+    Trajectory trajectory = std::move(waiting_.front());
     waiting_.pop_front();
-    std::optional<Path> path = move.plan(joints);
-    if (!path) {
-        if (on_end) on_end(move, false);
-        return;
+    try {
+        if (!same_place(trajectory.start(), joints)) trajectory.replan(joints);
+        Path path = trajectory.path();
+        const Profile profile = path.profile();
+        running_ = Running{std::move(trajectory), std::move(path), profile, 0, 0};
+    } catch (const NoPath&) {
+        drop(trajectory);
     }
-    const Profile profile = Profile::between_rests(1, path->speed, path->acc);
-    running_ = Running{std::move(move), std::move(*path), profile, 0, 0};
 }
 
 void MotionQueue::advance(double seconds, JointVector& joints) {
     running_->time += seconds;
-    const double covered = std::min(1.0, running_->covered + running_->profile.distance(running_->time));
+    const double covered = running_->position();
     joints = running_->path.at(covered);
     if (running_->time < running_->profile.duration()) return;
     running_->covered = covered;
@@ -111,12 +143,12 @@ void MotionQueue::come_to_rest() {
         running_->profile = Profile::between_rests(1 - running_->covered, running_->path.speed, running_->path.acc);
         return;
     }
-    const Move move = std::move(running_->move);
+    const Trajectory trajectory = std::move(running_->trajectory);
     running_.reset();
     if (reason == Brake::none || pausing) {
-        if (on_end) on_end(move, true);
+        report(trajectory, true);
     } else {
-        dropped_.push_back(move);
+        drop(trajectory);
     }
 }
 
@@ -129,7 +161,7 @@ void MotionQueue::brake(Brake reason, double share_of_acc) {
     brake_ = std::max(brake_, reason);
     if (share_of_acc <= brake_share_) return;
     brake_share_ = share_of_acc;
-    const double covered = running_->covered + running_->profile.distance(running_->time);
+    const double covered = running_->position();
     const Profile profile =
         Profile::braking(running_->profile.speed(running_->time), running_->path.acc * share_of_acc);
     // Near its target the move's own end brakes sooner.
@@ -139,9 +171,13 @@ void MotionQueue::brake(Brake reason, double share_of_acc) {
     running_->profile = profile;
 }
 
+void MotionQueue::drop(const Trajectory& trajectory) {
+    for (Move& move : trajectory.moves()) dropped_.push_back(std::move(move));
+}
+
 void MotionQueue::drop_waiting() {
-    dropped_.insert(dropped_.end(), std::make_move_iterator(waiting_.begin()), std::make_move_iterator(waiting_.end()));
-    waiting_.clear();
+    for (const Trajectory& trajectory : std::exchange(waiting_, {})) drop(trajectory);
+    drop(std::exchange(joined_, {}));
 }
 
 // Joined moves first: a client that waits has room for one report, and must find that of the move it waits for.
@@ -149,6 +185,12 @@ void MotionQueue::report_dropped() {
     std::stable_partition(dropped_.begin(), dropped_.end(), [](const Move& move) { return move.connect != 0; });
     for (const Move& move : std::exchange(dropped_, {})) {
         if (on_end) on_end(move, false);
+    }
+}
+
+void MotionQueue::report(const Trajectory& trajectory, bool arrived) {
+    for (const Move& move : trajectory.moves()) {
+        if (on_end) on_end(move, arrived);
     }
 }
 

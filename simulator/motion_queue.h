@@ -1,46 +1,35 @@
 #pragma once
 
+#include <algorithm>
 #include <deque>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "follower.h"
-#include "profile.h"
-#include "robot_model.h"
+#include "trajectory.h"
 
 namespace sim {
 
-class Client;
-
-// A path of the joints over a parameter from 0 to 1, with the speed and acceleration that its parameter may have.
-struct Path {
-    std::function<JointVector(double)> at;
-    double speed = 0;  // per second
-    double acc = 0;    // per second squared
-};
-
-// One trajectory as a client ordered it.
-struct Move {
-    std::string type;              // in the trajectory query: "movej"
-    std::string status;            // in the real-time push: "move_J"
-    std::vector<int> data;         // target, as the wire tells it
-    int connect = 0;               // non-zero: joined to the next, and ends without a report
-    std::weak_ptr<Client> client;  // gets the arrival report
-
-    // The path from where the arm stands when the move's turn comes; nothing if there is none.
-    std::function<std::optional<Path>(const JointVector& start)> plan;
-};
-
-// Runs moves one after the other, and brakes, pauses and drops them.
+// Runs trajectories one after the other, and brakes, pauses and drops them.
 class MotionQueue {
  public:
     // Called for every move that ends: reached its target, or dropped before it.
     std::function<void(const Move&, bool arrived)> on_end;
 
-    void add(Move move) { waiting_.push_back(std::move(move)); }
+    // Throws NoPath for a path that the arm must not run.
+    std::function<void(const Path&)> check;
+
+    // Plans the move from where the arm, which now has these joints, will be at its turn. A joined move is kept until
+    // one comes that is not; then all run as one trajectory. Throws NoPath, and has not changed then.
+    void add(Move move, const JointVector& joints);
+
+    // Where the arm, which now has these joints, will be when everything is done.
+    JointVector end(const JointVector& joints) const;
+
+    // The last of the moves that wait for one to be joined to; null when there is none.
+    const Move* last_joined() const { return joined_.last(); }
 
     // Takes a streamed set-point. False while there are moves, which wait in turn until the arm rests at the last one,
     // and after a stop until the stream has paused.
@@ -61,7 +50,7 @@ class MotionQueue {
 
     // The running move, or the one that runs next; null when there is none.
     const Move* current() const;
-    size_t size() const { return waiting_.size() + (running_ ? 1 : 0); }
+    size_t size() const;  // moves, the joined ones among them
     bool idle() const { return !current() && stream_.resting(); }
 
     // All moves are stopped, and none has been added since.
@@ -75,23 +64,28 @@ class MotionQueue {
     enum class Brake { none, pause, slow_stop, stop, remove };
 
     struct Running {
-        Move move;
+        Trajectory trajectory;
         Path path;
         Profile profile;
         double covered;  // of the path before this profile began
         double time;     // in this profile
+
+        double position() const { return std::min(1.0, covered + profile.distance(time)); }
     };
 
     void begin(const JointVector& joints);
     void advance(double seconds, JointVector& joints);
     void come_to_rest();
     void brake(Brake reason, double share_of_acc);
+    void drop(const Trajectory& trajectory);
     void drop_waiting();
+    void report(const Trajectory& trajectory, bool arrived);
     void report_dropped();
 
     Follower stream_;
     std::optional<Running> running_;
-    std::deque<Move> waiting_;
+    std::deque<Trajectory> waiting_;
+    Trajectory joined_;          // as far as it has come
     std::vector<Move> dropped_;  // to be reported at rest
     Brake brake_ = Brake::none;
     double brake_share_ = 0;  // of the acceleration limit

@@ -31,6 +31,11 @@ Profile Profile::braking(double speed, double acc) {
     return {speed, 0, 0, ramp_duration(speed, acc)};
 }
 
+Profile Profile::even(double length, double speed) {
+    if (!(length > 0 && speed > 0)) return {};
+    return {speed, 0, length / speed, 0};
+}
+
 double Profile::speed(double time) const {
     if (time <= 0 && up_ > 0) return 0;
     if (time < up_) return speed_ * ramp_speed(time / up_);

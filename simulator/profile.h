@@ -14,6 +14,13 @@ class Profile {
     // From `speed` down to rest, never above `acc`.
     static Profile braking(double speed, double acc);
 
+    // At an even speed, without ramps.
+    static Profile even(double length, double speed);
+
+    // The peak acceleration of a ramp to or from `speed` that takes so long.
+    static double acc_of_ramp(double speed, double seconds) { return 2 * speed / seconds; }
+
+    double ramp() const { return up_; }  // seconds
     double duration() const { return up_ + cruise_ + down_; }
     double length() const { return distance(duration()); }
     double distance(double time) const;

@@ -43,15 +43,6 @@ KDL::Frame wire_frame(const std::vector<double>& pose) {
     return {KDL::Rotation::RPY(pose[3], pose[4], pose[5]), KDL::Vector(pose[0], pose[1], pose[2])};
 }
 
-// The push has the rotation as a quaternion to a millionth, finer than the Euler angles.
-KDL::Frame pushed_frame(Talk& talk) {
-    talk.push.forget();
-    const Json waypoint = Json::parse(talk.push.receive()).at("waypoint");
-    const std::vector<double> p = waypoint.at("position"), q = waypoint.at("quat");
-    return {KDL::Rotation::Quaternion(q[1] / 1e6, q[2] / 1e6, q[3] / 1e6, q[0] / 1e6),
-            KDL::Vector(p[0] / 1e6, p[1] / 1e6, p[2] / 1e6)};
-}
-
 constexpr double kClose = 5e-6;
 
 const std::vector<double> kTool{0.02, -0.03, 0.15, 0.3, -0.2, 0.5};
@@ -73,11 +64,11 @@ std::vector<int> wire(const std::vector<double>& pose) {
 TEST(Pose, FramesAndMountingFromTheCommandLine) {
     const KDL::Frame flange = [] {
         Talk talk({"--quiet"});
-        return pushed_frame(talk);
+        return talk.tool();
     }();
     Talk talk({"--quiet", "--tool", "0.02,-0.03,0.15,0.3,-0.2,0.5", "--work", "0.4,0.1,-0.2,-0.1,0.4,1.2", "--install",
                "30,-45,100"});
-    EXPECT_TRUE(KDL::Equal(pushed_frame(talk), expected_pose(flange), kClose));
+    EXPECT_TRUE(KDL::Equal(talk.tool(), expected_pose(flange), kClose));
     EXPECT_EQ(talk.ask("get_current_tool_frame").at("pose"), Json(wire(kTool)));
     EXPECT_EQ(talk.ask("get_current_work_frame").at("pose"), Json(wire(kWork)));
     EXPECT_EQ(talk.ask("get_install_pose").at("pose"), Json(kInstall));
@@ -85,16 +76,16 @@ TEST(Pose, FramesAndMountingFromTheCommandLine) {
 
 TEST(Pose, FramesAndMountingFromTheWire) {
     Talk talk({"--quiet"});
-    const KDL::Frame flange = pushed_frame(talk);
+    const KDL::Frame flange = talk.tool();
     const Json tool{{"tool_name", "probe"}, {"tool_pose", wire(kTool)}, {"payload", 1250.5}, {"position", {1, 2, 3}}};
     ASSERT_TRUE(talk.ask("set_manual_tool_frame", tool).at("manual_tool_frame"));
-    EXPECT_TRUE(KDL::Equal(pushed_frame(talk), flange, kClose));  // stored, not yet in use
+    EXPECT_TRUE(KDL::Equal(talk.tool(), flange, kClose));  // stored, not yet in use
     ASSERT_TRUE(talk.ask("set_change_tool_frame", {{"tool_name", "probe"}}).at("change_tool_frame"));
     ASSERT_TRUE(talk.ask("set_manual_work_frame", {{"frame_name", "bench"}, {"frame_pose", wire(kWork)}})
                     .at("manual_work_frame"));
     ASSERT_TRUE(talk.ask("set_change_work_frame", {{"frame_name", "bench"}}).at("change_work_frame"));
     ASSERT_TRUE(talk.ask("set_install_pose", {{"pose", kInstall}}).at("set_state"));
-    EXPECT_TRUE(KDL::Equal(pushed_frame(talk), expected_pose(flange), kClose));
+    EXPECT_TRUE(KDL::Equal(talk.tool(), expected_pose(flange), kClose));
 }
 
 TEST(Pose, EulerAnglesAndQuaternionAgree) {

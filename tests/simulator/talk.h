@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <functional>
+#include <kdl/frames.hpp>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
@@ -25,6 +26,7 @@ struct Sample {
     int64_t time;                // simulated milliseconds
     std::vector<double> joints;  // degrees
     std::string status;
+    KDL::Frame tool;  // in the work frame
 };
 
 class Talk {
@@ -46,6 +48,9 @@ class Talk {
     std::vector<double> joints();
 
     Sample sample();
+
+    // Where the tool is at rest.
+    KDL::Frame tool();
 
     // Collects samples up to and with the first that `last` accepts.
     std::vector<Sample> samples_until(const std::function<bool(const Sample&)>& last);
@@ -96,9 +101,17 @@ inline std::vector<double> Talk::joints() {
 
 inline Sample Talk::sample() {
     const Json state = Json::parse(push.receive());
-    Sample sample{state.at("time"), state.at("joint_status").at("joint_position"), state.at("arm_current_status")};
+    const std::vector<double> p = state.at("waypoint").at("position"), q = state.at("waypoint").at("quat");
+    Sample sample{state.at("time"), state.at("joint_status").at("joint_position"), state.at("arm_current_status"),
+                  KDL::Frame(KDL::Rotation::Quaternion(q[1] / 1e6, q[2] / 1e6, q[3] / 1e6, q[0] / 1e6),
+                             KDL::Vector(p[0] / 1e6, p[1] / 1e6, p[2] / 1e6))};
     for (double& joint : sample.joints) joint /= 1000;
     return sample;
+}
+
+inline KDL::Frame Talk::tool() {
+    push.forget();
+    return sample().tool;
 }
 
 inline std::vector<Sample> Talk::samples_until(const std::function<bool(const Sample&)>& last) {
