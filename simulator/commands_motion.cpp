@@ -14,7 +14,7 @@ Move ordered_move(Call& call, const std::string& type, const std::string& status
     Move move;
     move.type = type;
     move.status = status;
-    move.blend = call.request.integer("r", 0, 100) / 100.0;
+    if (call.request.has("r")) move.blend = call.request.integer("r", 0, 100) / 100.0;
     move.connect = call.request.integer("trajectory_connect");
     move.client = call.client;
     return move;

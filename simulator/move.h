@@ -35,7 +35,7 @@ struct Move {
     std::string status;            // in the real-time push: "move_J"
     std::vector<int> data;         // target, as the wire tells it
     int connect = 0;               // non-zero: joined to the next, and ends without a report
-    double blend = 0;              // how much of the ramps at its end overlaps with the next, 0 to 1
+    double blend = 0;              // of its last ramp, on which the next begins already: 0 to 1
     std::weak_ptr<Client> client;  // gets the arrival report
 
     // The path from where the arm stands when the move's turn comes. Throws NoPath if there is none.

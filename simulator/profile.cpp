@@ -36,6 +36,16 @@ Profile Profile::even(double length, double speed) {
     return {speed, 0, length / speed, 0};
 }
 
+double Profile::slow_end(double share_of_distance) {
+    if (share_of_distance >= 1) return 1;
+    double low = 0, high = 1;
+    while (high - low > 1e-9) {
+        const double middle = (low + high) / 2;
+        (ramp_distance(middle) < share_of_distance * ramp_distance(1) ? low : high) = middle;
+    }
+    return low;
+}
+
 double Profile::speed(double time) const {
     if (time <= 0 && up_ > 0) return 0;
     if (time < up_) return speed_ * ramp_speed(time / up_);

@@ -20,6 +20,9 @@ class Profile {
     // The peak acceleration of a ramp to or from `speed` that takes so long.
     static double acc_of_ramp(double speed, double seconds) { return 2 * speed / seconds; }
 
+    // How much of the time of a ramp its slow end takes on which so much of its distance lies, both 0 to 1.
+    static double slow_end(double share_of_distance);
+
     double ramp() const { return up_; }  // seconds
     double duration() const { return up_ + cruise_ + down_; }
     double length() const { return distance(duration()); }

@@ -31,9 +31,9 @@ void Trajectory::replan(const JointVector& start) {
     schedule();
 }
 
-// Each leg has ramps of its own, and one begins before the one before it has come to rest: by the blend's share of the
-// shorter of both ramps. The shorter ramp falls below the longer one all the way, so that the speeds of both together
-// are never above that of the faster one.
+// Each leg has ramps of its own, and begins while the one before it still goes down its ramp, where the blend's share
+// of the way down is left. It is the shorter ramp of the two that counts: so the speeds of both together are never
+// above that of the faster one.
 void Trajectory::schedule() {
     const Leg* before = nullptr;
     for (Leg& leg : legs_) {
@@ -41,8 +41,8 @@ void Trajectory::schedule() {
         if (!leg.path) continue;
         leg.profile = Profile::between_rests(1, leg.path->speed, leg.path->acc * kShareOfAcc);
         if (before) {
-            const double overlap = before->move.blend * std::min(before->profile.ramp(), leg.profile.ramp());
-            leg.begin += before->profile.duration() - overlap;
+            const double ramp = std::min(before->profile.ramp(), leg.profile.ramp());
+            leg.begin += before->profile.duration() - ramp * Profile::slow_end(before->move.blend);
         }
         before = &leg;
     }

@@ -168,7 +168,16 @@ std::vector<Row> frame_rows() {
 }
 
 std::vector<Row> trajectory_rows(size_t joints) {
-    const Json target{{"joint", array(joints, 2000)}, {"v", 1}, {"r", 0}, {"trajectory_connect", 1}};
+    const Json target{{"joint", array(joints, 2000)}, {"v", 1}, {"r", 0}, {"trajectory_connect", 0}};
+    // Near to where the arm stands, and joined to what never comes.
+    const auto nearby = [&](int aside, int below) {
+        return joints == 7 ? Json{-422485, -203256 + aside, 368852 - below, -2344, -642, 2865}
+                           : Json{352792, 42782 + aside, 507496 - below, 284, 454, 2184};
+    };
+    const auto joined = [](const Json& pose) {
+        return Json{{"pose", pose}, {"v", 1}, {"r", 0}, {"loop", 0}, {"trajectory_connect", 1}};
+    };
+    const Json circle{{"pose_via", nearby(20000, 40000)}, {"pose_to", nearby(0, 40000)}};
     return {
         {"get_arm_current_trajectory", {}, 72, {{"/type", "string"}, {"/data", "joints"}}},
         done("movej", target, 189, "receive_state"),
@@ -184,6 +193,11 @@ std::vector<Row> trajectory_rows(size_t joints) {
         done("set_arm_slow_stop", {}, 232, "arm_slow_stop"),
         done("set_arm_stop", {}, 67, "arm_stop"),
         done("set_delete_current_trajectory", {}, 70, "delete_current_trajectory"),
+        done("set_install_pose", {{"pose", {0, 0, 0}}}, 63, "set_state"),
+        done("movej_p", joined(nearby(0, 0)), 189, "receive_state"),
+        done("movel", joined(nearby(20000, 0)), 189, "receive_state"),
+        done("moves", joined(nearby(20000, 20000)), 189, "receive_state"),
+        done("movec", joined(circle), 189, "receive_state"),
         done("set_arm_delete_trajectory", {}, 71, "arm_delete_trajectory"),
     };
 }
@@ -381,7 +395,8 @@ const std::set<std::string> kUnanswered{"set_wifi_ap",  "set_wifi_sta", "set_usb
                                         "set_ethernet", "movej_follow", "movep_follow"};
 
 // Reported when they have ended, or were refused.
-const std::set<std::string> kReported{"movej", "auto_fix_joint_over_soft_limit", "set_joint_step"};
+const std::set<std::string> kReported{
+    "movej", "movej_p", "movel", "moves", "movec", "auto_fix_joint_over_soft_limit", "set_joint_step"};
 
 std::vector<Row> all_rows(size_t joints) {
     std::vector<Row> all;

@@ -100,12 +100,14 @@ class ToolMotion : public testing::TestWithParam<const char*> {
  protected:
     Talk talk{arguments(GetParam())};
     const KDL::Frame start = talk.tool();
+    const double inward = start.p.x() > 0 ? -1 : 1;  // the direction along x in which the arm has room
 };
 INSTANTIATE_TEST_SUITE_P(Simulator, ToolMotion, testing::Values("ZK65-B", "ZK75-6F"));
 
 TEST_P(ToolMotion, ALineIsStraightAndKeepsToTheSpeedsOfTheTool) {
     for (const KDL::Vector& turn : {KDL::Vector(0.05, 0, 0.05), KDL::Vector(-0.1, 0.5, 0.3)}) {
-        const KDL::Frame from = talk.tool(), target = on_wire(moved(from, KDL::Vector(-0.05, 0.08, -0.06), turn));
+        const KDL::Frame from = talk.tool(),
+                         target = on_wire(moved(from, KDL::Vector(inward * 0.05, 0.08, -0.06), turn));
         ASSERT_TRUE(move_to(talk, "movel", target, 40));
         const Json current = talk.ask("get_arm_current_trajectory");
         EXPECT_EQ(current.at("type"), "movel");
@@ -127,9 +129,9 @@ TEST_P(ToolMotion, ALineIsStraightAndKeepsToTheSpeedsOfTheTool) {
 
 TEST_P(ToolMotion, ACircleGoesThroughItsPointsAsOftenAsItIsTold) {
     constexpr double kRadius = 0.04;
-    const KDL::Vector centre = start.p + KDL::Vector(-kRadius, 0, 0);
+    const KDL::Vector centre = start.p + KDL::Vector(inward * kRadius, 0, 0);
     const auto point = [&](double angle, const KDL::Vector& turn) {
-        const KDL::Vector at = centre + kRadius * KDL::Vector(std::cos(angle), std::sin(angle), 0);
+        const KDL::Vector at = centre + kRadius * KDL::Vector(-inward * std::cos(angle), std::sin(angle), 0);
         return on_wire(moved(start, at - start.p, turn));
     };
     const KDL::Frame via = point(2, {0.1, 0, 0}), to = point(3.5, {0.1, 0.1, 0});
@@ -151,14 +153,14 @@ TEST_P(ToolMotion, ACircleGoesThroughItsPointsAsOftenAsItIsTold) {
         EXPECT_NEAR(way, kRadius * (3.5 + 2 * std::numbers::pi * turns), 0.002);
         EXPECT_LT(nearest(samples, via), 0.001);
         expect_at(talk.tool(), to, 1e-5);
-        EXPECT_LE(highest(speeds(samples, metres)), 0.1 * 1.01);
+        EXPECT_LE(highest(speeds(samples, metres)), 0.1 * 1.02);
     }
 }
 
 TEST_P(ToolMotion, ASplineGoesThroughItsPointsWithoutAHalt) {
-    const KDL::Frame points[] = {on_wire(moved(start, {-0.01, 0.05, 0}, {0.1, 0, 0})),
-                                 on_wire(moved(start, {-0.03, 0.08, -0.04}, {0.1, 0.1, 0})),
-                                 on_wire(moved(start, {-0.03, 0.05, -0.08}))};
+    const KDL::Frame points[] = {on_wire(moved(start, {inward * 0.01, 0.05, 0}, {0.1, 0, 0})),
+                                 on_wire(moved(start, {inward * 0.03, 0.08, -0.04}, {0.1, 0.1, 0})),
+                                 on_wire(moved(start, {inward * 0.03, 0.05, -0.08}))};
     ASSERT_TRUE(move_to(talk, "moves", points[0], 40, 1));
     ASSERT_TRUE(move_to(talk, "moves", points[1], 40, 1));
     EXPECT_EQ(talk.ask("get_arm_current_trajectory").at("type"), "none") << "waits for its last point";
@@ -175,7 +177,7 @@ TEST_P(ToolMotion, ASplineGoesThroughItsPointsWithoutAHalt) {
 }
 
 TEST_P(ToolMotion, AJointMoveToAPoseGetsThere) {
-    const KDL::Frame target = on_wire(moved(start, {-0.08, 0.1, -0.05}, {0.2, -0.1, 0.4}));
+    const KDL::Frame target = on_wire(moved(start, {inward * 0.08, 0.1, -0.05}, {0.2, -0.1, 0.4}));
     ASSERT_TRUE(move_to(talk, "movej_p", target, 50));
     const Json current = talk.ask("get_arm_current_trajectory");
     const size_t joints = talk.joints().size();
@@ -201,7 +203,7 @@ TEST_P(ToolMotion, JoinedMovesHaltBetweenEachOtherOnlyWithoutABlend) {
             EXPECT_LT(lowest, 0.001);
             EXPECT_LT(beside, kClose);
         } else {
-            EXPECT_GT(lowest, 0.1 * 0.1 * blend / 100);
+            EXPECT_GT(lowest, 0.1 * 0.5 * blend / 100);
             EXPECT_GT(beside, 1e-6);
             EXPECT_LT(beside, 0.03);
         }
@@ -209,7 +211,8 @@ TEST_P(ToolMotion, JoinedMovesHaltBetweenEachOtherOnlyWithoutABlend) {
 }
 
 TEST_P(ToolMotion, MovesOfDifferentKindsAreJoined) {
-    const KDL::Frame first = on_wire(moved(start, {0, 0.05, 0})), second = on_wire(moved(first, {-0.03, 0, -0.05})),
+    const KDL::Frame first = on_wire(moved(start, {0, 0.05, 0})),
+                     second = on_wire(moved(first, {inward * 0.03, 0, -0.05})),
                      third = on_wire(moved(second, {0, -0.05, 0}));
     ASSERT_TRUE(move_to(talk, "movej_p", first, 30, 1, 100));
     ASSERT_TRUE(move_to(talk, "moves", second, 40, 1, 100));
