@@ -38,7 +38,7 @@ struct Command {
 class CommandTable {
  public:
     // Acknowledged with {"command": <literal>, <key>: true or false}, the literal being the name unless the row is told
-    // another. False also when the action throws BadRequest.
+    // another. False also when the action throws BadRequest or NoPath.
     Command& set(const std::string& name, const std::string& key, Action action);
 
     // Answered with {"state": <literal>, ...}, the rest as `query` returns it. BadRequest leaves it unanswered.

@@ -26,16 +26,11 @@ bool order(Call& call, Move move) {
     Arm& arm = call.controller.arm;
     const std::string objection = arm.objection_to_moving();
     if (!objection.empty()) throw BadRequest(call.request.command() + ": " + objection);
-    try {
-        arm.order(std::move(move));
-    } catch (const NoPath& reason) {
-        throw BadRequest(call.request.command() + ": " + reason.what());
-    }
+    arm.order(std::move(move));
     return true;
 }
 
 Move joint_move(const Arm& arm, Move move, const JointVector& target, double percent) {
-    move.data = thousandths(target);
     move.plan = [&arm, target, percent](const JointVector& start) { return arm.joint_path(start, target, percent); };
     return move;
 }

@@ -31,19 +31,6 @@ Move relative_move(const Call& call, const char* type) {
     return move;
 }
 
-// An arm at rest plans at once, so that what cannot be is refused; otherwise the move is planned when its turn comes.
-void order(const Call& call, Move move) {
-    Arm& arm = call.controller.arm;
-    move.data = thousandths(arm.joints());
-    if (arm.motion().idle()) {
-        const std::optional<Path> path = move.plan(arm.joints());
-        if (!path) throw BadRequest(call.request.command() + ": beyond a limit or out of reach");
-        move.data = thousandths(path->at(1));
-        move.plan = [path](const JointVector&) { return path; };
-    }
-    arm.motion().add(std::move(move));
-}
-
 // The one in progress gives way to it. It cannot wait behind moves: nobody might hold the key any more when its turn
 // comes.
 void start_jog(const Call& call, Move jog) {
@@ -51,14 +38,15 @@ void start_jog(const Call& call, Move jog) {
     if (jogging(motion)) motion.stop();
     if (motion.current() && !motion.stopping()) throw BadRequest(call.request.command() + ": the arm has moves to do");
     jog.status = kTeaching;
-    order(call, std::move(jog));
+    call.controller.arm.order(std::move(jog));
 }
 
-// A path of one joint at `percent` of its speed; nothing when it ends beyond a limit.
-std::optional<Path> joint_path(const Arm& arm, const JointVector& start, size_t joint, double end, double percent) {
+// A path of one joint at `percent` of its speed.
+Path joint_path(const Arm& arm, const JointVector& start, size_t joint, double end, double percent) {
     JointVector target = start;
     target[joint] = end;
-    if (!arm.objection_to(target).empty()) return std::nullopt;
+    const std::string objection = arm.objection_to(target);
+    if (!objection.empty()) throw NoPath(objection);
     return arm.joint_path(start, target, percent);
 }
 
@@ -91,7 +79,7 @@ bool step_joint(Call& call) {
     move.plan = [&arm, joint, turn = step[1] / 1000, percent = percent(call.request)](const JointVector& start) {
         return joint_path(arm, start, joint, start[joint] + turn, percent);
     };
-    order(call, std::move(move));
+    call.controller.arm.order(std::move(move));
     return true;
 }
 

@@ -43,7 +43,6 @@ bool start_waypoint(Call& call, Waypoints& waypoints) {
         Move move;
         move.type = "re_trajectory";
         move.status = "move_through_joint";
-        move.data = thousandths(point);
         move.plan = [&arm, point, frequency](const JointVector& start) {
             Path path = arm.joint_path(start, point, kPercent);
             path.speed = std::min<double>(path.speed, frequency);
@@ -83,7 +82,6 @@ bool timer(Call& call) {
         path.acc = 1e6;
         return path;
     };
-    move.data = thousandths(call.controller.arm.end());
     call.controller.arm.order(move);
     return true;
 }

@@ -80,6 +80,8 @@ void Controller::carry_out(const Command& command, Call& call) {
         done = faults.refuse_on.count(call.request.command()) == 0 && command.action(call);
     } catch (const BadRequest& error) {
         note(call.client->name() + ": " + error.what());
+    } catch (const NoPath& error) {
+        note(call.client->name() + ": " + call.request.command() + ": " + error.what());
     }
     if (!command.key.empty()) call.client->send({{"command", command.literal}, {command.key, done}});
     if (!done && command.refused) command.refused(call);

@@ -30,7 +30,7 @@ JointVector MotionQueue::end(const JointVector& joints) const {
     if (!joined_.empty()) return joined_.end();
     if (!waiting_.empty()) return waiting_.back().end();
     const bool arrives = brake_ == Brake::none || brake_ == Brake::pause;
-    return running_ && arrives ? running_->path.at(1) : joints;
+    return running_ && arrives ? running_->path.at(1) : stream_.last(joints);
 }
 
 void MotionQueue::stop() {

@@ -33,7 +33,7 @@ struct Path {
 struct Move {
     std::string type;              // in the trajectory query: "movej"
     std::string status;            // in the real-time push: "move_J"
-    std::vector<int> data;         // target, as the wire tells it
+    std::vector<int> data;         // target, as the wire tells it; when empty, the joints at the end of the path
     int connect = 0;               // non-zero: joined to the next, and ends without a report
     double blend = 0;              // of its last ramp, on which the next begins already: 0 to 1
     std::weak_ptr<Client> client;  // gets the arrival report

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "arm.h"
+
 namespace sim {
 namespace {
 
@@ -14,10 +16,17 @@ constexpr double kShareOfAcc = 0.5;
 void Trajectory::add(Move move, const JointVector& start) {
     const bool takes_over = move.points.size() > 1;
     const JointVector from = empty() ? start : takes_over ? legs_.back().start : end();
-    Path path = move.plan(from);
+    const bool to_joints = move.data.empty();
+    Leg leg{std::move(move), to_joints, from, {}, {}, 0};
+    plan(leg);
     if (takes_over) legs_.back().path.reset();
-    legs_.push_back({std::move(move), from, std::move(path), {}, 0});
+    legs_.push_back(std::move(leg));
     schedule();
+}
+
+void Trajectory::plan(Leg& leg) {
+    leg.path = leg.move.plan(leg.start);
+    if (leg.to_joints) leg.move.data = thousandths(leg.path->at(1));
 }
 
 void Trajectory::replan(const JointVector& start) {
@@ -25,7 +34,7 @@ void Trajectory::replan(const JointVector& start) {
     for (Leg& leg : legs_) {
         leg.start = from;
         if (!leg.path) continue;
-        leg.path = leg.move.plan(from);
+        plan(leg);
         from = leg.path->at(1);
     }
     schedule();

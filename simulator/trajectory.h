@@ -33,12 +33,14 @@ class Trajectory {
  private:
     struct Leg {
         Move move;
+        bool to_joints;  // what the move tells as its target
         JointVector start;
         std::optional<Path> path;  // none where the path of the next leg runs through this one
         Profile profile;
         double begin = 0;  // seconds after the first
     };
 
+    static void plan(Leg& leg);
     static std::vector<Leg> planned(const std::vector<Leg>& legs);
     static JointVector joints_at(const std::vector<Leg>& legs, double time);
     void schedule();
