@@ -1,19 +1,14 @@
 // Moves of the simulated arm's tool along lines, circles and splines, joined and not, as the real-time push shows them.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <numbers>
 
-#include "simulator/talk.h"
+#include "simulator/samples.h"
 
 namespace zk::test {
 namespace {
 
 constexpr double kClose = 2e-4;  // metres and radians that a sample may lie beside its path
-
-std::vector<std::string> arguments(const std::string& model) {
-    return {"--quiet", "--push-cycle", "2", "--model", model};
-}
 
 KDL::Frame moved(const KDL::Frame& from, const KDL::Vector& by, const KDL::Vector& turn = {}) {
     return KDL::addDelta(from, KDL::Twist(by, turn));
