@@ -52,10 +52,10 @@ const Row kRows[] = {
      [](const KDL::Frame& from) { return from * KDL::Frame(KDL::Vector(0.01, -0.02, -0.03)); }},
     {"MoveRotate_Cmd",
      [](ArmSocket arm, const KDL::Frame&, bool block) {
-         return MoveRotate_Cmd(arm, 3, 50, 0, 0, block, to_pose(KDL::Frame(kReference)), 20);
+         return MoveRotate_Cmd(arm, 3, 50, 0, 0, block, to_pose(KDL::Frame(kReference)), 10);
      },
      [](const KDL::Frame& from) {
-         const double radians = 20 * M_PI / 180;
+         const double radians = 10 * M_PI / 180;
          return KDL::Frame(KDL::Rotation::Rot(kReference.UnitZ(), radians) * from.M, from.p);
      }},
 };
@@ -75,14 +75,21 @@ bool stands(ArmSocket arm) {
     return type == 0;
 }
 
-class ToolMotion : public testing::TestWithParam<const char*> {
+struct Model {
+    const char* name;
+    int arm_mode;
+};
+std::ostream& operator<<(std::ostream& out, const Model& model) { return out << model.name; }
+
+class ToolMotion : public testing::TestWithParam<Model> {
  protected:
     void SetUp() override { set_time_factor(0); }  // the arm may take its time
+    SimulatedArm connect() { return SimulatedArm({"--quiet", "--model", GetParam().name}, GetParam().arm_mode); }
 };
-INSTANTIATE_TEST_SUITE_P(Simulated, ToolMotion, testing::Values("ZK65-B", "ZK75-6F"));
+INSTANTIATE_TEST_SUITE_P(Simulated, ToolMotion, testing::Values(Model{"ZK65-B", 65}, Model{"ZK75-6F", 75}));
 
 TEST_P(ToolMotion, BringsTheToolToWhereItIsTold) {
-    const SimulatedArm arm({"--quiet", "--model", GetParam()});
+    const SimulatedArm arm = connect();
     for (const Row& row : kRows) {
         for (const bool block : {true, false}) {
             const KDL::Frame target = row.target(tool_of(arm));
@@ -97,7 +104,7 @@ TEST_P(ToolMotion, BringsTheToolToWhereItIsTold) {
 }
 
 TEST_P(ToolMotion, RefusesWhatIsOutOfReach) {
-    const SimulatedArm arm({"--quiet", "--model", GetParam()});
+    const SimulatedArm arm = connect();
     const Pose far = to_pose(KDL::Frame(KDL::Vector(2, 0, 0)));
     for (const bool block : {true, false}) {
         EXPECT_EQ(Movel_Cmd(arm, far, 50, 0, 0, block), 1);

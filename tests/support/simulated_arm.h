@@ -8,8 +8,8 @@ namespace zk::test {
 
 class SimulatedArm {
  public:
-    // Six joints, model ZK65-B, where the arguments do not say another.
-    explicit SimulatedArm(const std::vector<std::string>& arguments = {});
+    // Model ZK65-B where the arguments do not say another; one with seven joints needs an arm mode that has them.
+    explicit SimulatedArm(const std::vector<std::string>& arguments = {}, int arm_mode = 65);
     operator ArmSocket() const { return arm_; }
 
  private:
