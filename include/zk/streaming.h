@@ -38,12 +38,4 @@ ZK_API int Movep_Follow_NonBlock(ArmSocket socket, Pose pose);
  */
 ZK_API int Parser_Movej_CANFD(ArmSocket socket, const char* text, Pose* pose, float* joint, uint16_t* arm_err);
 
-/*
- * Parses a report of a force-position move into the joints, the forces of all directions, the force along the
- * controlled one (the controller's number divided by 10) and the error word. Returns 0; 9 when the text is not JSON or
- * lacks "state"; 11 when the joints are no array.
- */
-ZK_API int Parser_Force_Position_Move(ArmSocket socket, const char* text, float* joint, float* all_direction_force,
-                                      int32_t* force, uint16_t* arm_err);
-
 #endif

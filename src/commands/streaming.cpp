@@ -1,19 +1,15 @@
 // Streamed motion: set-points straight to the socket, at the caller's own rate, and the reports that come back.
 #include "zk/streaming.h"
 
-#include <algorithm>
 #include <cstdio>
 
+#include "commands/set_point.h"
 #include "connection/exchange.h"
 #include "connection/pending.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
 
 using namespace zk;
-
-static void plain_numbers(Item array, int count, float* values) {
-    for (int i = 0; i < std::min(count, array.size()); ++i) values[i] = static_cast<float>(array[i].number());
-}
 
 ZK_API int Parser_Movej_CANFD(ArmSocket s, const char* text, Pose* pose, float* joint, uint16_t* arm_err) {
     Reply reply(text);
@@ -30,40 +26,12 @@ ZK_API int Parser_Movej_CANFD(ArmSocket s, const char* text, Pose* pose, float* 
     return error.integer();
 }
 
-ZK_API int Parser_Force_Position_Move(ArmSocket s, const char* text, float* joint, float* all_direction_force,
-                                      int32_t* force, uint16_t* arm_err) {
-    Reply reply(text);
-    if (!reply.require(bool(reply.find("state")), ZK_BAD_REPLY)) return reply.status();
-    plain_numbers(reply.find("all_direction_force"), 7, all_direction_force);
-    if (const Item error = reply.find("arm_err")) *arm_err = static_cast<uint16_t>(error.integer());
-    if (const Item value = reply.find("force")) *force = value.integer() / 10;
-    if (reply.require(reply.find("joint").is_array(), ZK_WRONG_TYPE))
-        plain_numbers(reply.find("joint"), joint_count(s), joint);
-    return reply.status();
-}
-
 namespace {
 
 // Written at once, whatever becomes of it.
 int sent(const Request& request) {
     stream(request);
     return ZK_OK;
-}
-
-Request& pose_quat(Request& request, const Pose& pose, int32_t (*quaternion)(float)) {
-    const Position& p = pose.position;
-    const Quat& q = pose.quaternion;
-    return request.numbers("pose_quat", {double(millionths(p.x)), double(millionths(p.y)), double(millionths(p.z)),
-                                         double(quaternion(q.w)), double(quaternion(q.x)), double(quaternion(q.y)),
-                                         double(quaternion(q.z))});
-}
-
-// The quaternion, when it is about a unit one; else the Euler angles.
-Request& pose_or_quat(Request& request, const Pose& pose) {
-    const Quat& q = pose.quaternion;
-    const double norm = q.w * q.w + q.x * q.x + q.y * q.y + q.z * q.z;
-    const bool unit = norm > 0.99 && norm < 1.1;
-    return unit ? pose_quat(request, pose, millionths) : request.pose("pose", pose);
 }
 
 }  // namespace
@@ -94,7 +62,7 @@ ZK_API int Movep_CANFD_NonBlock(ArmSocket s, uint8_t follow, Pose pose) {
 // The blocking form sends the quaternion whatever it holds, in thousandths, and ends in 7 likewise.
 ZK_API int Movep_CANFD_Block(ArmSocket s, uint8_t follow, Pose pose) {
     Request request(s, "movep_canfd");
-    return pending(pose_quat(request, pose, thousandths).boolean("follow", follow != 0), 66,
+    return pending(quaternion_pose(request, pose, thousandths).boolean("follow", follow != 0), 66,
                    [](const char*) { return int(ZK_OK); });
 }
 

@@ -103,9 +103,9 @@ Request::Request(ArmSocket socket, const char* command, int frame_size)
     : Fields(cJSON_CreateObject()),
       tree_(object_, cJSON_Delete),
       socket_(socket),
-      command_(command),
+      command_(command ? command : ""),
       frame_size_(frame_size) {
-    text("command", command);
+    if (command) text("command", command);
 }
 
 Request& Request::joints(const char* key, const float* degrees) {

@@ -96,6 +96,7 @@ class Request : public Fields<Request> {
  public:
     static constexpr int usual_frame = 300;
 
+    // A request without a command, from null, goes out without that key.
     Request(ArmSocket socket, const char* command, int frame_size = usual_frame);
 
     // Six angles in thousandths of a degree, seven when the connection's arm mode has seven joints.

@@ -1,0 +1,118 @@
+// The long waits of drag teaching: the replay, and the way to its origin.
+#include "zk/drag_teach.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+
+#include "support/arm.h"
+#include "support/scaled_time.h"
+
+namespace {
+
+using namespace zk::test;
+
+std::string trajectory(const std::string& type) {
+    return R"({"state":"arm_current_trajectory","type":")" + type + R"(","data":[0,0,0,0,0,0]})";
+}
+std::string replayed(bool whole) {
+    return std::string(R"({"command":"run_drag_trajectory","run_state":)") + (whole ? "true}" : "false}");
+}
+std::string report(int device, bool arrived) {
+    return R"({"state":"current_trajectory_state","trajectory_state":)" + std::string(arrived ? "true" : "false") +
+           R"(,"device":)" + std::to_string(device) + R"(,"trajectory_connect":0})";
+}
+class Waits : public testing::Test {
+ protected:
+    void SetUp() override {
+        set_time_factor(0);
+        ZK_API_Init(65, nullptr);
+        arm_ = connect_arm(controller_);
+        m_nOutTime_max = 1000;
+    }
+    std::future<int> start_replay() {
+        return std::async(std::launch::async, [this] { return Run_Drag_Trajectory(arm_, true); });
+    }
+    std::future<int> start_way_back() {
+        return std::async(std::launch::async, [this] { return Drag_Trajectory_Origin(arm_, true); });
+    }
+    void wait_for_looks(int count) {
+        controller_.forget_requests();
+        for (int i = 0; i < count; ++i) controller_.wait_for_request("get_arm_current_trajectory");
+    }
+
+    ScriptedController controller_;
+    ArmSocket arm_ = 0;
+};
+
+TEST_F(Waits, AReplayHasNoLimitWhileItRuns) {
+    controller_.answer("get_arm_current_trajectory", trajectory("re_trajectory"));
+    std::future<int> status = start_replay();
+    wait_for_looks(2);
+    const int32_t start = Get_Program_Runtime();
+    set_time_factor(1000);
+    while (Get_Program_Runtime() - start < 2 * (3000 + 29999)) sleep_cp(1000);
+    set_time_factor(0);
+    controller_.say(replayed(false));
+    EXPECT_EQ(status.get(), 1);
+    EXPECT_EQ(shared(Run_Drag_Trajectory_Cmd[0].count), 0);
+}
+
+// A reply is not looked at while the arm does something else.
+TEST_F(Waits, AMoveBeforeTheReplayIsWaitedOut) {
+    controller_.answer("run_drag_trajectory", replayed(true));
+    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
+    std::future<int> status = start_replay();
+    wait_for_looks(3);
+    EXPECT_EQ(shared(Run_Drag_Trajectory_Cmd[0].count), 1);
+    EXPECT_EQ(status.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
+    controller_.answer("get_arm_current_trajectory", trajectory("none"));
+    EXPECT_EQ(status.get(), 0);
+}
+
+TEST_F(Waits, AReplayThatNeverStartsEndsIn7) {
+    controller_.answer("get_arm_current_trajectory", trajectory("none"));
+    m_nOutTime = 5000;
+    const int32_t start = Get_Program_Runtime();
+    set_time_factor(200);
+    EXPECT_EQ(Run_Drag_Trajectory(arm_, true), 7);
+    EXPECT_GT(Get_Program_Runtime() - start, 5000 + 29999);
+}
+
+TEST_F(Waits, AClosedConnectionEndsTheReplay) {
+    controller_.answer("get_arm_current_trajectory", trajectory("re_trajectory"));
+    std::future<int> status = start_replay();
+    wait_for_looks(1);
+    Arm_Socket_Close(arm_);
+    EXPECT_EQ(status.get(), 5);
+}
+
+TEST_F(Waits, TheWayToTheOriginEndsWithItsReport) {
+    for (const auto& [message, status] :
+         {std::pair(report(0, true), 0), std::pair(report(0, false), 1), std::pair(report(2, true), 12)}) {
+        std::future<int> way = start_way_back();
+        controller_.wait_for_request("drag_trajectory_origin");
+        controller_.say(R"({"command":"drag_trajectory_origin","trajectory_state":true})");  // does not end it
+        controller_.say(message);
+        EXPECT_EQ(way.get(), status) << message;
+    }
+}
+
+TEST_F(Waits, AnArmThatDoesNotSetOutEndsIn14) {
+    m_nOutTime = 2000000000;
+    int looks = 0;
+    controller_.answer_with("get_current_arm_state",
+                            [&](const std::string&) { return ++looks, Pieces{line(arm_state(30000))}; });
+    const int32_t start = Get_Program_Runtime();
+    set_time_factor(20);
+    EXPECT_EQ(Drag_Trajectory_Origin(arm_, true), 14);
+    EXPECT_GE(Get_Program_Runtime() - start, 2 * 1000 + 4 * 50);
+}
+
+TEST_F(Waits, TheSensitivityHasTheShortLimit) {
+    m_nOutTime = 2000000000;
+    set_time_factor(100);
+    EXPECT_EQ(Set_Drag_Teach_Sensitivity(arm_, 50), 7);
+}
+
+}  // namespace

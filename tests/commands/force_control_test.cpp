@@ -1,0 +1,202 @@
+// Force control: every command on the wire, its guards, and its parsers.
+#include "zk/force_control.h"
+
+#include <gtest/gtest.h>
+
+#include "support/command_case.h"
+#include "support/parser_case.h"
+#include "zk/dispatch.h"
+
+namespace {
+
+using namespace zk::test;
+
+// The sixth angle is half a thousandth of a degree, which the calibrations do not cut off.
+const float kJoint[7] = {10, 20.5f, -30, 40, 50, 0.0005f, 70.25f};
+const float kOther[7] = {1, 2, 3, 4, 5, 6, 7};
+const char* const kSix = "[10000, 20500, -30000, 40000, 50000, 0.500000]";
+const char* const kSeven = "[10000, 20500, -30000, 40000, 50000, 0.500000, 70250]";
+const char* const kCalibrated = R"({"command":"set_force_sensor","set_state":true})";
+const ForcePositionNew kNew{
+    1, 0, {0, 0, 3, 0, 0, 8}, {0, 0, -5.25f, 0, 0, 0.16f}, {0.1f, 0.1f, 0.05f, 10, 10, 0.0019f}};
+const char* const kNewWire =
+    R"({"command": "set_force_position", "sensor": 1, "mode": 0, "desired_force": [0, 0, -52, 0, 0, 1], )"
+    R"("control_mode": [0, 0, 3, 0, 0, 8], "limit_vel": [100, 100, 50, 10000, 10000, 1]})";
+const char* const kForces =
+    R"({"state":"get_force_data","force_data":[1000,2,-3.5,0,5,6],"zero_force_data":[1,2,3,4,5,6],)"
+    R"("work_zero_force_data":[7,8,9,10,11,12],"tool_zero_force_data":[0,0,0,0,0,1]})";
+const char* const kForcesTold =
+    "1 0.002 -0.0035 0 0.005 0.006; 0.001 0.002 0.003 0.004 0.005 0.006; 0.007 0.008 0.009 0.01 0.011 0.012; "
+    "0 0 0 0 0 0.001";
+const char* const kFz =
+    R"({"state":"get_Fz","set_state":false,"Fz":1000,"zero_Fz":-500,"work_zero_Fz":1,"tool_zero_Fz":2.5})";
+
+std::string hold(int tenths) {
+    return R"({"command": "set_force_position", "sensor": 1, "mode": 2, "direction": 3, "N": )" +
+           std::to_string(tenths) + "}";
+}
+std::string manual(int number, const std::string& joints) {
+    return R"({"command": "manual_set_force_pose)" + std::to_string(number) + R"(", "joint": )" + joints + "}";
+}
+std::string manual_fz(const std::string& pose1, const std::string& pose2) {
+    return R"({"command": "manual_set_Fz", "pose1": )" + pose1 + R"(, "pose2": )" + pose2 + "}";
+}
+std::string simple(const std::string& name) { return R"({"command": ")" + name + "\"}"; }
+std::string done(const std::string& name, const std::string& key) {
+    return R"({"command":")" + name + R"(",")" + key + R"(":true})";
+}
+
+const std::vector<CommandCase> kRows = {
+    // The plain name counts in newtons, the forms in tenths of them.
+    acknowledged(CALL(Set_Force_Postion, (s, 1, 2, 3, 5, true)), Set_Force_Postion_Cmd, hold(50),
+                 done("set_force_position", "set_state")),
+    acknowledged(CALL(Set_Force_Postion_Block, (s, 1, 2, 3, 5)), Set_Force_Postion_Cmd, hold(5),
+                 done("set_force_position", "set_state")),
+    queued(CALL(Set_Force_Postion_NonBlock, (s, 1, 2, 3, -5)), hold(-5)),
+    queued("Queued_" CALL(Set_Force_Postion, (s, 1, 2, 3, 429496730, false)), hold(4)),  // a product beyond 32 bits
+    acknowledged(CALL(Set_Force_Postion_New, (s, kNew)), Set_Force_Postion_Cmd, kNewWire,
+                 done("set_force_position", "set_state")),
+    acknowledged(CALL(Set_Force_Postion_New_Block, (s, kNew)), Set_Force_Postion_Cmd, kNewWire,
+                 done("set_force_position", "set_state")),
+    acknowledged(CALL(Stop_Force_Postion, (s, true)), Stop_Force_Postion_Cmd, simple("stop_force_position"),
+                 done("stop_force_position", "stop_state")),
+    acknowledged(CALL(Stop_Force_Postion_Block, (s)), Stop_Force_Postion_Cmd, simple("stop_force_position"),
+                 done("stop_force_position", "stop_state")),
+    queued(CALL(Stop_Force_Postion_NonBlock, (s)), simple("stop_force_position")),
+
+    answered(ASK(Get_Force_Data), Get_Force_Data_Cmd, simple("get_force_data"), kForces, kForcesTold).wiping(),
+    answered(ASK(Get_Force_Data_Block), Get_Force_Data_Cmd, simple("get_force_data"), kForces, kForcesTold).wiping(),
+    acknowledged(CALL(Clear_Force_Data, (s, true)), Clear_Force_Data_Cmd, simple("clear_force_data"),
+                 done("clear_force_data", "clear_state")),
+    acknowledged(CALL(Clear_Force_Data_Block, (s)), Clear_Force_Data_Cmd, simple("clear_force_data"),
+                 done("clear_force_data", "clear_state")),
+    queued(CALL(Clear_Force_Data_NonBlock, (s)), simple("clear_force_data")),
+    acknowledged(CALL(Set_Force_Sensor, (s)), Set_Force_Sensor_Cmd, simple("set_force_sensor"), kCalibrated),
+    acknowledged(CALL(Set_Force_Sensor_Block, (s)), Set_Force_Sensor_Cmd, simple("set_force_sensor"), kCalibrated),
+    queued(CALL(Set_Force_Sensor_NonBlock, (s)), simple("set_force_sensor")),
+    // Only the fourth pose is waited for.
+    queued("First_" CALL(Manual_Set_Force, (s, 1, kJoint)), manual(1, kSix)),
+    queued("Second_" CALL(Manual_Set_Force, (s, 2, kJoint)), manual(2, kSix)),
+    queued("Third_" CALL(Manual_Set_Force, (s, 3, kJoint)), manual(3, kSeven), 72),
+    acknowledged(CALL(Manual_Set_Force, (s, 4, kJoint)), Set_Force_Sensor_Cmd, manual(4, kSix), kCalibrated),
+    queued("Fifth_" CALL(Manual_Set_Force, (s, 5, kJoint)), std::string(R"({"joint": )") + kSix + "}"),
+    acknowledged(CALL(Manual_Set_Force_Block, (s, 1, kJoint)), Set_Force_Sensor_Cmd, manual(1, kSeven), kCalibrated)
+        .on(75),
+    queued(CALL(Manual_Set_Force_NonBlock, (s, 4, kJoint)), manual(4, kSix)),
+    acknowledged(CALL(Stop_Set_Force_Sensor, (s, true)), Stop_Set_Force_Sensor_Cmd, simple("stop_set_force_sensor"),
+                 done("stop_set_force_sensor", "stop_state")),
+    acknowledged(CALL(Stop_Set_Force_Sensor_Block, (s)), Stop_Set_Force_Sensor_Cmd, simple("stop_set_force_sensor"),
+                 done("stop_set_force_sensor", "stop_state")),
+    queued(CALL(Stop_Set_Force_Sensor_NonBlock, (s)), simple("stop_set_force_sensor")),
+
+    answered(ASK(Get_Fz), Get_FZ_Data_Cmd, simple("get_Fz"), kFz, "1; -0.5; 0.001; 0.0025"),
+    answered(ASK(Get_Fz_Block), Get_FZ_Data_Cmd, simple("get_Fz"), kFz, "1; -0.5; 0.001; 0.0025"),
+    acknowledged(CALL(Clear_Fz, (s, true)), Clear_Fz_Cmd, simple("clear_Fz"), done("clear_Fz", "set_state")),
+    acknowledged(CALL(Clear_Fz_Block, (s)), Clear_Fz_Cmd, simple("clear_Fz"), done("clear_Fz", "set_state")),
+    queued(CALL(Clear_Fz_NonBlock, (s)), simple("clear_Fz")),
+    acknowledged(CALL(Auto_Set_Fz, (s)), Auto_Set_Fz_Cmd, simple("auto_set_Fz"), kCalibrated),
+    acknowledged(CALL(Auto_Set_Fz_Block, (s)), Auto_Set_Fz_Cmd, simple("auto_set_Fz"), kCalibrated),
+    queued(CALL(Auto_Set_Fz_NonBlock, (s)), simple("auto_set_Fz")),
+    acknowledged(CALL(Manual_Set_Fz, (s, kJoint, kOther)), Auto_Set_Fz_Cmd,
+                 manual_fz(kSix, "[1000, 2000, 3000, 4000, 5000, 6000]"), kCalibrated),
+    acknowledged(CALL(Manual_Set_Fz_Block, (s, kJoint, kOther)), Auto_Set_Fz_Cmd,
+                 manual_fz("[10000, 20500, -30000, 40000, 50000, 0.500000, 70250, 7000]",
+                           "[1000, 2000, 3000, 4000, 5000, 6000]"),
+                 kCalibrated)
+        .on(75),
+};
+
+class ForceControl : public testing::TestWithParam<CommandCase> {};
+TEST_P(ForceControl, OnTheWire) { run(GetParam()); }
+INSTANTIATE_TEST_SUITE_P(, ForceControl, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
+
+TEST(ForceControlGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("force_control.h", kRows), ""); }
+
+TEST(ForceControlGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+
+TEST(ForceControlGuards, NullPointersAreToldAndNothingIsSent) {
+    static float values[6];
+    expect_nothing_sent({{CALL(Get_Force_Data, (s, nullptr, values, values, values))},
+                         {CALL(Get_Fz, (s, nullptr, values, values, values))},
+                         {CALL(Manual_Set_Force, (s, 1, nullptr))},
+                         {CALL(Manual_Set_Force, (s, 4, nullptr))},
+                         {CALL(Manual_Set_Fz, (s, nullptr, values))},
+                         {CALL(Manual_Set_Fz, (s, values, nullptr))}});
+}
+
+TEST(ForceControlGuards, ClearingSuspendsWhileItWaits) {
+    expect_suspension({{CALL(Clear_Force_Data, (s, true)), R"({"command":"clear_force_data","clear_state":true})"}});
+}
+
+// A reply of an earlier pose does not end the wait for the fourth.
+TEST(Calibration, EveryPoseForgetsTheRepliesBeforeIt) {
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    const ArmSocket arm = connect_arm(controller);
+    set_shared(Set_Force_Sensor_Cmd[0].count, 1);
+    EXPECT_EQ(Manual_Set_Force(arm, 2, kJoint), 0);
+    EXPECT_EQ(shared(Set_Force_Sensor_Cmd[0].count), 0);
+    EXPECT_EQ(Manual_Set_Force(arm + 1, 2, kJoint), 0) << "whoever waits for nothing needs no connection";
+}
+
+// What a reply leaves out is not what an earlier one told.
+TEST(ForceData, OfASecondReplyReplaceThoseOfTheFirst) {
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    set_shared(m_nOutTime, 60000);
+    const ArmSocket arm = connect_arm(controller);
+    controller.answer_in_turn("get_force_data", {kForces, R"({"state":"get_force_data","force_data":[1000]})"});
+    float force[6], zero[6], work[6], tool[6];
+    EXPECT_EQ(Get_Force_Data(arm, force, zero, work, tool), 0);
+    EXPECT_EQ(Get_Force_Data(arm, force, zero, work, tool), 0);
+    EXPECT_EQ(text_of(force) + "; " + text_of(work), "1 0 0 0 0 0; 0 0 0 0 0 0");
+}
+
+TEST(ForceControlParsers, Acknowledgements) {
+    for (const AckParser& parser : {AckParser{Parser_Clear_Force_Data, "clear_state"},
+                                    {Parser_Set_Force_Sensor, "set_state"},
+                                    {Parser_Stop_Force_Sensor, "stop_state"},
+                                    {Parser_Set_IO_Mode, "set_state"},
+                                    {Parser_init_force_drag_threshold, "init_state"}}) {
+        expect_acknowledgement(parser);
+    }
+}
+
+TEST(ForceControlParsers, Thresholds) {
+    expect_number({parsing(Parser_Get_Force_Drag_Threshold), "threshold", "1234"});
+}
+
+TEST(ForceControlParsers, ForceData) {
+    expect_parsed(parsing(Parser_Get_Force_Data),
+                  {{kForces, 0, kForcesTold},
+                   {R"({"force_data":[1,2,3,4,5,6,7,8],"zero_force_data":{},"tool_zero_force_data":[1]})", 0,
+                    "0.001 0.002 0.003 0.004 0.005 0.006; -; -; 0.001"},
+                   {R"({"force_data":["1",null,3]})", 0, "0 0 0.003; -; -; -"},
+                   {R"({"force_data":7,"zero_force_data":[1]})", 11, ""},
+                   {R"({"zero_force_data":[1]})", 9, ""},
+                   {R"({"force_data":[1])", 9, ""}});
+}
+
+// A good reply says false.
+TEST(ForceControlParsers, Fz) {
+    expect_parsed(parsing(Parser_Get_Fz),
+                  {{kFz, 0, "1; -0.5; 0.001; 0.0025"},
+                   {R"({"set_state":true,"Fz":1000,"zero_Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 9, ""},
+                   {R"({"set_state":0,"Fz":1000,"zero_Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 9, ""},
+                   {R"({"Fz":1000,"zero_Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 9, ""},
+                   {R"({"set_state":false,"zero_Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 9, ""},
+                   {R"({"set_state":false,"Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 9, "0.001; -; -; -"},
+                   {R"({"set_state":false,"Fz":1,"zero_Fz":1,"tool_zero_Fz":1})", 9, "0.001; 0.001; -; -"},
+                   {R"({"set_state":false,"Fz":1,"zero_Fz":1,"work_zero_Fz":1})", 9, "0.001; 0.001; 0.001; -"},
+                   {R"({"set_state":false,"Fz":"1","zero_Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 11, ""},
+                   {R"({"set_state":false,"Fz")", 9, ""}});
+}
+
+TEST(ForceControlRoutes, ThresholdsReachTheirMailbox) {
+    std::string message = R"({"state":"get_force_drag_threshold","threshold":12})";
+    handle_Recv_Json(2, message.data());
+    EXPECT_EQ(Get_Force_Drag_Threshold_Cmd[2].count, 1);
+    EXPECT_EQ(Get_Force_Drag_Threshold_Cmd[2].value, 12);
+}
+
+}  // namespace
