@@ -100,9 +100,9 @@ TEST_F(Waits, TheWayToTheOriginEndsWithItsReport) {
 
 TEST_F(Waits, AnArmThatDoesNotSetOutEndsIn14) {
     m_nOutTime = 2000000000;
-    int looks = 0;
-    controller_.answer_with("get_current_arm_state",
-                            [&](const std::string&) { return ++looks, Pieces{line(arm_state(30000))}; });
+    controller_.answer("get_current_arm_state",
+                       R"({"state":"current_arm_state","arm_state":{"joint":[30000,0,0,0,0,0],)"
+                       R"("pose":[0,0,0,0,0,0],"arm_err":0,"sys_err":0}})");
     const int32_t start = Get_Program_Runtime();
     set_time_factor(20);
     EXPECT_EQ(Drag_Trajectory_Origin(arm_, true), 14);

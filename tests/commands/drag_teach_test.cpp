@@ -5,6 +5,7 @@
 
 #include "support/command_case.h"
 #include "support/parser_case.h"
+#include "support/wire_protocol.h"
 #include "zk/dispatch.h"
 #include "zk/motion.h"
 
@@ -27,65 +28,42 @@ CommandCase replayed(const std::string& name, Call call) {
                             R"({"state":"arm_current_trajectory","type":"re_trajectory","data":[0,0,0,0,0,0]})"});
 }
 
-// The three forms of a command without arguments.
-#define FORMS(rows, command, mailbox, literal, key)                                                      \
-    rows.push_back(acknowledged(CALL(command, (s, true)), mailbox, R"({"command": ")" literal R"("})",   \
-                                R"({"command":")" literal R"(",")" key R"(":true})"));                   \
-    rows.push_back(acknowledged(CALL(command##_Block, (s)), mailbox, R"({"command": ")" literal R"("})", \
-                                R"({"command":")" literal R"(",")" key R"(":true})"));                   \
-    rows.push_back(queued(CALL(command##_NonBlock, (s)), R"({"command": ")" literal R"("})"))
+const char* const kStart = R"({"command": "start_drag_teach", "trajectory_record": 1})";
+const char* const kMulti = R"({"command": "start_multi_drag_teach", "mode": 3, "singular_wall": 0})";
+const char* const kMultiStarted = R"({"command":"start_multi_drag_teach","set_state":true})";
 
-std::vector<CommandCase> all_rows() {
-    const char* const start = R"({"command": "start_drag_teach", "trajectory_record": 1})";
-    const char* const started = R"({"command":"start_drag_teach","drag_teach":true})";
-    const char* const multi = R"({"command": "start_multi_drag_teach", "mode": 3, "singular_wall": 0})";
-    const char* const multi_started = R"({"command":"start_multi_drag_teach","set_state":true})";
-    const char* const grade = R"({"command": "set_drag_teach_sensitivity", "grade": -4})";
-    const char* const graded = R"({"command":"set_drag_teach_sensitivity","set_state":true})";
-    const char* const ask_grade = R"({"command": "get_drag_teach_sensitivity"})";
-    const char* const told_grade = R"({"state":"get_drag_teach_sensitivity","grade":70})";
-    std::vector<CommandCase> rows = {
-        acknowledged(CALL(Start_Drag_Teach, (s, true)), Start_Drag_Teach_Cmd, start, started),
-        acknowledged(CALL(Start_Drag_Teach_Block, (s)), Start_Drag_Teach_Cmd, start, started),
-        queued(CALL(Start_Drag_Teach_NonBlock, (s)), start),
-        acknowledged(CALL(Start_Multi_Drag_Teach, (s, 3, 0, true)), Start_Multi_Drag_Teach_Cmd, multi, multi_started),
-        acknowledged(CALL(Start_Multi_Drag_Teach_Block, (s, 3, 0)), Start_Multi_Drag_Teach_Cmd, multi, multi_started),
-        queued(CALL(Start_Multi_Drag_Teach_NonBlock, (s, 3, 0)), multi),
-        acknowledged(CALL(Start_Multi_Drag_Teach_New, (s, kParam)), Start_Multi_Drag_Teach_Cmd, kParamWire,
-                     multi_started),
-        acknowledged(CALL(Start_Multi_Drag_Teach_New_Block, (s, kParam)), Start_Multi_Drag_Teach_Cmd, kParamWire,
-                     multi_started),
-        acknowledged(CALL(Set_Drag_Teach_Sensitivity, (s, -4)), Set_Drag_Teach_Sensitivity_Cmd, grade, graded),
-        acknowledged(CALL(Set_Drag_Teach_Sensitivity_Block, (s, -4)), Set_Drag_Teach_Sensitivity_Cmd, grade, graded),
-        answered(ASK(Get_Drag_Teach_Sensitivity), Get_Drag_Teach_Sensitivity_Cmd, ask_grade, told_grade, "70")
-            .absorbing(),
-        answered(ASK(Get_Drag_Teach_Sensitivity_Block), Get_Drag_Teach_Sensitivity_Cmd, ask_grade, told_grade, "70")
-            .absorbing(),
-        replayed(CALL(Run_Drag_Trajectory, (s, true))),
-        replayed(CALL(Run_Drag_Trajectory_Block, (s))),
-        queued(CALL(Run_Drag_Trajectory_NonBlock, (s)), R"({"command": "run_drag_trajectory"})"),
-        acknowledged(CALL(Drag_Trajectory_Origin, (s, true)), Move_Cmd, R"({"command": "drag_trajectory_origin"})",
-                     kReport),
-        acknowledged(CALL(Drag_Trajectory_Origin_Block, (s)), Move_Cmd, R"({"command": "drag_trajectory_origin"})",
-                     kReport),
-        queued(CALL(Drag_Trajectory_Origin_NonBlock, (s)), R"({"command": "drag_trajectory_origin"})"),
-        queued("Queued_" CALL(Drag_Trajectory_Origin, (s, false)), R"({"command": "drag_trajectory_origin"})"),
-        queued("Queued_" CALL(Run_Drag_Trajectory, (s, false)), R"({"command": "run_drag_trajectory"})"),
-    };
-    FORMS(rows, Stop_Drag_Teach, Stop_Drag_Teach_Cmd, "stop_drag_teach", "drag_teach");
-    FORMS(rows, Pause_Drag_Trajectory, Pause_Drag_Trajectory_Cmd, "pause_drag_trajectory", "pause_state");
-    FORMS(rows, Continue_Drag_Trajectory, Continue_Drag_Trajectory_Cmd, "continue_drag_trajectory", "continue_state");
-    FORMS(rows, Stop_Drag_Trajectory, Stop_Drag_Trajectory_Cmd, "stop_drag_trajectory", "stop_state");
-    return rows;
-}
+const std::vector<CommandCase> kRows = {
+    SETTER(Start_Drag_Teach, Start_Drag_Teach_Cmd, kStart, R"({"command":"start_drag_teach","drag_teach":true})"),
+    SETTER(Stop_Drag_Teach, Stop_Drag_Teach_Cmd, R"({"command": "stop_drag_teach"})",
+           R"({"command":"stop_drag_teach","drag_teach":true})"),
+    SETTER(Start_Multi_Drag_Teach, Start_Multi_Drag_Teach_Cmd, kMulti, kMultiStarted, 3, 0),
+    WAITING(Start_Multi_Drag_Teach_New, Start_Multi_Drag_Teach_Cmd, kParamWire, kMultiStarted, kParam),
+    WAITING(Set_Drag_Teach_Sensitivity, Set_Drag_Teach_Sensitivity_Cmd,
+            R"({"command": "set_drag_teach_sensitivity", "grade": -4})",
+            R"({"command":"set_drag_teach_sensitivity","set_state":true})", -4),
+    QUERY(Get_Drag_Teach_Sensitivity, Get_Drag_Teach_Sensitivity_Cmd, R"({"command": "get_drag_teach_sensitivity"})",
+          R"({"state":"get_drag_teach_sensitivity","grade":70})", "70", .absorbing()),
 
-const std::vector<CommandCase> kRows = all_rows();
+    replayed(CALL(Run_Drag_Trajectory, (s, true))),
+    replayed(CALL(Run_Drag_Trajectory_Block, (s))),
+    queued("Unwaited_" CALL(Run_Drag_Trajectory, (s, false)), R"({"command": "run_drag_trajectory"})"),
+    queued(CALL(Run_Drag_Trajectory_NonBlock, (s)), R"({"command": "run_drag_trajectory"})"),
+    SETTER(Pause_Drag_Trajectory, Pause_Drag_Trajectory_Cmd, R"({"command": "pause_drag_trajectory"})",
+           R"({"command":"pause_drag_trajectory","pause_state":true})"),
+    SETTER(Continue_Drag_Trajectory, Continue_Drag_Trajectory_Cmd, R"({"command": "continue_drag_trajectory"})",
+           R"({"command":"continue_drag_trajectory","continue_state":true})"),
+    SETTER(Stop_Drag_Trajectory, Stop_Drag_Trajectory_Cmd, R"({"command": "stop_drag_trajectory"})",
+           R"({"command":"stop_drag_trajectory","stop_state":true})"),
+    SETTER(Drag_Trajectory_Origin, Move_Cmd, R"({"command": "drag_trajectory_origin"})", kReport),
+};
 
 class DragTeach : public testing::TestWithParam<CommandCase> {};
 TEST_P(DragTeach, OnTheWire) { run(GetParam()); }
 INSTANTIATE_TEST_SUITE_P(, DragTeach, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
 
 TEST(DragTeachGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("drag_teach.h", kRows), ""); }
+
+TEST(DragTeachGuards, ThePageTellsTheWire) { expect_documented("Drag teaching", kRows); }
 
 TEST(DragTeachGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 

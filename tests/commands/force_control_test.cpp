@@ -5,6 +5,7 @@
 
 #include "support/command_case.h"
 #include "support/parser_case.h"
+#include "support/wire_protocol.h"
 #include "zk/dispatch.h"
 
 namespace {
@@ -53,49 +54,29 @@ const std::vector<CommandCase> kRows = {
     acknowledged(CALL(Set_Force_Postion_Block, (s, 1, 2, 3, 5)), Set_Force_Postion_Cmd, hold(5),
                  done("set_force_position", "set_state")),
     queued(CALL(Set_Force_Postion_NonBlock, (s, 1, 2, 3, -5)), hold(-5)),
-    queued("Queued_" CALL(Set_Force_Postion, (s, 1, 2, 3, 429496730, false)), hold(4)),  // a product beyond 32 bits
-    acknowledged(CALL(Set_Force_Postion_New, (s, kNew)), Set_Force_Postion_Cmd, kNewWire,
-                 done("set_force_position", "set_state")),
-    acknowledged(CALL(Set_Force_Postion_New_Block, (s, kNew)), Set_Force_Postion_Cmd, kNewWire,
-                 done("set_force_position", "set_state")),
-    acknowledged(CALL(Stop_Force_Postion, (s, true)), Stop_Force_Postion_Cmd, simple("stop_force_position"),
-                 done("stop_force_position", "stop_state")),
-    acknowledged(CALL(Stop_Force_Postion_Block, (s)), Stop_Force_Postion_Cmd, simple("stop_force_position"),
-                 done("stop_force_position", "stop_state")),
-    queued(CALL(Stop_Force_Postion_NonBlock, (s)), simple("stop_force_position")),
+    queued("Unwaited_" CALL(Set_Force_Postion, (s, 1, 2, 3, 429496730, false)), hold(4)),  // a product beyond 32 bits
+    WAITING(Set_Force_Postion_New, Set_Force_Postion_Cmd, kNewWire, done("set_force_position", "set_state"), kNew),
+    SETTER(Stop_Force_Postion, Stop_Force_Postion_Cmd, simple("stop_force_position"),
+           done("stop_force_position", "stop_state")),
 
-    answered(ASK(Get_Force_Data), Get_Force_Data_Cmd, simple("get_force_data"), kForces, kForcesTold).wiping(),
-    answered(ASK(Get_Force_Data_Block), Get_Force_Data_Cmd, simple("get_force_data"), kForces, kForcesTold).wiping(),
-    acknowledged(CALL(Clear_Force_Data, (s, true)), Clear_Force_Data_Cmd, simple("clear_force_data"),
-                 done("clear_force_data", "clear_state")),
-    acknowledged(CALL(Clear_Force_Data_Block, (s)), Clear_Force_Data_Cmd, simple("clear_force_data"),
-                 done("clear_force_data", "clear_state")),
-    queued(CALL(Clear_Force_Data_NonBlock, (s)), simple("clear_force_data")),
-    acknowledged(CALL(Set_Force_Sensor, (s)), Set_Force_Sensor_Cmd, simple("set_force_sensor"), kCalibrated),
-    acknowledged(CALL(Set_Force_Sensor_Block, (s)), Set_Force_Sensor_Cmd, simple("set_force_sensor"), kCalibrated),
+    QUERY(Get_Force_Data, Get_Force_Data_Cmd, simple("get_force_data"), kForces, kForcesTold, .wiping()),
+    SETTER(Clear_Force_Data, Clear_Force_Data_Cmd, simple("clear_force_data"), done("clear_force_data", "clear_state")),
+    WAITING(Set_Force_Sensor, Set_Force_Sensor_Cmd, simple("set_force_sensor"), kCalibrated),
     queued(CALL(Set_Force_Sensor_NonBlock, (s)), simple("set_force_sensor")),
     // Only the fourth pose is waited for.
     queued("First_" CALL(Manual_Set_Force, (s, 1, kJoint)), manual(1, kSix)),
     queued("Second_" CALL(Manual_Set_Force, (s, 2, kJoint)), manual(2, kSix)),
     queued("Third_" CALL(Manual_Set_Force, (s, 3, kJoint)), manual(3, kSeven), 72),
     acknowledged(CALL(Manual_Set_Force, (s, 4, kJoint)), Set_Force_Sensor_Cmd, manual(4, kSix), kCalibrated),
-    queued("Fifth_" CALL(Manual_Set_Force, (s, 5, kJoint)), std::string(R"({"joint": )") + kSix + "}"),
     acknowledged(CALL(Manual_Set_Force_Block, (s, 1, kJoint)), Set_Force_Sensor_Cmd, manual(1, kSeven), kCalibrated)
         .on(75),
     queued(CALL(Manual_Set_Force_NonBlock, (s, 4, kJoint)), manual(4, kSix)),
-    acknowledged(CALL(Stop_Set_Force_Sensor, (s, true)), Stop_Set_Force_Sensor_Cmd, simple("stop_set_force_sensor"),
-                 done("stop_set_force_sensor", "stop_state")),
-    acknowledged(CALL(Stop_Set_Force_Sensor_Block, (s)), Stop_Set_Force_Sensor_Cmd, simple("stop_set_force_sensor"),
-                 done("stop_set_force_sensor", "stop_state")),
-    queued(CALL(Stop_Set_Force_Sensor_NonBlock, (s)), simple("stop_set_force_sensor")),
+    SETTER(Stop_Set_Force_Sensor, Stop_Set_Force_Sensor_Cmd, simple("stop_set_force_sensor"),
+           done("stop_set_force_sensor", "stop_state")),
 
-    answered(ASK(Get_Fz), Get_FZ_Data_Cmd, simple("get_Fz"), kFz, "1; -0.5; 0.001; 0.0025"),
-    answered(ASK(Get_Fz_Block), Get_FZ_Data_Cmd, simple("get_Fz"), kFz, "1; -0.5; 0.001; 0.0025"),
-    acknowledged(CALL(Clear_Fz, (s, true)), Clear_Fz_Cmd, simple("clear_Fz"), done("clear_Fz", "set_state")),
-    acknowledged(CALL(Clear_Fz_Block, (s)), Clear_Fz_Cmd, simple("clear_Fz"), done("clear_Fz", "set_state")),
-    queued(CALL(Clear_Fz_NonBlock, (s)), simple("clear_Fz")),
-    acknowledged(CALL(Auto_Set_Fz, (s)), Auto_Set_Fz_Cmd, simple("auto_set_Fz"), kCalibrated),
-    acknowledged(CALL(Auto_Set_Fz_Block, (s)), Auto_Set_Fz_Cmd, simple("auto_set_Fz"), kCalibrated),
+    QUERY(Get_Fz, Get_FZ_Data_Cmd, simple("get_Fz"), kFz, "1; -0.5; 0.001; 0.0025"),
+    SETTER(Clear_Fz, Clear_Fz_Cmd, simple("clear_Fz"), done("clear_Fz", "set_state")),
+    WAITING(Auto_Set_Fz, Auto_Set_Fz_Cmd, simple("auto_set_Fz"), kCalibrated),
     queued(CALL(Auto_Set_Fz_NonBlock, (s)), simple("auto_set_Fz")),
     acknowledged(CALL(Manual_Set_Fz, (s, kJoint, kOther)), Auto_Set_Fz_Cmd,
                  manual_fz(kSix, "[1000, 2000, 3000, 4000, 5000, 6000]"), kCalibrated),
@@ -112,6 +93,8 @@ INSTANTIATE_TEST_SUITE_P(, ForceControl, testing::ValuesIn(kRows), [](const auto
 
 TEST(ForceControlGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("force_control.h", kRows), ""); }
 
+TEST(ForceControlGuards, ThePageTellsTheWire) { expect_documented("Force control", kRows); }
+
 TEST(ForceControlGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 
 TEST(ForceControlGuards, NullPointersAreToldAndNothingIsSent) {
@@ -126,6 +109,13 @@ TEST(ForceControlGuards, NullPointersAreToldAndNothingIsSent) {
 
 TEST(ForceControlGuards, ClearingSuspendsWhileItWaits) {
     expect_suspension({{CALL(Clear_Force_Data, (s, true)), R"({"command":"clear_force_data","clear_state":true})"}});
+}
+
+// A request that no controller understands: there is no fifth pose.
+TEST(Calibration, AnUnknownPoseIsSentWithoutACommand) {
+    run(queued(
+        "Manual_Set_Force", [](ArmSocket s) { return Manual_Set_Force(s, 5, kJoint); },
+        std::string(R"({"joint": )") + kSix + "}"));
 }
 
 // A reply of an earlier pose does not end the wait for the fourth.

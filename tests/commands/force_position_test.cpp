@@ -5,6 +5,7 @@
 
 #include "support/command_case.h"
 #include "support/parser_case.h"
+#include "support/wire_protocol.h"
 
 namespace {
 
@@ -53,12 +54,8 @@ std::string move_wire(const std::string& set_point) {
 }
 
 const std::vector<CommandCase> kRows = {
-    acknowledged(CALL(Start_Force_Position_Move, (s, true)), Start_Force_Position_Move_Cmd, kStart, kStarted),
-    acknowledged(CALL(Start_Force_Position_Move_Block, (s)), Start_Force_Position_Move_Cmd, kStart, kStarted),
-    queued(CALL(Start_Force_Position_Move_NonBlock, (s)), kStart),
-    acknowledged(CALL(Stop_Force_Position_Move, (s, true)), Stop_Force_Position_Move_Cmd, kStop, kStopped),
-    acknowledged(CALL(Stop_Force_Position_Move_Block, (s)), Stop_Force_Position_Move_Cmd, kStop, kStopped),
-    queued(CALL(Stop_Force_Position_Move_NonBlock, (s)), kStop),
+    SETTER(Start_Force_Position_Move, Start_Force_Position_Move_Cmd, kStart, kStarted),
+    SETTER(Stop_Force_Position_Move, Stop_Force_Position_Move_Cmd, kStop, kStopped),
 
     queued(CALL(Force_Position_Move_Pose, (s, 1, 255, -3, 9, kByQuaternion, 0.25f)), wire(kPoseQuat, kFollow)),
     queued("Euler_" CALL(Force_Position_Move_Pose, (s, 1, 255, -3, 0, kByEuler, 0.25f)), wire(kPose, kSmooth)),
@@ -83,6 +80,8 @@ TEST_P(ForcePosition, OnTheWire) { run(GetParam()); }
 INSTANTIATE_TEST_SUITE_P(, ForcePosition, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
 
 TEST(ForcePositionGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("force_position.h", kRows), ""); }
+
+TEST(ForcePositionGuards, ThePageTellsTheWire) { expect_documented("Force-position moves", kRows); }
 
 TEST(ForcePositionGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 
