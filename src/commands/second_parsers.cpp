@@ -200,6 +200,9 @@ ZK_API int Parser_Run_Drag_Trajectory_E(const char* text) { return Parser_Run_Dr
 ZK_API int Parser_Pause_Drag_Trajectory_E(const char* text) { return Parser_Pause_Drag_Trajectory(text); }
 ZK_API int Parser_Continue_Drag_Trajectory_E(const char* text) { return Parser_Continue_Drag_Trajectory(text); }
 ZK_API int Parser_Stop_Drag_Trajectory_E(const char* text) { return Parser_Stop_Drag_Trajectory(text); }
+ZK_API int Parser_Drag_Trajectory_Origin_E(const char* text, int32_t* device) {
+    return Parser_Drag_Trajectory_Origin(text, device);
+}
 ZK_API int Parser_Clear_Force_Data_E(const char* text) { return Parser_Clear_Force_Data(text); }
 ZK_API int Parser_Set_Force_Sensor_E(const char* text) { return Parser_Set_Force_Sensor(text); }
 ZK_API int Parser_Stop_Force_Sensor_E(const char* text) { return Parser_Stop_Force_Sensor(text); }

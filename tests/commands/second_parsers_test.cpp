@@ -11,6 +11,7 @@
 
 #include "support/parser_case.h"
 #include "zk/arm_limits.h"
+#include "zk/drag_teach.h"
 #include "zk/joint_configuration.h"
 #include "zk/motion.h"
 #include "zk/streaming.h"
@@ -64,6 +65,7 @@ const Twins kTwins[] = {
     TWINS(Parser_Get_Tool_Software_Version, R"({"version":1})"),
     TWINS(Parser_Get_System_Runtime, R"({"day":1,"hour":2,"min":3,"sec":4})"),
     TWINS(Parser_Get_Joint_Odom, R"({"odom":[1,2,3,4,5,6]})"),
+    TWINS(Parser_Drag_Trajectory_Origin, R"({"trajectory_state":true,"device":1})"),
 };
 
 // Of each key's value a wrong type, and each array a size too small.
