@@ -58,12 +58,13 @@ void add_modes(CommandTable& table) {
     table.query("get_collision_stage", "get_collision_stage", [stage](Call&) {
         return Json{{"collision_stage", *stage}};
     });
-    const auto frame = std::make_shared<int>(0);
-    table.set("set_teach_frame", "set_state", [frame](Call& call) {
-        *frame = call.request.integer("frame_type", 0, 1);
+    table.set("set_teach_frame", "set_state", [](Call& call) {
+        call.controller.teach_frame = static_cast<TeachFrame>(call.request.integer("frame_type", 0, 1));
         return true;
     });
-    table.query("get_teach_frame", "get_teach_frame", [frame](Call&) { return Json{{"frame_type", *frame}}; });
+    table.query("get_teach_frame", "get_teach_frame", [](Call& call) {
+        return Json{{"frame_type", static_cast<int>(call.controller.teach_frame)}};
+    });
     table.set("plan_speed", "plan_state", [](Call& call) {
         call.request.integer("speed", 1, 100);
         return true;

@@ -4,6 +4,7 @@
 
 #include "commands.h"
 #include "controller.h"
+#include "orders.h"
 #include "tool_planner.h"
 
 namespace sim {
@@ -18,16 +19,6 @@ Move ordered_move(Call& call, const std::string& type, const std::string& status
     move.connect = call.request.integer("trajectory_connect");
     move.client = call.client;
     return move;
-}
-
-int percent_of(const Call& call) { return call.request.integer("v", 1, 100); }
-
-bool order(Call& call, Move move) {
-    Arm& arm = call.controller.arm;
-    const std::string objection = arm.objection_to_moving();
-    if (!objection.empty()) throw BadRequest(call.request.command() + ": " + objection);
-    arm.order(std::move(move));
-    return true;
 }
 
 Move joint_move(const Arm& arm, Move move, const JointVector& target, double percent) {
@@ -101,19 +92,6 @@ bool moves(Call& call) {
         return spline(poses);
     };
     return order(call, tool_move(call, move, target, course));
-}
-
-// A client that waits for the arrival learns that there will be none.
-void report_refusal(Call& call) {
-    int connect = 0;
-    try {
-        connect = call.request.integer("trajectory_connect");
-    } catch (const BadRequest&) {
-    }
-    Move move;
-    move.client = call.client;
-    move.connect = connect;
-    call.controller.arm.motion().on_end(move, false);
 }
 
 // Brings every joint that stands beyond a limit back to it, slowly.

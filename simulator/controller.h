@@ -36,6 +36,9 @@ struct CartesianLimits {
     int angular_acc = 4000;
 };
 
+// Whose axes the tool is jogged along and about.
+enum class TeachFrame { work = 0, tool = 1 };
+
 // Everything that the controller knows, and the commands that act on it. Runs in one thread, knows no sockets, and
 // moves only when `step` tells it that time has passed.
 class Controller {
@@ -79,6 +82,7 @@ class Controller {
     std::array<double, 3> install{};  // mounting rx, ry, rz in degrees
     JointVector init_pose;
     CartesianLimits tool_limits;
+    TeachFrame teach_frame = TeachFrame::work;
     ModbusMaster modbus;
     PushSettings push;
     Faults faults;

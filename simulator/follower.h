@@ -37,7 +37,7 @@ class Follower {
     bool resting() const { return resting_; }
     const std::string& status() const { return set_point_.status; }
 
-    // Where the next set-point starts from: the last one, or where the joints stand.
+    // Where it will come to rest: at the last set-point, or where the joints stand.
     const JointVector& last(const JointVector& standing) const { return resting_ ? standing : set_point_.joints; }
 
  private:

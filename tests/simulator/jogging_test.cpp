@@ -45,6 +45,29 @@ TEST(Jogging, ALimitEndsIt) {
     talk.samples_until([](const Sample& sample) { return is_idle(sample) && sample.joints[0] == 30; });
 }
 
+TEST(Jogging, TheToolJogsStraightAndEndsWhereTheArmCannotGoOn) {
+    struct Row {
+        const char* model;
+        const char* command;
+        const char* key;
+        const char* axis;
+        int fixed[2];  // what of the pose stays as it was
+    };
+    const Row rows[] = {{"ZK65-B", "set_pos_teach", "pos_teach", "x", {1, 2}},
+                        {"ZK75-6F", "set_ort_teach", "ort_teach", "rz", {0, 1}}};
+    for (const auto& [model, command, key, axis, fixed] : rows) {
+        Talk talk(arguments(model));
+        const Limits limits = limits_of(talk);
+        const Json start = talk.ask("get_current_arm_state").at("arm_state").at("pose");
+        ASSERT_TRUE(talk.ask(command, {{"teach_type", axis}, {"direction", "pos"}, {"v", 100}}).at(key));
+        talk.samples_until(kJogging);
+        expect_within_limits(talk.samples_until(is_idle), limits, 1);
+        const Json end = talk.ask("get_current_arm_state").at("arm_state").at("pose");
+        EXPECT_NE(start, end);
+        for (const int i : fixed) EXPECT_NEAR(start[i].get<int>(), end[i].get<int>(), 100) << command;
+    }
+}
+
 TEST(Jogging, ANewJogTakesThePlaceOfTheOldOne) {
     Talk talk(kCycleOption);
     const std::vector<double> start = talk.joints();
@@ -94,6 +117,11 @@ TEST(Jogging, AStepMovesByItsAmountAndReportsItsEnd) {
 
 TEST(Jogging, ARefusedStepIsReported) {
     Talk talk({"--quiet"});
+    for (const Json& keys : {Json{{"step_type", "x_step"}, {"step", 3000000}, {"v", 20}},
+                             Json{{"step_type", "rx_step"}, {"step", 10}, {"v", 20}}, Json::object()}) {
+        EXPECT_FALSE(talk.ask("set_pos_step", keys).at("pos_step")) << keys;
+        EXPECT_FALSE(talk.read_arrival());
+    }
     for (const Json& keys : {joint_step(2, -120), joint_step(8, 1), joint_step(1, 1, 0), Json::object()}) {
         EXPECT_FALSE(talk.ask("set_joint_step", keys).at("joint_step")) << keys;
         EXPECT_FALSE(talk.read_arrival());

@@ -215,7 +215,13 @@ std::vector<Row> teach_rows() {
     return {
         done("set_joint_teach", jog, 78, "joint_teach"),
         done("set_stop_teach", {}, 81, "stop_teach"),
+        done("set_pos_teach", {{"teach_type", "z"}, {"direction", "neg"}, {"v", 1}}, 79, "pos_teach"),
+        done("set_stop_teach", {}, 81, "stop_teach"),
+        done("set_ort_teach", {{"teach_type", "rz"}, {"direction", "pos"}, {"v", 1}}, 80, "ort_teach"),
+        done("set_stop_teach", {}, 81, "stop_teach"),
         done("set_joint_step", {{"joint_step", {1, 10}}, {"v", 1}}, 82, "joint_step"),
+        done("set_pos_step", {{"step_type", "z_step"}, {"step", -1}, {"v", 1}}, 83, "pos_step"),
+        done("set_ort_step", {{"step_type", "rz_step"}, {"step", 1}, {"v", 1}}, 84, "ort_step"),
     };
 }
 
@@ -395,8 +401,9 @@ const std::set<std::string> kUnanswered{"set_wifi_ap",  "set_wifi_sta", "set_usb
                                         "set_ethernet", "movej_follow", "movep_follow"};
 
 // Reported when they have ended, or were refused.
-const std::set<std::string> kReported{
-    "movej", "movej_p", "movel", "moves", "movec", "auto_fix_joint_over_soft_limit", "set_joint_step"};
+const std::set<std::string> kReported{"movej",          "movej_p",      "movel",
+                                      "moves",          "movec",        "auto_fix_joint_over_soft_limit",
+                                      "set_joint_step", "set_pos_step", "set_ort_step"};
 
 std::vector<Row> all_rows(size_t joints) {
     std::vector<Row> all;
