@@ -16,6 +16,10 @@ CommandTable all_commands() {
     add_fence_commands(table);
     add_modbus_commands(table);
     add_system_commands(table);
+    add_io_commands(table);
+    add_gripper_commands(table);
+    add_hand_commands(table);
+    add_axis_commands(table);
     add_fault_commands(table);
     return table;
 }

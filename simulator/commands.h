@@ -17,6 +17,10 @@ void add_push_commands(CommandTable& table);
 void add_fence_commands(CommandTable& table);
 void add_modbus_commands(CommandTable& table);
 void add_system_commands(CommandTable& table);
+void add_io_commands(CommandTable& table);
+void add_gripper_commands(CommandTable& table);
+void add_hand_commands(CommandTable& table);
+void add_axis_commands(CommandTable& table);
 void add_fault_commands(CommandTable& table);
 
 CommandTable all_commands();

@@ -15,6 +15,7 @@ constexpr double kRadians = std::numbers::pi / 180;
 
 Controller::Controller(const Options& options)
     : arm(options.model, options.joints.empty() ? options.model.home : options.joints),
+      devices(options.object_width),
       install(options.install),
       init_pose(options.model.joint_count(), 0.0),
       push(options.push),
@@ -42,12 +43,7 @@ Controller::Controller(const Options& options)
     }
     arm.motion().on_end = [](const Move& move, bool arrived) {
         if (arrived && move.connect != 0) return;  // joined to the next
-        if (const auto client = move.client.lock()) {
-            client->send({{"state", "current_trajectory_state"},
-                          {"trajectory_state", arrived},
-                          {"device", 0},
-                          {"trajectory_connect", move.connect}});
-        }
+        report_arrival(move.client.lock(), Device::arm, arrived, move.connect);
     };
 }
 
@@ -90,6 +86,7 @@ void Controller::carry_out(const Command& command, Call& call) {
 void Controller::step() {
     ++steps_;
     arm.step(kStepMs / 1000.0);
+    devices.step(kStepMs / 1000.0);
 }
 
 KDL::Frame Controller::flange_pose() const { return flange_at(arm.joints()); }

@@ -11,6 +11,7 @@
 #include "arm.h"
 #include "client.h"
 #include "command_table.h"
+#include "devices.h"
 #include "frames.h"
 #include "modbus.h"
 #include "options.h"
@@ -76,6 +77,7 @@ class Controller {
     const CommandTable& commands() const { return commands_; }
 
     Arm arm;
+    Devices devices;
     FrameStore tools{"Arm_Tip"};
     FrameStore works{"Base"};
     Frame payload;                    // in force; its pose means nothing

@@ -10,6 +10,8 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "devices.h"
+
 namespace sim {
 namespace {
 
@@ -121,6 +123,8 @@ constexpr OptionRow kOptions[] = {
      [](Options& o, const string& value) { o.work = parse_pose("work", value); }},
     {"install", "RX,RY,RZ", "mounting angles, degrees",
      [](Options& o, const string& value) { o.install = parse_angles("install", value); }},
+    {"object", "WIDTH", "what the gripper finds to grip, 1 to 999 of an opening of 1000 (0: nothing)",
+     [](Options& o, const string& value) { o.object_width = parse_integer("object", value, 0, Gripper::kOpen - 1); }},
     {"silent-on", "COMMAND", "ignore this command; may be given several times",
      [](Options& o, const string& value) { o.silent_on.push_back(value); }},
     {"refuse-on", "COMMAND", "answer this command with false; may be given several times",

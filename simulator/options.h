@@ -23,6 +23,7 @@ struct Options {
     std::optional<WirePose> tool;     // in use from the start, under the name "tool"
     std::optional<WirePose> work;     // the same, under the name "work"
     std::array<double, 3> install{};  // degrees
+    int object_width = 0;             // between the fingers of the gripper, 0 for none
     PushSettings push{.port = 8089};
     std::vector<std::string> silent_on;
     std::vector<std::string> refuse_on;

@@ -54,18 +54,35 @@ void add_force(const Controller& controller, Json& message) {
     }
 }
 
-// Devices that are not attached report that they rest at zero.
-void add_devices(const PushSettings& settings, Json& message) {
-    if (settings.lift_state)
-        message["lift_state"] = {{"pos", 0}, {"height", 0}, {"current", 0}, {"err_flag", 0}, {"en_flag", 0}};
-    if (settings.expand_state)
-        message["expand_state"] = {{"joint_id", 0}, {"mode", 0},     {"pos", 0},
-                                   {"current", 0},  {"err_flag", 0}, {"en_flag", 0}};
-    if (settings.hand) {
-        const std::vector<int> none(6, 0);
-        message["hand"] = {
-            {"hand_pos", none}, {"hand_angle", none}, {"hand_force", none}, {"hand_state", none}, {"hand_err", 0}};
-    }
+Json lift_state(const LinearAxis& lift) {
+    return {{"pos", lift.position() * 1000},
+            {"height", lift.position()},
+            {"current", lift.current()},
+            {"err_flag", 0},
+            {"en_flag", 1}};
+}
+
+Json expansion_state(const LinearAxis& axis) {
+    return {{"joint_id", 1},          {"mode", axis.moving() ? 1 : 0},
+            {"pos", axis.position()}, {"current", axis.current()},
+            {"err_flag", 0},          {"en_flag", 1}};
+}
+
+Json hand_state(const Hand& hand) {
+    const Hand::Posture none{};
+    return {{"hand_pos", hand.angles()},
+            {"hand_angle", hand.angles()},
+            {"hand_force", none},
+            {"hand_state", hand.moving()},
+            {"hand_err", 0}};
+}
+
+void add_devices(const Controller& controller, Json& message) {
+    const PushSettings& settings = controller.push;
+    const Devices& devices = controller.devices;
+    if (settings.lift_state) message["lift_state"] = lift_state(devices.lift);
+    if (settings.expand_state) message["expand_state"] = expansion_state(devices.expansion);
+    if (settings.hand) message["hand"] = hand_state(devices.hand);
     if (settings.aloha_state) message["aloha_state"] = {{"io1_state", 0}, {"io2_state", 0}};
 }
 
@@ -79,7 +96,7 @@ std::string push_datagram(const Controller& controller) {
                  {"sys_err", controller.arm.system_error()}};
     if (controller.push.arm_current_status) message["arm_current_status"] = controller.arm.motion().status();
     add_force(controller, message);
-    add_devices(controller.push, message);
+    add_devices(controller, message);
     std::string text = message.dump();
     // Cut off, the datagram would be of no use to anybody: the parts that a client can do without go first.
     for (const char* optional : {"time", "aloha_state", "hand", "expand_state", "lift_state"}) {

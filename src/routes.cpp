@@ -7,6 +7,7 @@
 
 #include "commands/counters.h"
 #include "commands/drag_point.h"
+#include "connection/reply.h"
 #include "connection/routing.h"
 #include "routes.h"
 #include "zk/algorithm.h"
@@ -61,6 +62,18 @@ void mounting(int slot, char* message) {
         slot, message, [](const InstallPoseReply& reply) { Algo_Set_Angle(reply.x, reply.y, reply.z); });
 }
 
+// The state of an input lands where those of the outputs are read; its own mailbox learns only that a reply came.
+void digital_input(int slot, char* message) {
+    Mailbox inputs(Get_DI_State_Cmd), outputs(Get_DO_State_Cmd);
+    if (!message) return inputs.clear(slot);
+    IntReply record;
+    outputs.copy(slot, &record);
+    const int status = Parser_Get_DI_State(message, &record.value);
+    outputs.fill(slot, &record);
+    inputs.finish(slot, status);
+    inputs.raise(slot, true);
+}
+
 // The replies of the force sensor's calibrations are told apart by nobody: both mailboxes get each.
 void force_sensor(int slot, char* message) {
     set<Set_Force_Sensor_Cmd, Parser_Set_Force_Sensor>(slot, message);
@@ -91,12 +104,17 @@ void drag_point(int slot, char* message) {
     if (message) save_drag_point(slot, message);
 }
 
-// The report of a failure tells neither device nor segment: it is the arm's own, whatever the report before it said.
+// The parser takes nothing of the report of a failure, which is of the device that it names all the same: the arm,
+// where it names none, whatever the report before it said.
 void arrival(int slot, char* message) {
     Mailbox mailbox(Move_Cmd);
     if (!message) return mailbox.clear(slot);
     MoveReport report{};
     const int status = Parser_Plan_Feedback(message, &report.device, &report.trajectory_connect);
+    if (status == ZK_REFUSED) {
+        const Reply failure(message);
+        report.device = failure.find("device").integer();
+    }
     mailbox.fill(slot, &report);
     mailbox.finish(slot, status);
     mailbox.raise(slot, false);
@@ -119,12 +137,12 @@ constexpr Route routes[] = {
     {{"set_joint_drive_min_pos"}, 220, add<Set_Joint_Drive_Min_Pos_Cmd, Parser_Set_Joint_Drive_Min_Pos>},
     {{"get_joint_drive_min_pos"}, 202, add<Get_Joint_Drive_Min_Pos_Cmd, Parser_Get_Joint_Drive_Min_Pos, &JointReply::value>},
     {{"set_joint_max_speed"}, 2, set<Set_Joint_Max_Speed_Cmd, Parser_Joint_Speed>},
-    {{"expand_get_version"}, 217, unread},
+    {{"expand_get_version"}, 217, set<Expand_Get_Version_Cmd, Parser_Expand_Get_Version, &IntReply::value>},
     {{"expand_set_version"}, 216, set<Expand_Set_Version_Cmd, Parser_Expand_Set_Version>},
     {{"get_realtime_push"}, 230, add<Get_Realtime_Push_Cmd, Parser_Get_Realtime_Push, &RealtimePushReply::config>},
-    {{"expand_state"}, 224, unread},
+    {{"expand_state"}, 224, set<Expand_Get_State_Cmd, Parser_Expand_Get_State, &ExpandStateReply::pos, &ExpandStateReply::err_flag, &ExpandStateReply::current, &ExpandStateReply::mode>},
     {{"expand_config"}, 225, set<Expand_Config_Cmd, Parser_Expand_Config>},
-    {{"expand_get_config"}, 226, unread},
+    {{"expand_get_config"}, 226, set<Expand_Get_Config_Cmd, Parser_Expand_Get_Config, &ExpandConfigReply::rpm_max, &ExpandConfigReply::rpm_acc, &ExpandConfigReply::conversin_coe, &ExpandConfigReply::limit_min, &ExpandConfigReply::limit_max>},
     {{"joint_max_speed"}, 1, add<Joint_Max_Speed_Cmd, Parser_Get_Joint_Speed, &JointReply::value>},
     {{"joint_zero_pos"}, 7, set_first<Set_Joint_Zero_Cmd, Parser_Joint_Zero_Pos>},
     {{"set_joint_max_acc"}, 3, set<Set_Joint_Max_Acc_Cmd, Parser_Joint_Acc>},
@@ -220,18 +238,18 @@ constexpr Route routes[] = {
     {{"set_tool_DO_state"}, 106, set<Set_Tool_DO_State_Cmd, Parser_Set_Tool_DO_State_2>},
     {{"set_DO_state"}, 97, set<Set_DO_State_Cmd, Parser_Set_DO_State>},
     {{"set_AO_state"}, 98, set<Set_AO_State_Cmd, Parser_Set_AO_State>},
-    {{"DO_state"}, 100, unread},
-    {{"DI_state"}, 101, unread},
-    {{"AO_state"}, 102, unread},
-    {{"AI_state"}, 103, unread},
-    {{"IO_input"}, 99, unread},
-    {{"IO_output"}, 104, unread},
+    {{"DO_state"}, 100, add<Get_DO_State_Cmd, Parser_Get_DO_State, &IntReply::value>},
+    {{"DI_state"}, 101, digital_input},
+    {{"AO_state"}, 102, add<Get_AO_State_Cmd, Parser_Get_AO_State, &FloatReply::value>},
+    {{"AI_state"}, 103, add<Get_AI_State_Cmd, Parser_Get_AI_State, &FloatReply::value>},
+    {{"IO_input"}, 99, add<Get_IO_State_Cmd, Parser_IO_Input, &IoBankReply::digital, &IoBankReply::analogue>},
+    {{"IO_output"}, 104, add<Get_IO_Output_State_Cmd, Parser_IO_Output, &IoBankReply::digital, &IoBankReply::analogue>},
     {{"set_tool_IO_mode"}, 107, set<Set_Tool_IO_Mode_Cmd, Parser_Set_Tool_DO_State>},
-    {{"tool_IO_state"}, 108, unread},
+    {{"tool_IO_state"}, 108, add<Get_Tool_IO_State_Cmd, Parser_Get_Tool_IO_State, &ToolIoReply::mode, &ToolIoReply::state>},
     {{"Start_Force_Position_Move"}, 160, set<Start_Force_Position_Move_Cmd, Parser_Set_Tool_DO_State>},
     {{"Stop_Force_Position_Move"}, 162, set<Stop_Force_Position_Move_Cmd, Parser_Set_Tool_DO_State>},
     {{"set_tool_voltage"}, 109, set<Set_Tool_Voltage_Cmd, Parser_Set_Tool_Voltage>},
-    {{"tool_voltage"}, 110, unread},
+    {{"tool_voltage"}, 110, add<Get_Tool_Voltage_Cmd, Parser_Get_Tool_Voltage, &IntReply::value>},
     {{"set_gripper_route"}, 111, set<Set_Gripper_Route_Cmd, Parser_Set_Gripper_Route>},
     {{"set_gripper"}, 112, set<Set_Gripper_Release_Cmd, Parser_Set_Gripper_Route>},
     {{"start_drag_teach"}, 113, set<Start_Drag_Teach_Cmd, Parser_Drag_Teach>},
@@ -275,7 +293,7 @@ constexpr Route routes[] = {
     {{"set_lift_speed"}, 149, dropped},
     {{"set_lift_height"}, 150, dropped},
     {{"set_lift"}, 148, dropped},
-    {{"lift_state"}, 151, unread},
+    {{"lift_state"}, 151, set<Get_Lift_State_Cmd, Parser_Get_Lift_Speed, &LiftStateReply::height, &LiftStateReply::current, &LiftStateReply::err_flag, &LiftStateReply::mode>},
     {{"set_car_move"}, 152, dropped},
     {{"set_car_speed"}, 153, dropped},
     {{"set_car_navigation_speed"}, 154, dropped},
@@ -298,7 +316,7 @@ constexpr Route routes[] = {
     {{"run_project"}, 163, set<Run_Project_Cmd, Parser_RunProject>},
     {{"install_pose"}, 167, mounting},
     {{"auto_set_joint_limit"}, 206, set<Auto_Set_Joint_Limit_Cmd, Parser_Set_Joint_Limit>},
-    {{"IO_state"}, 105, unread},
+    {{"IO_state"}, 105, add<Get_DIO_State_Cmd, Parser_Get_IO_State, &IoStateReply::state, &IoStateReply::mode>},
     {{"set_arm_run_mode"}, 181, set<Set_Arm_Run_Mode_NC_Cmd, Parser_Set_Arm_Run_Mode_NC_E>},
     {{"get_arm_run_mode"}, 182, add<Get_Arm_Run_Mode_NC_Cmd, Parser_Get_Arm_Run_Mode_NC_E, &IntReply::value>},
     {{"run_update_software"}, 183, set<Run_Update_Software_Project_Cmd, Parser_Run_UpdateSoftware_E>},
@@ -324,7 +342,7 @@ constexpr Route routes[] = {
     {{"set_net_default"}, 210, set<Set_Net_Default_Cmd, Parser_Set_Net_Default_Cmd>},
     {{"set_IO_mode"}, 212, set<Set_IO_Mode_Cmd, Parser_Set_IO_Mode>},
     {{"set_voltage"}, 213, set<Set_Voltage_Cmd, Parser_Set_Voltage>},
-    {{"voltage_state"}, 214, unread},
+    {{"voltage_state"}, 214, add<Get_Voltage_Cmd, Parser_Get_Voltage, &IntReply::value>},
     {{"set_realtime_push"}, 229, add<Set_Realtime_Push_Cmd, Parser_Set_Realtime_Push>},
     {{"set_electronic_fence_enable"}, 242, add<Set_Electronic_Fence_Enable_Cmd, Parser_Set_Electronic_Fence_Enable>},
     {{"get_electronic_fence_enable"}, 243, add<Get_Electronic_Fence_Enable_Cmd, Parser_Get_Electronic_Fence_Enable, &FenceEnableReply::enable, &FenceEnableReply::in_out_side, &FenceEnableReply::effective_region>},
@@ -339,7 +357,7 @@ constexpr Route routes[] = {
     {{"close_modbustcp_mode"}, 253, add<Close_Modbustcp_Mode_Cmd, Parser_Close_Modbustcp_Mode>},
     {{"set_self_collision_enable"}, 254, add<Set_Self_Collision_Enable_Cmd, Parser_Set_Self_Collision_Enable>},
     {{"get_self_collision_enable"}, 255, add<Get_Self_Collision_Enable_Cmd, Parser_Get_Self_Collision_Enable, &IntReply::value>},
-    {{"get_gripper_state"}, 204, unread},
+    {{"get_gripper_state"}, 204, add<Get_Gripper_State_Cmd, Parser_Get_Gripper_State, &GripperStateReply::state>},
     {{"auto_fix_joint_over_soft_limit"}, 205, add<Auto_Fix_Joint_Over_Soft_Limit_Cmd, Parser_Set_IO_Mode>},
     {{"arm_software_info"}, 207, add<Get_Arm_Software_Info_Cmd, Parser_Get_Arm_Software_Info, &ArmSoftwareInfoReply::info>},
     {{"plan_speed"}, 196, set<Set_Plan_Speed_Cmd, Parser_Set_Plan_Speed>},
@@ -359,8 +377,8 @@ constexpr Route routes[] = {
     {{"update_program_trajectory"}, 262, add<Update_Program_Trajectory_Cmd, Parser_Update_State>},
     {{}, 169, set<Set_IO_Mode_NC_Cmd, Parser_Set_High_Speed_Eth>},
     {{}, 176, set<Set_IO_State_NC_Cmd, Parser_Set_High_Speed_Eth>},
-    {{}, 177, unread},
-    {{}, 178, unread},
+    {{}, 177, add<Get_IO_State_NC_Cmd, Parser_Get_IO_State_NC_E, &IoStateReply::state, &IoStateReply::mode>},
+    {{}, 178, add<Get_Controller_Voltage_NC_Cmd, Parser_Get_Tool_Voltage, &IntReply::value>},
     {{}, 179, set<Set_Controller_Voltage_NC_Cmd, Parser_Set_Gripper_Route>},
     {{}, 180, unread},
     {{}, 195, unread},

@@ -1,8 +1,6 @@
 #include "commands/arrival.h"
 
 #include "connection/elapsed.h"
-#include "connection/exchange.h"
-#include "zk/motion.h"
 #include "zk/startup.h"
 #include "zk/trajectory.h"
 
@@ -32,43 +30,6 @@ int early_refusal(ArmSocket socket) {
     }
 }
 
-// Takes a report from the mailbox. One of another device, or of a segment joined to the next, is not this move's.
-bool is_own_report(Mailbox mailbox, int slot, int& status) {
-    MoveReport report;
-    mailbox.clear(slot);
-    mailbox.copy(slot, &report);
-    status = report.result;
-    return report.device == 0 && report.trajectory_connect == 0;
-}
-
-int arrival(ArmSocket socket, Trajectory expected) {
-    Mailbox mailbox(Move_Cmd);
-    bool seen = false;  // the arm was seen doing what it was asked
-    int fails = 0, idles = 0;
-    const auto reported = [&](int slot) { return slot >= 0 && mailbox.count(slot) > 0; };
-    for (;;) {
-        const int slot = slot_of(socket);
-        if (slot < 0) return ZK_NOT_CONNECTED;
-        if (reported(slot)) {
-            int status;
-            if (is_own_report(mailbox, slot, status)) return status;
-            continue;
-        }
-        int32_t type = 0;
-        float data[8];
-        if (const int status = Get_Current_Trajectory(socket, &type, data)) {
-            if (++fails == most_failed_polls) return status;
-            continue;
-        }
-        const bool idle = type == static_cast<int32_t>(Trajectory::kNone);
-        seen = seen || type == static_cast<int32_t>(expected);
-        if (!idle && reported(slot)) continue;
-        sleep_cp(look_ms);
-        if (!idle || (!seen && ++idles < most_idle_polls)) continue;
-        if (!reported(slot_of(socket))) return ZK_NO_TRAJECTORY;
-    }
-}
-
 }  // namespace
 
 int move_and_arrive(const Request& request, Trajectory expected, int32_t trajectory_connect) {
@@ -83,7 +44,14 @@ int move_and_arrive(const Request& request, Trajectory expected, int32_t traject
         if (const int status = early_refusal(socket)) return status;
         if (trajectory_connect != 0) return ZK_OK;
     }
-    return arrival(socket, expected);
+    return await_report(socket, Device::kArm, [&](Look& look) {
+        int32_t type = 0;
+        float data[8];
+        const int status = Get_Current_Trajectory(socket, &type, data);
+        look = {.idle = type == static_cast<int32_t>(Trajectory::kNone),
+                .as_asked = type == static_cast<int32_t>(expected)};
+        return status;
+    });
 }
 
 int move_accepted(const Request& request) {
@@ -97,6 +65,66 @@ int move_accepted(const Request& request) {
     if (const int status = await(mailbox, request.socket(), acknowledgement_ms, slot)) return status;
     mailbox.lower(slot);
     return mailbox.result(slot);
+}
+
+MoveReport take_report(int slot) {
+    Mailbox mailbox(Move_Cmd);
+    MoveReport report;
+    mailbox.clear(slot);
+    mailbox.copy(slot, &report);
+    return report;
+}
+
+int await_report(ArmSocket socket, Device device, const std::function<int(Look&)>& poll) {
+    Mailbox mailbox(Move_Cmd);
+    bool seen = false;  // it was seen doing what it was asked
+    int fails = 0, idles = 0;
+    const auto reported = [&](int slot) { return slot >= 0 && mailbox.count(slot) > 0; };
+    for (;;) {
+        const int slot = slot_of(socket);
+        if (slot < 0) return ZK_NOT_CONNECTED;
+        if (reported(slot)) {
+            const MoveReport report = take_report(slot);
+            if (is_of(report, device) && report.trajectory_connect == 0) return report.result;
+            continue;
+        }
+        Look look;
+        if (const int status = poll(look)) {
+            if (++fails == most_failed_polls) return status;
+            continue;
+        }
+        seen = seen || look.as_asked;
+        if (!look.idle && reported(slot)) continue;
+        sleep_cp(look_ms);
+        if (!look.idle || (!seen && ++idles < most_idle_polls)) continue;
+        if (!reported(slot_of(socket))) return ZK_NO_TRAJECTORY;
+    }
+}
+
+int move_device(const Request& request, Mailbox acknowledgement, const DeviceMove& form) {
+    Mailbox reports(Move_Cmd);
+    int slot = slot_of(request.socket());
+    if (slot < 0) return ZK_NOT_CONNECTED;
+    if (!form.keeps_reports) reports.clear(slot);
+    acknowledgement.clear(slot);
+    post(request);
+
+    const int32_t start = Get_Program_Runtime();
+    for (;; sleep_cp(poll_ms)) {
+        slot = slot_of(request.socket());
+        if (slot < 0) return ZK_NOT_CONNECTED;
+        if (acknowledgement.count(slot) > 0) {
+            const int refused = acknowledgement.result(slot);
+            if (refused || reports.count(slot) > 0) {
+                acknowledgement.clear(slot);
+                if (refused) return refused;
+                const MoveReport report = take_report(slot);
+                if (is_of(report, form.device)) return report.result;
+                if (!form.outwaits_others) return ZK_OTHER_DEVICE;
+            }
+        }
+        if (elapsed_since(start) >= form.limit) return ZK_TIMEOUT;
+    }
 }
 
 }  // namespace zk

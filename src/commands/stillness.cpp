@@ -4,10 +4,9 @@
 #include <array>
 #include <cmath>
 
+#include "commands/arrival.h"
 #include "connection/elapsed.h"
-#include "connection/exchange.h"
 #include "zk/arm_state.h"
-#include "zk/motion.h"
 
 namespace zk {
 namespace {
@@ -44,11 +43,11 @@ class StallDetector {
     explicit StallDetector(ArmSocket socket) : socket_(socket), since_(Get_Program_Runtime()) {}
 
     int wait() {
-        Mailbox reports(Move_Cmd);
+        const Mailbox reports(Move_Cmd);
         for (;;) {
             const int slot = slot_of(socket_);
             if (slot < 0) return ZK_NOT_CONNECTED;
-            if (reports.count(slot) > 0) return report(reports, slot);
+            if (reports.count(slot) > 0) return report(slot);
             if (elapsed_since(since_) >= read(m_nOutTime_max)) {
                 Angles angles{};
                 if (const int status = read_angles(socket_, slot, angles)) {
@@ -62,11 +61,9 @@ class StallDetector {
     }
 
  private:
-    static int report(Mailbox& reports, int slot) {
-        MoveReport report;
-        reports.clear(slot);
-        reports.copy(slot, &report);
-        return report.device != 0 ? int(ZK_OTHER_DEVICE) : report.result;
+    static int report(int slot) {
+        const MoveReport report = take_report(slot);
+        return is_of(report, Device::kArm) ? report.result : int(ZK_OTHER_DEVICE);
     }
 
     bool stands_still(const Angles& angles) {

@@ -2,6 +2,7 @@
 
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "connection/descriptor_use.h"
@@ -55,15 +56,19 @@ int stream(const Request& request) {
         send(request.socket(), frame.text, static_cast<size_t>(frame.length), MSG_DONTWAIT | MSG_NOSIGNAL));
 }
 
-int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot) {
+int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot, int32_t poll) {
     const int32_t start = Get_Program_Runtime();
     for (;;) {
         slot = slot_of(socket);
         if (slot < 0) return ZK_NOT_CONNECTED;
         if (mailbox.count(slot) > 0) return ZK_OK;
         if (elapsed_since(start) >= limit) return ZK_TIMEOUT;
-        sleep_cp(poll_ms);
+        sleep_cp(poll);
     }
+}
+
+int32_t limit_beyond(int32_t milliseconds) {
+    return static_cast<int32_t>(std::min<int64_t>(int64_t{read(m_nOutTime)} + milliseconds, no_limit));
 }
 
 static int32_t limit_of(int32_t limit) { return limit > 0 ? limit : read(m_nOutTime); }

@@ -73,7 +73,10 @@ int stream(const Request& request);
 
 // Waits until a reply is in the mailbox of the socket's slot, which is looked up afresh at every poll. Gives 0 and the
 // slot; 5 when the socket is in no slot (any more); 7 at the limit.
-int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot);
+int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot, int32_t poll = poll_ms);
+
+// m_nOutTime and so many milliseconds more.
+int32_t limit_beyond(int32_t milliseconds);
 
 // The reply's record is copied to `record` and handed to the caller whatever its result.
 int exchange(const Request& request, Mailbox mailbox, const QueryForm& form, void* record, bool& arrived);

@@ -88,11 +88,11 @@ void PendingEntry::give_up() {
     }
 }
 
-int PendingEntry::wait(char (&reply)[300]) {
+int PendingEntry::wait(char (&reply)[300], const PendingForm& form) {
     const int32_t start = Get_Program_Runtime();
     for (;;) {
         sleep_cp(poll_ms);
-        if (elapsed_since(start) >= read(m_nOutTime)) {
+        if (elapsed_since(start) >= limit_beyond(form.longer)) {
             give_up();
             return ZK_TIMEOUT;
         }

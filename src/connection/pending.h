@@ -8,6 +8,7 @@ namespace zk {
 
 struct PendingForm {
     bool clears_behind = false;  // after a failed send the entry behind the last is cleared, not the request's own
+    int32_t longer = 0;          // ms to wait beyond m_nOutTime
 };
 
 // `parse` takes the reply's text and gives the status.
@@ -21,7 +22,7 @@ class PendingEntry {
     // Writes the request to the socket, at once.
     int send(const Request& request, const PendingForm& form);
     // 0 once a reply has arrived, its text in `reply`; 7 at the limit, the entry removed.
-    int wait(char (&reply)[300]);
+    int wait(char (&reply)[300], const PendingForm& form);
 
  private:
     bool take(char (&reply)[300]);
@@ -39,7 +40,7 @@ int pending(const Request& request, int key_code, Parse parse, const PendingForm
     if (entry.status()) return entry.status();
     if (const int status = entry.send(request, form)) return status;
     char reply[300];
-    if (const int status = entry.wait(reply)) return status;
+    if (const int status = entry.wait(reply, form)) return status;
     return parse(reply);
 }
 

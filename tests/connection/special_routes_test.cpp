@@ -114,7 +114,8 @@ TEST_F(SpecialRoutes, AnArrivalTellsDeviceAndSegment) {
                            Row{R"("trajectory_state":true,"device":1)", 0, 1, -1},
                            Row{R"("trajectory_state":true,"device":"x","trajectory_connect":true)", 0, 0, -1},
                            Row{R"("trajectory_state":true,"trajectory_connect":1)", 9, 0, 0},
-                           Row{R"("trajectory_state":false,"device":1,"trajectory_connect":2)", 1, 0, 0},
+                           Row{R"("trajectory_state":false,"device":1,"trajectory_connect":2)", 1, 1, 0},
+                           Row{R"("trajectory_state":false)", 1, 0, 0},
                            Row{R"("trajectory_state":1,"device":1)", 11, 0, 0}, Row{R"("device":1)", 9, 0, 0}}) {
         Move_Cmd[kSlot] = {5, 5, 77, 88};
         dispatch(std::string(R"({"state":"current_trajectory_state",)") + row.rest + "}");

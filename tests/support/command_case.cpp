@@ -203,6 +203,7 @@ void run(const CommandCase& row) {
     ScriptedController controller;
     ZK_API_Init(row.arm_mode, nullptr);
     set_shared(m_nOutTime, int32_t{row.limit});
+    set_shared(m_nOutTime_max, int32_t{row.limit});
     const ArmSocket arm = connect_arm(controller, row.arm_mode);
     if (row.mailbox.words) expect_counter(row);
     if (!row.reply.empty()) controller.answer(command_name(row.wire), row.reply);

@@ -10,6 +10,7 @@
 
 #include "zk/arm_state.h"
 #include "zk/frames.h"
+#include "zk/gripper_and_hand.h"
 #include "zk/realtime.h"
 #include "zk/safety_geometry.h"
 #include "zk/system.h"
@@ -105,6 +106,11 @@ inline std::string text_of(const ToolEnvelope& envelope) {
         text += ", " + text_of(name) + " " + text_of({radius, x, y, z});
     }
     return text;
+}
+
+inline std::string text_of(const GripperState& state) {
+    return text_of({state.enable_state, state.status}) + ", " + text_of(state.error) + " " + text_of(state.mode) + " " +
+           text_of(state.current_force) + " " + text_of(state.temperature) + " " + text_of(state.actpos);
 }
 
 // The elements up to the last that was written.

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <memory>
+
+#include "client.h"
+#include "request.h"
+
+namespace sim {
+
+// Who moved, as reports name it.
+enum class Device { arm = 0, gripper = 1, hand = 2, lift = 3, expansion_axis = 4 };
+
+// Clients that do not wait leave "block" out, or send a number in its place.
+inline bool wants_report(const Request& request) { return request.is_true("block"); }
+
+inline void report_arrival(const std::shared_ptr<Client>& client, Device device, bool arrived, int connect = 0) {
+    if (!client) return;
+    client->send({{"state", "current_trajectory_state"},
+                  {"trajectory_state", arrived},
+                  {"device", static_cast<int>(device)},
+                  {"trajectory_connect", connect}});
+}
+
+}  // namespace sim

@@ -1,0 +1,173 @@
+#pragma once
+
+#include <array>
+#include <deque>
+#include <memory>
+#include <optional>
+
+#include "arrival_report.h"
+#include "profile.h"
+
+namespace sim {
+
+// A value that moves to where it is sent, in units of its own. Sent elsewhere on its way, it starts anew from rest.
+class Slide {
+ public:
+    explicit Slide(double acc, double position = 0) : acc(acc), position_(position) {}
+
+    void go(double target, double speed);
+    void brake();
+    void step(double seconds);
+
+    double position() const { return position_; }
+    bool moving() const { return time_ < profile_.duration(); }
+
+    double acc;  // per second squared
+
+ private:
+    double position_;
+    double start_ = 0;
+    double direction_ = 1;
+    Profile profile_;
+    double time_ = 0;
+};
+
+// Who is to hear of the end of a device's motion.
+class Audience {
+ public:
+    explicit Audience(Device device) : device_(device) {}
+
+    // A new motion begins, of a client that wants its report or does not. If it takes the place of another client's,
+    // that one hears false; a client's own gives way without a word.
+    void expect(const std::shared_ptr<Client>& client, bool report);
+    void tell_arrival();
+
+ private:
+    Device device_;
+    std::weak_ptr<Client> client_;
+};
+
+// Two fingers that open to 1000, with something between them or nothing.
+class Gripper {
+ public:
+    static constexpr int kOpen = 1000;
+    enum class Mode { position = 0, pick = 1, pick_on = 2 };
+
+    explicit Gripper(int object_width) : object_(object_width) {}
+
+    void go(int opening, int speed, int force, Mode mode);
+    void step(double seconds);
+
+    int opening() const;
+    bool moving() const { return fingers_.moving(); }
+    bool holds_object() const;
+    int force() const { return holds_object() ? force_ : 0; }
+    Mode mode() const { return mode_; }
+
+    int narrowest = 0, widest = kOpen;
+    Audience audience{Device::gripper};
+
+ private:
+    Slide fingers_{5000, kOpen};
+    int object_;  // its width; 0 for none
+    int force_ = 0;
+    Mode mode_ = Mode::position;
+    bool arrived_ = true;
+};
+
+// Six fingers, each stretched at 0 and bent at 1000.
+class Hand {
+ public:
+    static constexpr int kFingers = 6;
+    static constexpr int kBent = 1000;
+    using Posture = std::array<int, kFingers>;  // -1: this finger stays as it is
+
+    // One posture behind the other, in place of what it was doing.
+    void go(const std::deque<Posture>& postures);
+    void step(double seconds);
+
+    Posture angles() const;
+    Posture moving() const;  // 1 for a finger on its way
+
+    int speed = kBent;  // per second
+    int force = kBent;
+    Audience audience{Device::hand};
+
+ private:
+    void begin_next();
+
+    std::array<Slide, kFingers> fingers_{Slide(5000), Slide(5000), Slide(5000), Slide(5000), Slide(5000), Slide(5000)};
+    std::deque<Posture> waiting_;
+    bool in_posture_ = true;
+};
+
+// A linear axis with a range, sent to a position or run at a share of its greatest speed.
+class LinearAxis {
+ public:
+    LinearAxis(Device device, double low, double high, double speed, double acc)
+        : low(low), high(high), speed(speed), audience(device), slide_(acc) {}
+
+    // Speeds in percent; a negative one runs toward the low end, and 0 brakes.
+    void go(double target, double percent);
+    void run(double percent);
+    void set_acc(double acc) { slide_.acc = acc; }
+    void step(double seconds);
+
+    int position() const;
+    bool moving() const { return slide_.moving(); }
+    int current() const { return moving() ? 1500 : 0; }  // milliamperes
+
+    const double low, high;
+    double speed;  // the greatest
+    Audience audience;
+
+ private:
+    Slide slide_;
+    bool arrived_ = true;
+};
+
+// A motor's settings, from which the greatest speed and acceleration of the expansion axis follow.
+struct ExpansionConfig {
+    int rpm_max = 3000;
+    int rpm_acc = 15000;  // per second
+    int units_per_revolution = 1000;
+    int version = 1;
+};
+
+// A base that drives about, or along its stations, which are a metre apart.
+class MobileBase {
+ public:
+    enum class State { rests = 0, drives = 1, navigates = 2, charges = 3 };
+
+    void drive(int linear, int angular);
+    void go_to_station(int station, int speed);
+    void charge(bool on);
+    void stand_at(int station);
+    void step(double seconds);
+
+    State state() const { return state_; }
+    int station() const { return station_; }
+    int battery() const { return static_cast<int>(battery_); }
+
+ private:
+    State state_ = State::rests;
+    Slide way_{1000};
+    int station_ = 0, target_ = 0;
+    double battery_ = 80;  // percent
+};
+
+// Everything that can be attached to the arm, and is.
+struct Devices {
+    explicit Devices(int object_width) : gripper(object_width) {}
+    void configure_expansion(const ExpansionConfig& config);
+    void step(double seconds);
+
+    Gripper gripper;
+    Hand hand;
+    LinearAxis lift{Device::lift, 0, 1000, 400, 800};  // millimetres
+    LinearAxis expansion{Device::expansion_axis, -200'000, 200'000, 50'000, 250'000};
+    ExpansionConfig expansion_config;
+    MobileBase base;
+};
+
+}  // namespace sim

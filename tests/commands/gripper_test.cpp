@@ -1,0 +1,225 @@
+// Gripper, hand and PWM: every command on the wire, its guards, and its parser.
+#include <gtest/gtest.h>
+
+#include "support/command_case.h"
+#include "support/parser_case.h"
+#include "support/simulated_arm.h"
+#include "zk/gripper_and_hand.h"
+#include "zk/joint_configuration.h"
+
+namespace {
+
+using namespace zk::test;
+
+const int32_t kFingers[6] = {0, 1000, -1, 2147483647, -2147483647 - 1, 5};
+
+// An acknowledgement, and the report of the device's arrival right behind it.
+const std::string kGripped = std::string(R"({"command":"set_gripper","state":true})") + "\r\n" +
+                             R"({"state":"current_trajectory_state","trajectory_state":true,"device":1})";
+std::string posed(const std::string& command) {
+    return R"({"command":")" + command + R"(","set_state":true})" + "\r\n" +
+           R"({"state":"current_trajectory_state","trajectory_state":true,"device":2})";
+}
+
+const char* const kRoute = R"({"command":"set_gripper_route","state":true})";
+const char* const kAccepted = R"({"command":"set_gripper","state":true})";
+const char* const kPwm = R"({"command":"set_PWM","set_state":true})";
+const char* const kState =
+    R"({"state":"get_gripper_state","enable":2,"status":0,"error":-1,"mode":3,"current_force":4,"temperature":5,)"
+    R"("actpos":1000})";
+const char* const kStateTold = "1 0, -1 3 4 5 1000";
+
+// Acknowledged with "set_state" under its own name.
+CommandCase handled(const std::string& name, Call call, FirstRecord mailbox, const std::string& wire) {
+    return acknowledged(name, call, mailbox, wire, R"({"command":")" + command_name(wire) + R"(","set_state":true})");
+}
+
+const std::vector<CommandCase> kRows = {
+    acknowledged(CALL(Set_Gripper_Route, (s, 0, 1000, true)), Set_Gripper_Route_Cmd,
+                 R"({"command": "set_gripper_route", "min": 0, "max": 1000})", kRoute),
+    acknowledged(CALL(Set_Gripper_Route_Block, (s, -1, 5)), Set_Gripper_Route_Cmd,
+                 R"({"command": "set_gripper_route", "min": -1, "max": 5})", kRoute),
+    queued(CALL(Set_Gripper_Route_NonBlock, (s, 1, 2)), R"({"command": "set_gripper_route", "min": 1, "max": 2})"),
+
+    acknowledged(CALL(Set_Gripper_Release, (s, 500, true, 60)), {},
+                 R"({"command": "set_gripper_release", "speed": 500, "block": true})", kGripped),
+    acknowledged(CALL(Set_Gripper_Release_Block, (s, -1, 60)), {},
+                 R"({"command": "set_gripper_release", "speed": -1, "block": true})", kGripped),
+    acknowledged(CALL(Set_Gripper_Release_NonBlock, (s, 500, 1)), Set_Gripper_Release_Cmd,
+                 R"({"command": "set_gripper_release", "speed": 500, "block": 0})", kAccepted)
+        .taking_old_replies(),
+    queued("AtOnce_" CALL(Set_Gripper_Release, (s, 500, false, 0)),
+           R"({"command": "set_gripper_release", "speed": 500, "block": 0})"),
+    acknowledged(CALL(Set_Gripper_Pick, (s, 500, 200, true, 60)), {},
+                 R"({"command": "set_gripper_pick", "speed": 500, "force": 200, "block": true})", kGripped),
+    acknowledged(CALL(Set_Gripper_Pick_Block, (s, 500, 200, 60)), {},
+                 R"({"command": "set_gripper_pick", "speed": 500, "force": 200, "block": true})", kGripped),
+    queued(CALL(Set_Gripper_Pick_NonBlock, (s, 500, 200, 0)),
+           R"({"command": "set_gripper_pick", "speed": 500, "force": 200, "block": 0})"),
+    acknowledged(CALL(Set_Gripper_Pick_On, (s, 500, 200, true, 60)), {},
+                 R"({"command": "set_gripper_pick_on", "speed": 500, "force": 200, "block": true})", kGripped),
+    acknowledged(CALL(Set_Gripper_Pick_On_Block, (s, 500, 200, 60)), {},
+                 R"({"command": "set_gripper_pick_on", "speed": 500, "force": 200, "block": true})", kGripped),
+    acknowledged(CALL(Set_Gripper_Pick_On_NonBlock, (s, 500, 200, -1)), Set_Gripper_Release_Cmd,
+                 R"({"command": "set_gripper_pick_on", "speed": 500, "force": 200, "block": 0})", kAccepted)
+        .taking_old_replies(),
+    acknowledged(CALL(Set_Gripper_Position, (s, 300, true, 60)), {},
+                 R"({"command": "set_gripper_position", "position": 300, "block": true})", kGripped),
+    acknowledged(CALL(Set_Gripper_Position_Block, (s, 300, 60)), {},
+                 R"({"command": "set_gripper_position", "position": 300, "block": true})", kGripped),
+    queued(CALL(Set_Gripper_Position_NonBlock, (s, 300, 0)), R"({"command": "set_gripper_position", "position": 300})"),
+
+    answered(ASK(Get_Gripper_State), Get_Gripper_State_Cmd, R"({"command": "get_gripper_state"})", kState, kStateTold)
+        .losing_its_status(),
+    answered(ASK(Get_Gripper_State_Block), Get_Gripper_State_Cmd, R"({"command": "get_gripper_state"})", kState,
+             kStateTold)
+        .losing_its_status(),
+
+    acknowledged(CALL(Set_Hand_Posture, (s, 3, true)), {},
+                 R"({"command": "set_hand_posture", "posture_num": 3, "block": true})", posed("set_hand_posture")),
+    acknowledged(CALL(Set_Hand_Posture_Block, (s, 3)), {},
+                 R"({"command": "set_hand_posture", "posture_num": 3, "block": true})", posed("set_hand_posture")),
+    handled(CALL(Set_Hand_Posture_NonBlock, (s, 3)), Set_Hand_Posture_Cmd,
+            R"({"command": "set_hand_posture", "posture_num": 3})"),
+    acknowledged(CALL(Set_Hand_Seq, (s, 4, true)), {}, R"({"command": "set_hand_seq", "seq_num": 4, "block": true})",
+                 posed("set_hand_seq")),
+    acknowledged(CALL(Set_Hand_Seq_Block, (s, 4)), {}, R"({"command": "set_hand_seq", "seq_num": 4, "block": true})",
+                 posed("set_hand_seq")),
+    handled(CALL(Set_Hand_Seq_NonBlock, (s, 4)), Set_Hand_Seq_Cmd, R"({"command": "set_hand_seq", "seq_num": 4})"),
+
+    handled(CALL(Set_Hand_Angle, (s, kFingers, true)), Set_Hand_Angle_Cmd,
+            R"({"command": "set_hand_angle", "hand_angle": [0, 1000, -1, 2147483647, -2147483648, 5]})"),
+    handled(CALL(Set_Hand_Angle_Block, (s, kFingers)), Set_Hand_Angle_Cmd,
+            R"({"command": "set_hand_angle", "hand_angle": [0, 1000, -1, 2147483647, -2147483648, 5]})"),
+    queued(CALL(Set_Hand_Angle_NonBlock, (s, kFingers)),
+           R"({"command": "set_hand_angle", "hand_angle": [0, 1000, -1, 2147483647, -2147483648, 5]})"),
+    queued(CALL(Set_Hand_Follow_Angle, (s, kFingers, false)),
+           R"({"command": "hand_follow_angle", "hand_angle": [0, 1000, -1, 2147483647, -2147483648, 5]})"),
+    queued(CALL(Set_Hand_Follow_Angle_NonBlock, (s, kFingers)),
+           R"({"command": "hand_follow_angle", "hand_angle": [0, 1000, -1, 2147483647, -2147483648, 5]})"),
+    queued(CALL(Set_Hand_Follow_Pos, (s, kFingers, false)),
+           R"({"command": "hand_follow_pos", "hand_pos": [0, 1000, -1, 2147483647, -2147483648, 5]})"),
+    queued(CALL(Set_Hand_Follow_Pos_NonBlock, (s, kFingers)),
+           R"({"command": "hand_follow_pos", "hand_pos": [0, 1000, -1, 2147483647, -2147483648, 5]})"),
+    handled(CALL(Set_Hand_Speed, (s, 800, true)), Set_Hand_Speed_Cmd,
+            R"({"command": "set_hand_speed", "hand_speed": 800})"),
+    handled(CALL(Set_Hand_Speed_Block, (s, -8)), Set_Hand_Speed_Cmd,
+            R"({"command": "set_hand_speed", "hand_speed": -8})"),
+    queued(CALL(Set_Hand_Speed_NonBlock, (s, 800)), R"({"command": "set_hand_speed", "hand_speed": 800})"),
+    handled(CALL(Set_Hand_Force, (s, 800, true)), Set_Hand_Force_Cmd,
+            R"({"command": "set_hand_force", "hand_force": 800})"),
+    handled(CALL(Set_Hand_Force_Block, (s, -8)), Set_Hand_Force_Cmd,
+            R"({"command": "set_hand_force", "hand_force": -8})"),
+    queued(CALL(Set_Hand_Force_NonBlock, (s, 800)), R"({"command": "set_hand_force", "hand_force": 800})"),
+
+    unheard(CALL(Set_PWM, (s, 1000, 50, true)), R"({"command": "set_PWM", "PWM_Frq": 1000, "PWM_Dpulse": 50})", kPwm),
+    unheard(CALL(Set_PWM_Block, (s, 1, -5)), R"({"command": "set_PWM", "PWM_Frq": 1, "PWM_Dpulse": -5})", kPwm),
+    queued(CALL(Set_PWM_NoBlock, (s, 1000, 50)), R"({"command": "set_PWM", "PWM_Frq": 1000, "PWM_Dpulse": 50})"),
+};
+
+class Gripper : public testing::TestWithParam<CommandCase> {};
+TEST_P(Gripper, OnTheWire) { run(GetParam()); }
+INSTANTIATE_TEST_SUITE_P(, Gripper, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
+
+// Those that send nothing, and those of gripper_fast_test.cpp, whose limit cannot be raised.
+std::vector<CommandCase> all_rows() {
+    std::vector<CommandCase> rows = kRows;
+    rows.insert(rows.end(), {{CALL(Stop_PWM, (s, true)), "", ""},
+                             {CALL(Stop_PWM_Block, (s)), "", ""},
+                             {CALL(Stop_PWM_NonBlock, (s)), "", ""},
+                             {CALL(Set_Hand_Follow_Angle_Block, (s, kFingers)), "", ""},
+                             {CALL(Set_Hand_Follow_Pos_Block, (s, kFingers)), "", ""}});
+    return rows;
+}
+
+TEST(GripperGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("gripper_and_hand.h", all_rows()), ""); }
+
+TEST(GripperGuards, PlainNamesDoNothingDuringAFileTransfer) {
+    std::vector<CommandCase> rows = all_rows();
+    std::erase_if(rows, [](const CommandCase& row) { return row.name == "Set_PWM_NoBlock"; });
+    expect_nothing_during_a_file_transfer(rows);
+}
+
+TEST(GripperGuards, NullPointersAreToldAndNothingIsSent) {
+    expect_nothing_sent({{CALL(Get_Gripper_State, (s, nullptr))},
+                         {CALL(Set_Hand_Angle, (s, nullptr, true))},
+                         {CALL(Set_Hand_Angle, (s, nullptr, false))}});
+}
+
+TEST(GripperGuards, PwmCannotBeStopped) {
+    expect_nothing_sent({{CALL(Stop_PWM, (s, true))},
+                         {CALL(Stop_PWM, (s, false))},
+                         {CALL(Stop_PWM_Block, (s))},
+                         {CALL(Stop_PWM_NonBlock, (s))}},
+                        8);
+}
+
+TEST(GripperGuards, SuspendWhileTheyWait) { expect_suspension({{CALL(Set_PWM, (s, 1000, 50, true))}}); }
+
+TEST(GripperGuards, BlockingFormsNeedAConnection) {
+    ZK_API_Init(65, nullptr);
+    EXPECT_EQ(Set_Gripper_Pick(77, 1, 1, true, 1), 5);
+    EXPECT_EQ(Set_Gripper_Pick(77, 1, 1, false, 1), 5);
+    EXPECT_EQ(Set_Gripper_Pick(77, 1, 1, false, 0), 0);
+    EXPECT_EQ(Set_Hand_Posture(77, 1, true), 5);
+    EXPECT_EQ(Set_Hand_Follow_Angle(77, kFingers, true), 5);
+    GripperState state;
+    EXPECT_EQ(Get_Gripper_State(77, &state), 5);
+}
+
+// A broken reply is not seen: the status is that of the joint drives' upper limits.
+TEST(GripperState, HasTheStatusOfAnotherQuery) {
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    set_shared(m_nOutTime, 60000);
+    const ArmSocket arm = connect_arm(controller);
+    controller.answer("get_gripper_state", R"({"state":"get_gripper_state","status":1})");
+    GripperState state{};
+    EXPECT_EQ(Get_Gripper_State(arm, &state), 0);
+    set_shared(Get_Joint_Drive_Max_Pos_Cmd[0].result, int32_t{10});
+    EXPECT_EQ(Get_Gripper_State(arm, &state), 10);
+}
+
+TEST(GripperParsers, State) {
+    const std::string start = R"({"status":0,"enable":-7,"error":3,)", rest = R"("temperature":6,"actpos":7})";
+    expect_parsed(parsing(Parser_Get_Gripper_State),
+                  {{start + R"("mode":4,"current_force":5,)" + rest, 0, "1 0, 3 4 5 6 7"},
+                   {start + R"("mode":4,)" + rest, 9, "1 0, 3 4 - - -"},
+                   {start + R"("mode":4,"current_force":"5",)" + rest, 11, "1 0, 3 4 - - -"},
+                   {R"({"status":true,"enable":1})", 11, ""},
+                   {R"({"enable":1,"error":3})", 9, ""},
+                   {R"({"status":1,"error":3})", 9, "- 1, - - - - -"},
+                   {start, 9, ""}});
+}
+
+// ------------------------------------------------------------------------------------------------- A simulated arm --
+
+int opening(ArmSocket arm) {
+    GripperState state{};
+    EXPECT_EQ(Get_Gripper_State(arm, &state), 0);
+    return state.actpos;
+}
+
+TEST(GripperOfASimulatedArm, GripsWhatThereIs) {
+    SimulatedArm arm({"--object", "300"});
+    EXPECT_EQ(opening(arm), 1000);
+    EXPECT_EQ(Set_Gripper_Pick(arm, 1000, 200, true, 60), 0);
+    GripperState state{};
+    EXPECT_EQ(Get_Gripper_State(arm, &state), 0);
+    EXPECT_EQ(text_of(state), "1 1, 0 1 200 30 300");
+    EXPECT_EQ(Set_Gripper_Route(arm, 100, 900, true), 0);
+    EXPECT_EQ(Set_Gripper_Release(arm, 1000, true, 60), 0);
+    EXPECT_EQ(opening(arm), 900);
+    EXPECT_EQ(Set_Gripper_Position(arm, 950, true, 60), 1) << "beyond the route";
+    EXPECT_EQ(Set_Gripper_Pick_On(arm, 1000, 5, true, 60), 1) << "no such force";
+    // A motion that is not waited for is not reported either, so the hand's wait meets no report of the gripper.
+    EXPECT_EQ(Set_Gripper_Position(arm, 500, false, 1), 0);
+    eventually([&] { return opening(arm) == 500; });
+    EXPECT_EQ(Set_Hand_Posture(arm, 2, true), 0);
+    EXPECT_EQ(Set_Hand_Posture(arm, 99, true), 1);
+    EXPECT_EQ(Set_Hand_Speed(arm, 1000, true), 0);
+    EXPECT_EQ(Set_Hand_Seq(arm, 1, true), 0);
+    EXPECT_EQ(Set_PWM(arm, 1000, 50, false), 0);
+}
+
+}  // namespace
