@@ -44,8 +44,8 @@ typedef struct ToolIoReply {
 
 /*
  * Set an output, digital (any non-zero state is 1) or analogue (in volts, sent in millivolts). These plain names, and
- * those of the four queries below, test neither for a file transfer nor a pointer, so that inputs and outputs keep
- * working meanwhile.
+ * those of the four queries below, test neither for a file transfer nor a pointer: during one they queue their request,
+ * which goes out behind it, and wait for their reply as ever.
  */
 ZK_API AckReply Set_DO_State_Cmd[ZK_SLOTS];
 ZK_API int Set_DO_State(ArmSocket socket, uint8_t number, uint8_t state, bool block);

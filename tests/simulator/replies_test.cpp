@@ -396,20 +396,125 @@ std::vector<Row> fence_rows() {
     };
 }
 
+std::vector<Row> io_rows() {
+    const Json first{{"IO_Num", 1}};
+    const auto port = [](const char* key, const Json& value) { return Json{{"IO_Num", 1}, {key, value}}; };
+    return {
+        done("set_DO_state", port("state", 1), 97, "set_state"),
+        done("set_AO_state", port("voltage", 2500), 98, "state"),
+        {"get_DO_state", first, 100, {{"/IO_state", "number"}}},
+        {"get_DI_state", first, 101, {{"/IO_state", "number"}}},
+        {"get_AO_state", first, 102, {{"/voltage", "number"}}},
+        {"get_AI_state", first, 103, {{"/voltage", "number"}}},
+        {"get_IO_input", {}, 99, {{"/DI", "numbers"}, {"/AI", "numbers"}}},
+        {"get_IO_output", {}, 104, {{"/DO", "numbers"}, {"/AO", "numbers"}}},
+        {"get_IO_state", first, 105, {{"/IO_state", "number"}, {"/IO_Mode", "number"}}},
+        done("set_IO_mode", port("IO_mode", 1), 212, "set_state"),
+        done("set_voltage", {{"voltage_type", 1}, {"start_enable", true}}, 213, "state"),
+        {"get_voltage", {}, 214, {{"/voltage_type", "number"}}},
+        done("set_tool_DO_state", port("state", 1), 106, "set_state"),
+        done("set_tool_IO_mode", port("state", 1), 107, "set_state"),
+        {"get_tool_IO_state", {}, 108, {{"/IO_Mode", "numbers"}, {"/IO_State", "numbers"}}},
+        done("set_tool_voltage", {{"voltage_type", 1}}, 109, "state"),
+        {"get_tool_voltage", {}, 110, {{"/voltage_type", "number"}}},
+    };
+}
+
+// Their motions are not to be reported.
+std::vector<Row> gripper_rows() {
+    const Json grip{{"speed", 500}, {"force", 200}, {"block", 0}}, fingers{0, 1, 2, 3, 4, -1};
+    return {
+        done("set_gripper_route", {{"min", 0}, {"max", 1000}}, 111, "state"),
+        done("set_gripper_release", {{"speed", 500}, {"block", 0}}, 112, "state"),
+        done("set_gripper_pick", grip, 112, "state"),
+        done("set_gripper_pick_on", grip, 112, "state"),
+        done("set_gripper_position", {{"position", 500}}, 112, "state"),
+        {"get_gripper_state",
+         {},
+         204,
+         {{"/enable", "number"},
+          {"/status", "number"},
+          {"/error", "number"},
+          {"/mode", "number"},
+          {"/current_force", "number"},
+          {"/temperature", "number"},
+          {"/actpos", "number"}}},
+        done("set_hand_posture", {{"posture_num", 1}}, 127, "set_state"),
+        done("set_hand_seq", {{"seq_num", 1}}, 128, "set_state"),
+        done("set_hand_angle", {{"hand_angle", fingers}}, 129, "set_state"),
+        done("set_hand_speed", {{"hand_speed", 500}}, 130, "set_state"),
+        done("set_hand_force", {{"hand_force", 500}}, 131, "set_state"),
+        done("hand_follow_angle", {{"hand_angle", fingers}}, 274, "set_state"),
+        done("hand_follow_pos", {{"hand_pos", fingers}}, 275, "set_state"),
+        done("set_PWM", {{"PWM_Frq", 1000}, {"PWM_Dpulse", 50}}, 132, "set_state"),
+    };
+}
+
+std::vector<Row> axis_rows() {
+    const Json height{{"height", 100}, {"speed", 1}};
+    return {
+        done("set_lift_height", height, 150, "set_state"),
+        done("set_lift", height, 148, "set_state"),
+        done("set_lift ", height, 148, "set_state"),
+        done("set_lift_speed", {{"speed", -1}}, 149, "set_state"),
+        {"get_lift_state",
+         {},
+         151,
+         {{"/height", "number"}, {"/current", "number"}, {"/err_flag", "number"}, {"/mode", "number"}}},
+        // The library knows no reply to these two, and drops them.
+        done("expand_set_pos", {{"pos", 100}, {"speed", 1}}, 0, "set_state"),
+        done("expand_set_speed", {{"speed", -1}}, 0, "set_state"),
+        {"expand_get_state",
+         {},
+         224,
+         {{"/pos", "number"}, {"/current", "number"}, {"/err_flag", "number"}, {"/mode", "number"}}},
+        done("expand_config", {{"rpm_max", 3000}, {"rpm_acc", 200}, {"conversin_coe", 1000}}, 225, "config_state"),
+        {"expand_get_config",
+         {},
+         226,
+         {{"/rpm_max", "number"},
+          {"/rpm_acc", "number"},
+          {"/conversin_coe", "number"},
+          {"/limit_min", "number"},
+          {"/limit_max", "number"}}},
+        done("expand_set_version", {{"expand_version", 1}}, 216, "expand_version"),
+        {"expand_get_version", {}, 217, {{"/expand_version", "number"}}},
+        done("set_vehicle", {{"speed", 1}, {"angular", 1}}, 147, "set_state"),
+        done("set_car_move", {{"linear_speed", 1}, {"angular_speed", 1}}, 152, "set_state"),
+        done("set_car_speed", {{"station", 1}, {"speed", 100}}, 153, "navigation_state"),
+        done("set_car_navigation_speed", {{"speed", 100}}, 154, "navigation_state"),
+        done("set_car_navigation_mode", {{"mode", 1}}, 155, "navigation_state"),
+        done("set_car_charge", {{"charge_state", 1}}, 157, "navigation_state"),
+        done("set_car_station_num", {{"station_num", 1}}, 158, "navigation_state"),
+        {"get_car_state",
+         {},
+         156,
+         {{"/battery_volume", "number"},
+          {"/voltage", "number"},
+          {"/current", "number"},
+          {"/car_err", "number"},
+          {"/car_state", "number"},
+          {"/station_num", "number"}}},
+    };
+}
+
 // Carried out without an answer.
 const std::set<std::string> kUnanswered{"set_wifi_ap",  "set_wifi_sta", "set_usb",     "set_RS485",
                                         "set_ethernet", "movej_follow", "movep_follow"};
 
 // Reported when they have ended, or were refused.
-const std::set<std::string> kReported{"movej",          "movej_p",      "movel",
-                                      "moves",          "movec",        "auto_fix_joint_over_soft_limit",
-                                      "set_joint_step", "set_pos_step", "set_ort_step"};
+const std::set<std::string> kReported{"movej",           "movej_p",         "movel",
+                                      "moves",           "movec",           "auto_fix_joint_over_soft_limit",
+                                      "set_joint_step",  "set_pos_step",    "set_ort_step",
+                                      "set_lift_height", "set_lift",        "set_lift ",
+                                      "expand_set_pos",  "expand_set_speed"};
 
 std::vector<Row> all_rows(size_t joints) {
     std::vector<Row> all;
-    for (const std::vector<Row>& rows : {joint_rows(joints), state_rows(joints), limit_rows(joints), frame_rows(),
-                                         trajectory_rows(joints), streaming_rows(joints), teach_rows(), push_rows(),
-                                         system_rows(), network_rows(), modbus_rows(), fence_rows()})
+    for (const std::vector<Row>& rows :
+         {joint_rows(joints), state_rows(joints), limit_rows(joints), frame_rows(), trajectory_rows(joints),
+          streaming_rows(joints), teach_rows(), push_rows(), system_rows(), network_rows(), modbus_rows(), fence_rows(),
+          io_rows(), gripper_rows(), axis_rows()})
         all.insert(all.end(), rows.begin(), rows.end());
     return all;
 }

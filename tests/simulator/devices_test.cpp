@@ -1,0 +1,96 @@
+// The devices beside the arm: that they take their time, tell who moved, and show in the push.
+#include <gtest/gtest.h>
+
+#include "simulator/talk.h"
+
+namespace zk::test {
+namespace {
+
+Json next_state(Talk& talk) { return Json::parse(talk.push.receive()); }
+
+Json arrival(int device, bool arrived) {
+    return {{"state", "current_trajectory_state"},
+            {"trajectory_state", arrived},
+            {"device", device},
+            {"trajectory_connect", 0}};
+}
+
+void push_all(Talk& talk) {
+    const Json custom{{"lift_state", true}, {"expand_state", true}, {"hand", true}};
+    ASSERT_EQ(talk.ask("set_realtime_push", {{"enable", true}, {"custom", custom}}).at("state"), true);
+    while (!next_state(talk).contains("hand")) continue;
+}
+
+// What the push tells of a moving value: that it never turns back, and takes `samples` different values at least.
+void expect_steady_way(Talk& talk, const Json::json_pointer& where, int to, int samples) {
+    int last = next_state(talk).at(where), different = 0;
+    const bool up = to > last;
+    while (last != to) {
+        const int now = next_state(talk).at(where);
+        EXPECT_TRUE(up ? now >= last : now <= last) << where << ": " << last << " then " << now;
+        different += now != last;
+        last = now;
+    }
+    EXPECT_GE(different, samples) << where;
+}
+
+TEST(Devices, MoveInTheirOwnTimeAndReportWhoMoved) {
+    Talk talk({"--quiet"});
+    push_all(talk);
+    EXPECT_EQ(talk.ask("set_lift_height", {{"height", 100}, {"speed", 50}}).at("set_state"), true);
+    EXPECT_EQ(talk.ask("get_lift_state").at("mode"), 1);
+    expect_steady_way(talk, "/lift_state/height"_json_pointer, 100, 20);
+    EXPECT_EQ(talk.read(), arrival(3, true));
+    EXPECT_EQ(talk.ask("get_lift_state").at("mode"), 0);
+
+    EXPECT_EQ(talk.ask("expand_set_pos", {{"pos", -20000}, {"speed", 100}}).at("set_state"), true);
+    expect_steady_way(talk, "/expand_state/pos"_json_pointer, -20000, 20);
+    EXPECT_EQ(talk.read(), arrival(4, true));
+
+    EXPECT_EQ(talk.ask("set_hand_posture", {{"posture_num", 4}, {"block", true}}).at("set_state"), true);
+    expect_steady_way(talk, "/hand/hand_angle/3"_json_pointer, 600, 20);
+    EXPECT_EQ(talk.read(), arrival(2, true));
+    const Json hand = next_state(talk).at("hand");
+    EXPECT_EQ(hand.at("hand_angle"), Json({0, 0, 0, 600, 600, 1000}));
+    EXPECT_EQ(hand.at("hand_state"), Json({0, 0, 0, 0, 0, 0}));
+
+    EXPECT_EQ(talk.ask("set_gripper_position", {{"position", 400}, {"block", true}}).at("state"), true);
+    EXPECT_EQ(talk.read(), arrival(1, true));
+    EXPECT_EQ(talk.ask("get_gripper_state").at("actpos"), 400);
+}
+
+TEST(Devices, TellOnlyThoseWhoWait) {
+    Talk talk({"--quiet"});
+    EXPECT_EQ(talk.ask("set_gripper_release", {{"speed", 1000}, {"block", 0}}).at("state"), true);
+    EXPECT_EQ(talk.ask("set_hand_seq", {{"seq_num", 2}}).at("set_state"), true);
+    EXPECT_EQ(talk.ask("set_lift_speed", {{"speed", 100}}).at("set_state"), true);
+    // A motion that gives way is reported to another client, not to its own.
+    LineClient other(talk.simulator.port());
+    other.send_line(request_text("expand_set_speed", {{"speed", 10}}));
+    EXPECT_EQ(Json::parse(other.read_line()).at("set_state"), true);
+    EXPECT_EQ(talk.ask("expand_set_speed", {{"speed", -10}}).at("set_state"), true);
+    EXPECT_EQ(Json::parse(other.read_line()), arrival(4, false));
+    EXPECT_EQ(talk.ask("expand_set_speed", {{"speed", 0}}).at("set_state"), true);
+    EXPECT_EQ(talk.read(), arrival(4, true)) << "braked: the first thing that is reported";
+}
+
+TEST(Devices, BaseTravelsToItsStationAndCharges) {
+    Talk talk({"--quiet"});
+    EXPECT_EQ(talk.ask("set_car_speed", {{"station", 1}, {"speed", 2000}}).at("navigation_state"), true);
+    EXPECT_EQ(talk.ask("get_car_state").at("car_state"), 2);
+    Json state;
+    do {
+        state = talk.ask("get_car_state");
+    } while (state.at("car_state") == 2);
+    EXPECT_EQ(state.at("station_num"), 1);
+    EXPECT_EQ(talk.ask("set_car_charge", {{"charge_state", 1}}).at("navigation_state"), true);
+    const int battery = state.at("battery_volume");
+    while (talk.ask("get_car_state").at("battery_volume") == battery) continue;
+    EXPECT_EQ(talk.ask("set_car_move", {{"linear_speed", 1}, {"angular_speed", 0}}).at("set_state"), true);
+    EXPECT_EQ(talk.ask("get_car_state").at("car_state"), 1);
+    EXPECT_EQ(talk.ask("set_car_move", {{"linear_speed", 0}, {"angular_speed", 0}}).at("set_state"), true);
+    EXPECT_EQ(talk.ask("get_car_state").at("car_state"), 0);
+}
+
+}  // namespace
+}  // namespace zk::test
