@@ -46,7 +46,8 @@ class Stillness : public testing::Test {
 TEST_F(Stillness, AReportEndsTheWait) {
     const std::pair<const char*, int> rows[] = {{R"("trajectory_state":true,"device":0,"trajectory_connect":1)", 0},
                                                 {R"("trajectory_state":true,"device":1)", 12},
-                                                {R"("trajectory_state":false,"device":1)", 1},
+                                                {R"("trajectory_state":false,"device":1)", 12},
+                                                {R"("trajectory_state":false)", 1},
                                                 {R"("trajectory_state":true)", 9},
                                                 {R"("trajectory_state":"true","device":0)", 11}};
     set_time_factor(0);
