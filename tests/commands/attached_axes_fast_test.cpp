@@ -10,6 +10,7 @@
 #include "support/parser_case.h"
 #include "support/scaled_time.h"
 #include "support/simulated_arm.h"
+#include "support/wire_protocol.h"
 #include "zk/motion.h"
 #include "zk/system.h"
 
@@ -149,6 +150,12 @@ std::vector<CommandCase> all_rows() {
 }
 
 TEST(AttachedAxesGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("attached_axes.h", all_rows()), ""); }
+
+TEST(AttachedAxesGuards, ThePageTellsTheWire) {
+    std::vector<CommandCase> rows = kRows;
+    std::erase_if(rows, [](const CommandCase& row) { return row.name == "Set_Lift_NonBlock"; });
+    expect_documented("Lift, expansion axis and mobile base", rows);
+}
 
 TEST(AttachedAxesGuards, PlainNamesDoNothingDuringAFileTransfer) {
     std::vector<CommandCase> rows = all_rows();

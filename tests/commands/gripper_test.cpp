@@ -4,6 +4,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/wire_protocol.h"
 #include "zk/gripper_and_hand.h"
 #include "zk/joint_configuration.h"
 
@@ -133,6 +134,13 @@ std::vector<CommandCase> all_rows() {
 }
 
 TEST(GripperGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("gripper_and_hand.h", all_rows()), ""); }
+
+// Of a reply and a report the page tells the reply.
+TEST(GripperGuards, ThePageTellsTheWire) {
+    std::vector<CommandCase> rows = kRows;
+    for (CommandCase& row : rows) row.reply = row.reply.substr(0, row.reply.find("\r\n"));
+    expect_documented("Gripper and hand", rows);
+}
 
 TEST(GripperGuards, PlainNamesDoNothingDuringAFileTransfer) {
     std::vector<CommandCase> rows = all_rows();

@@ -6,6 +6,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/wire_protocol.h"
 #include "zk/dispatch.h"
 
 namespace {
@@ -160,6 +161,8 @@ TEST_P(Io, OnTheWire) { run(GetParam()); }
 INSTANTIATE_TEST_SUITE_P(, Io, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
 
 TEST(IoGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("io.h", kRows), ""); }
+
+TEST(IoGuards, ThePageTellsTheWire) { expect_documented("Inputs and outputs", kRows); }
 
 // They go on during a file transfer, as far as the queue that it holds.
 bool is_thin(const CommandCase& row) {
