@@ -119,6 +119,15 @@ ZK_API int Parser_Set_AO_State_E(const char* text);
 ZK_API int Parser_Set_Tool_DO_State_2_E(const char* text);
 ZK_API int Parser_Set_Tool_DO_State_E(const char* text);
 ZK_API int Parser_Set_Tool_Voltage_E(const char* text);
+ZK_API int Parser_Get_DO_State_E(const char* text, int32_t* state);
+ZK_API int Parser_Get_DI_State_E(const char* text, int32_t* state);
+ZK_API int Parser_Get_AO_State_E(const char* text, float* volts);
+ZK_API int Parser_Get_AI_State_E(const char* text, float* volts);
+ZK_API int Parser_IO_Input_E(const char* text, int32_t* digital, float* analogue);
+ZK_API int Parser_IO_Output_E(const char* text, int32_t* digital, float* analogue);
+ZK_API int Parser_Get_IO_State_E(const char* text, int32_t* state, int32_t* mode);
+ZK_API int Parser_Get_Tool_IO_State_E(const char* text, float* mode, float* state);
+ZK_API int Parser_Get_Tool_Voltage_E(const char* text, int32_t* type);
 
 /* -------------------------------------------------------------------------------- Hands, drag teaching and force -- */
 

@@ -191,6 +191,23 @@ ZK_API int Parser_Set_AO_State_E(const char* text) { return Parser_Set_AO_State(
 ZK_API int Parser_Set_Tool_DO_State_2_E(const char* text) { return Parser_Set_Tool_DO_State_2(text); }
 ZK_API int Parser_Set_Tool_DO_State_E(const char* text) { return Parser_Set_Tool_DO_State(text); }
 ZK_API int Parser_Set_Tool_Voltage_E(const char* text) { return Parser_Set_Tool_Voltage(text); }
+ZK_API int Parser_Get_DO_State_E(const char* text, int32_t* state) { return Parser_Get_DO_State(text, state); }
+ZK_API int Parser_Get_DI_State_E(const char* text, int32_t* state) { return Parser_Get_DI_State(text, state); }
+ZK_API int Parser_Get_AO_State_E(const char* text, float* volts) { return Parser_Get_AO_State(text, volts); }
+ZK_API int Parser_Get_AI_State_E(const char* text, float* volts) { return Parser_Get_AI_State(text, volts); }
+ZK_API int Parser_IO_Input_E(const char* text, int32_t* digital, float* analogue) {
+    return Parser_IO_Input(text, digital, analogue);
+}
+ZK_API int Parser_IO_Output_E(const char* text, int32_t* digital, float* analogue) {
+    return Parser_IO_Output(text, digital, analogue);
+}
+ZK_API int Parser_Get_IO_State_E(const char* text, int32_t* state, int32_t* mode) {
+    return Parser_Get_IO_State(text, state, mode);
+}
+ZK_API int Parser_Get_Tool_IO_State_E(const char* text, float* mode, float* state) {
+    return Parser_Get_Tool_IO_State(text, mode, state);
+}
+ZK_API int Parser_Get_Tool_Voltage_E(const char* text, int32_t* type) { return Parser_Get_Tool_Voltage(text, type); }
 
 // ----------------------------------------------------------------------------------- Hands, drag teaching and force --
 

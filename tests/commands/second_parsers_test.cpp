@@ -12,6 +12,7 @@
 #include "support/parser_case.h"
 #include "zk/arm_limits.h"
 #include "zk/drag_teach.h"
+#include "zk/io.h"
 #include "zk/joint_configuration.h"
 #include "zk/motion.h"
 #include "zk/streaming.h"
@@ -66,6 +67,15 @@ const Twins kTwins[] = {
     TWINS(Parser_Get_System_Runtime, R"({"day":1,"hour":2,"min":3,"sec":4})"),
     TWINS(Parser_Get_Joint_Odom, R"({"odom":[1,2,3,4,5,6]})"),
     TWINS(Parser_Drag_Trajectory_Origin, R"({"trajectory_state":true,"device":1})"),
+    TWINS(Parser_Get_DO_State, R"({"IO_state":1})"),
+    TWINS(Parser_Get_DI_State, R"({"IO_state":1})"),
+    TWINS(Parser_Get_AO_State, R"({"voltage":1500})"),
+    TWINS(Parser_Get_AI_State, R"({"voltage":1500})"),
+    TWINS(Parser_IO_Input, R"({"DI":[1,0,1,0],"AI":[1000,2,3,4]})"),
+    TWINS(Parser_IO_Output, R"({"DO":[1,0,1,0],"AO":[1000,2,3,4]})"),
+    TWINS(Parser_Get_IO_State, R"({"IO_state":1,"IO_Mode":2})"),
+    TWINS(Parser_Get_Tool_IO_State, R"({"IO_Mode":[1,0],"IO_State":[0,1]})"),
+    TWINS(Parser_Get_Tool_Voltage, R"({"voltage_type":3})"),
 };
 
 // Of each key's value a wrong type, and each array a size too small.
