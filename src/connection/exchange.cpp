@@ -43,18 +43,17 @@ void Mailbox::raise(int slot, bool add) {
     }
 }
 
-int post(const Request& request) {
-    const Frame frame = request.frame();
-    Add_Queue(request.socket(), frame.text, frame.length);
+static int post(ArmSocket socket, const Frame& frame) {
+    Add_Queue(socket, frame.text, frame.length);
     return ZK_OK;
 }
+int post(const Request& request) { return post(request.socket(), request.frame()); }
 
-int stream(const Request& request) {
-    const Frame frame = request.frame();
+static int stream(ArmSocket socket, const Frame& frame) {
     request_leaves();
-    return static_cast<int>(
-        send(request.socket(), frame.text, static_cast<size_t>(frame.length), MSG_DONTWAIT | MSG_NOSIGNAL));
+    return static_cast<int>(send(socket, frame.text, static_cast<size_t>(frame.length), MSG_DONTWAIT | MSG_NOSIGNAL));
 }
+int stream(const Request& request) { return stream(request.socket(), request.frame()); }
 
 int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot, int32_t poll) {
     const int32_t start = Get_Program_Runtime();
@@ -74,17 +73,22 @@ int32_t limit_beyond(int32_t milliseconds) {
 static int32_t limit_of(int32_t limit) { return limit > 0 ? limit : read(m_nOutTime); }
 
 int set(const Request& request, Mailbox mailbox, const SetForm& form) {
-    int slot = slot_of(request.socket());
+    if (slot_of(request.socket()) < 0) return ZK_NOT_CONNECTED;
+    return set(request.socket(), request.frame(), mailbox, form);
+}
+
+int set(ArmSocket socket, const Frame& frame, Mailbox mailbox, const SetForm& form) {
+    int slot = slot_of(socket);
     if (slot < 0) return ZK_NOT_CONNECTED;
     if (form.clears) Mailbox(*form.clears).clear(slot);
     if (!form.clears && !form.keeps_count) mailbox.clear(slot);
 
     if (form.direct) {
-        if (stream(request) < 1) return ZK_SEND_FAILED;
+        if (stream(socket, frame) < 1) return ZK_SEND_FAILED;
     } else {
-        post(request);
+        post(socket, frame);
     }
-    if (const int status = await(mailbox, request.socket(), limit_of(form.limit), slot)) return status;
+    if (const int status = await(mailbox, socket, limit_of(form.limit), slot)) return status;
     const int result = mailbox.result(slot);
     mailbox.clear(slot);
     return result;

@@ -67,6 +67,7 @@ struct QueryForm {
 };
 
 int set(const Request& request, Mailbox mailbox, const SetForm& form = {});
+int set(ArmSocket socket, const Frame& frame, Mailbox mailbox, const SetForm& form = {});  // a text of its own kind
 int post(const Request& request);
 // What `send` gave: below 1 when nothing was written.
 int stream(const Request& request);
@@ -74,6 +75,9 @@ int stream(const Request& request);
 // Waits until a reply is in the mailbox of the socket's slot, which is looked up afresh at every poll. Gives 0 and the
 // slot; 5 when the socket is in no slot (any more); 7 at the limit.
 int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot, int32_t poll = poll_ms);
+
+// m_nOutTime and so many milliseconds more.
+int32_t limit_beyond(int32_t milliseconds);
 
 // m_nOutTime and so many milliseconds more.
 int32_t limit_beyond(int32_t milliseconds);

@@ -1,4 +1,5 @@
 // The entrance of the transmit queue and the thread behind it.
+#include <sched.h>
 #include <sys/socket.h>
 
 #include <cstdio>
@@ -26,7 +27,26 @@ void write_frame(TxFrame& frame) {
     transmit_use.leave();
 }
 
+// Between the look at the hold and the end of the frame that was sent because there was none.
+std::atomic<bool> transmitting{false};
+
+void write_next_frame() {
+    TxFrame frame{};
+    transmitting.store(true, std::memory_order_seq_cst);
+    if (read(IsSendFile, std::memory_order_seq_cst) != 1 && ZK_Dequeue(&Socket_Tx_Buffer, &frame)) write_frame(frame);
+    transmitting.store(false, std::memory_order_release);
+}
+
 }  // namespace
+
+LineHold::LineHold() : held_(std::atomic_ref(IsSendFile).exchange(1, std::memory_order_seq_cst) != 1) {
+    // A frame in the middle of a file would become a part of it.
+    while (held_ && transmitting.load(std::memory_order_seq_cst)) sched_yield();
+}
+
+LineHold::~LineHold() {
+    if (held_) write(IsSendFile, 0, std::memory_order_seq_cst);
+}
 
 void zk::forget_frames(ArmSocket socket) {
     ZK_Mutex_Lock();
@@ -63,8 +83,7 @@ ZK_API void Add_Queue(int32_t socket, const char* text, int32_t length) {
 
 ZK_API void* WriteThread(void*) {
     for (;;) {
-        TxFrame frame{};
-        if (!sending_file() && ZK_Dequeue(&Socket_Tx_Buffer, &frame)) write_frame(frame);
+        write_next_frame();
         sleep_cp(pace_ms);
     }
     return nullptr;

@@ -1,0 +1,57 @@
+#include "connection/byte_stream.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "connection/elapsed.h"
+#include "connection/slots.h"
+#include "zk/status.h"
+
+namespace zk {
+namespace {
+
+constexpr int look_ms = 10;
+
+}  // namespace
+
+ByteStream::ByteStream(ArmSocket socket, int32_t silence_limit)
+    : socket_(socket), descriptor_(fcntl(socket, F_DUPFD_CLOEXEC, 0)), silence_limit_(silence_limit) {
+    request_leaves();
+}
+
+ByteStream::~ByteStream() {
+    if (descriptor_ >= 0) close(descriptor_);
+}
+
+int ByteStream::write(const char* bytes, size_t size) {
+    while (size > 0) {
+        if (descriptor_ < 0 || slot_of(socket_) < 0) return ZK_NOT_CONNECTED;
+        const ssize_t written = ::send(descriptor_, bytes, size, MSG_DONTROUTE | MSG_DONTWAIT | MSG_NOSIGNAL);
+        if (written > 0) {
+            bytes += written;
+            size -= static_cast<size_t>(written);
+        } else if (written < 0 && (errno == EAGAIN || errno == EINTR)) {
+            if (const int status = wait_for_room()) return status;
+        } else {
+            return ZK_SEND_FAILED;
+        }
+    }
+    return ZK_OK;
+}
+
+// In short looks, since a close at this end wakes nobody.
+int ByteStream::wait_for_room() const {
+    const int32_t start = Get_Program_Runtime();
+    pollfd room{descriptor_, POLLOUT, 0};
+    while (poll(&room, 1, look_ms) <= 0) {
+        if (slot_of(socket_) < 0) return ZK_NOT_CONNECTED;
+        if (elapsed_since(start) >= silence_limit_) return ZK_TIMEOUT;
+    }
+    return ZK_OK;
+}
+
+}  // namespace zk
