@@ -20,6 +20,9 @@ CommandTable all_commands() {
     add_gripper_commands(table);
     add_hand_commands(table);
     add_axis_commands(table);
+    add_file_commands(table);
+    add_program_commands(table);
+    add_waypoint_commands(table);
     add_fault_commands(table);
     return table;
 }

@@ -21,6 +21,9 @@ void add_io_commands(CommandTable& table);
 void add_gripper_commands(CommandTable& table);
 void add_hand_commands(CommandTable& table);
 void add_axis_commands(CommandTable& table);
+void add_file_commands(CommandTable& table);
+void add_program_commands(CommandTable& table);
+void add_waypoint_commands(CommandTable& table);
 void add_fault_commands(CommandTable& table);
 
 CommandTable all_commands();

@@ -16,6 +16,13 @@ std::set<std::string> known_commands(const Call& call, const char* key) {
     return {names.begin(), names.end()};
 }
 
+// What happens to the next files: {"kind": ..., "at": ...}.
+TransferFault transfer_fault(const Request& fault) {
+    const TransferFault transfer{fault.text("kind"), fault.has("at") ? fault.integer("at", 0) : 0};
+    if (!is_transfer_fault(transfer.kind)) throw BadRequest("unknown fault of a transfer '" + transfer.kind + "'");
+    return transfer;
+}
+
 bool set_faults(Call& call) {
     constexpr int kMaxWord = 65535;
     constexpr int kMaxDelayMs = 60'000;
@@ -24,6 +31,7 @@ bool set_faults(Call& call) {
     if (request.has("silent_on")) controller.faults.silent_on = known_commands(call, "silent_on");
     if (request.has("refuse_on")) controller.faults.refuse_on = known_commands(call, "refuse_on");
     if (request.has("delay_ms")) controller.faults.delay_ms = request.integer("delay_ms", 0, kMaxDelayMs);
+    if (request.has("transfer")) controller.faults.transfer = transfer_fault(request.object("transfer"));
     const auto word = [&](const char* key, int now) {
         return request.has(key) ? request.integer(key, 0, kMaxWord) : now;
     };

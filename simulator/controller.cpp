@@ -23,6 +23,8 @@ Controller::Controller(const Options& options)
       solver_(arm.model().chain),
       inverse_(std::make_unique<InverseKinematics>(arm.model())) {
     faults.delay_ms = options.delay_ms;
+    faults.transfer = options.transfer_fault;
+    files.directory = options.files;
     for (const std::string& name : options.silent_on) {
         if (!commands_.find(name)) throw std::invalid_argument("--silent-on: unknown command '" + name + "'");
         faults.silent_on.insert(name);
@@ -87,6 +89,9 @@ void Controller::step() {
     ++steps_;
     arm.step(kStepMs / 1000.0);
     devices.step(kStepMs / 1000.0);
+    path.step(arm);
+    programs.step(*this);
+    files.step(kStepMs);
 }
 
 KDL::Frame Controller::flange_pose() const { return flange_at(arm.joints()); }

@@ -12,10 +12,13 @@
 #include "client.h"
 #include "command_table.h"
 #include "devices.h"
+#include "files.h"
 #include "frames.h"
 #include "modbus.h"
 #include "options.h"
+#include "program.h"
 #include "push.h"
+#include "recent_path.h"
 
 namespace sim {
 
@@ -26,6 +29,7 @@ struct Faults {
     std::set<std::string> silent_on;  // requests ignored
     std::set<std::string> refuse_on;  // actions refused
     int delay_ms = 0;                 // between a message and its sending
+    TransferFault transfer;
 };
 
 // The limits of the tool as the wire has them: thousandths of a metre and of a radian, per second and per second
@@ -87,6 +91,9 @@ class Controller {
     TeachFrame teach_frame = TeachFrame::work;
     ModbusMaster modbus;
     PushSettings push;
+    Files files;
+    Programs programs;
+    RecentPath path;
     Faults faults;
     int64_t runtime_start = 0;  // simulated milliseconds
 

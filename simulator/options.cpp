@@ -93,6 +93,17 @@ std::array<double, 3> parse_angles(std::string_view option, std::string_view tex
     return {angles[0], angles[1], angles[2]};
 }
 
+// KIND, or KIND:N.
+TransferFault parse_transfer_fault(std::string_view option, const std::string& text) {
+    const size_t colon = text.find(':');
+    TransferFault fault{text.substr(0, colon), 0};
+    if (colon != std::string::npos) fault.at = parse_integer(option, text.substr(colon + 1), 0, INT_MAX);
+    if (fault.kind.empty() || !is_transfer_fault(fault.kind))
+        throw std::invalid_argument("--" + std::string(option) +
+                                    ": is one of refuse, error_line:LINE, silent, close:BYTES, stall:BYTES");
+    return fault;
+}
+
 struct OptionRow {
     const char* name;
     const char* value;  // what it takes, as the help calls it; empty when it takes none
@@ -131,6 +142,10 @@ constexpr OptionRow kOptions[] = {
      [](Options& o, const string& value) { o.refuse_on.push_back(value); }},
     {"delay-ms", "N", "hold every reply and report back for so long",
      [](Options& o, const string& value) { o.delay_ms = parse_integer("delay-ms", value, 0, kMaxDelayMs); }},
+    {"transfer-fault", "KIND:N", "what befalls files: refuse, error_line:LINE, silent, close:BYTES, stall:BYTES",
+     [](Options& o, const string& value) { o.transfer_fault = parse_transfer_fault("transfer-fault", value); }},
+    {"files", "DIRECTORY", "keep the files that clients send there, which must exist",
+     [](Options& o, const string& value) { o.files = value; }},
     {"quiet", "", "no notes on standard error", [](Options& o, const string&) { o.quiet = true; }},
     {"commands", "", "list the commands that it knows, and end", [](Options& o, const string&) { o.commands = true; }},
     {"help", "", "this text", [](Options& o, const string&) { o.help = true; }},

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "files.h"
 #include "frames.h"
 #include "push.h"
 #include "robot_model.h"
@@ -28,6 +29,8 @@ struct Options {
     std::vector<std::string> silent_on;
     std::vector<std::string> refuse_on;
     int delay_ms = 0;
+    TransferFault transfer_fault;
+    std::string files;  // directory where files from clients are kept; empty: nowhere
 };
 
 // Throws std::invalid_argument with the text for the user.

@@ -37,14 +37,22 @@ void Session::read() {
                                 if (left_) return;
                                 if (error) return leave(error == asio::error::eof ? "left" : error.message());
                                 take({buffer_.data(), size});
-                                if (socket_.is_open()) read();
+                                if (socket_.is_open() && !stopped_) read();
                             });
 }
 
+void Session::stop_reading() {
+    stopped_ = true;
+    socket_.async_wait(asio::ip::tcp::socket::wait_error,
+                       [this, self = shared_from_this()](const asio::error_code&) { close(); });
+}
+
 void Session::take(std::string_view bytes) {
+    // A file goes past the text of requests, which it would only be copied through.
+    if (pending_.empty() && receiving()) bytes.remove_prefix(receiver_->take(bytes));
     pending_ += bytes;
     handle_requests();
-    if (pending_.size() <= kMaxRequest && !dropping_) return;
+    if (pending_.empty() || (pending_.size() <= kMaxRequest && !dropping_)) return;
     if (!dropping_) note(name_ + ": a request of more than " + std::to_string(kMaxRequest) + " bytes is dropped");
     dropping_ = true;
     // A carriage return may be the first half of the end.
@@ -53,10 +61,12 @@ void Session::take(std::string_view bytes) {
 
 void Session::handle_requests() {
     size_t begin = 0;
-    for (size_t end; (end = pending_.find(kEnd, begin)) != std::string::npos; begin = end + kEnd.size()) {
+    for (size_t end; (end = pending_.find(kEnd, begin)) != std::string::npos;) {
         const std::string_view request = std::string_view(pending_).substr(begin, end - begin);
+        begin = end + kEnd.size();
         if (std::exchange(dropping_, false) || request.empty()) continue;
         controller_.handle(request, shared_from_this());
+        if (receiving()) begin += receiver_->take(std::string_view(pending_).substr(begin));
     }
     pending_.erase(0, begin);
 }

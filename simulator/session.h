@@ -14,6 +14,7 @@
 namespace sim {
 
 // One connection. Cuts what comes at CRLF, which is the only end of a request: line feeds and tabs stand inside one.
+// The bytes of a file are not cut.
 class Session : public Client, public std::enable_shared_from_this<Session> {
  public:
     Session(asio::ip::tcp::socket socket, Controller& controller);
@@ -21,6 +22,9 @@ class Session : public Client, public std::enable_shared_from_this<Session> {
     void start();
     void send(const Json& message) override;
     std::string name() const override { return name_; }
+    void receive(const std::shared_ptr<Receiver>& receiver) override { receiver_ = receiver; }
+    void stop_reading() override;
+    void disconnect() override { close(); }
 
  private:
     struct Message {
@@ -31,6 +35,7 @@ class Session : public Client, public std::enable_shared_from_this<Session> {
     void read();
     void take(std::string_view bytes);
     void handle_requests();
+    bool receiving() const { return receiver_ && receiver_->wants_more(); }
     void leave(const std::string& reason);
 
     void send_next();
@@ -45,6 +50,8 @@ class Session : public Client, public std::enable_shared_from_this<Session> {
     std::array<char, 4096> buffer_{};
     std::string pending_;    // received, not yet ended by CRLF
     bool dropping_ = false;  // the rest of a request that is too long
+    bool stopped_ = false;   // nothing more is read
+    std::shared_ptr<Receiver> receiver_;
 
     std::deque<Message> outbox_;
     size_t outbox_bytes_ = 0;

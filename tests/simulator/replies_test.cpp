@@ -498,6 +498,53 @@ std::vector<Row> axis_rows() {
     };
 }
 
+std::vector<Row> file_rows() {
+    const Json project{{"project_name", "p"}, {"file_size", 0}, {"plan_speed", 20}, {"save_id", 1}, {"only_save", 1}};
+    return {
+        done("run_project", project, 163, "project_state"),
+        done("update_software", {{"file_size", 2}, {"update_name", "u"}}, 183, "update_state"),
+        done("popup", {{"popup_result", true}}, 197, "popup_result"),
+        {"online_next", {}, 184, {{"/state", "boolean"}}},
+        // Taken for another command of the lift.
+        done("set_lift_version", {{"lift_version", 1}}, 148, "lift_version"),
+        done("set_sale_version", {{"sale_version", 1}}, 192, "sale_version"),
+        {"get_tool_hardware_version", {}, 193, {{"/version", "number"}}},
+        {"save_trajectory", {{"trajectory_name", "t"}}, 194, {{"/total_num", "number"}, {"/save_state", "boolean"}}},
+        {"zk_sim_files", {}, 0, {}},
+    };
+}
+
+std::vector<Row> program_rows(size_t joints) {
+    const Json page{{"page_num", 1}, {"page_size", 10}, {"vague_search", ""}};
+    const Json waypoint{{"point_name", "w"},    {"joint", array(joints, 0)}, {"pose", array(6, 0)},
+                        {"work_frame", "Base"}, {"tool_frame", "Arm_Tip"},   {"time", "now"}};
+    const std::map<std::string, std::string> pages{
+        {"/page_num", "number"}, {"/page_size", "number"}, {"/total_size", "number"}, {"/vague_search", "string"}};
+    const auto listed = [&](const std::map<std::string, std::string>& entry) {
+        std::map<std::string, std::string> keys = pages;
+        for (const auto& [key, kind] : entry) keys["/list/0" + key] = kind;
+        return keys;
+    };
+    return {
+        {"get_program_trajectory_list", page, 235,
+         listed({{"/id", "number"}, {"/size", "number"}, {"/speed", "number"}, {"/trajectory_name", "string"}})},
+        {"get_program_run_state", {}, 236, {{"/run_state", "number"}}},
+        done("update_program_trajectory", {{"id", 1}, {"project_name", "q"}, {"plan_speed", 30}}, 262, "update_state"),
+        done("set_default_run_program", {{"id", 1}}, 263, "set_state"),
+        {"get_default_run_program", {}, 264, {{"/id", "number"}}},
+        done("set_program_id_start", {{"id", 1}, {"speed", 20}}, 237, "start_state"),
+        {"delete_program_trajectory", {{"id", 1}}, 239, {{"/delete_state", "boolean"}}},
+        done("add_global_waypoint", waypoint, 265, "add_state"),
+        done("update_global_waypoint", waypoint, 266, "update_state"),
+        {"given_global_waypoint",
+         {{"point_name", "w"}},
+         268,
+         {{"/point_name", "string"}, {"/joint", "joints"}, {"/pose", "pose"}, {"/time", "string"}}},
+        {"get_global_waypoints_list", page, 269, listed({{"/point_name", "string"}, {"/joint", "joints"}})},
+        done("delete_global_waypoint", {{"point_name", "w"}}, 267, "delete_state"),
+    };
+}
+
 // Carried out without an answer.
 const std::set<std::string> kUnanswered{"set_wifi_ap",  "set_wifi_sta", "set_usb",     "set_RS485",
                                         "set_ethernet", "movej_follow", "movep_follow"};
@@ -514,18 +561,25 @@ std::vector<Row> all_rows(size_t joints) {
     for (const std::vector<Row>& rows :
          {joint_rows(joints), state_rows(joints), limit_rows(joints), frame_rows(), trajectory_rows(joints),
           streaming_rows(joints), teach_rows(), push_rows(), system_rows(), network_rows(), modbus_rows(), fence_rows(),
-          io_rows(), gripper_rows(), axis_rows()})
+          io_rows(), gripper_rows(), axis_rows(), file_rows(), program_rows(joints)})
         all.insert(all.end(), rows.begin(), rows.end());
     return all;
 }
 
-// The reply to a row's request. Arrival reports of the moves among the rows come in between.
+// What is said unasked: the reports of moves, files and programs that end, and points.
+bool is_report(const std::string& message) {
+    const std::set<int> reports{64, 164, 240, 231};
+    return reports.count(Get_Json_KeyCode(message.c_str())) != 0 && message.find("waypoint") == std::string::npos;
+}
+
+// The reply to a row's request, and the file that it asks for. Reports come in between.
 std::string reply_of(Talk& talk, const Row& row) {
     talk.send(row.command, row.keys.is_null() ? Json::object() : row.keys);
     std::string reply;
     do {
         reply = talk.client.read_line();
-    } while (reply.find("current_trajectory_state") != std::string::npos);
+    } while (is_report(reply));
+    if (row.command == "update_software" && Json::parse(reply).at("update_state")) talk.client.send_bytes("{}");
     return reply;
 }
 
