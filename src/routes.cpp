@@ -7,6 +7,7 @@
 
 #include "commands/counters.h"
 #include "commands/drag_point.h"
+#include "commands/pages.h"
 #include "connection/reply.h"
 #include "connection/routing.h"
 #include "routes.h"
@@ -36,9 +37,6 @@
 
 namespace zk {
 namespace {
-
-// A reply whose command is not part of the library yet.
-void unread(int, char*) {}
 
 // The tool frame in use also becomes Tool_Matrix, with its Euler angles in the place of the position.
 void tool_frame_in_use(int slot, char* message) {
@@ -125,8 +123,8 @@ constexpr Route routes[] = {
     {{"add_global_waypoint"}, 265, add<Add_Global_Waypoint_Cmd, Parser_Add_State>},
     {{"update_global_waypoint"}, 266, add<Update_Global_Waypoint_Cmd, Parser_Update_State>},
     {{"delete_global_waypoint"}, 267, add<Delete_Global_Waypoint_Cmd, Parser_Delete_State>},
-    {{"given_global_waypoint"}, 268, unread},
-    {{"get_global_waypoints_list"}, 269, unread},
+    {{"given_global_waypoint"}, 268, add<Given_Global_Waypoint_Cmd, Parser_Given_Global_Waypoint, &GlobalWaypointReply::waypoint>},
+    {{"get_global_waypoints_list"}, 269, add<Get_Global_Waypoint_List_Cmd, read_waypoint_list, &GlobalWaypointListReply::received, &GlobalWaypointListReply::waypoints>},
     {{"point"}, 231, drag_point},
     {{"set_joint_drive_max_speed", "set_joint_max_drive_speed"}, 218, add<Set_Joint_Drive_Max_Speed_Cmd, Parser_Set_Joint_Drive_Max_Speed>},
     {{"get_joint_drive_max_speed"}, 222, add<Get_Joint_Drive_Max_Speed_Cmd, Parser_Get_Joint_Drive_Max_Speed, &JointReply::value>},
@@ -312,7 +310,7 @@ constexpr Route routes[] = {
     {{"Force_Position_State"}, 161, force_report},
     {{"set_teach_frame"}, 165, set<Set_Teach_Frame_Cmd, Parser_Set_TEACH_FRAME>},
     {{"get_teach_frame"}, 241, set<Get_Teach_Frame_Cmd, Parser_Get_Teach_Frame, &IntReply::value>},
-    {{"download_project"}, 164, unread},
+    {{"download_project"}, 164, set<Send_Project_Cmd, Parser_SendFile, &IntReply::value>},
     {{"run_project"}, 163, set<Run_Project_Cmd, Parser_RunProject>},
     {{"install_pose"}, 167, mounting},
     {{"auto_set_joint_limit"}, 206, set<Auto_Set_Joint_Limit_Cmd, Parser_Set_Joint_Limit>},
@@ -321,15 +319,15 @@ constexpr Route routes[] = {
     {{"get_arm_run_mode"}, 182, add<Get_Arm_Run_Mode_NC_Cmd, Parser_Get_Arm_Run_Mode_NC_E, &IntReply::value>},
     {{"run_update_software"}, 183, set<Run_Update_Software_Project_Cmd, Parser_Run_UpdateSoftware_E>},
     {{"online_next"}, 184, set<Set_Online_Start_Cmd, Parser_Set_Online_Start>},
-    {{"set_lift_version"}, 185, unread},
-    {{"set_sale_version"}, 192, unread},
-    {{"get_tool_hardware_version"}, 193, unread},
-    {{"save_trajectory"}, 194, unread},
+    {{"set_lift_version"}, 185, set<Set_Lift_Version_Cmd, Parser_Set_Lift_Version_E>},
+    {{"set_sale_version"}, 192, set<Set_Sale_Version_Cmd, Parser_Set_Sale_Version_E>},
+    {{"get_tool_hardware_version"}, 193, add<Get_Tool_Hardware_Version_Cmd, Parser_Get_Tool_Software_Version, &IntReply::value>},
+    {{"save_trajectory"}, 194, set<Save_Trajectory_Cmd, Parser_Save_Drag_Teach_File_Block_NC_E, &IntReply::value>},
     {{"popup"}, 197, set<Set_Popup_Cmd, Parser_Set_Popup>},
-    {{"get_program_trajectory_list"}, 235, unread},
-    {{"get_program_run_state"}, 236, unread},
+    {{"get_program_trajectory_list"}, 235, set<Get_Program_Trajectory_List_Cmd, read_program_list, &ProgramListReply::received, &ProgramListReply::programs>},
+    {{"get_program_run_state"}, 236, set<Get_Program_Run_State_Cmd, Parser_Get_Program_Run_State, &ProgramRunStateReply::state>},
     {{"set_program_id_start"}, 237, set<Set_Program_ID_Start_Cmd, Parser_Set_Program_ID_Start>},
-    {{"program_run_finish"}, 240, unread},
+    {{"program_run_finish"}, 240, set<Run_Finish_Cmd, Parser_Program_Run_Finish, &IntReply::value>},
     {{"delete_program_trajectory"}, 239, set<Delete_Program_Trajectory_Cmd, Parser_Delete_State>},
     {{"set_high_ethernet"}, 198, set<Set_High_Ethernet_Cmd, Parser_Set_High_Ethernet>},
     {{"get_high_ethernet"}, 199, add<Get_High_Ethernet_Cmd, Parser_Get_High_Ethernet, &HighEthernetReply::ip, &HighEthernetReply::mask, &HighEthernetReply::gateway, &HighEthernetReply::mac>},
@@ -373,15 +371,15 @@ constexpr Route routes[] = {
     {{"update_work_frame"}, 260, add<Update_Work_Frame_Cmd, Parser_Update_State>},
     {{"update_tool_frame"}, 261, add<Update_Tool_Frame_Cmd, Parser_Update_State>},
     {{"set_default_run_program"}, 263, add<Set_Default_Run_Program_Cmd, Parser_Set_High_Speed_Eth>},
-    {{"get_default_run_program"}, 264, unread},
+    {{"get_default_run_program"}, 264, add<Get_Default_Run_Program_Cmd, Parser_Get_id, &IntReply::value>},
     {{"update_program_trajectory"}, 262, add<Update_Program_Trajectory_Cmd, Parser_Update_State>},
     {{}, 169, set<Set_IO_Mode_NC_Cmd, Parser_Set_High_Speed_Eth>},
     {{}, 176, set<Set_IO_State_NC_Cmd, Parser_Set_High_Speed_Eth>},
     {{}, 177, add<Get_IO_State_NC_Cmd, Parser_Get_IO_State_NC_E, &IoStateReply::state, &IoStateReply::mode>},
     {{}, 178, add<Get_Controller_Voltage_NC_Cmd, Parser_Get_Tool_Voltage, &IntReply::value>},
     {{}, 179, set<Set_Controller_Voltage_NC_Cmd, Parser_Set_Gripper_Route>},
-    {{}, 180, unread},
-    {{}, 195, unread},
+    {{}, 180, set<Set_Controller_IP_NC_Cmd, Parser_Set_Net_State_E>},
+    {{}, 195, set<Set_Controller_ResetIP_NC_Cmd, Parser_Set_Net_State_E>},
 };
 // clang-format on
 

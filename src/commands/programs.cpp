@@ -1,20 +1,218 @@
-// Programs and global waypoints.
+// Programs that the controller keeps: their list, and what runs.
 #include "zk/programs.h"
 
-#include "connection/reply.h"
+#include <algorithm>
+#include <cstring>
+
+#include "commands/pages.h"
+#include "connection/elapsed.h"
+#include "connection/exchange.h"
+#include "connection/wrappers.h"
+#include "zk/arm_limits.h"
+#include "zk/frames.h"
 
 using namespace zk;
 
-AckReply Set_Popup_Cmd[ZK_SLOTS];
-AckReply Set_Program_ID_Start_Cmd[ZK_SLOTS];
-AckReply Delete_Program_Trajectory_Cmd[ZK_SLOTS];
-AckReply Update_Program_Trajectory_Cmd[ZK_SLOTS];
-AckReply Set_Default_Run_Program_Cmd[ZK_SLOTS];
-AckReply Add_Global_Waypoint_Cmd[ZK_SLOTS];
-AckReply Update_Global_Waypoint_Cmd[ZK_SLOTS];
-AckReply Delete_Global_Waypoint_Cmd[ZK_SLOTS];
+ProgramListReply Get_Program_Trajectory_List_Cmd[ZK_SLOTS];
+ZK_API int Get_Program_Trajectory_List(ArmSocket s, ProgramList* list) {
+    return checked(Get_Program_Trajectory_List_Block, s, list);
+}
+ZK_API int Get_Program_Trajectory_List_Block(ArmSocket s, ProgramList* list) {
+    if (any_null(list)) return ZK_BAD_ARGUMENT;
+    const auto deliver = [&](const ProgramListReply& reply) {
+        list->page_num = reply.programs.page_num;
+        list->page_size = reply.programs.page_size;
+        list->total_size = reply.programs.total_size;
+        std::memcpy(list->vague_search, reply.programs.vague_search, sizeof list->vague_search);
+        std::copy_n(reply.programs.list, reply.received, list->list);
+    };
+    return query(page_request(s, "get_program_trajectory_list", *list), Get_Program_Trajectory_List_Cmd, deliver,
+                 {.wipes_first = true});
+}
+ZK_API int Parser_Get_Program_Trajectory_List(const char* text, ProgramList* list) {
+    int32_t received;
+    return read_program_list(text, &received, list);
+}
+int zk::read_program_list(const char* text, int32_t* received, ProgramList* list) {
+    Reply reply(text);
+    *received = 0;
+    const auto take = [&](Item object, const char* key, int32_t& field) {
+        if (const Item number = reply.number(object, key)) field = number.integer();
+    };
+    take(reply.root(), "page_num", list->page_num);
+    take(reply.root(), "page_size", list->page_size);
+    take(reply.root(), "total_size", list->total_size);
+    cut_text(reply, reply.root(), "vague_search", list->vague_search);
+    const Item entries = reply.array(reply.root(), "list");
+    for (int i = 0; reply.good() && i < std::min(entries.size(), ZK_PROGRAMS); ++i) {
+        ProgramEntry& entry = list->list[i];
+        take(entries[i], "id", entry.id);
+        take(entries[i], "size", entry.size);
+        take(entries[i], "speed", entry.speed);
+        cut_text(reply, entries[i], "trajectory_name", entry.trajectory_name);
+        if (reply.good()) ++*received;
+    }
+    return reply.status();
+}
 
-ZK_API int Parser_Set_Popup(const char* text) { return acknowledgement(text, "popup_result"); }
+ProgramRunStateReply Get_Program_Run_State_Cmd[ZK_SLOTS];
+ZK_API int Get_Program_Run_State(ArmSocket s, ProgramRunState* state) {
+    return checked(Get_Program_Run_State_Block, s, state);
+}
+ZK_API int Get_Program_Run_State_Block(ArmSocket s, ProgramRunState* state) {
+    constexpr int32_t longer_ms = 1000;
+    if (any_null(state)) return ZK_BAD_ARGUMENT;
+    return query({s, "get_program_run_state"}, Get_Program_Run_State_Cmd,
+                 [&](const ProgramRunStateReply& reply) { *state = reply.state; },
+                 {.wipes_first = true, .limit = limit_beyond(longer_ms)});
+}
+
+// The rounds of the loops that the line in progress stands in.
+static void read_loops(Reply& reply, ProgramRunState* state) {
+    const Item rounds = reply.array(reply.root(), "loop_num");
+    const Item current = reply.array(reply.root(), "loop_cont", rounds.size());
+    if (!reply.good()) return;
+    state->loop_count = std::min(rounds.size(), ZK_PROGRAM_LOOPS);
+    for (int i = 0; i < state->loop_count; ++i) {
+        state->loop_num[i] = rounds[i].integer();
+        state->loop_cont[i] = current[i].integer();
+    }
+}
+
+ZK_API int Parser_Get_Program_Run_State(const char* text, ProgramRunState* state) {
+    Reply reply(text);
+    const auto take = [&](const char* key, int32_t& field) {
+        if (const Item number = reply.number(reply.root(), key)) field = number.integer();
+    };
+    const Item run_state = reply.number(reply.root(), "run_state");
+    if (!run_state) return reply.status();
+    state->run_state = run_state.integer();
+    if (state->run_state == 0) {
+        state->id = state->plan_num = state->loop_count = state->plan_speed = state->step_mode = -1;
+    } else {
+        take("id", state->id);
+        take("plan_num", state->plan_num);
+        read_loops(reply, state);
+        take("plan_speed", state->plan_speed);
+        take("step_mode", state->step_mode);
+    }
+    if (reply.find("edit_id")) take("edit_id", state->edit_id);
+    return reply.good() ? state->run_state : reply.status();
+}
+
+static Request start(ArmSocket s, int32_t id, int32_t speed) {
+    return Request(s, "set_program_id_start").number("id", id).number("speed", speed);
+}
+
+AckReply Set_Program_ID_Start_Cmd[ZK_SLOTS];
+IntReply Run_Finish_Cmd[ZK_SLOTS];
+ZK_API int Set_Program_ID_Start(ArmSocket s, int32_t id, int32_t speed, bool block) {
+    return guarded(block ? Set_Program_ID_Start_Block : Set_Program_ID_Start_NonBlock, s, id, speed);
+}
+ZK_API int Set_Program_ID_Start_NonBlock(ArmSocket s, int32_t id, int32_t speed) {
+    return set(start(s, id, speed), Set_Program_ID_Start_Cmd);
+}
+
+namespace {
+
+// Watches a program from its start to its end.
+class Run {
+ public:
+    explicit Run(ArmSocket socket) : socket_(socket) {}
+
+    int wait() {
+        for (;;) {
+            const int slot = slot_of(socket_);
+            if (slot < 0) return ZK_NOT_CONNECTED;
+            if (const int refusal = refused(slot)) return refusal;
+            ProgramRunState state{};
+            const int status = Get_Program_Run_State(socket_, &state);
+            if (status != ZK_OK && status != state.run_state) {
+                if (++fails_ > most_failed_looks) return status;
+            } else if (state.run_state == running) {
+                if (finish_.count(slot) > 0) return take_finish(slot);
+                seen_ = true;
+                sleep_cp(look_ms);
+            } else if (state.run_state != 0) {
+                sleep_cp(poll_ms);
+            } else if (seen_ || ++idle_ == most_idle_looks) {
+                return wait_for_finish();
+            } else {
+                sleep_cp(look_ms);
+            }
+        }
+    }
+
+ private:
+    static constexpr int32_t running = 1, look_ms = 100, finish_ms = 1000;
+    static constexpr int most_failed_looks = 5, most_idle_looks = 15;
+
+    static int refused(int slot) {
+        const Mailbox start(Set_Program_ID_Start_Cmd);
+        return start.count(slot) > 0 ? start.result(slot) : int(ZK_OK);
+    }
+
+    int take_finish(int slot) {
+        finish_.clear(slot);
+        return finish_.result(slot);
+    }
+
+    int wait_for_finish() {
+        int slot;
+        if (const int status = await(finish_, socket_, limit_beyond(finish_ms), slot)) return status;
+        return take_finish(slot);
+    }
+
+    ArmSocket socket_;
+    Mailbox finish_{Run_Finish_Cmd};
+    bool seen_ = false;
+    int fails_ = 0;
+    int idle_ = 0;
+};
+
+}  // namespace
+
+ZK_API int Set_Program_ID_Start_Block(ArmSocket s, int32_t id, int32_t speed) {
+    const int slot = slot_of(s);
+    if (slot < 0) return ZK_NOT_CONNECTED;
+    Mailbox(Set_Program_ID_Start_Cmd).clear(slot);
+    Mailbox(Run_Finish_Cmd).clear(slot);
+    post(start(s, id, speed));
+    return Run(s).wait();
+}
 ZK_API int Parser_Set_Program_ID_Start(const char* text) { return acknowledgement(text, "start_state"); }
+ZK_API int Parser_Program_Run_Finish(const char* text, int32_t* finish_id) {
+    return integer_value(text, "finish_id", finish_id);
+}
+
+AckReply Delete_Program_Trajectory_Cmd[ZK_SLOTS];
+ZK_API int Delete_Program_Trajectory(ArmSocket s, int32_t id) {
+    return guarded(Delete_Program_Trajectory_Block, s, id);
+}
+ZK_API int Delete_Program_Trajectory_Block(ArmSocket s, int32_t id) {
+    return set(Request(s, "delete_program_trajectory").number("id", id), Delete_Program_Trajectory_Cmd);
+}
 ZK_API int Parser_Delete_State(const char* text) { return acknowledgement(text, "delete_state"); }
-ZK_API int Parser_Add_State(const char* text) { return acknowledgement(text, "add_state"); }
+
+AckReply Update_Program_Trajectory_Cmd[ZK_SLOTS];
+ZK_API int Update_Program_Trajectory(ArmSocket s, int32_t id, int32_t speed, const char* name) {
+    return checked(Update_Program_Trajectory_Block, s, id, speed, name);
+}
+ZK_API int Update_Program_Trajectory_Block(ArmSocket s, int32_t id, int32_t speed, const char* name) {
+    return set(
+        Request(s, "update_program_trajectory").text("project_name", name).number("plan_speed", speed).number("id", id),
+        Update_Program_Trajectory_Cmd);
+}
+
+AckReply Set_Default_Run_Program_Cmd[ZK_SLOTS];
+ZK_API int Set_Default_Run_Program(ArmSocket s, int32_t id) { return guarded(Set_Default_run_program_Block, s, id); }
+ZK_API int Set_Default_run_program_Block(ArmSocket s, int32_t id) {
+    return set(Request(s, "set_default_run_program").number("id", id), Set_Default_Run_Program_Cmd);
+}
+
+IntReply Get_Default_Run_Program_Cmd[ZK_SLOTS];
+ZK_API int Get_Default_Run_Program(ArmSocket s, int32_t* id) { return checked(Get_Default_run_program_Block, s, id); }
+ZK_API int Get_Default_run_program_Block(ArmSocket s, int32_t* id) {
+    return query_value(s, "get_default_run_program", Get_Default_Run_Program_Cmd, id);
+}
+ZK_API int Parser_Get_id(const char* text, int32_t* id) { return integer_value(text, "id", id); }

@@ -83,6 +83,7 @@ constexpr Row kRows[] = {
     {"Parser_Delete_State", "delete_state", 11},
     {"Parser_Save_Device_Info_All", "model", 11},
     {"Parser_Set_NetIP", "status", 11},
+    {"Parser_Set_Net_State_E", "status", 11},
     {"Parser_Set_Net_Default_Cmd", "net_default_state", 11},
     {"Parser_init_force_drag_threshold", "init_state", 11},
     {"Parser_Add_Electronic_Fence_Config", "add_config", 11},

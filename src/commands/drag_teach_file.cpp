@@ -1,0 +1,115 @@
+// The trajectory of a drag teaching, from the controller to a local file.
+#include <mutex>
+#include <string>
+
+#include "commands/drag_point.h"
+#include "commands/transfer.h"
+#include "connection/exchange.h"
+#include "connection/reply.h"
+#include "connection/wrappers.h"
+
+using namespace zk;
+
+FILE* F_SaveDragTeach = nullptr;
+int32_t drag_teach_count = 0;
+IntReply Save_Trajectory_Cmd[ZK_SLOTS];
+
+namespace {
+
+// The points arrive on the receive thread while the application opens and closes the file. Nobody waits under the lock.
+std::mutex file_lock;
+
+void close_file() {
+    const std::lock_guard lock(file_lock);
+    if (FILE* file = read(F_SaveDragTeach)) {
+        write<FILE*>(F_SaveDragTeach, nullptr);
+        std::fclose(file);
+    }
+}
+
+bool open_file(const char* path) {
+    close_file();
+    const std::lock_guard lock(file_lock);
+    write(F_SaveDragTeach, std::fopen(path, "w+"));
+    return read(F_SaveDragTeach) != nullptr;
+}
+
+bool file_is_open() {
+    const std::lock_guard lock(file_lock);
+    return read(F_SaveDragTeach) != nullptr;
+}
+
+// Opens the file, asks, and waits for the announcement. Gives the slot that it came in, or -1 and a status.
+int ask_for_points(ArmSocket s, const std::string& path, int32_t limit, int& slot) {
+    slot = slot_of(s);
+    if (slot < 0) return ZK_NOT_CONNECTED;
+    if (!open_file(path.c_str())) return ZK_FILE_NOT_CREATED;
+    const size_t separator = last_separator(path);
+    if (separator == path.npos) return ZK_BAD_PATH;
+    Mailbox(Save_Trajectory_Cmd).clear(slot);
+    post(Request(s, "save_trajectory").text("trajectory_name", path.c_str() + separator + 1));
+    const int status = await(Save_Trajectory_Cmd, s, limit, slot);
+    if (status == ZK_NOT_CONNECTED) close_file();
+    return status;
+}
+
+}  // namespace
+
+void zk::save_drag_point(int slot, const char* message) {
+    const std::lock_guard lock(file_lock);
+    FILE* file = read(F_SaveDragTeach);
+    if (!file) return;
+    std::fprintf(file, "%s\n", message);
+    std::fflush(file);
+    write(drag_teach_count, read(drag_teach_count) + 1);
+    if (read(drag_teach_count) != read(Save_Trajectory_Cmd[slot].value)) return;
+    write<FILE*>(F_SaveDragTeach, nullptr, std::memory_order_release);
+    std::fclose(file);
+    write(drag_teach_count, 0);
+}
+
+ZK_API int Save_Trajectory(ArmSocket s, const char* path, int32_t* total) {
+    if (sending_file()) return ZK_SENDING_FILE;
+    if (any_null(path, total)) return ZK_BAD_ARGUMENT;
+    sleep_cp(2);
+    return Save_Drag_Teach_File_Block_NC_E(s, path, total);
+}
+
+ZK_API int Save_Drag_Teach_File_Block_NC_E(ArmSocket s, const char* path, int32_t* total) {
+    constexpr int32_t longer_ms = 30000;
+    if (any_null(path, total)) return ZK_BAD_ARGUMENT;
+    int slot;
+    if (const int status = ask_for_points(s, path, limit_beyond(longer_ms), slot)) return status;
+    Mailbox mailbox(Save_Trajectory_Cmd);
+    *total = read(Save_Trajectory_Cmd[slot].value);
+    const int result = mailbox.result(slot);
+    if (result == ZK_OK && file_is_open()) return ZK_OK;  // the points are still coming
+    if (result != ZK_OK) close_file();
+    mailbox.clear(slot);
+    return result;
+}
+
+// Blocks too, but not as long; and it leaves the file open when the controller refuses.
+ZK_API int Save_Drag_Teach_File_NonBlock(ArmSocket s, const char* path, int32_t* total) {
+    if (any_null(path, total)) return ZK_BAD_ARGUMENT;
+    int slot;
+    if (const int status = ask_for_points(s, path, read(m_nOutTime), slot)) {
+        if (status == ZK_TIMEOUT) close_file();
+        return status;
+    }
+    Mailbox mailbox(Save_Trajectory_Cmd);
+    mailbox.clear(slot);
+    *total = read(Save_Trajectory_Cmd[slot].value);
+    return mailbox.result(slot);
+}
+
+ZK_API int Parser_Save_Drag_Teach_File_Block_NC_E(const char* text, int32_t* total) {
+    Reply reply(text);
+    const Item number = reply.number(reply.root(), "total_num");
+    if (number) *total = number.integer();
+    if (!reply.good()) return reply.status();
+    const Item state = reply.find("save_state");
+    reply.require(bool(state), ZK_BAD_REPLY);
+    reply.require(!state.is_false(), number.integer() == 0 ? ZK_NOTHING_SAVED : ZK_REFUSED);
+    return reply.status();
+}

@@ -1,0 +1,101 @@
+// A software update to the controller: announced, sent as it is, judged.
+#include <array>
+#include <cstring>
+#include <string>
+
+#include "commands/transfer.h"
+#include "connection/die.h"
+#include "connection/exchange.h"
+#include "connection/reply.h"
+#include "connection/wrappers.h"
+
+using namespace zk;
+
+AckReply Run_Update_Software_Project_Cmd[ZK_SLOTS];
+
+ZK_API int Parser_Run_UpdateSoftware_E(const char* text) {
+    return acknowledgement(text, "update_state", ZK_WRONG_TYPE, ZK_BAD_PATH);
+}
+
+namespace {
+
+constexpr size_t chunk = 2000;
+constexpr int longest_path = 1023;
+
+// The one request that is not printed over several lines, and whose name goes out as it is.
+Frame announcement(const std::string& name, int32_t file_size) {
+    Frame frame;
+    frame.length = std::snprintf(frame.text, Request::usual_frame,
+                                 "{\"command\":\"update_software\",\"file_size\":%d,\"update_name\":\"%s\"}\r\n",
+                                 file_size, name.c_str());
+    if (frame.length >= Request::usual_frame) {
+        die("the request \"update_software\" takes %d bytes, its frame holds %d", frame.length,
+            Request::usual_frame - 1);
+    }
+    return frame;
+}
+
+int announce(ArmSocket s, const std::string& name, int32_t file_size) {
+    const Frame frame = announcement(name, file_size);
+    std::printf("Run_Update_Software_Block: %s", frame.text);
+    return set(s, frame, Run_Update_Software_Project_Cmd);
+}
+
+int write_in_chunks(ByteStream stream, FILE* file, Progress& progress) {
+    progress.begin(size_of(file));
+    std::array<char, chunk> piece;
+    int64_t sent = 0;
+    while (const size_t got = std::fread(piece.data(), 1, piece.size(), file)) {
+        if (const int status = stream.write(piece.data(), got)) return status;
+        progress.sent(sent += static_cast<int64_t>(got));
+    }
+    return ZK_OK;
+}
+
+int send_bytes(ArmSocket s, const std::string& path, Progress& progress) {
+    const int slot = slot_of(s);
+    if (slot < 0) return ZK_NOT_CONNECTED;
+    Mailbox(Send_Project_Cmd).clear(slot);
+    const File file(std::fopen(path.c_str(), "rb+"));
+    if (!file) return ZK_FILE_UNREADABLE;
+    return await_verdict(s, write_in_chunks(file_stream(s), file.get(), progress), nullptr);
+}
+
+std::string bounded(const char* text, int32_t length, int32_t limit = ZK_PATH_SIZE) {
+    return std::string(text, strnlen(text, static_cast<size_t>(std::max(0, std::min(length, limit)))));
+}
+
+int send_update(ArmSocket s, const char* given_path, int32_t length, Progress progress) {
+    if (any_null(given_path)) return ZK_BAD_ARGUMENT;
+    if (length > ZK_PATH_SIZE) return ZK_PATH_TOO_LONG;
+    const std::string path = bounded(given_path, length);
+    const size_t separator = last_separator(path);
+    if (separator == path.npos) return ZK_BAD_PATH;
+
+    File file(std::fopen(path.c_str(), "rb+"));
+    const int32_t size = file ? size_of(file.get()) : -1;
+    file.reset();
+    if (size >= 0) write(m_update_scale, 0);
+    if (size < 1) return ZK_FILE_UNREADABLE;
+    if (const int status = announce(s, path.substr(separator + 1), size)) return status;
+    return send_bytes(s, path, progress);
+}
+
+}  // namespace
+
+ZK_API int UpdataSoftWare_Block_E(ArmSocket s, const char* path, int32_t path_len) {
+    return send_update(s, path, path_len, {nullptr, nullptr});
+}
+ZK_API int ZK_UpdataSoftWare_With_Progress(ArmSocket s, const char* path, int32_t path_len,
+                                           ZK_TransferProgress progress, void* user) {
+    return send_update(s, path, path_len, {progress, user});
+}
+ZK_API int Run_Update_Software_Block_E(ArmSocket s, const char* name, int32_t name_len, int32_t file_size) {
+    if (any_null(name)) return ZK_BAD_ARGUMENT;
+    return announce(s, bounded(name, name_len), file_size);
+}
+ZK_API int Send_Update_Software_Block_E(ArmSocket s, const char* path, int32_t path_len) {
+    if (any_null(path)) return ZK_BAD_ARGUMENT;
+    Progress nobody(nullptr, nullptr);
+    return send_bytes(s, bounded(path, path_len, longest_path), nobody);
+}

@@ -1,0 +1,115 @@
+// Transfers that fail on their way: the status, and that the line is free again. Limits run out in scaled time.
+#include "zk/file_transfer.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <iterator>
+#include <thread>
+
+#include "commands/project.h"
+#include "support/arm.h"
+#include "support/scaled_time.h"
+#include "support/simulated_arm.h"
+#include "support/temporary_file.h"
+
+namespace {
+
+using namespace zk::test;
+
+// More than a connection holds while nobody reads.
+constexpr size_t kLarge = 30'000'000;
+
+struct Failure {
+    const char* fault;
+    bool times_out;
+    int status;
+    int32_t line;
+};
+
+class FailingTransfer : public testing::TestWithParam<Failure> {};
+
+// From the first byte on, a limit of a minute runs out fast.
+void hurry(int64_t sent, int64_t, void*) {
+    if (sent == 0) set_time_factor(200);
+}
+
+size_t open_descriptors() {
+    return static_cast<size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
+}
+
+int send_project(ArmSocket arm, const std::string& path, bool times_out, int32_t& line) {
+    return ZK_Send_TrajectoryFile_With_Progress(arm, &line, project(path), times_out ? hurry : nullptr, nullptr);
+}
+int send_update(ArmSocket arm, const std::string& path, bool times_out) {
+    return ZK_UpdataSoftWare_With_Progress(arm, path.c_str(), static_cast<int32_t>(path.size()),
+                                           times_out ? hurry : nullptr, nullptr);
+}
+
+TEST_P(FailingTransfer, EndsInItsStatusAndFreesTheLine) {
+    const Failure& failure = GetParam();
+    const TemporaryDirectory source;
+    const bool stalls = std::string(failure.fault).find("stall") == 0;
+    const std::string path = source.file("a.txt", program_of_size(stalls ? kLarge : 2000));
+    for (const bool update : {false, true}) {
+        SCOPED_TRACE(update ? "update" : "project");
+        SimulatedArm arm({"--quiet", "--transfer-fault", failure.fault});
+        const size_t before = open_descriptors();
+        int32_t line = -1;
+        EXPECT_EQ(update ? send_update(arm, path, failure.times_out) : send_project(arm, path, failure.times_out, line),
+                  failure.status);
+        EXPECT_EQ(line, update ? -1 : failure.line);
+        EXPECT_EQ(shared(IsSendFile), 0);
+        EXPECT_EQ(open_descriptors(), before);
+        set_time_factor(1);
+        Arm_Socket_Close(arm);
+    }
+}
+INSTANTIATE_TEST_SUITE_P(, FailingTransfer,
+                         testing::Values(Failure{"refuse", false, 16, 0}, Failure{"error_line:17", false, 16, 17},
+                                         Failure{"silent", true, 7, -1}, Failure{"close:500", true, 7, -1},
+                                         Failure{"stall:500", true, 7, -1}),
+                         [](const auto& row) {
+                             const std::string fault = row.param.fault;
+                             return fault.substr(0, fault.find(':'));
+                         });
+
+// A transfer to a controller that does not read ends when another thread closes the connection.
+TEST(StalledTransfer, EndsWhenItsConnectionIsClosed) {
+    const TemporaryDirectory source;
+    const std::string path = source.file("a.txt", program_of_size(kLarge));
+    SimulatedArm arm({"--quiet", "--transfer-fault", "stall:0"});
+    std::thread closer;
+    struct Context {
+        ArmSocket arm;
+        std::thread& closer;
+    } context{arm, closer};
+    const auto close_it = [](int64_t sent, int64_t, void* user) {
+        auto& [connection, thread] = *static_cast<Context*>(user);
+        if (sent == 0) thread = std::thread([connection = connection] { Arm_Socket_Close(connection); });
+    };
+    EXPECT_EQ(ZK_Send_TrajectoryFile_With_Progress(arm, nullptr, project(path), close_it, &context), 5);
+    closer.join();
+    EXPECT_EQ(shared(IsSendFile), 0);
+}
+
+TEST(SavedPoints, AreWaitedForAsLongAsTheirFormWaits) {
+    const TemporaryDirectory directory;
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    set_shared(m_nOutTime, 1000);
+    const ArmSocket arm = connect_arm(controller);
+    set_time_factor(200);
+    int32_t total = -1;
+    const int32_t start = Get_Program_Runtime();
+    EXPECT_EQ(Save_Drag_Teach_File_NonBlock(arm, (directory / "a").c_str(), &total), 7);
+    EXPECT_EQ(shared(F_SaveDragTeach), nullptr);
+    const int32_t middle = Get_Program_Runtime();
+    EXPECT_GE(middle - start, 1000);
+    EXPECT_EQ(Save_Drag_Teach_File_Block_NC_E(arm, (directory / "a").c_str(), &total), 7);
+    EXPECT_NE(shared(F_SaveDragTeach), nullptr) << "points may still come";
+    EXPECT_GE(Get_Program_Runtime() - middle, 31000);
+    EXPECT_EQ(total, -1);
+}
+
+}  // namespace

@@ -1,0 +1,518 @@
+// File transfer: every command on the wire, what goes out in which pieces, and files that arrive as they were sent.
+#include "zk/file_transfer.h"
+
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+#include <regex>
+
+#include "commands/project.h"
+#include "support/command_case.h"
+#include "support/parser_case.h"
+#include "support/simulated_arm.h"
+#include "support/temporary_file.h"
+#include "support/wire_protocol.h"
+#include "zk/motion.h"
+#include "zk/startup.h"
+#include "zk/system.h"
+
+namespace {
+
+using namespace zk::test;
+
+// A file whose bytes the scripted controller takes for a request, so that it answers the end of the transfer.
+const char* const kContent = R"({"command": "content"})";
+const TemporaryDirectory& directory() {
+    static const TemporaryDirectory only;
+    return only;
+}
+std::string file_named(const std::string& name) { return directory().file(name, formatted(kContent) + "\r\n"); }
+
+const char* const kAccepted = R"({"command":"run_project","project_state":true})";
+const char* const kDone = R"({"command":"download_project","project_state":true})";
+const char* const kUpdateAccepted = R"({"command":"run_update_software","update_state":true})";
+const char* const kRunProject =
+    R"({"command": "run_project", "project_name": "a.b", "file_size": 27, "plan_speed": 20})";
+const char* const kRunKnown =
+    R"({"command": "run_project", "project_name": "p", "file_size": -1, "plan_speed": 50, "auto_start": 1, )"
+    R"("step_flag": 255, "save_id": 7, "only_save": 2})";
+const char* const kUpdate = "{\"command\":\"update_software\",\"file_size\":27,\"update_name\":\"u\\n.bin\"}";
+
+int send_trajectory(ArmSocket s, std::string& told) {
+    return with_outputs<int32_t>(
+        told, [s](int32_t* line) { return Send_TrajectoryFile(s, line, project(file_named("a.b.txt"), 20)); });
+}
+int send_block(ArmSocket s) {
+    const std::string path = file_named("a.b.txt");
+    return Send_TrajectoryFile_Block(s, 0, 0, path.c_str(), static_cast<int32_t>(path.size()) + 1, 20, 0, 0, nullptr,
+                                     0);
+}
+int run_known(ArmSocket s) {
+    g_is_robot_type_i = 1;
+    return Run_Project_Block(s, 7, 2, "pq", 1, -1, 50, 1, 255);
+}
+int send_data(ArmSocket s, std::string& told) {
+    const std::string data = formatted(kContent) + "\r\n";
+    return with_outputs<int32_t>(told, [&](int32_t* line) {
+        return Send_Project_Block(s, data.data(), static_cast<int32_t>(data.size()), line);
+    });
+}
+template <class Function, class... More>
+int update(Function function, ArmSocket s, More... more) {
+    const std::string path = file_named("u\\n.bin");
+    return function(s, path.c_str(), static_cast<int32_t>(path.size()), more...);
+}
+template <class Function>
+Call saving(Function function, const char* name) {
+    return [=](ArmSocket s, std::string& told) {
+        return with_outputs<int32_t>(told,
+                                     [=](int32_t* total) { return function(s, (directory() / name).c_str(), total); });
+    };
+}
+
+// The forms that share a request: its wire text, the announcement's reply, the bytes, the verdict.
+CommandCase transfer(const std::string& name, Call call, const std::string& wire, const std::string& reply,
+                     FirstRecord mailbox) {
+    CommandCase row{name, call, wire, reply};
+    row.mailbox = mailbox;
+    return row.followed_by({kContent, kDone});
+}
+CommandCase telling(CommandCase row, const std::string& told) {
+    row.told = told;
+    return row;
+}
+
+const char* const kSave = R"({"command": "save_trajectory", "trajectory_name": "drag.txt"})";
+CommandCase save(const std::string& name, Call call, const std::string& reply, int status, const std::string& told) {
+    return telling(CommandCase{name, call, kSave, reply, status}, told);
+}
+const char* const kTwoPoints = R"({"command":"save_trajectory","total_num":2,"save_state":true})";
+
+const std::vector<CommandCase> kRows = {
+    {"Send_TrajectoryFile", send_trajectory, kRunProject, kAccepted, 0, 65, "0", {}, {kContent, kDone}},
+    transfer(
+        CALL(ZK_Send_TrajectoryFile_With_Progress, (s, nullptr, project(file_named("a.b.txt"), 20), nullptr, nullptr)),
+        kRunProject, kAccepted, Run_Project_Cmd),
+    transfer("Send_TrajectoryFile_Block", send_block, kRunProject, kAccepted, Run_Project_Cmd),
+    {"Refused_Run_Project_Block", run_known, kRunKnown, R"({"command":"run_project","project_state":false})", 16},
+    transfer("Run_Project_Block", run_known, kRunKnown, kAccepted, Run_Project_Cmd).followed_by({}),
+    {"Send_Project_Block", send_data, kContent, kDone, 0, 65, "0", {}},
+    {"Rejected_Send_Project_Block", send_data, kContent,
+     R"({"command":"download_project","project_state":false,"err_line":3})", 16, 65, "3"},
+
+    save("Save_Trajectory", saving(Save_Trajectory, "drag.txt"), kTwoPoints, 0, "2"),
+    save("Save_Drag_Teach_File_Block_NC_E", saving(Save_Drag_Teach_File_Block_NC_E, "drag.txt"), kTwoPoints, 0, "2"),
+    save("Save_Drag_Teach_File_NonBlock", saving(Save_Drag_Teach_File_NonBlock, "drag.txt"), kTwoPoints, 0, "2"),
+    save("Empty_Save_Drag_Teach_File_Block_NC_E", saving(Save_Drag_Teach_File_Block_NC_E, "drag.txt"),
+         R"({"command":"save_trajectory","total_num":0,"save_state":false})", 24, "0"),
+    save("Refused_Save_Drag_Teach_File_NonBlock", saving(Save_Drag_Teach_File_NonBlock, "drag.txt"),
+         R"({"command":"save_trajectory","total_num":5,"save_state":false})", 1, "5"),
+
+    acknowledged(CALL(Set_Online_Next_E, (s)), Set_Online_Start_Cmd, R"({"command": "online_next"})",
+                 R"({"command":"online_next","state":true})"),
+    acknowledged(CALL(Set_Online_Next_Block_E, (s)), Set_Online_Start_Cmd, R"({"command": "online_next"})",
+                 R"({"command":"online_next","state":true})"),
+    unheard(CALL(Set_Lift_Version_E, (s, 3)), R"({"command": "set_lift_version", "lift_version": 3})",
+            R"({"command":"set_lift_version","lift_version":true})"),
+    unheard(CALL(Set_Lift_Version_Block_E, (s, -3)), R"({"command": "set_lift_version", "lift_version": -3})",
+            R"({"command":"set_lift_version","lift_version":true})"),
+    acknowledged(CALL(Set_Sale_Version_E, (s, 3)), Set_Sale_Version_Cmd,
+                 R"({"command": "set_sale_version", "sale_version": 3})",
+                 R"({"command":"set_sale_version","sale_version":true})"),
+    acknowledged(CALL(Set_Sale_Version_Block_E, (s, -3)), Set_Sale_Version_Cmd,
+                 R"({"command": "set_sale_version", "sale_version": -3})",
+                 R"({"command":"set_sale_version","sale_version":true})"),
+    answered(ASK(Get_Tool_Hardware_Version_E), Get_Tool_Hardware_Version_Cmd,
+             R"({"command": "get_tool_hardware_version"})", R"({"state":"get_tool_hardware_version","version":512})",
+             "512"),
+    answered(ASK(Get_Tool_Hardware_Version_Block_E), Get_Tool_Hardware_Version_Cmd,
+             R"({"command": "get_tool_hardware_version"})", R"({"state":"get_tool_hardware_version","version":512})",
+             "512"),
+    unheard(CALL(Set_Controller_IP_NC_E, (s, "10.0.0.3")), R"({"command": "set_NetIP", "ip": "10.0.0.3"})",
+            R"({"command":"set_NetIP","status":true})"),
+    unheard(CALL(Set_Controller_IP_Block_NC_E, (s, "10.0.0.3")), R"({"command": "set_NetIP", "ip": "10.0.0.3"})",
+            R"({"command":"set_NetIP","status":true})"),
+};
+
+// Without a guard of their own.
+const std::vector<CommandCase> kUnguarded = {
+    queued(CALL(Set_Popup_NonBlock_E, (s)), R"({"command": "popup", "popup_result": true})"),
+};
+
+class FileTransfer : public testing::TestWithParam<CommandCase> {};
+TEST_P(FileTransfer, OnTheWire) { run(GetParam()); }
+const auto kName = [](const auto& row) { return row.param.name; };
+INSTANTIATE_TEST_SUITE_P(, FileTransfer, testing::ValuesIn(kRows), kName);
+INSTANTIATE_TEST_SUITE_P(Unguarded, FileTransfer, testing::ValuesIn(kUnguarded), kName);
+
+// The update's request is the one that is not formatted.
+struct UpdateRow {
+    const char* name;
+    Call call;
+    bool announces, sends;
+};
+const UpdateRow kUpdates[] = {
+    {"UpdataSoftWare_Block_E", [](ArmSocket s) { return update(UpdataSoftWare_Block_E, s); }, true, true},
+    {"ZK_UpdataSoftWare_With_Progress",
+     [](ArmSocket s) {
+         const ZK_TransferProgress nobody = nullptr;
+         void* const user = nullptr;
+         return update(ZK_UpdataSoftWare_With_Progress, s, nobody, user);
+     },
+     true, true},
+    {CALL(Run_Update_Software_Block_E, (s, "u\\n.binary", 7, 27)), true, false},
+    {"Send_Update_Software_Block_E", [](ArmSocket s) { return update(Send_Update_Software_Block_E, s); }, false, true},
+};
+TEST(Update, GoesOverTheWire) {
+    for (const UpdateRow& row : kUpdates) {
+        SCOPED_TRACE(row.name);
+        ScriptedController controller;
+        ZK_API_Init(65, nullptr);
+        set_shared(m_nOutTime, 60000);
+        const ArmSocket arm = connect_arm(controller);
+        controller.answer("update_software", kUpdateAccepted);
+        controller.answer("content", kDone);
+        set_shared(m_update_scale, 50);
+        std::string told;
+        EXPECT_EQ(row.call(arm, told), 0);
+        EXPECT_EQ(shared(m_update_scale), row.announces && row.sends ? 0 : 50);
+        if (row.announces) {
+            EXPECT_EQ(controller.next_request(), kUpdate);
+        }
+        if (row.sends) {
+            EXPECT_EQ(controller.next_request(), formatted(kContent));
+        }
+        controller.answer("update_software", R"({"command":"run_update_software","update_state":false})");
+        controller.answer("content", R"({"command":"download_project","project_state":false})");
+        EXPECT_EQ(row.call(arm, told), 16);
+        Arm_Socket_Close(arm);
+    }
+}
+
+struct NumberRow {
+    const char* name;
+    Call call;
+    int status;
+    const char* told;
+};
+const NumberRow kNumbers[] = {
+    {"Set_Popup_State_E", [](ArmSocket) { return Set_Popup_State_E(1, 7); }, 0, ""},
+    {"Get_Popup_State_E",
+     [](ArmSocket, std::string& told) { return with_outputs<int32_t, int32_t>(told, Get_Popup_State_E); }, 0, "1; 7"},
+    {"Null_Get_Popup_State_E", [](ArmSocket) { return Get_Popup_State_E(nullptr, nullptr); }, 19, ""},
+    {"Get_Update_Scale_E", [](ArmSocket, std::string& told) { return with_outputs<int32_t>(told, Get_Update_Scale_E); },
+     0, "0"},
+    {"Cancle_Save_Trajectory_E", [](ArmSocket) { return drag_teach_flag = 1, Cancle_Save_Trajectory_E(); }, 0, ""},
+    {"Get_Save_Trajectory_Flag_E",
+     [](ArmSocket, std::string& told) { return with_outputs<int32_t>(told, Get_Save_Trajectory_Flag_E); }, 0, "0"},
+    {"countLinesInFile",
+     [](ArmSocket) {
+         const std::string text = "1\n" + std::string(1023, 'x') + "\n" + std::string(2046, 'y') + "\nlast";
+         return countLinesInFile(directory().file("lines", text).c_str());
+     },
+     7, ""},
+};
+TEST(FileTransferNumbers, AreKept) {
+    for (const NumberRow& row : kNumbers) {
+        std::string told;
+        EXPECT_EQ(row.call(-1, told), row.status) << row.name;
+        EXPECT_EQ(told, row.told) << row.name;
+    }
+}
+
+TEST(FileTransferGuards, EveryCommandHasARow) {
+    std::vector<CommandCase> rows = kRows;
+    rows.insert(rows.end(), kUnguarded.begin(), kUnguarded.end());
+    for (const UpdateRow& row : kUpdates) rows.push_back({row.name, row.call, "", ""});
+    for (const NumberRow& row : kNumbers) rows.push_back({row.name, row.call, "", ""});
+    EXPECT_EQ(commands_without_row("file_transfer.h", rows), "");
+}
+
+// All requests, without the bytes of files.
+TEST(FileTransferGuards, ThePageTellsTheWire) {
+    std::vector<CommandCase> rows = kUnguarded;
+    for (const CommandCase& row : kRows) {
+        if (row.wire != kContent) rows.push_back(row);
+    }
+    rows.push_back({"update", kUpdates[0].call, R"({"command": "update_software", "file_size": 1, "update_name": "u"})",
+                    kUpdateAccepted});
+    expect_documented("File transfer", rows);
+}
+
+TEST(FileTransferGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+
+struct Rejection {
+    const char* name;
+    int status;
+    std::vector<BadCall> calls;
+};
+Call updating(const std::string& path) {
+    return [=](ArmSocket s) { return UpdataSoftWare_Block_E(s, path.c_str(), static_cast<int32_t>(path.size())); };
+}
+Call sending(const std::string& path, int32_t project_type = 0) {
+    return [=](ArmSocket s) {
+        ProjectSendParams params = project(path);
+        params.project_type = project_type;
+        return Send_TrajectoryFile(s, nullptr, params);
+    };
+}
+Call sending_of_length(int32_t length) {
+    return [=](ArmSocket s) {
+        ProjectSendParams params = project("/a");
+        params.project_path_len = length;
+        return Send_TrajectoryFile(s, nullptr, params);
+    };
+}
+Call saving_at(const char* path) {
+    return [=](ArmSocket s) {
+        int32_t total;
+        return Save_Trajectory(s, path, &total);
+    };
+}
+
+// In a directory of their own: a name without a separator is one of the current directory.
+class Rejected : public testing::TestWithParam<Rejection> {};
+TEST_P(Rejected, SendsNothing) {
+    std::filesystem::current_path(directory().path());
+    directory().file("empty", "");
+    expect_nothing_sent(GetParam().calls, GetParam().status);
+    EXPECT_EQ(shared(IsSendFile), 0);
+    EXPECT_EQ(F_SaveDragTeach != nullptr, std::filesystem::exists("bare")) << "the file of a bare name stays open";
+}
+INSTANTIATE_TEST_SUITE_P(
+    , Rejected,
+    testing::Values(Rejection{"NullPointers",
+                              19,
+                              {{CALL(Save_Trajectory, (s, "/tmp/x", nullptr))},
+                               {CALL(Save_Drag_Teach_File_NonBlock, (s, nullptr, nullptr))},
+                               {CALL(Set_Controller_IP_NC_E, (s, nullptr))},
+                               {CALL(Get_Tool_Hardware_Version_E, (s, nullptr))},
+                               {CALL(Run_Project_Block, (s, 0, 0, nullptr, 1, 1, 1, 0, 0))},
+                               {CALL(Send_Project_Block, (s, nullptr, 1, nullptr))},
+                               {CALL(UpdataSoftWare_Block_E, (s, nullptr, 1))}}},
+                    Rejection{"LongPaths",
+                              15,
+                              {{CALL(UpdataSoftWare_Block_E, (s, "/a", 301))},
+                               {CALL(Send_TrajectoryFile_Block, (s, 0, 0, "/a", 301, 1, 0, 0, nullptr, 0))},
+                               {"project", sending_of_length(301)}}},
+                    Rejection{"UnreadableFiles",
+                              17,
+                              {{"missing update", updating("/nowhere/at/all")},
+                               {"empty update", updating("./empty")},
+                               {"missing", sending("/nowhere/at/all")},
+                               {"directory", sending("/tmp")},
+                               {"negative length", sending_of_length(-1)}}},
+                    Rejection{"PathsWithoutSeparator", 16, {{"update", updating("name")}, {"save", saving_at("bare")}}},
+                    Rejection{"FilesThatCannotBeCreated", 22, {{"save", saving_at("/nowhere/at/all")}}},
+                    Rejection{"HeadersWithoutSlash", -4, {{"project", sending("a\\b", 1)}}}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(FileTransferParsers, ReadTheirReplies) {
+    expect_parsed(parsing(Parser_SendFile), {{R"({"project_state":true,"err_line":4})", 0, ""},
+                                             {R"({"project_state":false,"err_line":4})", 16, "4"},
+                                             {R"({"project_state":false,"err_line":"4"})", 16, ""},
+                                             {R"({"project_state":1})", 11, ""},
+                                             {R"({"err_line":4})", 9, ""},
+                                             {R"({"project_state":tru)", 9, ""}});
+    expect_parsed(parsing(Parser_Save_Drag_Teach_File_Block_NC_E), {{R"({"total_num":3,"save_state":true})", 0, "3"},
+                                                                    {R"({"total_num":3,"save_state":false})", 1, "3"},
+                                                                    {R"({"total_num":0,"save_state":false})", 24, "0"},
+                                                                    {R"({"total_num":3,"save_state":"no"})", 0, "3"},
+                                                                    {R"({"total_num":3})", 9, "3"},
+                                                                    {R"({"total_num":"3","save_state":true})", 11, ""},
+                                                                    {R"({"save_state":true})", 9, ""},
+                                                                    {"", 9, ""}});
+    expect_acknowledgement({Parser_Set_Sale_Version_E, "sale_version", 0});
+    expect_acknowledgement({Parser_Set_Lift_Version_E, "lift_version", 0});
+}
+
+// A connection that keeps the pieces apart in which it was written to.
+class Pieces {
+ public:
+    Pieces() {
+        ZK_API_Init(65, nullptr);
+        if (socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends_) != 0) throw std::runtime_error("socketpair");
+        Init_Socket_Joint(65, ends_[0]);
+        set_shared(m_nOutTime, -10000);  // nobody answers
+    }
+    ~Pieces() {
+        Arm_Socket_Close(ends_[0]);
+        close(ends_[1]);
+    }
+    operator ArmSocket() const { return ends_[0]; }
+    std::vector<std::string> read() {
+        std::vector<std::string> pieces;
+        char bytes[4096];
+        for (ssize_t size; (size = recv(ends_[1], bytes, sizeof bytes, MSG_DONTWAIT)) > 0;)
+            pieces.emplace_back(bytes, static_cast<size_t>(size));
+        return pieces;
+    }
+
+ private:
+    int ends_[2];
+};
+
+TEST(Chunks, OfAProjectAreTenBytesAndEndAtAZero) {
+    Pieces arm;
+    using List = std::vector<std::string>;
+    EXPECT_EQ(Send_Project_Block(arm, "abcdefghijklmnopqrstuvwxy", 25, nullptr), 7);
+    EXPECT_EQ(arm.read(), (List{"abcdefghij", "klmnopqrst", "uvwxy"}));
+    const char zeros[] = "ab\0defghij\0lmnopqrstuvwx\0";
+    EXPECT_EQ(Send_Project_Block(arm, zeros, 25, nullptr), 7);
+    EXPECT_EQ(arm.read(), (List{"ab", "uvwx"}));
+}
+
+TEST(Chunks, OfAnUpdateAreTwoThousandBytesOfAnyKind) {
+    Pieces arm;
+    std::string content(4500, '\0');
+    for (size_t i = 0; i < content.size(); ++i) content[i] = static_cast<char>(i % 251);
+    const std::string path = directory().file("update", content);
+    EXPECT_EQ(Send_Update_Software_Block_E(arm, path.c_str(), static_cast<int32_t>(path.size())), 7);
+    const std::vector<std::string> pieces = arm.read();
+    ASSERT_EQ(pieces.size(), 3u);
+    EXPECT_EQ(pieces[0].size(), 2000u);
+    EXPECT_EQ(pieces[0] + pieces[1] + pieces[2], content);
+}
+
+TEST(Project, WithItsHeaderGoesOutAsACopyUnderANewName) {
+    SimulatedArm arm({"--quiet", "--files", directory().path()});
+    const TemporaryDirectory source;
+    ProjectSendParams params = project(source.file("a.b.txt", "{}\n{}\n"));
+    params.project_type = 1;
+    params.only_save = 1;
+    ASSERT_EQ(Send_TrajectoryFile(arm, nullptr, params), 0);
+    std::string name;
+    for (const auto& entry : std::filesystem::directory_iterator(directory().path())) {
+        if (std::regex_match(entry.path().filename().string(),
+                             std::regex(R"(a\.b\d{4}-\d\d-\d\d \d\d_\d\d_\d\d\.txt)")))
+            name = entry.path().filename();
+    }
+    const std::string expected =
+        "{\"file\":6}\r\n{\"name\":\"Folder\",\"num\":1,\"type\":2,\"enabled\":true,\"parent_number\":0}\r\n{}\n{}\n";
+    EXPECT_EQ(content_of(directory() / name), expected);
+    EXPECT_EQ(content_of(source / name), expected) << "the copy stays beside the source";
+}
+
+TEST(ProjectDeathTest, WithItsHeaderEndsTheProcessWithoutASource) {
+    EXPECT_EXIT(add_lines_to_file(-1, "/nowhere/at/all", "/nowhere/too"), testing::ExitedWithCode(1), "打开文件失败");
+}
+
+struct Told {
+    ArmSocket arm;
+    std::vector<int64_t> sent = {};
+    int64_t total = 0;
+    int other_transfer = 0, other_command = 0;
+
+    static void progress(int64_t sent, int64_t total, void* user) {
+        Told& told = *static_cast<Told*>(user);
+        if (sent == 0) {
+            told.other_transfer = Send_TrajectoryFile(told.arm, nullptr, project("/tmp/x"));
+            told.other_command = Clear_System_Err(told.arm, true);
+            Set_Ethernet_Block(told.arm);  // waits in the queue for the end of the transfer
+        }
+        told.sent.push_back(sent);
+        told.total = total;
+    }
+};
+
+TEST(Transfer, OfAProjectOfFiveMegabytesArrivesWholeAndHoldsTheLine) {
+    const TemporaryDirectory kept;
+    SimulatedArm arm({"--quiet", "--files", kept.path()});
+    const TemporaryDirectory source;
+    const std::string content = program_of_size(5'000'000), path = source.file("large.txt", content);
+    ProjectSendParams params = project(path);
+    params.only_save = 1;
+    Told told{arm};
+    ASSERT_EQ(ZK_Send_TrajectoryFile_With_Progress(arm, nullptr, params, Told::progress, &told), 0);
+    EXPECT_TRUE(content_of(kept / "large") == content);
+    EXPECT_EQ(told.other_transfer, 18);
+    EXPECT_EQ(told.other_command, 18);
+    EXPECT_EQ(told.sent.size(), 101u);
+    EXPECT_TRUE(std::is_sorted(told.sent.begin(), told.sent.end()));
+    EXPECT_EQ(told.sent.back(), static_cast<int64_t>(content.size()));
+    EXPECT_EQ(told.total, static_cast<int64_t>(content.size()));
+    EXPECT_EQ(shared(IsSendFile), 0);
+    EXPECT_EQ(Clear_System_Err(arm, true), 0);
+}
+
+TEST(Transfer, OfAnUpdateArrivesWholeWhateverItsBytes) {
+    const TemporaryDirectory kept;
+    SimulatedArm arm({"--quiet", "--files", kept.path()});
+    const TemporaryDirectory source;
+    std::string content = "{\"command\":\"set_arm_stop\"}\r\n";
+    for (int i = 0; i < 1'000'000; ++i) content += static_cast<char>(i * i >> 3);
+    const std::string path = source.file("image.bin", content);
+    ASSERT_EQ(UpdataSoftWare_Block_E(arm, path.c_str(), static_cast<int32_t>(path.size())), 0);
+    EXPECT_TRUE(content_of(kept / "image.bin") == content);
+    EXPECT_EQ(Clear_System_Err(arm, true), 0);
+}
+
+TEST(Transfer, NamesTheLineThatIsWrong) {
+    SimulatedArm arm({"--quiet"});
+    int32_t line = 0;
+    const std::string path = directory().file("wrong.txt", "{}\n\n{\"command\":\"set_arm_power\"}\n");
+    EXPECT_EQ(Send_TrajectoryFile(arm, &line, project(path)), 16);
+    EXPECT_EQ(line, 3);
+    EXPECT_EQ(shared(IsSendFile), 0);
+}
+
+// Points that the controller streams, one a line, until all have come.
+class Saving : public testing::Test {
+ protected:
+    Saving() : path_(directory() / "drag.txt") {
+        ZK_API_Init(65, nullptr);
+        set_shared(m_nOutTime, 60000);
+        arm_ = connect_arm(controller_);
+    }
+    int save(const zk::test::Pieces& replies) {
+        controller_.answer_bytes("save_trajectory", replies);
+        return Save_Trajectory(arm_, path_.c_str(), &total_);
+    }
+    void wait_for_close() {
+        eventually([] { return shared(F_SaveDragTeach) == nullptr; });
+    }
+
+    ScriptedController controller_;
+    ArmSocket arm_ = 0;
+    std::string path_;
+    int32_t total_ = 0;
+};
+std::string announcement(int total) {
+    return line(R"({"command":"save_trajectory","total_num":)" + std::to_string(total) + R"(,"save_state":true})");
+}
+std::string point(int number) { return line(R"({"point":[)" + std::to_string(number) + "]}"); }
+
+TEST_F(Saving, WritesThePointsAndClosesTheFileBehindTheLast) {
+    EXPECT_EQ(save({announcement(2), point(1), point(2), point(3)}), 0);
+    EXPECT_EQ(total_, 2);
+    wait_for_close();
+    EXPECT_EQ(content_of(path_), "{\"point\":[1]}\n{\"point\":[2]}\n");
+    EXPECT_EQ(shared(drag_teach_count), 0);
+}
+
+TEST_F(Saving, ThatWasCutOffShortensTheNext) {
+    EXPECT_EQ(save({announcement(3), point(1)}), 0);
+    eventually([] { return shared(drag_teach_count) == 1; });
+    EXPECT_EQ(save({announcement(3), point(4), point(5), point(6)}), 0);
+    wait_for_close();
+    EXPECT_EQ(content_of(path_), "{\"point\":[4]}\n{\"point\":[5]}\n");
+}
+
+TEST(Save, TakesTheWayThatTheSimulatedArmWent) {
+    SimulatedArm arm({"--quiet"});
+    int32_t total = 0;
+    const std::string path = directory() / "way.txt";
+    EXPECT_EQ(Save_Trajectory(arm, path.c_str(), &total), 24);
+    float target[6] = {5, 0, 0, 0, 0, 0};
+    ASSERT_EQ(Movej_Cmd(arm, target, 100, 0, 0, true), 0);
+    ASSERT_EQ(Save_Trajectory(arm, path.c_str(), &total), 0);
+    EXPECT_GT(total, 5);
+    eventually([] { return shared(F_SaveDragTeach) == nullptr; });
+    const std::string content = content_of(path);
+    EXPECT_EQ(std::count(content.begin(), content.end(), '\n'), total);
+}
+
+}  // namespace
