@@ -21,7 +21,7 @@ double JointLimits::speed() const { return max_speed * kDegreesPerWireSpeed; }
 double JointLimits::acc() const { return max_acc * kDegreesPerWireSpeed; }
 
 Arm::Arm(const RobotModel& model, const JointVector& joints)
-    : model_(model), joints_(joints), states_(model.joint_count()) {
+    : model_(model), joints_(joints), ordered_(joints), states_(model.joint_count()) {
     for (const JointRange& joint : model.joints) range_.push_back(wire_limits(joint));
     limits = drive_limits = range_;
     motion_.check = [this](const Path& path) { check(path); };
@@ -89,6 +89,7 @@ std::string Arm::objection_to(const JointVector& target) const {
 
 std::string Arm::objection_to_moving() const {
     if (!powered_) return "the arm is powered off";
+    if (dragged_) return "the arm is being dragged";
     if (arm_error_ != 0 || system_error_ != 0) return "the arm is in error";
     for (const JointState& state : states_) {
         if (state.error != 0) return "a joint is in error";
@@ -124,7 +125,7 @@ void Arm::clear_odometers() {
 
 bool Arm::set_joint_zero(size_t joint) {
     if (!motion_.idle()) return false;
-    joints_[joint] = 0;
+    joints_[joint] = ordered_[joint] = 0;
     return true;
 }
 
@@ -145,7 +146,8 @@ std::vector<int> Arm::currents() const {
 
 void Arm::step(double seconds) {
     const JointVector before = joints_;
-    motion_.step(seconds, joints_);
+    motion_.step(seconds, ordered_);
+    joints_ = yielding ? yielding(ordered_) : ordered_;
     for (size_t i = 0; i < joints_.size(); ++i) {
         states_[i].speed = (joints_[i] - before[i]) / seconds;
         states_[i].odometer += std::abs(joints_[i] - before[i]);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -43,10 +44,10 @@ class Arm {
     const MotionQueue& motion() const { return motion_; }
 
     // Queues a move. Throws NoPath if there is no way for it, and has not changed then.
-    void order(Move move) { motion_.add(std::move(move), joints_); }
+    void order(Move move) { motion_.add(std::move(move), ordered_); }
 
     // Where all moves that are queued will have led.
-    JointVector end() const { return motion_.end(joints_); }
+    JointVector end() const { return motion_.end(ordered_); }
 
     // What the mechanics allow, and no limit may exceed.
     const std::vector<JointLimits>& range() const { return range_; }
@@ -72,6 +73,15 @@ class Arm {
     void set_errors(int arm_error, int system_error);
     void clear_odometers();
 
+    // While a hand drags the arm it takes no orders, and stands where the hand has it.
+    void set_dragged(bool dragged) { dragged_ = dragged; }
+    void drag_to(const JointVector& joints) { ordered_ = joints; }
+
+    // Where the joints stand when they are ordered somewhere: elsewhere, while the arm gives way to a force.
+    std::function<JointVector(const JointVector& ordered)> yielding;
+    // Where they stand is where they are ordered to be, from now on.
+    void take_stand() { ordered_ = joints_; }
+
     // Takes where the joint stands as its zero. False while the arm moves.
     bool set_joint_zero(size_t joint);
 
@@ -89,10 +99,12 @@ class Arm {
  private:
     RobotModel model_;
     JointVector joints_;
+    JointVector ordered_;
     std::vector<JointState> states_;
     std::vector<JointLimits> range_;
     MotionQueue motion_;
     bool powered_ = true;
+    bool dragged_ = false;
     int arm_error_ = 0;
     int system_error_ = 0;
 };

@@ -25,11 +25,12 @@ using Query = std::function<Json(Call&)>;
 using Hook = std::function<void(Call&)>;
 
 struct Command {
-    std::string literal;  // by which the client finds the reply
-    std::string key;      // of the acknowledgement; empty when the command has none
-    Action action;        // of a command that is acknowledged or not answered
-    Query query;          // of one that is answered
-    Hook refused;         // runs behind a false acknowledgement
+    std::string literal;              // by which the client finds the reply
+    std::string key;                  // of the acknowledgement; empty when the command has none
+    Action action;                    // of a command that is acknowledged or not answered
+    Query query;                      // of one that is answered
+    Hook refused;                     // runs behind a false acknowledgement
+    bool acknowledged_later = false;  // by the action itself, when what it began has ended; a refusal at once
 };
 
 // The commands by name. A client tells replies apart by searching their text for literals in a fixed order, and the

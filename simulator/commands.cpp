@@ -12,6 +12,9 @@ CommandTable all_commands() {
     add_trajectory_commands(table);
     add_streaming_commands(table);
     add_teach_commands(table);
+    add_drag_commands(table);
+    add_force_commands(table);
+    add_force_position_commands(table);
     add_push_commands(table);
     add_fence_commands(table);
     add_modbus_commands(table);

@@ -1,5 +1,6 @@
 #include "controller.h"
 
+#include <cmath>
 #include <numbers>
 
 #include "commands.h"
@@ -16,6 +17,8 @@ constexpr double kRadians = std::numbers::pi / 180;
 Controller::Controller(const Options& options)
     : arm(options.model, options.joints.empty() ? options.model.home : options.joints),
       devices(options.object_width),
+      sensor(options.load, options.force_noise, options.seed),
+      wall(options.wall),
       install(options.install),
       init_pose(options.model.joint_count(), 0.0),
       push(options.push),
@@ -25,6 +28,8 @@ Controller::Controller(const Options& options)
     faults.delay_ms = options.delay_ms;
     faults.transfer = options.transfer_fault;
     files.directory = options.files;
+    drag.script = options.hand;
+    arm.yielding = [this](const JointVector& ordered) { return yielded(ordered); };
     for (const std::string& name : options.silent_on) {
         if (!commands_.find(name)) throw std::invalid_argument("--silent-on: unknown command '" + name + "'");
         faults.silent_on.insert(name);
@@ -44,9 +49,11 @@ Controller::Controller(const Options& options)
         works.select("work");
     }
     arm.motion().on_end = [](const Move& move, bool arrived) {
+        if (move.ended) return move.ended(arrived);
         if (arrived && move.connect != 0) return;  // joined to the next
         report_arrival(move.client.lock(), Device::arm, arrived, move.connect);
     };
+    measure_force();
 }
 
 Controller::~Controller() = default;
@@ -81,17 +88,67 @@ void Controller::carry_out(const Command& command, Call& call) {
     } catch (const NoPath& error) {
         note(call.client->name() + ": " + call.request.command() + ": " + error.what());
     }
-    if (!command.key.empty()) call.client->send({{"command", command.literal}, {command.key, done}});
+    const bool later = done && command.acknowledged_later;
+    if (!command.key.empty() && !later) call.client->send({{"command", command.literal}, {command.key, done}});
     if (!done && command.refused) command.refused(call);
 }
 
 void Controller::step() {
+    constexpr double kSeconds = kStepMs / 1000.0;
     ++steps_;
-    arm.step(kStepMs / 1000.0);
-    devices.step(kStepMs / 1000.0);
+    drag.step(kSeconds);
+    step_hold(kSeconds);
+    arm.step(kSeconds);
+    devices.step(kSeconds);
+    measure_force();
     path.step(arm);
     programs.step(*this);
     files.step(kStepMs);
+}
+
+void Controller::measure_force() {
+    const KDL::Frame flange = mounted_flange();
+    sensor.measure(flange, contact_with(wall, flange, surroundings().flange_T_tool));
+}
+
+KDL::Wrench Controller::felt(ForceAxes axes) const {
+    KDL::Wrench wrench = sensor.compensated();
+    if (arm.model().sensor == Sensor::one_force) wrench = {KDL::Vector(0, 0, wrench.force.z()), KDL::Vector::Zero()};
+    if (axes == ForceAxes::sensor) return wrench;
+    const KDL::Wrench at_tool = surroundings().flange_T_tool.Inverse(wrench);
+    return axes == ForceAxes::tool ? at_tool : tool_pose().M * at_tool;
+}
+
+bool Controller::hold_force(const HoldOrder& order) {
+    if (hold.stands_off() && order.of_tool != hold.order().of_tool && !settle_hold()) return false;
+    hold.begin(order);
+    return true;
+}
+
+// At rest the arm stays where a hold has brought it.
+bool Controller::settle_hold() {
+    if (!arm.motion().idle()) return false;
+    arm.take_stand();
+    hold.forget();
+    return true;
+}
+
+void Controller::step_hold(double seconds) {
+    if (hold.active() && !arm.objection_to_moving().empty()) hold.end();
+    if (!hold.active() && (!hold.stands_off() || settle_hold())) return;
+    hold.step(seconds, -felt(hold.order().of_tool ? ForceAxes::tool : ForceAxes::work));
+}
+
+// Where the arm cannot give way any further it stays.
+JointVector Controller::yielded(const JointVector& ordered) {
+    constexpr double kFarthest = 5;  // degrees of a joint in one step
+    if (!hold.stands_off()) return ordered;
+    const auto joints = joints_at(hold.shifted(surroundings().tool_of(flange_at(ordered))), arm.joints());
+    bool near = joints.has_value();
+    for (size_t i = 0; near && i < joints->size(); ++i) near = std::abs((*joints)[i] - arm.joints()[i]) < kFarthest;
+    if (near) return *joints;
+    hold.step_back();
+    return arm.joints();
 }
 
 KDL::Frame Controller::flange_pose() const { return flange_at(arm.joints()); }

@@ -12,7 +12,10 @@
 #include "client.h"
 #include "command_table.h"
 #include "devices.h"
+#include "drag_teach.h"
 #include "files.h"
+#include "force_hold.h"
+#include "force_sensor.h"
 #include "frames.h"
 #include "modbus.h"
 #include "options.h"
@@ -43,6 +46,8 @@ struct CartesianLimits {
 
 // Whose axes the tool is jogged along and about.
 enum class TeachFrame { work = 0, tool = 1 };
+
+enum class ForceAxes { sensor, work, tool };
 
 // Everything that the controller knows, and the commands that act on it. Runs in one thread, knows no sockets, and
 // moves only when `step` tells it that time has passed.
@@ -78,10 +83,21 @@ class Controller {
     std::optional<JointVector> joints_at(const KDL::Frame& tool, const JointVector& seed,
                                          const Surroundings& around) const;
 
+    // What the sensor feels beyond its load: at the flange in its own axes, or at the tool in the axes of the work
+    // frame or of the tool. A one-axis sensor feels nothing across its axis.
+    KDL::Wrench felt(ForceAxes axes) const;
+
+    // False when the arm, in motion, holds a force in other axes.
+    bool hold_force(const HoldOrder& order);
+
     const CommandTable& commands() const { return commands_; }
 
     Arm arm;
     Devices devices;
+    DragTeach drag{arm};
+    ForceSensor sensor;
+    Wall wall;
+    ForceHold hold;
     FrameStore tools{"Arm_Tip"};
     FrameStore works{"Base"};
     Frame payload;                    // in force; its pose means nothing
@@ -99,6 +115,10 @@ class Controller {
 
  private:
     void carry_out(const Command& command, Call& call);
+    JointVector yielded(const JointVector& ordered);
+    bool settle_hold();
+    void step_hold(double seconds);
+    void measure_force();
     KDL::Frame mounting() const;
 
     CommandTable commands_;

@@ -38,6 +38,9 @@ struct Move {
     double blend = 0;              // of its last ramp, on which the next begins already: 0 to 1
     std::weak_ptr<Client> client;  // gets the arrival report
 
+    // Called in the place of that report, if there is one.
+    std::function<void(bool arrived)> ended = {};
+
     // The path from where the arm stands when the move's turn comes. Throws NoPath if there is none.
     std::function<Path(const JointVector& start)> plan;
 

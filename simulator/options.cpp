@@ -104,6 +104,27 @@ TransferFault parse_transfer_fault(std::string_view option, const std::string& t
     return fault;
 }
 
+Load parse_load(std::string_view option, std::string_view text) {
+    const std::vector<double> values = parse_list(option, text, 4);
+    if (values[0] < 0 || values[0] > 100) throw std::invalid_argument("--load: must be from 0 to 100 kg");
+    return {values[0], KDL::Vector(values[1], values[2], values[3])};
+}
+
+double parse_noise(std::string_view option, std::string_view text) {
+    const double noise = parse_list(option, text, 1)[0];
+    if (noise < 0 || noise > 100) throw std::invalid_argument("--force-noise: must be from 0 to 100 N");
+    return noise;
+}
+
+Wall parse_wall(std::string_view option, std::string_view text) {
+    constexpr double kStiffest = 50'000;  // newtons per metre, which a hold can do with
+    const std::vector<double> values = parse_list(option, text, 7);
+    Wall wall{KDL::Vector(values[0], values[1], values[2]), KDL::Vector(values[3], values[4], values[5]), values[6]};
+    if (wall.normal.Normalize() == 0 || wall.stiffness < 0 || wall.stiffness > kStiffest)
+        throw std::invalid_argument("--wall: needs a normal, and a stiffness from 0 to 50000 N/m");
+    return wall;
+}
+
 struct OptionRow {
     const char* name;
     const char* value;  // what it takes, as the help calls it; empty when it takes none
@@ -136,6 +157,16 @@ constexpr OptionRow kOptions[] = {
      [](Options& o, const string& value) { o.install = parse_angles("install", value); }},
     {"object", "WIDTH", "what the gripper finds to grip, 1 to 999 of an opening of 1000 (0: nothing)",
      [](Options& o, const string& value) { o.object_width = parse_integer("object", value, 0, Gripper::kOpen - 1); }},
+    {"hand", "FILE", "how a hand leads the arm in drag teaching: lines of seconds and joint angles",
+     [](Options& o, const string& value) { o.hand = read_hand(value); }},
+    {"load", "KG,X,Y,Z", "what hangs on the force sensor, and where its centre of gravity is in the flange (0)",
+     [](Options& o, const string& value) { o.load = parse_load("load", value); }},
+    {"wall", "X,Y,Z,NX,NY,NZ,K", "an elastic wall in the room: a place, its normal, newtons per metre",
+     [](Options& o, const string& value) { o.wall = parse_wall("wall", value); }},
+    {"force-noise", "N", "standard deviation of the force sensor's noise, newtons (0.02)",
+     [](Options& o, const string& value) { o.force_noise = parse_noise("force-noise", value); }},
+    {"seed", "N", "of that noise (1)",
+     [](Options& o, const string& value) { o.seed = static_cast<unsigned>(parse_integer("seed", value, 0, INT_MAX)); }},
     {"silent-on", "COMMAND", "ignore this command; may be given several times",
      [](Options& o, const string& value) { o.silent_on.push_back(value); }},
     {"refuse-on", "COMMAND", "answer this command with false; may be given several times",
@@ -166,14 +197,12 @@ std::string wrong_option(char** argv) {
 }
 
 // Limits hold for the model that is given, wherever on the line it stands.
-void check_joints(const Options& options) {
-    const RobotModel& model = options.model;
-    if (options.joints.empty()) return;
-    if (options.joints.size() != model.joint_count())
-        throw std::invalid_argument("--joints: needs " + std::to_string(model.joint_count()) + " numbers");
-    for (size_t i = 0; i < options.joints.size(); ++i) {
-        if (options.joints[i] < model.joints[i].min || options.joints[i] > model.joints[i].max)
-            throw std::invalid_argument("--joints: joint " + std::to_string(i + 1) + " beyond its limit");
+void check_joints(const RobotModel& model, const std::string& option, const JointVector& joints) {
+    if (joints.size() != model.joint_count())
+        throw std::invalid_argument(option + ": needs " + std::to_string(model.joint_count()) + " joint angles");
+    for (size_t i = 0; i < joints.size(); ++i) {
+        if (!(joints[i] >= model.joints[i].min && joints[i] <= model.joints[i].max))
+            throw std::invalid_argument(option + ": joint " + std::to_string(i + 1) + " beyond its limit");
     }
 }
 
@@ -191,7 +220,8 @@ Options parse_options(int argc, char** argv) {
         kOptions[row].take(options, optarg ? optarg : "");
     }
     if (optind < argc) throw std::invalid_argument(std::string("unexpected argument ") + argv[optind]);
-    check_joints(options);
+    if (!options.joints.empty()) check_joints(options.model, "--joints", options.joints);
+    for (const HandLeg& leg : options.hand) check_joints(options.model, "--hand", leg.joints);
     return options;
 }
 

@@ -5,7 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "drag_teach.h"
 #include "files.h"
+#include "force_hold.h"
+#include "force_sensor.h"
 #include "frames.h"
 #include "push.h"
 #include "robot_model.h"
@@ -25,6 +28,11 @@ struct Options {
     std::optional<WirePose> work;     // the same, under the name "work"
     std::array<double, 3> install{};  // degrees
     int object_width = 0;             // between the fingers of the gripper, 0 for none
+    std::vector<HandLeg> hand;        // which the arm is dragged along
+    Load load;                        // on the sensor
+    double force_noise = 0.02;        // newtons
+    unsigned seed = 1;
+    Wall wall;
     PushSettings push{.port = 8089};
     std::vector<std::string> silent_on;
     std::vector<std::string> refuse_on;

@@ -42,16 +42,28 @@ Json waypoint(const Controller& controller) {
             {"position", {wire[0], wire[1], wire[2]}}};
 }
 
-// The sensors feel nothing.
-void add_force(const Controller& controller, Json& message) {
-    const int coordinate = controller.push.force_coordinate;
-    if (controller.arm.model().sensor == Sensor::six_force) {
-        const std::vector<int> none(6, 0);
-        message["six_force_sensor"] = {{"force", none}, {"zero_force", none}, {"coordinate", coordinate}};
-    } else if (controller.arm.model().sensor == Sensor::one_force) {
-        const std::vector<int> none(1, 0);
-        message["one_force_sensor"] = {{"force", none}, {"zero_force", none}, {"coordinate", coordinate}};
+std::string status_of(const Controller& controller) {
+    return controller.drag.active() ? controller.drag.status() : controller.arm.motion().status();
+}
+
+// Thousandths: all six of the one sensor, the force along z of the other.
+std::vector<int> wire_forces(const KDL::Wrench& wrench, Sensor sensor) {
+    std::vector<int> wire;
+    for (int i = 0; i < 6; ++i) {
+        if (sensor == Sensor::six_force || i == 2) wire.push_back(static_cast<int>(std::lround(wrench(i) * 1000)));
     }
+    return wire;
+}
+
+void add_force(const Controller& controller, Json& message) {
+    const Sensor sensor = controller.arm.model().sensor;
+    if (sensor == Sensor::bare) return;
+    const int coordinate = controller.push.force_coordinate;
+    const KDL::Wrench zero = controller.felt(static_cast<ForceAxes>(coordinate));
+    message[sensor == Sensor::six_force ? "six_force_sensor" : "one_force_sensor"] = {
+        {"force", wire_forces(controller.sensor.measured(), sensor)},
+        {"zero_force", wire_forces(zero, sensor)},
+        {"coordinate", coordinate}};
 }
 
 Json lift_state(const LinearAxis& lift) {
@@ -94,7 +106,7 @@ std::string push_datagram(const Controller& controller) {
                  {"waypoint", waypoint(controller)},
                  {"arm_err", controller.arm.arm_error()},
                  {"sys_err", controller.arm.system_error()}};
-    if (controller.push.arm_current_status) message["arm_current_status"] = controller.arm.motion().status();
+    if (controller.push.arm_current_status) message["arm_current_status"] = status_of(controller);
     add_force(controller, message);
     add_devices(controller, message);
     std::string text = message.dump();

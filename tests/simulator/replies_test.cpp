@@ -43,6 +43,70 @@ Row done(const std::string& command, const Json& keys, int code, const std::stri
     return {command, keys, code, {{"/" + key, "true"}}};
 }
 
+// At rest, and nothing recorded before the first row.
+std::vector<Row> drag_rows(size_t joints) {
+    return {
+        {"drag_trajectory_origin", {}, 119, {{"/trajectory_state", "boolean"}}},
+        done("start_drag_teach", {{"trajectory_record", 1}}, 113, "drag_teach"),
+        done("zk_sim_hand", {{"seconds", 3600}, {"joint", array(joints, 0)}}, 0, "done"),
+        done("stop_drag_teach", {}, 114, "drag_teach"),
+        {"run_drag_trajectory", {}, 115, {{"/run_state", "boolean"}}},  // says so when it has ended
+        {"pause_drag_trajectory", {}, 116, {{"/pause_state", "boolean"}}},
+        {"continue_drag_trajectory", {}, 117, {{"/continue_state", "boolean"}}},
+        {"stop_drag_trajectory", {}, 118, {{"/stop_state", "boolean"}}},
+        done("start_multi_drag_teach", {{"mode", 0}, {"singular_wall", 1}}, 120, "set_state"),
+        done("stop_drag_teach", {}, 114, "drag_teach"),
+        done("set_drag_teach_sensitivity", {{"grade", 70}}, 272, "set_state"),
+        {"get_drag_teach_sensitivity", {}, 273, {{"/grade", "number"}}},
+    };
+}
+
+// Calibrations end at once, refused, on an arm without power.
+std::vector<Row> six_force_rows(size_t joints) {
+    const Json held{{"sensor", 1}, {"mode", 0}, {"direction", 2}, {"N", 0}};
+    return {
+        {"get_force_data",
+         {},
+         123,
+         {{"/force_data", "numbers"},
+          {"/zero_force_data", "numbers"},
+          {"/work_zero_force_data", "numbers"},
+          {"/tool_zero_force_data", "numbers"}}},
+        done("clear_force_data", {}, 124, "clear_state"),
+        done("Start_Force_Position_Move", {}, 160, "set_state"),
+        {"Force_Position_Move",
+         {},
+         161,
+         {{"/joint", "joints"}, {"/all_direction_force", "pose"}, {"/force", "number"}, {"/arm_err", "number"}}},
+        done("Stop_Force_Position_Move", {}, 162, "set_state"),
+        done("set_force_position", held, 121, "set_state"),
+        done("stop_force_position", {}, 122, "stop_state"),
+        done("set_arm_power", {{"arm_power", 0}}, 86, "arm_power"),
+        {"set_force_sensor", {}, 125, {{"/set_state", "boolean"}}},
+        {"manual_set_force_pose4", {{"joint", array(joints, 0)}}, 125, {{"/set_state", "boolean"}}},
+        {"stop_set_force_sensor", {}, 126, {{"/stop_state", "boolean"}}},
+        done("set_arm_power", {{"arm_power", 1}}, 86, "arm_power"),
+    };
+}
+
+std::vector<Row> one_force_rows(size_t joints) {
+    return {
+        {"get_Fz",
+         {},
+         133,
+         {{"/set_state", "boolean"},
+          {"/Fz", "number"},
+          {"/zero_Fz", "number"},
+          {"/work_zero_Fz", "number"},
+          {"/tool_zero_Fz", "number"}}},
+        done("clear_Fz", {}, 134, "set_state"),
+        done("set_arm_power", {{"arm_power", 0}}, 86, "arm_power"),
+        {"auto_set_Fz", {}, 125, {{"/set_state", "boolean"}}},
+        {"manual_set_Fz", {{"pose1", array(joints, 0)}, {"pose2", array(joints, 1)}}, 125, {{"/set_state", "boolean"}}},
+        done("set_arm_power", {{"arm_power", 1}}, 86, "arm_power"),
+    };
+}
+
 std::vector<Row> joint_rows(size_t joints) {
     const auto pair = [](int value) { return Json{1, value}; };
     return {
@@ -546,8 +610,16 @@ std::vector<Row> program_rows(size_t joints) {
 }
 
 // Carried out without an answer.
-const std::set<std::string> kUnanswered{"set_wifi_ap",  "set_wifi_sta", "set_usb",     "set_RS485",
-                                        "set_ethernet", "movej_follow", "movep_follow"};
+const std::set<std::string> kUnanswered{"set_wifi_ap",
+                                        "set_wifi_sta",
+                                        "set_usb",
+                                        "set_RS485",
+                                        "set_ethernet",
+                                        "movej_follow",
+                                        "movep_follow",
+                                        "manual_set_force_pose1",
+                                        "manual_set_force_pose2",
+                                        "manual_set_force_pose3"};
 
 // Reported when they have ended, or were refused.
 const std::set<std::string> kReported{"movej",           "movej_p",         "movel",
@@ -556,12 +628,15 @@ const std::set<std::string> kReported{"movej",           "movej_p",         "mov
                                       "set_lift_height", "set_lift",        "set_lift ",
                                       "expand_set_pos",  "expand_set_speed"};
 
-std::vector<Row> all_rows(size_t joints) {
+// What an arm with this sensor at its end, "B", "ZF" or "6F", answers.
+std::vector<Row> all_rows(size_t joints, const std::string& sensor) {
     std::vector<Row> all;
+    if (sensor == "6F") all = six_force_rows(joints);
+    if (sensor == "ZF") all = one_force_rows(joints);
     for (const std::vector<Row>& rows :
-         {joint_rows(joints), state_rows(joints), limit_rows(joints), frame_rows(), trajectory_rows(joints),
-          streaming_rows(joints), teach_rows(), push_rows(), system_rows(), network_rows(), modbus_rows(), fence_rows(),
-          io_rows(), gripper_rows(), axis_rows(), file_rows(), program_rows(joints)})
+         {drag_rows(joints), joint_rows(joints), state_rows(joints), limit_rows(joints), frame_rows(),
+          trajectory_rows(joints), streaming_rows(joints), teach_rows(), push_rows(), system_rows(), network_rows(),
+          modbus_rows(), fence_rows(), io_rows(), gripper_rows(), axis_rows(), file_rows(), program_rows(joints)})
         all.insert(all.end(), rows.begin(), rows.end());
     return all;
 }
@@ -583,13 +658,16 @@ std::string reply_of(Talk& talk, const Row& row) {
     return reply;
 }
 
-class EveryReply : public testing::TestWithParam<const char*> {};
-INSTANTIATE_TEST_SUITE_P(Simulator, EveryReply, testing::Values("ORB65-B", "ZK75-6F"));
+class EveryReply : public testing::TestWithParam<const char*> {
+ protected:
+    std::string sensor() const { return std::string(GetParam()).substr(std::string(GetParam()).find('-') + 1); }
+};
+INSTANTIATE_TEST_SUITE_P(Simulator, EveryReply, testing::Values("ORB65-B", "ZK75-6F", "63-ZF"));
 
 TEST_P(EveryReply, IsTakenForWhatItIs) {
     Talk talk({"--quiet", "--model", GetParam()});
     const size_t joints = talk.joints().size();
-    for (const Row& row : all_rows(joints)) {
+    for (const Row& row : all_rows(joints, sensor())) {
         const std::string text = reply_of(talk, row);
         EXPECT_EQ(Get_Json_KeyCode(text.c_str()), row.code) << text;
         EXPECT_EQ(text.find('\n'), std::string::npos) << text;
@@ -604,7 +682,7 @@ TEST_P(EveryReply, IsTakenForWhatItIs) {
 
 TEST_P(EveryReply, ThatRefusesIsTakenForWhatItIs) {
     Talk talk({"--quiet", "--model", GetParam()});
-    for (const Row& row : all_rows(talk.joints().size())) {
+    for (const Row& row : all_rows(talk.joints().size(), sensor())) {
         if (row.reply.size() != 1 || row.reply.begin()->second != "true" || row.command == "zk_sim_fault") continue;
         ASSERT_EQ(talk.ask("zk_sim_fault", {{"refuse_on", {row.command}}}).at("done"), true);
         const std::string text = reply_of(talk, row);
@@ -628,7 +706,9 @@ TEST_P(EveryReply, ThatReportsAnArrivalIsTakenForOne) {
 
 TEST(Replies, EveryCommandIsAmongTheRows) {
     std::set<std::string> rows = kUnanswered;
-    for (const Row& row : all_rows(6)) rows.insert(row.command);
+    for (const char* sensor : {"B", "ZF", "6F"}) {
+        for (const Row& row : all_rows(6, sensor)) rows.insert(row.command);
+    }
     std::set<std::string> commands;
     std::istringstream list(run_simulator("--commands").output);
     for (std::string command; std::getline(list, command);) commands.insert(command);

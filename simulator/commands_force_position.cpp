@@ -1,0 +1,87 @@
+// Force-position moves: streamed set-points, each with the force that is held at the same time. Each is reported.
+
+#include <cmath>
+
+#include "commands.h"
+#include "controller.h"
+#include "force_orders.h"
+#include "note.h"
+#include "set_points.h"
+
+namespace sim {
+namespace {
+
+// The mode that set-points are taken in.
+struct Mode {
+    bool on = false;
+    Verdict last = Verdict::followed;
+};
+
+bool start(Call& call, Mode& mode) {
+    Controller& controller = call.controller;
+    if (controller.arm.model().sensor == Sensor::bare)
+        throw BadRequest("Start_Force_Position_Move: the arm has no force sensor");
+    const std::string objection = controller.arm.objection_to_moving();
+    if (!objection.empty()) throw BadRequest("Start_Force_Position_Move: " + objection);
+    if (!controller.arm.motion().idle()) return false;
+    mode = {.on = true, .last = Verdict::followed};
+    return true;
+}
+
+bool stop(Call& call, Mode& mode) {
+    if (mode.on) call.controller.hold.end();
+    return std::exchange(mode.on, false);
+}
+
+Verdict follow(const Call& call, const Mode& mode) {
+    Controller& controller = call.controller;
+    const HoldOrder order = hold_order(call.request, controller.arm.model().sensor);
+    if (!mode.on) return Verdict::not_now;
+    const bool direct = call.request.has("follow") && call.request.flag("follow");
+    const auto target = call.request.has("joint") ? joint_target : pose_target;
+    const Verdict verdict =
+        follow_set_point(call, {.target = target, .direct = direct, .near = true, .status = "move_through_force_pose"});
+    if (verdict != Verdict::followed) return verdict;
+    return controller.hold_force(order) ? verdict : Verdict::not_now;
+}
+
+// Degrees, newtons and newton metres; the force along the first held direction in tenths of a newton. All are what the
+// tool presses with.
+Json report(const Call& call, Verdict verdict) {
+    const Controller& controller = call.controller;
+    const HoldOrder& order = controller.hold.order();
+    const KDL::Wrench pressed = -controller.felt(order.of_tool ? ForceAxes::tool : ForceAxes::work);
+    std::vector<double> forces;
+    double along = 0;
+    for (int i = 5; i >= 0; --i) {
+        if (order.held[i]) along = pressed(i);
+    }
+    for (int i = 0; i < 6; ++i) forces.push_back(std::round(pressed(i) * 1e3) / 1e3);
+    return {{"state", "Force_Position_State"},
+            {"joint", reported_joints(call)},
+            {"all_direction_force", forces},
+            {"force", std::lround(along * 10)},
+            {"arm_err", static_cast<int>(verdict)}};
+}
+
+void take(Call& call, Mode& mode) {
+    Verdict verdict = Verdict::malformed;
+    try {
+        verdict = follow(call, mode);
+    } catch (const BadRequest&) {
+    }
+    if (std::exchange(mode.last, verdict) != verdict && verdict != Verdict::followed)
+        note(call.client->name() + ": Force_Position_Move: set-point refused: " + reason(verdict));
+    call.client->send(report(call, verdict));
+}
+
+}  // namespace
+
+void add_force_position_commands(CommandTable& table) {
+    const auto mode = std::make_shared<Mode>();
+    table.set("Start_Force_Position_Move", "set_state", [mode](Call& call) { return start(call, *mode); });
+    table.set("Stop_Force_Position_Move", "set_state", [mode](Call& call) { return stop(call, *mode); });
+    table.order("Force_Position_Move", [mode](Call& call) { take(call, *mode); });
+}
+
+}  // namespace sim

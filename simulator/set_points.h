@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+
+#include "command_table.h"
+#include "robot_model.h"
+
+namespace sim {
+
+// What a report tells of its set-point. Above all statuses that clients know, since they return it among those.
+enum class Verdict { followed = 0, malformed = 257, beyond_limit, too_far, unreachable, not_now };
+
+const char* reason(Verdict verdict);
+
+// The joints that a set-point asks for, in degrees; nothing when no joints reach it. Throw BadRequest. The joints of a
+// pose are solved from those of the set-point before, so that the arm keeps its posture.
+using Target = std::optional<JointVector> (*)(const Call&);
+std::optional<JointVector> joint_target(const Call& call);
+std::optional<JointVector> pose_target(const Call& call);
+
+struct Following {
+    Target target;
+    bool direct;         // taken as it comes, at the speed limit alone; otherwise within the acceleration limit too
+    bool near;           // refused when it lies too far from where the arm stands
+    const char* status;  // in the real-time push
+};
+
+// Has the arm follow the set-point of a request, if it can. Throws BadRequest.
+Verdict follow_set_point(const Call& call, const Following& following);
+
+// Where the joints stand, in degrees, as rounded as the wire has them: clients take the numbers of reports as they are.
+std::vector<double> reported_joints(const Call& call);
+
+}  // namespace sim
