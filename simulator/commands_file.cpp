@@ -77,12 +77,12 @@ Json received_files(Call& call) {
     return {{"files", list}};
 }
 
-// The points of the path follow the reply, a line each.
+// The points of the recording follow the reply, a line each.
 void save_trajectory(Call& call) {
     call.request.text("trajectory_name");
-    const auto& points = call.controller.path.points();
+    const std::vector<JointVector>& points = call.controller.drag.recording();
     call.client->send({{"command", "save_trajectory"}, {"total_num", points.size()}, {"save_state", !points.empty()}});
-    for (const std::vector<int>& point : points) call.client->send({{"point", point}});
+    for (const JointVector& point : points) call.client->send({{"point", thousandths(point)}});
 }
 
 void add_versions(CommandTable& table) {

@@ -101,7 +101,6 @@ void Controller::step() {
     arm.step(kSeconds);
     devices.step(kSeconds);
     measure_force();
-    path.step(arm);
     programs.step(*this);
     files.step(kStepMs);
 }

@@ -21,7 +21,6 @@
 #include "options.h"
 #include "program.h"
 #include "push.h"
-#include "recent_path.h"
 
 namespace sim {
 
@@ -109,7 +108,6 @@ class Controller {
     PushSettings push;
     Files files;
     Programs programs;
-    RecentPath path;
     Faults faults;
     int64_t runtime_start = 0;  // simulated milliseconds
 

@@ -79,9 +79,9 @@ int await_report(ArmSocket socket, Device device, const std::function<int(Look&)
     Mailbox mailbox(Move_Cmd);
     bool seen = false;  // it was seen doing what it was asked
     int fails = 0, idles = 0;
-    const auto reported = [&](int slot) { return slot >= 0 && mailbox.count(slot) > 0; };
+    const auto reported = [&](int slot) { return mailbox.count(slot) > 0; };
     for (;;) {
-        const int slot = slot_of(socket);
+        int slot = slot_of(socket);
         if (slot < 0) return ZK_NOT_CONNECTED;
         if (reported(slot)) {
             const MoveReport report = take_report(slot);
@@ -94,10 +94,12 @@ int await_report(ArmSocket socket, Device device, const std::function<int(Look&)
             continue;
         }
         seen = seen || look.as_asked;
-        if (!look.idle && reported(slot)) continue;
+        if (!look.idle && !look.as_asked && reported(slot)) continue;
         sleep_cp(look_ms);
         if (!look.idle || (!seen && ++idles < most_idle_polls)) continue;
-        if (!reported(slot_of(socket))) return ZK_NO_TRAJECTORY;
+        slot = slot_of(socket);
+        if (slot < 0) return ZK_NOT_CONNECTED;
+        if (!reported(slot)) return ZK_NO_TRAJECTORY;
     }
 }
 

@@ -12,9 +12,6 @@
 
 using namespace zk;
 
-static int32_t usual_limit_and(int32_t ms) {
-    return static_cast<int32_t>(std::min<int64_t>(int64_t{read(m_nOutTime)} + ms, INT32_MAX));
-}
 constexpr int32_t calibration_ms = 30000;
 
 AckReply Set_Force_Postion_Cmd[ZK_SLOTS];
@@ -59,7 +56,7 @@ ZK_API int Stop_Force_Postion(ArmSocket s, bool block) {
     return guarded(block ? Stop_Force_Postion_Block : Stop_Force_Postion_NonBlock, s);
 }
 ZK_API int Stop_Force_Postion_Block(ArmSocket s) {
-    return set({s, "stop_force_position"}, Stop_Force_Postion_Cmd, {.limit = usual_limit_and(2000)});
+    return set({s, "stop_force_position"}, Stop_Force_Postion_Cmd, {.limit = limit_beyond(2000)});
 }
 ZK_API int Stop_Force_Postion_NonBlock(ArmSocket s) { return post({s, "stop_force_position"}); }
 
@@ -118,7 +115,7 @@ ZK_API int Parser_Clear_Force_Data(const char* text) { return Parser_Clear_Syste
 AckReply Set_Force_Sensor_Cmd[ZK_SLOTS];
 ZK_API int Set_Force_Sensor(ArmSocket s) { return guarded(Set_Force_Sensor_Block, s); }
 ZK_API int Set_Force_Sensor_Block(ArmSocket s) {
-    return set({s, "set_force_sensor"}, Set_Force_Sensor_Cmd, {.limit = usual_limit_and(calibration_ms)});
+    return set({s, "set_force_sensor"}, Set_Force_Sensor_Cmd, {.limit = limit_beyond(calibration_ms)});
 }
 ZK_API int Set_Force_Sensor_NonBlock(ArmSocket s) { return post({s, "set_force_sensor"}); }
 ZK_API int Parser_Set_Force_Sensor(const char* text) { return Parser_Set_DH_Data(text); }
@@ -149,7 +146,7 @@ ZK_API int Manual_Set_Force(ArmSocket s, int32_t number, const float* joint) {
     return checked(number == 4 ? Manual_Set_Force_Block : Manual_Set_Force_NonBlock, s, number, joint);
 }
 ZK_API int Manual_Set_Force_Block(ArmSocket s, int32_t number, const float* joint) {
-    return set(manual_set_force(s, number, joint), Set_Force_Sensor_Cmd, {.limit = usual_limit_and(calibration_ms)});
+    return set(manual_set_force(s, number, joint), Set_Force_Sensor_Cmd, {.limit = limit_beyond(calibration_ms)});
 }
 ZK_API int Manual_Set_Force_NonBlock(ArmSocket s, int32_t number, const float* joint) {
     if (const int slot = slot_of(s); slot >= 0) Mailbox(Set_Force_Sensor_Cmd).clear(slot);
@@ -204,7 +201,7 @@ ZK_API int Clear_Fz_NonBlock(ArmSocket s) { return post({s, "clear_Fz"}); }
 AckReply Auto_Set_Fz_Cmd[ZK_SLOTS];
 ZK_API int Auto_Set_Fz(ArmSocket s) { return guarded(Auto_Set_Fz_Block, s); }
 ZK_API int Auto_Set_Fz_Block(ArmSocket s) {
-    return set({s, "auto_set_Fz"}, Auto_Set_Fz_Cmd, {.limit = usual_limit_and(calibration_ms)});
+    return set({s, "auto_set_Fz"}, Auto_Set_Fz_Cmd, {.limit = limit_beyond(calibration_ms)});
 }
 ZK_API int Auto_Set_Fz_NonBlock(ArmSocket s) { return post({s, "auto_set_Fz"}); }
 
@@ -218,7 +215,7 @@ ZK_API int Manual_Set_Fz_Block(ArmSocket s, const float* pose1, const float* pos
     return set(Request(s, "manual_set_Fz")
                    .numbers("pose1", first.values, first.count)
                    .numbers("pose2", second.values, second.count),
-               Auto_Set_Fz_Cmd, {.limit = usual_limit_and(2000)});
+               Auto_Set_Fz_Cmd, {.limit = limit_beyond(2000)});
 }
 
 // Thresholds of force.

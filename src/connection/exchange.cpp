@@ -24,7 +24,8 @@ void Mailbox::clear(int slot) { write(word(slot, 0), 0, std::memory_order_releas
 void Mailbox::lower(int slot) { std::atomic_ref(word(slot, 0)).fetch_sub(1, std::memory_order_acq_rel); }
 
 void Mailbox::wipe(int slot) {
-    for (size_t i = 0; i < size_ / sizeof(Word); ++i) write(word(slot, static_cast<int>(i)), 0);
+    // The count last: a reply that comes meanwhile is lost whole.
+    for (int i = static_cast<int>(size_ / sizeof(Word)); i-- > 0;) write(word(slot, i), 0);
 }
 
 void Mailbox::copy(int slot, void* record) const { read_words(record, at(slot), size_); }

@@ -79,9 +79,6 @@ int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot, int32_t p
 // m_nOutTime and so many milliseconds more.
 int32_t limit_beyond(int32_t milliseconds);
 
-// m_nOutTime and so many milliseconds more.
-int32_t limit_beyond(int32_t milliseconds);
-
 // The reply's record is copied to `record` and handed to the caller whatever its result.
 int exchange(const Request& request, Mailbox mailbox, const QueryForm& form, void* record, bool& arrived);
 

@@ -15,7 +15,8 @@
 #include "support/simulated_arm.h"
 #include "support/temporary_file.h"
 #include "support/wire_protocol.h"
-#include "zk/motion.h"
+#include "zk/arm_state.h"
+#include "zk/drag_teach.h"
 #include "zk/startup.h"
 #include "zk/system.h"
 
@@ -501,13 +502,15 @@ TEST_F(Saving, ThatWasCutOffShortensTheNext) {
     EXPECT_EQ(content_of(path_), "{\"point\":[4]}\n{\"point\":[5]}\n");
 }
 
-TEST(Save, TakesTheWayThatTheSimulatedArmWent) {
-    SimulatedArm arm({"--quiet"});
+TEST(Save, TakesTheWayThatTheSimulatedArmWasLed) {
+    SimulatedArm arm({"--quiet", "--hand", directory().file("hand.txt", "0.3  20 -20 -60 15 -40 20\n")});
     int32_t total = 0;
     const std::string path = directory() / "way.txt";
     EXPECT_EQ(Save_Trajectory(arm, path.c_str(), &total), 24);
-    float target[6] = {5, 0, 0, 0, 0, 0};
-    ASSERT_EQ(Movej_Cmd(arm, target, 100, 0, 0, true), 0);
+    ASSERT_EQ(Start_Drag_Teach(arm, true), 0);
+    float joint[6] = {};
+    eventually([&] { return Get_Joint_Degree(arm, joint) == 0 && joint[0] > 19.9f; });
+    ASSERT_EQ(Stop_Drag_Teach(arm, true), 0);
     ASSERT_EQ(Save_Trajectory(arm, path.c_str(), &total), 0);
     EXPECT_GT(total, 5);
     eventually([] { return shared(F_SaveDragTeach) == nullptr; });
