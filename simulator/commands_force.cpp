@@ -10,8 +10,8 @@ namespace sim {
 namespace {
 
 std::vector<int> wire_forces(const KDL::Wrench& wrench) {
-    std::vector<int> wire;
-    for (int i = 0; i < 6; ++i) wire.push_back(static_cast<int>(std::lround(wrench(i) * 1000)));
+    std::vector<int> wire(6);
+    for (int i = 0; i < 6; ++i) wire[static_cast<size_t>(i)] = static_cast<int>(std::lround(wrench(i) * 1000));
     return wire;
 }
 

@@ -51,12 +51,12 @@ Json report(const Call& call, Verdict verdict) {
     const Controller& controller = call.controller;
     const HoldOrder& order = controller.hold.order();
     const KDL::Wrench pressed = -controller.felt(order.of_tool ? ForceAxes::tool : ForceAxes::work);
-    std::vector<double> forces;
+    std::vector<double> forces(6);
     double along = 0;
     for (int i = 5; i >= 0; --i) {
         if (order.held[i]) along = pressed(i);
     }
-    for (int i = 0; i < 6; ++i) forces.push_back(std::round(pressed(i) * 1e3) / 1e3);
+    for (int i = 0; i < 6; ++i) forces[static_cast<size_t>(i)] = std::round(pressed(i) * 1e3) / 1e3;
     return {{"state", "Force_Position_State"},
             {"joint", reported_joints(call)},
             {"all_direction_force", forces},

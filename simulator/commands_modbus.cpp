@@ -109,7 +109,7 @@ bool write_registers(Call& call) {
     if (!range) return false;
     const std::vector<int> bytes = bytes_of(call.request, 2 * range->count);
     for (int i = 0; i < range->count; ++i) {
-        const auto high = static_cast<size_t>(2 * i);
+        const size_t high = 2 * static_cast<size_t>(i);
         range->device.write_register(range->first + i, bytes[high] * 256 + bytes[high + 1]);
     }
     return true;

@@ -54,7 +54,8 @@ bool movej_p(Call& call) {
 }
 
 // A move of the tool to `target`, along the curve that `course` makes of where it begins.
-Move tool_move(Call& call, Move move, const WirePose& target, std::function<Curve(const KDL::Frame& from)> course) {
+Move tool_move(Call& call, Move move, const WirePose& target,
+               const std::function<Curve(const KDL::Frame& from)>& course) {
     move.data.assign(target.begin(), target.end());
     move.plan = [planner = ToolPlanner(call.controller, percent_of(call)), course](const JointVector& start) {
         return planner.along(course(planner.tool_at(start)), start);

@@ -49,7 +49,7 @@ bool stop_jog(Call& call) {
 // ------------------------------------------------------------------------------------------------------ One joint --
 
 // `end` is where the joint goes from where it stands.
-Move joint_move(const Call& call, int number, std::function<double(double)> end) {
+Move joint_move(const Call& call, int number, const std::function<double(double)>& end) {
     const Arm& arm = call.controller.arm;
     if (number < 1 || number > static_cast<int>(arm.joint_count()))
         throw BadRequest(call.request.command() + ": a joint that the arm has not");
