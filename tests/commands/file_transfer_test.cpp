@@ -444,7 +444,7 @@ TEST(Transfer, OfAnUpdateArrivesWholeWhateverItsBytes) {
     SimulatedArm arm({"--quiet", "--files", kept.path()});
     const TemporaryDirectory source;
     std::string content = "{\"command\":\"set_arm_stop\"}\r\n";
-    for (int i = 0; i < 1'000'000; ++i) content += static_cast<char>(i * i >> 3);
+    for (unsigned i = 0; i < 1'000'000; ++i) content += static_cast<char>(i * i >> 3);
     const std::string path = source.file("image.bin", content);
     ASSERT_EQ(UpdataSoftWare_Block_E(arm, path.c_str(), static_cast<int32_t>(path.size())), 0);
     EXPECT_TRUE(content_of(kept / "image.bin") == content);

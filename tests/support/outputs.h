@@ -78,8 +78,11 @@ inline std::string text_of(const WifiNet& net) {
 }
 
 inline std::string text_of(const RealtimePushConfig& push) {
-    return text_of(push.cycle) + ", " + (push.enable ? "on" : "off") + ", " + text_of(push.port) + ", " +
-           text_of(push.force_coordinate) + ", " + text_of(push.ip) + ", " +
+    return text_of(push.cycle) + ", " +
+           (is_unwritten(push.enable) ? "-"
+            : push.enable             ? "on"
+                                      : "off") +
+           ", " + text_of(push.port) + ", " + text_of(push.force_coordinate) + ", " + text_of(push.ip) + ", " +
            text_of({push.joint_speed, push.lift_state, push.expand_state, push.hand, push.arm_current_status,
                     push.aloha_state});
 }
