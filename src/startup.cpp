@@ -86,12 +86,10 @@ int learn_frames(ArmSocket s) {
     return ZK_OK;
 }
 
-// Without the plain name's comparison: degrees do not come back from the model to the last bit.
+// -1 when the model does not give back what it was told.
 int learn_mounting(ArmSocket s) {
     float x = 0, y = 0, z = 0;
-    if (const int status = Get_Install_Pose_Block(s, &x, &y, &z)) return status;
-    Algo_Set_Angle(x, y, z);
-    return ZK_OK;
+    return Get_Install_Pose(s, &x, &y, &z);
 }
 
 // Each query puts its limits into the model on its way.

@@ -30,9 +30,14 @@ ZK_API Matrix Frame_Matrix;
  * system takes.
  *
  * Returns the socket, always above ZK_LARGEST_STATUS, or a status: 4 no socket; 5 no connection; -1 all 20 connections
- * are taken; 7 the controller does not answer; 9, 10, 11 an answer that is broken, of another joint count than the arm
- * mode's, or of the wrong type; 18 during a file transfer; 25 the listener could not be set up (the connection stays
- * open). A failed attempt closes as Arm_Socket_Close does. Application threads, one at a time.
+ * are taken, or the mounting angles do not come back from the local model (see below); 7 the controller does not
+ * answer; 9, 10, 11 an answer that is broken, of another joint count than the arm mode's, or of the wrong type; 18
+ * during a file transfer; 25 the listener could not be set up (the connection stays open). A failed attempt closes as
+ * Arm_Socket_Close does. Application threads, one at a time.
+ *
+ * The local model keeps mounting angles in single-precision radians. An arm is refused whose angles do not come back
+ * from there to the last bit: of whole degrees these are, with either sign, 31, 61, 62, 115, 117, 119, 122, 124, 127,
+ * 230, 233, 234, 235, 238, 239, 243, 244, 248, 249, 253 and 254.
  *
  * A second arm replaces the model, the frames and the limits of the first. A controller that tells a model of no known
  * mark keeps the model of the arm before; one that tells a combination of arm and sensor that does not exist leaves a
