@@ -1,6 +1,6 @@
 // A descriptor must not be closed while a thread of the library is inside a system call on it: the number could come
-// back as somebody else's file. Each thread shows here which descriptor it is using, and a close waits until none uses
-// it. The threads use descriptors only for calls that do not block, or that the closer wakes.
+// back as somebody else's file. Each thread that reads shows here which descriptor it is using, and a close waits until
+// none uses it. They use descriptors only for calls that do not block, or that the closer wakes.
 #pragma once
 
 #include <atomic>
@@ -19,6 +19,6 @@ class DescriptorUse {
     std::atomic<int> in_use_{kNone};
 };
 
-inline DescriptorUse transmit_use, receive_use, realtime_use;
+inline DescriptorUse receive_use, realtime_use;
 
 }  // namespace zk

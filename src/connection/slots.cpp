@@ -41,7 +41,7 @@ int request_joint_count(ArmSocket socket) {
 }
 
 void close_unused(int descriptor) {
-    transmit_use.wait_until_left(descriptor);
+    wait_for_frame();
     receive_use.wait_until_left(descriptor);
     realtime_use.wait_until_left(descriptor);
     close(descriptor);

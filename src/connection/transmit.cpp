@@ -2,10 +2,10 @@
 #include <sched.h>
 #include <sys/socket.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstring>
 
-#include "connection/descriptor_use.h"
 #include "connection/die.h"
 #include "connection/slots.h"
 #include "connection/transmit.h"
@@ -21,13 +21,11 @@ constexpr size_t longest_frame = sizeof(TxFrame) - offsetof(TxFrame, data);
 char* bytes_of(TxFrame& frame) { return reinterpret_cast<char*>(&frame) + offsetof(TxFrame, data); }
 
 void write_frame(TxFrame& frame) {
-    transmit_use.enter(frame.socket);
     send(frame.socket, bytes_of(frame), static_cast<size_t>(frame.length < 0 ? 0 : frame.length),
          MSG_DONTWAIT | MSG_NOSIGNAL);
-    transmit_use.leave();
 }
 
-// Between the look at the hold and the end of the frame that was sent because there was none.
+// From before the look at the hold and at the queue to the end of the frame that was found there.
 std::atomic<bool> transmitting{false};
 
 void write_next_frame() {
@@ -39,9 +37,13 @@ void write_next_frame() {
 
 }  // namespace
 
+void zk::wait_for_frame() {
+    while (transmitting.load(std::memory_order_seq_cst)) sched_yield();
+}
+
 LineHold::LineHold() : held_(std::atomic_ref(IsSendFile).exchange(1, std::memory_order_seq_cst) != 1) {
     // A frame in the middle of a file would become a part of it.
-    while (held_ && transmitting.load(std::memory_order_seq_cst)) sched_yield();
+    if (held_) wait_for_frame();
 }
 
 LineHold::~LineHold() {

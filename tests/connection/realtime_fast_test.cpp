@@ -164,7 +164,8 @@ TEST_F(Realtime, APollNeverSeesHalfADatagram) {
     });
     int changes = 0;
     float last = 0;
-    for (int i = 0; i < 2000000 && changes < 200; ++i) {
+    while (changes < 200) {
+        std::this_thread::yield();
         RobotStatus status{};
         ASSERT_EQ(Get_Realtime_Arm_Joint_State(&status), 0);
         const float number = status.joint_position[0];
@@ -178,7 +179,6 @@ TEST_F(Realtime, APollNeverSeesHalfADatagram) {
     }
     enough = true;
     sender.join();
-    EXPECT_GE(changes, 200);
 }
 
 TEST_F(Realtime, TheStreamComesBackOnItsPort) {
