@@ -21,8 +21,8 @@ typedef struct ForcePositionNew {
     int32_t sensor;
     int32_t mode;
     int32_t control_mode[6]; /* how the direction is controlled, the controller's number */
-    float desired_force[6];  /* newtons and newton metres; sent in tenths */
-    float limit_vel[6];      /* speed limit of the giving way; sent in thousandths */
+    float desired_force[6];  /* newtons and newton metres; sent in tenths, with their fraction */
+    float limit_vel[6];      /* speed limit of the giving way; sent in thousandths, with their fraction */
 } ForcePositionNew;
 
 ZK_STATIC_ASSERT(sizeof(ForcePositionNew) == 80 && offsetof(ForcePositionNew, control_mode) == 8 &&
@@ -47,7 +47,7 @@ typedef struct FzReply {
     float tool_zero_fz;
 } FzReply;
 
-/* -------------------------------------------------------------------------------------------- Holding a force -- */
+/* ----------------------------------------------------------------------------------------------- Holding a force -- */
 
 /*
  * Holds a force along a direction until Stop_Force_Postion. The plain name takes `force` in newtons and sends ten times
@@ -59,7 +59,8 @@ ZK_API int Set_Force_Postion(ArmSocket socket, int32_t sensor, int32_t mode, int
 ZK_API int Set_Force_Postion_Block(ArmSocket socket, int32_t sensor, int32_t mode, int32_t direction, int32_t force);
 ZK_API int Set_Force_Postion_NonBlock(ArmSocket socket, int32_t sensor, int32_t mode, int32_t direction, int32_t force);
 
-/* The same in all directions at once. Always waits for the reply. */
+/* The same in all directions at once. Always waits for the reply. A request that does not fit 300 bytes, by many
+ * numbers with fractions, ends the process. */
 ZK_API int Set_Force_Postion_New(ArmSocket socket, ForcePositionNew param);
 ZK_API int Set_Force_Postion_New_Block(ArmSocket socket, ForcePositionNew param);
 
@@ -69,7 +70,7 @@ ZK_API int Stop_Force_Postion(ArmSocket socket, bool block);
 ZK_API int Stop_Force_Postion_Block(ArmSocket socket);
 ZK_API int Stop_Force_Postion_NonBlock(ArmSocket socket);
 
-/* -------------------------------------------------------------------------------------------- Six-axis sensor -- */
+/* ----------------------------------------------------------------------------------------------- Six-axis sensor -- */
 
 /*
  * Asks what the sensor feels. Each array gets six values, forces x, y, z and moments x, y, z: `force` as measured,
@@ -92,11 +93,8 @@ ZK_API int Clear_Force_Data_Block(ArmSocket socket);
 ZK_API int Clear_Force_Data_NonBlock(ArmSocket socket);
 ZK_API int Parser_Clear_Force_Data(const char* text);
 
-/*
- * Calibrates the sensor automatically: the arm moves, so keep clear. The plain name always waits for the end,
- * m_nOutTime
- * + 30000 ms at most.
- */
+/* Calibrates the sensor automatically: the arm moves, so keep clear. The plain name always waits for the end, at most
+ * m_nOutTime + 30000 ms. */
 ZK_API AckReply Set_Force_Sensor_Cmd[ZK_SLOTS];
 ZK_API int Set_Force_Sensor(ArmSocket socket);
 ZK_API int Set_Force_Sensor_Block(ArmSocket socket);
@@ -119,7 +117,7 @@ ZK_API int Stop_Set_Force_Sensor_Block(ArmSocket socket);
 ZK_API int Stop_Set_Force_Sensor_NonBlock(ArmSocket socket);
 ZK_API int Parser_Stop_Force_Sensor(const char* text);
 
-/* -------------------------------------------------------------------------------------------- One-axis sensor -- */
+/* ----------------------------------------------------------------------------------------------- One-axis sensor -- */
 
 /*
  * Asks for the force along the sensor's axis, in newtons: as measured, without the payload, and the same in the work
@@ -137,9 +135,8 @@ ZK_API int Clear_Fz(ArmSocket socket, bool block);
 ZK_API int Clear_Fz_Block(ArmSocket socket);
 ZK_API int Clear_Fz_NonBlock(ArmSocket socket);
 
-/* Calibrates the sensor automatically: the arm moves, so keep clear. The plain name always waits for the end,
- * m_nOutTime
- * + 30000 ms at most. One reply of a calibration, of either sensor, ends the wait of them all. */
+/* Calibrates the sensor automatically: the arm moves, so keep clear. The plain name always waits for the end, at most
+ * m_nOutTime + 30000 ms. One reply of a calibration, of either sensor, ends the wait of them all. */
 ZK_API AckReply Auto_Set_Fz_Cmd[ZK_SLOTS];
 ZK_API int Auto_Set_Fz(ArmSocket socket);
 ZK_API int Auto_Set_Fz_Block(ArmSocket socket);
@@ -155,11 +152,11 @@ ZK_API int Manual_Set_Fz_Block(ArmSocket socket, const float* pose1, const float
 
 /* ------------------------------------------------------------------------------------------- Thresholds of force -- */
 
-/* Mailboxes and parsers of replies about the thresholds of force in drag teaching, for which there is no command. */
+/* Mailboxes and parsers of replies about the thresholds of force in drag teaching, for which there is no command. That
+ * of the first is Parser_Set_IO_Mode. */
 ZK_API AckReply Set_Force_Drag_Threshold_Cmd[ZK_SLOTS];
 ZK_API AckReply Init_Force_Drag_Threshold_Cmd[ZK_SLOTS];
 ZK_API IntReply Get_Force_Drag_Threshold_Cmd[ZK_SLOTS];
-ZK_API int Parser_Set_IO_Mode(const char* text);
 ZK_API int Parser_init_force_drag_threshold(const char* text);
 ZK_API int Parser_Get_Force_Drag_Threshold(const char* text, int32_t* threshold);
 

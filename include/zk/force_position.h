@@ -50,8 +50,7 @@ ZK_API int Stop_Force_Position_Move(ArmSocket socket, bool block);
 ZK_API int Stop_Force_Position_Move_Block(ArmSocket socket);
 ZK_API int Stop_Force_Position_Move_NonBlock(ArmSocket socket);
 
-/* ------------------------------------------------------------------------------------------------- The set-points --
- */
+/* ------------------------------------------------------------------------------------------------ The set-points -- */
 
 /*
  * Write a set-point with a force along one direction `dir`. The pose goes out with its quaternion when that is about a

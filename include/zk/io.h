@@ -39,8 +39,7 @@ typedef struct ToolIoReply {
     float state[2];
 } ToolIoReply;
 
-/* ---------------------------------------------------------------------------------------- Inputs, outputs, singly --
- */
+/* --------------------------------------------------------------------------------------- Inputs, outputs, singly -- */
 
 /*
  * Set an output, digital (any non-zero state is 1) or analogue (in volts, sent in millivolts). These plain names, and
@@ -87,8 +86,7 @@ ZK_API int Get_AI_State(ArmSocket socket, uint8_t number, uint8_t* volts);
 ZK_API int Get_AI_State_Blcok(ArmSocket socket, uint8_t number, uint8_t* volts);
 ZK_API int Parser_Get_AI_State(const char* text, float* volts);
 
-/* ---------------------------------------------------------------------------------------- Inputs, outputs, at once --
- */
+/* -------------------------------------------------------------------------------------- Inputs, outputs, at once -- */
 
 /* Ask for all inputs, and all outputs: four digital ones, and four analogue ones in volts. A reply of fewer leaves the
  * rest as the reply before told it, of more is cut. */
@@ -102,8 +100,7 @@ ZK_API int Get_IO_Output(ArmSocket socket, int32_t* digital, float* analogue);
 ZK_API int Get_IO_Output_Block(ArmSocket socket, int32_t* digital, float* analogue);
 ZK_API int Parser_IO_Output(const char* text, int32_t* digital, float* analogue);
 
-/* ---------------------------------------------------------------------------------------------------------- Modes --
- */
+/* --------------------------------------------------------------------------------------------------------- Modes -- */
 
 /* Ask for the state and the mode of a digital input or output, and set its mode. A reply need not tell the mode; then
  * the last one told is delivered. */
@@ -115,6 +112,7 @@ ZK_API int Parser_Get_IO_State(const char* text, int32_t* state, int32_t* mode);
 ZK_API AckReply Set_IO_Mode_Cmd[ZK_SLOTS];
 ZK_API int Set_IO_Mode(ArmSocket socket, uint8_t number, uint8_t mode);
 ZK_API int Set_IO_Mode_Block(ArmSocket socket, uint8_t number, uint8_t mode);
+ZK_API int Parser_Set_IO_Mode(const char* text);
 
 /* ------------------------------------------------------------------------------------------------ Supply voltage -- */
 
@@ -162,8 +160,7 @@ ZK_API int Get_Tool_Voltage(ArmSocket socket, uint8_t* type);
 ZK_API int Get_Tool_Voltage_Block(ArmSocket socket, uint8_t* type);
 ZK_API int Parser_Get_Tool_Voltage(const char* text, int32_t* type);
 
-/* ------------------------------------------------------------------------------------- Waiting where nothing comes --
- */
+/* ----------------------------------------------------------------------------------- Waiting where nothing comes -- */
 
 /*
  * Five of the requests above under other names. The controller does what they ask, but its reply goes to the mailbox

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "commands/float_product.h"
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
@@ -37,17 +38,9 @@ ZK_API int Set_Force_Postion_New(ArmSocket s, ForcePositionNew param) {
     return guarded(Set_Force_Postion_New_Block, s, param);
 }
 ZK_API int Set_Force_Postion_New_Block(ArmSocket s, ForcePositionNew param) {
-    int32_t force[6], speed[6];
-    for (int i = 0; i < 6; ++i) {
-        force[i] = truncated(param.desired_force[i] * 10.0f);
-        speed[i] = thousandths(param.limit_vel[i]);
-    }
-    return set(Request(s, "set_force_position")
-                   .number("sensor", param.sensor)
-                   .number("mode", param.mode)
-                   .numbers("desired_force", force, 6)
-                   .numbers("control_mode", param.control_mode, 6)
-                   .numbers("limit_vel", speed, 6),
+    Request request(s, "set_force_position");
+    request.number("sensor", param.sensor).number("mode", param.mode);
+    return set(held_directions(request, param.desired_force, param.control_mode, param.limit_vel),
                Set_Force_Postion_Cmd);
 }
 
@@ -128,7 +121,7 @@ struct PreciseJoints {
     int count;
 
     PreciseJoints(ArmSocket s, const float* degrees) : count(request_joint_count(s)) {
-        for (int i = 0; i < count; ++i) values[i] = static_cast<double>(degrees[i] * 1000.0f);
+        for (int i = 0; i < count; ++i) values[i] = float_product(degrees[i], 1000.0f);
     }
 };
 
@@ -222,7 +215,6 @@ ZK_API int Manual_Set_Fz_Block(ArmSocket s, const float* pose1, const float* pos
 AckReply Set_Force_Drag_Threshold_Cmd[ZK_SLOTS];
 AckReply Init_Force_Drag_Threshold_Cmd[ZK_SLOTS];
 IntReply Get_Force_Drag_Threshold_Cmd[ZK_SLOTS];
-ZK_API int Parser_Set_IO_Mode(const char* text) { return Parser_Set_DH_Data(text); }
 ZK_API int Parser_init_force_drag_threshold(const char* text) { return acknowledgement(text, "init_state"); }
 ZK_API int Parser_Get_Force_Drag_Threshold(const char* text, int32_t* threshold) {
     return integer_value(text, "threshold", threshold);

@@ -1,6 +1,7 @@
 // Force-position moves: set-points with forces straight to the socket, and the reports that come back.
 #include "zk/force_position.h"
 
+#include "commands/float_product.h"
 #include "commands/set_point.h"
 #include "connection/exchange.h"
 #include "connection/pending.h"
@@ -41,9 +42,6 @@ int waited_for(const Request& request) {
     return pending(request, 161, [](const char*) { return int(ZK_OK); });
 }
 
-// What is not truncated to an integer on its way.
-double precise(float value, float factor) { return static_cast<double>(value * factor); }
-
 struct Control {
     uint8_t sensor;
     uint8_t mode;
@@ -55,7 +53,7 @@ Request& control(Request& request, const Control& c) {
     return request.number("sensor", c.sensor)
         .number("mode", c.mode)
         .number("dir", c.dir)
-        .number("force", precise(c.force, 10.0f));
+        .number("force", float_product(c.force, 10.0f));
 }
 
 // The seventh joint loses its fraction: it becomes an integer before it is scaled.
@@ -110,14 +108,7 @@ ZK_API int Force_Position_Move_NonBlock(ArmSocket s, ForcePositionMove move) {
     } else {
         request.joints("joint", move.joint);
     }
-    double force[6], speed[6];
-    for (int i = 0; i < 6; ++i) {
-        force[i] = precise(move.desired_force[i], 10.0f);
-        speed[i] = precise(move.limit_vel[i], 1000.0f);
-    }
-    return sent(request.numbers("desired_force", force, 6)
-                    .numbers("control_mode", move.control_mode, 6)
-                    .numbers("limit_vel", speed, 6));
+    return sent(held_directions(request, move.desired_force, move.control_mode, move.limit_vel));
 }
 
 ZK_API int Parser_Force_Position_Move(ArmSocket s, const char* text, float* joint, float* all_direction_force,

@@ -176,6 +176,7 @@ ZK_API int Set_IO_Mode(ArmSocket s, uint8_t number, uint8_t mode) {
 ZK_API int Set_IO_Mode_Block(ArmSocket s, uint8_t number, uint8_t mode) {
     return set(numbered(s, "set_IO_mode", number).number("IO_mode", mode), Set_IO_Mode_Cmd);
 }
+ZK_API int Parser_Set_IO_Mode(const char* text) { return Parser_Set_DH_Data(text); }
 
 AckReply Set_Voltage_Cmd[ZK_SLOTS];
 ZK_API int Set_Voltage(ArmSocket s, uint8_t type, uint8_t start_enable) {

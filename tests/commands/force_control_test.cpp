@@ -3,10 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include "commands/wire.h"
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/wire_protocol.h"
-#include "zk/dispatch.h"
 
 namespace {
 
@@ -17,12 +17,12 @@ const float kJoint[7] = {10, 20.5f, -30, 40, 50, 0.0005f, 70.25f};
 const float kOther[7] = {1, 2, 3, 4, 5, 6, 7};
 const char* const kSix = "[10000, 20500, -30000, 40000, 50000, 0.500000]";
 const char* const kSeven = "[10000, 20500, -30000, 40000, 50000, 0.500000, 70250]";
-const char* const kCalibrated = R"({"command":"set_force_sensor","set_state":true})";
+const std::string kCalibrated = done("set_force_sensor");
 const ForcePositionNew kNew{
     1, 0, {0, 0, 3, 0, 0, 8}, {0, 0, -5.25f, 0, 0, 0.16f}, {0.1f, 0.1f, 0.05f, 10, 10, 0.0019f}};
 const char* const kNewWire =
-    R"({"command": "set_force_position", "sensor": 1, "mode": 0, "desired_force": [0, 0, -52, 0, 0, 1], )"
-    R"("control_mode": [0, 0, 3, 0, 0, 8], "limit_vel": [100, 100, 50, 10000, 10000, 1]})";
+    R"({"command": "set_force_position", "sensor": 1, "mode": 0, "desired_force": [0, 0, -52.500000, 0, 0, 1.600000], )"
+    R"("control_mode": [0, 0, 3, 0, 0, 8], "limit_vel": [100, 100, 50, 10000, 10000, 1.900000]})";
 const char* const kForces =
     R"({"state":"get_force_data","force_data":[1000,2,-3.5,0,5,6],"zero_force_data":[1,2,3,4,5,6],)"
     R"("work_zero_force_data":[7,8,9,10,11,12],"tool_zero_force_data":[0,0,0,0,0,1]})";
@@ -42,27 +42,23 @@ std::string manual(int number, const std::string& joints) {
 std::string manual_fz(const std::string& pose1, const std::string& pose2) {
     return R"({"command": "manual_set_Fz", "pose1": )" + pose1 + R"(, "pose2": )" + pose2 + "}";
 }
-std::string simple(const std::string& name) { return R"({"command": ")" + name + "\"}"; }
-std::string done(const std::string& name, const std::string& key) {
-    return R"({"command":")" + name + R"(",")" + key + R"(":true})";
-}
 
 const std::vector<CommandCase> kRows = {
     // The plain name counts in newtons, the forms in tenths of them.
     acknowledged(CALL(Set_Force_Postion, (s, 1, 2, 3, 5, true)), Set_Force_Postion_Cmd, hold(50),
-                 done("set_force_position", "set_state")),
+                 done("set_force_position")),
     acknowledged(CALL(Set_Force_Postion_Block, (s, 1, 2, 3, 5)), Set_Force_Postion_Cmd, hold(5),
-                 done("set_force_position", "set_state")),
+                 done("set_force_position")),
     queued(CALL(Set_Force_Postion_NonBlock, (s, 1, 2, 3, -5)), hold(-5)),
     queued("Unwaited_" CALL(Set_Force_Postion, (s, 1, 2, 3, 429496730, false)), hold(4)),  // a product beyond 32 bits
-    WAITING(Set_Force_Postion_New, Set_Force_Postion_Cmd, kNewWire, done("set_force_position", "set_state"), kNew),
-    SETTER(Stop_Force_Postion, Stop_Force_Postion_Cmd, simple("stop_force_position"),
+    WAITING(Set_Force_Postion_New, Set_Force_Postion_Cmd, kNewWire, done("set_force_position"), kNew),
+    SETTER(Stop_Force_Postion, Stop_Force_Postion_Cmd, plain("stop_force_position"),
            done("stop_force_position", "stop_state")),
 
-    QUERY(Get_Force_Data, Get_Force_Data_Cmd, simple("get_force_data"), kForces, kForcesTold, .wiping()),
-    SETTER(Clear_Force_Data, Clear_Force_Data_Cmd, simple("clear_force_data"), done("clear_force_data", "clear_state")),
-    WAITING(Set_Force_Sensor, Set_Force_Sensor_Cmd, simple("set_force_sensor"), kCalibrated),
-    queued(CALL(Set_Force_Sensor_NonBlock, (s)), simple("set_force_sensor")),
+    QUERY(Get_Force_Data, Get_Force_Data_Cmd, plain("get_force_data"), kForces, kForcesTold, .wiping()),
+    SETTER(Clear_Force_Data, Clear_Force_Data_Cmd, plain("clear_force_data"), done("clear_force_data", "clear_state")),
+    WAITING(Set_Force_Sensor, Set_Force_Sensor_Cmd, plain("set_force_sensor"), kCalibrated),
+    queued(CALL(Set_Force_Sensor_NonBlock, (s)), plain("set_force_sensor")),
     // Only the fourth pose is waited for.
     queued("First_" CALL(Manual_Set_Force, (s, 1, kJoint)), manual(1, kSix)),
     queued("Second_" CALL(Manual_Set_Force, (s, 2, kJoint)), manual(2, kSix)),
@@ -71,13 +67,13 @@ const std::vector<CommandCase> kRows = {
     acknowledged(CALL(Manual_Set_Force_Block, (s, 1, kJoint)), Set_Force_Sensor_Cmd, manual(1, kSeven), kCalibrated)
         .on(75),
     queued(CALL(Manual_Set_Force_NonBlock, (s, 4, kJoint)), manual(4, kSix)),
-    SETTER(Stop_Set_Force_Sensor, Stop_Set_Force_Sensor_Cmd, simple("stop_set_force_sensor"),
+    SETTER(Stop_Set_Force_Sensor, Stop_Set_Force_Sensor_Cmd, plain("stop_set_force_sensor"),
            done("stop_set_force_sensor", "stop_state")),
 
-    QUERY(Get_Fz, Get_FZ_Data_Cmd, simple("get_Fz"), kFz, "1; -0.5; 0.001; 0.0025"),
-    SETTER(Clear_Fz, Clear_Fz_Cmd, simple("clear_Fz"), done("clear_Fz", "set_state")),
-    WAITING(Auto_Set_Fz, Auto_Set_Fz_Cmd, simple("auto_set_Fz"), kCalibrated),
-    queued(CALL(Auto_Set_Fz_NonBlock, (s)), simple("auto_set_Fz")),
+    QUERY(Get_Fz, Get_FZ_Data_Cmd, plain("get_Fz"), kFz, "1; -0.5; 0.001; 0.0025"),
+    SETTER(Clear_Fz, Clear_Fz_Cmd, plain("clear_Fz"), done("clear_Fz")),
+    WAITING(Auto_Set_Fz, Auto_Set_Fz_Cmd, plain("auto_set_Fz"), kCalibrated),
+    queued(CALL(Auto_Set_Fz_NonBlock, (s)), plain("auto_set_Fz")),
     acknowledged(CALL(Manual_Set_Fz, (s, kJoint, kOther)), Auto_Set_Fz_Cmd,
                  manual_fz(kSix, "[1000, 2000, 3000, 4000, 5000, 6000]"), kCalibrated),
     acknowledged(CALL(Manual_Set_Fz_Block, (s, kJoint, kOther)), Auto_Set_Fz_Cmd,
@@ -108,14 +104,12 @@ TEST(ForceControlGuards, NullPointersAreToldAndNothingIsSent) {
 }
 
 TEST(ForceControlGuards, ClearingSuspendsWhileItWaits) {
-    expect_suspension({{CALL(Clear_Force_Data, (s, true)), R"({"command":"clear_force_data","clear_state":true})"}});
+    expect_suspension({{CALL(Clear_Force_Data, (s, true)), done("clear_force_data", "clear_state")}});
 }
 
 // A request that no controller understands: there is no fifth pose.
 TEST(Calibration, AnUnknownPoseIsSentWithoutACommand) {
-    run(queued(
-        "Manual_Set_Force", [](ArmSocket s) { return Manual_Set_Force(s, 5, kJoint); },
-        std::string(R"({"joint": )") + kSix + "}"));
+    run(queued(CALL(Manual_Set_Force, (s, 5, kJoint)), std::string(R"({"joint": )") + kSix + "}"));
 }
 
 // A reply of an earlier pose does not end the wait for the fourth.
@@ -127,29 +121,6 @@ TEST(Calibration, EveryPoseForgetsTheRepliesBeforeIt) {
     EXPECT_EQ(Manual_Set_Force(arm, 2, kJoint), 0);
     EXPECT_EQ(shared(Set_Force_Sensor_Cmd[0].count), 0);
     EXPECT_EQ(Manual_Set_Force(arm + 1, 2, kJoint), 0) << "whoever waits for nothing needs no connection";
-}
-
-// What a reply leaves out is not what an earlier one told.
-TEST(ForceData, OfASecondReplyReplaceThoseOfTheFirst) {
-    ScriptedController controller;
-    ZK_API_Init(65, nullptr);
-    set_shared(m_nOutTime, 60000);
-    const ArmSocket arm = connect_arm(controller);
-    controller.answer_in_turn("get_force_data", {kForces, R"({"state":"get_force_data","force_data":[1000]})"});
-    float force[6], zero[6], work[6], tool[6];
-    EXPECT_EQ(Get_Force_Data(arm, force, zero, work, tool), 0);
-    EXPECT_EQ(Get_Force_Data(arm, force, zero, work, tool), 0);
-    EXPECT_EQ(text_of(force) + "; " + text_of(work), "1 0 0 0 0 0; 0 0 0 0 0 0");
-}
-
-TEST(ForceControlParsers, Acknowledgements) {
-    for (const AckParser& parser : {AckParser{Parser_Clear_Force_Data, "clear_state"},
-                                    {Parser_Set_Force_Sensor, "set_state"},
-                                    {Parser_Stop_Force_Sensor, "stop_state"},
-                                    {Parser_Set_IO_Mode, "set_state"},
-                                    {Parser_init_force_drag_threshold, "init_state"}}) {
-        expect_acknowledgement(parser);
-    }
 }
 
 TEST(ForceControlParsers, Thresholds) {
@@ -169,24 +140,19 @@ TEST(ForceControlParsers, ForceData) {
 
 // A good reply says false.
 TEST(ForceControlParsers, Fz) {
+    const std::string rest = R"("Fz":1,"zero_Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})",
+                      good = R"({"set_state":false,)";
     expect_parsed(parsing(Parser_Get_Fz),
                   {{kFz, 0, "1; -0.5; 0.001; 0.0025"},
-                   {R"({"set_state":true,"Fz":1000,"zero_Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 9, ""},
-                   {R"({"set_state":0,"Fz":1000,"zero_Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 9, ""},
-                   {R"({"Fz":1000,"zero_Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 9, ""},
-                   {R"({"set_state":false,"zero_Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 9, ""},
-                   {R"({"set_state":false,"Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 9, "0.001; -; -; -"},
-                   {R"({"set_state":false,"Fz":1,"zero_Fz":1,"tool_zero_Fz":1})", 9, "0.001; 0.001; -; -"},
-                   {R"({"set_state":false,"Fz":1,"zero_Fz":1,"work_zero_Fz":1})", 9, "0.001; 0.001; 0.001; -"},
-                   {R"({"set_state":false,"Fz":"1","zero_Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 11, ""},
-                   {R"({"set_state":false,"Fz")", 9, ""}});
-}
-
-TEST(ForceControlRoutes, ThresholdsReachTheirMailbox) {
-    std::string message = R"({"state":"get_force_drag_threshold","threshold":12})";
-    handle_Recv_Json(2, message.data());
-    EXPECT_EQ(Get_Force_Drag_Threshold_Cmd[2].count, 1);
-    EXPECT_EQ(Get_Force_Drag_Threshold_Cmd[2].value, 12);
+                   {R"({"set_state":true,)" + rest, 9, ""},
+                   {R"({"set_state":0,)" + rest, 9, ""},
+                   {"{" + rest, 9, ""},
+                   {good + R"("zero_Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 9, ""},
+                   {good + R"("Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 9, "0.001; -; -; -"},
+                   {good + R"("Fz":1,"zero_Fz":1,"tool_zero_Fz":1})", 9, "0.001; 0.001; -; -"},
+                   {good + R"("Fz":1,"zero_Fz":1,"work_zero_Fz":1})", 9, "0.001; 0.001; 0.001; -"},
+                   {good + R"("Fz":"1","zero_Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 11, ""},
+                   {good + R"("Fz")", 9, ""}});
 }
 
 }  // namespace

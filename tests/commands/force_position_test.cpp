@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "commands/wire.h"
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/wire_protocol.h"
@@ -22,10 +23,6 @@ const char* const kSix = "[1900, -2000, 3000, 4000, 5000, 6000]";
 const char* const kSeven = "[1900, -2000, 3000, 4000, 5000, 6000, 1000]";  // the seventh lost its fraction
 const char* const kPose = R"("pose": [100000, -200000, 300000, 1500, -500, 3000])";
 const char* const kPoseQuat = R"("pose_quat": [100000, -200000, 300000, 1000000, 0, 0, 0])";
-const char* const kStart = R"({"command": "Start_Force_Position_Move"})";
-const char* const kStop = R"({"command": "Stop_Force_Position_Move"})";
-const char* const kStarted = R"({"command":"Start_Force_Position_Move","set_state":true})";
-const char* const kStopped = R"({"command":"Stop_Force_Position_Move","set_state":true})";
 const char* const kReport = R"({"state":"Force_Position_State","joint":[1,2,3,4,5,6],"force":20,"arm_err":0})";
 
 std::string wire(const std::string& set_point, const std::string& rest) {
@@ -54,8 +51,10 @@ std::string move_wire(const std::string& set_point) {
 }
 
 const std::vector<CommandCase> kRows = {
-    SETTER(Start_Force_Position_Move, Start_Force_Position_Move_Cmd, kStart, kStarted),
-    SETTER(Stop_Force_Position_Move, Stop_Force_Position_Move_Cmd, kStop, kStopped),
+    SETTER(Start_Force_Position_Move, Start_Force_Position_Move_Cmd, plain("Start_Force_Position_Move"),
+           done("Start_Force_Position_Move")),
+    SETTER(Stop_Force_Position_Move, Stop_Force_Position_Move_Cmd, plain("Stop_Force_Position_Move"),
+           done("Stop_Force_Position_Move")),
 
     queued(CALL(Force_Position_Move_Pose, (s, 1, 255, -3, 9, kByQuaternion, 0.25f)), wire(kPoseQuat, kFollow)),
     queued("Euler_" CALL(Force_Position_Move_Pose, (s, 1, 255, -3, 0, kByEuler, 0.25f)), wire(kPose, kSmooth)),
