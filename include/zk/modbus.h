@@ -9,8 +9,8 @@
  * reply, or <name>_NonBlock, which only queues the request and returns 0. Statuses: 0; 1 refused, also when the device
  * does not answer; 5 not an open connection; 7 no reply in time; 8 a reply to a read without "data" of its type; 9, 11
  * a reply that is broken or of the wrong type. The plain names add 18 during a file transfer, and 19 for a null
- * pointer. Reads and writes have m_nmodbusrtu_OutTime, the modes m_nOutTime and more. A request too long for its frame
- * of 299 bytes, by its data, ends the process. Application threads.
+ * pointer where not told otherwise. Reads and writes have m_nmodbusrtu_OutTime, the modes m_nOutTime and more. A
+ * request too long for its frame of 299 bytes, by its data, ends the process. Application threads.
  */
 #ifndef ZK_MODBUS_H
 #define ZK_MODBUS_H
@@ -29,8 +29,7 @@ typedef struct ModbusValuesReply {
     int32_t value[ZK_MODBUS_VALUES];
 } ModbusValuesReply;
 
-/* ---------------------------------------------------------------------------------------------------------- Modes --
- */
+/* --------------------------------------------------------------------------------------------------------- Modes -- */
 
 /*
  * Make a serial port of the controller a master of Modbus RTU, and end that.
@@ -63,8 +62,7 @@ ZK_API int Close_Modbustcp_Mode(ArmSocket socket);
 ZK_API int Close_Modbustcp_Mode_Block(ArmSocket socket);
 ZK_API int Parser_Close_Modbustcp_Mode(const char* text);
 
-/* ---------------------------------------------------------------------------------------------------------- Reads --
- */
+/* --------------------------------------------------------------------------------------------------------- Reads -- */
 
 /* Read up to eight coils, or discrete inputs, of a device into one number: the first is bit 0. */
 ZK_API IntReply Get_Read_Coils_Cmd[ZK_SLOTS];
@@ -91,9 +89,10 @@ ZK_API int Get_Read_Input_Registers_Block(ArmSocket socket, int32_t port, int32_
 
 /*
  * Read several coils, holding registers or input registers. `data` gets as many values as the controller's reply holds:
- * bytes of eight coils each, or of registers the high and the low byte in turn. What a reply holds is not told, and it
- * may be more than was asked for: an array of ZK_MODBUS_VALUES takes every one. No null test: without an array the
- * values are dropped.
+ * bytes of eight coils each, or of registers the high and the low byte in turn. Give it an array of ZK_MODBUS_VALUES,
+ * whatever `num` is: how many a reply holds is not told, a late reply to a longer read may be taken for this one's, and
+ * a refused read delivers the values of the one before. The names that begin with Read_ test no pointer: without an
+ * array the values are dropped.
  */
 ZK_API ModbusValuesReply Get_Read_Multiple_Coils_Cmd[ZK_SLOTS];
 ZK_API int Get_Read_Multiple_Coils(ArmSocket socket, int32_t port, int32_t address, int32_t num, int32_t device,
@@ -120,8 +119,7 @@ ZK_API int Parser_Get_read_coils(const char* text, int32_t* data);
 ZK_API int Parser_Get_Read_Multiple_Coils(const char* text, int32_t* data, int32_t* count);
 ZK_API int Parser_Read_Multiple_Holding_Registers(const char* text, int32_t* data, int32_t* count);
 
-/* --------------------------------------------------------------------------------------------------------- Writes --
- */
+/* -------------------------------------------------------------------------------------------------------- Writes -- */
 
 /* Switch one coil, set one holding register. */
 ZK_API AckReply Write_Single_Coil_Cmd[ZK_SLOTS];

@@ -139,7 +139,7 @@ ZK_API int Get_Read_Input_Registers_Block(ArmSocket s, int32_t port, int32_t add
 ModbusValuesReply Get_Read_Multiple_Coils_Cmd[ZK_SLOTS];
 ZK_API int Get_Read_Multiple_Coils(ArmSocket s, int32_t port, int32_t address, int32_t num, int32_t device,
                                    int32_t* data) {
-    return guarded(Get_Read_Multiple_Coils_Block, s, port, address, num, device, data);
+    return checked(Get_Read_Multiple_Coils_Block, s, port, address, num, device, data);
 }
 ZK_API int Get_Read_Multiple_Coils_Block(ArmSocket s, int32_t port, int32_t address, int32_t num, int32_t device,
                                          int32_t* data) {
