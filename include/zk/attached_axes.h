@@ -47,8 +47,7 @@ typedef struct ExpandConfigReply {
     int32_t limit_max;
 } ExpandConfigReply;
 
-/* ----------------------------------------------------------------------------------------------------------- Lift --
- */
+/* ---------------------------------------------------------------------------------------------------------- Lift -- */
 
 /*
  * Moves the lift to a height. The blocking form waits for the lift's own report, however long it takes: 0 arrived; 1
@@ -66,7 +65,7 @@ ZK_API int Get_Lift_State(ArmSocket socket, int32_t* height, int32_t* current, u
 ZK_API int Get_Lift_State_Block(ArmSocket socket, int32_t* height, int32_t* current, uint16_t* err_flag, int32_t* mode);
 ZK_API int Parser_Get_Lift_Speed(const char* text, int32_t* height, int32_t* current, int32_t* err_flag, int32_t* mode);
 
-/* Runs the lift at a speed. Unheard; the plain name always takes the non-blocking form. */
+/* Runs the lift at a speed. The blocking form is unheard; the plain name always takes the other. */
 ZK_API int Set_Lift_Speed(ArmSocket socket, int32_t speed);
 ZK_API int Set_Lift_Speed_Block(ArmSocket socket, int32_t speed);
 ZK_API int Set_Lift_Speed_NonBlock(ArmSocket socket, int32_t speed);
@@ -77,8 +76,7 @@ ZK_API int Set_Lift(ArmSocket socket, int32_t height, int32_t speed, bool block)
 ZK_API int Set_Lift_Block(ArmSocket socket, int32_t height, int32_t speed);
 ZK_API int Set_Lift_NonBlock(ArmSocket socket, int32_t height, int32_t speed);
 
-/* ------------------------------------------------------------------------------------------------- Expansion axis --
- */
+/* ------------------------------------------------------------------------------------------------ Expansion axis -- */
 
 /*
  * Run the expansion axis at a speed, and move it to a position. A blocking form ends with the next report of any
@@ -126,10 +124,9 @@ ZK_API int Expand_Get_Config_Block(ArmSocket socket, int32_t* rpm_max, int32_t* 
 ZK_API int Parser_Expand_Get_Config(const char* text, int32_t* rpm_max, int32_t* rpm_acc, int32_t* coefficient,
                                     int32_t* limit_min, int32_t* limit_max);
 
-/* ---------------------------------------------------------------------------------------------------- Mobile base --
- */
+/* --------------------------------------------------------------------------------------------------- Mobile base -- */
 
-/* Drive the base by a linear and an angular speed. Both are unheard. */
+/* Drive the base by a linear and an angular speed. Both are unheard: use the non-blocking forms. */
 ZK_API int Set_Vehicle(ArmSocket socket, int32_t speed, int32_t angular, bool block);
 ZK_API int Set_Vehicle_Block(ArmSocket socket, int32_t speed, int32_t angular);
 ZK_API int Set_Vehicle_NonBlock(ArmSocket socket, int32_t speed, int32_t angular);
@@ -139,7 +136,7 @@ ZK_API int Set_Car_Move_Block(ArmSocket socket, int32_t linear, int32_t angular)
 ZK_API int Set_Car_Move_NonBlock(ArmSocket socket, int32_t linear, int32_t angular);
 
 /* Send the base to a station, set the speed and the mode of its navigation, have it charge, and tell it which station
- * it stands at. All are unheard. */
+ * it stands at. All are unheard: use the non-blocking forms. */
 ZK_API int Set_Car_Station(ArmSocket socket, int32_t station, int32_t speed, bool block);
 ZK_API int Set_Car_Station_Block(ArmSocket socket, int32_t station, int32_t speed);
 ZK_API int Set_Car_Station_NonBlock(ArmSocket socket, int32_t station, int32_t speed);
@@ -161,7 +158,8 @@ ZK_API int Set_Car_Station_Num(ArmSocket socket, int32_t station, bool block);
 ZK_API int Set_Car_Station_Num_Block(ArmSocket socket, int32_t station);
 ZK_API int Set_Car_Station_Num_NonBlock(ArmSocket socket, int32_t station);
 
-/* Asks for the base's state. Unheard, and there is no other form: it ends in 7 and delivers nothing. */
+/* Asks for the base's state. Unheard, and there is no other form: it ends in 7 and delivers nothing. No command tells
+ * that state; Parser_Get_Car_State takes a reply apart that an application came by otherwise. */
 ZK_API int Get_Car_State(ArmSocket socket, int32_t* battery_volume, int32_t* voltage, int32_t* current,
                          int32_t* car_err, int32_t* car_state, int32_t* station_num);
 ZK_API int Get_Car_State_Block(ArmSocket socket, int32_t* battery_volume, int32_t* voltage, int32_t* current,

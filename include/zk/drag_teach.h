@@ -31,7 +31,7 @@ typedef struct DragOriginReply {
     int32_t device;
 } DragOriginReply;
 
-/* --------------------------------------------------------------------------------------------------- Recording -- */
+/* ----------------------------------------------------------------------------------------------------- Recording -- */
 
 /* Lets the arm be dragged, and records it until Stop_Drag_Teach. */
 ZK_API AckReply Start_Drag_Teach_Cmd[ZK_SLOTS];
@@ -68,7 +68,7 @@ ZK_API int Get_Drag_Teach_Sensitivity(ArmSocket socket, int32_t* grade);
 ZK_API int Get_Drag_Teach_Sensitivity_Block(ArmSocket socket, int32_t* grade);
 ZK_API int Parser_Get_Drag_Teach_Sensitivity(const char* text, int32_t* grade);
 
-/* ------------------------------------------------------------------------------------------------------- Replay -- */
+/* -------------------------------------------------------------------------------------------------------- Replay -- */
 
 /*
  * Replays the recording.

@@ -31,8 +31,7 @@ typedef struct GripperStateReply {
     GripperState state;
 } GripperStateReply;
 
-/* -------------------------------------------------------------------------------------------------------- Gripper --
- */
+/* ------------------------------------------------------------------------------------------------------- Gripper -- */
 
 /* Sets the range of the opening that is used. Waits m_nOutTime_max. */
 ZK_API AckReply Set_Gripper_Route_Cmd[ZK_SLOTS];
@@ -77,8 +76,7 @@ ZK_API int Get_Gripper_State(ArmSocket socket, GripperState* state);
 ZK_API int Get_Gripper_State_Block(ArmSocket socket, GripperState* state);
 ZK_API int Parser_Get_Gripper_State(const char* text, GripperState* state);
 
-/* ----------------------------------------------------------------------------------------------------------- Hand --
- */
+/* ---------------------------------------------------------------------------------------------------------- Hand -- */
 
 /*
  * Bring the hand into a posture, or have it run through a sequence, by their numbers in the hand. A blocking form waits
@@ -126,11 +124,11 @@ ZK_API int Set_Hand_Force(ArmSocket socket, int32_t force, bool block);
 ZK_API int Set_Hand_Force_Block(ArmSocket socket, int32_t force);
 ZK_API int Set_Hand_Force_NonBlock(ArmSocket socket, int32_t force);
 
-/* ------------------------------------------------------------------------------------------------------------ PWM --
- */
+/* ----------------------------------------------------------------------------------------------------------- PWM -- */
 
 /* Sets the frequency and the duty of the PWM output. The controller does it, but its reply does not reach the caller:
- * the blocking form ends in 7 after m_nOutTime (6, 20). Use the other. The plain name waits 20 ms first. */
+ * the blocking form ends in 7 after m_nOutTime (6 when the request could not be written, 20 with 200 replies pending).
+ * Use the other form. The plain name waits 20 ms first. */
 ZK_API int Set_PWM(ArmSocket socket, int32_t frequency, int32_t duty, bool block);
 ZK_API int Set_PWM_Block(ArmSocket socket, int32_t frequency, int32_t duty);
 ZK_API int Set_PWM_NoBlock(ArmSocket socket, int32_t frequency, int32_t duty);

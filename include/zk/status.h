@@ -15,7 +15,7 @@
     X(ZK_NOT_CONNECTED,         5, "no connection: it was refused, the socket is not an open arm connection, or the controller does not answer") \
     X(ZK_SEND_FAILED,           6, "the request could not be written to the socket") \
     X(ZK_TIMEOUT,               7, "no reply within the time limit") \
-    X(ZK_NOT_BOOLEAN,           8, "the reply's acknowledgement is neither true nor false") \
+    X(ZK_NOT_BOOLEAN,           8, "the reply's acknowledgement or data are missing or of the wrong type, or there is no such command on the wire") \
     X(ZK_BAD_REPLY,             9, "the reply is not valid JSON, or a key is missing") \
     X(ZK_WRONG_SIZE,           10, "an array in the reply has the wrong number of elements") \
     X(ZK_WRONG_TYPE,           11, "a value in the reply, or an argument's kind, is of the wrong type") \
