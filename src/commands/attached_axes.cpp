@@ -15,6 +15,10 @@ namespace {
 
 constexpr int32_t travel_ms = 120000;  // longer than any of the axes travels
 
+Request one(ArmSocket s, const char* command, const char* key, int32_t value) {
+    return Request(s, command).number(key, value);
+}
+
 Request two(ArmSocket s, const char* command, const char* first_key, int32_t first, const char* second_key,
             int32_t second) {
     return Request(s, command).number(first_key, first).number(second_key, second);
@@ -23,6 +27,9 @@ Request two(ArmSocket s, const char* command, const char* first_key, int32_t fir
 Request lift(ArmSocket s, const char* command, int32_t height, int32_t speed) {
     return two(s, command, "height", height, "speed", speed);
 }
+
+// What the base acknowledges by the state of its navigation.
+int navigated(const Request& request, int key_code) { return pending(request, key_code, Parser_Set_Car_Station); }
 
 // Required numbers, in their order.
 struct Number {
@@ -91,7 +98,7 @@ ZK_API int Parser_Get_Lift_Speed(const char* text, int32_t* height, int32_t* cur
     return numbers(text, {{"height", height}, {"current", current}, {"err_flag", err_flag}, {"mode", mode}});
 }
 
-static Request lift_speed(ArmSocket s, int32_t speed) { return Request(s, "set_lift_speed").number("speed", speed); }
+static Request lift_speed(ArmSocket s, int32_t speed) { return one(s, "set_lift_speed", "speed", speed); }
 ZK_API int Set_Lift_Speed(ArmSocket s, int32_t speed) {
     return settled(false, Set_Lift_Speed_Block, Set_Lift_Speed_NonBlock, s, speed);
 }
@@ -113,7 +120,7 @@ ZK_API int Set_Lift_NonBlock(ArmSocket s, int32_t height, int32_t speed) {
 
 // ------------------------------------------------------------------------------------------------ Expansion axis --
 
-static Request axis_speed(ArmSocket s, int32_t speed) { return Request(s, "expand_set_speed").number("speed", speed); }
+static Request axis_speed(ArmSocket s, int32_t speed) { return one(s, "expand_set_speed", "speed", speed); }
 ZK_API int Expand_Set_Speed(ArmSocket s, int32_t speed, bool block) {
     return guarded(block ? Expand_Set_Speed_Block : Expand_Set_Speed_NonBlock, s, speed);
 }
@@ -154,7 +161,7 @@ ZK_API int Parser_Expand_Get_State(const char* text, int32_t* pos, int32_t* err_
 AckReply Expand_Set_Version_Cmd[ZK_SLOTS];
 ZK_API int Expand_Set_Version(ArmSocket s, int32_t version) { return guarded(Expand_Set_Version_BLock, s, version); }
 ZK_API int Expand_Set_Version_BLock(ArmSocket s, int32_t version) {
-    return set(Request(s, "expand_set_version").number("expand_version", version), Expand_Set_Version_Cmd,
+    return set(one(s, "expand_set_version", "expand_version", version), Expand_Set_Version_Cmd,
                {.clears = Set_Arm_Power_Cmd, .limit = read(m_nOutTime_max)});
 }
 ZK_API int Parser_Expand_Set_Version(const char* text) { return acknowledgement(text, "expand_version"); }
@@ -239,56 +246,42 @@ ZK_API int Set_Car_Station(ArmSocket s, int32_t station, int32_t speed, bool blo
     return settled(block, Set_Car_Station_Block, Set_Car_Station_NonBlock, s, station, speed);
 }
 ZK_API int Set_Car_Station_Block(ArmSocket s, int32_t station, int32_t speed) {
-    return pending(car_station(s, station, speed), 153, Parser_Set_Car_Station);
+    return navigated(car_station(s, station, speed), 153);
 }
 ZK_API int Set_Car_Station_NonBlock(ArmSocket s, int32_t station, int32_t speed) {
     return post(car_station(s, station, speed));
 }
 ZK_API int Parser_Set_Car_Station(const char* text) { return acknowledgement(text, "navigation_state"); }
 
-static Request navigation_speed(ArmSocket s, int32_t speed) {
-    return Request(s, "set_car_navigation_speed").number("speed", speed);
-}
+static Request car_speed(ArmSocket s, int32_t speed) { return one(s, "set_car_navigation_speed", "speed", speed); }
 ZK_API int Set_Car_Navigation_Speed(ArmSocket s, int32_t speed, bool block) {
     return settled(block, Set_Car_Navigation_Speed_Block, Set_Car_Navigation_Speed_NonBlock, s, speed);
 }
-ZK_API int Set_Car_Navigation_Speed_Block(ArmSocket s, int32_t speed) {
-    return pending(navigation_speed(s, speed), 154, Parser_Set_Car_Station);
-}
-ZK_API int Set_Car_Navigation_Speed_NonBlock(ArmSocket s, int32_t speed) { return post(navigation_speed(s, speed)); }
+ZK_API int Set_Car_Navigation_Speed_Block(ArmSocket s, int32_t speed) { return navigated(car_speed(s, speed), 154); }
+ZK_API int Set_Car_Navigation_Speed_NonBlock(ArmSocket s, int32_t speed) { return post(car_speed(s, speed)); }
 
-static Request navigation_mode(ArmSocket s, int32_t mode) {
-    return Request(s, "set_car_navigation_mode").number("mode", mode);
-}
+static Request car_mode(ArmSocket s, int32_t mode) { return one(s, "set_car_navigation_mode", "mode", mode); }
 ZK_API int Set_Car_Navigation_Mode(ArmSocket s, int32_t mode, bool block) {
     return settled(block, Set_Car_Navigation_Mode_Block, Set_Car_Navigation_Mode_NonBlock, s, mode);
 }
-ZK_API int Set_Car_Navigation_Mode_Block(ArmSocket s, int32_t mode) {
-    return pending(navigation_mode(s, mode), 155, Parser_Set_Car_Station);
-}
-ZK_API int Set_Car_Navigation_Mode_NonBlock(ArmSocket s, int32_t mode) { return post(navigation_mode(s, mode)); }
+ZK_API int Set_Car_Navigation_Mode_Block(ArmSocket s, int32_t mode) { return navigated(car_mode(s, mode), 155); }
+ZK_API int Set_Car_Navigation_Mode_NonBlock(ArmSocket s, int32_t mode) { return post(car_mode(s, mode)); }
 
-static Request car_charge(ArmSocket s, int32_t charge_state) {
-    return Request(s, "set_car_charge").number("charge_state", charge_state);
-}
+static Request car_charge(ArmSocket s, int32_t state) { return one(s, "set_car_charge", "charge_state", state); }
 ZK_API int Set_Car_Charge(ArmSocket s, int32_t charge_state, bool block) {
     return settled(block, Set_Car_Charge_Block, Set_Car_Charge_NonBlock, s, charge_state);
 }
 ZK_API int Set_Car_Charge_Block(ArmSocket s, int32_t charge_state) {
-    return pending(car_charge(s, charge_state), 157, Parser_Set_Car_Station);
+    return navigated(car_charge(s, charge_state), 157);
 }
 ZK_API int Set_Car_Charge_NonBlock(ArmSocket s, int32_t charge_state) { return post(car_charge(s, charge_state)); }
 
-static Request car_station_num(ArmSocket s, int32_t station) {
-    return Request(s, "set_car_station_num").number("station_num", station);
-}
+static Request car_place(ArmSocket s, int32_t station) { return one(s, "set_car_station_num", "station_num", station); }
 ZK_API int Set_Car_Station_Num(ArmSocket s, int32_t station, bool block) {
     return settled(block, Set_Car_Station_Num_Block, Set_Car_Station_Num_NonBlock, s, station);
 }
-ZK_API int Set_Car_Station_Num_Block(ArmSocket s, int32_t station) {
-    return pending(car_station_num(s, station), 158, Parser_Set_Car_Station);
-}
-ZK_API int Set_Car_Station_Num_NonBlock(ArmSocket s, int32_t station) { return post(car_station_num(s, station)); }
+ZK_API int Set_Car_Station_Num_Block(ArmSocket s, int32_t station) { return navigated(car_place(s, station), 158); }
+ZK_API int Set_Car_Station_Num_NonBlock(ArmSocket s, int32_t station) { return post(car_place(s, station)); }
 
 ZK_API int Get_Car_State(ArmSocket s, int32_t* battery_volume, int32_t* voltage, int32_t* current, int32_t* car_err,
                          int32_t* car_state, int32_t* station_num) {

@@ -3,8 +3,9 @@
 
 #include <future>
 
-#include "support/arm.h"
-#include "support/scaled_time.h"
+#include "commands/limits.h"
+#include "commands/wire.h"
+#include "support/command_case.h"
 #include "zk/gripper_and_hand.h"
 #include "zk/motion.h"
 
@@ -14,11 +15,6 @@ using namespace zk::test;
 
 const int32_t kFingers[6] = {1, 2, 3, 4, 5, 6};
 
-std::string report(int device, bool arrived = true) {
-    return R"({"state":"current_trajectory_state","trajectory_state":)" + std::string(arrived ? "true" : "false") +
-           R"(,"device":)" + std::to_string(device) + "}";
-}
-
 class DeviceWaits : public testing::Test {
  protected:
     void SetUp() override {
@@ -27,9 +23,8 @@ class DeviceWaits : public testing::Test {
         set_shared(m_nOutTime, 2000000000);
         set_shared(m_nOutTime_max, 2000000000);
         arm_ = connect_arm(controller_);
-        controller_.answer("set_gripper_pick", R"({"command":"set_gripper_pick","state":true})");
-        for (const char* command : {"set_hand_posture", "set_hand_seq"})
-            controller_.answer(command, std::string(R"({"command":")") + command + R"(","set_state":true})");
+        controller_.answer("set_gripper_pick", done("set_gripper_pick", "state"));
+        for (const char* command : {"set_hand_posture", "set_hand_seq"}) controller_.answer(command, done(command));
     }
 
     int pick(int timeout) { return Set_Gripper_Pick(arm_, 500, 200, true, timeout); }
@@ -47,16 +42,6 @@ class DeviceWaits : public testing::Test {
         controller_.wait_for_request(command);
         controller_.say(report(device, arrived));
         return status.get();
-    }
-
-    // What a call that ends by its limit alone takes of the library's time.
-    template <class Function>
-    int32_t time_to_give_up(int factor, Function call) {
-        const int32_t start = Get_Program_Runtime();
-        set_time_factor(factor);
-        EXPECT_EQ(call(), 7);
-        set_time_factor(0);
-        return Get_Program_Runtime() - start;
     }
 
     ScriptedController controller_;
@@ -83,7 +68,12 @@ TEST_F(DeviceWaits, AGripperIsWaitedForAsLongAsItsTimeoutSays) {
     set_shared(m_nOutTime_max, 5000);
     EXPECT_GE(time_to_give_up(20, [this] { return Set_Gripper_Pick(arm_, 500, 200, false, 1); }), 5000);
     Arm_Socket_Close(arm_);
-    EXPECT_EQ(pick(60), 5);
+    GripperState state;
+    for (const int status : {pick(60), Set_Gripper_Pick(arm_, 1, 1, false, 1), Set_Hand_Posture(arm_, 1, true),
+                             Set_Hand_Follow_Angle(arm_, kFingers, true), Get_Gripper_State(arm_, &state)}) {
+        EXPECT_EQ(status, 5);
+    }
+    EXPECT_EQ(Set_Gripper_Pick(arm_, 1, 1, false, 0), 0);
 }
 
 TEST_F(DeviceWaits, AHandEndsByItsOwnReportAlone) {
@@ -115,9 +105,9 @@ TEST_F(DeviceWaits, AStreamIsNotHeldUpByAReplyThatIsLost) {
         EXPECT_EQ(position(), status);
     }
     EXPECT_EQ(controller_.next_request(),
-              "{\n\t\"command\":\t\"hand_follow_angle\",\n\t\"hand_angle\":\t[1, 2, 3, 4, 5, 6]\n}");
+              formatted(R"({"command": "hand_follow_angle", "hand_angle": [1, 2, 3, 4, 5, 6]})"));
     EXPECT_EQ(controller_.next_request(),
-              "{\n\t\"command\":\t\"hand_follow_pos\",\n\t\"hand_pos\":\t[1, 2, 3, 4, 5, 6]\n}");
+              formatted(R"({"command": "hand_follow_pos", "hand_pos": [1, 2, 3, 4, 5, 6]})"));
     for (const char* command : {"hand_follow_angle", "hand_follow_pos"}) controller_.ignore(command);
     set_shared(Set_Hand_Follow_Pos_Cmd[0].count, 1);  // of a reply that came too late
     for (const std::function<int()>& call : {std::function<int()>(angle), std::function<int()>(position)}) {

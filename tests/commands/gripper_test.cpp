@@ -1,6 +1,7 @@
 // Gripper, hand and PWM: every command on the wire, its guards, and its parser.
 #include <gtest/gtest.h>
 
+#include "commands/wire.h"
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
@@ -15,32 +16,28 @@ using namespace zk::test;
 const int32_t kFingers[6] = {0, 1000, -1, 2147483647, -2147483647 - 1, 5};
 
 // An acknowledgement, and the report of the device's arrival right behind it.
-const std::string kGripped = std::string(R"({"command":"set_gripper","state":true})") + "\r\n" +
-                             R"({"state":"current_trajectory_state","trajectory_state":true,"device":1})";
-std::string posed(const std::string& command) {
-    return R"({"command":")" + command + R"(","set_state":true})" + "\r\n" +
-           R"({"state":"current_trajectory_state","trajectory_state":true,"device":2})";
-}
+const std::string kAccepted = done("set_gripper", "state");
+const std::string kGripped = kAccepted + "\r\n" + report(1);
+std::string posed(const std::string& command) { return done(command) + "\r\n" + report(2); }
 
-const char* const kRoute = R"({"command":"set_gripper_route","state":true})";
-const char* const kAccepted = R"({"command":"set_gripper","state":true})";
-const char* const kPwm = R"({"command":"set_PWM","set_state":true})";
 const char* const kState =
     R"({"state":"get_gripper_state","enable":2,"status":0,"error":-1,"mode":3,"current_force":4,"temperature":5,)"
     R"("actpos":1000})";
 const char* const kStateTold = "1 0, -1 3 4 5 1000";
-
-// Acknowledged with "set_state" under its own name.
-CommandCase handled(const std::string& name, Call call, FirstRecord mailbox, const std::string& wire) {
-    return acknowledged(name, call, mailbox, wire, R"({"command":")" + command_name(wire) + R"(","set_state":true})");
-}
+const char* const kPick = R"({"command": "set_gripper_pick", "speed": 500, "force": 200, "block": true})";
+const char* const kPickOn = R"({"command": "set_gripper_pick_on", "speed": 500, "force": 200, "block": true})";
+const char* const kPosture = R"({"command": "set_hand_posture", "posture_num": 3, "block": true})";
+const char* const kSequence = R"({"command": "set_hand_seq", "seq_num": 4, "block": true})";
+const char* const kAngles = R"({"command": "set_hand_angle", "hand_angle": [0, 1000, -1, 2147483647, -2147483648, 5]})";
+const char* const kNextAngles =
+    R"({"command": "hand_follow_angle", "hand_angle": [0, 1000, -1, 2147483647, -2147483648, 5]})";
+const char* const kNextPositions =
+    R"({"command": "hand_follow_pos", "hand_pos": [0, 1000, -1, 2147483647, -2147483648, 5]})";
+const char* const kPwm = R"({"command": "set_PWM", "PWM_Frq": 1000, "PWM_Dpulse": -5})";
 
 const std::vector<CommandCase> kRows = {
-    acknowledged(CALL(Set_Gripper_Route, (s, 0, 1000, true)), Set_Gripper_Route_Cmd,
-                 R"({"command": "set_gripper_route", "min": 0, "max": 1000})", kRoute),
-    acknowledged(CALL(Set_Gripper_Route_Block, (s, -1, 5)), Set_Gripper_Route_Cmd,
-                 R"({"command": "set_gripper_route", "min": -1, "max": 5})", kRoute),
-    queued(CALL(Set_Gripper_Route_NonBlock, (s, 1, 2)), R"({"command": "set_gripper_route", "min": 1, "max": 2})"),
+    SETTER(Set_Gripper_Route, Set_Gripper_Route_Cmd, R"({"command": "set_gripper_route", "min": -1, "max": 1000})",
+           done("set_gripper_route", "state"), -1, 1000),
 
     acknowledged(CALL(Set_Gripper_Release, (s, 500, true, 60)), {},
                  R"({"command": "set_gripper_release", "speed": 500, "block": true})", kGripped),
@@ -51,16 +48,12 @@ const std::vector<CommandCase> kRows = {
         .taking_old_replies(),
     queued("AtOnce_" CALL(Set_Gripper_Release, (s, 500, false, 0)),
            R"({"command": "set_gripper_release", "speed": 500, "block": 0})"),
-    acknowledged(CALL(Set_Gripper_Pick, (s, 500, 200, true, 60)), {},
-                 R"({"command": "set_gripper_pick", "speed": 500, "force": 200, "block": true})", kGripped),
-    acknowledged(CALL(Set_Gripper_Pick_Block, (s, 500, 200, 60)), {},
-                 R"({"command": "set_gripper_pick", "speed": 500, "force": 200, "block": true})", kGripped),
+    acknowledged(CALL(Set_Gripper_Pick, (s, 500, 200, true, 60)), {}, kPick, kGripped),
+    acknowledged(CALL(Set_Gripper_Pick_Block, (s, 500, 200, 60)), {}, kPick, kGripped),
     queued(CALL(Set_Gripper_Pick_NonBlock, (s, 500, 200, 0)),
            R"({"command": "set_gripper_pick", "speed": 500, "force": 200, "block": 0})"),
-    acknowledged(CALL(Set_Gripper_Pick_On, (s, 500, 200, true, 60)), {},
-                 R"({"command": "set_gripper_pick_on", "speed": 500, "force": 200, "block": true})", kGripped),
-    acknowledged(CALL(Set_Gripper_Pick_On_Block, (s, 500, 200, 60)), {},
-                 R"({"command": "set_gripper_pick_on", "speed": 500, "force": 200, "block": true})", kGripped),
+    acknowledged(CALL(Set_Gripper_Pick_On, (s, 500, 200, true, 60)), {}, kPickOn, kGripped),
+    acknowledged(CALL(Set_Gripper_Pick_On_Block, (s, 500, 200, 60)), {}, kPickOn, kGripped),
     acknowledged(CALL(Set_Gripper_Pick_On_NonBlock, (s, 500, 200, -1)), Set_Gripper_Release_Cmd,
                  R"({"command": "set_gripper_pick_on", "speed": 500, "force": 200, "block": 0})", kAccepted)
         .taking_old_replies(),
@@ -69,53 +62,31 @@ const std::vector<CommandCase> kRows = {
     acknowledged(CALL(Set_Gripper_Position_Block, (s, 300, 60)), {},
                  R"({"command": "set_gripper_position", "position": 300, "block": true})", kGripped),
     queued(CALL(Set_Gripper_Position_NonBlock, (s, 300, 0)), R"({"command": "set_gripper_position", "position": 300})"),
+    QUERY(Get_Gripper_State, Get_Gripper_State_Cmd, plain("get_gripper_state"), kState, kStateTold,
+          .losing_its_status()),
 
-    answered(ASK(Get_Gripper_State), Get_Gripper_State_Cmd, R"({"command": "get_gripper_state"})", kState, kStateTold)
-        .losing_its_status(),
-    answered(ASK(Get_Gripper_State_Block), Get_Gripper_State_Cmd, R"({"command": "get_gripper_state"})", kState,
-             kStateTold)
-        .losing_its_status(),
+    acknowledged(CALL(Set_Hand_Posture, (s, 3, true)), {}, kPosture, posed("set_hand_posture")),
+    acknowledged(CALL(Set_Hand_Posture_Block, (s, 3)), {}, kPosture, posed("set_hand_posture")),
+    acknowledged(CALL(Set_Hand_Posture_NonBlock, (s, 3)), Set_Hand_Posture_Cmd,
+                 R"({"command": "set_hand_posture", "posture_num": 3})", done("set_hand_posture")),
+    acknowledged(CALL(Set_Hand_Seq, (s, 4, true)), {}, kSequence, posed("set_hand_seq")),
+    acknowledged(CALL(Set_Hand_Seq_Block, (s, 4)), {}, kSequence, posed("set_hand_seq")),
+    acknowledged(CALL(Set_Hand_Seq_NonBlock, (s, 4)), Set_Hand_Seq_Cmd, R"({"command": "set_hand_seq", "seq_num": 4})",
+                 done("set_hand_seq")),
 
-    acknowledged(CALL(Set_Hand_Posture, (s, 3, true)), {},
-                 R"({"command": "set_hand_posture", "posture_num": 3, "block": true})", posed("set_hand_posture")),
-    acknowledged(CALL(Set_Hand_Posture_Block, (s, 3)), {},
-                 R"({"command": "set_hand_posture", "posture_num": 3, "block": true})", posed("set_hand_posture")),
-    handled(CALL(Set_Hand_Posture_NonBlock, (s, 3)), Set_Hand_Posture_Cmd,
-            R"({"command": "set_hand_posture", "posture_num": 3})"),
-    acknowledged(CALL(Set_Hand_Seq, (s, 4, true)), {}, R"({"command": "set_hand_seq", "seq_num": 4, "block": true})",
-                 posed("set_hand_seq")),
-    acknowledged(CALL(Set_Hand_Seq_Block, (s, 4)), {}, R"({"command": "set_hand_seq", "seq_num": 4, "block": true})",
-                 posed("set_hand_seq")),
-    handled(CALL(Set_Hand_Seq_NonBlock, (s, 4)), Set_Hand_Seq_Cmd, R"({"command": "set_hand_seq", "seq_num": 4})"),
+    SETTER(Set_Hand_Angle, Set_Hand_Angle_Cmd, kAngles, done("set_hand_angle"), kFingers),
+    queued(CALL(Set_Hand_Follow_Angle, (s, kFingers, false)), kNextAngles),
+    queued(CALL(Set_Hand_Follow_Angle_NonBlock, (s, kFingers)), kNextAngles),
+    queued(CALL(Set_Hand_Follow_Pos, (s, kFingers, false)), kNextPositions),
+    queued(CALL(Set_Hand_Follow_Pos_NonBlock, (s, kFingers)), kNextPositions),
+    SETTER(Set_Hand_Speed, Set_Hand_Speed_Cmd, R"({"command": "set_hand_speed", "hand_speed": -8})",
+           done("set_hand_speed"), -8),
+    SETTER(Set_Hand_Force, Set_Hand_Force_Cmd, R"({"command": "set_hand_force", "hand_force": 800})",
+           done("set_hand_force"), 800),
 
-    handled(CALL(Set_Hand_Angle, (s, kFingers, true)), Set_Hand_Angle_Cmd,
-            R"({"command": "set_hand_angle", "hand_angle": [0, 1000, -1, 2147483647, -2147483648, 5]})"),
-    handled(CALL(Set_Hand_Angle_Block, (s, kFingers)), Set_Hand_Angle_Cmd,
-            R"({"command": "set_hand_angle", "hand_angle": [0, 1000, -1, 2147483647, -2147483648, 5]})"),
-    queued(CALL(Set_Hand_Angle_NonBlock, (s, kFingers)),
-           R"({"command": "set_hand_angle", "hand_angle": [0, 1000, -1, 2147483647, -2147483648, 5]})"),
-    queued(CALL(Set_Hand_Follow_Angle, (s, kFingers, false)),
-           R"({"command": "hand_follow_angle", "hand_angle": [0, 1000, -1, 2147483647, -2147483648, 5]})"),
-    queued(CALL(Set_Hand_Follow_Angle_NonBlock, (s, kFingers)),
-           R"({"command": "hand_follow_angle", "hand_angle": [0, 1000, -1, 2147483647, -2147483648, 5]})"),
-    queued(CALL(Set_Hand_Follow_Pos, (s, kFingers, false)),
-           R"({"command": "hand_follow_pos", "hand_pos": [0, 1000, -1, 2147483647, -2147483648, 5]})"),
-    queued(CALL(Set_Hand_Follow_Pos_NonBlock, (s, kFingers)),
-           R"({"command": "hand_follow_pos", "hand_pos": [0, 1000, -1, 2147483647, -2147483648, 5]})"),
-    handled(CALL(Set_Hand_Speed, (s, 800, true)), Set_Hand_Speed_Cmd,
-            R"({"command": "set_hand_speed", "hand_speed": 800})"),
-    handled(CALL(Set_Hand_Speed_Block, (s, -8)), Set_Hand_Speed_Cmd,
-            R"({"command": "set_hand_speed", "hand_speed": -8})"),
-    queued(CALL(Set_Hand_Speed_NonBlock, (s, 800)), R"({"command": "set_hand_speed", "hand_speed": 800})"),
-    handled(CALL(Set_Hand_Force, (s, 800, true)), Set_Hand_Force_Cmd,
-            R"({"command": "set_hand_force", "hand_force": 800})"),
-    handled(CALL(Set_Hand_Force_Block, (s, -8)), Set_Hand_Force_Cmd,
-            R"({"command": "set_hand_force", "hand_force": -8})"),
-    queued(CALL(Set_Hand_Force_NonBlock, (s, 800)), R"({"command": "set_hand_force", "hand_force": 800})"),
-
-    unheard(CALL(Set_PWM, (s, 1000, 50, true)), R"({"command": "set_PWM", "PWM_Frq": 1000, "PWM_Dpulse": 50})", kPwm),
-    unheard(CALL(Set_PWM_Block, (s, 1, -5)), R"({"command": "set_PWM", "PWM_Frq": 1, "PWM_Dpulse": -5})", kPwm),
-    queued(CALL(Set_PWM_NoBlock, (s, 1000, 50)), R"({"command": "set_PWM", "PWM_Frq": 1000, "PWM_Dpulse": 50})"),
+    unheard(CALL(Set_PWM, (s, 1000, -5, true)), kPwm, done("set_PWM")),
+    unheard(CALL(Set_PWM_Block, (s, 1000, -5)), kPwm, done("set_PWM")),
+    queued(CALL(Set_PWM_NoBlock, (s, 1000, -5)), kPwm),
 };
 
 class Gripper : public testing::TestWithParam<CommandCase> {};
@@ -163,17 +134,6 @@ TEST(GripperGuards, PwmCannotBeStopped) {
 }
 
 TEST(GripperGuards, SuspendWhileTheyWait) { expect_suspension({{CALL(Set_PWM, (s, 1000, 50, true))}}); }
-
-TEST(GripperGuards, BlockingFormsNeedAConnection) {
-    ZK_API_Init(65, nullptr);
-    EXPECT_EQ(Set_Gripper_Pick(77, 1, 1, true, 1), 5);
-    EXPECT_EQ(Set_Gripper_Pick(77, 1, 1, false, 1), 5);
-    EXPECT_EQ(Set_Gripper_Pick(77, 1, 1, false, 0), 0);
-    EXPECT_EQ(Set_Hand_Posture(77, 1, true), 5);
-    EXPECT_EQ(Set_Hand_Follow_Angle(77, kFingers, true), 5);
-    GripperState state;
-    EXPECT_EQ(Get_Gripper_State(77, &state), 5);
-}
 
 // A broken reply is not seen: the status is that of the joint drives' upper limits.
 TEST(GripperState, HasTheStatusOfAnotherQuery) {
