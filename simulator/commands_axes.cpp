@@ -9,6 +9,7 @@ namespace {
 
 constexpr int kMaxPercent = 100;
 constexpr int kMaxStation = 1000;
+constexpr int kMaxDrive = 2000;  // millimetres per second
 
 Action go(LinearAxis Devices::*axis, const char* target_key) {
     return [axis, target_key](Call& call) {
@@ -92,17 +93,18 @@ void add_expansion(CommandTable& table) {
 }
 
 Action drive(const char* linear_key, const char* angular_key) {
+    constexpr int kMaxTurning = 3000;  // thousandths of a radian per second
     return [linear_key, angular_key](Call& call) {
-        const int linear = call.request.integer(linear_key), angular = call.request.integer(angular_key);
+        const int linear = call.request.integer(linear_key, -kMaxDrive, kMaxDrive);
+        const int angular = call.request.integer(angular_key, -kMaxTurning, kMaxTurning);
         call.controller.devices.base.drive(linear, angular);
         return true;
     };
 }
 
 bool go_to_station(Call& call) {
-    constexpr int kMaxSpeed = 2000;  // millimetres per second
     const int station = call.request.integer("station", 0, kMaxStation);
-    call.controller.devices.base.go_to_station(station, call.request.integer("speed", 1, kMaxSpeed));
+    call.controller.devices.base.go_to_station(station, call.request.integer("speed", 1, kMaxDrive));
     return true;
 }
 

@@ -23,25 +23,27 @@ TransferFault transfer_fault(const Request& fault) {
     return transfer;
 }
 
+// All of the request is read before any of it counts.
 bool set_faults(Call& call) {
     constexpr int kMaxWord = 65535;
     constexpr int kMaxDelayMs = 60'000;
     const Request& request = call.request;
-    Controller& controller = call.controller;
-    if (request.has("silent_on")) controller.faults.silent_on = known_commands(call, "silent_on");
-    if (request.has("refuse_on")) controller.faults.refuse_on = known_commands(call, "refuse_on");
-    if (request.has("delay_ms")) controller.faults.delay_ms = request.integer("delay_ms", 0, kMaxDelayMs);
-    if (request.has("transfer")) controller.faults.transfer = transfer_fault(request.object("transfer"));
+    Arm& arm = call.controller.arm;
+    Faults faults = call.controller.faults;
+    if (request.has("silent_on")) faults.silent_on = known_commands(call, "silent_on");
+    if (request.has("refuse_on")) faults.refuse_on = known_commands(call, "refuse_on");
+    if (request.has("delay_ms")) faults.delay_ms = request.integer("delay_ms", 0, kMaxDelayMs);
+    if (request.has("transfer")) faults.transfer = transfer_fault(request.object("transfer"));
     const auto word = [&](const char* key, int now) {
         return request.has(key) ? request.integer(key, 0, kMaxWord) : now;
     };
-    controller.arm.set_errors(word("arm_err", controller.arm.arm_error()),
-                              word("sys_err", controller.arm.system_error()));
-    if (request.has("joint_err")) {
-        const std::vector<int> errors = request.integers("joint_err", controller.arm.joint_count());
-        for (size_t i = 0; i < errors.size(); ++i)
-            controller.arm.set_joint_error(i, std::clamp(errors[i], 0, kMaxWord));
-    }
+    const int arm_err = word("arm_err", arm.arm_error()), sys_err = word("sys_err", arm.system_error());
+    std::vector<int> joint_errors;
+    if (request.has("joint_err")) joint_errors = request.integers("joint_err", arm.joint_count());
+
+    call.controller.faults = std::move(faults);
+    arm.set_errors(arm_err, sys_err);
+    for (size_t i = 0; i < joint_errors.size(); ++i) arm.set_joint_error(i, std::clamp(joint_errors[i], 0, kMaxWord));
     return true;
 }
 

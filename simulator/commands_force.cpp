@@ -1,6 +1,7 @@
 // Force control: reading, zeroing and calibrating the sensors, and holding a force.
 
 #include <cmath>
+#include <utility>
 
 #include "commands.h"
 #include "controller.h"
@@ -212,8 +213,10 @@ void add_calibrations(CommandTable& table) {
     }
     add("manual_set_force_pose4", [calibration](Call& call) { return measure_last_pose(call, calibration); });
     table.set("stop_set_force_sensor", "stop_state", [calibration](Call& call) {
-        if (calibration->running) call.controller.arm.motion().stop();
-        return calibration->running;
+        if (!std::exchange(calibration->running, false)) return false;
+        calibration->samples.clear();  // of poses that no motion is left of
+        call.controller.arm.motion().stop();
+        return true;
     });
 }
 

@@ -135,12 +135,19 @@ int LinearAxis::position() const { return static_cast<int>(std::lround(slide_.po
 
 // ----------------------------------------------------------------------------------------------------- Mobile base --
 
-void MobileBase::drive(int linear, int angular) { state_ = linear != 0 || angular != 0 ? State::drives : State::rests; }
+void MobileBase::drive(int linear, int angular) {
+    linear_ = linear;
+    turning_ = angular / 1000.0;
+    state_ = linear != 0 || angular != 0 ? State::drives : State::rests;
+}
 
 void MobileBase::go_to_station(int station, int speed) {
     target_ = station;
-    const double there = station * kStationDistance;
-    way_.go(there, speed);
+    const double x = station * kStationDistance - place_.x, y = -place_.y;
+    place_.heading = std::atan2(y, x);
+    departure_ = place_;
+    way_ = Slide(way_.acc);
+    way_.go(std::hypot(x, y), speed);
     state_ = State::navigates;
 }
 
@@ -148,14 +155,25 @@ void MobileBase::charge(bool on) { state_ = on ? State::charges : State::rests; 
 
 void MobileBase::stand_at(int station) {
     station_ = station;
-    way_ = Slide(way_.acc, station * kStationDistance);
+    place_.x = station * kStationDistance;
+    place_.y = 0;
     state_ = State::rests;
+}
+
+void MobileBase::advance(const Place& from, double distance) {
+    place_.x = from.x + distance * std::cos(place_.heading);
+    place_.y = from.y + distance * std::sin(place_.heading);
 }
 
 void MobileBase::step(double seconds) {
     if (state_ == State::charges) battery_ = std::min(100.0, battery_ + kChargeRate * seconds);
+    if (state_ == State::drives) {
+        place_.heading += turning_ * seconds;
+        advance(place_, linear_ * seconds);
+    }
     if (state_ != State::navigates) return;
     way_.step(seconds);
+    advance(departure_, way_.position());
     if (!way_.moving()) stand_at(target_);
 }
 

@@ -134,24 +134,35 @@ struct ExpansionConfig {
     int version = 1;
 };
 
-// A base that drives about, or along its stations, which are a metre apart.
+// A base that drives about on the floor, or goes straight to one of its stations, which stand a metre apart on the x
+// axis.
 class MobileBase {
  public:
     enum class State { rests = 0, drives = 1, navigates = 2, charges = 3 };
 
-    void drive(int linear, int angular);
+    void drive(int linear, int angular);  // millimetres and thousandths of a radian per second
     void go_to_station(int station, int speed);
     void charge(bool on);
     void stand_at(int station);
     void step(double seconds);
 
     State state() const { return state_; }
-    int station() const { return station_; }
+    int station() const { return station_; }  // where it last stood
     int battery() const { return static_cast<int>(battery_); }
 
  private:
+    struct Place {
+        double x = 0, y = 0;  // millimetres
+        double heading = 0;   // radians
+    };
+
+    void advance(const Place& from, double distance);
+
     State state_ = State::rests;
-    Slide way_{1000};
+    Place place_;
+    double linear_ = 0, turning_ = 0;  // radians per second
+    Place departure_;
+    Slide way_{1000};  // from there to the target
     int station_ = 0, target_ = 0;
     double battery_ = 80;  // percent
 };

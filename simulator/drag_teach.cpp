@@ -81,7 +81,7 @@ void DragTeach::start(bool record, const std::string& status) {
 }
 
 void DragTeach::stop() {
-    if (recording_now_) recording_.push_back(arm_.joints());
+    if (recording_now_ && recording_.size() < kMaxSamples) recording_.push_back(arm_.joints());
     active_ = recording_now_ = false;
     legs_.clear();
     arm_.set_dragged(false);

@@ -94,5 +94,24 @@ TEST(Devices, BaseTravelsToItsStationAndCharges) {
     EXPECT_EQ(talk.ask("get_car_state").at("car_state"), 0);
 }
 
+TEST(Devices, BaseComesBackFromWhereItWasDriven) {
+    Talk talk({"--quiet"});
+    const auto now = [&] {
+        talk.push.forget();
+        return talk.sample().time;
+    };
+    const auto drive = [&](int linear) {
+        return talk.ask("set_car_move", {{"linear_speed", linear}, {"angular_speed", 0}}).at("set_state") == true;
+    };
+    EXPECT_FALSE(drive(2001)) << "faster than it is";
+    ASSERT_TRUE(drive(-2000));
+    for (const int64_t end = now() + 500; now() < end;) continue;
+    ASSERT_TRUE(drive(0));
+    const int64_t start = now();
+    ASSERT_TRUE(talk.ask("set_car_speed", {{"station", 0}, {"speed", 2000}}).at("navigation_state"));
+    while (talk.ask("get_car_state").at("car_state") == 2) continue;
+    EXPECT_GE(now() - start, 500) << "a metre at the most it can";
+}
+
 }  // namespace
 }  // namespace zk::test

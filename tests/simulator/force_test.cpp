@@ -97,6 +97,10 @@ TEST(ForceSensor, StopsItsCalibration) {
     talk.samples_until("move_J");
     EXPECT_TRUE(talk.ask("stop_set_force_sensor").at("stop_state"));
     EXPECT_FALSE(talk.read().at("set_state"));
+
+    talk.send("manual_set_force_pose1", {{"joint", Json(std::vector<int>(6, 0))}});
+    EXPECT_TRUE(talk.ask("stop_set_force_sensor").at("stop_state"));
+    EXPECT_FALSE(talk.ask("stop_set_force_sensor").at("stop_state")) << "stopped already";
 }
 
 TEST(ForceSensor, FeelsAlongOneAxis) {

@@ -124,6 +124,7 @@ TEST(Refusals, OnDemand) {
     EXPECT_EQ(talk.ask("zk_sim_fault", {{"silent_on", Json::array()}, {"refuse_on", {"set_arm_stop"}}}).at("done"),
               true);
     EXPECT_EQ(talk.joints().size(), 6u);
+    EXPECT_EQ(talk.ask("zk_sim_fault", {{"refuse_on", Json::array()}, {"delay_ms", -1}}).at("done"), false);
     EXPECT_EQ(talk.ask("set_arm_stop").at("arm_stop"), false);
     EXPECT_EQ(talk.ask("movej", kGoodMove).at("receive_state"), true);
 }
