@@ -25,12 +25,15 @@ bool read_axis(const Arm& arm, int32_t& pos) {
     return err_flag == 0;
 }
 
+// Until it rests, wherever that is.
 bool watch_lift(const Arm& arm, int32_t target) {
-    for (int32_t height = target + 1, mode = 1; height != target || mode != 0;) {
+    int32_t height = 0;
+    for (int32_t mode = 1; mode != 0;) {
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
         if (!read_lift(arm, height, mode)) return false;
     }
-    return true;
+    if (height != target) std::fprintf(stderr, "The lift stopped on its way.\n");
+    return height == target;
 }
 
 }  // namespace
