@@ -24,8 +24,6 @@ const char* const kState =
     R"({"state":"get_gripper_state","enable":2,"status":0,"error":-1,"mode":3,"current_force":4,"temperature":5,)"
     R"("actpos":1000})";
 const char* const kStateTold = "1 0, -1 3 4 5 1000";
-const char* const kPick = R"({"command": "set_gripper_pick", "speed": 500, "force": 200, "block": true})";
-const char* const kPickOn = R"({"command": "set_gripper_pick_on", "speed": 500, "force": 200, "block": true})";
 const char* const kPosture = R"({"command": "set_hand_posture", "posture_num": 3, "block": true})";
 const char* const kSequence = R"({"command": "set_hand_seq", "seq_num": 4, "block": true})";
 const char* const kAngles = R"({"command": "set_hand_angle", "hand_angle": [0, 1000, -1, 2147483647, -2147483648, 5]})";
@@ -35,32 +33,31 @@ const char* const kNextPositions =
     R"({"command": "hand_follow_pos", "hand_pos": [0, 1000, -1, 2147483647, -2147483648, 5]})";
 const char* const kPwm = R"({"command": "set_PWM", "PWM_Frq": 1000, "PWM_Dpulse": -5})";
 
+// The two forms of a move that wait for the gripper's report.
+#define GRIPPING(command, wire, ...)                                                     \
+    acknowledged(#command, ZK_FORM(command, __VA_ARGS__, true, 60), {}, wire, kGripped), \
+        acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__, 60), {}, wire, kGripped)
+
 const std::vector<CommandCase> kRows = {
     SETTER(Set_Gripper_Route, Set_Gripper_Route_Cmd, R"({"command": "set_gripper_route", "min": -1, "max": 1000})",
            done("set_gripper_route", "state"), -1, 1000),
 
-    acknowledged(CALL(Set_Gripper_Release, (s, 500, true, 60)), {},
-                 R"({"command": "set_gripper_release", "speed": 500, "block": true})", kGripped),
-    acknowledged(CALL(Set_Gripper_Release_Block, (s, -1, 60)), {},
-                 R"({"command": "set_gripper_release", "speed": -1, "block": true})", kGripped),
+    GRIPPING(Set_Gripper_Release, R"({"command": "set_gripper_release", "speed": -1, "block": true})", -1),
     acknowledged(CALL(Set_Gripper_Release_NonBlock, (s, 500, 1)), Set_Gripper_Release_Cmd,
                  R"({"command": "set_gripper_release", "speed": 500, "block": 0})", kAccepted)
         .taking_old_replies(),
     queued("AtOnce_" CALL(Set_Gripper_Release, (s, 500, false, 0)),
            R"({"command": "set_gripper_release", "speed": 500, "block": 0})"),
-    acknowledged(CALL(Set_Gripper_Pick, (s, 500, 200, true, 60)), {}, kPick, kGripped),
-    acknowledged(CALL(Set_Gripper_Pick_Block, (s, 500, 200, 60)), {}, kPick, kGripped),
+    GRIPPING(Set_Gripper_Pick, R"({"command": "set_gripper_pick", "speed": 500, "force": 200, "block": true})", 500,
+             200),
     queued(CALL(Set_Gripper_Pick_NonBlock, (s, 500, 200, 0)),
            R"({"command": "set_gripper_pick", "speed": 500, "force": 200, "block": 0})"),
-    acknowledged(CALL(Set_Gripper_Pick_On, (s, 500, 200, true, 60)), {}, kPickOn, kGripped),
-    acknowledged(CALL(Set_Gripper_Pick_On_Block, (s, 500, 200, 60)), {}, kPickOn, kGripped),
+    GRIPPING(Set_Gripper_Pick_On, R"({"command": "set_gripper_pick_on", "speed": 500, "force": 200, "block": true})",
+             500, 200),
     acknowledged(CALL(Set_Gripper_Pick_On_NonBlock, (s, 500, 200, -1)), Set_Gripper_Release_Cmd,
                  R"({"command": "set_gripper_pick_on", "speed": 500, "force": 200, "block": 0})", kAccepted)
         .taking_old_replies(),
-    acknowledged(CALL(Set_Gripper_Position, (s, 300, true, 60)), {},
-                 R"({"command": "set_gripper_position", "position": 300, "block": true})", kGripped),
-    acknowledged(CALL(Set_Gripper_Position_Block, (s, 300, 60)), {},
-                 R"({"command": "set_gripper_position", "position": 300, "block": true})", kGripped),
+    GRIPPING(Set_Gripper_Position, R"({"command": "set_gripper_position", "position": 300, "block": true})", 300),
     queued(CALL(Set_Gripper_Position_NonBlock, (s, 300, 0)), R"({"command": "set_gripper_position", "position": 300})"),
     QUERY(Get_Gripper_State, Get_Gripper_State_Cmd, plain("get_gripper_state"), kState, kStateTold,
           .losing_its_status()),

@@ -6,7 +6,6 @@
 #include <regex>
 
 #include "commands/wire.h"
-#include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
@@ -26,10 +25,7 @@ Call asking_3(int (*query)(ArmSocket, uint8_t, Outs*...)) {
 
 std::string of_3(const std::string& command) { return R"({"command": ")" + command + R"(", "IO_Num": 3})"; }
 
-// A query of input or output 3; the three forms whose mailbox nothing feeds, as calls that `call` makes of them.
-#define QUERY_3(command, mailbox, wire, reply, told)                   \
-    answered(#command, asking_3(command), mailbox, wire, reply, told), \
-        answered(#command "_Block", asking_3(command##_Block), mailbox, wire, reply, told)
+// The three forms whose mailbox nothing feeds, as calls that `call` makes of them.
 #define UNFED(command, call, wire, reply)                                         \
     unheard(#command "_NC_E", call(command##_NC_E), wire, reply),                 \
         unheard(#command "_Block_NC_E", call(command##_Block_NC_E), wire, reply), \
@@ -53,9 +49,12 @@ const std::vector<CommandCase> kRows = {
     queued("Analogue_" CALL(Set_IO_State, (s, 1, 4, 7, false)),
            R"({"command": "set_AO_state", "IO_Num": 4, "voltage": 7000})"),
 
-    QUERY_3(Get_DO_State, Get_DO_State_Cmd, of_3("get_DO_state"), R"({"state":"DO_state","IO_state":257})", "1"),
-    QUERY_3(Get_DI_State, Get_DI_State_Cmd, of_3("get_DI_state"), R"({"state":"DI_state","IO_state":1})", "0"),
-    QUERY_3(Get_AO_State, Get_AO_State_Cmd, of_3("get_AO_state"), R"({"state":"AO_state","voltage":2999})", "2"),
+    QUERY_BY(asking_3, Get_DO_State, Get_DO_State_Cmd, of_3("get_DO_state"), R"({"state":"DO_state","IO_state":257})",
+             "1"),
+    QUERY_BY(asking_3, Get_DI_State, Get_DI_State_Cmd, of_3("get_DI_state"), R"({"state":"DI_state","IO_state":1})",
+             "0"),
+    QUERY_BY(asking_3, Get_AO_State, Get_AO_State_Cmd, of_3("get_AO_state"), R"({"state":"AO_state","voltage":2999})",
+             "2"),
     answered("Get_AI_State", asking_3(Get_AI_State), Get_AI_State_Cmd, of_3("get_AI_state"),
              R"({"state":"AI_state","voltage":2500})", "2"),
     answered("Get_AI_State_Blcok", asking_3(Get_AI_State_Blcok), Get_AI_State_Cmd, of_3("get_AI_state"),
@@ -64,7 +63,7 @@ const std::vector<CommandCase> kRows = {
           R"({"state":"IO_input","DI":[1,0,1,-1],"AI":[2500,0,1,10000]})", "1 0 1 -1; 2.5 0 0.001 10"),
     QUERY(Get_IO_Output, Get_IO_Output_State_Cmd, plain("get_IO_output"),
           R"({"state":"IO_output","DO":[0,1,0,1],"AO":[1,2500,0,10000]})", "0 1 0 1; 0.001 2.5 0 10"),
-    QUERY_3(Get_IO_State, Get_DIO_State_Cmd, of_3("get_IO_state"), kState, "1; 3"),
+    QUERY_BY(asking_3, Get_IO_State, Get_DIO_State_Cmd, of_3("get_IO_state"), kState, "1; 3"),
     WAITING(Set_IO_Mode, Set_IO_Mode_Cmd, R"({"command": "set_IO_mode", "IO_Num": 3, "IO_mode": 255})",
             done("set_IO_mode"), 3, 255),
 

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "commands/wire.h"
-#include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
@@ -43,11 +42,6 @@ const std::string kManyCoils = read_out("read_multiple_coils", "[165,1]");
 const std::string kManyHolding = read_out("multiple_holding_registers", "[1,2,3]");
 const std::string kManyInput = read_out("multiple_input_registers", "[255,-1]");
 
-// A read with its two forms.
-#define READ(command, call, mailbox, wire, reply, told)            \
-    answered(#command, call(command), mailbox, wire, reply, told), \
-        answered(#command "_Block", call(command##_Block), mailbox, wire, reply, told)
-
 const std::vector<CommandCase> kRows = {
     SETTER(Set_Modbus_Mode, Set_Modbus_Mode_Cmd,
            R"({"command": "set_modbus_mode", "port": 1, "baudrate": 115200, "timeout": 600})", done("set_modbus_mode"),
@@ -67,19 +61,19 @@ const std::vector<CommandCase> kRows = {
                  done("close_modbustcp_mode"))
         .adding(),
 
-    READ(Get_Read_Coils, kSeveral, Get_Read_Coils_Cmd, several("read_coils"), read_out("read_coils", "165"), "165"),
-    READ(Get_Read_Multiple_Coils, kSeveral, Get_Read_Multiple_Coils_Cmd, several("read_multiple_coils"), kManyCoils,
-         "165 1"),
-    READ(Get_Read_Input_Status, kSeveral, Get_Read_Input_Status_Cmd, several("read_input_status"),
-         R"({"state":"input_status","data":3})", "3"),
-    READ(Get_Read_Holding_Registers, kOne, Get_Read_Holding_Registers_Cmd, one("read_holding_registers"),
-         read_out("holding_registers", "65535"), "65535"),
-    READ(Get_Read_Input_Registers, kOne, Get_Read_Input_Registers_Cmd, one("read_input_registers"),
-         read_out("input_registers", "7"), "7"),
-    READ(Read_Multiple_Holding_Registers, kSeveral, Read_Multiple_Holding_Registers_Cmd,
-         several("read_multiple_holding_registers"), kManyHolding, "1 2 3"),
-    READ(Read_Multiple_Input_Registers, kSeveral, Read_Multiple_intput_Registers_Cmd,
-         several("read_multiple_input_registers"), kManyInput, "255 -1"),
+    QUERY_BY(kSeveral, Get_Read_Coils, Get_Read_Coils_Cmd, several("read_coils"), read_out("read_coils", "165"), "165"),
+    QUERY_BY(kSeveral, Get_Read_Multiple_Coils, Get_Read_Multiple_Coils_Cmd, several("read_multiple_coils"), kManyCoils,
+             "165 1"),
+    QUERY_BY(kSeveral, Get_Read_Input_Status, Get_Read_Input_Status_Cmd, several("read_input_status"),
+             R"({"state":"input_status","data":3})", "3"),
+    QUERY_BY(kOne, Get_Read_Holding_Registers, Get_Read_Holding_Registers_Cmd, one("read_holding_registers"),
+             read_out("holding_registers", "65535"), "65535"),
+    QUERY_BY(kOne, Get_Read_Input_Registers, Get_Read_Input_Registers_Cmd, one("read_input_registers"),
+             read_out("input_registers", "7"), "7"),
+    QUERY_BY(kSeveral, Read_Multiple_Holding_Registers, Read_Multiple_Holding_Registers_Cmd,
+             several("read_multiple_holding_registers"), kManyHolding, "1 2 3"),
+    QUERY_BY(kSeveral, Read_Multiple_Input_Registers, Read_Multiple_intput_Registers_Cmd,
+             several("read_multiple_input_registers"), kManyInput, "255 -1"),
 
     SETTER(Write_Single_Coil, Write_Single_Coil_Cmd, at_7("write_single_coil", R"("data": 65280)"),
            written("write_single_coil"), 0, 7, 65280, 1),

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "zk/connection.h"
+#include "support/command_case.h"
 
 namespace zk::test {
 
@@ -26,5 +26,10 @@ template <class... Values>
 auto given(Values... values) {
     return [=](auto form) { return [=](ArmSocket s) { return form(s, values...); }; };
 }
+
+// The rows of a query whose two forms `call` makes calls of.
+#define QUERY_BY(call, command, mailbox, wire, reply, told)        \
+    answered(#command, call(command), mailbox, wire, reply, told), \
+        answered(#command "_Block", call(command##_Block), mailbox, wire, reply, told)
 
 }  // namespace zk::test
