@@ -12,7 +12,10 @@
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
+#include "zk/force_position.h"
+#include "zk/gripper_and_hand.h"
 #include "zk/motion.h"
+#include "zk/queue.h"
 #include "zk/system.h"
 
 namespace {
@@ -144,6 +147,37 @@ TEST(AttachedAxesGuards, SuspendWhileTheyWait) {
 
 std::string lift_state(int mode) {
     return R"({"state":"lift_state","height":0,"current":0,"err_flag":0,"mode":)" + std::to_string(mode) + "}";
+}
+
+// A reply that reached the list would be found by its code.
+TEST(AttachedAxesGuards, WaitOnThePendingListByTheCodeOfTheirReply) {
+    const std::pair<int, Call> calls[] = {
+        {132, [](ArmSocket s) { return Set_PWM_Block(s, 1, 1); }},
+        {147, [](ArmSocket s) { return Set_Vehicle_Block(s, 1, 1); }},
+        {148, [](ArmSocket s) { return Set_Lift_Block(s, 1, 1); }},
+        {149, [](ArmSocket s) { return Set_Lift_Speed_Block(s, 1); }},
+        {152, [](ArmSocket s) { return Set_Car_Move_Block(s, 1, 1); }},
+        {153, [](ArmSocket s) { return Set_Car_Station_Block(s, 1, 1); }},
+        {154, [](ArmSocket s) { return Set_Car_Navigation_Speed_Block(s, 1); }},
+        {155, [](ArmSocket s) { return Set_Car_Navigation_Mode_Block(s, 1); }},
+        {156, asking(Get_Car_State_Block)},
+        {157, [](ArmSocket s) { return Set_Car_Charge_Block(s, 1); }},
+        {158, [](ArmSocket s) { return Set_Car_Station_Num_Block(s, 1); }},
+        {161, [](ArmSocket s) { return Force_Position_Move_Pose_Block(s, 1, 0, 2, Pose{}, 5); }},
+    };
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    const ArmSocket arm = connect_arm(controller);
+    for (const auto& [code, call] : calls) {
+        set_time_factor(0);
+        std::string told;
+        std::future<int> status = std::async(std::launch::async, [&, &call = call] { return call(arm, told); });
+        controller.next_request();
+        ZK_Mutex_Lock();
+        EXPECT_EQ(SockeRIinfos[0].key_code, code);
+        ZK_Mutex_UnLock();
+        EXPECT_GE(time_to_give_up(500, [&] { return status.get(); }), 3000) << code;
+    }
 }
 
 class Moves : public testing::Test {
