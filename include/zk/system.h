@@ -174,8 +174,7 @@ ZK_API int Get_Tool_Software_Version(ArmSocket socket, int32_t* version);
 ZK_API int Get_Tool_Software_Version_Block(ArmSocket socket, int32_t* version);
 ZK_API int Parser_Get_Tool_Software_Version(const char* text, int32_t* version);
 
-/* ---------------------------------------------------------------------------------------------- Logs and counters --
- */
+/* --------------------------------------------------------------------------------------------- Logs and counters -- */
 
 /* Has the controller write its log file. The reply does not reach the caller: the blocking form ends in 7 (6, 20). The
  * plain name waits 20 ms first. */
@@ -277,7 +276,7 @@ ZK_API int Get_Tool_RS485_Mode_Block(ArmSocket socket, int32_t* mode, int32_t* b
 ZK_API int Parser_Get_Tool_RS485_Mode(const char* text, int32_t* mode, int32_t* baudrate, int32_t* timeout);
 
 /* Set, and ask for, the mode the arm runs in: 0 simulated, 1 real. The plain names wait 2 ms first. Setting: only false
- * counts as a refusal, and a reply without "mode" gives 8. Asking: 9 without it, 11 when it is no number. */
+ * counts as a refusal, and a reply without "mode" gives 8. Asking: 9 without it, 8 when it is no number. */
 ZK_API AckReply Set_Arm_Run_Mode_NC_Cmd[ZK_SLOTS];
 ZK_API int Set_Arm_Run_Mode(ArmSocket socket, int32_t mode);
 ZK_API int Set_Arm_Run_Mode_Block_NC_E(ArmSocket socket, int32_t mode);
