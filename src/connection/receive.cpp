@@ -1,8 +1,10 @@
 // The thread that reads every connection: one visit a slot, in which what has come is joined up to a line feed, cut
-// into messages at CRLF, and dispatched. Nothing is carried over to the next visit.
+// into messages at CRLF, and dispatched. Nothing is carried over to the next visit, but that the rest of a message that
+// is too long is still to be dropped.
 #include <sys/socket.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -21,6 +23,7 @@ constexpr int chunk = 2048;
 constexpr int shortest_visit = 7;  // what is shorter cannot be a reply
 constexpr int first_cut = 5;
 constexpr int32_t silence_ms = 3000;
+constexpr int most_dropped_reads = 5;  // of one visit: about a message, so that the other arms have their turn
 
 enum class Read { kBytes, kNothing, kEnd };
 
@@ -33,14 +36,23 @@ class Visit {
         socket_ = read(SockInfo[slot].socket, std::memory_order_acquire);
         if (socket_ == 0) return;
         length_ = 0;
-        if (receive() != Read::kBytes) return;
+        if (is_overlong() ? !drop_up_to_line_feed() : receive() != Read::kBytes) return;
         if (joined()) dispatch();
     }
 
  private:
+    // A message of this connection that is too long, and whose line feed has not come yet.
+    struct Overlong {
+        bool dropping = false;
+        unsigned connection = 0;  // of the slot
+        int32_t last_byte = 0;
+    };
+    unsigned connection() const { return connections_had[slot_].load(std::memory_order_relaxed); }
+    bool is_overlong() const { return overlong_[slot_].dropping && overlong_[slot_].connection == connection(); }
+
     // Appends up to a chunk to the text. A zero byte ends what counts of a read.
     Read receive() {
-        if (length_ + chunk >= longest_message) make_room();
+        if (length_ + chunk >= longest_message && !make_room()) return Read::kEnd;
         receive_use.enter(socket_);
         if (read(SockInfo[slot_].socket, std::memory_order_seq_cst) != socket_) {  // closed since
             receive_use.leave();
@@ -80,8 +92,8 @@ class Visit {
     }
 
     // Called with the text nearly full: whole messages are handed on, and what remains moves to the front. A message
-    // that fills the buffer alone is dropped up to its line feed.
-    void make_room() {
+    // that fills the buffer alone ends the visit; its rest is dropped in the next ones.
+    bool make_room() {
         const std::string_view text(text_, static_cast<size_t>(length_));
         const size_t line_end = text.rfind("\r\n");
         if (line_end != text.npos) {
@@ -92,30 +104,34 @@ class Visit {
             std::memmove(text_, text_ + whole, static_cast<size_t>(rest));
             length_ = rest;
         } else if (length_ >= longest_message - 1) {
-            drop_message();
+            std::fprintf(stderr, "ZK_Base: socket %d sent a message of %d bytes or more; it is dropped\n", socket_,
+                         longest_message);
+            overlong_[slot_] = {true, connection(), Get_Program_Runtime()};
+            length_ = 0;
+            return false;
         }
+        return true;
     }
 
-    void drop_message() {
-        std::fprintf(stderr, "ZK_Base: socket %d sent a message of %d bytes or more; it is dropped\n", socket_,
-                     longest_message);
-        int32_t last_byte = Get_Program_Runtime();
-        for (;;) {
+    // What comes behind the line feed stays in the text. False while that has not come. After a silence, what comes is
+    // a new message.
+    bool drop_up_to_line_feed() {
+        Overlong& overlong = overlong_[slot_];
+        for (int reads = 0; reads < most_dropped_reads; ++reads) {
             length_ = 0;
-            const Read read = receive();
-            if (read == Read::kEnd) return;
-            if (read == Read::kNothing) {
-                if (elapsed_since(last_byte) >= silence_ms) return;
-                sleep_cp(1);
-                continue;
+            if (receive() != Read::kBytes) {
+                if (elapsed_since(overlong.last_byte) >= silence_ms) overlong = {};
+                return false;
             }
-            last_byte = Get_Program_Runtime();
+            overlong.last_byte = Get_Program_Runtime();
             const char* line_feed = static_cast<const char*>(std::memchr(text_, '\n', static_cast<size_t>(length_)));
             if (!line_feed) continue;
+            overlong = {};
             length_ -= static_cast<int>(line_feed + 1 - text_);
             std::memmove(text_, line_feed + 1, static_cast<size_t>(length_) + 1);
-            return;
+            return true;
         }
+        return false;
     }
 
     // A message ends at CRLF; the last two bytes of a visit end one whatever they are.
@@ -133,6 +149,7 @@ class Visit {
     }
 
     char (&text_)[longest_message];
+    std::array<Overlong, ZK_SLOTS> overlong_{};
     int length_ = 0;
     int slot_ = 0;
     ArmSocket socket_ = 0;

@@ -57,6 +57,7 @@ ZK_API int Init_Socket_Joint(int32_t arm_mode, int32_t socket) {
     SocketSlot& free = SockInfo[slot];
     write(free.arm_mode, arm_mode);
     write(free.joint_count, has_seven_joints(arm_mode) ? 7 : 6);
+    connections_had[slot].fetch_add(1, std::memory_order_relaxed);
     write(free.socket, socket, std::memory_order_release);  // from here on the receive thread reads it
     std::atomic_ref(m_nSockInfoLen).fetch_add(1);
     return 0;

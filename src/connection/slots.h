@@ -6,6 +6,9 @@
 
 namespace zk {
 
+// How many connections each slot has had: a later one may have the number of an earlier one.
+inline std::atomic<unsigned> connections_had[ZK_SLOTS];
+
 // Slot of an open connection, or -1. A socket below 1 is none, though a free slot looks like the socket 0.
 int slot_of(ArmSocket socket);
 

@@ -45,13 +45,26 @@ TEST_F(SilentPeer, LosesWhatItSentAndTheOtherArmsWork) {
     EXPECT_NE(said.find("socket " + std::to_string(dead_)), std::string::npos) << said;
 }
 
-TEST_F(SilentPeer, AStreamWithoutEndIsDropped) {
+// What is too long is dropped without making the other arms wait: up to its line feed, or until a silence.
+TEST_F(SilentPeer, AStreamWithoutEndIsDroppedWhileTheOtherArmsWork) {
     testing::internal::CaptureStderr();
+    set_time_factor(0);
     controller_.say_bytes({std::string(50000, 'x')}, 0);
-    expect_that_the_other_arm_works();
+    EXPECT_EQ(Move_Stop_Cmd_Block(live_), 0);
+    controller_.say_bytes({std::string(50000, 'x') + line("") + report_message(2)}, 0);
+    EXPECT_EQ(log_.results(1), std::vector<int>{2});
+
+    controller_.say_bytes({std::string(50000, 'x')}, 0);
+    EXPECT_EQ(Move_Stop_Cmd_Block(live_), 0);
+    const int32_t start = Get_Program_Runtime();
+    set_time_factor(200);
+    eventually([&] { return Get_Program_Runtime() - start > 4000; });
+    set_time_factor(0);
+    for (int passes = 0; passes < 2; ++passes) EXPECT_EQ(Move_Stop_Cmd_Block(live_), 0);
     controller_.say_bytes({report_message(3)}, 0);
-    EXPECT_EQ(log_.results(1), std::vector<int>{3});
-    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(log_.results(2), (std::vector<int>{2, 3}));
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 2) << said;
 }
 
 TEST_F(SilentPeer, OneThatGoesOnInTimeLosesNothing) {
