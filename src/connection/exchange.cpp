@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "connection/descriptor_use.h"
 #include "connection/elapsed.h"
 #include "zk/queue.h"
 
@@ -13,6 +12,7 @@ namespace zk {
 namespace {
 
 constexpr size_t head = 2 * sizeof(int32_t);  // count and result stand before the payload
+constexpr Word no_word = 0;
 
 }  // namespace
 
@@ -25,7 +25,8 @@ void Mailbox::lower(int slot) { std::atomic_ref(word(slot, 0)).fetch_sub(1, std:
 
 void Mailbox::wipe(int slot) {
     // The count last: a reply that comes meanwhile is lost whole.
-    for (int i = static_cast<int>(size_ / sizeof(Word)); i-- > 0;) write(word(slot, i), 0);
+    for (size_t end = size_; end > 0; end -= sizeof(Word))
+        write_words(at(slot) + end - sizeof(Word), &no_word, sizeof no_word);
 }
 
 void Mailbox::copy(int slot, void* record) const { read_words(record, at(slot), size_); }
