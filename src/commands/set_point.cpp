@@ -20,6 +20,7 @@ Request& pose_or_quat(Request& request, const Pose& pose) {
 }
 
 void plain_numbers(Item array, int count, float* values) {
+    if (!array.is_array()) return;
     for (int i = 0; i < std::min(count, array.size()); ++i) values[i] = static_cast<float>(array[i].number());
 }
 

@@ -16,7 +16,7 @@ ZK_API int Parser_Movej_CANFD(ArmSocket s, const char* text, Pose* pose, float* 
     const Item error = reply.find("arm_err");
     if (!reply.require(bool(error), ZK_BAD_REPLY)) return reply.status();
     *arm_err = static_cast<uint16_t>(error.integer());
-    if (const Item values = reply.find("pose"); values.size() >= 6) {
+    if (const Item values = reply.find("pose"); values.is_array() && values.size() >= 6) {
         float numbers[6];
         plain_numbers(values, 6, numbers);
         pose->position = {numbers[0], numbers[1], numbers[2]};
