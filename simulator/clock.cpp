@@ -6,6 +6,7 @@ namespace sim {
 namespace {
 
 constexpr std::chrono::seconds kMostToCatchUp{2};
+constexpr std::chrono::milliseconds kLongestTurn{20};
 
 }  // namespace
 
@@ -29,7 +30,8 @@ void Clock::catch_up() {
         note("halted for more than 2 s; simulated time goes on from where it stood");
         due_ = now;
     }
-    for (; due_ <= now; due_ += period_) step_();
+    // Steps that last longer than the time they stand for do not keep the clients waiting.
+    for (; due_ <= now && std::chrono::steady_clock::now() < now + kLongestTurn; due_ += period_) step_();
 }
 
 }  // namespace sim

@@ -1,5 +1,7 @@
 #include "frames.h"
 
+#include <algorithm>
+#include <climits>
 #include <cmath>
 
 namespace sim {
@@ -12,7 +14,10 @@ KDL::Frame frame_of(const WirePose& pose) {
 WirePose wire_pose(const KDL::Frame& frame) {
     double roll, pitch, yaw;
     frame.M.GetRPY(roll, pitch, yaw);
-    const auto round = [](double value, double scale) { return static_cast<int>(std::lround(value * scale)); };
+    // A frame may lie further away than the wire can tell.
+    const auto round = [](double value, double scale) {
+        return static_cast<int>(std::lround(std::clamp<double>(value * scale, INT_MIN, INT_MAX)));
+    };
     return {round(frame.p.x(), 1e6), round(frame.p.y(), 1e6), round(frame.p.z(), 1e6),
             round(roll, 1e3),        round(pitch, 1e3),       round(yaw, 1e3)};
 }

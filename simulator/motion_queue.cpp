@@ -9,6 +9,8 @@ namespace {
 
 constexpr double kSlowStopShare = 0.25;  // of the acceleration limit
 constexpr double kEndOfPath = 1 - 1e-9;
+constexpr size_t kMostMoves = 20'000;
+constexpr size_t kMostJoined = 200;  // each is planned with all that it is joined to
 
 bool same_place(const JointVector& a, const JointVector& b) {
     constexpr double kClose = 1e-6;  // degrees
@@ -19,6 +21,7 @@ bool same_place(const JointVector& a, const JointVector& b) {
 
 void MotionQueue::add(Move move, const JointVector& joints) {
     const bool joined = move.connect != 0;
+    if (size() >= kMostMoves || (joined && joined_.size() >= kMostJoined)) throw NoPath("too many moves wait");
     Trajectory longer = joined_;
     longer.add(std::move(move), end(joints));
     if (longer.size() > 1 && check) check(longer.path());

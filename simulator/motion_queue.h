@@ -22,7 +22,8 @@ class MotionQueue {
     std::function<void(const Path&)> check;
 
     // Plans the move from where the arm, which now has these joints, will be at its turn. A joined move is kept until
-    // one comes that is not; then all run as one trajectory. Throws NoPath, and has not changed then.
+    // one comes that is not; then all run as one trajectory. Throws NoPath, also where too many moves wait, and has not
+    // changed then.
     void add(Move move, const JointVector& joints);
 
     // Where the arm, which now has these joints, will be when everything is done.

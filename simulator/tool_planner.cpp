@@ -26,6 +26,7 @@ size_t pieces_of(const Curve& curve) {
     const std::vector<KDL::Frame> rough = sampled(curve, 256);
     double length = 0;
     for (size_t i = 1; i < rough.size(); ++i) length += distance_between(rough[i - 1], rough[i]);
+    if (!(length < kMostPieces * kPieceLength)) throw NoPath("the path is too long");
     return std::max(kFewestPieces, static_cast<size_t>(std::ceil(length / kPieceLength)));
 }
 

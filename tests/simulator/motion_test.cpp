@@ -208,10 +208,17 @@ TEST(Motion, AJoinedMoveReportsNothing) {
     EXPECT_EQ(talk.ask("get_arm_plan_num").at("plan_num"), 0);
 }
 
-TEST(Motion, AMoveToWhereTheArmStandsArrives) {
+// Moves to where the arm stands arrive; as many as are joined, but for one too many.
+TEST(Motion, TooManyMovesAreRefused) {
     Talk talk(kCycleOption);
-    ASSERT_TRUE(talk.movej(talk.joints(), 20));
+    const std::vector<double> here = talk.joints();
+    for (int i = 0; i < 200; ++i) ASSERT_TRUE(talk.movej(here, 20, 1)) << i;
+    EXPECT_FALSE(talk.movej(here, 20, 1));
+    EXPECT_FALSE(talk.read_arrival());
+    EXPECT_EQ(talk.ask("get_arm_plan_num").at("plan_num"), 200);
+    ASSERT_TRUE(talk.movej(here, 20));
     EXPECT_TRUE(talk.read_arrival());
+    EXPECT_EQ(talk.ask("get_arm_plan_num").at("plan_num"), 0);
 }
 
 TEST(Motion, DeletingTheCurrentTrajectoryGoesOnWithTheNext) {

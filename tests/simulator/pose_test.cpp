@@ -88,6 +88,11 @@ TEST(Pose, FramesAndMountingFromTheWire) {
     EXPECT_TRUE(KDL::Equal(talk.tool(), expected_pose(flange), kClose));
 }
 
+TEST(Pose, WhatTheWireCannotTellEndsAtItsRange) {
+    Talk talk({"--quiet", "--joints", "10,20,30,40,50,60", "--tool", "0,0,2000,0,0,0", "--work", "2000,0,0,0,0,0"});
+    EXPECT_EQ(talk.ask("get_current_arm_state").at("arm_state").at("pose")[0], -2147483648);
+}
+
 TEST(Pose, EulerAnglesAndQuaternionAgree) {
     Talk talk({"--quiet", "--joints", "33,-20,-60,15,-40,20"});
     const Json waypoint = Json::parse(talk.push.receive()).at("waypoint");

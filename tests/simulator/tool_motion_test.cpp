@@ -235,6 +235,7 @@ TEST(ToolMotion, RefusesWhatTheArmCannotDo) {
         {"movel", to_pose(away(1, 0, 0), 20), "out of reach"},
         {"moves", to_pose(away(0, 0, 1), 20), "out of reach"},
         {"movej_p", to_pose(away(0, -1, 0), 20), "out of reach"},
+        {"movel", to_pose({2000000000, 0, 0, 0, 0, 0}, 20), "two kilometres"},
         {"movel", to_pose({0, 0, 0, 0, 0}, 20), "five numbers"},
         {"movel", to_pose(away(0, 0.02, 0), 0), "no speed"},
         {"movel", to_pose(away(0, 0.02, 0), 20, 0, 101), "too large a blend"},
