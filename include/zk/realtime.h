@@ -109,8 +109,7 @@ ZK_STATIC_ASSERT(sizeof(void*) != 8 || (sizeof(RealtimeListener) == 32 && offset
 ZK_API RobotStatus robotstatus;
 ZK_API RealtimeListener listener;
 
-/* ------------------------------------------------------------------------------------------------ Taking the state --
- */
+/* -------------------------------------------------------------------------------------------- Taking the state -- */
 
 /*
  * Registers the callback that gets every datagram's state, or none with null. Arm_Socket_Start clears the registration,

@@ -21,8 +21,7 @@ typedef struct TrajectoryReply {
     float data[7];
 } TrajectoryReply;
 
-/* ------------------------------------------------------------------------------------------- Stop, pause, continue --
- */
+/* --------------------------------------------------------------------------------------- Stop, pause, continue -- */
 
 /* Stops the motion at once, with the greatest deceleration the arm allows. The interrupted move ends in 1. */
 ZK_API AckReply Set_Arm_Stop_Cmd[ZK_SLOTS];
@@ -53,8 +52,7 @@ ZK_API int Move_Continue_Cmd_Block(ArmSocket socket);
 ZK_API int Move_Continue_Cmd_NonBlock(ArmSocket socket);
 ZK_API int Parser_Move_Continue(const char* text);
 
-/* ------------------------------------------------------------------------------------------- Queue of trajectories --
- */
+/* --------------------------------------------------------------------------------------- Queue of trajectories -- */
 
 /* Ends the trajectory in progress. */
 ZK_API AckReply Clear_Current_Trajectory_Cmd[ZK_SLOTS];
@@ -81,8 +79,7 @@ ZK_API int Get_Current_Trajectory(ArmSocket socket, int32_t* type, float* data);
 ZK_API int Get_Current_Trajectory_Block(ArmSocket socket, int32_t* type, float* data);
 ZK_API int Parser_Get_Current_Trajectory(ArmSocket socket, const char* text, int32_t* type, float* data);
 
-/* ------------------------------------------------------------------------------------------------- Waypoint stream --
- */
+/* --------------------------------------------------------------------------------------------- Waypoint stream -- */
 
 /*
  * Adds a waypoint (six or seven joint angles in degrees), starts the stream at a frequency, clears and stops it, or
