@@ -15,6 +15,15 @@ using namespace zk::test;
 const float kOffsets[7] = {0.251f, -90.0f, 1.5f, -0.0009f, 178.0f, 12.3456f, -7.25f};
 const float kDynamics[14] = {0.0123456f, 1.5f, -2.0f, 0.001f, 1e-10f, 123456.7f, -0.0f, 3e6f, 0, 0, 0, -1.25f, 7, 8};
 
+// A setter that takes an old reply for its own.
+#define STALE_SETTER(command, mailbox, wire, reply, ...)                                             \
+    acknowledged(#command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) true), mailbox, wire, reply)  \
+        .taking_old_replies(),                                                                       \
+        acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, wire, reply) \
+            .taking_old_replies(),                                                                   \
+        queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) false), wire),      \
+        queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), wire)
+
 const std::vector<CommandCase> kRows = {
     // Metres, radians and seconds in thousandths.
     SETTER(Set_Arm_Line_Speed, Set_Arm_Max_Line_Speed_Cmd,
@@ -25,16 +34,9 @@ const std::vector<CommandCase> kRows = {
     SETTER(Set_Arm_Angular_Speed, Set_Arm_Max_Angular_Speed_Cmd,
            R"({"command": "set_arm_max_angular_speed", "arm_angular_speed": 3141})",
            R"({"command":"set_arm_max_angular_speed","arm_angular_speed":true})", 3.1415f),
-    acknowledged(CALL(Set_Arm_Angular_Acc, (s, 4, true)), Set_Arm_Max_Angular_Acc_Cmd,
-                 R"({"command": "set_arm_max_angular_acc", "arm_angular_acc": 4000})",
-                 R"({"command":"set_arm_max_angular_acc","arm_angular_acc":true})")
-        .taking_old_replies(),
-    acknowledged(CALL(Set_Arm_Angular_Acc_Block, (s, 4)), Set_Arm_Max_Angular_Acc_Cmd,
-                 R"({"command": "set_arm_max_angular_acc", "arm_angular_acc": 4000})",
-                 R"({"command":"set_arm_max_angular_acc","arm_angular_acc":true})")
-        .taking_old_replies(),
-    queued(CALL(Set_Arm_Angular_Acc_NonBlock, (s, 3e6f)),
-           R"({"command": "set_arm_max_angular_acc", "arm_angular_acc": -2147483648})"),
+    STALE_SETTER(Set_Arm_Angular_Acc, Set_Arm_Max_Angular_Acc_Cmd,
+                 R"({"command": "set_arm_max_angular_acc", "arm_angular_acc": -2147483648})",
+                 R"({"command":"set_arm_max_angular_acc","arm_angular_acc":true})", 3e6f),
     QUERY(Get_Arm_Line_Speed, Get_Arm_Max_Line_Speed_Cmd, R"({"command": "get_arm_max_line_speed"})",
           R"({"state":"arm_max_line_speed","arm_line_speed":251})", "0.251"),
     QUERY(Get_Arm_Line_Acc, Get_Arm_Max_Line_Acc_Cmd, R"({"command": "get_arm_max_line_acc"})",
@@ -44,13 +46,8 @@ const std::vector<CommandCase> kRows = {
     QUERY(Get_Arm_Angular_Acc, Get_Arm_Max_Angular_Acc_Cmd, R"({"command": "get_arm_max_angular_acc"})",
           R"({"state":"arm_max_angular_acc","arm_angular_acc":4000})", "4"),
 
-    acknowledged(CALL(Set_Arm_Tip_Init, (s, true)), Set_Arm_Tip_Init_Cmd, R"({"command": "set_arm_init"})",
-                 R"({"command":"set_arm_init","arm_init":true})")
-        .taking_old_replies(),
-    acknowledged(CALL(Set_Arm_Tip_Init_Block, (s)), Set_Arm_Tip_Init_Cmd, R"({"command": "set_arm_init"})",
-                 R"({"command":"set_arm_init","arm_init":true})")
-        .taking_old_replies(),
-    queued(CALL(Set_Arm_Tip_Init_NonBlock, (s)), R"({"command": "set_arm_init"})"),
+    STALE_SETTER(Set_Arm_Tip_Init, Set_Arm_Tip_Init_Cmd, R"({"command": "set_arm_init"})",
+                 R"({"command":"set_arm_init","arm_init":true})"),
     // The controller answers "state" to "stage".
     SETTER(Set_Collision_Stage, Set_Collision_Stage_Cmd, R"({"command": "set_collision_stage", "collision_stage": 8})",
            R"({"command":"set_collision_state","collision_state":true})", 8),
@@ -58,16 +55,8 @@ const std::vector<CommandCase> kRows = {
           R"({"state":"get_collision_stage","collision_stage":8})", "8"),
 
     // DH lengths in tenths.
-    acknowledged(CALL(Set_DH_Data, (s, 123.45f, -0.07f, 2.35f, 10, 0.29f, true)), Set_DH_Data_Cmd,
-                 R"({"command": "set_DH_data", "data": [1234, 0, 23, 100, 2]})",
-                 R"({"command":"set_DH_data","set_state":true})")
-        .taking_old_replies(),
-    acknowledged(CALL(Set_DH_Data_Block, (s, 1, 2, 3, 4, 5)), Set_DH_Data_Cmd,
-                 R"({"command": "set_DH_data", "data": [10, 20, 30, 40, 50]})",
-                 R"({"command":"set_DH_data","set_state":true})")
-        .taking_old_replies(),
-    queued(CALL(Set_DH_Data_NonBlock, (s, -1.99f, 2, 3, 4, 5)),
-           R"({"command": "set_DH_data", "data": [-19, 20, 30, 40, 50]})"),
+    STALE_SETTER(Set_DH_Data, Set_DH_Data_Cmd, R"({"command": "set_DH_data", "data": [1234, 0, 23, 100, -19]})",
+                 R"({"command":"set_DH_data","set_state":true})", 123.45f, -0.07f, 2.35f, 10, -1.99f),
     QUERY(Get_DH_Data, Get_DH_Data_Cmd, R"({"command": "get_DH_data"})",
           R"({"state":"DH_data","data":[2405,0,-1,2560,1440]})", "240.5; 0; -0.1; 256; 144"),
     acknowledged(CALL(Set_Joint_Zero_Offset, (s, kOffsets, true)), Set_Joint_Zero_OffSet_Cmd,
@@ -124,42 +113,12 @@ TEST(ArmLimitsGuards, PlainNamesDoNothingDuringAFileTransfer) {
 }
 
 TEST(ArmLimitsGuards, NullPointersAreToldAndNothingIsSent) {
-    static float value;
-    expect_nothing_sent({{CALL(Get_Arm_Line_Speed, (s, nullptr))},
-                         {CALL(Get_Arm_Line_Acc, (s, nullptr))},
-                         {CALL(Get_Arm_Angular_Acc, (s, nullptr))},
-                         {CALL(Get_Collision_Stage, (s, nullptr))},
-                         {CALL(Get_DH_Data, (s, nullptr, &value, &value, &value, &value))},
-                         {CALL(Get_DH_Data, (s, &value, nullptr, &value, &value, &value))},
-                         {CALL(Get_DH_Data, (s, &value, &value, nullptr, &value, &value))},
-                         {CALL(Get_DH_Data, (s, &value, &value, &value, nullptr, &value))},
-                         {CALL(Get_DH_Data, (s, &value, &value, &value, &value, nullptr))},
-                         {CALL(Set_Joint_Zero_Offset, (s, nullptr, false))},
-                         {CALL(Set_Arm_Dynamic_Parm, (s, nullptr, true))},
-                         {CALL(Get_Teach_Frame, (s, nullptr))}});
+    expect_nulls_refused({NULLS(Get_Arm_Line_Speed), NULLS(Get_Arm_Line_Acc), NULLS(Get_Arm_Angular_Acc),
+                          NULLS(Get_Collision_Stage), NULLS(Get_DH_Data), NULLS(Set_Joint_Zero_Offset),
+                          NULLS(Set_Arm_Dynamic_Parm), NULLS(Get_Teach_Frame)});
 }
 
 TEST(ArmLimitsGuards, SuspendWhileTheyWait) { expect_suspension({{CALL(Set_System_State_Servo, (s, 1, true))}}); }
-
-TEST(ArmLimitsParsers, Acknowledgements) {
-    for (const AckParser& parser : {
-             AckParser{Parser_Arm_Line_Speed, "arm_line_speed", 8},
-             {Parser_Arm_Line_Acc, "arm_line_acc", 8},
-             {Parser_Arm_Angular_Speed, "arm_angular_speed", 8},
-             {Parser_Arm_Angular_Acc, "arm_angular_acc", 8},
-             {Parser_Set_TEACH_FRAME, "set_state", 8},
-             {Parser_Arm_Tip_Init, "arm_init"},
-             {Parser_Set_Collision_Stage, "collision_state"},
-             {Parser_Set_DH_Data, "set_state"},
-             {Parser_Set_Joint_Zero_Offset, "set_state"},
-             {Parser_Set_Hand, "set_state"},
-             {Parser_Set_Plan_Speed, "plan_state"},
-             {Parser_Arm_Servo_State, "arm_servo"},
-             {Parser_Set_System_State_Servo, "servo_state"},
-         }) {
-        expect_acknowledgement(parser);
-    }
-}
 
 TEST(ArmLimitsParsers, Numbers) {
     expect_number({parsing(Parser_Get_Arm_Line_Speed), "arm_line_speed", "1.234"});
@@ -231,51 +190,29 @@ TEST(KeptLength, FollowsSettingsAndAnswers) {
 
 // ------------------------------------------------------------------------------------------------- A simulated arm --
 
-TEST(ArmLimitsOfASimulatedArm, AreGotBackAsSetAndInitialised) {
-    SimulatedArm arm;
-    const struct {
-        int (*set)(ArmSocket, float, bool);
-        int (*get)(ArmSocket, float*);
-    } limits[] = {{Set_Arm_Line_Speed, Get_Arm_Line_Speed},
-                  {Set_Arm_Line_Acc, Get_Arm_Line_Acc},
-                  {Set_Arm_Angular_Speed, Get_Arm_Angular_Speed},
-                  {Set_Arm_Angular_Acc, Get_Arm_Angular_Acc}};
-    for (const auto& limit : limits) {
-        float initial = 0, value = 0;
-        EXPECT_EQ(limit.get(arm, &initial), 0);
-        EXPECT_EQ(limit.set(arm, 0.125f, true), 0);
-        EXPECT_EQ(limit.get(arm, &value), 0);
-        EXPECT_EQ(value, 0.125f);
-        EXPECT_EQ(limit.set(arm, 0, true), 1);
-        EXPECT_EQ(limit.set(arm, 1000, true), 1);
-        EXPECT_EQ(Set_Arm_Tip_Init(arm, true), 0);
-        EXPECT_EQ(limit.get(arm, &value), 0);
-        EXPECT_EQ(value, initial);
-        EXPECT_GT(value, 0.125f);
-    }
-}
-
-TEST(ArmLimitsOfASimulatedArm, ModelAndModesAreGotBackAsSet) {
-    SimulatedArm arm;
-    int32_t number = -1;
-    EXPECT_EQ(Set_Collision_Stage(arm, 8, true), 0);
-    EXPECT_EQ(Get_Collision_Stage(arm, &number), 0);
-    EXPECT_EQ(number, 8);
-    EXPECT_EQ(Set_Collision_Stage(arm, 9, true), 1);
-    EXPECT_EQ(Set_Teach_Frame(arm, 1, true), 0);
-    EXPECT_EQ(Get_Teach_Frame(arm, &number), 0);
-    EXPECT_EQ(number, 1);
-    EXPECT_EQ(Set_Teach_Frame(arm, 2, true), 1);
-    EXPECT_EQ(Set_Plan_Speed(arm, 50, true), 0);
-    EXPECT_EQ(Set_Plan_Speed(arm, 101, true), 1);
-    EXPECT_EQ(Set_DH_Data(arm, 240.5f, 0, -0.1f, 256, 144, true), 0);
-    float out[5];
-    EXPECT_EQ(Get_DH_Data(arm, &out[0], &out[1], &out[2], &out[3], &out[4]), 0);
-    EXPECT_EQ(text_of(out), "240.5 0 -0.1 256 144");
-    EXPECT_EQ(Set_Joint_Zero_Offset(arm, kOffsets, true), 0);
-    EXPECT_EQ(Set_Arm_Dynamic_Parm(arm, kDynamics, true), 0);
-    EXPECT_EQ(Set_Arm_Servo_State(arm, 1, true), 0);
-    EXPECT_EQ(Set_System_State_Servo(arm, 1, false), 0);
+TEST(ArmLimitsOfASimulatedArm, AreGotBackAsSet) {
+    const SimulatedArm arm;
+    const Call line_speed = asking(Get_Arm_Line_Speed), line_acc = asking(Get_Arm_Line_Acc),
+               angular_speed = asking(Get_Arm_Angular_Speed), angular_acc = asking(Get_Arm_Angular_Acc),
+               collision = asking(Get_Collision_Stage), frame = asking(Get_Teach_Frame), dh = asking(Get_DH_Data);
+    expect_kept(arm, {{CALL(Set_Arm_Line_Speed, (s, 0.125f, true)), 0, line_speed, "0.125"},
+                      {CALL(Set_Arm_Line_Speed, (s, 1000, true)), 1, line_speed, "0.125"},
+                      {CALL(Set_Arm_Line_Acc, (s, 0.125f, true)), 0, line_acc, "0.125"},
+                      {CALL(Set_Arm_Line_Acc, (s, 0, true)), 1, line_acc, "0.125"},
+                      {CALL(Set_Arm_Angular_Speed, (s, 0.125f, true)), 0, angular_speed, "0.125"},
+                      {CALL(Set_Arm_Angular_Speed, (s, 1000, true)), 1, angular_speed, "0.125"},
+                      {CALL(Set_Arm_Angular_Acc, (s, 0.125f, true)), 0, angular_acc, "0.125"},
+                      {CALL(Set_Arm_Angular_Acc, (s, 0, true)), 1, angular_acc, "0.125"},
+                      {CALL(Set_Arm_Tip_Init, (s, true)), 0, line_speed, "0.25"},
+                      {CALL(Set_Collision_Stage, (s, 8, true)), 0, collision, "8"},
+                      {CALL(Set_Collision_Stage, (s, 9, true)), 1, collision, "8"},
+                      {CALL(Set_Teach_Frame, (s, 1, true)), 0, frame, "1"},
+                      {CALL(Set_Teach_Frame, (s, 2, true)), 1, frame, "1"},
+                      {CALL(Set_DH_Data, (s, 240.5f, 0, -0.1f, 256, 144, true)), 0, dh, "240.5; 0; -0.1; 256; 144"},
+                      {CALL(Set_Plan_Speed, (s, 101, true)), 1, line_acc, "1.6"},
+                      {CALL(Set_Joint_Zero_Offset, (s, kOffsets, true)), 0, angular_speed, "0.6"},
+                      {CALL(Set_Arm_Dynamic_Parm, (s, kDynamics, true)), 0, angular_acc, "4"},
+                      {CALL(Set_Arm_Servo_State, (s, 1, true)), 0, frame, "1"}});
 }
 
 }  // namespace

@@ -10,8 +10,6 @@
 #include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
 #include "zk/algorithm.h"
-#include "zk/force_control.h"
-#include "zk/io.h"
 #include "zk/motion.h"
 
 namespace {
@@ -27,61 +25,42 @@ const Exchange kLowest{R"({"command": "get_joint_min_pos"})",
                        R"({"state":"joint_min_pos","min_pos":[-178000,-130001,0,1,2,3]})"};
 const Exchange kHighest{R"({"command": "get_joint_max_pos"})",
                         R"({"state":"joint_max_pos","max_pos":[178000,130001,0,1,2,3]})"};
+const char* const kCalibrating = R"({"state":"calibrate_state","joint_state":[1,1,1,1,1,1],"err":[0,0,0,0,0,0]})";
+const char* const kLimitMode = R"({"command": "auto_set_joint_limit", "limit_mode": 200})";
+const char* const kLimitModeSet = R"({"command":"auto_set_joint_limit","limit_mode":true})";
 const char* const kTurns = "180 225 6 0.006 0 -6";  // 6 degrees per second for 1000 on the wire
 const char* const kLowestDegrees = "-178 -130.001 0 0.001 0.002 0.003";
 const char* const kHighestDegrees = "178 130.001 0 0.001 0.002 0.003";
 
+// The forms of a limit's setter, of which those that wait and those that do not may send different texts. The plain
+// name goes on with the question, also where it does not wait.
+#define LIMIT(command, mailbox, waited, unwaited, reply, question, ...)                                        \
+    acknowledged(#command, ZK_FORM(command, __VA_ARGS__, true), mailbox, waited, reply).followed_by(question), \
+        acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, waited, reply),        \
+        queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__, false), unwaited).followed_by(question),    \
+        queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), unwaited)
+// A drive's setter, whose reply may have either of two names.
+#define DRIVE_LIMIT(command, mailbox, wire, reply, other_reply, ...)                      \
+    acknowledged(#command, ZK_FORM(command, __VA_ARGS__), mailbox, wire, reply).adding(), \
+        acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, wire, other_reply).adding()
+
 const std::vector<CommandCase> kRows = {
     // Speed and acceleration go out in thousandths of a revolution per minute, without the division by 6 where nobody
     // waits.
-    acknowledged(CALL(Set_Joint_Speed, (s, 3, 180.5f, true)), Set_Joint_Max_Speed_Cmd,
-                 R"({"command": "set_joint_max_speed", "joint_max_speed": [3, 30083]})",
-                 R"({"command":"set_joint_max_speed","joint_max_speed":true})")
-        .followed_by(kSpeeds),
-    queued("Unblocked_" CALL(Set_Joint_Speed, (s, 3, 6.0f, false)),
-           R"({"command": "set_joint_max_speed", "joint_max_speed": [3, 6000]})")
-        .followed_by(kSpeeds),
-    acknowledged(CALL(Set_Joint_Speed_Block, (s, 3, 6.0f)), Set_Joint_Max_Speed_Cmd,
-                 R"({"command": "set_joint_max_speed", "joint_max_speed": [3, 1000]})",
-                 R"({"command":"set_joint_max_speed","joint_max_speed":true})"),
-    queued(CALL(Set_Joint_Speed_NonBlock, (s, 3, 60.0f)),
-           R"({"command": "set_joint_max_speed", "joint_max_speed": [3, 60000]})"),
-    acknowledged(CALL(Set_Joint_Acc, (s, 255, -7.7f, true)), Set_Joint_Max_Acc_Cmd,
-                 R"({"command": "set_joint_max_acc", "joint_max_acc": [255, -1283]})",
-                 R"({"command":"set_joint_max_acc","joint_max_acc":true})")
-        .followed_by(kAccelerations),
-    queued("Unblocked_" CALL(Set_Joint_Acc, (s, 1, 6.0f, false)),
-           R"({"command": "set_joint_max_acc", "joint_max_acc": [1, 6000]})")
-        .followed_by(kAccelerations),
-    acknowledged(CALL(Set_Joint_Acc_Block, (s, 1, 6.0f)), Set_Joint_Max_Acc_Cmd,
-                 R"({"command": "set_joint_max_acc", "joint_max_acc": [1, 1000]})",
-                 R"({"command":"set_joint_max_acc","joint_max_acc":true})"),
-    queued(CALL(Set_Joint_Acc_NonBlock, (s, 1, 0.251f)),
-           R"({"command": "set_joint_max_acc", "joint_max_acc": [1, 250]})"),
-    acknowledged(CALL(Set_Joint_Min_Pos, (s, 1, -178.5f, true)), Set_Joint_Min_Pos_Cmd,
-                 R"({"command": "set_joint_min_pos", "joint_min_pos": [1, -178500]})",
-                 R"({"command":"set_joint_min_pos","joint_min_pos":true})")
-        .followed_by(kLowest),
-    queued("Unblocked_" CALL(Set_Joint_Min_Pos, (s, 1, 1.0f, false)),
-           R"({"command": "set_joint_min_pos", "joint_min_pos": [1, 1000]})")
-        .followed_by(kLowest),
-    acknowledged(CALL(Set_Joint_Min_Pos_Block, (s, 1, -0.0009f)), Set_Joint_Min_Pos_Cmd,
-                 R"({"command": "set_joint_min_pos", "joint_min_pos": [1, 0]})",
-                 R"({"command":"set_joint_min_pos","joint_min_pos":true})"),
-    queued(CALL(Set_Joint_Min_Pos_NonBlock, (s, 1, -178.5f)),
-           R"({"command": "set_joint_min_pos", "joint_min_pos": [1, -178500]})"),
-    acknowledged(CALL(Set_Joint_Max_Pos, (s, 6, 0.251f, true)), Set_Joint_Max_Pos_Cmd,
-                 R"({"command": "set_joint_max_pos", "joint_max_pos": [6, 250]})",
-                 R"({"command":"set_joint_max_pos","joint_max_pos":true})")
-        .followed_by(kHighest),
-    queued("Unblocked_" CALL(Set_Joint_Max_Pos, (s, 6, 0.251f, false)),
-           R"({"command": "set_joint_max_pos", "joint_max_pos": [6, 250]})")
-        .followed_by(kHighest),
-    acknowledged(CALL(Set_Joint_Max_Pos_Block, (s, 6, 0.251f)), Set_Joint_Max_Pos_Cmd,
-                 R"({"command": "set_joint_max_pos", "joint_max_pos": [6, 250]})",
-                 R"({"command":"set_joint_max_pos","joint_max_pos":true})"),
-    queued(CALL(Set_Joint_Max_Pos_NonBlock, (s, 6, 12.3456f)),
-           R"({"command": "set_joint_max_pos", "joint_max_pos": [6, 12345]})"),
+    LIMIT(Set_Joint_Speed, Set_Joint_Max_Speed_Cmd,
+          R"({"command": "set_joint_max_speed", "joint_max_speed": [3, 30083]})",
+          R"({"command": "set_joint_max_speed", "joint_max_speed": [3, 180500]})",
+          R"({"command":"set_joint_max_speed","joint_max_speed":true})", kSpeeds, 3, 180.5f),
+    LIMIT(Set_Joint_Acc, Set_Joint_Max_Acc_Cmd, R"({"command": "set_joint_max_acc", "joint_max_acc": [255, -1283]})",
+          R"({"command": "set_joint_max_acc", "joint_max_acc": [255, -7700]})",
+          R"({"command":"set_joint_max_acc","joint_max_acc":true})", kAccelerations, 255, -7.7f),
+    LIMIT(Set_Joint_Min_Pos, Set_Joint_Min_Pos_Cmd,
+          R"({"command": "set_joint_min_pos", "joint_min_pos": [1, -178500]})",
+          R"({"command": "set_joint_min_pos", "joint_min_pos": [1, -178500]})",
+          R"({"command":"set_joint_min_pos","joint_min_pos":true})", kLowest, 1, -178.5f),
+    LIMIT(Set_Joint_Max_Pos, Set_Joint_Max_Pos_Cmd, R"({"command": "set_joint_max_pos", "joint_max_pos": [6, 250]})",
+          R"({"command": "set_joint_max_pos", "joint_max_pos": [6, 250]})",
+          R"({"command":"set_joint_max_pos","joint_max_pos":true})", kHighest, 6, 0.251f),
 
     QUERY(Get_Joint_Speed, Joint_Max_Speed_Cmd, kSpeeds.wire, kSpeeds.reply, kTurns),
     answered("SevenJoints_" ASK(Get_Joint_Speed_Block), Joint_Max_Speed_Cmd, kSpeeds.wire,
@@ -92,38 +71,22 @@ const std::vector<CommandCase> kRows = {
     QUERY(Get_Joint_Max_Pos, Get_Joint_Max_Pos_Cmd, kHighest.wire, kHighest.reply, kHighestDegrees),
 
     // The drives' limits: the keys of the arm's, other commands.
-    acknowledged(CALL(Set_Joint_Drive_Speed, (s, 2, 6.0f)), Set_Joint_Drive_Max_Speed_Cmd,
-                 R"({"command": "set_joint_drive_max_speed", "joint_max_speed": [2, 1000]})",
-                 R"({"command":"set_joint_drive_max_speed","joint_max_speed":true})")
-        .adding(),
-    acknowledged(CALL(Set_Joint_Drive_Speed_Block, (s, 2, 180.5f)), Set_Joint_Drive_Max_Speed_Cmd,
-                 R"({"command": "set_joint_drive_max_speed", "joint_max_speed": [2, 30083]})",
-                 R"({"command":"set_joint_max_drive_speed","joint_max_speed":true})")
-        .adding(),
-    acknowledged(CALL(Set_Joint_Drive_Acc, (s, 2, 6.0f)), Set_Joint_Drive_Max_Acc_Cmd,
-                 R"({"command": "set_joint_drive_max_acc", "joint_max_acc": [2, 1000]})",
-                 R"({"command":"set_joint_drive_max_acc","joint_max_acc":true})")
-        .adding(),
-    acknowledged(CALL(Set_Joint_Drive_Acc_Block, (s, 2, 180.5f)), Set_Joint_Drive_Max_Acc_Cmd,
-                 R"({"command": "set_joint_drive_max_acc", "joint_max_acc": [2, 30083]})",
-                 R"({"command":"set_joint_max_drive_acc","joint_max_acc":true})")
-        .adding(),
-    acknowledged(CALL(Set_Joint_Drive_Min_Pos, (s, 2, -1.5f)), Set_Joint_Drive_Min_Pos_Cmd,
-                 R"({"command": "set_joint_drive_min_pos", "joint_min_pos": [2, -1500]})",
-                 R"({"command":"set_joint_drive_min_pos","joint_min_pos":true})")
-        .adding(),
-    acknowledged(CALL(Set_Joint_Drive_Min_Pos_Block, (s, 2, 0.251f)), Set_Joint_Drive_Min_Pos_Cmd,
-                 R"({"command": "set_joint_drive_min_pos", "joint_min_pos": [2, 250]})",
-                 R"({"command":"set_joint_drive_min_pos","joint_min_pos":true})")
-        .adding(),
-    acknowledged(CALL(Set_Joint_Drive_Max_Pos, (s, 2, 1.5f)), Set_Joint_Drive_Max_Pos_Cmd,
-                 R"({"command": "set_joint_drive_max_pos", "joint_max_pos": [2, 1500]})",
-                 R"({"command":"set_joint_drive_max_pos","joint_max_pos":true})")
-        .adding(),
-    acknowledged(CALL(Set_Joint_Drive_Max_Pos_Block, (s, 2, 0.251f)), Set_Joint_Drive_Max_Pos_Cmd,
-                 R"({"command": "set_joint_drive_max_pos", "joint_max_pos": [2, 250]})",
-                 R"({"command":"set_joint_drive_max_pos","joint_max_pos":true})")
-        .adding(),
+    DRIVE_LIMIT(Set_Joint_Drive_Speed, Set_Joint_Drive_Max_Speed_Cmd,
+                R"({"command": "set_joint_drive_max_speed", "joint_max_speed": [2, 30083]})",
+                R"({"command":"set_joint_drive_max_speed","joint_max_speed":true})",
+                R"({"command":"set_joint_max_drive_speed","joint_max_speed":true})", 2, 180.5f),
+    DRIVE_LIMIT(Set_Joint_Drive_Acc, Set_Joint_Drive_Max_Acc_Cmd,
+                R"({"command": "set_joint_drive_max_acc", "joint_max_acc": [2, 1000]})",
+                R"({"command":"set_joint_drive_max_acc","joint_max_acc":true})",
+                R"({"command":"set_joint_max_drive_acc","joint_max_acc":true})", 2, 6.0f),
+    DRIVE_LIMIT(Set_Joint_Drive_Min_Pos, Set_Joint_Drive_Min_Pos_Cmd,
+                R"({"command": "set_joint_drive_min_pos", "joint_min_pos": [2, -1500]})",
+                R"({"command":"set_joint_drive_min_pos","joint_min_pos":true})",
+                R"({"command":"set_joint_drive_min_pos","joint_min_pos":true})", 2, -1.5f),
+    DRIVE_LIMIT(Set_Joint_Drive_Max_Pos, Set_Joint_Drive_Max_Pos_Cmd,
+                R"({"command": "set_joint_drive_max_pos", "joint_max_pos": [2, 250]})",
+                R"({"command":"set_joint_drive_max_pos","joint_max_pos":true})",
+                R"({"command":"set_joint_drive_max_pos","joint_max_pos":true})", 2, 0.251f),
     QUERY(Get_Joint_Drive_Speed, Get_Joint_Drive_Max_Speed_Cmd, R"({"command": "get_joint_drive_max_speed"})",
           R"({"state":"get_joint_drive_max_speed","joint_speed":[30000,37500,1000,1,0,-1000]})", kTurns),
     QUERY(Get_Joint_Drive_Acc, Get_Joint_Drive_Max_Acc_Cmd, R"({"command": "get_joint_drive_max_acc"})",
@@ -160,10 +123,8 @@ const std::vector<CommandCase> kRows = {
             R"({"command":"start_calibrate","calibrate_state":true})"),
     UNHEARD(Stop_Calibrate, R"({"command": "stop_calibrate"})",
             R"({"command":"stop_calibrate","calibrate_state":true})"),
-    unheard(ASK(Get_Calibrate_State), R"({"command": "get_calibrate_state"})",
-            R"({"state":"calibrate_state","joint_state":[1,1,1,1,1,1],"err":[0,0,0,0,0,0]})"),
-    unheard(ASK(Get_Calibrate_State_Block), R"({"command": "get_calibrate_state"})",
-            R"({"state":"calibrate_state","joint_state":[1,1,1,1,1,1],"err":[0,0,0,0,0,0]})"),
+    unheard(ASK(Get_Calibrate_State), R"({"command": "get_calibrate_state"})", kCalibrating),
+    unheard(ASK(Get_Calibrate_State_Block), R"({"command": "get_calibrate_state"})", kCalibrating),
 
     {CALL(Auto_Fix_Joint_Over_Soft_Limit, (s, true)), R"({"command": "auto_fix_joint_over_soft_limit"})",
      R"({"command":"auto_fix_joint_over_soft_limit","set_state":false})", 1},
@@ -173,15 +134,9 @@ const std::vector<CommandCase> kRows = {
                  R"({"command": "auto_fix_joint_over_soft_limit"})",
                  R"({"command":"auto_fix_joint_over_soft_limit","set_state":true})")
         .adding(),
-    acknowledged(CALL(Auto_Set_Joint_Limit, (s, 200)), Auto_Set_Joint_Limit_Cmd,
-                 R"({"command": "auto_set_joint_limit", "limit_mode": 200})",
-                 R"({"command":"auto_set_joint_limit","limit_mode":true})"),
-    acknowledged(CALL(Auto_Set_Joint_Limit_E, (s, 1)), Auto_Set_Joint_Limit_Cmd,
-                 R"({"command": "auto_set_joint_limit", "limit_mode": 1})",
-                 R"({"command":"auto_set_joint_limit","limit_mode":true})"),
-    acknowledged(CALL(Auto_Set_Joint_Limit_Block_E, (s, 1)), Auto_Set_Joint_Limit_Cmd,
-                 R"({"command": "auto_set_joint_limit", "limit_mode": 1})",
-                 R"({"command":"auto_set_joint_limit","limit_mode":true})"),
+    acknowledged(CALL(Auto_Set_Joint_Limit, (s, 200)), Auto_Set_Joint_Limit_Cmd, kLimitMode, kLimitModeSet),
+    acknowledged(CALL(Auto_Set_Joint_Limit_E, (s, 200)), Auto_Set_Joint_Limit_Cmd, kLimitMode, kLimitModeSet),
+    acknowledged(CALL(Auto_Set_Joint_Limit_Block_E, (s, 200)), Auto_Set_Joint_Limit_Cmd, kLimitMode, kLimitModeSet),
 };
 
 class JointConfiguration : public testing::TestWithParam<CommandCase> {};
@@ -198,28 +153,16 @@ TEST(JointConfigurationGuards, ThePageTellsTheWire) { expect_documented("Joint c
 TEST(JointConfigurationGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 
 TEST(JointConfigurationGuards, NullPointersAreToldAndNothingIsSent) {
-    static float state[7];
-    static uint16_t words[7];
-    static int32_t value;
-    expect_nothing_sent({{CALL(Get_Joint_Speed, (s, nullptr))},
-                         {CALL(Get_Joint_Acc, (s, nullptr))},
-                         {CALL(Get_Joint_Min_Pos, (s, nullptr))},
-                         {CALL(Get_Joint_Max_Pos, (s, nullptr))},
-                         {CALL(Get_Joint_EN_State, (s, nullptr))},
-                         {CALL(Get_Joint_Err_Flag, (s, nullptr, words))},
-                         {CALL(Get_Joint_Err_Flag, (s, words, nullptr))},
-                         {CALL(Get_Joint_Software_Version, (s, nullptr))},
-                         {CALL(Get_Calibrate_State, (s, nullptr, words, &value))},
-                         {CALL(Get_Calibrate_State, (s, state, nullptr, &value))},
-                         {CALL(Get_Calibrate_State, (s, state, words, nullptr))}});
+    expect_nulls_refused({NULLS(Get_Joint_Speed), NULLS(Get_Joint_Acc), NULLS(Get_Joint_Min_Pos),
+                          NULLS(Get_Joint_Max_Pos), NULLS(Get_Joint_EN_State), NULLS(Get_Joint_Err_Flag),
+                          NULLS(Get_Joint_Software_Version), NULLS(Get_Calibrate_State)});
 }
 
 TEST(JointConfigurationGuards, SuspendWhileTheyWait) {
-    expect_suspension(
-        {{CALL(Start_Calibrate, (s, true))},
-         {CALL(Stop_Calibrate, (s, true))},
-         {ASK(Get_Calibrate_State)},
-         {CALL(Auto_Set_Joint_Limit, (s, 1)), R"({"command":"auto_set_joint_limit","limit_mode":true})"}});
+    expect_suspension({{CALL(Start_Calibrate, (s, true))},
+                       {CALL(Stop_Calibrate, (s, true))},
+                       {ASK(Get_Calibrate_State)},
+                       {CALL(Auto_Set_Joint_Limit, (s, 1)), kLimitModeSet}});
 }
 
 // The three that look at the connection: first whether there is one, then whether the library runs.
@@ -234,27 +177,6 @@ TEST(JointConfigurationGuards, NoConnectionNoThreads) {
     set_shared(IsSendFile, 1);
     EXPECT_EQ(Set_Joint_Speed(0, 1, 1, false), 18);
     EXPECT_EQ(Set_Joint_Zero_Pos(0, 1, false), 18);
-}
-
-TEST(JointConfigurationParsers, Acknowledgements) {
-    for (const AckParser& parser : {
-             AckParser{Parser_Joint_Zero_Pos, "joint_zero_pos", 8},
-             {Parser_Joint_Speed, "joint_max_speed", 8},
-             {Parser_Joint_Acc, "joint_max_acc", 8},
-             {Parser_Joint_Min_Pos, "joint_min_pos", 8},
-             {Parser_Joint_Max_Pos, "joint_max_pos", 8},
-             {Parser_Joint_EN_State, "joint_en_state", 8},
-             {Parser_Joint_Err_Clear, "joint_clear_err", 8},
-             {Parser_Start_Calibrate, "calibrate_state", 8},
-             {Parser_Set_Joint_Drive_Max_Speed, "joint_max_speed"},
-             {Parser_Set_Joint_Drive_Max_Acc, "joint_max_acc"},
-             {Parser_Set_Joint_Drive_Min_Pos, "joint_min_pos"},
-             {Parser_Set_Joint_Drive_Max_Pos, "joint_max_pos"},
-             {Parser_Set_Joint_Limit, "limit_mode"},
-             {Parser_Set_IO_Mode, "set_state"},
-         }) {
-        expect_acknowledgement(parser);
-    }
 }
 
 TEST(JointConfigurationParsers, JointArrays) {
@@ -275,15 +197,9 @@ TEST(JointConfigurationParsers, JointArrays) {
 
 // An array of another size leaves the outputs alone; the second array may fail behind a good first.
 TEST(JointConfigurationParsers, TwoArrays) {
-    const auto errors = parsing(Parser_Get_Joint_Err_Flag);
-    expect_parsed(errors, {{R"({"err_flag":[1,2,3,4,5,6],"brake_state":[0,1,0,1,0,1]})", 0, "1 2 3 4 5 6; 0 1 0 1 0 1"},
-                           {R"({"err_flag":[1,2,3,4,5,6]})", 9, "1 2 3 4 5 6; -"},
-                           {R"({"err_flag":[1,2,3,4,5,6],"brake_state":1})", 11, "1 2 3 4 5 6; -"},
-                           {R"({"err_flag":[1,2,3,4,5,6],"brake_state":[0,1]})", 10, "1 2 3 4 5 6; -"},
-                           {R"({"brake_state":[0,1,0,1,0,1]})", 9, ""},
-                           {R"({"err_flag":true,"brake_state":[0,1,0,1,0,1]})", 11, ""},
-                           {R"({"err_flag":[1,2,3,4,5,6,7],"brake_state":[0,1,0,1,0,1]})", 10, ""},
-                           {R"({"err_flag":[1,2,3,4,5,6],"brake_state":[0)", 9, ""}});
+    expect_keys(parsing(Parser_Get_Joint_Err_Flag),
+                {{"err_flag", "[1,2,3,4,5,6]", "1 2 3 4 5 6; -", {{"true", 11}, {"[1,2,3,4,5,6,7]", 10}}},
+                 {"brake_state", "[0,1,0,1,0,1]", "1 2 3 4 5 6; 0 1 0 1 0 1", {{"1", 11}, {"[0,1]", 10}}}});
 }
 
 // The key of the errors is asked for a number as well, which it cannot be: the best reply gives 11, its arrays filled.
@@ -328,29 +244,29 @@ class LimitsInTheModel : public testing::Test {
     float out_[7] = {};
 };
 
+// An answer goes there, whether it was asked for or follows a setting: not what was sent counts, but what the
+// controller then holds.
 TEST_F(LimitsInTheModel, FollowTheAnswers) {
-    EXPECT_EQ(Get_Joint_Speed(arm_, out_), 0);
-    EXPECT_EQ(model(Algo_Get_Joint_Max_Speed), kTurns);
-    EXPECT_EQ(Get_Joint_Acc(arm_, out_), 0);
-    EXPECT_EQ(model(Algo_Get_Joint_Max_Acc), kTurns);
-    EXPECT_EQ(Get_Joint_Min_Pos(arm_, out_), 0);
-    EXPECT_EQ(model(Algo_Get_Joint_Min_Limit), kLowestDegrees);
-    EXPECT_EQ(Get_Joint_Max_Pos(arm_, out_), 0);
-    EXPECT_EQ(model(Algo_Get_Joint_Max_Limit), kHighestDegrees);
-}
-
-// Not what was sent counts, but what the controller then holds.
-TEST_F(LimitsInTheModel, FollowWhatASettingLedTo) {
     controller_.answer("set_joint_max_speed", R"({"command":"set_joint_max_speed","joint_max_speed":true})");
     controller_.answer("set_joint_min_pos", R"({"command":"set_joint_min_pos","joint_min_pos":true})");
-    EXPECT_EQ(Set_Joint_Speed(arm_, 1, 1.0f, true), 0);
-    EXPECT_EQ(model(Algo_Get_Joint_Max_Speed), kTurns);
-    EXPECT_EQ(Set_Joint_Acc(arm_, 1, 1.0f, false), 0);
-    EXPECT_EQ(model(Algo_Get_Joint_Max_Acc), kTurns);
-    EXPECT_EQ(Set_Joint_Min_Pos(arm_, 1, 1.0f, true), 0);
-    EXPECT_EQ(model(Algo_Get_Joint_Min_Limit), kLowestDegrees);
-    EXPECT_EQ(Set_Joint_Max_Pos(arm_, 1, 1.0f, false), 0);
-    EXPECT_EQ(model(Algo_Get_Joint_Max_Limit), kHighestDegrees);
+    const struct {
+        int (*ask)(ArmSocket, float*);
+        int (*set)(ArmSocket, uint8_t, float, bool);
+        bool waits;
+        void (*limit)(float*);
+        const char* told;
+    } rows[] = {{Get_Joint_Speed, Set_Joint_Speed, true, Algo_Get_Joint_Max_Speed, kTurns},
+                {Get_Joint_Acc, Set_Joint_Acc, false, Algo_Get_Joint_Max_Acc, kTurns},
+                {Get_Joint_Min_Pos, Set_Joint_Min_Pos, true, Algo_Get_Joint_Min_Limit, kLowestDegrees},
+                {Get_Joint_Max_Pos, Set_Joint_Max_Pos, false, Algo_Get_Joint_Max_Limit, kHighestDegrees}};
+    for (const auto& row : rows) {
+        EXPECT_NE(model(row.limit), row.told);
+        EXPECT_EQ(row.ask(arm_, out_), 0);
+        EXPECT_EQ(model(row.limit), row.told);
+        Algo_Init_Sys_Data(0, 0);
+        EXPECT_EQ(row.set(arm_, 1, 1.0f, row.waits), 0);
+        EXPECT_EQ(model(row.limit), row.told);
+    }
 }
 
 TEST_F(LimitsInTheModel, StayWhenAnythingFails) {
@@ -419,74 +335,70 @@ TEST_F(SoftLimits, WaitForTheAcknowledgementWithOne) {
     EXPECT_EQ(Auto_Fix_Joint_Over_Soft_Limit(arm_, false), 7);
 }
 
-// --------------------------------------------------------------------------------------------------- A simulated arm
-// --
+// ------------------------------------------------------------------------------------------------- A simulated arm --
 
-TEST(JointConfigurationOfASimulatedArm, IsGotBackAsSet) {
+// Limits: set, refused, and told by the controller and by the model.
+TEST(JointConfigurationOfASimulatedArm, LimitsAreGotBackAsSet) {
     SimulatedArm arm;
-    float out[6], limit[8];
-    EXPECT_EQ(Set_Joint_Speed(arm, 2, 90, true), 0);
-    EXPECT_EQ(Get_Joint_Speed(arm, out), 0);
-    EXPECT_EQ(out[1], 90);
-    Algo_Get_Joint_Max_Speed(limit);
-    EXPECT_FLOAT_EQ(limit[1], 90);
-    EXPECT_EQ(Set_Joint_Acc(arm, 2, 300, true), 0);
-    EXPECT_EQ(Get_Joint_Acc(arm, out), 0);
-    EXPECT_EQ(out[1], 300);
-    EXPECT_EQ(Set_Joint_Min_Pos(arm, 3, -100, true), 0);
-    EXPECT_EQ(Set_Joint_Max_Pos(arm, 3, 100.5f, true), 0);
-    EXPECT_EQ(Get_Joint_Min_Pos(arm, out), 0);
-    EXPECT_EQ(out[2], -100);
-    EXPECT_EQ(Get_Joint_Max_Pos(arm, out), 0);
-    EXPECT_EQ(out[2], 100.5f);
-    Algo_Get_Joint_Max_Limit(limit);
-    EXPECT_FLOAT_EQ(limit[2], 100.5f);
+    const struct {
+        int (*set)(ArmSocket, uint8_t, float, bool);
+        int (*get)(ArmSocket, float*);
+        void (*model)(float*);
+        float good, bad;
+    } limits[] = {{Set_Joint_Speed, Get_Joint_Speed, Algo_Get_Joint_Max_Speed, 90, 181},
+                  {Set_Joint_Acc, Get_Joint_Acc, Algo_Get_Joint_Max_Acc, 300, 0},
+                  {Set_Joint_Min_Pos, Get_Joint_Min_Pos, Algo_Get_Joint_Min_Limit, -100, -131},
+                  {Set_Joint_Max_Pos, Get_Joint_Max_Pos, Algo_Get_Joint_Max_Limit, 100.5f, 131}};
+    float out[6], model[8];
+    for (const auto& limit : limits) {
+        EXPECT_EQ(limit.set(arm, 2, limit.good, true), 0);
+        EXPECT_EQ(limit.set(arm, 2, limit.bad, true), 1);
+        EXPECT_EQ(limit.set(arm, 7, limit.good, true), 1) << "no such joint";
+        EXPECT_EQ(limit.get(arm, out), 0);
+        EXPECT_EQ(out[1], limit.good);
+        limit.model(model);
+        EXPECT_FLOAT_EQ(model[1], limit.good);
+    }
+    EXPECT_EQ(Set_Joint_Min_Pos(arm, 2, 100.5f, true), 1) << "nothing left between them";
     EXPECT_EQ(Auto_Set_Joint_Limit(arm, 1), 0);
     EXPECT_EQ(Get_Joint_Max_Pos(arm, out), 0);
-    EXPECT_EQ(out[2], 135);
+    EXPECT_EQ(out[1], 130);
 
-    EXPECT_EQ(Set_Joint_Drive_Speed(arm, 1, 60), 0);
-    EXPECT_EQ(Get_Joint_Drive_Speed(arm, out), 0);
-    EXPECT_EQ(out[0], 60);
-    EXPECT_EQ(Set_Joint_Drive_Acc(arm, 1, 60), 0);
-    EXPECT_EQ(Get_Joint_Drive_Acc(arm, out), 0);
-    EXPECT_EQ(out[0], 60);
-    EXPECT_EQ(Set_Joint_Drive_Min_Pos(arm, 1, -60), 0);
-    EXPECT_EQ(Get_Joint_Drive_Min_Pos(arm, out), 0);
-    EXPECT_EQ(out[0], -60);
-    EXPECT_EQ(Set_Joint_Drive_Max_Pos(arm, 1, 60), 0);
-    EXPECT_EQ(Get_Joint_Drive_Max_Pos(arm, out), 0);
-    EXPECT_EQ(out[0], 60);
+    const struct {
+        int (*set)(ArmSocket, uint8_t, float);
+        int (*get)(ArmSocket, float*);
+        float good, bad;
+    } drives[] = {{Set_Joint_Drive_Speed, Get_Joint_Drive_Speed, 60, 181},
+                  {Set_Joint_Drive_Acc, Get_Joint_Drive_Acc, 60, 0},
+                  {Set_Joint_Drive_Min_Pos, Get_Joint_Drive_Min_Pos, -60, -179},
+                  {Set_Joint_Drive_Max_Pos, Get_Joint_Drive_Max_Pos, 60, 179}};
+    for (const auto& drive : drives) {
+        EXPECT_EQ(drive.set(arm, 1, drive.good), 0);
+        EXPECT_EQ(drive.set(arm, 1, drive.bad), 1);
+        EXPECT_EQ(drive.get(arm, out), 0);
+        EXPECT_EQ(out[0], drive.good);
+    }
+}
 
+TEST(JointConfigurationOfASimulatedArm, TellsOfItsJoints) {
+    SimulatedArm arm;
     uint8_t enabled[6];
     EXPECT_EQ(Set_Joint_EN_State(arm, 4, 0, true), 0);
+    EXPECT_EQ(Set_Joint_EN_State(arm, 0, 1, true), 1);
     EXPECT_EQ(Get_Joint_EN_State(arm, enabled), 0);
     EXPECT_EQ(text_of(enabled), "1 1 1 0 1 1");
     uint16_t errors[6], brakes[6];
     EXPECT_EQ(Get_Joint_Err_Flag(arm, errors, brakes), 0);
     EXPECT_EQ(text_of(brakes), "0 0 0 1 0 0");
     EXPECT_EQ(Set_Joint_Err_Clear(arm, 4, true), 0);
+    EXPECT_EQ(Set_Joint_Err_Clear(arm, 9, true), 1);
     int32_t versions[6];
     EXPECT_EQ(Get_Joint_Software_Version(arm, versions), 0);
     EXPECT_EQ(versions[5], 0x20005);
     EXPECT_EQ(Set_Joint_Zero_Pos(arm, 2, true), 0);
+    EXPECT_EQ(Auto_Fix_Joint_Over_Soft_Limit(arm, true), 1) << "a disabled joint does not move";
     EXPECT_EQ(Set_Joint_EN_State(arm, 4, 1, true), 0);
     EXPECT_EQ(Auto_Fix_Joint_Over_Soft_Limit(arm, false), 0);
-}
-
-TEST(JointConfigurationOfASimulatedArm, WhatCannotBeIsRefused) {
-    SimulatedArm arm;
-    EXPECT_EQ(Set_Joint_Speed(arm, 1, 181, true), 1);
-    EXPECT_EQ(Set_Joint_Speed(arm, 7, 10, true), 1) << "no such joint";
-    EXPECT_EQ(Set_Joint_Acc(arm, 1, 0, true), 1);
-    EXPECT_EQ(Set_Joint_Min_Pos(arm, 1, -179, true), 1);
-    EXPECT_EQ(Set_Joint_Max_Pos(arm, 1, 179, true), 1);
-    EXPECT_EQ(Set_Joint_Drive_Speed(arm, 1, 181), 1);
-    EXPECT_EQ(Set_Joint_Drive_Max_Pos(arm, 1, 179), 1);
-    EXPECT_EQ(Set_Joint_EN_State(arm, 0, 1, true), 1);
-    EXPECT_EQ(Set_Joint_Err_Clear(arm, 9, true), 1);
-    EXPECT_EQ(Set_Joint_EN_State(arm, 1, 0, true), 0);
-    EXPECT_EQ(Auto_Fix_Joint_Over_Soft_Limit(arm, true), 1) << "a disabled joint does not move";
 }
 
 TEST(JointConfigurationOfASimulatedArm, SoftLimitsAreReachedAgain) {

@@ -75,12 +75,7 @@ TEST(TrajectoryGuards, ThePageTellsTheWire) { expect_documented("Trajectories", 
 TEST(TrajectoryGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 
 TEST(TrajectoryGuards, NullPointersAreToldAndNothingIsSent) {
-    static int32_t type;
-    static float data[7];
-    expect_nothing_sent({{CALL(Get_Current_Trajectory, (s, nullptr, data))},
-                         {CALL(Get_Current_Trajectory, (s, &type, nullptr))},
-                         {CALL(Add_Waypoint, (s, nullptr, true))},
-                         {CALL(Add_Waypoint, (s, nullptr, false))}});
+    expect_nulls_refused({NULLS(Get_Current_Trajectory), NULLS(Add_Waypoint)});
 }
 
 TEST(TrajectoryGuards, SuspendWhileTheyWait) {

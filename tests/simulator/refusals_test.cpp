@@ -64,29 +64,6 @@ TEST(Refusals, MovesOfAnArmThatMayNotMove) {
     }
 }
 
-TEST(Refusals, LimitsBeyondTheModel) {
-    Talk talk({"--quiet"});
-    const auto set = [&](const std::string& what, int joint, int value) {
-        const Json reply = talk.ask("set_joint_" + what, {{"joint_" + what, {joint, value}}});
-        return reply.at("joint_" + what).get<bool>();
-    };
-    EXPECT_FALSE(set("max_pos", 1, 178001));
-    EXPECT_FALSE(set("min_pos", 1, -178001));
-    EXPECT_FALSE(set("max_speed", 1, 30001));
-    EXPECT_FALSE(set("max_speed", 1, 0));
-    EXPECT_FALSE(set("max_acc", 1, 166667));
-    EXPECT_TRUE(set("max_pos", 2, 90000));
-    EXPECT_FALSE(set("min_pos", 2, 90000));  // nothing left between them
-    EXPECT_TRUE(set("min_pos", 2, -45500));
-    EXPECT_TRUE(set("max_speed", 2, 12345));
-    EXPECT_TRUE(set("max_acc", 2, 100));
-    EXPECT_EQ(talk.ask("get_joint_max_pos").at("max_pos"), Json({178000, 90000, 135000, 178000, 128000, 360000}));
-    EXPECT_EQ(talk.ask("get_joint_min_pos").at("min_pos"), Json({-178000, -45500, -135000, -178000, -128000, -360000}));
-    EXPECT_EQ(talk.ask("get_joint_max_speed").at("joint_speed"), Json({30000, 12345, 37500, 37500, 37500, 37500}));
-    EXPECT_EQ(talk.ask("get_joint_max_acc").at("joint_acc")[1], 100);
-    EXPECT_EQ(talk.ask("get_joint_drive_max_speed").at("joint_speed")[1], 30000);
-}
-
 TEST(Refusals, FramesByTheirNames) {
     Talk talk({"--quiet"});
     const auto store = [&](const std::string& command, const std::string& key, const std::string& name) {

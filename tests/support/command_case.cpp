@@ -238,6 +238,21 @@ void expect_nothing_sent(const std::vector<BadCall>& calls, int status) {
     expect_silence(controller, arm);
 }
 
+void expect_nulls_refused(const std::vector<std::vector<BadCall>>& commands) {
+    std::vector<BadCall> all;
+    for (const std::vector<BadCall>& calls : commands) all.insert(all.end(), calls.begin(), calls.end());
+    expect_nothing_sent(all);
+}
+
+void expect_kept(ArmSocket arm, const std::vector<Setting>& settings) {
+    for (const Setting& setting : settings) {
+        std::string told;
+        EXPECT_EQ(setting.set(arm, told), setting.status) << setting.name;
+        EXPECT_EQ(setting.ask(arm, told), 0) << setting.name;
+        EXPECT_EQ(told, setting.told) << setting.name;
+    }
+}
+
 void expect_suspension(const std::vector<SuspendedCall>& calls) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);

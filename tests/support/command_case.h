@@ -5,6 +5,7 @@
 #include <ostream>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "support/arm.h"
@@ -144,6 +145,48 @@ struct BadCall {
     Call call;
 };
 void expect_nothing_sent(const std::vector<BadCall>& calls, int status = 19);
+
+// A value for a parameter of a command; a pointer that is not to be null points to zeros.
+template <class Parameter>
+Parameter argument(bool null) {
+    if constexpr (std::is_pointer_v<Parameter>) {
+        alignas(8) static char zeros[4096];
+        return null ? nullptr : reinterpret_cast<Parameter>(zeros);
+    } else {
+        return Parameter{};
+    }
+}
+
+template <class... Parameters, size_t... at>
+int call_with_null(int (*command)(ArmSocket, Parameters...), ArmSocket s, size_t null, std::index_sequence<at...>) {
+    return command(s, argument<Parameters>(at == null)...);
+}
+
+// A call for each of the first pointers of a command, in which that one is null and no other.
+template <class... Parameters>
+std::vector<BadCall> nulls(const std::string& name, int (*command)(ArmSocket, Parameters...), size_t first = 99) {
+    std::vector<BadCall> calls;
+    constexpr bool pointers[] = {std::is_pointer_v<Parameters>...};
+    for (size_t i = 0; i < sizeof...(Parameters) && calls.size() < first; ++i) {
+        const auto call = [command, i](ArmSocket s) {
+            return call_with_null(command, s, i, std::index_sequence_for<Parameters...>());
+        };
+        if (pointers[i]) calls.push_back({name + ", parameter " + std::to_string(i + 1), call});
+    }
+    return calls;
+}
+#define NULLS(command) nulls(#command, command)
+void expect_nulls_refused(const std::vector<std::vector<BadCall>>& commands);
+
+// What an arm keeps: a setting, its status, and what a question then tells.
+struct Setting {
+    std::string name;
+    Call set;
+    int status;
+    Call ask;
+    std::string told;
+};
+void expect_kept(ArmSocket arm, const std::vector<Setting>& settings);
 
 // Calls that hold SuspendQueue at 1 while they wait. They end by a reply, or by their limit where none reaches them.
 struct SuspendedCall {

@@ -27,6 +27,26 @@ void expect_parsed(const Parse& parse, const std::vector<ParserCase>& cases) {
     }
 }
 
+void expect_keys(const Parse& parse, const std::vector<KeyInOrder>& keys, const std::string& before,
+                 const std::string& behind) {
+    // The reply in which one key has another value, or none.
+    const auto reply = [&](size_t changed, const std::string& value) {
+        std::string text;
+        for (size_t i = 0; i < keys.size(); ++i) {
+            const std::string& its = i == changed ? value : keys[i].value;
+            if (!its.empty()) text += (text.empty() ? "" : ",") + ("\"" + keys[i].key + "\":") + its;
+        }
+        return before + text + behind;
+    };
+    const std::string whole = reply(keys.size(), "");
+    expect_parsed(parse, {{whole, 0, keys.back().told}, {whole.substr(0, whole.size() - 1), 9, ""}, {"{}", 9, ""}});
+    for (size_t i = 0; i < keys.size(); ++i) {
+        const std::string told = i > 0 ? keys[i - 1].told : "";
+        expect_parsed(parse, {{reply(i, ""), 9, told}});
+        for (const auto& [value, status] : keys[i].wrong) expect_parsed(parse, {{reply(i, value), status, told}});
+    }
+}
+
 void expect_acknowledgement(const AckParser& parser) {
     const Parse parse = [&](ArmSocket, const char* text, std::string&) { return parser.parse(text); };
     expect_parsed(parse, without_key(parser.key));

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/outputs.h"
@@ -31,6 +32,17 @@ struct ParserCase {
     std::string told;
 };
 void expect_parsed(const Parse& parse, const std::vector<ParserCase>& cases);
+
+// A reply whose keys are read in their order, each required: the value, what is told once it was read, and values that
+// end the reading. A reply without the key ends it with 9.
+struct KeyInOrder {
+    std::string key;
+    std::string value;
+    std::string told;
+    std::vector<std::pair<std::string, int>> wrong = {{"null", 11}};
+};
+void expect_keys(const Parse& parse, const std::vector<KeyInOrder>& keys, const std::string& before = "{",
+                 const std::string& behind = "}");
 
 // An acknowledgement: `other` is what a key gives that is neither true nor false.
 struct AckParser {

@@ -1,12 +1,12 @@
-// What streamed set-points, jogs and steps do to an arm, and what the caller learns of it.
+// What streamed set-points and steps do to an arm, and what the caller learns of it.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <kdl/frames.hpp>
 
 #include "support/arm.h"
+#include "support/kdl_frames.h"
 #include "support/simulated_arm.h"
 #include "zk/arm_limits.h"
 #include "zk/arm_state.h"
@@ -30,11 +30,6 @@ Pose pose_of(ArmSocket arm) {
     uint16_t arm_err = 0, sys_err = 0;
     EXPECT_EQ(Get_Current_Arm_State(arm, joints, &pose, &arm_err, &sys_err), 0);
     return pose;
-}
-
-KDL::Frame frame_of(const Pose& pose) {
-    const auto& [position, quaternion, euler] = pose;
-    return {KDL::Rotation::RPY(euler.rx, euler.ry, euler.rz), KDL::Vector(position.x, position.y, position.z)};
 }
 
 bool comes_to(ArmSocket arm, const Joints& target) {
@@ -89,37 +84,20 @@ TEST(Steps, MoveByTheirAmount) {
     EXPECT_TRUE(comes_to(arm, joints));
     EXPECT_EQ(Joint_Step_Cmd(arm, 2, 50, -150, true), 1) << "beyond the limit";
 
-    const KDL::Frame start = frame_of(pose_of(arm));
+    const KDL::Frame start = to_kdl(pose_of(arm));
     EXPECT_EQ(Pos_Step_Cmd(arm, 1, 50, 0.03f, true), 0);
-    const KDL::Frame along = frame_of(pose_of(arm));
+    const KDL::Frame along = to_kdl(pose_of(arm));
     EXPECT_TRUE(KDL::Equal(along, KDL::Frame(KDL::Vector(0, 0.03, 0)) * start, 2e-3));
     EXPECT_TRUE(KDL::Equal(along.p, start.p + KDL::Vector(0, 0.03, 0), 1e-5));
     EXPECT_EQ(Ort_Step_Cmd(arm, 0, 50, -0.2f, true), 0);
-    const KDL::Frame about = frame_of(pose_of(arm));
+    const KDL::Frame about = to_kdl(pose_of(arm));
     EXPECT_TRUE(KDL::Equal(about, KDL::Frame(KDL::Rotation::RotX(-0.2) * along.M, along.p), 2e-3));
 
     ASSERT_EQ(Set_Teach_Frame(arm, 1, true), 0);
     EXPECT_EQ(Pos_Step_Cmd(arm, 2, 50, -0.02f, true), 0);
     const KDL::Frame back = about * KDL::Frame(KDL::Vector(0, 0, -0.02));
-    EXPECT_TRUE(KDL::Equal(frame_of(pose_of(arm)), back, 2e-3));
+    EXPECT_TRUE(KDL::Equal(to_kdl(pose_of(arm)), back, 2e-3));
     EXPECT_EQ(Pos_Step_Cmd(arm, 2, 50, 3, true), 1) << "out of reach";
-}
-
-TEST(Jogs, LastUntilTheyAreStopped) {
-    const SimulatedArm arm;
-    const KDL::Frame start = frame_of(pose_of(arm));
-    ASSERT_EQ(Pos_Teach_Cmd(arm, 2, 1, 20, true), 0);
-    EXPECT_TRUE(eventually([&] { return frame_of(pose_of(arm)).p.z() > start.p.z() + 0.01; }));
-    EXPECT_EQ(Teach_Stop_Cmd(arm, true), 0);
-    Joints before{}, now = joints_of(arm);
-    EXPECT_TRUE(eventually([&] { return std::exchange(before, std::exchange(now, joints_of(arm))) == now; }));
-    const KDL::Frame end = frame_of(pose_of(arm));
-    EXPECT_TRUE(KDL::Equal(end, KDL::Frame(start.M, KDL::Vector(start.p.x(), start.p.y(), end.p.z())), 2e-3));
-
-    ASSERT_EQ(Joint_Teach_Cmd(arm, 6, 0, 50, true), 0);
-    EXPECT_TRUE(eventually([&] { return joints_of(arm)[5] < now[5] - 5; }));
-    EXPECT_EQ(Teach_Stop_Cmd(arm, true), 0);
-    EXPECT_EQ(Joint_Teach_Cmd(arm, 7, 1, 50, true), 1) << "a joint that the arm has not";
 }
 
 }  // namespace
