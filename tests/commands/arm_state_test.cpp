@@ -97,15 +97,7 @@ const std::vector<CommandCase> kRows = {
              R"({"state":"install_pose","pose":[0.1,-45.5,1e3]})", "0.1; -45.5; 1000"),
 };
 
-class ArmState : public testing::TestWithParam<CommandCase> {};
-TEST_P(ArmState, OnTheWire) { run(GetParam()); }
-INSTANTIATE_TEST_SUITE_P(, ArmState, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
-
-TEST(ArmStateGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("arm_state.h", kRows), ""); }
-
-TEST(ArmStateGuards, ThePageTellsTheWire) { expect_documented("State of the arm", kRows); }
-
-TEST(ArmStateGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+ZK_WIRE_TESTS(ArmState, "arm_state.h", "State of the arm", kRows)
 
 TEST(ArmStateGuards, NullPointersAreToldAndNothingIsSent) {
     static float joints[7];

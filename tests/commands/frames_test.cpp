@@ -264,25 +264,19 @@ struct Kind {
     void (*to_model)(const FrameRec*);
     void (*from_model)(FrameRec*);
     Pose* picture;
-    const char* change_command;
-    const char* change_key;
-    const char* delete_command;
-    const char* delete_key;
-    const char* query;
+    std::string frame;         // as the commands call it
     const char* reply;         // 0.5 0.25 0.125 metres, turned by 1.571 about z
     const char* broken_reply;  // all but its pose
 };
 
 const Kind kKinds[] = {
     {"Tool", Change_Tool_Frame, Delete_Tool_Frame, Get_Current_Tool_Frame, Get_Current_Tool_Frame_Block,
-     Algo_Set_ToolFrame, Algo_Get_Curr_ToolFrame, &g_tool_pose, "set_change_tool_frame", "change_tool_frame",
-     "set_delete_tool_frame", "delete_tool_frame", "get_current_tool_frame",
+     Algo_Set_ToolFrame, Algo_Get_Curr_ToolFrame, &g_tool_pose, "tool_frame",
      R"({"state":"current_tool_frame","tool_name":"grip","pose":[500000,250000,125000,0,0,1571],"payload":1500,)"
      R"("position":[0,0,0]})",
      R"({"state":"current_tool_frame","tool_name":"grip"})"},
     {"Work", Change_Work_Frame, Delete_Work_Frame, Get_Current_Work_Frame, Get_Current_Work_Frame_Block,
-     Algo_Set_WorkFrame, Algo_Get_Curr_WorkFrame, &g_work_pose, "set_change_work_frame", "change_work_frame",
-     "set_delete_work_frame", "delete_work_frame", "get_current_work_frame",
+     Algo_Set_WorkFrame, Algo_Get_Curr_WorkFrame, &g_work_pose, "work_frame",
      R"({"state":"current_work_frame","frame_name":"table","pose":[500000,250000,125000,0,0,1571]})",
      R"({"state":"current_work_frame","frame_name":"table"})"},
 };
@@ -297,13 +291,14 @@ class LocalPicture : public testing::TestWithParam<Kind> {
         FrameRec first{};
         first.pose.position = {1, 2, 3};
         kind_.to_model(&first);
-        controller_.answer(kind_.query, kind_.reply);
-        let(kind_.change_command, kind_.change_key, "true");
-        let(kind_.delete_command, kind_.delete_key, "true");
+        controller_.answer("get_current_" + kind_.frame, kind_.reply);
+        let("change_", "true");
+        let("delete_", "true");
     }
 
-    void let(const char* command, const char* key, const std::string& state) {
-        controller_.answer(command, std::string(R"({"command":")") + command + R"(",")" + key + "\":" + state + "}");
+    void let(const std::string& act, const std::string& state) {
+        const std::string key = act + kind_.frame;
+        controller_.answer("set_" + key, R"({"command":"set_)" + key + R"(",")" + key + "\":" + state + "}");
     }
     static std::string position(const Pose& pose) {
         return text_of({pose.position.x, pose.position.y, pose.position.z});
@@ -346,12 +341,12 @@ TEST_P(LocalPicture, FollowsAChangeAndADeletion) {
 }
 
 TEST_P(LocalPicture, StaysWhenAnythingFails) {
-    let(kind_.change_command, kind_.change_key, "false");
-    let(kind_.delete_command, kind_.delete_key, "7");
+    let("change_", "false");
+    let("delete_", "7");
     EXPECT_EQ(kind_.change(arm_, "any", true), 1);
     EXPECT_EQ(kind_.remove(arm_, "any", true), 11);
-    let(kind_.change_command, kind_.change_key, "true");
-    controller_.answer(kind_.query, kind_.broken_reply);
+    let("change_", "true");
+    controller_.answer("get_current_" + kind_.frame, kind_.broken_reply);
     kind_.picture->position.x = 9;
     EXPECT_EQ(kind_.change(arm_, "any", true), 9) << "the question's failure is the change's";
     EXPECT_EQ(kind_.remove(arm_, "any", false), 9);

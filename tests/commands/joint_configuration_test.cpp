@@ -139,18 +139,7 @@ const std::vector<CommandCase> kRows = {
     acknowledged(CALL(Auto_Set_Joint_Limit_Block_E, (s, 200)), Auto_Set_Joint_Limit_Cmd, kLimitMode, kLimitModeSet),
 };
 
-class JointConfiguration : public testing::TestWithParam<CommandCase> {};
-TEST_P(JointConfiguration, OnTheWire) { run(GetParam()); }
-INSTANTIATE_TEST_SUITE_P(, JointConfiguration, testing::ValuesIn(kRows),
-                         [](const auto& row) { return row.param.name; });
-
-TEST(JointConfigurationGuards, EveryCommandHasARow) {
-    EXPECT_EQ(commands_without_row("joint_configuration.h", kRows), "");
-}
-
-TEST(JointConfigurationGuards, ThePageTellsTheWire) { expect_documented("Joint configuration", kRows); }
-
-TEST(JointConfigurationGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+ZK_WIRE_TESTS(JointConfiguration, "joint_configuration.h", "Joint configuration", kRows)
 
 TEST(JointConfigurationGuards, NullPointersAreToldAndNothingIsSent) {
     expect_nulls_refused({NULLS(Get_Joint_Speed), NULLS(Get_Joint_Acc), NULLS(Get_Joint_Min_Pos),

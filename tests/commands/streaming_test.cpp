@@ -71,15 +71,7 @@ const std::vector<CommandCase> kRows = {
             R"({"state":"pose_state","pose":[1,2,3,4,5,6],"arm_err":0})"),
 };
 
-class Streaming : public testing::TestWithParam<CommandCase> {};
-TEST_P(Streaming, OnTheWire) { run(GetParam()); }
-INSTANTIATE_TEST_SUITE_P(, Streaming, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
-
-TEST(StreamingGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("streaming.h", kRows), ""); }
-
-TEST(StreamingGuards, ThePageTellsTheWire) { expect_documented("Streamed motion", kRows); }
-
-TEST(StreamingGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+ZK_WIRE_TESTS(Streaming, "streaming.h", "Streamed motion", kRows)
 
 TEST(StreamingGuards, NullPointersAreToldAndNothingIsSent) {
     expect_nulls_refused({NULLS(Movej_CANFD), NULLS(Movej_Follow)});

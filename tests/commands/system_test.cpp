@@ -135,15 +135,7 @@ const std::vector<CommandCase> kRows = {
     queued(CALL(Set_Ethernet_Block, (s)), R"({"command": "set_ethernet"})"),
 };
 
-class System : public testing::TestWithParam<CommandCase> {};
-TEST_P(System, OnTheWire) { run(GetParam()); }
-INSTANTIATE_TEST_SUITE_P(, System, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
-
-TEST(SystemGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("system.h", kRows), ""); }
-
-TEST(SystemGuards, ThePageTellsTheWire) { expect_documented("System and network", kRows); }
-
-TEST(SystemGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+ZK_WIRE_TESTS(System, "system.h", "System and network", kRows)
 
 TEST(SystemGuards, NullPointersAreToldAndNothingIsSent) {
     expect_nulls_refused({NULLS(Get_Arm_Power_State), NULLS(Get_Controller_State), NULLS(Get_Arm_Hardware_Version),

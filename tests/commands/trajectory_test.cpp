@@ -64,15 +64,7 @@ const std::vector<CommandCase> kRows = {
             2147483647),
 };
 
-class Trajectory : public testing::TestWithParam<CommandCase> {};
-TEST_P(Trajectory, OnTheWire) { run(GetParam()); }
-INSTANTIATE_TEST_SUITE_P(, Trajectory, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
-
-TEST(TrajectoryGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("trajectory.h", kRows), ""); }
-
-TEST(TrajectoryGuards, ThePageTellsTheWire) { expect_documented("Trajectories", kRows); }
-
-TEST(TrajectoryGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+ZK_WIRE_TESTS(Trajectory, "trajectory.h", "Trajectories", kRows)
 
 TEST(TrajectoryGuards, NullPointersAreToldAndNothingIsSent) {
     expect_nulls_refused({NULLS(Get_Current_Trajectory), NULLS(Add_Waypoint)});
