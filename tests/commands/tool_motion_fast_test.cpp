@@ -103,13 +103,4 @@ TEST_P(ToolMotion, BringsTheToolToWhereItIsTold) {
     }
 }
 
-TEST_P(ToolMotion, RefusesWhatIsOutOfReach) {
-    const SimulatedArm arm = connect();
-    const Pose far = to_pose(KDL::Frame(KDL::Vector(2, 0, 0)));
-    for (const bool block : {true, false}) {
-        EXPECT_EQ(Movel_Cmd(arm, far, 50, 0, 0, block), 1);
-        EXPECT_EQ(Movej_P_Cmd(arm, far, 50, 0, 0, block), 1);
-    }
-}
-
 }  // namespace

@@ -72,13 +72,6 @@ TEST(Motion, JointsStartAndEndTogether) {
     }
 }
 
-TEST(Motion, SamplesLieAtMultiplesOfTheCycle) {
-    for (const int cycle : {1, 4}) {
-        Talk talk({"--quiet", "--push-cycle", std::to_string(cycle)});
-        for (int i = 0; i < 50; ++i) EXPECT_EQ(talk.sample().time % (cycle * 5), 0);
-    }
-}
-
 TEST(Motion, LowerLimitsOfAJointHold) {
     Talk talk(kCycleOption);
     ASSERT_TRUE(talk.ask("set_joint_max_speed", {{"joint_max_speed", {1, 5000}}}).at("joint_max_speed"));  // 30 deg/s
