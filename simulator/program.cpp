@@ -26,6 +26,19 @@ bool is_loop(const Json& line) {
 
 bool is_blank(const std::string& line) { return line.find_first_not_of(" \t") == std::string::npos; }
 
+// Nothing, where a line is no JSON or nested deeper than any order is: whoever copies or prints it calls himself for
+// each depth.
+Json parsed(const std::string& line) {
+    constexpr int kDeepest = 16;
+    bool too_deep = false;
+    const auto look = [&](int depth, Json::parse_event_t, const Json&) {
+        too_deep = too_deep || depth > kDeepest;
+        return true;
+    };
+    Json json = Json::parse(line, look, false);
+    return too_deep ? Json(Json::value_t::discarded) : json;
+}
+
 // What may be left out of a motion.
 void complete(Json& line, int speed) {
     for (const char* key : {"r", "trajectory_connect"}) {
@@ -54,7 +67,7 @@ int first_wrong_line(const std::vector<std::string>& lines) {
     int open_loops = 0;
     for (size_t i = 0; i < lines.size(); ++i) {
         if (is_blank(lines[i])) continue;
-        const Json line = Json::parse(lines[i], nullptr, false);
+        const Json line = parsed(lines[i]);
         bool good = line.is_object();
         if (good && line.contains("command")) good = is_motion(line);
         if (good && line.contains("loop")) good = is_loop(line), ++open_loops;

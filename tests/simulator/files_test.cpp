@@ -59,6 +59,7 @@ TEST(Files, OfProgramsAreReadLineByLine) {
         {"{\"a\":1}\r\n\r\n \n{\"command\":\"timer\",\"wait_time\":1}", 0},
         {"{}\n[]\n", 2},
         {"{}\nmovej", 2},
+        {"{\"a\":" + std::string(100'000, '[') + std::string(100'000, ']') + "}", 1},
         {"{\"command\":\"set_arm_power\"}", 1},
         {"{\"loop\":0}\n{\"end_loop\":true}", 1},
         {"{\"end_loop\":true}", 1},
