@@ -153,8 +153,9 @@ ZK_STATIC_ASSERT(sizeof(GlobalWaypoint) == 160 && offsetof(GlobalWaypoint, pose)
                      offsetof(GlobalWaypointList, list) == 44,
                  "layout of GlobalWaypoint and its list");
 
-/* Adds a waypoint under a new name, or changes the one of a name. The first has a frame of 999 bytes, of which the
- * transmit queue takes 500; the second one of 299, which long names and texts exceed. */
+/* Adds a waypoint under a new name, or changes the one of a name. A request of the first may have 516 bytes, of which
+ * those from 501 to 504 are spoilt (Add_Queue in zk/queue.h); one of the second 299, which long names and texts
+ * exceed. */
 ZK_API AckReply Add_Global_Waypoint_Cmd[ZK_SLOTS];
 ZK_API int Add_Global_Waypoint(ArmSocket socket, GlobalWaypoint waypoint);
 ZK_API int Add_Global_Waypoint_Block(ArmSocket socket, GlobalWaypoint waypoint);

@@ -19,17 +19,20 @@ namespace {
 // The points arrive on the receive thread while the application opens and closes the file. Nobody waits under the lock.
 std::mutex file_lock;
 
+// Whoever finds null in its place finds the file whole; the lock is held.
+void close_locked() {
+    if (FILE* file = read(F_SaveDragTeach)) std::fclose(file);
+    write<FILE*>(F_SaveDragTeach, nullptr, std::memory_order_release);
+}
+
 void close_file() {
     const std::lock_guard lock(file_lock);
-    if (FILE* file = read(F_SaveDragTeach)) {
-        write<FILE*>(F_SaveDragTeach, nullptr);
-        std::fclose(file);
-    }
+    close_locked();
 }
 
 bool open_file(const char* path) {
-    close_file();
     const std::lock_guard lock(file_lock);
+    close_locked();
     write(F_SaveDragTeach, std::fopen(path, "w+"));
     return read(F_SaveDragTeach) != nullptr;
 }
@@ -63,9 +66,8 @@ void zk::save_drag_point(int slot, const char* message) {
     std::fflush(file);
     write(drag_teach_count, read(drag_teach_count) + 1);
     if (read(drag_teach_count) != read(Save_Trajectory_Cmd[slot].value)) return;
-    write<FILE*>(F_SaveDragTeach, nullptr, std::memory_order_release);
-    std::fclose(file);
     write(drag_teach_count, 0);
+    close_locked();
 }
 
 ZK_API int Save_Trajectory(ArmSocket s, const char* path, int32_t* total) {

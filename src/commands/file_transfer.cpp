@@ -76,6 +76,7 @@ ZK_API int Get_Tool_Hardware_Version_E(ArmSocket s, int32_t* version) {
     return briefly_settled(Get_Tool_Hardware_Version_Block_E, s, version);
 }
 ZK_API int Get_Tool_Hardware_Version_Block_E(ArmSocket s, int32_t* version) {
+    if (any_null(version)) return ZK_BAD_ARGUMENT;
     return query_value(s, "get_tool_hardware_version", Get_Tool_Hardware_Version_Cmd, version);
 }
 

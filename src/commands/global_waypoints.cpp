@@ -99,9 +99,7 @@ ZK_API int Parser_Get_Global_Waypoints_List(ArmSocket s, const char* text, Globa
 int zk::read_waypoint_list(ArmSocket s, const char* text, int32_t* received, GlobalWaypointList* list) {
     Reply reply(text);
     *received = 0;
-    const auto take = [&](const char* key, int32_t& field) {
-        if (const Item number = reply.number(reply.root(), key)) field = number.integer();
-    };
+    const auto take = [&](const char* key, int32_t& field) { take_integer(reply, reply.root(), key, field); };
     list->page_num = list->page_size = 0;
     list->vague_search[0] = '\0';
     if (reply.find("page_num")) take("page_num", list->page_num);

@@ -10,7 +10,7 @@ namespace zk {
 
 constexpr size_t name_bytes = 10;
 
-// Names up to the first "NULL", each at most ten bytes, as many as the record holds.
+// Names up to the first "NULL", each at most ten bytes and ended, as many as the record holds.
 template <class Name>
 int name_list(const char* text, const char* key, Name* names, int capacity, int32_t* count) {
     Reply reply(text);
@@ -19,6 +19,7 @@ int name_list(const char* text, const char* key, Name* names, int capacity, int3
     *count = 0;
     for (int i = 0; i < std::min(array.size(), capacity); ++i) {
         if (std::strcmp(array[i].text(), "NULL") == 0) break;
+        names[i] = {};
         copy_name(array[i].text(), names[i].text, name_bytes);
         *count = i + 1;
     }

@@ -36,19 +36,16 @@ ZK_API int Parser_Get_Program_Trajectory_List(const char* text, ProgramList* lis
 int zk::read_program_list(const char* text, int32_t* received, ProgramList* list) {
     Reply reply(text);
     *received = 0;
-    const auto take = [&](Item object, const char* key, int32_t& field) {
-        if (const Item number = reply.number(object, key)) field = number.integer();
-    };
-    take(reply.root(), "page_num", list->page_num);
-    take(reply.root(), "page_size", list->page_size);
-    take(reply.root(), "total_size", list->total_size);
+    take_integer(reply, reply.root(), "page_num", list->page_num);
+    take_integer(reply, reply.root(), "page_size", list->page_size);
+    take_integer(reply, reply.root(), "total_size", list->total_size);
     cut_text(reply, reply.root(), "vague_search", list->vague_search);
     const Item entries = reply.array(reply.root(), "list");
     for (int i = 0; reply.good() && i < std::min(entries.size(), ZK_PROGRAMS); ++i) {
         ProgramEntry& entry = list->list[i];
-        take(entries[i], "id", entry.id);
-        take(entries[i], "size", entry.size);
-        take(entries[i], "speed", entry.speed);
+        take_integer(reply, entries[i], "id", entry.id);
+        take_integer(reply, entries[i], "size", entry.size);
+        take_integer(reply, entries[i], "speed", entry.speed);
         cut_text(reply, entries[i], "trajectory_name", entry.trajectory_name);
         if (reply.good()) ++*received;
     }
@@ -81,12 +78,9 @@ static void read_loops(Reply& reply, ProgramRunState* state) {
 
 ZK_API int Parser_Get_Program_Run_State(const char* text, ProgramRunState* state) {
     Reply reply(text);
-    const auto take = [&](const char* key, int32_t& field) {
-        if (const Item number = reply.number(reply.root(), key)) field = number.integer();
-    };
-    const Item run_state = reply.number(reply.root(), "run_state");
-    if (!run_state) return reply.status();
-    state->run_state = run_state.integer();
+    const auto take = [&](const char* key, int32_t& field) { take_integer(reply, reply.root(), key, field); };
+    take("run_state", state->run_state);
+    if (!reply.good()) return reply.status();
     if (state->run_state == 0) {
         state->id = state->plan_num = state->loop_count = state->plan_speed = state->step_mode = -1;
     } else {
@@ -213,6 +207,7 @@ ZK_API int Set_Default_run_program_Block(ArmSocket s, int32_t id) {
 IntReply Get_Default_Run_Program_Cmd[ZK_SLOTS];
 ZK_API int Get_Default_Run_Program(ArmSocket s, int32_t* id) { return checked(Get_Default_run_program_Block, s, id); }
 ZK_API int Get_Default_run_program_Block(ArmSocket s, int32_t* id) {
+    if (any_null(id)) return ZK_BAD_ARGUMENT;
     return query_value(s, "get_default_run_program", Get_Default_Run_Program_Cmd, id);
 }
 ZK_API int Parser_Get_id(const char* text, int32_t* id) { return integer_value(text, "id", id); }

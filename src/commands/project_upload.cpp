@@ -123,18 +123,13 @@ int send_project(ArmSocket s, std::string path, const Program& program, bool wit
     return send_bytes(s, content.data.get(), content.size, err_line, progress);
 }
 
-// The path, or an empty one when its length is out of range.
-std::string bounded_path(const char* path, int32_t length) {
-    return length < 0 || length > ZK_PATH_SIZE ? "" : std::string(path, strnlen(path, static_cast<size_t>(length)));
-}
-
 int send_held(ArmSocket s, int32_t* err_line, const ProjectSendParams& p, Progress progress) {
     const LineHold hold;
     if (!hold.held()) return ZK_SENDING_FILE;
     if (p.project_path_len > ZK_PATH_SIZE) return ZK_PATH_TOO_LONG;
     const Program program{p.save_id, p.only_save, p.plan_speed, static_cast<uint8_t>(p.auto_start),
                           static_cast<uint8_t>(p.step_flag)};
-    return send_project(s, bounded_path(p.project_path, p.project_path_len), program, p.project_type != 0, err_line,
+    return send_project(s, bounded(p.project_path, p.project_path_len), program, p.project_type != 0, err_line,
                         progress);
 }
 
@@ -152,14 +147,13 @@ ZK_API int Send_TrajectoryFile_Block(ArmSocket s, int32_t save_id, int32_t only_
                                      int32_t* err_line, int32_t project_type) {
     if (any_null(path)) return ZK_BAD_ARGUMENT;
     if (path_len > ZK_PATH_SIZE) return ZK_PATH_TOO_LONG;
-    return send_project(s, bounded_path(path, path_len), {save_id, only_save, plan_speed, auto_start, step_flag},
+    return send_project(s, bounded(path, path_len), {save_id, only_save, plan_speed, auto_start, step_flag},
                         project_type != 0, err_line, {nullptr, nullptr});
 }
 ZK_API int Run_Project_Block(ArmSocket s, int32_t save_id, int32_t only_save, const char* name, int32_t name_len,
                              int32_t file_size, int32_t plan_speed, uint8_t auto_start, uint8_t step_flag) {
     if (any_null(name)) return ZK_BAD_ARGUMENT;
-    return announce(s, {save_id, only_save, plan_speed, auto_start, step_flag}, bounded_path(name, name_len),
-                    file_size);
+    return announce(s, {save_id, only_save, plan_speed, auto_start, step_flag}, bounded(name, name_len), file_size);
 }
 ZK_API int Send_Project_Block(ArmSocket s, const char* data, int32_t size, int32_t* err_line) {
     if (any_null(data)) return ZK_BAD_ARGUMENT;

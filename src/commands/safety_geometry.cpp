@@ -2,12 +2,11 @@
 #include "zk/safety_geometry.h"
 
 #include <algorithm>
-#include <cstring>
 #include <span>
 
+#include "commands/fields.h"
 #include "commands/name_list.h"
 #include "connection/exchange.h"
-#include "connection/reply.h"
 #include "connection/wrappers.h"
 #include "zk/arm_limits.h"
 #include "zk/system.h"
@@ -44,12 +43,6 @@ std::span<const Length<FenceConfig>> lengths_of(int32_t form) {
     return {};
 }
 
-// A text field that is full has no end of its own.
-struct Ended {
-    explicit Ended(const char (&field)[12]) { std::memcpy(text, field, sizeof field); }
-    char text[13] = {};
-};
-
 template <class Fields, class Record>
 Fields& put_lengths(Fields& fields, const Record& record, std::span<const Length<Record>> lengths) {
     for (const auto& [key, field] : lengths) fields.number(key, thousandths(record.*field));
@@ -64,15 +57,10 @@ void read_lengths(Reply& reply, Item object, Record& record, std::span<const Len
     }
 }
 
-Request fence_request(ArmSocket s, const char* command, const FenceConfig& fence) {
+Request fence_request(ArmSocket s, const char* command, const FenceConfig& fence, bool named = false) {
     Request request(s, command);
     request.number("form", fence.form);
-    return put_lengths(request, fence, lengths_of(fence.form));
-}
-
-Request named_fence_request(ArmSocket s, const char* command, const FenceConfig& fence) {
-    Request request(s, command);
-    request.number("form", fence.form).text("form_name", Ended(fence.form_name).text);
+    if (named) request.text("form_name", ended(fence.form_name).c_str());
     return put_lengths(request, fence, lengths_of(fence.form));
 }
 
@@ -80,7 +68,7 @@ Request named_fence_request(ArmSocket s, const char* command, const FenceConfig&
 void read_named_fence(Reply& reply, Item object, FenceConfig& fence) {
     if (!reply.good()) return;
     fence = {};
-    if (const Item form = reply.number(object, "form")) fence.form = form.integer();
+    take_integer(reply, object, "form", fence.form);
     if (const Item name = reply.text(object, "form_name"))
         copy_name(name.text(), fence.form_name, sizeof fence.form_name);
     read_lengths(reply, object, fence, lengths_of(fence.form));
@@ -116,6 +104,17 @@ int fence_query(const Request& request, FenceConfigReply (&mailbox)[ZK_SLOTS], F
         request, mailbox, [&](const FenceConfigReply& reply) { give(reply.fence, fence); }, form);
 }
 
+// The query of a list: its entries, and how many they are.
+template <class Record, class Entry>
+int list_query(ArmSocket s, const char* command, Record (&mailbox)[ZK_SLOTS], int32_t Record::*received,
+               Entry (Record::*entries)[ZK_FENCES], Entry* out, int32_t* count) {
+    const auto deliver = [&](const Record& reply) {
+        give(reply.*received, count);
+        if (out) std::copy_n(reply.*entries, reply.*received, out);
+    };
+    return query({s, command}, mailbox, deliver, {.wipes_first = true});
+}
+
 }  // namespace
 
 AckReply Set_Electronic_Fence_Enable_Cmd[ZK_SLOTS];
@@ -142,8 +141,8 @@ ZK_API int Parser_Get_Electronic_Fence_Enable(const char* text, int32_t* enable,
                                               int32_t* effective_region) {
     Reply reply(text);
     if (const Item state = reply.boolean(reply.root(), "enable_state")) *enable = state.is_true();
-    if (const Item region = reply.number(reply.root(), "effective_region")) *effective_region = region.integer();
-    if (const Item side = reply.number(reply.root(), "in_out_side")) *in_out_side = side.integer();
+    take_integer(reply, reply.root(), "effective_region", *effective_region);
+    take_integer(reply, reply.root(), "in_out_side", *in_out_side);
     return reply.status();
 }
 
@@ -180,7 +179,7 @@ ZK_API int Add_Electronic_Fence_Config(ArmSocket s, FenceConfig fence) {
     return guarded(Add_Electronic_Fence_Config_Block, s, fence);
 }
 ZK_API int Add_Electronic_Fence_Config_Block(ArmSocket s, FenceConfig fence) {
-    return set(named_fence_request(s, "add_electronic_fence_config", fence), Add_Electronic_Fence_Config_Cmd);
+    return set(fence_request(s, "add_electronic_fence_config", fence, true), Add_Electronic_Fence_Config_Cmd);
 }
 ZK_API int Parser_Add_Electronic_Fence_Config(const char* text) { return acknowledgement(text, "add_config"); }
 
@@ -189,7 +188,7 @@ ZK_API int Update_Electronic_Fence_Config(ArmSocket s, FenceConfig fence) {
     return guarded(Update_Electronic_Fence_Config_Block, s, fence);
 }
 ZK_API int Update_Electronic_Fence_Config_Block(ArmSocket s, FenceConfig fence) {
-    return set(named_fence_request(s, "update_electronic_fence_config", fence), Update_Electronic_Fence_Config_Cmd);
+    return set(fence_request(s, "update_electronic_fence_config", fence, true), Update_Electronic_Fence_Config_Cmd);
 }
 ZK_API int Parser_Update_Electronic_Fence_Config(const char* text) { return acknowledgement(text, "update_config"); }
 
@@ -224,12 +223,8 @@ ZK_API int Get_Electronic_Fence_List_Names(ArmSocket s, FenceName* names, int32_
     return guarded(Get_Electronic_Fence_List_Names_Block, s, names, count);
 }
 ZK_API int Get_Electronic_Fence_List_Names_Block(ArmSocket s, FenceName* names, int32_t* count) {
-    const auto deliver = [&](const FenceNamesReply& reply) {
-        give(reply.names, count);
-        if (names) std::copy_n(reply.name, reply.names, names);
-    };
-    return query({s, "get_electronic_fence_list_names"}, Get_Electronic_Fence_List_Name_Cmd, deliver,
-                 {.wipes_first = true});
+    return list_query(s, "get_electronic_fence_list_names", Get_Electronic_Fence_List_Name_Cmd, &FenceNamesReply::names,
+                      &FenceNamesReply::name, names, count);
 }
 ZK_API int Parser_Get_Electronic_Fence_List_Names(const char* text, FenceName* names, int32_t* count) {
     return name_list(text, "name_list", names, ZK_FENCES, count);
@@ -240,12 +235,8 @@ ZK_API int Get_Electronic_Fence_List_Info(ArmSocket s, FenceConfig* fences, int3
     return guarded(Get_Electronic_Fence_List_Info_Block, s, fences, count);
 }
 ZK_API int Get_Electronic_Fence_List_Info_Block(ArmSocket s, FenceConfig* fences, int32_t* count) {
-    const auto deliver = [&](const FenceListReply& reply) {
-        give(reply.fences, count);
-        if (fences) std::copy_n(reply.fence, reply.fences, fences);
-    };
-    return query({s, "get_electronic_fence_list_infos"}, Get_Electronic_Fence_List_Info_Cmd, deliver,
-                 {.wipes_first = true});
+    return list_query(s, "get_electronic_fence_list_infos", Get_Electronic_Fence_List_Info_Cmd, &FenceListReply::fences,
+                      &FenceListReply::fence, fences, count);
 }
 ZK_API int Parser_Get_Electronic_Fence_List_Info(const char* text, FenceConfig* fences, int32_t* count) {
     Reply reply(text);
@@ -332,10 +323,10 @@ ZK_API int Set_Tool_Envelope(ArmSocket s, ToolEnvelope envelope) {
 ZK_API int Set_Tool_Envelope_Block(ArmSocket s, ToolEnvelope envelope) {
     if (envelope.count > ZK_ENVELOPE_SPHERES) return ZK_BAD_ARGUMENT;
     Request request(s, "set_tool_envelope", envelope_frame);
-    request.text("tool_name", Ended(envelope.tool_name).text);
+    request.text("tool_name", ended(envelope.tool_name).c_str());
     request.objects("list", envelope.count, [&](Object& object, int i) {
         const ToolSphere& ball = envelope.spheres[i];
-        put_lengths<Object, ToolSphere>(object.text("name", Ended(ball.name).text), ball, kToolSphere);
+        put_lengths<Object, ToolSphere>(object.text("name", ended(ball.name).c_str()), ball, kToolSphere);
     });
     return set(request, Set_Tool_Envelope_Cmd);
 }

@@ -1,5 +1,8 @@
 #include "commands/transfer.h"
 
+#include <algorithm>
+#include <cstring>
+
 #include "connection/exchange.h"
 
 namespace zk {
@@ -14,6 +17,10 @@ int32_t size_of(FILE* file) {
     const off_t size = ftello(file);
     std::rewind(file);
     return size < 0 || size > INT32_MAX ? -1 : static_cast<int32_t>(size);
+}
+
+std::string bounded(const char* text, int32_t length, int32_t limit) {
+    return std::string(text, strnlen(text, static_cast<size_t>(std::clamp(length, 0, limit))));
 }
 
 size_t last_separator(std::string_view path) {

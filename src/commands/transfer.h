@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "connection/byte_stream.h"
@@ -18,6 +19,9 @@ using File = std::unique_ptr<FILE, CloseFile>;
 // Bytes of a file from its start to its end, or -1; more than the wire's 32 bits hold counts as unreadable. Leaves the
 // file at its start.
 int32_t size_of(FILE* file);
+
+// A text of so many bytes, up to a limit, or to its end mark.
+std::string bounded(const char* text, int32_t length, int32_t limit = ZK_PATH_SIZE);
 
 // Where the last '/' stands, or failing that the last '\'; npos without either.
 size_t last_separator(std::string_view path);

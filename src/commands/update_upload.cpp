@@ -1,6 +1,5 @@
 // A software update to the controller: announced, sent as it is, judged.
 #include <array>
-#include <cstring>
 #include <string>
 
 #include "commands/transfer.h"
@@ -59,10 +58,6 @@ int send_bytes(ArmSocket s, const std::string& path, Progress& progress) {
     const File file(std::fopen(path.c_str(), "rb+"));
     if (!file) return ZK_FILE_UNREADABLE;
     return await_verdict(s, write_in_chunks(file_stream(s), file.get(), progress), nullptr);
-}
-
-std::string bounded(const char* text, int32_t length, int32_t limit = ZK_PATH_SIZE) {
-    return std::string(text, strnlen(text, static_cast<size_t>(std::max(0, std::min(length, limit)))));
 }
 
 int send_update(ArmSocket s, const char* given_path, int32_t length, Progress progress) {

@@ -1,0 +1,30 @@
+// Fields of records, on their way into requests and out of replies.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "connection/reply.h"
+
+namespace zk {
+
+// A text of a record, which need not be ended.
+template <size_t size>
+std::string ended(const char (&field)[size]) {
+    return std::string(field, strnlen(field, size));
+}
+
+// A required text of a reply, cut to its field.
+template <size_t size>
+void cut_text(Reply& reply, Item object, const char* key, char (&field)[size]) {
+    if (const Item text = reply.text(object, key)) std::snprintf(field, size, "%s", text.text());
+}
+
+// A required integer of a reply.
+inline void take_integer(Reply& reply, Item object, const char* key, int32_t& field) {
+    if (const Item number = reply.number(object, key)) field = number.integer();
+}
+
+}  // namespace zk
