@@ -9,7 +9,9 @@ namespace {
 constexpr int kMaxProject = 64 * 1024 * 1024;
 constexpr int kMaxUpdate = 1024 * 1024 * 1024;
 
-int optional_integer(const Request& request, const char* key) { return request.has(key) ? request.integer(key) : 0; }
+int optional_integer(const Request& request, const char* key, int low = INT_MIN, int high = INT_MAX) {
+    return request.has(key) ? request.integer(key, low, high) : 0;
+}
 
 // What is to become of a project. Clients that do not know the arm yet leave out all but the speed.
 struct Plan {
@@ -24,7 +26,7 @@ Plan plan_of(const Request& request) {
     plan.program.name = request.text("project_name");
     plan.program.size = request.integer("file_size", 0, kMaxProject);
     plan.program.speed = request.integer("plan_speed", 1, 100);
-    plan.program.id = request.has("save_id") ? request.integer("save_id", 0, Programs::kMaxId) : 0;
+    plan.program.id = optional_integer(request, "save_id", 0, Programs::kMaxId);
     plan.only_save = optional_integer(request, "only_save") != 0;
     plan.step_mode = optional_integer(request, "step_flag") != 0;
     plan.auto_start = optional_integer(request, "auto_start") != 0;
@@ -45,9 +47,9 @@ int take_project(Controller& controller, Plan plan, const std::string& text, con
 bool run_project(Call& call) {
     Controller& controller = call.controller;
     const Plan plan = plan_of(call.request);
-    if (controller.programs.runs(plan.program.id)) return false;
+    if (plan.only_save ? controller.programs.runs(plan.program.id) : controller.programs.running()) return false;
     Reception::Order order{};
-    order.file = {.kind = "project", .name = plan.program.name, .size = plan.program.size};
+    order.file = {"project", plan.program.name, plan.program.size};
     order.keeps_text = true;
     order.fault = controller.faults.transfer;
     const std::weak_ptr<Client> sender = call.client;
@@ -59,9 +61,7 @@ bool run_project(Call& call) {
 
 bool update_software(Call& call) {
     Reception::Order order{};
-    order.file = {.kind = "update",
-                  .name = call.request.text("update_name"),
-                  .size = call.request.integer("file_size", 1, kMaxUpdate)};
+    order.file = {"update", call.request.text("update_name"), call.request.integer("file_size", 1, kMaxUpdate)};
     order.fault = call.controller.faults.transfer;
     order.judge = [](const std::string&) { return 0; };
     return call.controller.files.receive(call.client, std::move(order));
@@ -86,14 +86,12 @@ void save_trajectory(Call& call) {
 }
 
 void add_versions(CommandTable& table) {
-    table.set("set_lift_version", "lift_version", [](Call& call) {
-        call.request.integer("lift_version");
-        return true;
-    });
-    table.set("set_sale_version", "sale_version", [](Call& call) {
-        call.request.integer("sale_version");
-        return true;
-    });
+    for (const char* version : {"lift_version", "sale_version"}) {
+        table.set(std::string("set_") + version, version, [version](Call& call) {
+            call.request.integer(version);
+            return true;
+        });
+    }
     table.query("get_tool_hardware_version", "get_tool_hardware_version", [](Call&) {
         return Json{{"version", 0x200}};
     });

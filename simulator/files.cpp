@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "note.h"
+#include "request.h"
 
 namespace sim {
 namespace {
@@ -29,7 +30,7 @@ Reception::Reception(Order order, const std::string& path, std::vector<FileRecor
     got_.size = 0;
     got_.digest = kDigestStart;
     if (!path_.empty()) copy_.open(path_, std::ios::binary | std::ios::trunc);
-    if (!path_.empty() && !copy_) throw std::runtime_error("cannot write " + path_);
+    if (!path_.empty() && !copy_) throw BadRequest("cannot write " + path_);
 }
 
 Reception::~Reception() {

@@ -68,7 +68,7 @@ class Files {
     std::string directory;  // where they are kept; empty: nowhere
     std::vector<FileRecord> records;
 
-    // False for a name that is none of a file, or one that cannot be written.
+    // False for a name that is none of a file; throws BadRequest for a file that cannot be written.
     bool receive(const std::shared_ptr<Client>& client, Reception::Order order);
     void step(int milliseconds);
 

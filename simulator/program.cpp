@@ -45,8 +45,8 @@ void complete(Json& line, int speed) {
         if (!line.contains(key)) line[key] = 0;
     }
     const auto v = line.find("v");
-    const int own = v == line.end() ? 100 : v->is_number_integer() ? v->get<int>() : 0;
-    if (own > 0) line["v"] = std::max(1, own * speed / 100);
+    const int64_t own = v == line.end() ? 100 : v->is_number_integer() ? v->get<int64_t>() : 0;
+    if (own > 0 && own <= 100) line["v"] = std::max<int64_t>(1, own * speed / 100);
 }
 
 }  // namespace

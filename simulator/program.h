@@ -37,6 +37,7 @@ class Programs {
 
     // False while one runs. Who started it hears of its end, if it comes to that.
     bool start(const Program& program, int speed, bool step_mode, const std::shared_ptr<Client>& starter);
+    bool running() const { return run_.has_value(); }
     bool runs(int id) const { return run_ && run_->program.id == id; }
     // In step mode: the next line. False when none is waited for.
     bool next();
