@@ -21,10 +21,10 @@ using namespace zk::test;
 constexpr size_t kLarge = 30'000'000;
 
 struct Failure {
-    const char* fault;
-    bool times_out;
+    const char* name;
+    std::vector<std::string> options;  // of the simulator
     int status;
-    int32_t line;
+    int32_t line;  // told
 };
 
 class FailingTransfer : public testing::TestWithParam<Failure> {};
@@ -38,25 +38,21 @@ size_t open_descriptors() {
     return static_cast<size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
 }
 
-int send_project(ArmSocket arm, const std::string& path, bool times_out, int32_t& line) {
-    return ZK_Send_TrajectoryFile_With_Progress(arm, &line, project(path), times_out ? hurry : nullptr, nullptr);
-}
-int send_update(ArmSocket arm, const std::string& path, bool times_out) {
-    return ZK_UpdataSoftWare_With_Progress(arm, path.c_str(), static_cast<int32_t>(path.size()),
-                                           times_out ? hurry : nullptr, nullptr);
-}
-
 TEST_P(FailingTransfer, EndsInItsStatusAndFreesTheLine) {
     const Failure& failure = GetParam();
     const TemporaryDirectory source;
-    const bool stalls = std::string(failure.fault).find("stall") == 0;
+    const bool stalls = std::string(failure.name) == "Stall", ignored = std::string(failure.name) == "Ignored";
     const std::string path = source.file("a.txt", program_of_size(stalls ? kLarge : 2000));
+    const ZK_TransferProgress progress = failure.status == 7 ? hurry : nullptr;
     for (const bool update : {false, true}) {
         SCOPED_TRACE(update ? "update" : "project");
-        SimulatedArm arm({"--quiet", "--transfer-fault", failure.fault});
+        SimulatedArm arm(failure.options);
+        if (ignored) set_time_factor(200);
         const size_t before = open_descriptors();
         int32_t line = -1;
-        EXPECT_EQ(update ? send_update(arm, path, failure.times_out) : send_project(arm, path, failure.times_out, line),
+        EXPECT_EQ(update ? ZK_UpdataSoftWare_With_Progress(arm, path.c_str(), static_cast<int32_t>(path.size()),
+                                                           progress, nullptr)
+                         : ZK_Send_TrajectoryFile_With_Progress(arm, &line, project(path), progress, nullptr),
                   failure.status);
         EXPECT_EQ(line, update ? -1 : failure.line);
         EXPECT_EQ(shared(IsSendFile), 0);
@@ -65,14 +61,16 @@ TEST_P(FailingTransfer, EndsInItsStatusAndFreesTheLine) {
         Arm_Socket_Close(arm);
     }
 }
-INSTANTIATE_TEST_SUITE_P(, FailingTransfer,
-                         testing::Values(Failure{"refuse", false, 16, 0}, Failure{"error_line:17", false, 16, 17},
-                                         Failure{"silent", true, 7, -1}, Failure{"close:500", true, 7, -1},
-                                         Failure{"stall:500", true, 7, -1}),
-                         [](const auto& row) {
-                             const std::string fault = row.param.fault;
-                             return fault.substr(0, fault.find(':'));
-                         });
+#define BOTH_WAYS(option) "--quiet", option, "run_project", option, "update_software"
+const Failure kFailures[] = {{"Refused", {BOTH_WAYS("--refuse-on")}, 16, -1},
+                             {"Ignored", {BOTH_WAYS("--silent-on")}, 7, -1},
+                             {"Rejected", {"--quiet", "--transfer-fault", "refuse"}, 16, 0},
+                             {"ErrorLine", {"--quiet", "--transfer-fault", "error_line:17"}, 16, 17},
+                             {"Silence", {"--quiet", "--transfer-fault", "silent"}, 7, -1},
+                             {"Close", {"--quiet", "--transfer-fault", "close:500"}, 7, -1},
+                             {"Stall", {"--quiet", "--transfer-fault", "stall:500"}, 7, -1}};
+INSTANTIATE_TEST_SUITE_P(, FailingTransfer, testing::ValuesIn(kFailures),
+                         [](const auto& row) { return row.param.name; });
 
 // A transfer to a controller that does not read ends when another thread closes the connection.
 TEST(StalledTransfer, EndsWhenItsConnectionIsClosed) {

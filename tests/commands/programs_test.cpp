@@ -37,44 +37,34 @@ List asked(int32_t page_num, int32_t page_size, const char* search) {
 }
 template <class List, class Entry>
 std::string list_text(const List& list, std::string (*text)(const Entry&)) {
+    if (is_unwritten(list.total_size)) return "";
     std::string told = text_of({list.page_num, list.page_size, list.total_size}) + " [" + list.vague_search + "]";
     for (const Entry& entry : list.list) {
         if (!is_unwritten(entry)) told += " / " + text(entry);
     }
     return told;
 }
-Call listing(int (*command)(ArmSocket, ProgramList*), ProgramList list) {
+template <class List, class Entry>
+Call listing(int (*command)(ArmSocket, List*), const List& list, std::string (*text)(const Entry&)) {
     return [=](ArmSocket s, std::string& told) {
-        ProgramList out = list;
+        List out = list;
         const int status = command(s, &out);
-        told = list_text(out, entry_text);
-        return status;
-    };
-}
-Call listing(int (*command)(ArmSocket, GlobalWaypointList*), GlobalWaypointList list) {
-    return [=](ArmSocket s, std::string& told) {
-        GlobalWaypointList out = list;
-        const int status = command(s, &out);
-        told = list_text(out, waypoint_text);
+        told = list_text(out, text);
         return status;
     };
 }
 
 std::string state_text(const ProgramRunState& state) {
-    return text_of({state.run_state, state.id, state.plan_num, state.plan_speed, state.step_mode, state.edit_id,
-                    state.loop_count}) +
-           ", " + text_of(state.loop_num) + ", " + text_of(state.loop_cont);
+    std::string text = text_of({state.run_state, state.id, state.plan_num, state.plan_speed, state.step_mode,
+                                state.edit_id, state.loop_count});
+    for (int i = 0; i < state.loop_count; ++i) text += ", " + text_of({state.loop_num[i], state.loop_cont[i]});
+    return text;
 }
 Call running(int (*command)(ArmSocket, ProgramRunState*)) {
     return [=](ArmSocket s, std::string& told) {
         ProgramRunState state;
         std::memset(&state, kUnwritten, sizeof state);
         const int status = command(s, &state);
-        // What the mailbox has never held is 0.
-        for (int i = 2; i < ZK_PROGRAM_LOOPS && is_unwritten(state) == false; ++i) {
-            std::memset(&state.loop_num[i], kUnwritten, sizeof(int32_t));
-            std::memset(&state.loop_cont[i], kUnwritten, sizeof(int32_t));
-        }
         told = is_unwritten(state) ? "" : state_text(state);
         return status;
     };
@@ -117,99 +107,89 @@ const char* const kWaypointTold =
 const char* const kGiven = R"({"state":"given_global_waypoint",)" WAYPOINT_REPLY;
 const char* const kWaypoints =
     R"({"state":"get_global_waypoints_list","total_size":1,"list":[{)" WAYPOINT_REPLY R"(],"get_state":true})";
-const char* const kAdded = R"({"command":"add_global_waypoint","add_state":true})";
-const char* const kUpdated = R"({"command":"update_global_waypoint","update_state":true})";
 
 // The counter of a list's and of the run state's mailbox is set, their record is wiped, their status can be a number of
 // the reply.
 CommandCase set_rule(const CommandCase& row) { return row.absorbing().wiping(); }
 
-const std::vector<CommandCase> kRows = {
-    set_rule(answered("Get_Program_Trajectory_List",
-                      listing(Get_Program_Trajectory_List, asked<ProgramList>(2, 3, "a")),
-                      Get_Program_Trajectory_List_Cmd,
-                      R"({"command": "get_program_trajectory_list", "page_num": 2, "page_size": 3, )"
-                      R"("vague_search": "a"})",
-                      kPrograms, kProgramsTold)),
-    set_rule(answered(
-        "Get_Program_Trajectory_List_Block", listing(Get_Program_Trajectory_List_Block, asked<ProgramList>(0, -1, "")),
-        Get_Program_Trajectory_List_Cmd, R"({"command": "get_program_trajectory_list"})", kPrograms, kProgramsTold)),
-    set_rule(answered("Get_Program_Run_State", running(Get_Program_Run_State), Get_Program_Run_State_Cmd,
-                      R"({"command": "get_program_run_state"})", kRunning, "1 7 3 20 0 9 2, 5 2, 1 2"))
-        .giving(1),
-    set_rule(answered("Get_Program_Run_State_Block", running(Get_Program_Run_State_Block), Get_Program_Run_State_Cmd,
-                      R"({"command": "get_program_run_state"})", R"({"state":"get_program_run_state","run_state":0})",
-                      "0 -1 -1 -1 -1 0 -1, 0 0, 0 0")),
-    acknowledged(CALL(Set_Program_ID_Start, (s, 3, 20, false)), Set_Program_ID_Start_Cmd,
-                 R"({"command": "set_program_id_start", "id": 3, "speed": 20})",
-                 R"({"command":"set_program_id_start","start_state":true})"),
-    acknowledged(CALL(Set_Program_ID_Start_NonBlock, (s, -3, 20)), Set_Program_ID_Start_Cmd,
-                 R"({"command": "set_program_id_start", "id": -3, "speed": 20})",
-                 R"({"command":"set_program_id_start","start_state":true})"),
-    {"Refused_Set_Program_ID_Start", [](ArmSocket s) { return Set_Program_ID_Start(s, 3, 20, true); },
-     R"({"command": "set_program_id_start", "id": 3, "speed": 20})",
-     R"({"command":"set_program_id_start","start_state":false})", 1},
-    {"Set_Program_ID_Start_Block", [](ArmSocket s) { return Set_Program_ID_Start_Block(s, 3, 20); },
-     R"({"command": "set_program_id_start", "id": 3, "speed": 20})",
-     R"({"command":"set_program_id_start","start_state":"?"})", 11},
-    WAITING(Delete_Program_Trajectory, Delete_Program_Trajectory_Cmd,
-            R"({"command": "delete_program_trajectory", "id": 3})",
-            R"({"command":"delete_program_trajectory","delete_state":true})", 3),
-    acknowledged(
-        CALL(Update_Program_Trajectory, (s, 3, 50, "new \"name\"")), Update_Program_Trajectory_Cmd,
-        R"({"command": "update_program_trajectory", "project_name": "new \"name\"", "plan_speed": 50, "id": 3})",
-        R"({"command":"update_program_trajectory","update_state":true})")
-        .adding(),
-    acknowledged(CALL(Update_Program_Trajectory_Block, (s, 3, 50, "n")), Update_Program_Trajectory_Cmd,
-                 R"({"command": "update_program_trajectory", "project_name": "n", "plan_speed": 50, "id": 3})",
-                 R"({"command":"update_program_trajectory","update_state":true})")
-        .adding(),
-    acknowledged(CALL(Set_Default_Run_Program, (s, 3)), Set_Default_Run_Program_Cmd,
-                 R"({"command": "set_default_run_program", "id": 3})",
-                 R"({"command":"set_default_run_program","set_state":true})")
-        .adding(),
-    acknowledged(CALL(Set_Default_run_program_Block, (s, 3)), Set_Default_Run_Program_Cmd,
-                 R"({"command": "set_default_run_program", "id": 3})",
-                 R"({"command":"set_default_run_program","set_state":true})")
-        .adding(),
-    answered(ASK(Get_Default_Run_Program), Get_Default_Run_Program_Cmd, R"({"command": "get_default_run_program"})",
-             R"({"state":"get_default_run_program","id":3})", "3"),
-    answered(ASK(Get_Default_run_program_Block), Get_Default_Run_Program_Cmd,
-             R"({"command": "get_default_run_program"})", R"({"state":"get_default_run_program","id":3})", "3"),
+CommandCase programs(const char* name, int (*command)(ArmSocket, ProgramList*), const ProgramList& list,
+                     const char* wire) {
+    return set_rule(answered(name, listing(command, list, entry_text), Get_Program_Trajectory_List_Cmd, wire, kPrograms,
+                             kProgramsTold));
+}
+CommandCase waypoints(const char* name, int (*command)(ArmSocket, GlobalWaypointList*), const GlobalWaypointList& list,
+                      const char* wire, const std::string& told) {
+    return answered(name, listing(command, list, waypoint_text), Get_Global_Waypoint_List_Cmd, wire, kWaypoints,
+                    told + kWaypointTold);
+}
+CommandCase run_state(const char* name, int (*command)(ArmSocket, ProgramRunState*), const char* reply,
+                      const char* told) {
+    return set_rule(answered(name, running(command), Get_Program_Run_State_Cmd,
+                             R"({"command": "get_program_run_state"})", reply, told));
+}
+CommandCase named(const char* name, int (*command)(ArmSocket, const char*, GlobalWaypoint*)) {
+    return answered(name, given(command), Given_Global_Waypoint_Cmd,
+                    R"({"command": "given_global_waypoint", "point_name": "w1"})", kGiven, kWaypointTold);
+}
 
-    acknowledged(CALL(Add_Global_Waypoint, (s, waypoint())), Add_Global_Waypoint_Cmd,
-                 R"({"command": "add_global_waypoint")" WAYPOINT_KEYS("w1", ""), kAdded)
-        .adding(),
-    acknowledged(CALL(Add_Global_Waypoint_Block, (s, full_waypoint())), Add_Global_Waypoint_Cmd,
-                 R"({"command": "add_global_waypoint")" WAYPOINT_KEYS("nnnnnnnnnnnnnnnn", ", 7000"), kAdded)
-        .adding()
+// A row of a setter whose replies add up, acknowledged under `key`, and the same one for both of its forms.
+std::string accepted(const std::string& wire, const std::string& key) {
+    return R"({"command":")" + command_name(wire) + "\",\"" + key + "\":true}";
+}
+#define ADDING(form, command, arguments, wire, key) \
+    acknowledged(CALL(form, arguments), command##_Cmd, wire, accepted(wire, key)).adding()
+#define BOTH(command, block, arguments, wire, key) \
+    ADDING(command, command, arguments, wire, key), ADDING(block, command, arguments, wire, key)
+
+const char* const kStart = R"({"command": "set_program_id_start", "id": 3, "speed": 20})";
+const char* const kStarted = R"({"command":"set_program_id_start","start_state":true})";
+const char* const kDefault = R"({"command": "get_default_run_program"})";
+const char* const kDefaultTold = R"({"state":"get_default_run_program","id":3})";
+
+const std::vector<CommandCase> kRows = {
+    programs("Get_Program_Trajectory_List", Get_Program_Trajectory_List, asked<ProgramList>(2, 3, "a"),
+             R"({"command": "get_program_trajectory_list", "page_num": 2, "page_size": 3, "vague_search": "a"})"),
+    programs("Get_Program_Trajectory_List_Block", Get_Program_Trajectory_List_Block, asked<ProgramList>(0, -1, ""),
+             R"({"command": "get_program_trajectory_list"})"),
+    run_state("Get_Program_Run_State", Get_Program_Run_State, kRunning, "1 7 3 20 0 9 2, 5 1, 2 2").giving(1),
+    run_state("Get_Program_Run_State_Block", Get_Program_Run_State_Block,
+              R"({"state":"get_program_run_state","run_state":0})", "0 -1 -1 -1 -1 0 -1"),
+    acknowledged(CALL(Set_Program_ID_Start, (s, 3, 20, false)), Set_Program_ID_Start_Cmd, kStart, kStarted),
+    acknowledged(CALL(Set_Program_ID_Start_NonBlock, (s, 3, 20)), Set_Program_ID_Start_Cmd, kStart, kStarted),
+    {"Refused_" CALL(Set_Program_ID_Start, (s, 3, 20, true)), kStart,
+     R"({"command":"set_program_id_start","start_state":false})", 1},
+    {CALL(Set_Program_ID_Start_Block, (s, 3, 20)), kStart, R"({"command":"set_program_id_start","start_state":"?"})",
+     11},
+    WAITING(Delete_Program_Trajectory, Delete_Program_Trajectory_Cmd,
+            R"({"command": "delete_program_trajectory", "id": -3})",
+            R"({"command":"delete_program_trajectory","delete_state":true})", -3),
+    BOTH(Update_Program_Trajectory, Update_Program_Trajectory_Block, (s, 3, 50, "new \"name\""),
+         R"({"command": "update_program_trajectory", "project_name": "new \"name\"", "plan_speed": 50, "id": 3})",
+         "update_state"),
+    BOTH(Set_Default_Run_Program, Set_Default_run_program_Block, (s, 3),
+         R"({"command": "set_default_run_program", "id": 3})", "set_state"),
+    answered(ASK(Get_Default_Run_Program), Get_Default_Run_Program_Cmd, kDefault, kDefaultTold, "3"),
+    answered(ASK(Get_Default_run_program_Block), Get_Default_Run_Program_Cmd, kDefault, kDefaultTold, "3"),
+
+    ADDING(Add_Global_Waypoint, Add_Global_Waypoint, (s, waypoint()),
+           R"({"command": "add_global_waypoint")" WAYPOINT_KEYS("w1", ""), "add_state"),
+    ADDING(Add_Global_Waypoint_Block, Add_Global_Waypoint, (s, full_waypoint()),
+           R"({"command": "add_global_waypoint")" WAYPOINT_KEYS("nnnnnnnnnnnnnnnn", ", 7000"), "add_state")
         .on(75),
-    acknowledged(CALL(Update_Global_Waypoint, (s, waypoint())), Update_Global_Waypoint_Cmd,
-                 R"({"command": "update_global_waypoint")" WAYPOINT_KEYS("w1", ""), kUpdated)
-        .adding(),
-    acknowledged(CALL(Update_Global_Waypoint_Block, (s, waypoint())), Update_Global_Waypoint_Cmd,
-                 R"({"command": "update_global_waypoint")" WAYPOINT_KEYS("w1", ", 7000"), kUpdated)
-        .adding()
+    ADDING(Update_Global_Waypoint, Update_Global_Waypoint, (s, waypoint()),
+           R"({"command": "update_global_waypoint")" WAYPOINT_KEYS("w1", ""), "update_state"),
+    ADDING(Update_Global_Waypoint_Block, Update_Global_Waypoint, (s, waypoint()),
+           R"({"command": "update_global_waypoint")" WAYPOINT_KEYS("w1", ", 7000"), "update_state")
         .on(72),
-    acknowledged(CALL(Delete_Global_Waypoint, (s, "w1")), Delete_Global_Waypoint_Cmd,
-                 R"({"command": "delete_global_waypoint", "point_name": "w1"})",
-                 R"({"command":"delete_global_waypoint","delete_state":true})")
-        .adding(),
-    acknowledged(CALL(Delete_Global_Waypoint_Block, (s, "")), Delete_Global_Waypoint_Cmd,
-                 R"({"command": "delete_global_waypoint", "point_name": ""})",
-                 R"({"command":"delete_global_waypoint","delete_state":true})")
-        .adding(),
-    answered("Given_Global_Waypoint", given(Given_Global_Waypoint), Given_Global_Waypoint_Cmd,
-             R"({"command": "given_global_waypoint", "point_name": "w1"})", kGiven, kWaypointTold),
-    answered("Given_Global_Waypoint_Block", given(Given_Global_Waypoint_Block), Given_Global_Waypoint_Cmd,
-             R"({"command": "given_global_waypoint", "point_name": "w1"})", kGiven, kWaypointTold),
-    answered("Get_Global_Point_List", listing(Get_Global_Point_List, asked<GlobalWaypointList>(1, 10, "w")),
-             Get_Global_Waypoint_List_Cmd,
-             R"({"command": "get_global_waypoints_list", "page_num": 1, "page_size": 10, "vague_search": "w"})",
-             kWaypoints, std::string("1 10 1 [w] / ") + kWaypointTold),
-    answered("Get_Global_Point_List_Block", listing(Get_Global_Point_List_Block, asked<GlobalWaypointList>(0, 0, "")),
-             Get_Global_Waypoint_List_Cmd, R"({"command": "get_global_waypoints_list"})", kWaypoints,
-             std::string("0 0 1 [] / ") + kWaypointTold),
+    BOTH(Delete_Global_Waypoint, Delete_Global_Waypoint_Block, (s, "w1"),
+         R"({"command": "delete_global_waypoint", "point_name": "w1"})", "delete_state"),
+    named("Given_Global_Waypoint", Given_Global_Waypoint),
+    named("Given_Global_Waypoint_Block", Given_Global_Waypoint_Block),
+    waypoints("Get_Global_Point_List", Get_Global_Point_List, asked<GlobalWaypointList>(1, 10, "w"),
+              R"({"command": "get_global_waypoints_list", "page_num": 1, "page_size": 10, "vague_search": "w"})",
+              "1 10 1 [w] / "),
+    waypoints("Get_Global_Point_List_Block", Get_Global_Point_List_Block, asked<GlobalWaypointList>(0, 0, ""),
+              R"({"command": "get_global_waypoints_list"})", "0 0 1 [] / "),
 };
 
 class ProgramsAndWaypoints : public testing::TestWithParam<CommandCase> {};
@@ -221,12 +201,15 @@ TEST(ProgramGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("progr
 
 TEST(ProgramGuards, ThePageTellsTheWire) { expect_documented("Programs and global waypoints", kRows); }
 
+TEST(ProgramGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+
 TEST(ProgramGuards, NullPointersSendNothing) {
     expect_nothing_sent({{CALL(Get_Program_Trajectory_List, (s, nullptr))},
                          {CALL(Get_Program_Trajectory_List_Block, (s, nullptr))},
                          {CALL(Get_Program_Run_State, (s, nullptr))},
                          {CALL(Update_Program_Trajectory, (s, 1, 1, nullptr))},
                          {CALL(Get_Default_Run_Program, (s, nullptr))},
+                         {CALL(Get_Default_run_program_Block, (s, nullptr))},
                          {CALL(Delete_Global_Waypoint, (s, nullptr))},
                          {CALL(Given_Global_Waypoint, (s, "a", nullptr))},
                          {CALL(Get_Global_Point_List, (s, nullptr))}});
@@ -237,16 +220,6 @@ TEST(ProgramGuardsDeathTest, AWaypointTooLongForItsFrameEndsTheProcess) {
     std::memset(large.time, '"', sizeof large.time);  // two bytes each on the wire
     EXPECT_DEATH(Update_Global_Waypoint_Block((Init_Socket_Joint(65, 1000), 1000), large),
                  "\"update_global_waypoint\" takes");
-}
-
-Parse listing_of(int (*parser)(ArmSocket, const char*, GlobalWaypointList*)) {
-    return [=](ArmSocket arm, const char* text, std::string& told) {
-        GlobalWaypointList list;
-        std::memset(&list, kUnwritten, sizeof list);
-        const int status = parser(arm, text, &list);
-        told = text_of(list.total_size);
-        return status;
-    };
 }
 
 TEST(ProgramParsers, ReadTheirReplies) {
@@ -299,14 +272,19 @@ TEST(ProgramParsers, ReadTheirReplies) {
     const std::string texts = R"("work_frame":"","tool_frame":"","time":""})";
     EXPECT_EQ(given(kSevenJoints, (seven + ",7]," + texts).c_str(), told), 0);
 
-    expect_parsed(listing_of(Parser_Get_Global_Waypoints_List),
-                  {{R"({"total_size":0,"list":[],"get_state":true})", 0, "0"},
-                   {R"({"total_size":0,"list":[],"get_state":false})", 1, "0"},
-                   {R"({"total_size":0,"list":[],"get_state":1})", 11, "0"},
-                   {R"({"total_size":0,"list":[]})", 9, "0"},
-                   {R"({"total_size":0,"list":[{}],"get_state":true})", 9, "0"},
-                   {R"({"list":[],"get_state":true})", 9, "-"},
-                   {R"({"total_size":"0","list":[],"get_state":true})", 11, "-"}});
+    const Parse points = [](ArmSocket arm, const char* text, std::string& told) {
+        GlobalWaypointList list = asked<GlobalWaypointList>(0, 0, "");
+        const int status = Parser_Get_Global_Waypoints_List(arm, text, &list);
+        told = text_of(list.total_size);
+        return status;
+    };
+    expect_parsed(points, {{R"({"total_size":0,"list":[],"get_state":true})", 0, "0"},
+                           {R"({"total_size":0,"list":[],"get_state":false})", 1, "0"},
+                           {R"({"total_size":0,"list":[],"get_state":1})", 11, "0"},
+                           {R"({"total_size":0,"list":[]})", 9, "0"},
+                           {R"({"total_size":0,"list":[{}],"get_state":true})", 9, "0"},
+                           {R"({"list":[],"get_state":true})", 9, "-"},
+                           {R"({"total_size":"0","list":[],"get_state":true})", 11, "-"}});
 }
 
 // A reply beyond the record's capacity fills the record and nothing behind it.
@@ -376,12 +354,22 @@ TEST_F(SimulatedPrograms, ArePausedContinuedAndStopped) {
     EXPECT_EQ(state.loop_count, 1);
     EXPECT_EQ(state.loop_num[0], 1);
     EXPECT_EQ(Delete_Program_Trajectory(arm_, 7), 1) << "it runs";
+    EXPECT_EQ(Send_TrajectoryFile(arm_, nullptr, project(directory_.file("other.txt", "{}\n"))), 16) << "another runs";
     EXPECT_EQ(Move_Pause_Cmd(arm_, true), 0);
     runs(2);
     EXPECT_EQ(Move_Continue_Cmd(arm_, true), 0);
     runs(1);
     EXPECT_EQ(Move_Stop_Cmd(arm_, true), 0);
     runs(0);
+}
+
+TEST_F(SimulatedPrograms, EndAtAMotionThatIsRefused) {
+    const std::vector<float> before = joints();
+    keep(7, "fast", "{\"command\":\"movej\",\"joint\":[1000,0,0,0,0,0],\"v\":42949673}\n");
+    ASSERT_EQ(Set_Program_ID_Start(arm_, 7, 100, false), 0);
+    ProgramRunState state{};
+    eventually([&] { return Get_Program_Run_State(arm_, &state) == 0; });
+    EXPECT_EQ(joints(), before);
 }
 
 TEST_F(SimulatedPrograms, GoStepByStep) {

@@ -8,11 +8,12 @@
 
 namespace zk::test {
 
-inline ProjectSendParams project(const std::string& path, int32_t plan_speed = 100) {
+inline ProjectSendParams project(const std::string& path, int32_t plan_speed = 100, int32_t project_type = 0) {
     ProjectSendParams params{};
     std::memcpy(params.project_path, path.data(), path.size());
     params.project_path_len = static_cast<int32_t>(path.size());
     params.plan_speed = plan_speed;
+    params.project_type = project_type;
     return params;
 }
 

@@ -38,18 +38,24 @@ ToolEnvelope envelope(int32_t count) {
     return {"grip", {{"a", 0.05f, 0.0019f, -0.0019f, 1}, {"b", 1, 2, 3, 4}, {"c", 1, 1, 1, 1}, {}, {}}, count};
 }
 
-// The same row for a plain name and its blocking form.
-#define BOTH(command, arguments, mailbox, wire, reply)                     \
-    acknowledged(CALL(command, arguments), mailbox, wire, reply).adding(), \
-        acknowledged(CALL(command##_Block, arguments), mailbox, wire, reply).adding()
+// A row of a setter, acknowledged under `key`, and the same one for a plain name and its blocking form.
+std::string accepted(const std::string& wire, const std::string& key) {
+    return R"({"command":")" + command_name(wire) + "\",\"" + key + "\":true}";
+}
+#define ONE(kind, command, form, arguments, wire, key) \
+    acknowledged(kind CALL(form, arguments), command##_Cmd, wire, accepted(wire, key)).adding()
+#define BOTH(command, arguments, wire, key) \
+    ONE("", command, command, arguments, wire, key), ONE("", command, command##_Block, arguments, wire, key)
 
-// Two names for a query of a fence by its name.
-const auto kAskGiven = [](auto form) {
-    return [form](ArmSocket s, std::string& told) { return with_outputs<FenceConfig>(told, form, s, "desk"); };
-};
-const auto kAskEnvelope = [](auto form) {
-    return [form](ArmSocket s, std::string& told) { return with_outputs<ToolEnvelope>(told, form, s, "grip"); };
-};
+// The query of a record by its name, with either form.
+template <class Record>
+Call asking_for(const char* name, int (*form)(ArmSocket, const char*, Record*)) {
+    return [=](ArmSocket s, std::string& told) { return with_outputs<Record>(told, form, s, name); };
+}
+#define NAMED(command, name, mailbox, wire, reply, told, ...)                                       \
+    answered(#command, asking_for(name, command), mailbox, wire, reply, told).wiping() __VA_ARGS__, \
+        answered(#command "_Block", asking_for(name, command##_Block), mailbox, wire, reply, told)  \
+            .wiping() __VA_ARGS__
 
 const char* const kEnableReply =
     R"({"state":"get_electronic_fence_enable","enable_state":true,"effective_region":2,"in_out_side":1})";
@@ -72,96 +78,64 @@ const char* const kEnvelopeReply =
     R"("y":-2,"z":1000}]})";
 
 const std::vector<CommandCase> kRows = {
-    BOTH(Set_Electronic_Fence_Enable, (s, 255, -1, 2), Set_Electronic_Fence_Enable_Cmd,
+    BOTH(Set_Electronic_Fence_Enable, (s, 255, -1, 2),
          R"({"command": "set_electronic_fence_enable", "set_enable": true, "in_out_side": -1, "effective_region": 2})",
-         R"({"command":"set_electronic_fence_enable","set_state":true})"),
+         "set_state"),
     QUERY(Get_Electronic_Fence_Enable, Get_Electronic_Fence_Enable_Cmd, R"({"command": "get_electronic_fence_enable"})",
           kEnableReply, "1; 1; 2", .wiping()),
-    BOTH(Set_Electronic_Fence_Config, (s, filled(1)), Set_Electronic_Fence_Config_Cmd,
-         R"({"command": "set_electronic_fence_config", "form": 1, )" + kCuboid + "}",
-         R"({"command":"set_electronic_fence_config","set_config":true})"),
-    acknowledged("Of_A_Plane_" CALL(Set_Electronic_Fence_Config, (s, filled(2))), Set_Electronic_Fence_Config_Cmd,
-                 R"({"command": "set_electronic_fence_config", "form": 2, )" + kPlane + "}",
-                 R"({"command":"set_electronic_fence_config","set_config":true})")
-        .adding(),
-    acknowledged("Of_No_Form_" CALL(Set_Electronic_Fence_Config, (s, filled(4))), Set_Electronic_Fence_Config_Cmd,
-                 R"({"command": "set_electronic_fence_config", "form": 4})",
-                 R"({"command":"set_electronic_fence_config","set_config":true})")
-        .adding(),
+    BOTH(Set_Electronic_Fence_Config, (s, filled(1)),
+         R"({"command": "set_electronic_fence_config", "form": 1, )" + kCuboid + "}", "set_config"),
+    ONE("Of_A_Plane_", Set_Electronic_Fence_Config, Set_Electronic_Fence_Config, (s, filled(2)),
+        R"({"command": "set_electronic_fence_config", "form": 2, )" + kPlane + "}", "set_config"),
+    ONE("Of_No_Form_", Set_Electronic_Fence_Config, Set_Electronic_Fence_Config, (s, filled(4)),
+        R"({"command": "set_electronic_fence_config", "form": 4})", "set_config"),
     QUERY(Get_Electronic_Fence_Config, Get_Electronic_Fence_Config_Cmd, R"({"command": "get_electronic_fence_config"})",
           kConfigReply, "1 '' 0:-1.5 1:0.001 3:2", .wiping()),
-    BOTH(Add_Electronic_Fence_Config, (s, filled(2)), Add_Electronic_Fence_Config_Cmd,
-         R"({"command": "add_electronic_fence_config", "form": 2, "form_name": "desk", )" + kPlane + "}",
-         R"({"command":"add_electronic_fence_config","add_config":true})"),
-    BOTH(Update_Electronic_Fence_Config, (s, filled(3, "twelve bytes")), Update_Electronic_Fence_Config_Cmd,
+    BOTH(Add_Electronic_Fence_Config, (s, filled(2)),
+         R"({"command": "add_electronic_fence_config", "form": 2, "form_name": "desk", )" + kPlane + "}", "add_config"),
+    BOTH(Update_Electronic_Fence_Config, (s, filled(3, "twelve bytes")),
          R"({"command": "update_electronic_fence_config", "form": 3, "form_name": "twelve bytes", )" + kSphere + "}",
-         R"({"command":"update_electronic_fence_config","update_config":true})"),
-    BOTH(Delete_Electronic_Fence_Config, (s, "desk"), Delete_Electronic_Fence_Config_Cmd,
-         R"({"command": "delete_electronic_fence_config", "form_name": "desk"})",
-         R"({"command":"delete_electronic_fence_config","delete_config":true})"),
-    answered("Given_Electronic_Fence_Config", kAskGiven(Given_Electronic_Fence_Config),
-             Given_Electronic_Fence_Config_Cmd, R"({"command": "given_electronic_fence_config", "form_name": "desk"})",
-             kGivenReply, "3 'desk' 15:0.5 16:0.001 17:0.002 18:0.003")
-        .wiping(),
-    answered("Given_Electronic_Fence_Config_Block", kAskGiven(Given_Electronic_Fence_Config_Block),
-             Given_Electronic_Fence_Config_Cmd, R"({"command": "given_electronic_fence_config", "form_name": "desk"})",
-             kGivenReply, "3 'desk' 15:0.5 16:0.001 17:0.002 18:0.003")
-        .wiping(),
+         "update_config"),
+    BOTH(Delete_Electronic_Fence_Config, (s, "desk"),
+         R"({"command": "delete_electronic_fence_config", "form_name": "desk"})", "delete_config"),
+    NAMED(Given_Electronic_Fence_Config, "desk", Given_Electronic_Fence_Config_Cmd,
+          R"({"command": "given_electronic_fence_config", "form_name": "desk"})", kGivenReply,
+          "3 'desk' 15:0.5 16:0.001 17:0.002 18:0.003"),
     QUERY(Get_Electronic_Fence_List_Names, Get_Electronic_Fence_List_Name_Cmd,
           R"({"command": "get_electronic_fence_list_names"})", kNamesReply, "desk hall_and_m; 2", .wiping()),
     QUERY(Get_Electronic_Fence_List_Info, Get_Electronic_Fence_List_Info_Cmd,
           R"({"command": "get_electronic_fence_list_infos"})", kInfosReply, kInfosTold, .wiping()),
 
-    BOTH(Set_Virtual_Wall_Enable, (s, 0, 1, 2), Set_Virtual_Wall_Enable_Cmd,
+    BOTH(Set_Virtual_Wall_Enable, (s, 0, 1, 2),
          R"({"command": "set_virtual_wall_enable", "set_enable": false, "in_out_side": 1, "effective_region": 2})",
-         R"({"command":"set_virtual_wall_enable","set_state":true})"),
+         "set_state"),
     QUERY(Get_Virtual_Wall_Enable, Get_Virtual_Wall_Enable_Cmd, R"({"command": "get_virtual_wall_enable"})",
           kWallEnableReply, "0; 0; -2"),
-    BOTH(Set_Virtual_Wall_Config, (s, filled(3)), Set_Virtual_Wall_Config_Cmd,
-         R"({"command": "set_virtual_wall_config", "form": 3, )" + kSphere + "}",
-         R"({"command":"set_virtual_wall_config","set_config":true})"),
-    acknowledged("Of_A_Cuboid_" CALL(Set_Virtual_Wall_Config, (s, filled(1))), Set_Virtual_Wall_Config_Cmd,
-                 R"({"command": "set_virtual_wall_config", "form": 1, )" + kCuboid + "}",
-                 R"({"command":"set_virtual_wall_config","set_config":true})")
-        .adding(),
-    acknowledged("Of_A_Plane_" CALL(Set_Virtual_Wall_Config, (s, filled(2))), Set_Virtual_Wall_Config_Cmd,
-                 R"({"command": "set_virtual_wall_config", "form": 2})",
-                 R"({"command":"set_virtual_wall_config","set_config":true})")
-        .adding(),
+    BOTH(Set_Virtual_Wall_Config, (s, filled(3)),
+         R"({"command": "set_virtual_wall_config", "form": 3, )" + kSphere + "}", "set_config"),
+    ONE("Of_A_Cuboid_", Set_Virtual_Wall_Config, Set_Virtual_Wall_Config, (s, filled(1)),
+        R"({"command": "set_virtual_wall_config", "form": 1, )" + kCuboid + "}", "set_config"),
+    ONE("Of_A_Plane_", Set_Virtual_Wall_Config, Set_Virtual_Wall_Config, (s, filled(2)),
+        R"({"command": "set_virtual_wall_config", "form": 2})", "set_config"),
     QUERY(Get_Virtual_Wall_Config, Get_Virtual_Wall_Config_Cmd, R"({"command": "get_virtual_wall_config"})", kWallReply,
           "3 ''"),
 
-    BOTH(Set_Self_Collision_Enable, (s, 2), Set_Self_Collision_Enable_Cmd,
-         R"({"command": "set_self_collision_enable", "set_enable": true})",
-         R"({"command":"set_self_collision_enable","set_state":true})"),
-    answered(ASK(Get_Self_Collision_Enable), Get_Self_Collision_Enable_Cmd,
-             R"({"command": "get_self_collision_enable"})",
-             R"({"state":"get_self_collision_enable","enable_state":-7})", "1"),
-    answered(ASK(Get_Self_Collision_Enable_Block), Get_Self_Collision_Enable_Cmd,
-             R"({"command": "get_self_collision_enable"})", R"({"state":"get_self_collision_enable","enable_state":0})",
-             "0"),
+    BOTH(Set_Self_Collision_Enable, (s, 2), R"({"command": "set_self_collision_enable", "set_enable": true})",
+         "set_state"),
+    QUERY(Get_Self_Collision_Enable, Get_Self_Collision_Enable_Cmd, R"({"command": "get_self_collision_enable"})",
+          R"({"state":"get_self_collision_enable","enable_state":-7})", "1"),
 
     // Objects in an array are printed on lines of their own.
-    BOTH(Set_Tool_Envelope, (s, envelope(2)), Set_Tool_Envelope_Cmd,
+    BOTH(Set_Tool_Envelope, (s, envelope(2)),
          "{\n\t\"command\":\t\"set_tool_envelope\",\n\t\"tool_name\":\t\"grip\",\n\t\"list\":\t[{\n"
          "\t\t\t\"name\":\t\"a\",\n\t\t\t\"radius\":\t50,\n\t\t\t\"x\":\t1,\n\t\t\t\"y\":\t-1,\n\t\t\t\"z\":\t1000\n"
          "\t\t}, {\n\t\t\t\"name\":\t\"b\",\n\t\t\t\"radius\":\t1000,\n\t\t\t\"x\":\t2000,\n\t\t\t\"y\":\t3000,\n"
          "\t\t\t\"z\":\t4000\n\t\t}]\n}",
-         R"({"command":"set_tool_envelope","set_state":true})"),
-    acknowledged("Empty_" CALL(Set_Tool_Envelope, (s, envelope(-1))), Set_Tool_Envelope_Cmd,
-                 "{\n\t\"command\":\t\"set_tool_envelope\",\n\t\"tool_name\":\t\"grip\",\n\t\"list\":\t[]\n}",
-                 R"({"command":"set_tool_envelope","set_state":true})")
-        .adding(),
-    answered("Get_Tool_Envelope", kAskEnvelope(Get_Tool_Envelope), Get_Tool_Envelope_Cmd,
-             R"({"command": "get_tool_envelope", "tool_name": "grip"})", kEnvelopeReply,
-             "grip 1, tip 0.05 0.001 -0.002 1")
-        .wiping()
-        .losing_its_status(),
-    answered("Get_Tool_Envelope_Block", kAskEnvelope(Get_Tool_Envelope_Block), Get_Tool_Envelope_Cmd,
-             R"({"command": "get_tool_envelope", "tool_name": "grip"})", kEnvelopeReply,
-             "grip 1, tip 0.05 0.001 -0.002 1")
-        .wiping()
-        .losing_its_status(),
+         "set_state"),
+    ONE("Empty_", Set_Tool_Envelope, Set_Tool_Envelope, (s, envelope(-1)),
+        R"({"command": "set_tool_envelope", "tool_name": "grip", "list": []})", "set_state"),
+    NAMED(Get_Tool_Envelope, "grip", Get_Tool_Envelope_Cmd, R"({"command": "get_tool_envelope", "tool_name": "grip"})",
+          kEnvelopeReply, "grip 1, tip 0.05 0.001 -0.002 1", .losing_its_status()),
 };
 
 class SafetyGeometry : public testing::TestWithParam<CommandCase> {};
@@ -185,14 +159,7 @@ TEST(SafetyGeometryGuards, NullPointersAreNoHarm) {
     ZK_API_Init(65, nullptr);
     set_shared(m_nOutTime, 60000);
     const ArmSocket arm = connect_arm(controller);
-    const auto answers = [&](const char* command, const char* reply) { controller.answer(command, reply); };
-    answers("get_electronic_fence_enable", kEnableReply);
-    answers("get_electronic_fence_config", kConfigReply);
-    answers("given_electronic_fence_config", kGivenReply);
-    answers("get_electronic_fence_list_names", kNamesReply);
-    answers("get_electronic_fence_list_infos", kInfosReply);
-    answers("get_self_collision_enable", R"({"state":"get_self_collision_enable","enable_state":1})");
-    answers("get_tool_envelope", kEnvelopeReply);
+    for (const CommandCase& row : kRows) controller.answer(command_name(row.wire), row.reply);
     EXPECT_EQ(Get_Electronic_Fence_Enable(arm, nullptr, nullptr, nullptr), 0);
     EXPECT_EQ(Get_Electronic_Fence_Config(arm, nullptr), 0);
     EXPECT_EQ(Given_Electronic_Fence_Config(arm, nullptr, nullptr), 0);
@@ -305,6 +272,7 @@ TEST(SafetyGeometryParsers, Lists) {
         parsing(Parser_Get_Electronic_Fence_List_Names),
         {{R"({"name_list":["1","2","3","4","5","6","7","8","9","10","11","12"]})", 0, "1 2 3 4 5 6 7 8 9 10 11; 11"},
          {R"({"name_list":["NULL","a"]})", 0, "-; 0"},
+         {R"({"name_list":["hall_and_more"]})", 0, "hall_and_m; 1"},
          {R"({"name_list":"a"})", 11, ""},
          {R"({})", 9, ""}});
     const std::string named = R"({"form":9,"form_name":"a"})";
