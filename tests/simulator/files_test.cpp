@@ -34,7 +34,8 @@ TEST(Files, HoldAnythingAndAreFollowedByRequests) {
 TEST(Files, AreRefusedUnderNamesThatAreNone) {
     const TemporaryDirectory directory;
     Talk talk({"--quiet", "--files", directory.path()});
-    for (const char* name : {"", ".", "..", "../x", "/x", "no/such/place"}) {
+    const std::string long_name(300, 'x');
+    for (const char* name : {"", ".", "..", "../x", "/x", "no/such/place", long_name.c_str()}) {
         EXPECT_EQ(talk.ask("update_software", update(name, 1)).at("update_state"), false) << name;
     }
 }
