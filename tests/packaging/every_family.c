@@ -15,8 +15,18 @@ static void expect(int status, const char* call) {
 
 static void compute(const float* joint) {
     Pose pose = Algo_Forward_Kinematics(joint);
-    float turned[7] = {0}, solution[7] = {0};
+    float turned[7] = {0}, solution[7] = {0}, mounting[3] = {1.0f, 1.0f, 1.0f};
+    TxQueue ring = {NULL, 0, 0, 0};
     int i;
+    EXPECT_OK(libalgo_get_rbt_dof() != 6);
+    invoke_libalgo_get_robot_install_angle(&mounting[0], &mounting[1], &mounting[2]);
+    EXPECT_OK(mounting[0] != 0.0f);
+    EXPECT_OK(fabsf(algo_matrix_to_pose(algo_pose_to_matrix(pose)).position.x - pose.position.x) > 1e-6f);
+    EXPECT_OK(mat_trace(mat_eye(3, 3)) != 3.0f);
+    EXPECT_OK(!ZK_Queue_Create(&ring, 2) || !ZK_Queue_Empty(&ring));
+    ZK_Queue_Deleate(&ring);
+    EXPECT_OK(Get_Json_KeyCode("{\"command\":\"set_arm_stop\",\"arm_stop\":true}") != 67);
+    EXPECT_OK(Parser_Move_Stop_E("{\"command\":\"set_arm_stop\",\"arm_stop\":true}"));
     for (i = 0; i < 6; ++i) turned[i] = joint[i] * 0.0174532925f;
     pose = forward_kinematics(turned);
     EXPECT_OK(inverse_kinematics(turned, &pose, solution, 0));
