@@ -37,16 +37,14 @@ ReplyRows joint_rows(size_t joints) {
 }
 
 ReplyRows state_rows(size_t joints) {
+    const std::string all = under("all_state/", "joints: temperature current voltage en_flag err_flag number: sys_err");
     return {
         {"get_current_arm_state", {}, 54, under("arm_state/", "pose: pose joints: joint number: arm_err sys_err")},
         {"get_current_joint_temperature", {}, 55, "joints: joint_temperature"},
         {"get_current_joint_current", {}, 56, "joints: joint_current"},
         {"get_current_joint_voltage", {}, 57, "joints: joint_voltage"},
         {"get_joint_degree", {}, 58, "joints: joint"},
-        {"get_arm_all_state",
-         {},
-         59,
-         under("all_state/", "joints: temperature current voltage en_flag err_flag number: sys_err")},
+        {"get_arm_all_state", {}, 59, all},
         {"get_arm_plan_num", {}, 60, "number: plan_num"},
         {"set_init_pose", {{"init_pose", array(joints, 1000)}}, 61, "true: init_pose"},
         {"get_init_pose", {}, 62, "joints: init_pose"},

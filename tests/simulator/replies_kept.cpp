@@ -55,15 +55,13 @@ ReplyRows program_rows(size_t joints) {
     const Json page{{"page_num", 1}, {"page_size", 10}, {"vague_search", ""}};
     const Json waypoint{{"point_name", "w"},    {"joint", array(joints, 0)}, {"pose", array(6, 0)},
                         {"work_frame", "Base"}, {"tool_frame", "Arm_Tip"},   {"time", "now"}};
+    const Json renamed{{"id", 1}, {"project_name", "q"}, {"plan_speed", 30}};
     const std::string pages = "number: page_num page_size total_size string: vague_search ";
     return {
         {"get_program_trajectory_list", page, 235,
          pages + under("list/0/", "number: id size speed string: trajectory_name")},
         {"get_program_run_state", {}, 236, "number: run_state"},
-        {"update_program_trajectory",
-         {{"id", 1}, {"project_name", "q"}, {"plan_speed", 30}},
-         262,
-         "true: update_state"},
+        {"update_program_trajectory", renamed, 262, "true: update_state"},
         {"set_default_run_program", {{"id", 1}}, 263, "true: set_state"},
         {"get_default_run_program", {}, 264, "number: id"},
         {"set_program_id_start", {{"id", 1}, {"speed", 20}}, 237, "true: start_state"},
