@@ -229,62 +229,53 @@ TEST(FileTransferGuards, ThePageTellsTheWire) {
 
 TEST(FileTransferGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 
-Call updating(const std::string& path) {
-    return [=](ArmSocket s) { return UpdataSoftWare_Block_E(s, path.c_str(), static_cast<int32_t>(path.size())); };
+int update_at(ArmSocket s, const std::string& path) {
+    return UpdataSoftWare_Block_E(s, path.c_str(), static_cast<int32_t>(path.size()));
 }
-Call sending(const ProjectSendParams& params) {
-    return [=](ArmSocket s) { return Send_TrajectoryFile(s, nullptr, params); };
+int save_at(ArmSocket s, const char* path) {
+    int32_t total;
+    return Save_Trajectory(s, path, &total);
 }
 ProjectSendParams project_of_length(int32_t length) {
     ProjectSendParams params = project("/a");
     params.project_path_len = length;
     return params;
 }
-Call saving_at(const char* path) {
-    return [=](ArmSocket s) {
-        int32_t total;
-        return Save_Trajectory(s, path, &total);
-    };
-}
+
+// A call that gives this status: the difference is 0.
+#define REJECTED(status, command, arguments)                                          \
+    {                                                                                 \
+#command #arguments, [](ArmSocket s) { return command arguments - (status); } \
+    }
 
 // In a directory of their own: a name without a separator is one of the current directory.
 TEST(FileTransferGuards, WhatCannotBeIsToldAndNothingIsSent) {
     std::filesystem::current_path(directory().path());
     directory().file("empty", "");
-    const std::pair<int, std::vector<BadCall>> rejections[] = {
-        {19,
-         {{CALL(Save_Trajectory, (s, "/tmp/x", nullptr))},
-          {CALL(Save_Drag_Teach_File_NonBlock, (s, nullptr, nullptr))},
-          {CALL(Set_Controller_IP_NC_E, (s, nullptr))},
-          {CALL(Get_Tool_Hardware_Version_E, (s, nullptr))},
-          {CALL(Get_Tool_Hardware_Version_Block_E, (s, nullptr))},
-          {CALL(Run_Project_Block, (s, 0, 0, nullptr, 1, 1, 1, 0, 0))},
-          {CALL(Send_Project_Block, (s, nullptr, 1, nullptr))},
-          {CALL(UpdataSoftWare_Block_E, (s, nullptr, 1))}}},
-        {15,
-         {{CALL(UpdataSoftWare_Block_E, (s, "/a", 301))},
-          {CALL(Send_TrajectoryFile_Block, (s, 0, 0, "/a", 301, 1, 0, 0, nullptr, 0))},
-          {"long project", sending(project_of_length(301))}}},
-        {17,
-         {{"missing update", updating("/nowhere/at/all")},
-          {"empty update", updating("./empty")},
-          {"missing project", sending(project("/nowhere/at/all"))},
-          {"directory", sending(project("/tmp"))},
-          {"negative length", sending(project_of_length(-1))}}},
-        {22, {{"save", saving_at("/nowhere/at/all")}}},
-        {-4, {{"header without slash", sending(project("a\\b", 100, 1))}}},
-        {16, {{"bare update", updating("name")}, {"bare save", saving_at("bare")}}},
-    };
-    std::vector<BadCall> all;
-    for (const auto& [status, calls] : rejections) {
-        for (const BadCall& bad : calls) {
-            const auto beyond = [call = bad.call, status = status](ArmSocket s, std::string& told) {
-                return call(s, told) - status;
-            };
-            all.push_back({bad.name + " of " + std::to_string(status), beyond});
-        }
-    }
-    expect_nothing_sent(all, 0);
+    expect_nothing_sent(
+        {
+            REJECTED(19, Save_Trajectory, (s, "/tmp/x", nullptr)),
+            REJECTED(19, Save_Drag_Teach_File_NonBlock, (s, nullptr, nullptr)),
+            REJECTED(19, Set_Controller_IP_NC_E, (s, nullptr)),
+            REJECTED(19, Get_Tool_Hardware_Version_E, (s, nullptr)),
+            REJECTED(19, Get_Tool_Hardware_Version_Block_E, (s, nullptr)),
+            REJECTED(19, Run_Project_Block, (s, 0, 0, nullptr, 1, 1, 1, 0, 0)),
+            REJECTED(19, Send_Project_Block, (s, nullptr, 1, nullptr)),
+            REJECTED(19, UpdataSoftWare_Block_E, (s, nullptr, 1)),
+            REJECTED(15, UpdataSoftWare_Block_E, (s, "/a", 301)),
+            REJECTED(15, Send_TrajectoryFile_Block, (s, 0, 0, "/a", 301, 1, 0, 0, nullptr, 0)),
+            REJECTED(15, Send_TrajectoryFile, (s, nullptr, project_of_length(301))),
+            REJECTED(17, update_at, (s, "/nowhere/at/all")),
+            REJECTED(17, update_at, (s, "./empty")),
+            REJECTED(17, Send_TrajectoryFile, (s, nullptr, project("/nowhere/at/all"))),
+            REJECTED(17, Send_TrajectoryFile, (s, nullptr, project("/tmp"))),
+            REJECTED(17, Send_TrajectoryFile, (s, nullptr, project_of_length(-1))),
+            REJECTED(22, save_at, (s, "/nowhere/at/all")),
+            REJECTED(-4, Send_TrajectoryFile, (s, nullptr, project("a\\b", 100, 1))),
+            REJECTED(16, update_at, (s, "name")),
+            REJECTED(16, save_at, (s, "bare")),
+        },
+        0);
     EXPECT_EQ(shared(IsSendFile), 0);
     EXPECT_NE(shared(F_SaveDragTeach), nullptr) << "the file of the bare name stays open";
 }
