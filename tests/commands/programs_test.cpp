@@ -146,6 +146,13 @@ const char* const kStarted = R"({"command":"set_program_id_start","start_state":
 const char* const kDefault = R"({"command": "get_default_run_program"})";
 const char* const kDefaultTold = R"({"state":"get_default_run_program","id":3})";
 
+// A start that ends by its reply, though nobody tells how the program runs.
+CommandCase turned_down(const std::string& name, Call call, const std::string& state, int status) {
+    CommandCase row{name, call, kStart, R"({"command":"set_program_id_start","start_state":)" + state + "}", status};
+    row.limit = 1000;
+    return row;
+}
+
 const std::vector<CommandCase> kRows = {
     programs("Get_Program_Trajectory_List", Get_Program_Trajectory_List, asked<ProgramList>(2, 3, "a"),
              R"({"command": "get_program_trajectory_list", "page_num": 2, "page_size": 3, "vague_search": "a"})"),
@@ -156,10 +163,8 @@ const std::vector<CommandCase> kRows = {
               R"({"state":"get_program_run_state","run_state":0})", "0 -1 -1 -1 -1 0 -1"),
     acknowledged(CALL(Set_Program_ID_Start, (s, 3, 20, false)), Set_Program_ID_Start_Cmd, kStart, kStarted),
     acknowledged(CALL(Set_Program_ID_Start_NonBlock, (s, 3, 20)), Set_Program_ID_Start_Cmd, kStart, kStarted),
-    {"Refused_" CALL(Set_Program_ID_Start, (s, 3, 20, true)), kStart,
-     R"({"command":"set_program_id_start","start_state":false})", 1},
-    {CALL(Set_Program_ID_Start_Block, (s, 3, 20)), kStart, R"({"command":"set_program_id_start","start_state":"?"})",
-     11},
+    turned_down("Refused_" CALL(Set_Program_ID_Start, (s, 3, 20, true)), "false", 1),
+    turned_down(CALL(Set_Program_ID_Start_Block, (s, 3, 20)), "\"?\"", 11),
     WAITING(Delete_Program_Trajectory, Delete_Program_Trajectory_Cmd,
             R"({"command": "delete_program_trajectory", "id": -3})",
             R"({"command":"delete_program_trajectory","delete_state":true})", -3),
