@@ -79,8 +79,9 @@ const std::vector<CommandCase> kRows = {
                R"({"command":"set_manual_tool_frame","manual_tool_frame":true})", "a \"b\"", kPose, 0.3333f, CENTRE),
     UPDATE(Update_Tool_Frame, Update_Tool_Frame_Cmd,
            R"({"command": "update_tool_frame", "tool_name": "grip", )"
-           R"("tool_pose": [123456, -300000, 1, 3141, -1570, 1], "payload": -1000, "position": [100000, -1500, 1]})",
-           R"({"command":"update_tool_frame","update_state":true})", "grip", kPose, -1, CENTRE),
+           R"("tool_pose": [123456, -300000, 1, 3141, -1570, 1], "payload": 1234.500000, )"
+           R"("position": [100000, -1500, 1]})",
+           R"({"command":"update_tool_frame","update_state":true})", "grip", kPose, 1.2345f, CENTRE),
     SELECTION(Change_Tool_Frame, Change_Tool_Frame_Cmd, R"({"command": "set_change_tool_frame", "tool_name": ""})",
               R"({"command":"set_change_tool_frame","change_tool_frame":true})", kTool, ""),
     SELECTION(Delete_Tool_Frame, Delete_Tool_Frame_Cmd, R"({"command": "set_delete_tool_frame", "tool_name": "grip"})",
