@@ -8,7 +8,7 @@
 namespace sim {
 
 // Who moved, as reports name it.
-enum class Device { arm = 0, gripper = 1, hand = 2, lift = 3, expansion_axis = 4 };
+enum class Device { kArm = 0, kGripper = 1, kHand = 2, kLift = 3, kExpansionAxis = 4 };
 
 // Clients that do not wait leave "block" out, or send a number in its place.
 inline bool wants_report(const Request& request) { return request.is_true("block"); }

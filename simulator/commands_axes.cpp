@@ -45,7 +45,7 @@ Json lift_state(Call& call) {
 // The name with a blank behind it is what clients send that do not wait for the reply.
 void add_lift(CommandTable& table) {
     for (const char* name : {"set_lift_height", "set_lift", "set_lift "})
-        table.set(name, "set_state", go(&Devices::lift, "height")).refused = refusal_of(Device::lift);
+        table.set(name, "set_state", go(&Devices::lift, "height")).refused = refusal_of(Device::kLift);
     table.set("set_lift_speed", "set_state", run(&Devices::lift, false));
     table.query("get_lift_state", "lift_state", lift_state);
 }
@@ -77,9 +77,9 @@ Json expansion_config(Call& call) {
 
 void add_expansion(CommandTable& table) {
     table.set("expand_set_pos", "set_state", go(&Devices::expansion, "pos")).refused =
-        refusal_of(Device::expansion_axis);
+        refusal_of(Device::kExpansionAxis);
     table.set("expand_set_speed", "set_state", run(&Devices::expansion, true)).refused =
-        refusal_of(Device::expansion_axis);
+        refusal_of(Device::kExpansionAxis);
     table.query("expand_get_state", "expand_state", expansion_state);
     table.set("expand_config", "config_state", configure_expansion);
     table.query("expand_get_config", "expand_get_config", expansion_config);
@@ -112,7 +112,7 @@ Json base_state(Call& call) {
     const MobileBase& base = call.controller.devices.base;
     return {{"battery_volume", base.battery()},
             {"voltage", 48000},
-            {"current", base.state() == MobileBase::State::rests ? 500 : 4000},
+            {"current", base.state() == MobileBase::State::kRests ? 500 : 4000},
             {"car_err", 0},
             {"car_state", static_cast<int>(base.state())},
             {"station_num", base.station()}};

@@ -46,7 +46,7 @@ bool start_multi_drag_teach(Call& call) {
     } else {
         by_sensor = request.integer("mode", 0, 3) != 0;
     }
-    if (by_sensor && call.controller.arm.model().sensor != Sensor::six_force)
+    if (by_sensor && call.controller.arm.model().sensor != Sensor::kSixForce)
         throw BadRequest(request.command() + ": the arm has no six-axis force sensor");
     return start(call, true, by_sensor ? "sensor_drag" : "current_drag");
 }

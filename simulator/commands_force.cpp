@@ -22,24 +22,24 @@ void demand(const Call& call, Sensor sensor) {
 }
 
 Json force_data(Call& call) {
-    demand(call, Sensor::six_force);
+    demand(call, Sensor::kSixForce);
     const Controller& controller = call.controller;
     return {{"force_data", wire_forces(controller.sensor.measured())},
-            {"zero_force_data", wire_forces(controller.felt(ForceAxes::sensor))},
-            {"work_zero_force_data", wire_forces(controller.felt(ForceAxes::work))},
-            {"tool_zero_force_data", wire_forces(controller.felt(ForceAxes::tool))}};
+            {"zero_force_data", wire_forces(controller.felt(ForceAxes::kSensor))},
+            {"work_zero_force_data", wire_forces(controller.felt(ForceAxes::kWork))},
+            {"tool_zero_force_data", wire_forces(controller.felt(ForceAxes::kTool))}};
 }
 
 // Here false is the good state.
 Json fz(Call& call) {
-    demand(call, Sensor::one_force);
+    demand(call, Sensor::kOneForce);
     const Controller& controller = call.controller;
     const auto along_z = [](const KDL::Wrench& wrench) { return std::lround(wrench.force.z() * 1000); };
     return {{"set_state", false},
             {"Fz", along_z(controller.sensor.measured())},
-            {"zero_Fz", along_z(controller.felt(ForceAxes::sensor))},
-            {"work_zero_Fz", along_z(controller.felt(ForceAxes::work))},
-            {"tool_zero_Fz", along_z(controller.felt(ForceAxes::tool))}};
+            {"zero_Fz", along_z(controller.felt(ForceAxes::kSensor))},
+            {"work_zero_Fz", along_z(controller.felt(ForceAxes::kWork))},
+            {"tool_zero_Fz", along_z(controller.felt(ForceAxes::kTool))}};
 }
 
 Action clear(Sensor sensor) {
@@ -144,7 +144,7 @@ Action calibrate_automatically(const SharedCalibration& calibration, Sensor sens
         calibration->samples.clear();
         for (const JointVector& pose : poses) measure_at(controller, pose, calibration, [](bool) {});
         Move back = joint_move(controller.arm, home);
-        back.ended = conclusion(call, calibration, sensor == Sensor::one_force);
+        back.ended = conclusion(call, calibration, sensor == Sensor::kOneForce);
         controller.arm.order(back);
         return true;
     };
@@ -158,7 +158,7 @@ JointVector pose_of(const Call& call, const char* key) {
 
 // Poses of the client's come one by one; the last one is answered.
 void measure_pose(Call& call, const SharedCalibration& calibration, bool first) {
-    demand(call, Sensor::six_force);
+    demand(call, Sensor::kSixForce);
     const JointVector pose = pose_of(call, "joint");
     demand_poses(call, {pose});
     if (first) calibration->samples.clear();
@@ -167,7 +167,7 @@ void measure_pose(Call& call, const SharedCalibration& calibration, bool first) 
 }
 
 bool measure_last_pose(Call& call, const SharedCalibration& calibration) {
-    demand(call, Sensor::six_force);
+    demand(call, Sensor::kSixForce);
     const JointVector pose = pose_of(call, "joint");
     demand_poses(call, {pose});
     calibration->running = true;
@@ -177,7 +177,7 @@ bool measure_last_pose(Call& call, const SharedCalibration& calibration) {
 
 // Clients send the seventh joint of the second pose behind the first pose.
 bool measure_two_poses(Call& call, const SharedCalibration& calibration) {
-    demand(call, Sensor::one_force);
+    demand(call, Sensor::kOneForce);
     const size_t joints = call.controller.arm.joint_count();
     const bool shifted = joints == 7;
     JointVector first = call.request.numbers("pose1", shifted ? 8 : joints);
@@ -204,8 +204,8 @@ void add_calibrations(CommandTable& table) {
         command.literal = "set_force_sensor";
         command.acknowledged_later = true;
     };
-    add("set_force_sensor", calibrate_automatically(calibration, Sensor::six_force));
-    add("auto_set_Fz", calibrate_automatically(calibration, Sensor::one_force));
+    add("set_force_sensor", calibrate_automatically(calibration, Sensor::kSixForce));
+    add("auto_set_Fz", calibrate_automatically(calibration, Sensor::kOneForce));
     add("manual_set_Fz", [calibration](Call& call) { return measure_two_poses(call, calibration); });
     for (const int number : {1, 2, 3}) {
         table.order("manual_set_force_pose" + std::to_string(number),
@@ -240,9 +240,9 @@ bool stop_force_position(Call& call) {
 
 void add_force_commands(CommandTable& table) {
     table.query("get_force_data", "get_force_data", force_data);
-    table.set("clear_force_data", "clear_state", clear(Sensor::six_force));
+    table.set("clear_force_data", "clear_state", clear(Sensor::kSixForce));
     table.query("get_Fz", "get_Fz", fz);
-    table.set("clear_Fz", "set_state", clear(Sensor::one_force));
+    table.set("clear_Fz", "set_state", clear(Sensor::kOneForce));
     add_calibrations(table);
     table.set("set_force_position", "set_state", set_force_position);
     table.set("stop_force_position", "stop_state", stop_force_position);

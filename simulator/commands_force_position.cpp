@@ -14,17 +14,17 @@ namespace {
 // The mode that set-points are taken in.
 struct Mode {
     bool on = false;
-    Verdict last = Verdict::followed;
+    Verdict last = Verdict::kFollowed;
 };
 
 bool start(Call& call, Mode& mode) {
     Controller& controller = call.controller;
-    if (controller.arm.model().sensor == Sensor::bare)
+    if (controller.arm.model().sensor == Sensor::kBare)
         throw BadRequest("Start_Force_Position_Move: the arm has no force sensor");
     const std::string objection = controller.arm.objection_to_moving();
     if (!objection.empty()) throw BadRequest("Start_Force_Position_Move: " + objection);
     if (!controller.arm.motion().idle()) return false;
-    mode = {.on = true, .last = Verdict::followed};
+    mode = {.on = true, .last = Verdict::kFollowed};
     return true;
 }
 
@@ -36,13 +36,13 @@ bool stop(Call& call, Mode& mode) {
 Verdict follow(const Call& call, const Mode& mode) {
     Controller& controller = call.controller;
     const HoldOrder order = hold_order(call.request, controller.arm.model().sensor);
-    if (!mode.on) return Verdict::not_now;
+    if (!mode.on) return Verdict::kNotNow;
     const bool direct = call.request.has("follow") && call.request.flag("follow");
     const auto target = call.request.has("joint") ? joint_target : pose_target;
     const Verdict verdict =
         follow_set_point(call, {.target = target, .direct = direct, .near = true, .status = "move_through_force_pose"});
-    if (verdict != Verdict::followed) return verdict;
-    return controller.hold_force(order) ? verdict : Verdict::not_now;
+    if (verdict != Verdict::kFollowed) return verdict;
+    return controller.hold_force(order) ? verdict : Verdict::kNotNow;
 }
 
 // Degrees, newtons and newton metres; the force along the first held direction in tenths of a newton. All are what the
@@ -50,7 +50,7 @@ Verdict follow(const Call& call, const Mode& mode) {
 Json report(const Call& call, Verdict verdict) {
     const Controller& controller = call.controller;
     const HoldOrder& order = controller.hold.order();
-    const KDL::Wrench pressed = -controller.felt(order.of_tool ? ForceAxes::tool : ForceAxes::work);
+    const KDL::Wrench pressed = -controller.felt(order.of_tool ? ForceAxes::kTool : ForceAxes::kWork);
     std::vector<double> forces(6);
     double along = 0;
     for (int i = 5; i >= 0; --i) {
@@ -65,12 +65,12 @@ Json report(const Call& call, Verdict verdict) {
 }
 
 void take(Call& call, Mode& mode) {
-    Verdict verdict = Verdict::malformed;
+    Verdict verdict = Verdict::kMalformed;
     try {
         verdict = follow(call, mode);
     } catch (const BadRequest&) {
     }
-    if (std::exchange(mode.last, verdict) != verdict && verdict != Verdict::followed)
+    if (std::exchange(mode.last, verdict) != verdict && verdict != Verdict::kFollowed)
         note(call.client->name() + ": Force_Position_Move: set-point refused: " + reason(verdict));
     call.client->send(report(call, verdict));
 }

@@ -14,7 +14,7 @@ bool release(Call& call) {
     Gripper& gripper = call.controller.devices.gripper;
     const int speed = call.request.integer("speed", 1, kMaxSpeed);
     gripper.audience.expect(call.client, wants_report(call.request));
-    gripper.go(gripper.widest, speed, 0, Gripper::Mode::position);
+    gripper.go(gripper.widest, speed, 0, Gripper::Mode::kPosition);
     return true;
 }
 
@@ -33,7 +33,7 @@ bool position(Call& call) {
     Gripper& gripper = call.controller.devices.gripper;
     const int opening = call.request.integer("position", gripper.narrowest, gripper.widest);
     gripper.audience.expect(call.client, wants_report(call.request));
-    gripper.go(opening, kMaxSpeed, kMinForce, Gripper::Mode::position);
+    gripper.go(opening, kMaxSpeed, kMinForce, Gripper::Mode::kPosition);
     return true;
 }
 
@@ -61,8 +61,8 @@ Json state(Call& call) {
 void add_gripper_commands(CommandTable& table) {
     table.set("set_gripper_route", "state", route);
     table.set("set_gripper_release", "state", release);
-    table.set("set_gripper_pick", "state", pick(Gripper::Mode::pick));
-    table.set("set_gripper_pick_on", "state", pick(Gripper::Mode::pick_on));
+    table.set("set_gripper_pick", "state", pick(Gripper::Mode::kPick));
+    table.set("set_gripper_pick_on", "state", pick(Gripper::Mode::kPickOn));
     table.set("set_gripper_position", "state", position);
     table.query("get_gripper_state", "get_gripper_state", state);
 }

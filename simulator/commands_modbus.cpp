@@ -132,25 +132,25 @@ void add_writes(CommandTable& table) {
 
 void add_modes(CommandTable& table) {
     table.set("set_modbus_mode", "set_state", [](Call& call) {
-        ModbusPort& port = call.controller.modbus.port(call.request.integer("port", 0, ModbusMaster::kTool));
+        ModbusPort& port = call.controller.modbus.port(call.request.integer("port", 0, ModbusMaster::ZK_K_TOOL));
         const int baudrate = call.request.integer("baudrate", 1);
         port.timeout = call.request.integer("timeout", 0);
         port.baudrate = baudrate;
         return port.open = true;
     });
     table.set("close_modbus_mode", "set_state", [](Call& call) {
-        call.controller.modbus.port(call.request.integer("port", 0, ModbusMaster::kTool)).open = false;
+        call.controller.modbus.port(call.request.integer("port", 0, ModbusMaster::ZK_K_TOOL)).open = false;
         return true;
     });
     table.set("set_modbustcp_mode", "set_state", [](Call& call) {
         call.request.text("ip");
         call.request.integer("port", 1, 65535);
-        ModbusPort& port = call.controller.modbus.port(ModbusMaster::kTcp);
+        ModbusPort& port = call.controller.modbus.port(ModbusMaster::ZK_K_TCP);
         port.timeout = call.request.integer("timeout", 0);
         return port.open = true;
     });
     table.set("close_modbustcp_mode", "set_state", [](Call& call) {
-        call.controller.modbus.port(ModbusMaster::kTcp).open = false;
+        call.controller.modbus.port(ModbusMaster::ZK_K_TCP).open = false;
         return true;
     });
 }

@@ -50,7 +50,7 @@ bool set_realtime_push(Call& call) {
 Json get_realtime_push(Call& call) {
     const PushSettings& settings = call.controller.push;
     Json reply{{"cycle", settings.cycle}, {"enable", settings.enable}, {"port", settings.port}};
-    if (call.controller.arm.model().sensor != Sensor::bare) reply["force_coordinate"] = settings.force_coordinate;
+    if (call.controller.arm.model().sensor != Sensor::kBare) reply["force_coordinate"] = settings.force_coordinate;
     reply["ip"] = settings.ip;
     for (const auto& [key, flag] : kCustom) reply["custom"][key] = settings.*flag;
     return reply;

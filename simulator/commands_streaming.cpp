@@ -46,17 +46,17 @@ Json report(const Call& call, const Manner& manner, Verdict verdict) {
 struct Counts {
     int64_t received = 0;
     int64_t refused = 0;
-    Verdict last = Verdict::followed;
+    Verdict last = Verdict::kFollowed;
 };
 
 void take(Call& call, const Manner& manner, Counts& counts) {
-    Verdict verdict = Verdict::malformed;
+    Verdict verdict = Verdict::kMalformed;
     try {
         verdict = follow(call, manner);
     } catch (const BadRequest&) {
     }
     ++counts.received;
-    const bool followed = verdict == Verdict::followed;
+    const bool followed = verdict == Verdict::kFollowed;
     if (!followed) ++counts.refused;
     // A stream that goes wrong does so a thousand times a second: its first refusal is enough of a note.
     if (std::exchange(counts.last, verdict) != verdict && !followed)

@@ -162,9 +162,9 @@ void add_wireless_and_serial(CommandTable& table, const std::shared_ptr<Network>
                     {"modbus_timeout", port.open ? port.timeout : 0}};
     };
     table.query("get_controller_RS485_mode", "get_controller_RS485_mode",
-                [=](Call& call) { return serial_mode(call, ModbusMaster::kController, "controller_RS485_mode"); });
+                [=](Call& call) { return serial_mode(call, ModbusMaster::ZK_K_CONTROLLER, "controller_RS485_mode"); });
     table.query("get_tool_RS485_mode", "get_tool_RS485_mode",
-                [=](Call& call) { return serial_mode(call, ModbusMaster::kTool, "tool_RS485_mode"); });
+                [=](Call& call) { return serial_mode(call, ModbusMaster::ZK_K_TOOL, "tool_RS485_mode"); });
 }
 
 void add_run_mode(CommandTable& table) {

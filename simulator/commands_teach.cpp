@@ -108,7 +108,7 @@ Axis requested_axis(const Call& call, const char* key, const char* suffix, bool 
         std::string name = turn ? "r" : "";
         name += "xyz"[i];
         name += suffix;
-        if (requested == name) return {i, turn, call.controller.teach_frame == TeachFrame::tool};
+        if (requested == name) return {i, turn, call.controller.teach_frame == TeachFrame::kTool};
     }
     throw BadRequest(call.request.command() + ": no axis '" + requested + "'");
 }

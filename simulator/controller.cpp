@@ -51,7 +51,7 @@ Controller::Controller(const Options& options)
     arm.motion().on_end = [](const Move& move, bool arrived) {
         if (move.ended) return move.ended(arrived);
         if (arrived && move.connect != 0) return;  // joined to the next
-        report_arrival(move.client.lock(), Device::arm, arrived, move.connect);
+        report_arrival(move.client.lock(), Device::kArm, arrived, move.connect);
     };
     measure_force();
 }
@@ -112,10 +112,10 @@ void Controller::measure_force() {
 
 KDL::Wrench Controller::felt(ForceAxes axes) const {
     KDL::Wrench wrench = sensor.compensated();
-    if (arm.model().sensor == Sensor::one_force) wrench = {KDL::Vector(0, 0, wrench.force.z()), KDL::Vector::Zero()};
-    if (axes == ForceAxes::sensor) return wrench;
+    if (arm.model().sensor == Sensor::kOneForce) wrench = {KDL::Vector(0, 0, wrench.force.z()), KDL::Vector::Zero()};
+    if (axes == ForceAxes::kSensor) return wrench;
     const KDL::Wrench at_tool = surroundings().flange_T_tool.Inverse(wrench);
-    return axes == ForceAxes::tool ? at_tool : tool_pose().M * at_tool;
+    return axes == ForceAxes::kTool ? at_tool : tool_pose().M * at_tool;
 }
 
 bool Controller::hold_force(const HoldOrder& order) {
@@ -135,7 +135,7 @@ bool Controller::settle_hold() {
 void Controller::step_hold(double seconds) {
     if (hold.active() && !arm.objection_to_moving().empty()) hold.end();
     if (!hold.active() && (!hold.stands_off() || settle_hold())) return;
-    hold.step(seconds, -felt(hold.order().of_tool ? ForceAxes::tool : ForceAxes::work));
+    hold.step(seconds, -felt(hold.order().of_tool ? ForceAxes::kTool : ForceAxes::kWork));
 }
 
 // Where the arm cannot give way any further it stays.

@@ -44,9 +44,9 @@ struct CartesianLimits {
 };
 
 // Whose axes the tool is jogged along and about.
-enum class TeachFrame { work = 0, tool = 1 };
+enum class TeachFrame { kWork = 0, kTool = 1 };
 
-enum class ForceAxes { sensor, work, tool };
+enum class ForceAxes { kSensor, kWork, kTool };
 
 // Everything that the controller knows, and the commands that act on it. Runs in one thread, knows no sockets, and
 // moves only when `step` tells it that time has passed.
@@ -103,7 +103,7 @@ class Controller {
     std::array<double, 3> install{};  // mounting rx, ry, rz in degrees
     JointVector init_pose;
     CartesianLimits tool_limits;
-    TeachFrame teach_frame = TeachFrame::work;
+    TeachFrame teach_frame = TeachFrame::kWork;
     ModbusMaster modbus;
     PushSettings push;
     Files files;

@@ -138,7 +138,7 @@ int LinearAxis::position() const { return static_cast<int>(std::lround(slide_.po
 void MobileBase::drive(int linear, int angular) {
     linear_ = linear;
     turning_ = angular / 1000.0;
-    state_ = linear != 0 || angular != 0 ? State::drives : State::rests;
+    state_ = linear != 0 || angular != 0 ? State::kDrives : State::kRests;
 }
 
 void MobileBase::go_to_station(int station, int speed) {
@@ -148,16 +148,16 @@ void MobileBase::go_to_station(int station, int speed) {
     departure_ = place_;
     way_ = Slide(way_.acc);
     way_.go(std::hypot(x, y), speed);
-    state_ = State::navigates;
+    state_ = State::kNavigates;
 }
 
-void MobileBase::charge(bool on) { state_ = on ? State::charges : State::rests; }
+void MobileBase::charge(bool on) { state_ = on ? State::kCharges : State::kRests; }
 
 void MobileBase::stand_at(int station) {
     station_ = station;
     place_.x = station * kStationDistance;
     place_.y = 0;
-    state_ = State::rests;
+    state_ = State::kRests;
 }
 
 void MobileBase::advance(const Place& from, double distance) {
@@ -166,12 +166,12 @@ void MobileBase::advance(const Place& from, double distance) {
 }
 
 void MobileBase::step(double seconds) {
-    if (state_ == State::charges) battery_ = std::min(100.0, battery_ + kChargeRate * seconds);
-    if (state_ == State::drives) {
+    if (state_ == State::kCharges) battery_ = std::min(100.0, battery_ + kChargeRate * seconds);
+    if (state_ == State::kDrives) {
         place_.heading += turning_ * seconds;
         advance(place_, linear_ * seconds);
     }
-    if (state_ != State::navigates) return;
+    if (state_ != State::kNavigates) return;
     way_.step(seconds);
     advance(departure_, way_.position());
     if (!way_.moving()) stand_at(target_);

@@ -51,7 +51,7 @@ class Audience {
 class Gripper {
  public:
     static constexpr int kOpen = 1000;
-    enum class Mode { position = 0, pick = 1, pick_on = 2 };
+    enum class Mode { kPosition = 0, kPick = 1, kPickOn = 2 };
 
     explicit Gripper(int object_width) : object_(object_width) {}
 
@@ -65,13 +65,13 @@ class Gripper {
     Mode mode() const { return mode_; }
 
     int narrowest = 0, widest = kOpen;
-    Audience audience{Device::gripper};
+    Audience audience{Device::kGripper};
 
  private:
     Slide fingers_{5000, kOpen};
     int object_;  // its width; 0 for none
     int force_ = 0;
-    Mode mode_ = Mode::position;
+    Mode mode_ = Mode::kPosition;
     bool arrived_ = true;
 };
 
@@ -91,7 +91,7 @@ class Hand {
 
     int speed = kBent;  // per second
     int force = kBent;
-    Audience audience{Device::hand};
+    Audience audience{Device::kHand};
 
  private:
     void begin_next();
@@ -138,7 +138,7 @@ struct ExpansionConfig {
 // axis.
 class MobileBase {
  public:
-    enum class State { rests = 0, drives = 1, navigates = 2, charges = 3 };
+    enum class State { kRests = 0, kDrives = 1, kNavigates = 2, kCharges = 3 };
 
     void drive(int linear, int angular);  // millimetres and thousandths of a radian per second
     void go_to_station(int station, int speed);
@@ -158,7 +158,7 @@ class MobileBase {
 
     void advance(const Place& from, double distance);
 
-    State state_ = State::rests;
+    State state_ = State::kRests;
     Place place_;
     double linear_ = 0, turning_ = 0;  // radians per second
     Place departure_;
@@ -175,8 +175,8 @@ struct Devices {
 
     Gripper gripper;
     Hand hand;
-    LinearAxis lift{Device::lift, 0, 1000, 400, 800};  // millimetres
-    LinearAxis expansion{Device::expansion_axis, -200'000, 200'000, 50'000, 250'000};
+    LinearAxis lift{Device::kLift, 0, 1000, 400, 800};  // millimetres
+    LinearAxis expansion{Device::kExpansionAxis, -200'000, 200'000, 50'000, 250'000};
     ExpansionConfig expansion_config;
     MobileBase base;
 };

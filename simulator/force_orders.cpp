@@ -32,13 +32,13 @@ void read_directions(const Request& request, HoldOrder& order) {
 }  // namespace
 
 HoldOrder hold_order(const Request& request, Sensor sensor) {
-    const Sensor asked = request.integer("sensor", 0, 1) == 0 ? Sensor::one_force : Sensor::six_force;
+    const Sensor asked = request.integer("sensor", 0, 1) == 0 ? Sensor::kOneForce : Sensor::kSixForce;
     if (asked != sensor) throw BadRequest(request.command() + ": the arm has no such sensor");
     HoldOrder order;
     order.of_tool = request.integer("mode", 0, 1) == 1;
     request.has("control_mode") ? read_directions(request, order) : read_direction(request, order);
     for (size_t i = 0; i < 6; ++i) {
-        if (order.held[i] && sensor == Sensor::one_force && (i != 2 || !order.of_tool))
+        if (order.held[i] && sensor == Sensor::kOneForce && (i != 2 || !order.of_tool))
             throw BadRequest(request.command() + ": the sensor feels the z direction of the tool alone");
     }
     return order;

@@ -45,7 +45,7 @@ struct ModbusPort {
 // The ports, and who answers there.
 class ModbusMaster {
  public:
-    enum { kController, kTool, kTcp, kPorts };
+    enum { ZK_K_CONTROLLER, ZK_K_TOOL, ZK_K_TCP, ZK_K_PORTS };
 
     ModbusPort& port(int number) { return ports_.at(static_cast<size_t>(number)); }
 
@@ -53,7 +53,7 @@ class ModbusMaster {
     ModbusDevice* find(int port, int device);
 
  private:
-    std::array<ModbusPort, kPorts> ports_;
+    std::array<ModbusPort, ZK_K_PORTS> ports_;
 };
 
 }  // namespace sim

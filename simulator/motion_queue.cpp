@@ -32,25 +32,25 @@ void MotionQueue::add(Move move, const JointVector& joints) {
 JointVector MotionQueue::end(const JointVector& joints) const {
     if (!joined_.empty()) return joined_.end();
     if (!waiting_.empty()) return waiting_.back().end();
-    const bool arrives = brake_ == Brake::none || brake_ == Brake::pause;
+    const bool arrives = brake_ == Brake::kNone || brake_ == Brake::kPause;
     return running_ && arrives ? running_->path.at(1) : stream_.last(joints);
 }
 
 void MotionQueue::stop() {
     drop_waiting();
     stream_.stop();
-    brake(Brake::stop, 1);
+    brake(Brake::kStop, 1);
 }
 
 void MotionQueue::slow_stop() {
     drop_waiting();
     stream_.stop();
-    brake(Brake::slow_stop, kSlowStopShare);
+    brake(Brake::kSlowStop, kSlowStopShare);
 }
 
 void MotionQueue::delete_current() {
     if (running_ && !paused_) {
-        brake(Brake::remove, 1);
+        brake(Brake::kRemove, 1);
     } else if (running_) {
         drop(running_->trajectory);
         running_.reset();
@@ -63,14 +63,14 @@ void MotionQueue::delete_current() {
 }
 
 bool MotionQueue::pause() {
-    if (!current() || paused_ || brake_ != Brake::none) return false;
-    brake(Brake::pause, 1);
+    if (!current() || paused_ || brake_ != Brake::kNone) return false;
+    brake(Brake::kPause, 1);
     paused_ = !running_;
     return true;
 }
 
 bool MotionQueue::resume() {
-    if (brake_ == Brake::pause) {
+    if (brake_ == Brake::kPause) {
         resume_at_rest_ = true;
         return true;
     }
@@ -80,7 +80,7 @@ bool MotionQueue::resume() {
 void MotionQueue::step(double seconds, JointVector& joints) {
     stream_.step(seconds, joints);
     if (running_ && !paused_) advance(seconds, joints);
-    if (brake_ == Brake::none) report_dropped();
+    if (brake_ == Brake::kNone) report_dropped();
     if (!current()) paused_ = false;
     if (!running_ && !paused_ && !waiting_.empty() && stream_.resting()) begin(joints);
 }
@@ -98,14 +98,14 @@ size_t MotionQueue::size() const {
 
 std::string MotionQueue::status() const {
     switch (brake_) {
-        case Brake::pause:
+        case Brake::kPause:
             return "pause";
-        case Brake::slow_stop:
+        case Brake::kSlowStop:
             return "slow_stop";
-        case Brake::stop:
-        case Brake::remove:
+        case Brake::kStop:
+        case Brake::kRemove:
             return "stop";
-        case Brake::none:
+        case Brake::kNone:
             break;
     }
     if (paused_) return "pause";
@@ -138,9 +138,9 @@ void MotionQueue::advance(double seconds, JointVector& joints) {
 }
 
 void MotionQueue::come_to_rest() {
-    const Brake reason = std::exchange(brake_, Brake::none);
+    const Brake reason = std::exchange(brake_, Brake::kNone);
     brake_share_ = 0;
-    const bool pausing = reason == Brake::pause;
+    const bool pausing = reason == Brake::kPause;
     paused_ = pausing && !std::exchange(resume_at_rest_, false);
     if (pausing && running_->covered < kEndOfPath) {
         running_->profile = Profile::between_rests(1 - running_->covered, running_->path.speed, running_->path.acc);
@@ -148,7 +148,7 @@ void MotionQueue::come_to_rest() {
     }
     const Trajectory trajectory = std::move(running_->trajectory);
     running_.reset();
-    if (reason == Brake::none || pausing) {
+    if (reason == Brake::kNone || pausing) {
         report(trajectory, true);
     } else {
         drop(trajectory);

@@ -55,14 +55,14 @@ class MotionQueue {
     bool idle() const { return !current() && stream_.resting(); }
 
     // All moves are stopped, and none has been added since.
-    bool stopping() const { return brake_ > Brake::pause && waiting_.empty(); }
+    bool stopping() const { return brake_ > Brake::kPause && waiting_.empty(); }
 
     // As the real-time push names it.
     std::string status() const;
 
  private:
     // In the order in which one takes the place of another.
-    enum class Brake { none, pause, slow_stop, stop, remove };
+    enum class Brake { kNone, kPause, kSlowStop, kStop, kRemove };
 
     struct Running {
         Trajectory trajectory;
@@ -88,7 +88,7 @@ class MotionQueue {
     std::deque<Trajectory> waiting_;
     Trajectory joined_;          // as far as it has come
     std::vector<Move> dropped_;  // to be reported at rest
-    Brake brake_ = Brake::none;
+    Brake brake_ = Brake::kNone;
     double brake_share_ = 0;  // of the acceleration limit
     bool paused_ = false;
     bool resume_at_rest_ = false;

@@ -50,17 +50,17 @@ std::string status_of(const Controller& controller) {
 std::vector<int> wire_forces(const KDL::Wrench& wrench, Sensor sensor) {
     std::vector<int> wire;
     for (int i = 0; i < 6; ++i) {
-        if (sensor == Sensor::six_force || i == 2) wire.push_back(static_cast<int>(std::lround(wrench(i) * 1000)));
+        if (sensor == Sensor::kSixForce || i == 2) wire.push_back(static_cast<int>(std::lround(wrench(i) * 1000)));
     }
     return wire;
 }
 
 void add_force(const Controller& controller, Json& message) {
     const Sensor sensor = controller.arm.model().sensor;
-    if (sensor == Sensor::bare) return;
+    if (sensor == Sensor::kBare) return;
     const int coordinate = controller.push.force_coordinate;
     const KDL::Wrench zero = controller.felt(static_cast<ForceAxes>(coordinate));
-    message[sensor == Sensor::six_force ? "six_force_sensor" : "one_force_sensor"] = {
+    message[sensor == Sensor::kSixForce ? "six_force_sensor" : "one_force_sensor"] = {
         {"force", wire_forces(controller.sensor.measured(), sensor)},
         {"zero_force", wire_forces(zero, sensor)},
         {"coordinate", coordinate}};

@@ -14,7 +14,7 @@ constexpr double kRadians = std::numbers::pi / 180;
 using Row = std::array<double, kMaxJoints>;
 
 // modified: Rx(alpha) Tx(a) Rz(theta) Tz(d) for each joint; standard: Rz(theta) Tz(d) Tx(a) Rx(alpha).
-enum class Convention { modified, standard };
+enum class Convention { kModified, kStandard };
 
 struct ArmTable {
     const char* name;
@@ -35,7 +35,7 @@ constexpr ArmTable kArms[] = {
     {.name = "ZK65",
      .joints = 6,
      .sensors = 3,
-     .convention = Convention::modified,
+     .convention = Convention::kModified,
      .flange = {0.144, 0.152, 0.1725},
      .d = {0.2405, 0, 0, 0.21, 0},
      .a = {0, 0, 0.256, 0, 0, 0},
@@ -48,7 +48,7 @@ constexpr ArmTable kArms[] = {
     {.name = "ZK75",
      .joints = 7,
      .sensors = 3,
-     .convention = Convention::standard,
+     .convention = Convention::kStandard,
      .flange = {0.144, 0.152, 0.1725},
      .d = {0.2405, 0, 0.256, 0, 0.21, 0, 0},
      .a = {0, 0, 0, 0, 0, 0, 0},
@@ -61,7 +61,7 @@ constexpr ArmTable kArms[] = {
     {.name = "63",
      .joints = 6,
      .sensors = 3,
-     .convention = Convention::modified,
+     .convention = Convention::kModified,
      .flange = {0.115, 0.123, 0.1435},
      .d = {0.172, 0, 0, 0.405, 0},
      .a = {0, -0.086, 0.38, 0.069, 0, 0},
@@ -74,7 +74,7 @@ constexpr ArmTable kArms[] = {
     {.name = "ORB65",
      .joints = 6,
      .sensors = 3,
-     .convention = Convention::modified,
+     .convention = Convention::kModified,
      .flange = {0.0795, 0.0875, 0.108},
      .d = {0.1625, 0, 0, -0.05888, 0.11},
      .a = {0, -0.086, 0.26, 0.24, 0, 0},
@@ -87,7 +87,7 @@ constexpr ArmTable kArms[] = {
     {.name = "62",
      .joints = 6,
      .sensors = 1,
-     .convention = Convention::modified,
+     .convention = Convention::kModified,
      .flange = {0.0707},
      .d = {0.136, 0, 0, -0.0585, 0.071},
      .a = {0, -0.07, 0.148, 0.136, 0, 0},
@@ -100,7 +100,7 @@ constexpr ArmTable kArms[] = {
     {.name = "72",
      .joints = 7,
      .sensors = 1,
-     .convention = Convention::modified,
+     .convention = Convention::kModified,
      .flange = {0.0905},
      .d = {0.218, 0, 0.28, 0, 0.2525, 0, 0},
      .a = {0, 0, 0, 0.04, -0.019, 0, 0.067},
@@ -113,7 +113,7 @@ constexpr ArmTable kArms[] = {
     {.name = "ORB63",
      .joints = 6,
      .sensors = 3,
-     .convention = Convention::modified,
+     .convention = Convention::kModified,
      .flange = {0.0795, 0.0875, 0.108},
      .d = {0.1625, 0, 0, -0.0589, 0.11},
      .a = {0, -0.086, 0.41, 0.38, 0, 0},
@@ -137,12 +137,12 @@ KDL::Frame turn_and_lift(double offset, double d) {
 // before a joint belongs to the tip of the segment before it.
 KDL::Chain make_chain(const ArmTable& arm, double flange) {
     KDL::Chain chain;
-    if (arm.convention == Convention::modified)
+    if (arm.convention == Convention::kModified)
         chain.addSegment(KDL::Segment(KDL::Joint(KDL::Joint::None), twist_and_offset(arm.alpha[0], arm.a[0])));
     for (size_t i = 0; i < arm.joints; ++i) {
         const bool last = i + 1 == arm.joints;
         KDL::Frame tip = turn_and_lift(arm.offset[i], last ? flange : arm.d[i]);
-        if (arm.convention == Convention::standard) {
+        if (arm.convention == Convention::kStandard) {
             tip = tip * twist_and_offset(arm.alpha[i], arm.a[i]);
         } else if (!last) {
             tip = tip * twist_and_offset(arm.alpha[i + 1], arm.a[i + 1]);

@@ -9,7 +9,7 @@ namespace sim {
 // One number per joint; angles in degrees unless a name says otherwise.
 using JointVector = std::vector<double>;
 
-enum class Sensor { bare, one_force, six_force };
+enum class Sensor { kBare, kOneForce, kSixForce };
 
 // What the mechanics of a joint allow.
 struct JointRange {

@@ -44,17 +44,17 @@ bool too_far(const Arm& arm, const JointVector& target) {
 
 const char* reason(Verdict verdict) {
     switch (verdict) {
-        case Verdict::malformed:
+        case Verdict::kMalformed:
             return "malformed";
-        case Verdict::beyond_limit:
+        case Verdict::kBeyondLimit:
             return "beyond a limit";
-        case Verdict::too_far:
+        case Verdict::kTooFar:
             return "too far from where the arm stands";
-        case Verdict::unreachable:
+        case Verdict::kUnreachable:
             return "out of reach";
-        case Verdict::not_now:
+        case Verdict::kNotNow:
             return "the arm may not move, has moves to do, or was stopped";
-        case Verdict::followed:
+        case Verdict::kFollowed:
             break;
     }
     return "";
@@ -74,13 +74,13 @@ std::optional<JointVector> pose_target(const Call& call) {
 
 Verdict follow_set_point(const Call& call, const Following& following) {
     Arm& arm = call.controller.arm;
-    if (!arm.objection_to_moving().empty()) return Verdict::not_now;
+    if (!arm.objection_to_moving().empty()) return Verdict::kNotNow;
     const std::optional<JointVector> target = following.target(call);
-    if (!target) return Verdict::unreachable;
-    if (!arm.objection_to(*target).empty()) return Verdict::beyond_limit;
-    if (following.near && too_far(arm, *target)) return Verdict::too_far;
+    if (!target) return Verdict::kUnreachable;
+    if (!arm.objection_to(*target).empty()) return Verdict::kBeyondLimit;
+    if (following.near && too_far(arm, *target)) return Verdict::kTooFar;
     const bool taken = arm.motion().follow({*target, arm.paces(), following.direct, following.status});
-    return taken ? Verdict::followed : Verdict::not_now;
+    return taken ? Verdict::kFollowed : Verdict::kNotNow;
 }
 
 std::vector<double> reported_joints(const Call& call) {

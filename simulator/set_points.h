@@ -8,7 +8,7 @@
 namespace sim {
 
 // What a report tells of its set-point. Above all statuses that clients know, since they return it among those.
-enum class Verdict { followed = 0, malformed = 257, beyond_limit, too_far, unreachable, not_now };
+enum class Verdict { kFollowed = 0, kMalformed = 257, kBeyondLimit, kTooFar, kUnreachable, kNotNow };
 
 const char* reason(Verdict verdict);
 

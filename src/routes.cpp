@@ -94,9 +94,9 @@ void report(int slot, char* message) {
     }
     if (const MotionReportCallback callback = read(callback1, std::memory_order_acquire)) callback(report);
 }
-constexpr Handler joint_report = report<1>;
-constexpr Handler pose_report = report<2>;
-constexpr Handler force_report = report<3>;
+constexpr Handler kJointReport = report<1>;
+constexpr Handler kPoseReport = report<2>;
+constexpr Handler kForceReport = report<3>;
 
 void drag_point(int slot, char* message) {
     if (message) save_drag_point(slot, message);
@@ -119,7 +119,7 @@ void arrival(int slot, char* message) {
 }
 
 // clang-format off
-constexpr Route routes[] = {
+constexpr Route kRoutes[] = {
     {{"add_global_waypoint"}, 265, add<Add_Global_Waypoint_Cmd, Parser_Add_State>},
     {{"update_global_waypoint"}, 266, add<Update_Global_Waypoint_Cmd, Parser_Update_State>},
     {{"delete_global_waypoint"}, 267, add<Delete_Global_Waypoint_Cmd, Parser_Delete_State>},
@@ -201,8 +201,8 @@ constexpr Route routes[] = {
     {{"init_pose"}, 62, add<Get_Arm_Init_Pose_Cmd, Parser_Get_Arm_Init_Pose, &JointReply::value>},
     {{"set_install_pose"}, 63, set<Set_Install_Pose_Cmd, Parser_Set_Hand>},
     {{"current_trajectory_state"}, 64, arrival},
-    {{"joint_state"}, 65, joint_report},
-    {{"pose_state"}, 66, pose_report},
+    {{"joint_state"}, 65, kJointReport},
+    {{"pose_state"}, 66, kPoseReport},
     {{"set_arm_stop"}, 67, set<Set_Arm_Stop_Cmd, Parser_Move_Stop>},
     {{"set_arm_slow_stop"}, 232, set<Set_Arm_Slow_Stop_Cmd, Parser_Move_Slow_Stop>},
     {{"set_arm_pause"}, 68, set<Set_Arm_Pause_Cmd, Parser_Move_Pause>},
@@ -307,7 +307,7 @@ constexpr Route routes[] = {
     {{"hand_follow_pos"}, 275, set<Set_Hand_Follow_Pos_Cmd, Parser_Set_Hand>},
     {{"set_modbus_mode"}, 137, set<Set_Modbus_Mode_Cmd, Parser_Set_Hand>},
     {{"set_modbustcp_mode"}, 252, add<Set_Modbustcp_Mode_Cmd, Parser_Set_Modbustcp_Mode>},
-    {{"Force_Position_State"}, 161, force_report},
+    {{"Force_Position_State"}, 161, kForceReport},
     {{"set_teach_frame"}, 165, set<Set_Teach_Frame_Cmd, Parser_Set_TEACH_FRAME>},
     {{"get_teach_frame"}, 241, set<Get_Teach_Frame_Cmd, Parser_Get_Teach_Frame, &IntReply::value>},
     {{"download_project"}, 164, set<Send_Project_Cmd, Parser_SendFile, &IntReply::value>},
@@ -384,7 +384,7 @@ constexpr Route routes[] = {
 // clang-format on
 
 const Route* find_route(const char* message) {
-    for (const Route& route : routes) {
+    for (const Route& route : kRoutes) {
         for (const char* literal : route.literals) {
             if (!literal) break;
             if (std::strstr(message, literal)) return &route;
@@ -396,7 +396,7 @@ const Route* find_route(const char* message) {
 }  // namespace
 
 void forget_replies(int slot) {
-    for (const Route& route : routes) route.handle(slot, nullptr);
+    for (const Route& route : kRoutes) route.handle(slot, nullptr);
 }
 
 }  // namespace zk

@@ -7,10 +7,10 @@
 namespace zk {
 namespace {
 
-constexpr int32_t acknowledgement_ms = 100;
-constexpr int32_t look_ms = 100;
-constexpr int most_failed_polls = 6;
-constexpr int most_idle_polls = 50;
+constexpr int32_t kAcknowledgementMs = 100;
+constexpr int32_t kLookMs = 100;
+constexpr int kMostFailedPolls = 6;
+constexpr int kMostIdlePolls = 50;
 
 bool arm_is_known() { return read(g_is_robot_type_i) != 0; }
 
@@ -25,8 +25,8 @@ int early_refusal(ArmSocket socket) {
         if (mailbox.count(slot) < 1) return ZK_OK;
         mailbox.lower(slot);
         if (const int status = mailbox.result(slot)) return status;
-        if (elapsed_since(start) >= acknowledgement_ms) return ZK_TIMEOUT;
-        sleep_cp(poll_ms);
+        if (elapsed_since(start) >= kAcknowledgementMs) return ZK_TIMEOUT;
+        sleep_cp(kPollMs);
     }
 }
 
@@ -62,7 +62,7 @@ int move_accepted(const Request& request) {
     mailbox.clear(slot);  // after queueing: an acknowledgement of an earlier move does not count
     if (!arm_is_known()) return ZK_OK;
 
-    if (const int status = await(mailbox, request.socket(), acknowledgement_ms, slot)) return status;
+    if (const int status = await(mailbox, request.socket(), kAcknowledgementMs, slot)) return status;
     mailbox.lower(slot);
     return mailbox.result(slot);
 }
@@ -90,13 +90,13 @@ int await_report(ArmSocket socket, Device device, const std::function<int(Look&)
         }
         Look look;
         if (const int status = poll(look)) {
-            if (++fails == most_failed_polls) return status;
+            if (++fails == kMostFailedPolls) return status;
             continue;
         }
         seen = seen || look.as_asked;
         if (!look.idle && !look.as_asked && reported(slot)) continue;
-        sleep_cp(look_ms);
-        if (!look.idle || (!seen && ++idles < most_idle_polls)) continue;
+        sleep_cp(kLookMs);
+        if (!look.idle || (!seen && ++idles < kMostIdlePolls)) continue;
         slot = slot_of(socket);
         if (slot < 0) return ZK_NOT_CONNECTED;
         if (!reported(slot)) return ZK_NO_TRAJECTORY;
@@ -112,7 +112,7 @@ int move_device(const Request& request, Mailbox acknowledgement, const DeviceMov
     post(request);
 
     const int32_t start = Get_Program_Runtime();
-    for (;; sleep_cp(poll_ms)) {
+    for (;; sleep_cp(kPollMs)) {
         slot = slot_of(request.socket());
         if (slot < 0) return ZK_NOT_CONNECTED;
         if (acknowledgement.count(slot) > 0) {

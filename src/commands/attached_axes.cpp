@@ -13,7 +13,7 @@ using namespace zk;
 
 namespace {
 
-constexpr int32_t travel_ms = 120000;  // longer than any of the axes travels
+constexpr int32_t kTravelMs = 120000;  // longer than any of the axes travels
 
 Request one(ArmSocket s, const char* command, const char* key, int32_t value) {
     return Request(s, command).number(key, value);
@@ -57,7 +57,7 @@ int axis_arrived(const Request& request) {
     int slot = slot_of(request.socket());
     if (slot < 0) return ZK_NOT_CONNECTED;
     post(request);
-    if (const int status = await(Move_Cmd, request.socket(), limit_beyond(travel_ms), slot)) return status;
+    if (const int status = await(Move_Cmd, request.socket(), limit_beyond(kTravelMs), slot)) return status;
     const MoveReport report = take_report(slot);
     return is_of(report, Device::kExpansionAxis) ? report.result : int(ZK_OTHER_DEVICE);
 }
@@ -112,7 +112,7 @@ ZK_API int Set_Lift(ArmSocket s, int32_t height, int32_t speed, bool block) {
     return settled(block, Set_Lift_Block, Set_Lift_NonBlock, s, height, speed);
 }
 ZK_API int Set_Lift_Block(ArmSocket s, int32_t height, int32_t speed) {
-    return pending(lift(s, "set_lift", height, speed), 148, Parser_Set_Hand, {.longer = travel_ms});
+    return pending(lift(s, "set_lift", height, speed), 148, Parser_Set_Hand, {.longer = kTravelMs});
 }
 ZK_API int Set_Lift_NonBlock(ArmSocket s, int32_t height, int32_t speed) {
     return post(lift(s, "set_lift ", height, speed));
@@ -132,7 +132,7 @@ static Request axis_pos(ArmSocket s, int32_t pos, int32_t speed) {
 }
 ZK_API int Expand_Set_Pos(ArmSocket s, int32_t pos, int32_t speed, bool block) {
     if (sending_file()) return ZK_SENDING_FILE;
-    sleep_cp(settle_ms);
+    sleep_cp(kSettleMs);
     return block ? Expand_Set_Pos_Block(s, pos, speed) : Expand_Set_Pos_NonBlock(s, pos, speed);
 }
 ZK_API int Expand_Set_Pos_Block(ArmSocket s, int32_t pos, int32_t speed) {

@@ -74,7 +74,7 @@ ZK_API int Parser_Get_Drag_Teach_Sensitivity(const char* text, int32_t* grade) {
 // The replay. What the arm does decides whether its reply is looked at, and whether time runs.
 namespace {
 
-constexpr int32_t replay_limit_ms = 29999;  // behind m_nOutTime, while nothing moves
+constexpr int32_t kReplayLimitMs = 29999;  // behind m_nOutTime, while nothing moves
 
 enum class Doing : int32_t { kNothing = 0, kReplay = 4 };
 
@@ -93,9 +93,9 @@ int replay_status(ArmSocket s) {
             mailbox.clear(slot);
             return result;
         }
-        const int64_t limit = int64_t{read(m_nOutTime)} + replay_limit_ms;
+        const int64_t limit = int64_t{read(m_nOutTime)} + kReplayLimitMs;
         if (doing == Doing::kNothing && elapsed_since(start) > limit) return ZK_TIMEOUT;
-        sleep_cp(poll_ms);
+        sleep_cp(kPollMs);
     }
 }
 

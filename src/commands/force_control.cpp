@@ -13,7 +13,7 @@
 
 using namespace zk;
 
-constexpr int32_t calibration_ms = 30000;
+constexpr int32_t kCalibrationMs = 30000;
 
 AckReply Set_Force_Postion_Cmd[ZK_SLOTS];
 static Request set_force_position(ArmSocket s, int32_t sensor, int32_t mode, int32_t direction, int32_t force) {
@@ -56,13 +56,13 @@ ZK_API int Stop_Force_Postion_NonBlock(ArmSocket s) { return post({s, "stop_forc
 // The six-axis sensor.
 namespace {
 
-constexpr int axes = 6;
+constexpr int kAxes = 6;
 
 float thousandth(Item number) { return static_cast<float>(number.number() / 1000.0); }
 
 void read_forces(Item array, float* forces) {
     if (!array.is_array()) return;
-    for (int i = 0; i < std::min(array.size(), axes); ++i) forces[i] = thousandth(array[i]);
+    for (int i = 0; i < std::min(array.size(), kAxes); ++i) forces[i] = thousandth(array[i]);
 }
 
 }  // namespace
@@ -78,10 +78,10 @@ ZK_API int Get_Force_Data(ArmSocket s, float* force, float* zero_force, float* w
 ZK_API int Get_Force_Data_Block(ArmSocket s, float* force, float* zero_force, float* work_zero_force,
                                 float* tool_zero_force) {
     const auto deliver = [&](const ForceDataReply& reply) {
-        std::copy_n(reply.force_data, axes, force);
-        std::copy_n(reply.zero_force_data, axes, zero_force);
-        std::copy_n(reply.work_zero_force_data, axes, work_zero_force);
-        std::copy_n(reply.tool_zero_force_data, axes, tool_zero_force);
+        std::copy_n(reply.force_data, kAxes, force);
+        std::copy_n(reply.zero_force_data, kAxes, zero_force);
+        std::copy_n(reply.work_zero_force_data, kAxes, work_zero_force);
+        std::copy_n(reply.tool_zero_force_data, kAxes, tool_zero_force);
     };
     return query({s, "get_force_data"}, Get_Force_Data_Cmd, deliver, {.wipes_first = true});
 }
@@ -108,7 +108,7 @@ ZK_API int Parser_Clear_Force_Data(const char* text) { return Parser_Clear_Syste
 AckReply Set_Force_Sensor_Cmd[ZK_SLOTS];
 ZK_API int Set_Force_Sensor(ArmSocket s) { return guarded(Set_Force_Sensor_Block, s); }
 ZK_API int Set_Force_Sensor_Block(ArmSocket s) {
-    return set({s, "set_force_sensor"}, Set_Force_Sensor_Cmd, {.limit = limit_beyond(calibration_ms)});
+    return set({s, "set_force_sensor"}, Set_Force_Sensor_Cmd, {.limit = limit_beyond(kCalibrationMs)});
 }
 ZK_API int Set_Force_Sensor_NonBlock(ArmSocket s) { return post({s, "set_force_sensor"}); }
 ZK_API int Parser_Set_Force_Sensor(const char* text) { return Parser_Set_DH_Data(text); }
@@ -139,7 +139,7 @@ ZK_API int Manual_Set_Force(ArmSocket s, int32_t number, const float* joint) {
     return checked(number == 4 ? Manual_Set_Force_Block : Manual_Set_Force_NonBlock, s, number, joint);
 }
 ZK_API int Manual_Set_Force_Block(ArmSocket s, int32_t number, const float* joint) {
-    return set(manual_set_force(s, number, joint), Set_Force_Sensor_Cmd, {.limit = limit_beyond(calibration_ms)});
+    return set(manual_set_force(s, number, joint), Set_Force_Sensor_Cmd, {.limit = limit_beyond(kCalibrationMs)});
 }
 ZK_API int Manual_Set_Force_NonBlock(ArmSocket s, int32_t number, const float* joint) {
     if (const int slot = slot_of(s); slot >= 0) Mailbox(Set_Force_Sensor_Cmd).clear(slot);
@@ -194,7 +194,7 @@ ZK_API int Clear_Fz_NonBlock(ArmSocket s) { return post({s, "clear_Fz"}); }
 AckReply Auto_Set_Fz_Cmd[ZK_SLOTS];
 ZK_API int Auto_Set_Fz(ArmSocket s) { return guarded(Auto_Set_Fz_Block, s); }
 ZK_API int Auto_Set_Fz_Block(ArmSocket s) {
-    return set({s, "auto_set_Fz"}, Auto_Set_Fz_Cmd, {.limit = limit_beyond(calibration_ms)});
+    return set({s, "auto_set_Fz"}, Auto_Set_Fz_Cmd, {.limit = limit_beyond(kCalibrationMs)});
 }
 ZK_API int Auto_Set_Fz_NonBlock(ArmSocket s) { return post({s, "auto_set_Fz"}); }
 

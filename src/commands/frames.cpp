@@ -343,7 +343,7 @@ ZK_API int Get_Current_Work_Frame_Block(ArmSocket s, FrameRec* frame) {
 ZK_API int Parser_Get_Current_Work_Frame(const char* text, FrameRec* frame) {
     Reply reply(text);
     const Item name = reply.find("frame_name");
-    if (reply.require(bool(name), ZK_BAD_REPLY)) copy_name(name.text(), frame->frame_name, name_bytes);
+    if (reply.require(bool(name), ZK_BAD_REPLY)) copy_name(name.text(), frame->frame_name, kNameBytes);
     wire_pose(reply.array(reply.root(), "pose", 6), frame->pose.position, frame->pose.euler);
     return reply.status();
 }
@@ -354,8 +354,8 @@ ZK_API int Get_Given_Work_Frame(ArmSocket s, char* name, Pose* pose) {
 }
 ZK_API int Get_Given_Work_Frame_Block(ArmSocket s, char* name, Pose* pose) {
     const auto deliver = [&](const GivenWorkFrameReply& reply) {
-        std::memset(name, 0, name_bytes);
-        copy_name(reply.frame_name, name, name_bytes);
+        std::memset(name, 0, kNameBytes);
+        copy_name(reply.frame_name, name, kNameBytes);
         pose->position = reply.pose.position;
         pose->euler = reply.pose.euler;
     };
@@ -369,7 +369,7 @@ int zk::read_given_work(const char* text, char* name, Pose* pose, const FrameRea
     Reply reply(text);
     require_found(reply);
     if (const Item told = reply.find("frame_name"); reply.good() && told.is_text())
-        copy_name(told.text(), name, name_bytes);
+        copy_name(told.text(), name, kNameBytes);
     given_pose(reply, *pose, reading);
     return reply.status();
 }

@@ -34,7 +34,7 @@ ZK_API int Update_Global_Waypoint(ArmSocket s, GlobalWaypoint waypoint) {
     return guarded(Update_Global_Waypoint_Block, s, waypoint);
 }
 ZK_API int Update_Global_Waypoint_Block(ArmSocket s, GlobalWaypoint waypoint) {
-    return set(waypoint_request(s, "update_global_waypoint", waypoint, Request::usual_frame),
+    return set(waypoint_request(s, "update_global_waypoint", waypoint, Request::kUsualFrame),
                Update_Global_Waypoint_Cmd);
 }
 

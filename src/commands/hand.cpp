@@ -9,17 +9,17 @@ using namespace zk;
 
 namespace {
 
-constexpr int fingers = 6;
-constexpr int32_t motion_ms = 30000;  // longer than any posture or sequence takes
+constexpr int kFingers = 6;
+constexpr int32_t kMotionMs = 30000;  // longer than any posture or sequence takes
 
 Request six(ArmSocket s, const char* command, const char* key, const int32_t* values) {
-    return Request(s, command).numbers(key, values, fingers);
+    return Request(s, command).numbers(key, values, kFingers);
 }
 
 int arrived(Request request, Mailbox acknowledgement, int32_t reply_ms) {
     return move_device(request.boolean("block", true), acknowledgement,
                        {.device = Device::kHand,
-                        .limit = int64_t{reply_ms} + motion_ms,
+                        .limit = int64_t{reply_ms} + kMotionMs,
                         .keeps_reports = true,
                         .outwaits_others = true});
 }

@@ -13,8 +13,8 @@ using namespace zk;
 
 namespace {
 
-constexpr int bank_size = 4;
-constexpr int tool_size = 2;
+constexpr int kBankSize = 4;
+constexpr int kToolSize = 2;
 
 Request numbered(ArmSocket s, const char* command, uint8_t number) {
     return Request(s, command).number("IO_Num", number);
@@ -44,17 +44,17 @@ int whole_volts_query(const Request& request, FloatReply (&mailbox)[ZK_SLOTS], u
 
 int bank_query(const Request& request, IoBankReply (&mailbox)[ZK_SLOTS], int32_t* digital, float* analogue) {
     return query(request, mailbox, [&](const IoBankReply& reply) {
-        std::copy_n(reply.digital, bank_size, digital);
-        std::copy_n(reply.analogue, bank_size, analogue);
+        std::copy_n(reply.digital, kBankSize, digital);
+        std::copy_n(reply.analogue, kBankSize, analogue);
     });
 }
 
 int bank(const char* text, const char* digital_key, const char* analogue_key, int32_t* digital, float* analogue) {
     Reply reply(text);
     const Item states = reply.array(reply.root(), digital_key);
-    for (int i = 0; i < std::min(states.size(), bank_size); ++i) digital[i] = states[i].integer();
+    for (int i = 0; i < std::min(states.size(), kBankSize); ++i) digital[i] = states[i].integer();
     const Item voltages = reply.array(reply.root(), analogue_key);
-    scaled(voltages, std::min(voltages.size(), bank_size), 1000.0f, analogue);
+    scaled(voltages, std::min(voltages.size(), kBankSize), 1000.0f, analogue);
     return reply.status();
 }
 
@@ -224,15 +224,15 @@ ZK_API int Get_Tool_IO_State(ArmSocket s, float* mode, float* state) {
 }
 ZK_API int Get_Tool_IO_State_Block(ArmSocket s, float* mode, float* state) {
     return query({s, "get_tool_IO_state"}, Get_Tool_IO_State_Cmd, [&](const ToolIoReply& reply) {
-        std::copy_n(reply.mode, tool_size, mode);
-        std::copy_n(reply.state, tool_size, state);
+        std::copy_n(reply.mode, kToolSize, mode);
+        std::copy_n(reply.state, kToolSize, state);
     });
 }
 ZK_API int Parser_Get_Tool_IO_State(const char* text, float* mode, float* state) {
     Reply reply(text);
     const auto pair = [&](const char* key, float* values) {
         const Item array = reply.array(reply.root(), key);
-        scaled(array, std::min(array.size(), tool_size), 1.0f, values);
+        scaled(array, std::min(array.size(), kToolSize), 1.0f, values);
     };
     pair("IO_Mode", mode);
     pair("IO_State", state);

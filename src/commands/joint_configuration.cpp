@@ -255,7 +255,7 @@ static Request clear_err(ArmSocket s, uint8_t joint) {
 AckReply Set_Joint_Clear_Err_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Err_Clear(ArmSocket s, uint8_t joint, bool block) {
     if (sending_file()) return ZK_SENDING_FILE;
-    sleep_cp(settle_ms);
+    sleep_cp(kSettleMs);
     return block ? Set_Joint_Err_Clear_Block(s, joint) : Set_Joint_Err_Clear_NonBlock(s, joint);
 }
 ZK_API int Set_Joint_Err_Clear_Block(ArmSocket s, uint8_t joint) {
@@ -297,7 +297,7 @@ static Request zero_pos(ArmSocket s, uint8_t joint) {
 AckReply Set_Joint_Zero_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Zero_Pos(ArmSocket s, uint8_t joint, bool block) {
     if (sending_file()) return ZK_SENDING_FILE;
-    sleep_cp(settle_ms);
+    sleep_cp(kSettleMs);
     if (const int status = needs_connection(s)) return status;
     return block ? Set_Joint_Zero_Pos_Block(s, joint) : Set_Joint_Zero_Pos_NonBlock(s, joint);
 }
@@ -355,7 +355,7 @@ ZK_API int Auto_Fix_Joint_Over_Soft_Limit_Block(ArmSocket s) {
         accepted.lower(slot);
         return refusal;
     }
-    if (const int status = await(arrived, s, no_limit, slot)) return status;
+    if (const int status = await(arrived, s, kNoLimit, slot)) return status;
     arrived.lower(slot);
     return arrived.result(slot);
 }

@@ -6,11 +6,11 @@
 
 using namespace zk;
 
-static constexpr int32_t probe_limit_ms = 500;
+static constexpr int32_t kProbeLimitMs = 500;
 
 ZK_API int Arm_Socket_State(ArmSocket socket) {
     if (sending_file()) return ZK_SENDING_FILE;
-    sleep_cp(settle_ms);
+    sleep_cp(kSettleMs);
     if (const int status = needs_connection(socket)) return status;
     return suspended(Arm_Socket_State_Block, socket);
 }
@@ -20,7 +20,7 @@ ZK_API int Arm_Socket_State_Block(ArmSocket socket) {
     int slot = slot_of(socket);
     if (slot < 0) return ZK_NOT_CONNECTED;
     if (const int status = Arm_Socket_State_nBlock(socket)) return status;
-    if (await(mailbox, socket, probe_limit_ms, slot)) return ZK_NOT_CONNECTED;
+    if (await(mailbox, socket, kProbeLimitMs, slot)) return ZK_NOT_CONNECTED;
     mailbox.lower(slot);
     return mailbox.result(slot);
 }

@@ -18,7 +18,7 @@ int32_t limit_of(int64_t ms) { return static_cast<int32_t>(std::clamp<int64_t>(m
 int32_t bus_limit() { return limit_of(read(m_nmodbusrtu_OutTime)); }
 
 // What no frame holds may be left out: its text is too long already.
-int sendable(int count) { return std::min(count, Request::usual_frame); }
+int sendable(int count) { return std::min(count, Request::kUsualFrame); }
 
 Request place(ArmSocket s, const char* command, int32_t port, int32_t address) {
     return Request(s, command).number("port", port).number("address", address);

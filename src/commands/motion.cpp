@@ -20,12 +20,12 @@ ZK_API int Parser_Receive_State(const char* text, int32_t* move_type) {
         const char* command;
         int32_t code;
     };
-    static constexpr std::array<MoveType, 5> types = {
+    static constexpr std::array<MoveType, 5> kTypes = {
         {{"movej", 1}, {"movel", 2}, {"movec", 3}, {"movej_p", 0}, {"moves", 5}}};
     Reply reply(text);
     const Item command = reply.text(reply.root(), "command");
     bool known = false;
-    for (const MoveType& type : types) {
+    for (const MoveType& type : kTypes) {
         if (std::strcmp(type.command, command.text()) != 0) continue;
         *move_type = type.code;
         known = true;

@@ -8,7 +8,7 @@
 
 namespace zk {
 
-constexpr size_t name_bytes = 10;
+constexpr size_t kNameBytes = 10;
 
 // Names up to the first "NULL", each at most ten bytes and ended, as many as the record holds.
 template <class Name>
@@ -20,7 +20,7 @@ int name_list(const char* text, const char* key, Name* names, int capacity, int3
     for (int i = 0; i < std::min(array.size(), capacity); ++i) {
         if (std::strcmp(array[i].text(), "NULL") == 0) break;
         names[i] = {};
-        copy_name(array[i].text(), names[i].text, name_bytes);
+        copy_name(array[i].text(), names[i].text, kNameBytes);
         *count = i + 1;
     }
     return reply.status();

@@ -122,24 +122,24 @@ class Run {
             ProgramRunState state{};
             const int status = Get_Program_Run_State(socket_, &state);
             if (status != ZK_OK && status != state.run_state) {
-                if (++fails_ > most_failed_looks) return status;
-            } else if (state.run_state == running) {
+                if (++fails_ > kMostFailedLooks) return status;
+            } else if (state.run_state == kRunning) {
                 if (finish_.count(slot) > 0) return take_finish(slot);
                 seen_ = true;
-                sleep_cp(look_ms);
+                sleep_cp(kLookMs);
             } else if (state.run_state != 0) {
-                sleep_cp(poll_ms);
-            } else if (seen_ || ++idle_ == most_idle_looks) {
+                sleep_cp(kPollMs);
+            } else if (seen_ || ++idle_ == kMostIdleLooks) {
                 return wait_for_finish();
             } else {
-                sleep_cp(look_ms);
+                sleep_cp(kLookMs);
             }
         }
     }
 
  private:
-    static constexpr int32_t running = 1, look_ms = 100, finish_ms = 1000;
-    static constexpr int most_failed_looks = 5, most_idle_looks = 15;
+    static constexpr int32_t kRunning = 1, kLookMs = 100, kFinishMs = 1000;
+    static constexpr int kMostFailedLooks = 5, kMostIdleLooks = 15;
 
     static int refused(int slot) {
         const Mailbox start(Set_Program_ID_Start_Cmd);
@@ -153,7 +153,7 @@ class Run {
 
     int wait_for_finish() {
         int slot;
-        if (const int status = await(finish_, socket_, limit_beyond(finish_ms), slot)) return status;
+        if (const int status = await(finish_, socket_, limit_beyond(kFinishMs), slot)) return status;
         return take_finish(slot);
     }
 

@@ -32,7 +32,7 @@ ZK_API int Parser_SendFile(const char* text, int32_t* err_line) {
 
 namespace {
 
-constexpr int32_t chunk = 10;  // the controller takes a project in pieces of this size
+constexpr int32_t kChunk = 10;  // the controller takes a project in pieces of this size
 
 // How a program is to run.
 struct Program {
@@ -57,8 +57,8 @@ int announce(ArmSocket s, const Program& program, const std::string& name, int32
 
 int write_in_chunks(ByteStream stream, const char* data, int32_t size, Progress& progress) {
     progress.begin(size);
-    for (int32_t at = 0; at < size; at += std::min(chunk, size - at)) {
-        const int32_t piece = std::min(chunk, size - at);
+    for (int32_t at = 0; at < size; at += std::min(kChunk, size - at)) {
+        const int32_t piece = std::min(kChunk, size - at);
         // A chunk ends at a zero byte.
         if (const int status = stream.write(data + at, strnlen(data + at, static_cast<size_t>(piece)))) return status;
         progress.sent(at + piece);

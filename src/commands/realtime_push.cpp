@@ -17,14 +17,14 @@ struct Custom {
     int32_t RealtimePushConfig::*flag;
 };
 
-constexpr Custom set_order[] = {{"joint_speed", &RealtimePushConfig::joint_speed},
+constexpr Custom kSetOrder[] = {{"joint_speed", &RealtimePushConfig::joint_speed},
                                 {"lift_state", &RealtimePushConfig::lift_state},
                                 {"expand_state", &RealtimePushConfig::expand_state},
                                 {"arm_current_status", &RealtimePushConfig::arm_current_status},
                                 {"hand", &RealtimePushConfig::hand},
                                 {"aloha_state", &RealtimePushConfig::aloha_state}};
 
-constexpr Custom get_order[] = {{"expand_state", &RealtimePushConfig::expand_state},
+constexpr Custom kGetOrder[] = {{"expand_state", &RealtimePushConfig::expand_state},
                                 {"joint_speed", &RealtimePushConfig::joint_speed},
                                 {"lift_state", &RealtimePushConfig::lift_state},
                                 {"arm_current_status", &RealtimePushConfig::arm_current_status},
@@ -41,7 +41,7 @@ Request set_realtime_push(ArmSocket s, const RealtimePushConfig& config) {
     const size_t length = strnlen(config.ip, sizeof config.ip);
     if (length >= 7 && length <= 15) request.text("ip", config.ip);
     request.object("custom", [&](Object& custom) {
-        for (const Custom& item : set_order) {
+        for (const Custom& item : kSetOrder) {
             if (config.*item.flag >= 0) custom.boolean(item.key, config.*item.flag != 0);
         }
     });
@@ -79,7 +79,7 @@ ZK_API int Parser_Get_Realtime_Push(const char* text, RealtimePushConfig* config
         config->force_coordinate = coordinate.integer();
     copy_text(reply.text(reply.root(), "ip"), "ip", config->ip, sizeof config->ip);
     const Item custom = reply.object(reply.root(), "custom");
-    for (const Custom& item : get_order) {
+    for (const Custom& item : kGetOrder) {
         if (const Item flag = reply.boolean(custom, item.key)) config->*item.flag = flag.is_true();
     }
     return reply.status();

@@ -22,24 +22,25 @@ struct Length {
     float Record::*field;
 };
 
-constexpr Length<FenceConfig> kCuboid[] = {
+constexpr Length<FenceConfig> kCuboidLengths[] = {
     {"x_min_limit", &FenceConfig::x_min_limit}, {"x_max_limit", &FenceConfig::x_max_limit},
     {"y_min_limit", &FenceConfig::y_min_limit}, {"y_max_limit", &FenceConfig::y_max_limit},
     {"z_min_limit", &FenceConfig::z_min_limit}, {"z_max_limit", &FenceConfig::z_max_limit}};
-constexpr Length<FenceConfig> kPlane[] = {{"x1", &FenceConfig::x1}, {"y1", &FenceConfig::y1}, {"z1", &FenceConfig::z1},
-                                          {"x2", &FenceConfig::x2}, {"y2", &FenceConfig::y2}, {"z2", &FenceConfig::z2},
-                                          {"x3", &FenceConfig::x3}, {"y3", &FenceConfig::y3}, {"z3", &FenceConfig::z3}};
-constexpr Length<FenceConfig> kSphere[] = {
+constexpr Length<FenceConfig> kPlaneLengths[] = {
+    {"x1", &FenceConfig::x1}, {"y1", &FenceConfig::y1}, {"z1", &FenceConfig::z1},
+    {"x2", &FenceConfig::x2}, {"y2", &FenceConfig::y2}, {"z2", &FenceConfig::z2},
+    {"x3", &FenceConfig::x3}, {"y3", &FenceConfig::y3}, {"z3", &FenceConfig::z3}};
+constexpr Length<FenceConfig> kSphereLengths[] = {
     {"radius", &FenceConfig::radius}, {"x", &FenceConfig::x}, {"y", &FenceConfig::y}, {"z", &FenceConfig::z}};
 constexpr Length<ToolSphere> kToolSphere[] = {
     {"radius", &ToolSphere::radius}, {"x", &ToolSphere::x}, {"y", &ToolSphere::y}, {"z", &ToolSphere::z}};
 
-constexpr int32_t cuboid = 1, plane = 2, sphere = 3;
+constexpr int32_t kCuboid = 1, kPlane = 2, kSphere = 3;
 
 std::span<const Length<FenceConfig>> lengths_of(int32_t form) {
-    if (form == cuboid) return kCuboid;
-    if (form == plane) return kPlane;
-    if (form == sphere) return kSphere;
+    if (form == kCuboid) return kCuboidLengths;
+    if (form == kPlane) return kPlaneLengths;
+    if (form == kSphere) return kSphereLengths;
     return {};
 }
 
@@ -170,7 +171,7 @@ ZK_API int Parser_Get_Electronic_Fence_Config(const char* text, FenceConfig* fen
     if (!form) return reply.status();
     *fence = {};
     fence->form = form.integer();
-    if (fence->form == cuboid) read_lengths<FenceConfig>(reply, reply.root(), *fence, kCuboid);
+    if (fence->form == kCuboid) read_lengths<FenceConfig>(reply, reply.root(), *fence, kCuboidLengths);
     return reply.status();
 }
 
@@ -276,8 +277,8 @@ ZK_API int Set_Virtual_Wall_Config(ArmSocket s, FenceConfig wall) {
     return guarded(Set_Virtual_Wall_Config_Block, s, wall);
 }
 ZK_API int Set_Virtual_Wall_Config_Block(ArmSocket s, FenceConfig wall) {
-    return set(wall.form == plane ? Request(s, "set_virtual_wall_config").number("form", plane)
-                                  : fence_request(s, "set_virtual_wall_config", wall),
+    return set(wall.form == kPlane ? Request(s, "set_virtual_wall_config").number("form", kPlane)
+                                   : fence_request(s, "set_virtual_wall_config", wall),
                Set_Virtual_Wall_Config_Cmd);
 }
 ZK_API int Parser_Set_Config(const char* text) { return acknowledgement(text, "set_config"); }
@@ -315,14 +316,14 @@ ZK_API int Parser_Get_Self_Collision_Enable(const char* text, int32_t* enable) {
 }
 
 // Five spheres take more than the usual frame.
-static constexpr int envelope_frame = 500;
+static constexpr int kEnvelopeFrame = 500;
 AckReply Set_Tool_Envelope_Cmd[ZK_SLOTS];
 ZK_API int Set_Tool_Envelope(ArmSocket s, ToolEnvelope envelope) {
     return guarded(Set_Tool_Envelope_Block, s, envelope);
 }
 ZK_API int Set_Tool_Envelope_Block(ArmSocket s, ToolEnvelope envelope) {
     if (envelope.count > ZK_ENVELOPE_SPHERES) return ZK_BAD_ARGUMENT;
-    Request request(s, "set_tool_envelope", envelope_frame);
+    Request request(s, "set_tool_envelope", kEnvelopeFrame);
     request.text("tool_name", ended(envelope.tool_name).c_str());
     request.objects("list", envelope.count, [&](Object& object, int i) {
         const ToolSphere& ball = envelope.spheres[i];

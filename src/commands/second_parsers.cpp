@@ -127,15 +127,15 @@ ZK_API int Parser_Get_All_Work_Frame_E(const char* text, FrameName* names, int32
     return Parser_Get_All_Work_Frame(text, names, count);
 }
 
-constexpr FrameReading reading = {.tool_name_bytes = 9, .wrong_pose_size = ZK_OTHER_DEVICE, .mass_divisor = 1.0};
+constexpr FrameReading kReading = {.tool_name_bytes = 9, .wrong_pose_size = ZK_OTHER_DEVICE, .mass_divisor = 1.0};
 ZK_API int Parser_Get_Current_Tool_Frame_E(const char* text, FrameRec* frame) {
-    return read_current_tool(text, frame, reading);
+    return read_current_tool(text, frame, kReading);
 }
 ZK_API int Parser_Get_Given_Tool_Frame_E(const char* text, FrameRec* frame) {
-    return read_given_tool(text, frame, reading);
+    return read_given_tool(text, frame, kReading);
 }
 ZK_API int Parser_Get_Given_Work_Frame_E(const char* text, char* name, Pose* pose) {
-    return read_given_work(text, name, pose, reading);
+    return read_given_work(text, name, pose, kReading);
 }
 
 // ----------------------------------------------------------------------------------------------------------- Motion --

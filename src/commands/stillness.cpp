@@ -13,10 +13,10 @@ namespace {
 
 using Angles = std::array<float, 7>;
 
-constexpr int32_t look_ms = 50;
-constexpr double still_degrees = 0.1;
-constexpr int most_failed_reads = 5;
-constexpr int most_still_looks = 4;
+constexpr int32_t kLookMs = 50;
+constexpr double kStillDegrees = 0.1;
+constexpr int kMostFailedReads = 5;
+constexpr int kMostStillLooks = 4;
 
 // An answer that waits in the mailbox serves without being taken; else the arm is asked.
 int read_angles(ArmSocket socket, int slot, Angles& angles) {
@@ -34,7 +34,7 @@ int read_angles(ArmSocket socket, int slot, Angles& angles) {
 
 bool within_stillness(const Angles& a, const Angles& b) {
     return std::equal(a.begin(), a.end(), b.begin(), [](float x, float y) {
-        return std::fabs(static_cast<double>(x) - static_cast<double>(y)) <= still_degrees;
+        return std::fabs(static_cast<double>(x) - static_cast<double>(y)) <= kStillDegrees;
     });
 }
 
@@ -51,12 +51,12 @@ class StallDetector {
             if (elapsed_since(since_) >= read(m_nOutTime_max)) {
                 Angles angles{};
                 if (const int status = read_angles(socket_, slot, angles)) {
-                    if (fails_++ > most_failed_reads) return status;
+                    if (fails_++ > kMostFailedReads) return status;
                     continue;
                 }
                 if (stands_still(angles)) return ZK_NO_TRAJECTORY;
             }
-            sleep_cp(look_ms);
+            sleep_cp(kLookMs);
         }
     }
 
@@ -73,7 +73,7 @@ class StallDetector {
             since_ = Get_Program_Runtime();
             still_ = 0;
         }
-        return !moved && ++still_ > most_still_looks;
+        return !moved && ++still_ > kMostStillLooks;
     }
 
     ArmSocket socket_;

@@ -16,8 +16,8 @@ struct Axes {
     const char* names[3];
     const char* of(int32_t type) const { return names[type == 0 ? 0 : type == 1 ? 1 : 2]; }
 };
-constexpr Axes positions{{"x", "y", "z"}}, orientations{{"rx", "ry", "rz"}};
-constexpr Axes position_steps{{"x_step", "y_step", "z_step"}}, orientation_steps{{"rx_step", "ry_step", "rz_step"}};
+constexpr Axes kPositions{{"x", "y", "z"}}, kOrientations{{"rx", "ry", "rz"}};
+constexpr Axes kPositionSteps{{"x_step", "y_step", "z_step"}}, kOrientationSteps{{"rx_step", "ry_step", "rz_step"}};
 
 const char* direction(uint8_t positive) { return positive ? "pos" : "neg"; }
 
@@ -50,7 +50,7 @@ ZK_API int Joint_Teach_Cmd_NonBlock(ArmSocket s, uint8_t joint, uint8_t directio
 ZK_API int Parser_Joint_Teach(const char* text) { return acknowledgement(text, "joint_teach"); }
 
 static Request pos_teach(ArmSocket s, int32_t type, uint8_t positive, uint8_t v) {
-    return axis_teach(s, "set_pos_teach", positions.of(type), positive, v);
+    return axis_teach(s, "set_pos_teach", kPositions.of(type), positive, v);
 }
 AckReply Pos_Teach_Cmd_Cmd[ZK_SLOTS];
 ZK_API int Pos_Teach_Cmd(ArmSocket s, int32_t type, uint8_t direction, uint8_t v, bool block) {
@@ -76,7 +76,7 @@ ZK_API int Pos_Teach_Cmd_NonBlock(ArmSocket s, int32_t type, uint8_t direction, 
 ZK_API int Parser_Pos_Teach(const char* text) { return acknowledgement(text, "pos_teach"); }
 
 static Request ort_teach(ArmSocket s, int32_t type, uint8_t positive, uint8_t v) {
-    return axis_teach(s, "set_ort_teach", orientations.of(type), positive, v);
+    return axis_teach(s, "set_ort_teach", kOrientations.of(type), positive, v);
 }
 AckReply Ort_Teach_Cmd_Cmd[ZK_SLOTS];
 ZK_API int Ort_Teach_Cmd(ArmSocket s, int32_t type, uint8_t direction, uint8_t v, bool block) {
@@ -113,7 +113,7 @@ ZK_API int Joint_Step_Cmd_NonBlock(ArmSocket s, uint8_t joint, uint8_t v, float 
 }
 
 static Request pos_step(ArmSocket s, int32_t type, uint8_t v, float step) {
-    return axis_step(s, "set_pos_step", position_steps.of(type), millionths(step), v);
+    return axis_step(s, "set_pos_step", kPositionSteps.of(type), millionths(step), v);
 }
 ZK_API int Pos_Step_Cmd(ArmSocket s, int32_t type, uint8_t v, float step, bool block) {
     return guarded(block ? Pos_Step_Cmd_Block : Pos_Step_Cmd_NonBlock, s, type, v, step);
@@ -126,7 +126,7 @@ ZK_API int Pos_Step_Cmd_NonBlock(ArmSocket s, int32_t type, uint8_t v, float ste
 }
 
 static Request ort_step(ArmSocket s, int32_t type, uint8_t v, float step) {
-    return axis_step(s, "set_ort_step", orientation_steps.of(type), thousandths(step), v);
+    return axis_step(s, "set_ort_step", kOrientationSteps.of(type), thousandths(step), v);
 }
 ZK_API int Ort_Step_Cmd(ArmSocket s, int32_t type, uint8_t v, float step, bool block) {
     return guarded(block ? Ort_Step_Cmd_Block : Ort_Step_Cmd_NonBlock, s, type, v, step);

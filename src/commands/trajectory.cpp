@@ -90,7 +90,7 @@ struct TrajectoryType {
     int32_t code;
     bool is_pose;
 };
-constexpr std::array<TrajectoryType, 7> trajectory_types = {{{"none", 0, false},
+constexpr std::array<TrajectoryType, 7> kTrajectoryTypes = {{{"none", 0, false},
                                                              {"movej", 1, false},
                                                              {"movel", 2, true},
                                                              {"movec", 3, true},
@@ -99,7 +99,7 @@ constexpr std::array<TrajectoryType, 7> trajectory_types = {{{"none", 0, false},
                                                              {"blend", 6, false}}};
 
 const TrajectoryType* find_type(const char* name) {
-    for (const TrajectoryType& type : trajectory_types) {
+    for (const TrajectoryType& type : kTrajectoryTypes) {
         if (std::strcmp(type.name, name) == 0) return &type;
     }
     return nullptr;
@@ -125,7 +125,7 @@ ZK_API int Parser_Get_Current_Trajectory(ArmSocket s, const char* text, int32_t*
 
 // The stream of waypoints. Its replies never reach the pending list, so the blocking forms end in 7 although the
 // controller did its work.
-constexpr PendingForm clears_behind = {.clears_behind = true};
+constexpr PendingForm kClearsBehind = {.clears_behind = true};
 
 static Request add_waypoint(ArmSocket s, const float* joint) {
     return Request(s, "add_waypoint").joints("joint", joint);
@@ -134,7 +134,7 @@ ZK_API int Add_Waypoint(ArmSocket s, const float* joint, bool block) {
     return settled(block, Add_Waypoint_Block, Add_Waypoint_NonBlock, s, joint);
 }
 ZK_API int Add_Waypoint_Block(ArmSocket s, const float* joint) {
-    return pending(add_waypoint(s, joint), 73, Parser_Add_Waypoint, clears_behind);
+    return pending(add_waypoint(s, joint), 73, Parser_Add_Waypoint, kClearsBehind);
 }
 ZK_API int Add_Waypoint_NonBlock(ArmSocket s, const float* joint) { return post(add_waypoint(s, joint)); }
 ZK_API int Parser_Add_Waypoint(const char* text) {  // only false is a refusal
@@ -152,7 +152,7 @@ ZK_API int Start_Waypoint(ArmSocket s, int32_t frequency, bool block) {
     return settled(block, Start_Waypoint_Block, Start_Waypoint_NonBlock, s, frequency);
 }
 ZK_API int Start_Waypoint_Block(ArmSocket s, int32_t frequency) {
-    return pending(start_waypoint(s, frequency), 74, Parser_Set_Gripper, clears_behind);
+    return pending(start_waypoint(s, frequency), 74, Parser_Set_Gripper, kClearsBehind);
 }
 ZK_API int Start_Waypoint_NonBlock(ArmSocket s, int32_t frequency) { return post(start_waypoint(s, frequency)); }
 
@@ -160,7 +160,7 @@ ZK_API int Clear_Waypoint(ArmSocket s, bool block) {
     return settled(block, Clear_Waypoint_Block, Clear_Waypoint_NonBlock, s);
 }
 ZK_API int Clear_Waypoint_Block(ArmSocket s) {
-    return pending({s, "clear_waypoint"}, 75, Parser_Set_Gripper, clears_behind);
+    return pending({s, "clear_waypoint"}, 75, Parser_Set_Gripper, kClearsBehind);
 }
 ZK_API int Clear_Waypoint_NonBlock(ArmSocket s) { return post({s, "clear_waypoint"}); }
 
@@ -168,7 +168,7 @@ ZK_API int Stop_Waypoint(ArmSocket s, bool block) {
     return settled(block, Stop_Waypoint_Block, Stop_Waypoint_NonBlock, s);
 }
 ZK_API int Stop_Waypoint_Block(ArmSocket s) {
-    return pending({s, "stop_waypoint"}, 76, Parser_Set_Gripper, clears_behind);
+    return pending({s, "stop_waypoint"}, 76, Parser_Set_Gripper, kClearsBehind);
 }
 ZK_API int Stop_Waypoint_NonBlock(ArmSocket s) { return post({s, "stop_waypoint"}); }
 ZK_API int Parser_Set_Gripper(const char* text) { return acknowledgement(text, "waypoint_state"); }
@@ -178,7 +178,7 @@ ZK_API int Timer(ArmSocket s, int32_t wait_time, bool block) {
     return settled(block, Timer_Block, Timer_NonBlock, s, wait_time);
 }
 ZK_API int Timer_Block(ArmSocket s, int32_t wait_time) {
-    return pending(timer(s, wait_time), 77, Paser_Timer, clears_behind);
+    return pending(timer(s, wait_time), 77, Paser_Timer, kClearsBehind);
 }
 ZK_API int Timer_NonBlock(ArmSocket s, int32_t wait_time) { return post(timer(s, wait_time)); }
 ZK_API int Paser_Timer(const char* text) { return acknowledgement(text, "wait_time"); }

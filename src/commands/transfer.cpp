@@ -8,7 +8,7 @@
 namespace zk {
 namespace {
 
-constexpr int32_t verdict_ms = 10000;  // behind m_nOutTime
+constexpr int32_t kVerdictMs = 10000;  // behind m_nOutTime
 
 }  // namespace
 
@@ -36,13 +36,13 @@ void Progress::sent(int64_t bytes) {
     tell_(bytes, total_, user_);
 }
 
-ByteStream file_stream(ArmSocket socket) { return ByteStream(socket, limit_beyond(verdict_ms)); }
+ByteStream file_stream(ArmSocket socket) { return ByteStream(socket, limit_beyond(kVerdictMs)); }
 
 int await_verdict(ArmSocket socket, int written, int32_t* err_line) {
     if (written == ZK_NOT_CONNECTED) return ZK_NOT_CONNECTED;
     Mailbox mailbox(Send_Project_Cmd);
     int slot = -1;
-    const int32_t limit = written == ZK_TIMEOUT ? 0 : limit_beyond(verdict_ms);
+    const int32_t limit = written == ZK_TIMEOUT ? 0 : limit_beyond(kVerdictMs);
     if (const int status = await(mailbox, socket, limit, slot)) return status;
     IntReply reply;
     mailbox.clear(slot);

@@ -18,18 +18,18 @@ ZK_API int Parser_Run_UpdateSoftware_E(const char* text) {
 
 namespace {
 
-constexpr size_t chunk = 2000;
-constexpr int longest_path = 1023;
+constexpr size_t kChunk = 2000;
+constexpr int kLongestPath = 1023;
 
 // The one request that is not printed over several lines, and whose name goes out as it is.
 Frame announcement(const std::string& name, int32_t file_size) {
     Frame frame;
-    frame.length = std::snprintf(frame.text, Request::usual_frame,
+    frame.length = std::snprintf(frame.text, Request::kUsualFrame,
                                  "{\"command\":\"update_software\",\"file_size\":%d,\"update_name\":\"%s\"}\r\n",
                                  file_size, name.c_str());
-    if (frame.length >= Request::usual_frame) {
+    if (frame.length >= Request::kUsualFrame) {
         die("the request \"update_software\" takes %d bytes, its frame holds %d", frame.length,
-            Request::usual_frame - 1);
+            Request::kUsualFrame - 1);
     }
     return frame;
 }
@@ -42,7 +42,7 @@ int announce(ArmSocket s, const std::string& name, int32_t file_size) {
 
 int write_in_chunks(ByteStream stream, FILE* file, Progress& progress) {
     progress.begin(size_of(file));
-    std::array<char, chunk> piece;
+    std::array<char, kChunk> piece;
     int64_t sent = 0;
     while (const size_t got = std::fread(piece.data(), 1, piece.size(), file)) {
         if (const int status = stream.write(piece.data(), got)) return status;
@@ -92,5 +92,5 @@ ZK_API int Run_Update_Software_Block_E(ArmSocket s, const char* name, int32_t na
 ZK_API int Send_Update_Software_Block_E(ArmSocket s, const char* path, int32_t path_len) {
     if (any_null(path)) return ZK_BAD_ARGUMENT;
     Progress nobody(nullptr, nullptr);
-    return send_bytes(s, bounded(path, path_len, longest_path), nobody);
+    return send_bytes(s, bounded(path, path_len, kLongestPath), nobody);
 }

@@ -14,7 +14,7 @@
 namespace zk {
 namespace {
 
-constexpr int look_ms = 10;
+constexpr int kLookMs = 10;
 
 }  // namespace
 
@@ -47,7 +47,7 @@ int ByteStream::write(const char* bytes, size_t size) {
 int ByteStream::wait_for_room() const {
     const int32_t start = Get_Program_Runtime();
     pollfd room{descriptor_, POLLOUT, 0};
-    while (poll(&room, 1, look_ms) <= 0) {
+    while (poll(&room, 1, kLookMs) <= 0) {
         if (slot_of(socket_) < 0) return ZK_NOT_CONNECTED;
         if (elapsed_since(start) >= silence_limit_) return ZK_TIMEOUT;
     }

@@ -11,8 +11,8 @@
 namespace zk {
 namespace {
 
-constexpr size_t head = 2 * sizeof(int32_t);  // count and result stand before the payload
-constexpr Word no_word = 0;
+constexpr size_t kHead = 2 * sizeof(int32_t);  // count and result stand before the payload
+constexpr Word kNoWord = 0;
 
 }  // namespace
 
@@ -26,13 +26,13 @@ void Mailbox::lower(int slot) { std::atomic_ref(word(slot, 0)).fetch_sub(1, std:
 void Mailbox::wipe(int slot) {
     // The count last: a reply that comes meanwhile is lost whole.
     for (size_t end = size_; end > 0; end -= sizeof(Word))
-        write_words(at(slot) + end - sizeof(Word), &no_word, sizeof no_word);
+        write_words(at(slot) + end - sizeof(Word), &kNoWord, sizeof kNoWord);
 }
 
 void Mailbox::copy(int slot, void* record) const { read_words(record, at(slot), size_); }
 
 void Mailbox::fill(int slot, const void* record) {
-    write_words(at(slot) + head, static_cast<const std::byte*>(record) + head, size_ - head);
+    write_words(at(slot) + kHead, static_cast<const std::byte*>(record) + kHead, size_ - kHead);
 }
 
 void Mailbox::finish(int slot, int result) { write(word(slot, 1), static_cast<int32_t>(result)); }
@@ -69,7 +69,7 @@ int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot, int32_t p
 }
 
 int32_t limit_beyond(int32_t milliseconds) {
-    return static_cast<int32_t>(std::min<int64_t>(int64_t{read(m_nOutTime)} + milliseconds, no_limit));
+    return static_cast<int32_t>(std::min<int64_t>(int64_t{read(m_nOutTime)} + milliseconds, kNoLimit));
 }
 
 static int32_t limit_of(int32_t limit) { return limit > 0 ? limit : read(m_nOutTime); }

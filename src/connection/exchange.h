@@ -19,8 +19,8 @@
 
 namespace zk {
 
-constexpr int32_t poll_ms = 10;
-constexpr int32_t no_limit = INT32_MAX;
+constexpr int32_t kPollMs = 10;
+constexpr int32_t kNoLimit = INT32_MAX;
 
 // A table of reply records, whatever their payload: count, result, then the payload's words.
 class Mailbox {
@@ -74,7 +74,7 @@ int stream(const Request& request);
 
 // Waits until a reply is in the mailbox of the socket's slot, which is looked up afresh at every poll. Gives 0 and the
 // slot; 5 when the socket is in no slot (any more); 7 at the limit.
-int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot, int32_t poll = poll_ms);
+int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot, int32_t poll = kPollMs);
 
 // m_nOutTime and so many milliseconds more.
 int32_t limit_beyond(int32_t milliseconds);

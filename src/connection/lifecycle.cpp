@@ -23,11 +23,11 @@ using namespace zk;
 
 namespace {
 
-constexpr int32_t queue_capacity = 600;
+constexpr int32_t kQueueCapacity = 600;
 
 void renew(TxQueue& queue) {
     ZK_Queue_Deleate(&queue);
-    ZK_Queue_Create(&queue, queue_capacity);
+    ZK_Queue_Create(&queue, kQueueCapacity);
 }
 
 void start(pthread_t& thread, void* (*function)(void*)) {

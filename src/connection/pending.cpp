@@ -13,7 +13,7 @@ int32_t m_nSockeRIinfosLen = 0;
 namespace zk {
 namespace {
 
-constexpr int longest_list = 200;
+constexpr int kLongestList = 200;
 
 void clear_text(PendingReply& record) {
     std::memset(record.reply_text, 0, strnlen(record.reply_text, sizeof record.reply_text));
@@ -91,7 +91,7 @@ void PendingEntry::give_up() {
 int PendingEntry::wait(char (&reply)[300], const PendingForm& form) {
     const int32_t start = Get_Program_Runtime();
     for (;;) {
-        sleep_cp(poll_ms);
+        sleep_cp(kPollMs);
         if (elapsed_since(start) >= limit_beyond(form.longer)) {
             give_up();
             return ZK_TIMEOUT;
@@ -104,7 +104,7 @@ int PendingEntry::wait(char (&reply)[300], const PendingForm& form) {
 
 ZK_API int Add_List(PendingReply* list, int32_t index, int32_t socket, int32_t key_code, int32_t arrived,
                     int32_t in_use) {
-    if (index < 0 || index >= zk::longest_list) return ZK_LIST_FULL;
+    if (index < 0 || index >= zk::kLongestList) return ZK_LIST_FULL;
     PendingReply& record = list[index];
     std::memset(record.reply_text, 0, sizeof record.reply_text);
     record.socket = socket;

@@ -22,9 +22,9 @@ RealtimeListener listener;
 namespace zk {
 namespace {
 
-constexpr int32_t idle_ms = 100;
-constexpr int32_t poll_state_ms = 5;
-constexpr size_t longest_datagram = 1024;
+constexpr int32_t kIdleMs = 100;
+constexpr int32_t kPollStateMs = 5;
+constexpr size_t kLongestDatagram = 1024;
 
 char sender_text[INET_ADDRSTRLEN];
 
@@ -52,19 +52,19 @@ void note_sender(const in_addr& address) {
 }
 
 // Bytes of a datagram, or -1 when there is none or the listener has gone.
-ssize_t receive(int32_t descriptor, char (&text)[longest_datagram + 1], in_addr& sender) {
+ssize_t receive(int32_t descriptor, char (&text)[kLongestDatagram + 1], in_addr& sender) {
     sockaddr_in address{};
     socklen_t length = sizeof address;
     ssize_t got = -1;
     int error = EAGAIN;
     realtime_use.enter(descriptor);
     if (read(listener.socket, std::memory_order_seq_cst) == descriptor) {
-        got = recvfrom(descriptor, text, longest_datagram, 0, reinterpret_cast<sockaddr*>(&address), &length);
+        got = recvfrom(descriptor, text, kLongestDatagram, 0, reinterpret_cast<sockaddr*>(&address), &length);
         error = errno;
     }
     realtime_use.leave();
     sender = address.sin_addr;
-    if (got < 0 && error != EAGAIN && error != EINTR) sleep_cp(idle_ms);
+    if (got < 0 && error != EAGAIN && error != EINTR) sleep_cp(kIdleMs);
     return read(listener.socket) == descriptor ? got : -1;  // a close wakes the call with an empty result
 }
 
@@ -117,7 +117,7 @@ ZK_API int Get_Realtime_Arm_Joint_State(RobotStatus* status) {
     const int32_t start = Get_Program_Runtime();
     while (read(listener.receiving, std::memory_order_acquire) == 0) {
         if (elapsed_since(start) >= read(m_nOutTime_max)) return ZK_NO_STREAM;
-        sleep_cp(poll_state_ms);
+        sleep_cp(kPollStateMs);
     }
     copy_state(status);
     return ZK_OK;
@@ -127,9 +127,9 @@ ZK_API void* threadFunction(void*) {
     for (;;) {
         const int32_t start = Get_Program_Runtime();
         int32_t descriptor;
-        while (!is_listening(descriptor = read(listener.socket, std::memory_order_acquire))) sleep_cp(idle_ms);
+        while (!is_listening(descriptor = read(listener.socket, std::memory_order_acquire))) sleep_cp(kIdleMs);
 
-        char text[longest_datagram + 1];
+        char text[kLongestDatagram + 1];
         in_addr sender;
         const ssize_t got = receive(descriptor, text, sender);
         if (got < 0) continue;

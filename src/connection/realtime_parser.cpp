@@ -130,23 +130,23 @@ void one_axis_forces(Reply& reply, Item sensor, RobotStatus* status) {
 using namespace zk;
 
 ZK_API int get_arm_status_from_string(const char* text) {
-    static constexpr const char* texts[] = {"idle",
-                                            "move_L",
-                                            "move_J",
-                                            "move_C",
-                                            "move_S",
-                                            "move_through_joint",
-                                            "move_through_pose",
-                                            "move_through_force_pose",
-                                            "move_through_current",
-                                            "stop",
-                                            "slow_stop",
-                                            "pause",
-                                            "current_drag",
-                                            "sensor_drag",
-                                            "tech_demonstration"};
-    for (size_t i = 0; text && i < std::size(texts); ++i) {
-        if (std::strcmp(text, texts[i]) == 0) return static_cast<int>(i);
+    static constexpr const char* kTexts[] = {"idle",
+                                             "move_L",
+                                             "move_J",
+                                             "move_C",
+                                             "move_S",
+                                             "move_through_joint",
+                                             "move_through_pose",
+                                             "move_through_force_pose",
+                                             "move_through_current",
+                                             "stop",
+                                             "slow_stop",
+                                             "pause",
+                                             "current_drag",
+                                             "sensor_drag",
+                                             "tech_demonstration"};
+    for (size_t i = 0; text && i < std::size(kTexts); ++i) {
+        if (std::strcmp(text, kTexts[i]) == 0) return static_cast<int>(i);
     }
     return 0;
 }

@@ -18,18 +18,18 @@
 namespace zk {
 namespace {
 
-constexpr int longest_message = 10240;  // exclusive; the terminating zero needs the last place
-constexpr int chunk = 2048;
-constexpr int shortest_visit = 7;  // what is shorter cannot be a reply
-constexpr int first_cut = 5;
-constexpr int32_t silence_ms = 3000;
-constexpr int most_dropped_reads = 5;  // of one visit: about a message, so that the other arms have their turn
+constexpr int kLongestMessage = 10240;  // exclusive; the terminating zero needs the last place
+constexpr int kChunk = 2048;
+constexpr int kShortestVisit = 7;  // what is shorter cannot be a reply
+constexpr int kFirstCut = 5;
+constexpr int32_t kSilenceMs = 3000;
+constexpr int kMostDroppedReads = 5;  // of one visit: about a message, so that the other arms have their turn
 
 enum class Read { kBytes, kNothing, kEnd };
 
 class Visit {
  public:
-    explicit Visit(char (&text)[longest_message]) : text_(text) {}
+    explicit Visit(char (&text)[kLongestMessage]) : text_(text) {}
 
     void run(int slot) {
         slot_ = slot;
@@ -52,14 +52,14 @@ class Visit {
 
     // Appends up to a chunk to the text. A zero byte ends what counts of a read.
     Read receive() {
-        if (length_ + chunk >= longest_message && !make_room()) return Read::kEnd;
+        if (length_ + kChunk >= kLongestMessage && !make_room()) return Read::kEnd;
         receive_use.enter(socket_);
         if (read(SockInfo[slot_].socket, std::memory_order_seq_cst) != socket_) {  // closed since
             receive_use.leave();
             length_ = 0;
             return Read::kEnd;
         }
-        const int room = std::min(chunk, longest_message - 1 - length_);
+        const int room = std::min(kChunk, kLongestMessage - 1 - length_);
         const ssize_t got = recv(socket_, text_ + length_, static_cast<size_t>(room), MSG_DONTWAIT);
         const int error = errno;
         receive_use.leave();
@@ -80,7 +80,7 @@ class Visit {
             if (read == Read::kEnd) break;
             if (read == Read::kBytes) {
                 last_byte = Get_Program_Runtime();
-            } else if (elapsed_since(last_byte) >= silence_ms) {
+            } else if (elapsed_since(last_byte) >= kSilenceMs) {
                 std::fprintf(stderr, "ZK_Base: socket %d fell silent in the middle of a message; %d bytes dropped\n",
                              socket_, length_);
                 return false;
@@ -103,9 +103,9 @@ class Visit {
             dispatch();
             std::memmove(text_, text_ + whole, static_cast<size_t>(rest));
             length_ = rest;
-        } else if (length_ >= longest_message - 1) {
+        } else if (length_ >= kLongestMessage - 1) {
             std::fprintf(stderr, "ZK_Base: socket %d sent a message of %d bytes or more; it is dropped\n", socket_,
-                         longest_message);
+                         kLongestMessage);
             overlong_[slot_] = {true, connection(), Get_Program_Runtime()};
             length_ = 0;
             return false;
@@ -117,10 +117,10 @@ class Visit {
     // a new message.
     bool drop_up_to_line_feed() {
         Overlong& overlong = overlong_[slot_];
-        for (int reads = 0; reads < most_dropped_reads; ++reads) {
+        for (int reads = 0; reads < kMostDroppedReads; ++reads) {
             length_ = 0;
             if (receive() != Read::kBytes) {
-                if (elapsed_since(overlong.last_byte) >= silence_ms) overlong = {};
+                if (elapsed_since(overlong.last_byte) >= kSilenceMs) overlong = {};
                 return false;
             }
             overlong.last_byte = Get_Program_Runtime();
@@ -136,10 +136,10 @@ class Visit {
 
     // A message ends at CRLF; the last two bytes of a visit end one whatever they are.
     void dispatch() {
-        if (length_ < shortest_visit) return;
+        if (length_ < kShortestVisit) return;
         reply_arrives();
         char* start = text_;
-        for (int at = first_cut; at != length_ - 1; ++at) {
+        for (int at = kFirstCut; at != length_ - 1; ++at) {
             const bool line_end = text_[at] == '\r' && text_[at + 1] == '\n';
             if (!line_end && at != length_ - 2) continue;
             text_[at] = text_[at + 1] = '\0';
@@ -148,7 +148,7 @@ class Visit {
         }
     }
 
-    char (&text_)[longest_message];
+    char (&text_)[kLongestMessage];
     std::array<Overlong, ZK_SLOTS> overlong_{};
     int length_ = 0;
     int slot_ = 0;
@@ -159,7 +159,7 @@ class Visit {
 }  // namespace zk
 
 ZK_API void* RecvThread(void*) {
-    char text[zk::longest_message];
+    char text[zk::kLongestMessage];
     zk::Visit visit(text);
     for (;;) {
         for (int slot = 0; slot < ZK_SLOTS; ++slot) visit.run(slot);

@@ -12,20 +12,20 @@
 namespace zk {
 namespace {
 
-constexpr double integer_tolerance = 2.220446049250313e-16;
+constexpr double kIntegerTolerance = 2.220446049250313e-16;
 
 // A number by the rules of the wire, whatever the installed printer writes: integers of 32 bits as such, larger whole
 // numbers below 1e60 in full, all else with six decimals, in exponent form when very small or very large.
 cJSON* number_item(double value) {
     if (!std::isfinite(value)) return cJSON_CreateRaw("null");
-    if (std::fabs(value) <= integer_tolerance) return cJSON_CreateNumber(0);
+    if (std::fabs(value) <= kIntegerTolerance) return cJSON_CreateNumber(0);
     const double whole = std::trunc(value);
     const bool fits = value >= INT32_MIN && value <= INT32_MAX;
-    if (fits && std::fabs(whole - value) <= integer_tolerance) return cJSON_CreateNumber(whole);
+    if (fits && std::fabs(whole - value) <= kIntegerTolerance) return cJSON_CreateNumber(whole);
 
     char text[80];
     const double size = std::fabs(value);
-    const bool is_whole = std::fabs(std::floor(value) - value) <= integer_tolerance && size < 1e60;
+    const bool is_whole = std::fabs(std::floor(value) - value) <= kIntegerTolerance && size < 1e60;
     const bool exponent = !is_whole && (size < 1e-6 || size > 1e9);
     const auto end =
         std::to_chars(text, text + sizeof text - 1, value,

@@ -94,10 +94,10 @@ struct Frame {
 
 class Request : public Fields<Request> {
  public:
-    static constexpr int usual_frame = 300;
+    static constexpr int kUsualFrame = 300;
 
     // A request without a command, from null, goes out without that key.
-    Request(ArmSocket socket, const char* command, int frame_size = usual_frame);
+    Request(ArmSocket socket, const char* command, int frame_size = kUsualFrame);
 
     // Six angles in thousandths of a degree, seven when the connection's arm mode has seven joints.
     Request& joints(const char* key, const float* degrees);

@@ -15,8 +15,8 @@ using namespace zk;
 
 namespace {
 
-constexpr int32_t pace_ms = 20;  // at most 50 frames a second, over all connections
-constexpr size_t longest_frame = sizeof(TxFrame) - offsetof(TxFrame, data);
+constexpr int32_t kPaceMs = 20;  // at most 50 frames a second, over all connections
+constexpr size_t kLongestFrame = sizeof(TxFrame) - offsetof(TxFrame, data);
 
 char* bytes_of(TxFrame& frame) { return reinterpret_cast<char*>(&frame) + offsetof(TxFrame, data); }
 
@@ -63,7 +63,7 @@ void zk::forget_frames(ArmSocket socket) {
 
 ZK_API void Add_Queue(int32_t socket, const char* text, int32_t length) {
     const size_t bytes = length < 0 ? 0 : static_cast<size_t>(length);
-    if (bytes > longest_frame) die("a frame of %d bytes exceeds the %zu that the queue holds", length, longest_frame);
+    if (bytes > kLongestFrame) die("a frame of %d bytes exceeds the %zu that the queue holds", length, kLongestFrame);
 
     TxFrame frame{};
     if (bytes > 0) std::memcpy(bytes_of(frame), text, bytes);
@@ -86,7 +86,7 @@ ZK_API void Add_Queue(int32_t socket, const char* text, int32_t length) {
 ZK_API void* WriteThread(void*) {
     for (;;) {
         write_next_frame();
-        sleep_cp(pace_ms);
+        sleep_cp(kPaceMs);
     }
     return nullptr;
 }

@@ -8,7 +8,7 @@
 
 namespace zk {
 
-constexpr int32_t settle_ms = 20;  // a pause before some commands, a transmit period long
+constexpr int32_t kSettleMs = 20;  // a pause before some commands, a transmit period long
 
 template <class... Arguments>
 bool any_null(Arguments... arguments) {
@@ -47,7 +47,7 @@ template <class Block, class NonBlock, class... Arguments>
 int settled(bool block, Block block_form, NonBlock nonblock_form, Arguments... arguments) {
     if (sending_file()) return ZK_SENDING_FILE;
     if (any_null(arguments...)) return ZK_BAD_ARGUMENT;
-    sleep_cp(settle_ms);
+    sleep_cp(kSettleMs);
     return block ? suspended(block_form, arguments...) : nonblock_form(arguments...);
 }
 

@@ -16,7 +16,7 @@ int32_t QueuelockInit = 0;
 
 namespace {
 
-constexpr size_t usual_frame = 300;
+constexpr size_t kUsualFrame = 300;
 
 class QueueLock {
  public:
@@ -53,7 +53,7 @@ ZK_API int ZK_Queue_Create(TxQueue* queue, int32_t capacity) {
     const size_t frames = capacity < 0 ? 0 : static_cast<size_t>(capacity);
     queue->base = static_cast<TxFrame*>(std::malloc(frames * sizeof(TxFrame)));
     if (!queue->base && frames > 0) return 0;
-    for (size_t i = 0; i < frames; ++i) std::memset(queue->base[i].data, 0, usual_frame);
+    for (size_t i = 0; i < frames; ++i) std::memset(queue->base[i].data, 0, kUsualFrame);
     queue->front = 0;
     queue->rear = 0;
     queue->capacity = capacity;

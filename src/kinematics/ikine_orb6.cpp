@@ -160,12 +160,12 @@ class Orb6 {
 
 // Moves every joint of every entry by whole turns next to the seed. Returns the nearest entry, the first of equals.
 int nearest_entry(double (&table)[8][6], const Seed<double>& seed) {
-    static constexpr double weights[6] = {2.4, 2.4, 2.4, 1, 1, 1};
+    static constexpr double kWeights[6] = {2.4, 2.4, 2.4, 1, 1, 1};
     const Range range = Range::widened();
     double scores[8] = {};
     for (int i = 0; i < 8; ++i) {
         for (int j = 0; j < 6; ++j) {
-            scores[i] += weights[j] * nearest(seed.theta[j], table[i][j], range.min[j], range.max[j]);
+            scores[i] += kWeights[j] * nearest(seed.theta[j], table[i][j], range.min[j], range.max[j]);
         }
     }
     return index_of_smallest(scores, 8);

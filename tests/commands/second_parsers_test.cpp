@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "support/parser_case.h"
+#include "support/paths.h"
 #include "zk/arm_limits.h"
 #include "zk/drag_teach.h"
 #include "zk/io.h"
@@ -111,7 +112,7 @@ TEST(SecondParsers, EveryOneThatStoresSomethingIsTested) {
                                        "Parser_Get_Update_scale_E",
                                        "Parser_Get_Popup_E"};
     std::stringstream text;
-    text << std::ifstream(ZK_SOURCE_DIR "/include/zk/second_parsers.h").rdbuf();
+    text << std::ifstream(std::string(kSourceFolder) + "/include/zk/second_parsers.h").rdbuf();
     const std::string header = text.str();
     const std::regex storing(R"(ZK_API int (\w+)\([^)]*text,)");
     size_t count = 0;

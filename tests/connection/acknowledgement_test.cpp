@@ -10,6 +10,8 @@
 #include <sstream>
 #include <string>
 
+#include "support/paths.h"
+
 namespace {
 
 using Parser = int (*)(const char*);
@@ -130,7 +132,7 @@ const std::set<std::string> kOfTheirOwn = {"Parser_Add_Waypoint",       "Parser_
 std::set<std::string> declared_parsers() {
     std::set<std::string> names;
     const std::regex declaration(R"(ZK_API int (Pars?er_\w+|Paser_\w+)\(\s*const char\*\s*text\);)");
-    for (const auto& file : std::filesystem::directory_iterator(ZK_SOURCE_DIR "/include/zk")) {
+    for (const auto& file : std::filesystem::directory_iterator(std::string(zk::test::kSourceFolder) + "/include/zk")) {
         std::ostringstream text;
         text << std::ifstream(file.path()).rdbuf();
         const std::string header = text.str();

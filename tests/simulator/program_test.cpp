@@ -8,6 +8,7 @@
 #include <set>
 
 #include "simulator/talk.h"
+#include "support/paths.h"
 
 namespace zk::test {
 namespace {
@@ -72,7 +73,7 @@ TEST(Program, APortInUseIsAnError) {
 
 // Its agreement with the library means something only as long as they share nothing.
 TEST(Program, IncludesNothingOfTheLibrary) {
-    const std::filesystem::path folder = std::filesystem::path(ZK_SOURCE_DIR) / "simulator";
+    const std::filesystem::path folder = std::filesystem::path(kSourceFolder) / "simulator";
     const std::regex include(R"re(\s*#\s*include\s*([<"])([^>"]+)[>"].*)re");
     std::set<std::string> sources;
     for (const auto& file : std::filesystem::recursive_directory_iterator(folder)) {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "support/line_client.h"
+#include "support/paths.h"
 #include "support/simulator_process.h"
 #include "support/udp.h"
 
@@ -133,7 +134,7 @@ struct Finished {
 };
 
 inline Finished run_simulator(const std::string& arguments) {
-    FILE* pipe = popen((std::string(ZK_SIMULATOR) + " " + arguments + " 2>&1").c_str(), "r");
+    FILE* pipe = popen((std::string(kSimulator) + " " + arguments + " 2>&1").c_str(), "r");
     if (!pipe) throw std::runtime_error("popen");
     Finished run;
     char bytes[4096];

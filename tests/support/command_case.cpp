@@ -8,6 +8,7 @@
 #include <regex>
 #include <sstream>
 
+#include "support/paths.h"
 #include "zk/dispatch.h"
 #include "zk/system.h"
 
@@ -272,7 +273,7 @@ void expect_suspension(const std::vector<SuspendedCall>& calls) {
 }
 
 std::string commands_without_row(const std::string& header, const std::vector<CommandCase>& rows) {
-    std::ifstream file(std::string(ZK_SOURCE_DIR) + "/include/zk/" + header);
+    std::ifstream file(std::string(kSourceFolder) + "/include/zk/" + header);
     std::stringstream text;
     text << file.rdbuf();
     const std::string declarations = text.str();

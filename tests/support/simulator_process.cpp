@@ -8,6 +8,7 @@
 
 #include <stdexcept>
 
+#include "support/paths.h"
 #include "support/socket.h"
 
 namespace zk::test {
@@ -30,7 +31,7 @@ std::string read_first_line(int descriptor) {
 }  // namespace
 
 SimulatorProcess::SimulatorProcess(const std::vector<std::string>& arguments) {
-    std::vector<std::string> words{ZK_SIMULATOR, "--port", "0", "--push-port", "0"};
+    std::vector<std::string> words{kSimulator, "--port", "0", "--push-port", "0"};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
     for (std::string& word : words) argv.push_back(word.data());

@@ -1,4 +1,5 @@
 #include "support/wire_protocol.h"
+#include "support/paths.h"
 
 #include <gtest/gtest.h>
 
@@ -38,7 +39,7 @@ std::vector<Key> keys_of(const std::string& cell) {
 }
 
 std::vector<Entry> entries_of(const std::string& section) {
-    std::ifstream page(std::string(ZK_SOURCE_DIR) + "/docs/wire-protocol.md");
+    std::ifstream page(std::string(kSourceFolder) + "/docs/wire-protocol.md");
     std::vector<Entry> entries;
     std::string line;
     while (std::getline(page, line) && line != "### " + section) {
