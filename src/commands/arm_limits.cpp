@@ -267,7 +267,7 @@ static Request system_servo(ArmSocket s, uint8_t state) {
     return Request(s, "set_system_state_servo").number("servo_state", state);
 }
 ZK_API int Set_System_State_Servo(ArmSocket s, uint8_t state, bool block) {
-    return settled(block, Set_System_State_Servo_Block, Set_System_State_Servo_NonBlock, s, state);
+    return after_20_ms(block, Set_System_State_Servo_Block, Set_System_State_Servo_NonBlock, s, state);
 }
 ZK_API int Set_System_State_Servo_Block(ArmSocket s, uint8_t state) {
     return pending(system_servo(s, state), 36, Parser_Set_System_State_Servo);

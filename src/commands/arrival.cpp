@@ -44,12 +44,12 @@ int move_and_arrive(const Request& request, Trajectory expected, int32_t traject
         if (const int status = early_refusal(socket)) return status;
         if (trajectory_connect != 0) return ZK_OK;
     }
-    return await_report(socket, Device::kArm, [&](Look& look) {
+    return await_report(socket, Device::kArm, [&](MotionPoll& motion) {
         int32_t type = 0;
         float data[8];
         const int status = Get_Current_Trajectory(socket, &type, data);
-        look = {.idle = type == static_cast<int32_t>(Trajectory::kNone),
-                .as_asked = type == static_cast<int32_t>(expected)};
+        motion = {.idle = type == static_cast<int32_t>(Trajectory::kNone),
+                  .expected = type == static_cast<int32_t>(expected)};
         return status;
     });
 }
@@ -75,7 +75,7 @@ MoveReport take_report(int slot) {
     return report;
 }
 
-int await_report(ArmSocket socket, Device device, const std::function<int(Look&)>& poll) {
+int await_report(ArmSocket socket, Device device, const std::function<int(MotionPoll&)>& poll) {
     Mailbox mailbox(Move_Cmd);
     bool seen = false;  // it was seen doing what it was asked
     int fails = 0, idles = 0;
@@ -88,15 +88,15 @@ int await_report(ArmSocket socket, Device device, const std::function<int(Look&)
             if (is_of(report, device) && report.trajectory_connect == 0) return report.result;
             continue;
         }
-        Look look;
-        if (const int status = poll(look)) {
+        MotionPoll motion;
+        if (const int status = poll(motion)) {
             if (++fails == kMostFailedPolls) return status;
             continue;
         }
-        seen = seen || look.as_asked;
-        if (!look.idle && !look.as_asked && reported(slot)) continue;
+        seen = seen || motion.expected;
+        if (!motion.idle && !motion.expected && reported(slot)) continue;
         sleep_cp(kLookMs);
-        if (!look.idle || (!seen && ++idles < kMostIdlePolls)) continue;
+        if (!motion.idle || (!seen && ++idles < kMostIdlePolls)) continue;
         slot = slot_of(socket);
         if (slot < 0) return ZK_NOT_CONNECTED;
         if (!reported(slot)) return ZK_NO_TRAJECTORY;

@@ -25,14 +25,14 @@ MoveReport take_report(int slot);
 inline bool is_of(const MoveReport& report, Device device) { return report.device == static_cast<int32_t>(device); }
 
 // What a poll tells of the motion: whether nothing moves, and whether what moves is what was asked for.
-struct Look {
+struct MotionPoll {
     bool idle = true;
-    bool as_asked = false;
+    bool expected = false;
 };
 
 // Waits for a device's own report, polling what it does. Gives the report's status; that of the polls after six that
 // failed; 14 when the device came to rest, or did not start within fifty looks, and no report came; 5.
-int await_report(ArmSocket socket, Device device, const std::function<int(Look&)>& poll);
+int await_report(ArmSocket socket, Device device, const std::function<int(MotionPoll&)>& poll);
 
 struct DeviceMove {
     Device device;

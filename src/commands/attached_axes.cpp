@@ -44,11 +44,11 @@ int numbers(const char* text, std::initializer_list<Number> fields) {
     return reply.status();
 }
 
-int look_at_lift(ArmSocket s, Look& look) {
+int look_at_lift(ArmSocket s, MotionPoll& motion) {
     int32_t height, current, mode = 0;
     uint16_t err_flag;
     const int status = Get_Lift_State(s, &height, &current, &err_flag, &mode);
-    look = {.idle = mode == 0, .as_asked = mode != 0};
+    motion = {.idle = mode == 0, .expected = mode != 0};
     return status;
 }
 
@@ -74,7 +74,7 @@ ZK_API int Set_Lift_Height_BLock(ArmSocket s, int32_t height, int32_t speed) {
     if (slot < 0) return ZK_NOT_CONNECTED;
     Mailbox(Move_Cmd).clear(slot);
     post(lift(s, "set_lift_height", height, speed));
-    return await_report(s, Device::kLift, [s](Look& look) { return look_at_lift(s, look); });
+    return await_report(s, Device::kLift, [s](MotionPoll& motion) { return look_at_lift(s, motion); });
 }
 ZK_API int Set_Lift_Height_NonBLock(ArmSocket s, int32_t height, int32_t speed) {
     return post(lift(s, "set_lift_height", height, speed));
@@ -100,7 +100,7 @@ ZK_API int Parser_Get_Lift_Speed(const char* text, int32_t* height, int32_t* cur
 
 static Request lift_speed(ArmSocket s, int32_t speed) { return one(s, "set_lift_speed", "speed", speed); }
 ZK_API int Set_Lift_Speed(ArmSocket s, int32_t speed) {
-    return settled(false, Set_Lift_Speed_Block, Set_Lift_Speed_NonBlock, s, speed);
+    return after_20_ms(false, Set_Lift_Speed_Block, Set_Lift_Speed_NonBlock, s, speed);
 }
 ZK_API int Set_Lift_Speed_Block(ArmSocket s, int32_t speed) {
     return pending(lift_speed(s, speed), 149, Parser_Set_Hand);
@@ -109,10 +109,10 @@ ZK_API int Set_Lift_Speed_NonBlock(ArmSocket s, int32_t speed) { return post(lif
 
 // The blank behind the name in the non-blocking form belongs to the protocol.
 ZK_API int Set_Lift(ArmSocket s, int32_t height, int32_t speed, bool block) {
-    return settled(block, Set_Lift_Block, Set_Lift_NonBlock, s, height, speed);
+    return after_20_ms(block, Set_Lift_Block, Set_Lift_NonBlock, s, height, speed);
 }
 ZK_API int Set_Lift_Block(ArmSocket s, int32_t height, int32_t speed) {
-    return pending(lift(s, "set_lift", height, speed), 148, Parser_Set_Hand, {.longer = kTravelMs});
+    return pending(lift(s, "set_lift", height, speed), 148, Parser_Set_Hand, {.extra_ms = kTravelMs});
 }
 ZK_API int Set_Lift_NonBlock(ArmSocket s, int32_t height, int32_t speed) {
     return post(lift(s, "set_lift ", height, speed));
@@ -132,7 +132,7 @@ static Request axis_pos(ArmSocket s, int32_t pos, int32_t speed) {
 }
 ZK_API int Expand_Set_Pos(ArmSocket s, int32_t pos, int32_t speed, bool block) {
     if (sending_file()) return ZK_SENDING_FILE;
-    sleep_cp(kSettleMs);
+    sleep_cp(kPauseMs);
     return block ? Expand_Set_Pos_Block(s, pos, speed) : Expand_Set_Pos_NonBlock(s, pos, speed);
 }
 ZK_API int Expand_Set_Pos_Block(ArmSocket s, int32_t pos, int32_t speed) {
@@ -216,7 +216,7 @@ static Request vehicle(ArmSocket s, int32_t speed, int32_t angular) {
     return two(s, "set_vehicle", "speed", speed, "angular", angular);
 }
 ZK_API int Set_Vehicle(ArmSocket s, int32_t speed, int32_t angular, bool block) {
-    return settled(block, Set_Vehicle_Block, Set_Vehicle_NonBlock, s, speed, angular);
+    return after_20_ms(block, Set_Vehicle_Block, Set_Vehicle_NonBlock, s, speed, angular);
 }
 ZK_API int Set_Vehicle_Block(ArmSocket s, int32_t speed, int32_t angular) {
     return pending(vehicle(s, speed, angular), 147, Parser_Set_Hand);
@@ -229,7 +229,7 @@ static Request car_move(ArmSocket s, int32_t linear, int32_t angular) {
     return two(s, "set_car_move", "linear_speed", linear, "angular_speed", angular);
 }
 ZK_API int Set_Car_Move(ArmSocket s, int32_t linear, int32_t angular, bool block) {
-    return settled(block, Set_Car_Move_Block, Set_Car_Move_NonBlock, s, linear, angular);
+    return after_20_ms(block, Set_Car_Move_Block, Set_Car_Move_NonBlock, s, linear, angular);
 }
 ZK_API int Set_Car_Move_Block(ArmSocket s, int32_t linear, int32_t angular) {
     return pending(car_move(s, linear, angular), 152, Parser_Set_Hand);
@@ -243,7 +243,7 @@ static Request car_station(ArmSocket s, int32_t station, int32_t speed) {
     return two(s, "set_car_speed", "station", station, "speed", speed);
 }
 ZK_API int Set_Car_Station(ArmSocket s, int32_t station, int32_t speed, bool block) {
-    return settled(block, Set_Car_Station_Block, Set_Car_Station_NonBlock, s, station, speed);
+    return after_20_ms(block, Set_Car_Station_Block, Set_Car_Station_NonBlock, s, station, speed);
 }
 ZK_API int Set_Car_Station_Block(ArmSocket s, int32_t station, int32_t speed) {
     return navigated(car_station(s, station, speed), 153);
@@ -255,21 +255,21 @@ ZK_API int Parser_Set_Car_Station(const char* text) { return acknowledgement(tex
 
 static Request car_speed(ArmSocket s, int32_t speed) { return one(s, "set_car_navigation_speed", "speed", speed); }
 ZK_API int Set_Car_Navigation_Speed(ArmSocket s, int32_t speed, bool block) {
-    return settled(block, Set_Car_Navigation_Speed_Block, Set_Car_Navigation_Speed_NonBlock, s, speed);
+    return after_20_ms(block, Set_Car_Navigation_Speed_Block, Set_Car_Navigation_Speed_NonBlock, s, speed);
 }
 ZK_API int Set_Car_Navigation_Speed_Block(ArmSocket s, int32_t speed) { return navigated(car_speed(s, speed), 154); }
 ZK_API int Set_Car_Navigation_Speed_NonBlock(ArmSocket s, int32_t speed) { return post(car_speed(s, speed)); }
 
 static Request car_mode(ArmSocket s, int32_t mode) { return one(s, "set_car_navigation_mode", "mode", mode); }
 ZK_API int Set_Car_Navigation_Mode(ArmSocket s, int32_t mode, bool block) {
-    return settled(block, Set_Car_Navigation_Mode_Block, Set_Car_Navigation_Mode_NonBlock, s, mode);
+    return after_20_ms(block, Set_Car_Navigation_Mode_Block, Set_Car_Navigation_Mode_NonBlock, s, mode);
 }
 ZK_API int Set_Car_Navigation_Mode_Block(ArmSocket s, int32_t mode) { return navigated(car_mode(s, mode), 155); }
 ZK_API int Set_Car_Navigation_Mode_NonBlock(ArmSocket s, int32_t mode) { return post(car_mode(s, mode)); }
 
 static Request car_charge(ArmSocket s, int32_t state) { return one(s, "set_car_charge", "charge_state", state); }
 ZK_API int Set_Car_Charge(ArmSocket s, int32_t charge_state, bool block) {
-    return settled(block, Set_Car_Charge_Block, Set_Car_Charge_NonBlock, s, charge_state);
+    return after_20_ms(block, Set_Car_Charge_Block, Set_Car_Charge_NonBlock, s, charge_state);
 }
 ZK_API int Set_Car_Charge_Block(ArmSocket s, int32_t charge_state) {
     return navigated(car_charge(s, charge_state), 157);
@@ -278,14 +278,14 @@ ZK_API int Set_Car_Charge_NonBlock(ArmSocket s, int32_t charge_state) { return p
 
 static Request car_place(ArmSocket s, int32_t station) { return one(s, "set_car_station_num", "station_num", station); }
 ZK_API int Set_Car_Station_Num(ArmSocket s, int32_t station, bool block) {
-    return settled(block, Set_Car_Station_Num_Block, Set_Car_Station_Num_NonBlock, s, station);
+    return after_20_ms(block, Set_Car_Station_Num_Block, Set_Car_Station_Num_NonBlock, s, station);
 }
 ZK_API int Set_Car_Station_Num_Block(ArmSocket s, int32_t station) { return navigated(car_place(s, station), 158); }
 ZK_API int Set_Car_Station_Num_NonBlock(ArmSocket s, int32_t station) { return post(car_place(s, station)); }
 
 ZK_API int Get_Car_State(ArmSocket s, int32_t* battery_volume, int32_t* voltage, int32_t* current, int32_t* car_err,
                          int32_t* car_state, int32_t* station_num) {
-    return settled_query(Get_Car_State_Block, s, battery_volume, voltage, current, car_err, car_state, station_num);
+    return query_after_20_ms(Get_Car_State_Block, s, battery_volume, voltage, current, car_err, car_state, station_num);
 }
 ZK_API int Get_Car_State_Block(ArmSocket s, int32_t* battery_volume, int32_t* voltage, int32_t* current,
                                int32_t* car_err, int32_t* car_state, int32_t* station_num) {

@@ -48,14 +48,14 @@ ZK_API int Set_Popup_NonBlock_E(ArmSocket s) { return post(Request(s, "popup").b
 ZK_API int Parser_Set_Popup(const char* text) { return acknowledgement(text, "popup_result"); }
 
 AckReply Set_Online_Start_Cmd[ZK_SLOTS];
-ZK_API int Set_Online_Next_E(ArmSocket s) { return briefly_settled(Set_Online_Next_Block_E, s); }
+ZK_API int Set_Online_Next_E(ArmSocket s) { return after_2_ms(Set_Online_Next_Block_E, s); }
 ZK_API int Set_Online_Next_Block_E(ArmSocket s) { return set({s, "online_next"}, Set_Online_Start_Cmd); }
 ZK_API int Parser_Set_Online_Start(const char* text) { return acknowledgement(text, "state"); }
 
 // The reply is taken for another command's of the lift, so the call ends in 7.
 AckReply Set_Lift_Version_Cmd[ZK_SLOTS];
 ZK_API int Set_Lift_Version_E(ArmSocket s, int32_t lift_version) {
-    return briefly_settled(Set_Lift_Version_Block_E, s, lift_version);
+    return after_2_ms(Set_Lift_Version_Block_E, s, lift_version);
 }
 ZK_API int Set_Lift_Version_Block_E(ArmSocket s, int32_t lift_version) {
     return set(Request(s, "set_lift_version").number("lift_version", lift_version), Set_Lift_Version_Cmd);
@@ -64,7 +64,7 @@ ZK_API int Parser_Set_Lift_Version_E(const char* text) { return anything_but_fal
 
 AckReply Set_Sale_Version_Cmd[ZK_SLOTS];
 ZK_API int Set_Sale_Version_E(ArmSocket s, int32_t sale_version) {
-    return briefly_settled(Set_Sale_Version_Block_E, s, sale_version);
+    return after_2_ms(Set_Sale_Version_Block_E, s, sale_version);
 }
 ZK_API int Set_Sale_Version_Block_E(ArmSocket s, int32_t sale_version) {
     return set(Request(s, "set_sale_version").number("sale_version", sale_version), Set_Sale_Version_Cmd);
@@ -73,7 +73,7 @@ ZK_API int Parser_Set_Sale_Version_E(const char* text) { return anything_but_fal
 
 IntReply Get_Tool_Hardware_Version_Cmd[ZK_SLOTS];
 ZK_API int Get_Tool_Hardware_Version_E(ArmSocket s, int32_t* version) {
-    return briefly_settled(Get_Tool_Hardware_Version_Block_E, s, version);
+    return after_2_ms(Get_Tool_Hardware_Version_Block_E, s, version);
 }
 ZK_API int Get_Tool_Hardware_Version_Block_E(ArmSocket s, int32_t* version) {
     if (any_null(version)) return ZK_BAD_ARGUMENT;
@@ -83,7 +83,7 @@ ZK_API int Get_Tool_Hardware_Version_Block_E(ArmSocket s, int32_t* version) {
 // The reply reaches the mailbox of Set_NetIP, so the call ends in 7.
 AckReply Set_Controller_IP_NC_Cmd[ZK_SLOTS];
 ZK_API int Set_Controller_IP_NC_E(ArmSocket s, const char* ip) {
-    return briefly_settled(Set_Controller_IP_Block_NC_E, s, ip);
+    return after_2_ms(Set_Controller_IP_Block_NC_E, s, ip);
 }
 ZK_API int Set_Controller_IP_Block_NC_E(ArmSocket s, const char* ip) {
     return set(Request(s, "set_NetIP").text("ip", ip), Set_Controller_IP_NC_Cmd);

@@ -98,7 +98,7 @@ ZK_API int Parser_Get_Force_Data(const char* text, float* force, float* zero_for
 
 AckReply Clear_Force_Data_Cmd[ZK_SLOTS];
 ZK_API int Clear_Force_Data(ArmSocket s, bool block) {
-    return settled(block, Clear_Force_Data_Block, Clear_Force_Data_NonBlock, s);
+    return after_20_ms(block, Clear_Force_Data_Block, Clear_Force_Data_NonBlock, s);
 }
 ZK_API int Clear_Force_Data_Block(ArmSocket s) { return set({s, "clear_force_data"}, Clear_Force_Data_Cmd); }
 ZK_API int Clear_Force_Data_NonBlock(ArmSocket s) { return post({s, "clear_force_data"}); }

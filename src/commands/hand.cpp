@@ -122,13 +122,13 @@ static Request pwm(ArmSocket s, int32_t frequency, int32_t duty) {
     return Request(s, "set_PWM").number("PWM_Frq", frequency).number("PWM_Dpulse", duty);
 }
 ZK_API int Set_PWM(ArmSocket s, int32_t frequency, int32_t duty, bool block) {
-    return settled(block, Set_PWM_Block, Set_PWM_NoBlock, s, frequency, duty);
+    return after_20_ms(block, Set_PWM_Block, Set_PWM_NoBlock, s, frequency, duty);
 }
 ZK_API int Set_PWM_Block(ArmSocket s, int32_t frequency, int32_t duty) {
     return pending(pwm(s, frequency, duty), 132, Parser_Set_Hand);
 }
 ZK_API int Set_PWM_NoBlock(ArmSocket s, int32_t frequency, int32_t duty) { return post(pwm(s, frequency, duty)); }
 
-ZK_API int Stop_PWM(ArmSocket s, bool block) { return settled(block, Stop_PWM_Block, Stop_PWM_NonBlock, s); }
+ZK_API int Stop_PWM(ArmSocket s, bool block) { return after_20_ms(block, Stop_PWM_Block, Stop_PWM_NonBlock, s); }
 ZK_API int Stop_PWM_Block(ArmSocket) { return ZK_NOT_BOOLEAN; }
 ZK_API int Stop_PWM_NonBlock(ArmSocket s) { return Stop_PWM_Block(s); }

@@ -262,7 +262,7 @@ ZK_API int Parser_Get_Tool_Voltage(const char* text, int32_t* type) {
 // Requests of above under other names. Their replies go to the mailboxes of above, so these end in 7.
 AckReply Set_IO_Mode_NC_Cmd[ZK_SLOTS];
 ZK_API int Set_IO_Mode_NC_E(ArmSocket s, uint8_t number, int32_t mode) {
-    return briefly_settled(Set_IO_Mode_Block_NC_E, s, number, mode);
+    return after_2_ms(Set_IO_Mode_Block_NC_E, s, number, mode);
 }
 ZK_API int Set_IO_Mode_Block_NC_E(ArmSocket s, uint8_t number, int32_t mode) {
     return set(numbered(s, "set_IO_mode", number).number("IO_mode", mode == 1 ? 1 : 0), Set_IO_Mode_NC_Cmd);
@@ -273,7 +273,7 @@ ZK_API int Set_IO_Mode_NC_Block_E(ArmSocket s, uint8_t number, int32_t mode) {
 
 AckReply Set_IO_State_NC_Cmd[ZK_SLOTS];
 ZK_API int Set_IO_State_NC_E(ArmSocket s, uint8_t number, int32_t state) {
-    return briefly_settled(Set_IO_State_Block_NC_E, s, number, state);
+    return after_2_ms(Set_IO_State_Block_NC_E, s, number, state);
 }
 ZK_API int Set_IO_State_Block_NC_E(ArmSocket s, uint8_t number, int32_t state) {
     return set(switched(s, "set_DO_state", number, state == 1), Set_IO_State_NC_Cmd);
@@ -284,7 +284,7 @@ ZK_API int Set_IO_State_NC_Block_E(ArmSocket s, uint8_t number, int32_t state) {
 
 IoStateReply Get_IO_State_NC_Cmd[ZK_SLOTS];
 ZK_API int Get_IO_State_NC_E(ArmSocket s, uint8_t number, int32_t* state, int32_t* mode) {
-    return briefly_settled(Get_IO_State_Block_NC_E, s, number, state, mode);
+    return after_2_ms(Get_IO_State_Block_NC_E, s, number, state, mode);
 }
 ZK_API int Get_IO_State_Block_NC_E(ArmSocket s, uint8_t number, int32_t* state, int32_t* mode) {
     return state_query(s, number, Get_IO_State_NC_Cmd, state, mode);
@@ -298,7 +298,7 @@ ZK_API int Parser_Get_IO_State_NC_E(const char* text, int32_t* state, int32_t* m
 
 IntReply Get_Controller_Voltage_NC_Cmd[ZK_SLOTS];
 ZK_API int Get_Controller_Voltage_NC_E(ArmSocket s, uint8_t* type) {
-    return briefly_settled(Get_Controller_Voltage_Block_NC_E, s, type);
+    return after_2_ms(Get_Controller_Voltage_Block_NC_E, s, type);
 }
 ZK_API int Get_Controller_Voltage_Block_NC_E(ArmSocket s, uint8_t* type) {
     return byte_query({s, "get_voltage"}, Get_Controller_Voltage_NC_Cmd, type);
@@ -309,7 +309,7 @@ ZK_API int Get_Controller_Voltage_NC_Block_E(ArmSocket s, uint8_t* type) {
 
 AckReply Set_Controller_Voltage_NC_Cmd[ZK_SLOTS];
 ZK_API int Set_Controller_Voltage_NC_E(ArmSocket s, uint8_t type, uint8_t start_enable) {
-    return briefly_settled(Set_Controller_Voltage_Block_NC_E, s, type, start_enable);
+    return after_2_ms(Set_Controller_Voltage_Block_NC_E, s, type, start_enable);
 }
 ZK_API int Set_Controller_Voltage_Block_NC_E(ArmSocket s, uint8_t type, uint8_t start_enable) {
     return set(supply(s, type, start_enable), Set_Controller_Voltage_NC_Cmd);

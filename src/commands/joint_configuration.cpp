@@ -255,7 +255,7 @@ static Request clear_err(ArmSocket s, uint8_t joint) {
 AckReply Set_Joint_Clear_Err_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Err_Clear(ArmSocket s, uint8_t joint, bool block) {
     if (sending_file()) return ZK_SENDING_FILE;
-    sleep_cp(kSettleMs);
+    sleep_cp(kPauseMs);
     return block ? Set_Joint_Err_Clear_Block(s, joint) : Set_Joint_Err_Clear_NonBlock(s, joint);
 }
 ZK_API int Set_Joint_Err_Clear_Block(ArmSocket s, uint8_t joint) {
@@ -297,7 +297,7 @@ static Request zero_pos(ArmSocket s, uint8_t joint) {
 AckReply Set_Joint_Zero_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Zero_Pos(ArmSocket s, uint8_t joint, bool block) {
     if (sending_file()) return ZK_SENDING_FILE;
-    sleep_cp(kSettleMs);
+    sleep_cp(kPauseMs);
     if (const int status = needs_connection(s)) return status;
     return block ? Set_Joint_Zero_Pos_Block(s, joint) : Set_Joint_Zero_Pos_NonBlock(s, joint);
 }
@@ -307,19 +307,19 @@ ZK_API int Parser_Joint_Zero_Pos(const char* text) { return acknowledgement(text
 
 // The replies of calibration do not reach the pending list: the blocking forms end in 7.
 ZK_API int Start_Calibrate(ArmSocket s, bool block) {
-    return settled(block, Start_Calibrate_Block, Start_Calibrate_NonBlock, s);
+    return after_20_ms(block, Start_Calibrate_Block, Start_Calibrate_NonBlock, s);
 }
 ZK_API int Start_Calibrate_Block(ArmSocket s) { return pending({s, "start_calibrate"}, 9, Parser_Start_Calibrate); }
 ZK_API int Start_Calibrate_NonBlock(ArmSocket s) { return post({s, "start_calibrate"}); }
 ZK_API int Stop_Calibrate(ArmSocket s, bool block) {
-    return settled(block, Stop_Calibrate_Block, Stop_Calibrate_NonBlock, s);
+    return after_20_ms(block, Stop_Calibrate_Block, Stop_Calibrate_NonBlock, s);
 }
 ZK_API int Stop_Calibrate_Block(ArmSocket s) { return pending({s, "stop_calibrate"}, 10, Parser_Start_Calibrate); }
 ZK_API int Stop_Calibrate_NonBlock(ArmSocket s) { return post({s, "stop_calibrate"}); }
 ZK_API int Parser_Start_Calibrate(const char* text) { return acknowledgement(text, "calibrate_state", ZK_NOT_BOOLEAN); }
 
 ZK_API int Get_Calibrate_State(ArmSocket s, float* state, uint16_t* err, int32_t* value) {
-    return settled_query(Get_Calibrate_State_Block, s, state, err, value);
+    return query_after_20_ms(Get_Calibrate_State_Block, s, state, err, value);
 }
 ZK_API int Get_Calibrate_State_Block(ArmSocket s, float* state, uint16_t* err, int32_t* value) {
     return pending({s, "get_calibrate_state"}, 11,
@@ -374,9 +374,7 @@ static Request limit_mode(ArmSocket s, uint8_t mode) {
     return Request(s, "auto_set_joint_limit").number("limit_mode", mode);
 }
 AckReply Auto_Set_Joint_Limit_Cmd[ZK_SLOTS];
-ZK_API int Auto_Set_Joint_Limit(ArmSocket s, uint8_t mode) {
-    return briefly_settled(Auto_Set_Joint_Limit_Block_E, s, mode);
-}
+ZK_API int Auto_Set_Joint_Limit(ArmSocket s, uint8_t mode) { return after_2_ms(Auto_Set_Joint_Limit_Block_E, s, mode); }
 ZK_API int Auto_Set_Joint_Limit_E(ArmSocket s, uint8_t mode) { return Auto_Set_Joint_Limit(s, mode); }
 ZK_API int Auto_Set_Joint_Limit_Block_E(ArmSocket s, uint8_t mode) {
     return set(limit_mode(s, mode), Auto_Set_Joint_Limit_Cmd);

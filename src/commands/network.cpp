@@ -114,7 +114,7 @@ ZK_API int Parser_Set_Net_Default_Cmd(const char* text) { return acknowledgement
 
 // The same request, waiting where no reply is put: it ends in 7.
 AckReply Set_Controller_ResetIP_NC_Cmd[ZK_SLOTS];
-ZK_API int Set_Controller_ResetIP_NC_E(ArmSocket s) { return briefly_settled(Set_Controller_ResetIP_Block_NC_E, s); }
+ZK_API int Set_Controller_ResetIP_NC_E(ArmSocket s) { return after_2_ms(Set_Controller_ResetIP_Block_NC_E, s); }
 ZK_API int Set_Controller_ResetIP_Block_NC_E(ArmSocket s) {
     return set({s, "set_net_default"}, Set_Controller_ResetIP_NC_Cmd);
 }

@@ -78,7 +78,7 @@ ZK_API int Parser_Controller_State(const char* text, float* voltage, float* curr
 
 // The reply does not reach the pending list, and the parser delivers no text.
 ZK_API int Get_Arm_Hardware_Version(ArmSocket s, char* version) {
-    return settled_query(Get_Arm_Hardware_Version_Block, s, version);
+    return query_after_20_ms(Get_Arm_Hardware_Version_Block, s, version);
 }
 ZK_API int Get_Arm_Hardware_Version_Block(ArmSocket s, char* version) {
     return pending({s, "get_arm_hardware_version"}, 89,
@@ -163,7 +163,7 @@ ZK_API int Parser_Get_Tool_Software_Version(const char* text, int32_t* version) 
 
 // The reply does not reach the pending list: the blocking form ends in 7.
 ZK_API int Get_Log_File(ArmSocket s, bool block) {
-    return settled(block, Get_Log_File_Block, Get_Log_File_NonBlock, s);
+    return after_20_ms(block, Get_Log_File_Block, Get_Log_File_NonBlock, s);
 }
 ZK_API int Get_Log_File_Block(ArmSocket s) { return pending({s, "get_log_file"}, 91, Parser_Set_Hand); }
 ZK_API int Get_Log_File_NonBlock(ArmSocket s) { return post({s, "get_log_file"}); }
@@ -243,7 +243,7 @@ ZK_API int Save_Device_Info_All_Block(ArmSocket s) {
 ZK_API int Parser_Save_Device_Info_All(const char* text) { return acknowledgement(text, "model"); }
 
 AckReply Set_Arm_Run_Mode_NC_Cmd[ZK_SLOTS];
-ZK_API int Set_Arm_Run_Mode(ArmSocket s, int32_t mode) { return briefly_settled(Set_Arm_Run_Mode_Block_NC_E, s, mode); }
+ZK_API int Set_Arm_Run_Mode(ArmSocket s, int32_t mode) { return after_2_ms(Set_Arm_Run_Mode_Block_NC_E, s, mode); }
 ZK_API int Set_Arm_Run_Mode_Block_NC_E(ArmSocket s, int32_t mode) {
     return set(Request(s, "set_arm_run_mode").number("mode", mode), Set_Arm_Run_Mode_NC_Cmd);
 }
@@ -256,9 +256,7 @@ ZK_API int Parser_Set_Arm_Run_Mode_NC_E(const char* text) {  // only false is a 
 }
 
 IntReply Get_Arm_Run_Mode_NC_Cmd[ZK_SLOTS];
-ZK_API int Get_Arm_Run_Mode(ArmSocket s, int32_t* mode) {
-    return briefly_settled(Get_Arm_Run_Mode_Block_NC_E, s, mode);
-}
+ZK_API int Get_Arm_Run_Mode(ArmSocket s, int32_t* mode) { return after_2_ms(Get_Arm_Run_Mode_Block_NC_E, s, mode); }
 ZK_API int Get_Arm_Run_Mode_Block_NC_E(ArmSocket s, int32_t* mode) {
     return query_value(s, "get_arm_run_mode", Get_Arm_Run_Mode_NC_Cmd, mode);
 }

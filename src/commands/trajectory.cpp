@@ -72,7 +72,7 @@ ZK_API int Parser_Clear_All_Trajectory(const char* text) { return acknowledgemen
 // The trajectory in progress. For a pose type on a seven-joint arm the seventh value is what the record held.
 TrajectoryReply Get_Arm_Current_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Get_Current_Trajectory(ArmSocket s, int32_t* type, float* data) {
-    return settled_query(Get_Current_Trajectory_Block, s, type, data);
+    return query_after_20_ms(Get_Current_Trajectory_Block, s, type, data);
 }
 ZK_API int Get_Current_Trajectory_Block(ArmSocket s, int32_t* type, float* data) {
     const auto deliver = [&](const TrajectoryReply& reply) {
@@ -125,16 +125,16 @@ ZK_API int Parser_Get_Current_Trajectory(ArmSocket s, const char* text, int32_t*
 
 // The stream of waypoints. Its replies never reach the pending list, so the blocking forms end in 7 although the
 // controller did its work.
-constexpr PendingForm kClearsBehind = {.clears_behind = true};
+constexpr PendingForm kClearsPastEnd = {.clears_past_end = true};
 
 static Request add_waypoint(ArmSocket s, const float* joint) {
     return Request(s, "add_waypoint").joints("joint", joint);
 }
 ZK_API int Add_Waypoint(ArmSocket s, const float* joint, bool block) {
-    return settled(block, Add_Waypoint_Block, Add_Waypoint_NonBlock, s, joint);
+    return after_20_ms(block, Add_Waypoint_Block, Add_Waypoint_NonBlock, s, joint);
 }
 ZK_API int Add_Waypoint_Block(ArmSocket s, const float* joint) {
-    return pending(add_waypoint(s, joint), 73, Parser_Add_Waypoint, kClearsBehind);
+    return pending(add_waypoint(s, joint), 73, Parser_Add_Waypoint, kClearsPastEnd);
 }
 ZK_API int Add_Waypoint_NonBlock(ArmSocket s, const float* joint) { return post(add_waypoint(s, joint)); }
 ZK_API int Parser_Add_Waypoint(const char* text) {  // only false is a refusal
@@ -149,36 +149,36 @@ static Request start_waypoint(ArmSocket s, int32_t frequency) {
     return Request(s, "start_waypoint").number("frequency", frequency);
 }
 ZK_API int Start_Waypoint(ArmSocket s, int32_t frequency, bool block) {
-    return settled(block, Start_Waypoint_Block, Start_Waypoint_NonBlock, s, frequency);
+    return after_20_ms(block, Start_Waypoint_Block, Start_Waypoint_NonBlock, s, frequency);
 }
 ZK_API int Start_Waypoint_Block(ArmSocket s, int32_t frequency) {
-    return pending(start_waypoint(s, frequency), 74, Parser_Set_Gripper, kClearsBehind);
+    return pending(start_waypoint(s, frequency), 74, Parser_Set_Gripper, kClearsPastEnd);
 }
 ZK_API int Start_Waypoint_NonBlock(ArmSocket s, int32_t frequency) { return post(start_waypoint(s, frequency)); }
 
 ZK_API int Clear_Waypoint(ArmSocket s, bool block) {
-    return settled(block, Clear_Waypoint_Block, Clear_Waypoint_NonBlock, s);
+    return after_20_ms(block, Clear_Waypoint_Block, Clear_Waypoint_NonBlock, s);
 }
 ZK_API int Clear_Waypoint_Block(ArmSocket s) {
-    return pending({s, "clear_waypoint"}, 75, Parser_Set_Gripper, kClearsBehind);
+    return pending({s, "clear_waypoint"}, 75, Parser_Set_Gripper, kClearsPastEnd);
 }
 ZK_API int Clear_Waypoint_NonBlock(ArmSocket s) { return post({s, "clear_waypoint"}); }
 
 ZK_API int Stop_Waypoint(ArmSocket s, bool block) {
-    return settled(block, Stop_Waypoint_Block, Stop_Waypoint_NonBlock, s);
+    return after_20_ms(block, Stop_Waypoint_Block, Stop_Waypoint_NonBlock, s);
 }
 ZK_API int Stop_Waypoint_Block(ArmSocket s) {
-    return pending({s, "stop_waypoint"}, 76, Parser_Set_Gripper, kClearsBehind);
+    return pending({s, "stop_waypoint"}, 76, Parser_Set_Gripper, kClearsPastEnd);
 }
 ZK_API int Stop_Waypoint_NonBlock(ArmSocket s) { return post({s, "stop_waypoint"}); }
 ZK_API int Parser_Set_Gripper(const char* text) { return acknowledgement(text, "waypoint_state"); }
 
 static Request timer(ArmSocket s, int32_t wait_time) { return Request(s, "timer").number("wait_time", wait_time); }
 ZK_API int Timer(ArmSocket s, int32_t wait_time, bool block) {
-    return settled(block, Timer_Block, Timer_NonBlock, s, wait_time);
+    return after_20_ms(block, Timer_Block, Timer_NonBlock, s, wait_time);
 }
 ZK_API int Timer_Block(ArmSocket s, int32_t wait_time) {
-    return pending(timer(s, wait_time), 77, Paser_Timer, kClearsBehind);
+    return pending(timer(s, wait_time), 77, Paser_Timer, kClearsPastEnd);
 }
 ZK_API int Timer_NonBlock(ArmSocket s, int32_t wait_time) { return post(timer(s, wait_time)); }
 ZK_API int Paser_Timer(const char* text) { return acknowledgement(text, "wait_time"); }

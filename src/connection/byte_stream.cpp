@@ -20,7 +20,7 @@ constexpr int kLookMs = 10;
 
 ByteStream::ByteStream(ArmSocket socket, int32_t silence_limit)
     : socket_(socket), descriptor_(fcntl(socket, F_DUPFD_CLOEXEC, 0)), silence_limit_(silence_limit) {
-    request_leaves();
+    release_request();
 }
 
 ByteStream::~ByteStream() {

@@ -52,7 +52,7 @@ static int post(ArmSocket socket, const Frame& frame) {
 int post(const Request& request) { return post(request.socket(), request.frame()); }
 
 static int stream(ArmSocket socket, const Frame& frame) {
-    request_leaves();
+    release_request();
     return static_cast<int>(send(socket, frame.text, static_cast<size_t>(frame.length), MSG_DONTWAIT | MSG_NOSIGNAL));
 }
 int stream(const Request& request) { return stream(request.socket(), request.frame()); }

@@ -65,7 +65,7 @@ PendingEntry::PendingEntry(ArmSocket socket, int key_code) : socket_(socket), ke
 int PendingEntry::send(const Request& request, const PendingForm& form) {
     if (stream(request) >= 1) return ZK_OK;
     ListLock lock;
-    remove(SockeRIinfos, &m_nSockeRIinfosLen, form.clears_behind ? m_nSockeRIinfosLen : index_);
+    remove(SockeRIinfos, &m_nSockeRIinfosLen, form.clears_past_end ? m_nSockeRIinfosLen : index_);
     return ZK_SEND_FAILED;
 }
 
@@ -92,7 +92,7 @@ int PendingEntry::wait(char (&reply)[300], const PendingForm& form) {
     const int32_t start = Get_Program_Runtime();
     for (;;) {
         sleep_cp(kPollMs);
-        if (elapsed_since(start) >= limit_beyond(form.longer)) {
+        if (elapsed_since(start) >= limit_beyond(form.extra_ms)) {
             give_up();
             return ZK_TIMEOUT;
         }

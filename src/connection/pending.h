@@ -7,8 +7,8 @@
 namespace zk {
 
 struct PendingForm {
-    bool clears_behind = false;  // after a failed send the entry behind the last is cleared, not the request's own
-    int32_t longer = 0;          // ms to wait beyond m_nOutTime
+    bool clears_past_end = false;  // after a failed send the entry behind the last is cleared, not the request's own
+    int32_t extra_ms = 0;          // ms to wait beyond m_nOutTime
 };
 
 // `parse` takes the reply's text and gives the status.

@@ -27,9 +27,9 @@ constexpr int kMostDroppedReads = 5;  // of one visit: about a message, so that 
 
 enum class Read { kBytes, kNothing, kEnd };
 
-class Visit {
+class SlotReader {
  public:
-    explicit Visit(char (&text)[kLongestMessage]) : text_(text) {}
+    explicit SlotReader(char (&text)[kLongestMessage]) : text_(text) {}
 
     void run(int slot) {
         slot_ = slot;
@@ -137,7 +137,7 @@ class Visit {
     // A message ends at CRLF; the last two bytes of a visit end one whatever they are.
     void dispatch() {
         if (length_ < kShortestVisit) return;
-        reply_arrives();
+        acquire_reply();
         char* start = text_;
         for (int at = kFirstCut; at != length_ - 1; ++at) {
             const bool line_end = text_[at] == '\r' && text_[at + 1] == '\n';
@@ -160,9 +160,9 @@ class Visit {
 
 ZK_API void* RecvThread(void*) {
     char text[zk::kLongestMessage];
-    zk::Visit visit(text);
+    zk::SlotReader reader(text);
     for (;;) {
-        for (int slot = 0; slot < ZK_SLOTS; ++slot) visit.run(slot);
+        for (int slot = 0; slot < ZK_SLOTS; ++slot) reader.run(slot);
         sleep_cp(1);
     }
     return nullptr;

@@ -42,7 +42,7 @@ inline void write_words(void* to, const void* from, std::size_t bytes) {
 
 // The order of the wire: nothing that a parser does with a reply comes before what the caller did ahead of its request.
 inline std::atomic<unsigned> requests_sent{0};
-inline void request_leaves() { requests_sent.fetch_add(1, std::memory_order_release); }
-inline void reply_arrives() { (void)requests_sent.load(std::memory_order_acquire); }
+inline void release_request() { requests_sent.fetch_add(1, std::memory_order_release); }
+inline void acquire_reply() { (void)requests_sent.load(std::memory_order_acquire); }
 
 }  // namespace zk

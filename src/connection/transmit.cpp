@@ -75,7 +75,7 @@ ZK_API void Add_Queue(int32_t socket, const char* text, int32_t length) {
         ZK_Mutex_UnLock();
         die("a command needs the library initialised: call ZK_API_Init first, and again after ZK_API_UnInit");
     }
-    request_leaves();
+    release_request();
     if (!ZK_Enqueu(&Socket_Tx_Buffer, &frame)) {
         std::printf("enqueue socket:%d\r\n", socket);
         std::fflush(stdout);

@@ -8,7 +8,7 @@
 
 namespace zk {
 
-constexpr int32_t kSettleMs = 20;  // a pause before some commands, a transmit period long
+constexpr int32_t kPauseMs = 20;  // a pause before some commands, a transmit period long
 
 template <class... Arguments>
 bool any_null(Arguments... arguments) {
@@ -44,21 +44,21 @@ int suspended(Form form, Arguments... arguments) {
 
 // Checked, then a pause, then the blocking form with SuspendQueue raised, or the other without.
 template <class Block, class NonBlock, class... Arguments>
-int settled(bool block, Block block_form, NonBlock nonblock_form, Arguments... arguments) {
+int after_20_ms(bool block, Block block_form, NonBlock nonblock_form, Arguments... arguments) {
     if (sending_file()) return ZK_SENDING_FILE;
     if (any_null(arguments...)) return ZK_BAD_ARGUMENT;
-    sleep_cp(kSettleMs);
+    sleep_cp(kPauseMs);
     return block ? suspended(block_form, arguments...) : nonblock_form(arguments...);
 }
 
 template <class Form, class... Arguments>
-int settled_query(Form form, Arguments... arguments) {
-    return settled(true, form, form, arguments...);
+int query_after_20_ms(Form form, Arguments... arguments) {
+    return after_20_ms(true, form, form, arguments...);
 }
 
 // Checked, then a pause of two milliseconds and the blocking form with SuspendQueue raised.
 template <class Form, class... Arguments>
-int briefly_settled(Form form, Arguments... arguments) {
+int after_2_ms(Form form, Arguments... arguments) {
     if (sending_file()) return ZK_SENDING_FILE;
     if (any_null(arguments...)) return ZK_BAD_ARGUMENT;
     sleep_cp(2);
