@@ -6,12 +6,16 @@ target_compile_options(zk_compiler INTERFACE -Wall -Wextra $<$<BOOL:${ZK_WARNING
 target_compile_options(zk_compiler INTERFACE -ffp-contract=off)
 
 if(ZK_SANITIZE)
-  add_compile_options(-fsanitize=${ZK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  # -O1 and line tables: what a report needs, in the shortest build.
+  add_compile_options(-O1 -g1 -fsanitize=${ZK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${ZK_SANITIZE})
 endif()
 
 find_program(CCACHE ccache)
 if(CCACHE)
-  set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE})
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+  # What a compiler cache needs to serve sources with a precompiled header.
+  set(cached ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
+  set(CMAKE_C_COMPILER_LAUNCHER ${cached})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${cached})
+  add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
 endif()

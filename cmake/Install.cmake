@@ -8,8 +8,9 @@ configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/ZK_BaseConfig.cmake.in $
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/ZK_BaseConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/ZK_BaseConfig.cmake ${CMAKE_BINARY_DIR}/ZK_BaseConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/ZK_Base)
+file(RELATIVE_PATH ZK_PREFIX_OF_PKGCONFIG /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/zk_base.pc.in ${CMAKE_BINARY_DIR}/zk_base.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/zk_base.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-if(ZK_BUILD_SIMULATOR)
+if(ZK_BUILD_SIMULATOR AND NOT ZK_SIMULATOR)
   install(TARGETS zk_simulator RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()

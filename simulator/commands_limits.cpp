@@ -45,7 +45,7 @@ void add_model(CommandTable& table) {
     });
 }
 
-void add_modes(CommandTable& table) {
+void add_collision_and_modes(CommandTable& table) {
     const auto stage = std::make_shared<int>(0);
     table
         .set("set_collision_stage", "collision_state",
@@ -84,7 +84,7 @@ void add_modes(CommandTable& table) {
 void add_limit_commands(CommandTable& table) {
     add_cartesian_limits(table);
     add_model(table);
-    add_modes(table);
+    add_collision_and_modes(table);
 }
 
 }  // namespace sim

@@ -20,7 +20,7 @@ constexpr Custom kCustom[] = {{"joint_speed", &PushSettings::joint_speed},
                               {"hand", &PushSettings::hand},
                               {"aloha_state", &PushSettings::aloha_state}};
 
-std::string address(const Request& request, const char* key) {
+std::string ipv4_address(const Request& request, const char* key) {
     const std::string text = request.text(key);
     in_addr address;
     if (inet_pton(AF_INET, text.c_str(), &address) != 1) throw BadRequest("\"" + text + "\" is no IPv4 address");
@@ -36,7 +36,7 @@ bool set_realtime_push(Call& call) {
     if (request.has("enable")) settings.enable = request.flag("enable");
     if (request.has("port")) settings.port = request.integer("port", 1, 65535);
     if (request.has("force_coordinate")) settings.force_coordinate = request.integer("force_coordinate", 0, 2);
-    if (request.has("ip")) settings.ip = address(request, "ip");
+    if (request.has("ip")) settings.ip = ipv4_address(request, "ip");
     if (request.has("custom")) {
         const Request custom = request.object("custom");
         for (const auto& [key, flag] : kCustom) {

@@ -9,10 +9,10 @@
 namespace sim {
 namespace {
 
-constexpr size_t kMaxWaypoints = 100;
+constexpr size_t kMaxGlobalWaypoints = 100;
 constexpr int kMostOnAPage = 30;
 
-using Waypoints = std::map<std::string, Json>;
+using GlobalWaypoints = std::map<std::string, Json>;
 
 std::string short_text(const Request& request, const char* key, size_t most) {
     const std::string text = request.text(key);
@@ -31,14 +31,14 @@ Json waypoint_of(const Call& call) {
             {"time", short_text(request, "time", 49)}};
 }
 
-bool add(Call& call, Waypoints& waypoints) {
+bool add(Call& call, GlobalWaypoints& waypoints) {
     const Json waypoint = waypoint_of(call);
     const std::string name = waypoint.at("point_name");
-    if (name.empty() || waypoints.size() == kMaxWaypoints) return false;
+    if (name.empty() || waypoints.size() == kMaxGlobalWaypoints) return false;
     return waypoints.emplace(name, waypoint).second;
 }
 
-bool update(Call& call, Waypoints& waypoints) {
+bool update(Call& call, GlobalWaypoints& waypoints) {
     const Json waypoint = waypoint_of(call);
     const auto found = waypoints.find(waypoint.at("point_name"));
     if (found == waypoints.end()) return false;
@@ -46,12 +46,12 @@ bool update(Call& call, Waypoints& waypoints) {
     return true;
 }
 
-Json given(Call& call, const Waypoints& waypoints) {
+Json given(Call& call, const GlobalWaypoints& waypoints) {
     const auto found = waypoints.find(call.request.text("point_name"));
     return found == waypoints.end() ? Json{{"given_state", false}} : found->second;
 }
 
-Json list(Call& call, const Waypoints& waypoints) {
+Json list(Call& call, const GlobalWaypoints& waypoints) {
     std::vector<Json> entries;
     for (const auto& [name, waypoint] : waypoints) entries.push_back(waypoint);
     Json reply = page_reply(page_of(call.request, kMostOnAPage), entries, "point_name");
@@ -62,7 +62,7 @@ Json list(Call& call, const Waypoints& waypoints) {
 }  // namespace
 
 void add_waypoint_commands(CommandTable& table) {
-    const auto waypoints = std::make_shared<Waypoints>();
+    const auto waypoints = std::make_shared<GlobalWaypoints>();
     table.set("add_global_waypoint", "add_state", [waypoints](Call& call) { return add(call, *waypoints); });
     table.set("update_global_waypoint", "update_state", [waypoints](Call& call) { return update(call, *waypoints); });
     table.set("delete_global_waypoint", "delete_state",

@@ -60,4 +60,4 @@ ZK_API int ZK_API_UnInit() {
     return 0;
 }
 
-ZK_API const char* API_Version() { return "4.3.6"; }
+ZK_API const char* API_Version() { return ZK_VERSION; }

@@ -22,7 +22,7 @@ int main(void) {
     cJSON* request = cJSON_Parse("{\"command\":\"movej\"}");
     Pose pose;
 
-    expect(strcmp(API_Version(), "4.3.6") == 0, "the interface is 4.3.6");
+    expect(strcmp(API_Version(), PACKAGE_VERSION) == 0, "library and package have one version");
     expect(strcmp(Algo_Version(), "1.4.8") == 0, "the algorithms are 1.4.8");
     expect(Get_Json_KeyCode("{\"state\":\"joint_degree\"}") == 58, "joint degrees have code 58");
     expect(strcmp(cJSON_GetObjectItem(request, "command")->valuestring, "movej") == 0, "cJSON reads what it is given");
