@@ -34,7 +34,7 @@ Path Arm::joint_path(const JointVector& start, const JointVector& target, double
         for (size_t i = 0; i < joints.size(); ++i) joints[i] += s * (target[i] - start[i]);
         return joints;
     };
-    // All joints start and end together: the one that needs longest sets the pace.
+    // All joints start and end together: the slowest one sets the pace.
     double speed = 0, acc = 0;
     for (size_t i = 0; i < start.size(); ++i) {
         const double turn = std::abs(target[i] - start[i]);
@@ -65,7 +65,7 @@ void Arm::check(const Path& path) const {
     for (double time = step; time < profile.duration() + step; time += step) {
         const JointVector joints = path.at(std::min(1.0, profile.distance(time)));
         for (size_t i = 0; i < joints.size(); ++i) {
-            // An arm that stands beyond a limit may come back.
+            // A joint beyond its limit may move back.
             const bool inside = joints[i] >= std::min(start[i], limits[i].min_pos / 1000.0) - kHalfWireUnit &&
                                 joints[i] <= std::max(start[i], limits[i].max_pos / 1000.0) + kHalfWireUnit;
             if (!inside) throw NoPath("joint " + std::to_string(i + 1) + " would leave its limits on the way");
@@ -76,7 +76,7 @@ void Arm::check(const Path& path) const {
     }
 }
 
-std::string Arm::objection_to(const JointVector& target) const {
+std::string Arm::reason_not_to_move_to(const JointVector& target) const {
     if (target.size() != joint_count())
         return std::to_string(target.size()) + " joints for an arm of " + std::to_string(joint_count());
     for (size_t i = 0; i < target.size(); ++i) {
@@ -84,10 +84,10 @@ std::string Arm::objection_to(const JointVector& target) const {
         if (!(wire >= limits[i].min_pos - 0.5 && wire <= limits[i].max_pos + 0.5))
             return "joint " + std::to_string(i + 1) + " beyond its limit";
     }
-    return objection_to_moving();
+    return reason_not_to_move();
 }
 
-std::string Arm::objection_to_moving() const {
+std::string Arm::reason_not_to_move() const {
     if (!powered_) return "the arm is powered off";
     if (dragged_) return "the arm is being dragged";
     if (arm_error_ != 0 || system_error_ != 0) return "the arm is in error";

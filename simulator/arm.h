@@ -9,7 +9,7 @@
 
 namespace sim {
 
-// The limits of a joint as the wire has them: positions in thousandths of a degree, speeds and accelerations in
+// The limits of a joint in the units of the wire: positions in thousandths of a degree, speeds and accelerations in
 // thousandths of a revolution per minute (per second).
 struct JointLimits {
     int min_pos;
@@ -28,7 +28,7 @@ struct JointState {
     double odometer = 0;  // degrees travelled
 };
 
-// The arm itself: its joints, their limits, what moves them, and what keeps them from moving.
+// The arm: its joints, their limits, its motion and the conditions that prevent motion.
 class Arm {
  public:
     Arm(const RobotModel& model, const JointVector& joints);
@@ -43,28 +43,28 @@ class Arm {
     MotionQueue& motion() { return motion_; }
     const MotionQueue& motion() const { return motion_; }
 
-    // Queues a move. Throws NoPath if there is no way for it, and has not changed then.
+    // Queues a move. Throws NoPath and changes nothing when no path exists.
     void order(Move move) { motion_.add(std::move(move), ordered_); }
 
-    // Where all moves that are queued will have led.
+    // The joints at the end of all queued moves.
     JointVector end() const { return motion_.end(ordered_); }
 
-    // What the mechanics allow, and no limit may exceed.
+    // The mechanical limits. No other limit may exceed them.
     const std::vector<JointLimits>& range() const { return range_; }
     std::vector<JointLimits> limits;        // in force
-    std::vector<JointLimits> drive_limits;  // of the drives, told and kept
+    std::vector<JointLimits> drive_limits;  // of the drives, stored but not enforced
 
     // A path straight in joint space at `percent` of the speed limits.
     Path joint_path(const JointVector& start, const JointVector& target, double percent) const;
 
     std::vector<Pace> paces() const;  // of all joints, at their limits
 
-    // Runs through a path beforehand. Throws NoPath where a joint would leave its limits or exceed its speed.
+    // Checks a path in advance. Throws NoPath where a joint would leave its limits or exceed its speed.
     void check(const Path& path) const;
 
     // Why the arm would not move to `target`, or an empty text.
-    std::string objection_to(const JointVector& target) const;
-    std::string objection_to_moving() const;
+    std::string reason_not_to_move_to(const JointVector& target) const;
+    std::string reason_not_to_move() const;
 
     bool powered() const { return powered_; }
     void set_power(bool on);
@@ -73,23 +73,23 @@ class Arm {
     void set_errors(int arm_error, int system_error);
     void clear_odometers();
 
-    // While a hand drags the arm it takes no orders, and stands where the hand has it.
+    // While a hand drags the arm, the arm rejects moves and follows the hand.
     void set_dragged(bool dragged) { dragged_ = dragged; }
     void drag_to(const JointVector& joints) { ordered_ = joints; }
 
-    // Where the joints stand when they are ordered somewhere: elsewhere, while the arm gives way to a force.
+    // The commanded joints. The actual joints differ from them while the arm yields to a force.
     std::function<JointVector(const JointVector& ordered)> yielding;
-    // Where they stand is where they are ordered to be, from now on.
-    void take_stand() { ordered_ = joints_; }
+    // Makes the actual joints the commanded ones.
+    void hold_current_position() { ordered_ = joints_; }
 
-    // Takes where the joint stands as its zero. False while the arm moves.
+    // Makes the current position of the joint its zero. False while the arm moves.
     bool set_joint_zero(size_t joint);
 
     int arm_error() const { return arm_error_; }
     int system_error() const { return system_error_; }
 
-    // What the drives measure, in thousandths of a degree Celsius, a volt and an ampere. The current grows with the
-    // speed, the rest is constant.
+    // The drives' measurements in thousandths of a degree Celsius, a volt and an ampere. The current grows with the
+    // speed; the others are constant.
     std::vector<int> temperatures() const;
     std::vector<int> voltages() const;
     std::vector<int> currents() const;

@@ -7,10 +7,10 @@
 
 namespace sim {
 
-// Who moved, as reports name it.
+// The device that moved, by its number in arrival reports.
 enum class Device { kArm = 0, kGripper = 1, kHand = 2, kLift = 3, kExpansionAxis = 4 };
 
-// Clients that do not wait leave "block" out, or send a number in its place.
+// Clients that do not wait omit "block" or send a number for it.
 inline bool wants_report(const Request& request) { return request.is_true("block"); }
 
 inline void report_arrival(const std::shared_ptr<Client>& client, Device device, bool arrived, int connect = 0) {

@@ -30,7 +30,7 @@ void Clock::catch_up() {
         note("halted for more than 2 s; simulated time goes on from where it stood");
         due_ = now;
     }
-    // Steps that last longer than the time they stand for do not keep the clients waiting.
+    // Clients are served even when a step takes longer than the time that it simulates.
     for (; due_ <= now && std::chrono::steady_clock::now() < now + kLongestTurn; due_ += period_) step_();
 }
 

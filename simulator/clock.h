@@ -7,8 +7,8 @@
 
 namespace sim {
 
-// Calls `step` once for every `period` that has gone by since the start. On a busy machine the calls come late and
-// several at once, never fewer; only what a long halt of the whole process has piled up is left out.
+// Calls `step` once for every `period` since the start. On a busy machine the calls come late and several at once, but
+// none is lost. Only the steps missed during a long halt of the whole process are skipped.
 class Clock {
  public:
     Clock(asio::io_context& io, std::chrono::milliseconds period, std::function<void()> step);

@@ -13,7 +13,7 @@ namespace sim {
 
 class Controller;
 
-// What a command has before it: the controller it acts on, who asks, and what is asked.
+// The arguments of a command: the controller, the client and the request.
 struct Call {
     Controller& controller;
     std::shared_ptr<Client> client;
@@ -25,27 +25,26 @@ using Query = std::function<Json(Call&)>;
 using Hook = std::function<void(Call&)>;
 
 struct Command {
-    std::string literal;              // by which the client finds the reply
-    std::string key;                  // of the acknowledgement; empty when the command has none
-    Action action;                    // of a command that is acknowledged or not answered
-    Query query;                      // of one that is answered
-    Hook refused;                     // runs behind a false acknowledgement
-    bool acknowledged_later = false;  // by the action itself, when what it began has ended; a refusal at once
+    std::string literal;              // by which the client classifies the reply
+    std::string key;                  // of the acknowledgement; empty if the command has none
+    Action action;                    // of a setter
+    Query query;                      // of a query
+    Hook refused;                     // runs after a false acknowledgement
+    bool acknowledged_later = false;  // the action itself acknowledges at its end; a refusal goes out at once
 };
 
-// The commands by name. A client tells replies apart by searching their text for literals in a fixed order, and the
-// first one found decides. A row names the literal of its own reply; no other key or value of the reply may hold an
-// earlier one.
+// The commands by name. A client classifies a reply by searching its text for literals in a fixed order; the first one
+// found decides. A row names the literal of its reply. No other key or value of the reply may contain an earlier one.
 class CommandTable {
  public:
-    // Acknowledged with {"command": <literal>, <key>: true or false}, the literal being the name unless the row is told
-    // another. False also when the action throws BadRequest or NoPath.
+    // Acknowledged with {"command": <literal>, <key>: true or false}. The literal is the command's name unless the row
+    // sets another. Also false when the action throws BadRequest or NoPath.
     Command& set(const std::string& name, const std::string& key, Action action);
 
-    // Answered with {"state": <literal>, ...}, the rest as `query` returns it. BadRequest leaves it unanswered.
+    // Answered with {"state": <literal>, ...} and the keys that `query` returns. Not answered after a BadRequest.
     Command& query(const std::string& name, const std::string& literal, Query query);
 
-    // Carried out and not answered.
+    // Executed without an answer.
     Command& order(const std::string& name, Hook hook);
 
     const Command* find(const std::string& name) const;

@@ -4,7 +4,7 @@
 
 namespace sim {
 
-// One function a family, each in a source of its own: commands_<family>.cpp.
+// One function for each family of commands, in commands_<family>.cpp.
 void add_joint_commands(CommandTable& table);
 void add_state_commands(CommandTable& table);
 void add_limit_commands(CommandTable& table);

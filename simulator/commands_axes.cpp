@@ -1,5 +1,5 @@
-// Lift, expansion axis and mobile base. Motions of the first two are reported when they have ended, except those of a
-// lift that is only given a speed.
+// Lift, expansion axis and mobile base. The end of a motion of the first two is reported, except for a lift that was
+// only given a speed.
 
 #include "commands.h"
 #include "controller.h"
@@ -32,7 +32,7 @@ Action run(LinearAxis Devices::*axis, bool report) {
     };
 }
 
-// A client that waits for the arrival learns that there will be none.
+// Reports to a client that waits for the arrival that there is none.
 Hook refusal_of(Device device) {
     return [device](Call& call) { report_arrival(call.client, device, false); };
 }
@@ -42,7 +42,7 @@ Json lift_state(Call& call) {
     return {{"height", lift.position()}, {"current", lift.current()}, {"err_flag", 0}, {"mode", lift.moving() ? 1 : 0}};
 }
 
-// The name with a blank behind it is what clients send that do not wait for the reply.
+// Clients that do not wait for the reply send the name with a trailing blank.
 void add_lift(CommandTable& table) {
     for (const char* name : {"set_lift_height", "set_lift", "set_lift "})
         table.set(name, "set_state", go(&Devices::lift, "height")).refused = refusal_of(Device::kLift);

@@ -1,4 +1,4 @@
-// Drag teaching: recording, and the replay. The hand is led by `zk_sim_hand` or by the file of the command line.
+// Drag teaching: recording and replay. `zk_sim_hand` or a file of the command line moves the hand.
 
 #include <algorithm>
 #include <cmath>
@@ -9,15 +9,15 @@
 namespace sim {
 namespace {
 
-// Which of the queued moves is the replay's; shared by the commands that act on it.
+// The queued move of the replay, shared by the commands that act on it.
 struct Replay {
     bool running = false;
 };
 
 void demand_rest(const Call& call) {
     const Controller& controller = call.controller;
-    const std::string objection = controller.arm.objection_to_moving();
-    if (!objection.empty()) throw BadRequest(call.request.command() + ": " + objection);
+    const std::string reason = controller.arm.reason_not_to_move();
+    if (!reason.empty()) throw BadRequest(call.request.command() + ": " + reason);
     if (controller.hold.active()) throw BadRequest(call.request.command() + ": a force is held");
     if (!controller.arm.motion().idle()) throw BadRequest(call.request.command() + ": the arm moves");
 }
@@ -32,8 +32,8 @@ bool start_drag_teach(Call& call) {
     return start(call, call.request.integer("trajectory_record", 0, 1) == 1, "current_drag");
 }
 
-// By the joint currents in mode 0; by the six-axis sensor in the others, and along chosen axes. The hand goes where it
-// goes: neither the axes nor the wall before a singularity hold it back.
+// Mode 0 uses the joint currents, the others the six-axis sensor along chosen axes. The simulated hand ignores both the
+// axes and the wall before a singularity.
 bool start_multi_drag_teach(Call& call) {
     const Request& request = call.request;
     request.integer("singular_wall", 0, 1);
@@ -72,15 +72,15 @@ bool lead_hand(Call& call) {
     return true;
 }
 
-// Back to where the recording begins.
+// Moves to the start of the recording.
 bool return_to_origin(Call& call) {
     constexpr double kPercent = 20;
     Controller& controller = call.controller;
     Arm& arm = controller.arm;
     if (controller.drag.recording().empty()) throw BadRequest("drag_trajectory_origin: nothing is recorded");
     const JointVector target = controller.drag.recording().front();
-    const std::string objection = arm.objection_to(target);
-    if (!objection.empty()) throw BadRequest("drag_trajectory_origin: " + objection);
+    const std::string reason = arm.reason_not_to_move_to(target);
+    if (!reason.empty()) throw BadRequest("drag_trajectory_origin: " + reason);
     Move move;
     move.type = "movej";
     move.status = "move_J";
@@ -103,8 +103,8 @@ void demand_replayable(const Call& call) {
     const std::vector<JointVector>& samples = call.controller.drag.recording();
     if (samples.size() < 2) throw BadRequest("run_drag_trajectory: nothing is recorded");
     for (const JointVector& joints : samples) {
-        const std::string objection = arm.objection_to(joints);
-        if (!objection.empty()) throw BadRequest("run_drag_trajectory: " + objection);
+        const std::string reason = arm.reason_not_to_move_to(joints);
+        if (!reason.empty()) throw BadRequest("run_drag_trajectory: " + reason);
     }
     for (size_t i = 0; i < samples[0].size(); ++i) {
         if (std::abs(arm.joints()[i] - samples[0][i]) > kNear)
@@ -112,7 +112,7 @@ void demand_replayable(const Call& call) {
     }
 }
 
-// Acknowledged when the replay has ended.
+// Acknowledged at the end of the replay.
 bool run_drag_trajectory(Call& call, const std::shared_ptr<Replay>& replay) {
     Controller& controller = call.controller;
     demand_rest(call);

@@ -1,4 +1,4 @@
-// Faults on demand, from the wire: {"command": "zk_sim_fault", ...} with any of the keys below.
+// Injects faults by request: {"command": "zk_sim_fault", ...} with any of the keys below.
 
 #include <algorithm>
 
@@ -16,14 +16,14 @@ std::set<std::string> known_commands(const Call& call, const char* key) {
     return {names.begin(), names.end()};
 }
 
-// What happens to the next files: {"kind": ..., "at": ...}.
+// The fault of the next file transfers: {"kind": ..., "at": ...}.
 TransferFault transfer_fault(const Request& fault) {
     const TransferFault transfer{fault.text("kind"), fault.has("at") ? fault.integer("at", 0) : 0};
     if (!is_transfer_fault(transfer.kind)) throw BadRequest("unknown fault of a transfer '" + transfer.kind + "'");
     return transfer;
 }
 
-// All of the request is read before any of it counts.
+// Reads the whole request before it changes anything.
 bool set_faults(Call& call) {
     constexpr int kMaxWord = 65535;
     constexpr int kMaxDelayMs = 60'000;

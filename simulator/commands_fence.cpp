@@ -1,4 +1,4 @@
-// Fences, walls, the envelopes of tools, and the check of the arm against itself: kept and told back.
+// Fences, walls, the envelopes of tools and the self-collision check. All are stored and returned, not enforced.
 
 #include "commands.h"
 #include "controller.h"
@@ -7,7 +7,7 @@
 namespace sim {
 namespace {
 
-// A fence or wall in use, and its switch.
+// The fence or wall in use and its switch.
 struct Barrier {
     Fence shape;
     bool enabled = false;
@@ -35,7 +35,7 @@ Json named_reply(const std::string& name, const Fence& fence) {
     return reply;
 }
 
-// The four commands that fence and wall have alike. A plane is no wall: of one no lengths are sent.
+// The four commands that fences and walls share. A plane wall has no lengths on the wire.
 void add_barrier(CommandTable& table, const std::string& kind) {
     const auto barrier = std::make_shared<Barrier>();
     table.set("set_" + kind + "_config", "set_config", [barrier](Call& call) {
@@ -111,7 +111,7 @@ Json requested_spheres(const Request& request) {
     return spheres;
 }
 
-// An envelope belongs to a tool that there is.
+// An envelope belongs to an existing tool.
 void add_envelopes(CommandTable& table) {
     const auto envelopes = std::make_shared<std::map<std::string, Json>>();
     table.set("set_tool_envelope", "set_state", [envelopes](Call& call) {

@@ -1,4 +1,4 @@
-// Files from clients and to them, and the small commands that came with those.
+// Files from and to clients, and the small commands around them.
 
 #include "commands.h"
 #include "controller.h"
@@ -13,7 +13,7 @@ int optional_integer(const Request& request, const char* key, int low = INT_MIN,
     return request.has(key) ? request.integer(key, low, high) : 0;
 }
 
-// What is to become of a project. Clients that do not know the arm yet leave out all but the speed.
+// How to handle a project. Clients may send the speed alone.
 struct Plan {
     Program program;
     bool only_save;
@@ -33,7 +33,7 @@ Plan plan_of(const Request& request) {
     return plan;
 }
 
-// Keeps the project under its id, if it has one, and runs it unless it is only to be kept.
+// Stores the project under its id, if it has one, and runs it unless the client only stores it.
 int take_project(Controller& controller, Plan plan, const std::string& text, const std::shared_ptr<Client>& client) {
     plan.program.lines = program_lines(text);
     if (const int wrong = first_wrong_line(plan.program.lines)) return wrong;
@@ -77,7 +77,7 @@ Json received_files(Call& call) {
     return {{"files", list}};
 }
 
-// The points of the recording follow the reply, a line each.
+// The points of the recording follow the reply, one per line.
 void save_trajectory(Call& call) {
     call.request.text("trajectory_name");
     const std::vector<JointVector>& points = call.controller.drag.recording();

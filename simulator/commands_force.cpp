@@ -30,7 +30,7 @@ Json force_data(Call& call) {
             {"tool_zero_force_data", wire_forces(controller.felt(ForceAxes::kTool))}};
 }
 
-// Here false is the good state.
+// In this reply false means success.
 Json fz(Call& call) {
     demand(call, Sensor::kOneForce);
     const Controller& controller = call.controller;
@@ -52,7 +52,7 @@ Action clear(Sensor sensor) {
 
 // ------------------------------------------------------------------------------------------------ Calibration --
 
-// A calibration in progress: the arm goes to one pose after the other, and the sensor measures at each.
+// A calibration in progress: the arm moves from pose to pose, and the sensor measures at each.
 struct Calibration {
     std::vector<ForceSensor::Sample> samples;
     bool running = false;
@@ -71,7 +71,7 @@ Move joint_move(const Arm& arm, const JointVector& target) {
     return move;
 }
 
-// Goes there, stands still for a moment, and tells whether it could measure.
+// Moves there, rests for a moment, measures, and reports whether that succeeded.
 void measure_at(Controller& controller, const JointVector& joints, const SharedCalibration& calibration,
                 const std::function<void(bool measured)>& then) {
     constexpr double kSeconds = 0.2;
@@ -90,14 +90,14 @@ void measure_at(Controller& controller, const JointVector& joints, const SharedC
 void demand_poses(const Call& call, const std::vector<JointVector>& poses) {
     const Arm& arm = call.controller.arm;
     for (const JointVector& pose : poses) {
-        const std::string objection = arm.objection_to(pose);
-        if (!objection.empty()) throw BadRequest(call.request.command() + ": " + objection);
+        const std::string reason = arm.reason_not_to_move_to(pose);
+        if (!reason.empty()) throw BadRequest(call.request.command() + ": " + reason);
     }
     if (!arm.motion().idle() && !call.request.command().starts_with("manual_set_force"))
         throw BadRequest(call.request.command() + ": the arm moves");
 }
 
-// Answers the client that waits, and ends the calibration.
+// Answers the waiting client and ends the calibration.
 std::function<void(bool)> conclusion(Call& call, const SharedCalibration& calibration, bool z_alone) {
     return [&controller = call.controller, client = std::weak_ptr(call.client), calibration, z_alone](bool whole) {
         ForceSensor& sensor = controller.sensor;
@@ -109,7 +109,7 @@ std::function<void(bool)> conclusion(Call& call, const SharedCalibration& calibr
     };
 }
 
-// Poses around where the arm stands, at which gravity comes from different sides of the sensor.
+// Poses near the current one that turn the sensor to different sides of gravity.
 std::vector<JointVector> poses_around(const Arm& arm) {
     struct Turns {
         double third_last, second_last, last;
@@ -132,7 +132,7 @@ std::vector<JointVector> poses_around(const Arm& arm) {
     return poses;
 }
 
-// The arm ends where it began.
+// The arm returns to its start.
 Action calibrate_automatically(const SharedCalibration& calibration, Sensor sensor) {
     return [calibration, sensor](Call& call) {
         demand(call, sensor);
@@ -156,7 +156,7 @@ JointVector pose_of(const Call& call, const char* key) {
     return pose;
 }
 
-// Poses of the client's come one by one; the last one is answered.
+// The client sends its poses one by one. Only the last one is answered.
 void measure_pose(Call& call, const SharedCalibration& calibration, bool first) {
     demand(call, Sensor::kSixForce);
     const JointVector pose = pose_of(call, "joint");
@@ -175,7 +175,7 @@ bool measure_last_pose(Call& call, const SharedCalibration& calibration) {
     return true;
 }
 
-// Clients send the seventh joint of the second pose behind the first pose.
+// Clients send the seventh joint of the second pose after the first pose.
 bool measure_two_poses(Call& call, const SharedCalibration& calibration) {
     demand(call, Sensor::kOneForce);
     const size_t joints = call.controller.arm.joint_count();
@@ -214,7 +214,7 @@ void add_calibrations(CommandTable& table) {
     add("manual_set_force_pose4", [calibration](Call& call) { return measure_last_pose(call, calibration); });
     table.set("stop_set_force_sensor", "stop_state", [calibration](Call& call) {
         if (!std::exchange(calibration->running, false)) return false;
-        calibration->samples.clear();  // of poses that no motion is left of
+        calibration->samples.clear();  // of an abandoned calibration
         call.controller.arm.motion().stop();
         return true;
     });
@@ -225,8 +225,8 @@ void add_calibrations(CommandTable& table) {
 bool set_force_position(Call& call) {
     Controller& controller = call.controller;
     const HoldOrder order = hold_order(call.request, controller.arm.model().sensor);
-    const std::string objection = controller.arm.objection_to_moving();
-    if (!objection.empty()) throw BadRequest("set_force_position: " + objection);
+    const std::string reason = controller.arm.reason_not_to_move();
+    if (!reason.empty()) throw BadRequest("set_force_position: " + reason);
     return controller.hold_force(order);
 }
 

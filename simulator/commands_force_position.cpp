@@ -1,4 +1,4 @@
-// Force-position moves: streamed set-points, each with the force that is held at the same time. Each is reported.
+// Force-position moves: streamed set-points, each with the force to hold. Each is reported.
 
 #include <cmath>
 
@@ -11,7 +11,7 @@
 namespace sim {
 namespace {
 
-// The mode that set-points are taken in.
+// Whether set-points are accepted.
 struct Mode {
     bool on = false;
     Verdict last = Verdict::kFollowed;
@@ -21,8 +21,8 @@ bool start(Call& call, Mode& mode) {
     Controller& controller = call.controller;
     if (controller.arm.model().sensor == Sensor::kBare)
         throw BadRequest("Start_Force_Position_Move: the arm has no force sensor");
-    const std::string objection = controller.arm.objection_to_moving();
-    if (!objection.empty()) throw BadRequest("Start_Force_Position_Move: " + objection);
+    const std::string reason = controller.arm.reason_not_to_move();
+    if (!reason.empty()) throw BadRequest("Start_Force_Position_Move: " + reason);
     if (!controller.arm.motion().idle()) return false;
     mode = {.on = true, .last = Verdict::kFollowed};
     return true;
@@ -45,8 +45,8 @@ Verdict follow(const Call& call, const Mode& mode) {
     return controller.hold_force(order) ? verdict : Verdict::kNotNow;
 }
 
-// Degrees, newtons and newton metres; the force along the first held direction in tenths of a newton. All are what the
-// tool presses with.
+// The force with which the tool presses, in newtons and newton metres; along the first held direction in tenths of a
+// newton. Joints are degrees.
 Json report(const Call& call, Verdict verdict) {
     const Controller& controller = call.controller;
     const HoldOrder& order = controller.hold.order();

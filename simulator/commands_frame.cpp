@@ -20,7 +20,7 @@ std::array<int, N> array_of(const std::vector<int>& values) {
     return array;
 }
 
-// The two kinds of frame differ in the names of their keys, and in the payload that a tool has.
+// Tool and work frames differ in the names of their keys and in the payload of a tool.
 struct Kind {
     Store store;
     const char* name_key;
@@ -80,11 +80,11 @@ Query frame_names(Store store, const char* key) {
     return [=](Call& call) { return Json{{key, (call.controller.*store).names()}}; };
 }
 
-// The poses at which a client has asked for a point of an automatic calibration.
+// The poses that a client has recorded for an automatic calibration.
 using Points = std::map<int, KDL::Frame>;
 
-// A tool whose tip has stood at one place in several orientations: R_i x + p_i is the same for all of them. Least
-// squares over the differences to the first; the normal equations are 3 by 3, solved by Cramer's rule.
+// The tool x of a flange whose tool tip was at one point in several orientations: R_i x + p_i is the same for all.
+// Least squares over the differences to the first; Cramer's rule solves the 3 by 3 normal equations.
 std::optional<KDL::Vector> common_tip(const Points& flanges) {
     if (flanges.size() < 3) return std::nullopt;
     const KDL::Frame& first = flanges.begin()->second;
@@ -103,13 +103,13 @@ std::optional<KDL::Vector> common_tip(const Points& flanges) {
         }
     }
     const double determinant = KDL::dot(column[0], column[1] * column[2]);
-    if (std::abs(determinant) < 1e-6) return std::nullopt;  // too little between the orientations
+    if (std::abs(determinant) < 1e-6) return std::nullopt;  // the orientations are too similar
     return KDL::Vector(KDL::dot(right, column[1] * column[2]), KDL::dot(column[0], right * column[2]),
                        KDL::dot(column[0], column[1] * right)) /
            determinant;
 }
 
-// Origin, a point on the x axis and a point on the y side.
+// The work frame of an origin, a point on the x axis and a point on the side of positive y.
 std::optional<KDL::Frame> plane_frame(const Points& tips) {
     if (tips.size() < 3) return std::nullopt;
     const KDL::Vector origin = tips.at(1).p;
@@ -140,7 +140,7 @@ void add_automatic_tool(CommandTable& table) {
     });
 }
 
-// Points 1 to 3 are taken where the tool's tip stands, 4 makes the frame of them.
+// Numbers 1 to 3 record the position of the tool tip, 4 computes the frame.
 void add_automatic_work(CommandTable& table) {
     const auto points = std::make_shared<Points>();
     table.set("set_auto_work_frame", "auto_work_frame", [points](Call& call) {

@@ -1,4 +1,4 @@
-// The gripper. A motion with "block": true is reported when it has ended, any other is not.
+// The gripper. The end of a motion with "block": true is reported; that of any other is not.
 
 #include "commands.h"
 #include "controller.h"
@@ -6,10 +6,10 @@
 namespace sim {
 namespace {
 
-constexpr int kMaxSpeed = 1000;  // openings a second
+constexpr int kMaxSpeed = 1000;  // units of opening per second
 constexpr int kMinForce = 50, kMaxForce = 1000;
 
-// Each reads all of its request before anything moves.
+// Each reads its whole request before anything moves.
 bool release(Call& call) {
     Gripper& gripper = call.controller.devices.gripper;
     const int speed = call.request.integer("speed", 1, kMaxSpeed);

@@ -1,5 +1,5 @@
-// The hand of six fingers, and the PWM output. Postures and sequences with "block": true are reported when they have
-// ended; nothing else is.
+// The hand with six fingers and the PWM output. The end of a posture or sequence with "block": true is reported;
+// nothing else is.
 
 #include <algorithm>
 
@@ -11,13 +11,13 @@ namespace {
 
 constexpr int kBent = Hand::kBent;
 
-// By their numbers, from 1: stretched, fist, forefinger out, thumb on forefinger.
+// Postures 1 to 4: stretched, fist, forefinger out, thumb on forefinger.
 const std::vector<Hand::Posture> kPostures = {{0, 0, 0, 0, 0, 0},
                                               {kBent, kBent, kBent, kBent, kBent, kBent},
                                               {kBent, kBent, kBent, 0, kBent, kBent},
                                               {0, 0, 0, 600, 600, kBent}};
 
-// Numbers of postures: closing and opening, counting.
+// Sequences of posture numbers: closing and opening, counting.
 const std::vector<std::vector<size_t>> kSequences = {{2, 1}, {3, 4, 1}};
 
 void begin(Call& call, const std::deque<Hand::Posture>& postures) {
@@ -40,7 +40,7 @@ bool sequence(Call& call) {
     return true;
 }
 
-// -1 leaves a finger as it is.
+// -1: the finger does not move.
 Action fingers(const char* key) {
     return [key](Call& call) {
         const std::vector<int> values = call.request.integers(key, Hand::kFingers);

@@ -25,7 +25,7 @@ JointValue joint_value(const Call& call, const char* key) {
     return {joint_index(call, pair[0]), pair[1]};
 }
 
-// A limit may be narrowed and widened again, never beyond what the mechanics allow, and never past its counterpart.
+// A limit stays within the mechanical one, and the lower limit below the upper one.
 Action set_min_pos(Limits limits) {
     return [limits](Call& call) {
         const auto [joint, value] = joint_value(call, "joint_min_pos");
@@ -92,7 +92,7 @@ void add_drive_limits(CommandTable& table) {
 void add_calibration(CommandTable& table) {
     const auto calibrating = std::make_shared<bool>(false);
     table.set("start_calibrate", "calibrate_state", [calibrating](Call& call) {
-        *calibrating = call.controller.arm.objection_to_moving().empty();
+        *calibrating = call.controller.arm.reason_not_to_move().empty();
         return *calibrating;
     });
     table.set("stop_calibrate", "calibrate_state", [calibrating](Call&) {

@@ -1,4 +1,4 @@
-// Limits of the tool, and what the controller keeps about the arm as a whole.
+// Limits of the tool and settings of the whole arm.
 
 #include "commands.h"
 #include "controller.h"
@@ -27,7 +27,7 @@ void add_cartesian_limits(CommandTable& table) {
     });
 }
 
-// Numbers that are kept and told back.
+// Numbers that are stored and returned, without effect.
 void add_model(CommandTable& table) {
     const auto dh = std::make_shared<std::vector<int>>(5, 0);
     table.set("set_DH_data", "set_state", [dh](Call& call) {

@@ -1,4 +1,4 @@
-// Modbus: the ports, and the coils and registers of the devices behind them.
+// Modbus: the ports, and the coils and registers of their devices.
 
 #include <climits>
 #include <optional>
@@ -9,12 +9,12 @@
 namespace sim {
 namespace {
 
-// As many as one transaction of the bus carries.
+// The most that one transaction carries.
 constexpr int kMostRead = 2000, kMostWritten = 1968;  // coils
 constexpr int kMostRegistersRead = 125, kMostRegistersWritten = 123;
 constexpr int kBits = 8;
 
-// Where a transaction goes: nowhere when nobody answers, or when addresses or their number are not the device's.
+// The device of a transaction; null if none answers or the device does not have all addresses.
 struct Range {
     ModbusDevice& device;
     int first;
@@ -30,7 +30,7 @@ std::optional<Range> range(Call& call, int count, int most) {
     return Range{*device, first, count};
 }
 
-// Eight in a byte, the first in the lowest bit.
+// Eight coils per byte, the first in the lowest bit.
 template <class Read>
 std::vector<int> packed_bits(const Range& range, Read read) {
     std::vector<int> bytes(static_cast<size_t>((range.count + kBits - 1) / kBits));
@@ -40,7 +40,7 @@ std::vector<int> packed_bits(const Range& range, Read read) {
     return bytes;
 }
 
-// The high byte of each, then the low one.
+// The high byte of each register, then the low one.
 template <class Read>
 std::vector<int> register_bytes(const Range& range, Read read) {
     std::vector<int> bytes;
@@ -52,9 +52,9 @@ std::vector<int> register_bytes(const Range& range, Read read) {
     return bytes;
 }
 
-// The answer to a read, or that it was refused.
+// The reply to a read, or its refusal.
 template <class Data>
-Json told(const std::optional<Range>& range, Data data) {
+Json read_reply(const std::optional<Range>& range, Data data) {
     return range ? Json{{"data", data(*range)}} : Json{{"read_state", false}};
 }
 
@@ -62,30 +62,31 @@ template <class Read>
 void add_single_reads(CommandTable& table, const char* bits, Read read_bit, const char* registers,
                       int (ModbusDevice::*read_register)(int) const) {
     table.query(bits, bits, [=](Call& call) {
-        return told(range(call, call.request.integer("num"), kBits),
-                    [&](const Range& asked) { return packed_bits(asked, read_bit).front(); });
+        return read_reply(range(call, call.request.integer("num"), kBits),
+                          [&](const Range& asked) { return packed_bits(asked, read_bit).front(); });
     });
     table.query(registers, registers, [=](Call& call) {
-        return told(range(call, 1, 1), [&](const Range& asked) { return (asked.device.*read_register)(asked.first); });
+        return read_reply(range(call, 1, 1),
+                          [&](const Range& asked) { return (asked.device.*read_register)(asked.first); });
     });
 }
 
 void add_multiple_reads(CommandTable& table) {
     table.query("read_multiple_coils", "read_multiple_coils", [](Call& call) {
-        return told(range(call, call.request.integer("num"), kMostRead),
-                    [](const Range& asked) { return packed_bits(asked, &ModbusDevice::coil); });
+        return read_reply(range(call, call.request.integer("num"), kMostRead),
+                          [](const Range& asked) { return packed_bits(asked, &ModbusDevice::coil); });
     });
     const auto registers = [&](const char* name, auto read) {
         table.query(name, name, [read](Call& call) {
-            return told(range(call, call.request.integer("num"), kMostRegistersRead),
-                        [&](const Range& asked) { return register_bytes(asked, read); });
+            return read_reply(range(call, call.request.integer("num"), kMostRegistersRead),
+                              [&](const Range& asked) { return register_bytes(asked, read); });
         });
     };
     registers("read_multiple_holding_registers", &ModbusDevice::holding_register);
     registers("read_multiple_input_registers", &ModbusDevice::input_register);
 }
 
-// The bytes of a write: one as a number, several as an array.
+// The bytes of a write: a number, or an array of several.
 std::vector<int> bytes_of(const Request& request, int count) {
     const std::vector<int> bytes =
         count == 1 ? std::vector<int>{request.integer("data")} : request.integers("data", static_cast<size_t>(count));

@@ -1,4 +1,4 @@
-// The commands that move the arm. Each is acknowledged at once and reported when it has ended.
+// The commands that move the arm. Each is acknowledged at once, and its end is reported.
 
 #include <algorithm>
 
@@ -10,7 +10,7 @@
 namespace sim {
 namespace {
 
-// What all motion commands say of themselves.
+// The keys that all motion commands share.
 Move ordered_move(Call& call, const std::string& type, const std::string& status) {
     Move move;
     move.type = type;
@@ -31,8 +31,8 @@ bool movej(Call& call) {
     JointVector target;
     for (const int joint : call.request.integers("joint")) target.push_back(joint / 1000.0);
     const Move move = ordered_move(call, "movej", "move_J");
-    const std::string objection = arm.objection_to(target);
-    if (!objection.empty()) throw BadRequest("movej: " + objection);
+    const std::string reason = arm.reason_not_to_move_to(target);
+    if (!reason.empty()) throw BadRequest("movej: " + reason);
     return order(call, joint_move(arm, move, target, percent_of(call)));
 }
 
@@ -43,7 +43,7 @@ WirePose requested_pose(const Request& request, const char* key) {
     return pose;
 }
 
-// A joint move, and told as one.
+// A move in joint space.
 bool movej_p(Call& call) {
     const Controller& controller = call.controller;
     const KDL::Frame pose = frame_of(requested_pose(call.request, "pose"));
@@ -53,7 +53,7 @@ bool movej_p(Call& call) {
     return order(call, joint_move(controller.arm, move, *target, percent_of(call)));
 }
 
-// A move of the tool to `target`, along the curve that `course` makes of where it begins.
+// A move of the tool to `target` along the curve that `course` makes from its start.
 Move tool_move(Call& call, Move move, const WirePose& target,
                const std::function<Curve(const KDL::Frame& from)>& course) {
     move.data.assign(target.begin(), target.end());
@@ -80,7 +80,7 @@ bool movec(Call& call) {
     return order(call, tool_move(call, ordered_move(call, "movec", "move_C"), target, course));
 }
 
-// Joined to one another, such moves make one spline, at the pace of the last.
+// Joined moves of this kind form one spline, at the pace of the last.
 bool moves(Call& call) {
     const WirePose target = requested_pose(call.request, "pose");
     const Move* before = call.controller.arm.motion().last_joined();
@@ -95,15 +95,15 @@ bool moves(Call& call) {
     return order(call, tool_move(call, move, target, course));
 }
 
-// Brings every joint that stands beyond a limit back to it, slowly.
+// Slowly moves every joint that is beyond a limit back to it.
 bool fix_soft_limits(Call& call) {
     constexpr double kPercent = 10;
     Arm& arm = call.controller.arm;
     JointVector target = arm.joints();
     for (size_t i = 0; i < target.size(); ++i)
         target[i] = std::clamp(target[i], arm.limits[i].min_pos / 1000.0, arm.limits[i].max_pos / 1000.0);
-    const std::string objection = arm.objection_to(target);
-    if (!objection.empty()) throw BadRequest(call.request.command() + ": " + objection);
+    const std::string reason = arm.reason_not_to_move_to(target);
+    if (!reason.empty()) throw BadRequest(call.request.command() + ": " + reason);
     Move move;
     move.type = "movej";
     move.status = "move_J";

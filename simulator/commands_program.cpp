@@ -1,4 +1,4 @@
-// The kept programs: their list, their running, their change.
+// The stored programs: list, run and change them.
 
 #include "commands.h"
 #include "controller.h"
@@ -8,7 +8,7 @@ namespace sim {
 namespace {
 
 constexpr int kMostOnAPage = 100;
-constexpr size_t kLongestName = 31;  // clients keep such a name in 32 bytes
+constexpr size_t kLongestName = 31;  // clients store a name in 32 bytes
 
 int id_of(const Request& request) { return request.integer("id", 1, Programs::kMaxId); }
 
@@ -27,7 +27,7 @@ bool start_program(Call& call) {
     Controller& controller = call.controller;
     const auto found = controller.programs.kept.find(id_of(call.request));
     const int speed = call.request.integer("speed", 1, 100);
-    if (found == controller.programs.kept.end() || !controller.arm.objection_to_moving().empty()) return false;
+    if (found == controller.programs.kept.end() || !controller.arm.reason_not_to_move().empty()) return false;
     return controller.programs.start(found->second, speed, false, call.client);
 }
 

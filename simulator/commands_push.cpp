@@ -27,7 +27,7 @@ std::string ipv4_address(const Request& request, const char* key) {
     return text;
 }
 
-// Keys that are not there leave their setting as it is; one that is wrong leaves them all.
+// Omitted keys leave their settings unchanged; one wrong value leaves all of them unchanged.
 bool set_realtime_push(Call& call) {
     constexpr int kMaxCycle = 2000;
     const Request& request = call.request;

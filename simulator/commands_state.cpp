@@ -1,4 +1,4 @@
-// The state of the arm as a whole: joints, pose, measurements, and the poses that the controller keeps.
+// The state of the whole arm: joints, pose, measurements and stored poses.
 
 #include "commands.h"
 #include "controller.h"

@@ -8,12 +8,12 @@
 namespace sim {
 namespace {
 
-// How the commands differ.
+// What distinguishes the commands.
 struct Manner {
     const char* name;
     const char* report;  // its literal
     const char* status;  // in the real-time push
-    bool passed_on;      // at the client's own pace, and each one is reported
+    bool passed_on;      // followed at the client's pace, and each one is reported
     Target target;
 };
 
@@ -30,7 +30,7 @@ Verdict follow(const Call& call, const Manner& manner) {
         call, {.target = manner.target, .direct = direct, .near = manner.passed_on, .status = manner.status});
 }
 
-// Degrees, metres and radians: clients take the numbers as they are.
+// Degrees, metres and radians: clients do not scale these numbers.
 Json report(const Call& call, const Manner& manner, Verdict verdict) {
     Json report{{"state", manner.report}, {"joint", reported_joints(call)}, {"arm_err", static_cast<int>(verdict)}};
     if (report["state"] == "pose_state") {
@@ -42,7 +42,7 @@ Json report(const Call& call, const Manner& manner, Verdict verdict) {
     return report;
 }
 
-// Set-points since the start, whoever sent them.
+// The number of set-points since the start, from all clients.
 struct Counts {
     int64_t received = 0;
     int64_t refused = 0;
@@ -58,7 +58,7 @@ void take(Call& call, const Manner& manner, Counts& counts) {
     ++counts.received;
     const bool followed = verdict == Verdict::kFollowed;
     if (!followed) ++counts.refused;
-    // A stream that goes wrong does so a thousand times a second: its first refusal is enough of a note.
+    // A wrong stream is refused a thousand times a second: only its first refusal is printed.
     if (std::exchange(counts.last, verdict) != verdict && !followed)
         note(call.client->name() + ": " + manner.name + ": set-point refused: " + reason(verdict));
     if (manner.passed_on || !followed) call.client->send(report(call, manner, verdict));

@@ -6,7 +6,7 @@
 namespace sim {
 namespace {
 
-// Zero and 64 are both off: clients send 64.
+// 0 and 64 both mean off: clients send 64.
 bool set_arm_power(Call& call) {
     constexpr int kOff = 64;
     const int power = call.request.integer("arm_power");
@@ -82,7 +82,7 @@ void add_counters(CommandTable& table) {
     table.set("get_log_file", "set_state", [](Call&) { return true; });
 }
 
-// What a client has configured, kept and told back. No interface of the host is touched.
+// The network settings of clients, stored and returned. They do not change the host's interfaces.
 struct Network {
     std::string ip = "192.168.1.18";
     std::string mask = "255.255.255.0";
@@ -100,7 +100,7 @@ std::string short_text(const Request& request, const char* key, size_t most) {
     return text;
 }
 
-// Clients keep such a text in 16 bytes.
+// Clients store such a text in 16 bytes.
 std::string address(const Request& request, const char* key) { return short_text(request, key, 15); }
 
 void add_ethernet(CommandTable& table, const std::shared_ptr<Network>& net) {
@@ -154,7 +154,7 @@ void add_wireless_and_serial(CommandTable& table, const std::shared_ptr<Network>
     table.order("set_usb", [](Call& call) { call.request.integer("baudrate"); });
     table.order("set_RS485", [net](Call& call) { net->baudrate = call.request.integer("baudrate", 1); });
     table.order("set_ethernet", [](Call&) {});
-    // Mode 1 is a Modbus master, with the baud rate of that.
+    // Mode 1 is a Modbus master, with the baud rate of its port.
     const auto serial_mode = [net](Call& call, int number, const char* key) {
         const ModbusPort& port = call.controller.modbus.port(number);
         return Json{{key, port.open ? 1 : 0},

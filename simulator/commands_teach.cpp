@@ -1,4 +1,4 @@
-// Jogging: motion of a joint or of the tool along an axis, until it is stopped or by a fixed amount.
+// Jogging: motion of a joint, or of the tool along an axis, until a stop or by a fixed amount.
 
 #include <algorithm>
 #include <cmath>
@@ -12,7 +12,7 @@
 namespace sim {
 namespace {
 
-// By which the real-time push, and these commands, know a jog.
+// The name of a jog in the real-time push, by which these commands also find it.
 constexpr const char* kTeaching = "tech_demonstration";
 
 bool jogging(const MotionQueue& motion) { return motion.current() && motion.current()->status == kTeaching; }
@@ -25,8 +25,8 @@ double direction_of(const Request& request) {
     throw BadRequest(request.command() + ": \"direction\" is neither \"pos\" nor \"neg\"");
 }
 
-// The one in progress gives way to it. It cannot wait behind moves: nobody might hold the key any more when its turn
-// comes. Nobody is told of its end.
+// Replaces the jog in progress. A jog never waits for queued moves, since the operator may have released the key by
+// then. Its end is not reported.
 bool start_jog(Call& call, Move jog) {
     MotionQueue& motion = call.controller.arm.motion();
     if (jogging(motion)) motion.stop();
@@ -48,7 +48,7 @@ bool stop_jog(Call& call) {
 
 // ------------------------------------------------------------------------------------------------------ One joint --
 
-// `end` is where the joint goes from where it stands.
+// `end` maps the current position of the joint to its target.
 Move joint_move(const Call& call, int number, const std::function<double(double)>& end) {
     const Arm& arm = call.controller.arm;
     if (number < 1 || number > static_cast<int>(arm.joint_count()))
@@ -61,8 +61,8 @@ Move joint_move(const Call& call, int number, const std::function<double(double)
     move.type = "movej";
     move.status = "move_J";
     move.plan = [&arm, target, percent = percent_of(call)](const JointVector& start) {
-        const std::string objection = arm.objection_to(target(start));
-        if (!objection.empty()) throw NoPath(objection);
+        const std::string reason = arm.reason_not_to_move_to(target(start));
+        if (!reason.empty()) throw NoPath(reason);
         return arm.joint_path(start, target(start), percent);
     };
     return move;
@@ -89,8 +89,8 @@ bool step_joint(Call& call) {
 // An axis of the work frame or of the tool itself.
 struct Axis {
     int number;    // 0 to 2
-    bool turn;     // about it, by radians; otherwise along it, by metres
-    bool of_tool;  // its own frame
+    bool turn;     // rotation about it in radians; otherwise translation along it in metres
+    bool of_tool;  // in the frame of the tool
 };
 
 KDL::Frame displaced(const KDL::Frame& tool, const Axis& axis, double amount) {
@@ -101,7 +101,7 @@ KDL::Frame displaced(const KDL::Frame& tool, const Axis& axis, double amount) {
     return axis.of_tool ? tool * KDL::Frame(turn, way) : KDL::Frame(turn * tool.M, tool.p + way);
 }
 
-// "x", "y" or "z", with an "r" before it for a turn, and what else the command writes behind.
+// "x", "y" or "z", with a leading "r" for a rotation, and the command's own suffix.
 Axis requested_axis(const Call& call, const char* key, const char* suffix, bool turn) {
     const std::string requested = call.request.text(key);
     for (int i = 0; i < 3; ++i) {
@@ -113,10 +113,9 @@ Axis requested_axis(const Call& call, const char* key, const char* suffix, bool 
     throw BadRequest(call.request.command() + ": no axis '" + requested + "'");
 }
 
-// How far the tool could go at its full speed without a joint at its limit or too fast: to the last of the points that
-// lie one step apart.
+// How far the tool can go at full speed before a joint reaches its limit or maximum speed, in whole steps.
 double reach(const Controller& controller, const Axis& axis, double direction, JointVector joints) {
-    constexpr double kSpeedShare = 0.9;  // of a joint's limit, since it is not even between two points
+    constexpr double kSpeedShare = 0.9;  // of a joint's limit, since the speed varies between two points
     const double step = axis.turn ? 0.02 : 0.005, most = axis.turn ? 2 * std::numbers::pi : 2.0;
     const CartesianLimits& limits = controller.tool_limits;
     const double seconds = step / ((axis.turn ? limits.angular_speed : limits.line_speed) / 1e3);
@@ -149,8 +148,7 @@ Move tool_move(std::function<Path(const JointVector&)> plan, const KDL::Frame& t
     return move;
 }
 
-// Where the arm cannot keep to the way that seemed open, half of it is tried. What the jog tells of its target is where
-// it began.
+// If the planner rejects the distance, half of it is tried. A jog reports its start as its target.
 Action jog_tool(bool turn) {
     return [turn](Call& call) {
         const Axis axis = requested_axis(call, "teach_type", "", turn);

@@ -1,4 +1,4 @@
-// What acts on the motion in progress and on what is queued behind it, and the waypoint stream.
+// Commands for the running motion and the queued moves, and the waypoint stream.
 
 #include <algorithm>
 
@@ -8,7 +8,7 @@
 namespace sim {
 namespace {
 
-// The target of the running trajectory, or where the joints stand when there is none.
+// The target of the running trajectory, or the current joints if there is none.
 Json current_trajectory(Call& call) {
     const Arm& arm = call.controller.arm;
     const Move* move = arm.motion().current();
@@ -16,7 +16,7 @@ Json current_trajectory(Call& call) {
     return {{"type", move->type}, {"data", move->data}};
 }
 
-// Waypoints are collected and then run through one after the other.
+// Waypoints are collected and then run in sequence.
 struct Waypoints {
     std::vector<JointVector> points;
 };
@@ -25,20 +25,20 @@ bool add_waypoint(Call& call, Waypoints& waypoints) {
     constexpr size_t kMaxWaypoints = 10'000;
     JointVector target;
     for (const int joint : call.request.integers("joint")) target.push_back(joint / 1000.0);
-    const std::string objection = call.controller.arm.objection_to(target);
-    if (!objection.empty()) throw BadRequest("add_waypoint: " + objection);
+    const std::string reason = call.controller.arm.reason_not_to_move_to(target);
+    if (!reason.empty()) throw BadRequest("add_waypoint: " + reason);
     if (waypoints.points.size() == kMaxWaypoints) return false;
     waypoints.points.push_back(target);
     return true;
 }
 
-// Straight in joint space from point to point, at most `frequency` of them a second.
+// A straight line in joint space from point to point, with at most `frequency` points per second.
 bool start_waypoint(Call& call, Waypoints& waypoints) {
     constexpr int kMaxFrequency = 200;
     constexpr double kPercent = 100;
     const int frequency = call.request.integer("frequency", 1, kMaxFrequency);
     Arm& arm = call.controller.arm;
-    if (waypoints.points.empty() || !arm.objection_to_moving().empty()) return false;
+    if (waypoints.points.empty() || !arm.reason_not_to_move().empty()) return false;
     for (const JointVector& point : waypoints.points) {
         Move move;
         move.type = "re_trajectory";
@@ -75,7 +75,7 @@ bool timer(Call& call) {
     move.type = "none";
     move.status = "idle";
     move.plan = [milliseconds](const JointVector& start) {
-        // A path that leads nowhere at an even pace.
+        // A path that stays in place for this time.
         Path path;
         path.at = [start](double) { return start; };
         path.speed = 1000.0 / std::max(1, milliseconds);

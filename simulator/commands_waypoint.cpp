@@ -1,4 +1,4 @@
-// Global waypoints: places by name, kept as clients wrote them.
+// Global waypoints: named poses, stored as clients sent them.
 
 #include <map>
 
@@ -20,7 +20,7 @@ std::string short_text(const Request& request, const char* key, size_t most) {
     return text;
 }
 
-// Clients keep the texts in fields of this size, ended.
+// Clients store the texts in fields of this size, with a terminating zero.
 Json waypoint_of(const Call& call) {
     const Request& request = call.request;
     return {{"point_name", short_text(request, "point_name", 15)},

@@ -124,21 +124,21 @@ bool Controller::hold_force(const HoldOrder& order) {
     return true;
 }
 
-// At rest the arm stays where a hold has brought it.
+// At rest the arm stays at the pose that a hold has reached.
 bool Controller::settle_hold() {
     if (!arm.motion().idle()) return false;
-    arm.take_stand();
+    arm.hold_current_position();
     hold.forget();
     return true;
 }
 
 void Controller::step_hold(double seconds) {
-    if (hold.active() && !arm.objection_to_moving().empty()) hold.end();
+    if (hold.active() && !arm.reason_not_to_move().empty()) hold.end();
     if (!hold.active() && (!hold.stands_off() || settle_hold())) return;
     hold.step(seconds, -felt(hold.order().of_tool ? ForceAxes::kTool : ForceAxes::kWork));
 }
 
-// Where the arm cannot give way any further it stays.
+// The arm stays where it cannot yield any further.
 JointVector Controller::yielded(const JointVector& ordered) {
     constexpr double kFarthest = 5;  // degrees of a joint in one step
     if (!hold.stands_off()) return ordered;

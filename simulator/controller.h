@@ -26,15 +26,15 @@ namespace sim {
 
 class InverseKinematics;
 
-// The faults on demand.
+// Faults that a client injects.
 struct Faults {
     std::set<std::string> silent_on;  // requests ignored
     std::set<std::string> refuse_on;  // actions refused
-    int delay_ms = 0;                 // between a message and its sending
+    int delay_ms = 0;                 // before each message is sent
     TransferFault transfer;
 };
 
-// The limits of the tool as the wire has them: thousandths of a metre and of a radian, per second and per second
+// The limits of the tool in the units of the wire: thousandths of a metre and of a radian, per second and per second
 // squared.
 struct CartesianLimits {
     int line_speed = 250;
@@ -43,13 +43,13 @@ struct CartesianLimits {
     int angular_acc = 4000;
 };
 
-// Whose axes the tool is jogged along and about.
+// The frame in whose axes the tool is jogged.
 enum class TeachFrame { kWork = 0, kTool = 1 };
 
 enum class ForceAxes { kSensor, kWork, kTool };
 
-// Everything that the controller knows, and the commands that act on it. Runs in one thread, knows no sockets, and
-// moves only when `step` tells it that time has passed.
+// The state of the controller and the commands that act on it. It runs in one thread and knows no sockets. Simulated
+// time passes only in `step`.
 class Controller {
  public:
     explicit Controller(const Options& options);
@@ -59,10 +59,10 @@ class Controller {
 
     static constexpr int kStepMs = 5;
 
-    // Carries out one request. Whatever it holds, the worst that comes of it is a note.
+    // Executes one request. A malformed one causes at most a line on standard error.
     void handle(std::string_view text, const std::shared_ptr<Client>& client);
 
-    // Lets `kStepMs` of simulated time pass.
+    // Advances the simulated time by `kStepMs`.
     void step();
     int64_t milliseconds() const { return steps_ * kStepMs; }
 
@@ -70,23 +70,23 @@ class Controller {
     KDL::Frame mounted_flange() const;  // in the room, with the mounting angles
     KDL::Frame tool_pose() const;       // of the current tool in the current work frame
 
-    // In the arm's own base, were these its joints.
+    // In the arm's own base, for these joints.
     KDL::Frame flange_at(const JointVector& joints) const;
 
     // The frames and the mounting in force.
     Surroundings surroundings() const;
 
-    // The joints near `seed`, within their limits, at which the tool has this pose in the work frame; nothing where the
-    // arm cannot have it. With the frames in force, or with given ones.
+    // The joints near `seed` and within their limits that put the tool at this pose in the work frame; nothing if there
+    // are none. Uses the frames in force or the given ones.
     std::optional<JointVector> joints_at(const KDL::Frame& tool, const JointVector& seed) const;
     std::optional<JointVector> joints_at(const KDL::Frame& tool, const JointVector& seed,
                                          const Surroundings& around) const;
 
-    // What the sensor feels beyond its load: at the flange in its own axes, or at the tool in the axes of the work
-    // frame or of the tool. A one-axis sensor feels nothing across its axis.
+    // The wrench on the sensor without that of the load: at the flange in the flange's axes, or at the tool in the axes
+    // of the work frame or of the tool. A one-axis sensor measures its axis only.
     KDL::Wrench felt(ForceAxes axes) const;
 
-    // False when the arm, in motion, holds a force in other axes.
+    // False when the arm moves and holds a force in other axes.
     bool hold_force(const HoldOrder& order);
 
     const CommandTable& commands() const { return commands_; }
@@ -99,7 +99,7 @@ class Controller {
     ForceHold hold;
     FrameStore tools{"Arm_Tip"};
     FrameStore works{"Base"};
-    Frame payload;                    // in force; its pose means nothing
+    Frame payload;                    // in force; its pose is not used
     std::array<double, 3> install{};  // mounting rx, ry, rz in degrees
     JointVector init_pose;
     CartesianLimits tool_limits;

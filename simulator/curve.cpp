@@ -9,7 +9,7 @@
 namespace sim {
 namespace {
 
-// The quaternion of a rotation, out of the two the one that is nearer to `before`.
+// Of the two quaternions of a rotation, the one nearer to `before`.
 Spline::Point quaternion(const KDL::Rotation& rotation, const Spline::Point& before) {
     Spline::Point q(4);
     rotation.GetQuaternion(q[0], q[1], q[2], q[3]);
@@ -41,11 +41,11 @@ Curve line(const KDL::Frame& from, const KDL::Frame& to) {
 
 Curve circle(const KDL::Frame& from, const KDL::Frame& via, const KDL::Frame& to, int turns) {
     const KDL::Vector a = via.p - from.p, b = to.p - from.p, normal = a * b;
-    constexpr double kStraight = 1e-4;  // the sine of an angle too small to tell a circle by
+    constexpr double kStraight = 1e-4;  // the sine of an angle too small to define a circle
     if (!(normal.Norm() > kStraight * a.Norm() * b.Norm())) throw NoPath("the three points make no circle");
     const KDL::Vector to_centre = (KDL::dot(a, a) * b - KDL::dot(b, b) * a) * normal / (2 * KDL::dot(normal, normal));
     const KDL::Vector centre = from.p + to_centre, x = -to_centre, y = normal * x / normal.Norm();
-    // Seen so that the arc turns to the left, `via` comes before `to`.
+    // Seen from the side where the arc turns left, `via` comes before `to`.
     const auto angle_of = [&](const KDL::Vector& point) {
         const double angle = std::atan2(KDL::dot(point - centre, y), KDL::dot(point - centre, x));
         return angle < 0 ? angle + 2 * std::numbers::pi : angle;

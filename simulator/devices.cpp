@@ -24,7 +24,7 @@ void Slide::brake() {
     const double speed = profile_.speed(time_);
     const double left = profile_.length() - profile_.distance(time_);
     const Profile braking = Profile::braking(speed, acc);
-    if (braking.length() >= left) return;  // its own end brakes sooner
+    if (braking.length() >= left) return;  // its own final ramp is shorter
     start_ = position_;
     profile_ = braking;
     time_ = 0;
@@ -51,7 +51,7 @@ void Audience::tell_arrival() {
 
 // -------------------------------------------------------------------------------------------------------- Gripper --
 
-// The object is where the fingers close on it, whenever they do.
+// The object is always between the closing fingers.
 void Gripper::go(int opening, int speed, int force, Mode mode) {
     const int reachable = fingers_.position() >= object_ ? std::max(opening, object_) : opening;
     fingers_.go(std::clamp(reachable, narrowest, widest), speed);

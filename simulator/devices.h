@@ -10,7 +10,7 @@
 
 namespace sim {
 
-// A value that moves to where it is sent, in units of its own. Sent elsewhere on its way, it starts anew from rest.
+// A value that moves to a target, in units of its own. A new target restarts it from rest.
 class Slide {
  public:
     explicit Slide(double acc, double position = 0) : acc(acc), position_(position) {}
@@ -32,13 +32,13 @@ class Slide {
     double time_ = 0;
 };
 
-// Who is to hear of the end of a device's motion.
+// The client that gets the report at the end of a device's motion.
 class Audience {
  public:
     explicit Audience(Device device) : device_(device) {}
 
-    // A new motion begins, of a client that wants its report or does not. If it takes the place of another client's,
-    // that one hears false; a client's own gives way without a word.
+    // Starts a motion for a client, with or without a report at its end. If it replaces a motion of another client,
+    // that client gets a false report; a replaced motion of the same client gets none.
     void expect(const std::shared_ptr<Client>& client, bool report);
     void tell_arrival();
 
@@ -47,7 +47,7 @@ class Audience {
     std::weak_ptr<Client> client_;
 };
 
-// Two fingers that open to 1000, with something between them or nothing.
+// Two fingers that open to 1000, with or without an object between them.
 class Gripper {
  public:
     static constexpr int kOpen = 1000;
@@ -80,14 +80,14 @@ class Hand {
  public:
     static constexpr int kFingers = 6;
     static constexpr int kBent = 1000;
-    using Posture = std::array<int, kFingers>;  // -1: this finger stays as it is
+    using Posture = std::array<int, kFingers>;  // -1: this finger does not move
 
-    // One posture behind the other, in place of what it was doing.
+    // Runs these postures in sequence, in place of the current motion.
     void go(const std::deque<Posture>& postures);
     void step(double seconds);
 
     Posture angles() const;
-    Posture moving() const;  // 1 for a finger on its way
+    Posture moving() const;  // 1 for a finger in motion
 
     int speed = kBent;  // per second
     int force = kBent;
@@ -101,13 +101,13 @@ class Hand {
     bool in_posture_ = true;
 };
 
-// A linear axis with a range, sent to a position or run at a share of its greatest speed.
+// A linear axis with a range. It moves to a position or runs at a share of its maximum speed.
 class LinearAxis {
  public:
     LinearAxis(Device device, double low, double high, double speed, double acc)
         : low(low), high(high), speed(speed), audience(device), slide_(acc) {}
 
-    // Speeds in percent; a negative one runs toward the low end, and 0 brakes.
+    // Speeds in percent. A negative speed runs toward the lower end; 0 brakes.
     void go(double target, double percent);
     void run(double percent);
     void set_acc(double acc) { slide_.acc = acc; }
@@ -118,7 +118,7 @@ class LinearAxis {
     int current() const { return moving() ? 1500 : 0; }  // milliamperes
 
     const double low, high;
-    double speed;  // the greatest
+    double speed;  // maximum
     Audience audience;
 
  private:
@@ -126,7 +126,7 @@ class LinearAxis {
     bool arrived_ = true;
 };
 
-// A motor's settings, from which the greatest speed and acceleration of the expansion axis follow.
+// The motor's settings, which determine the maximum speed and acceleration of the expansion axis.
 struct ExpansionConfig {
     int rpm_max = 3000;
     int rpm_acc = 15000;  // per second
@@ -134,8 +134,7 @@ struct ExpansionConfig {
     int version = 1;
 };
 
-// A base that drives about on the floor, or goes straight to one of its stations, which stand a metre apart on the x
-// axis.
+// A base that drives freely on the floor or straight to one of its stations, which lie a metre apart on the x axis.
 class MobileBase {
  public:
     enum class State { kRests = 0, kDrives = 1, kNavigates = 2, kCharges = 3 };
@@ -147,7 +146,7 @@ class MobileBase {
     void step(double seconds);
 
     State state() const { return state_; }
-    int station() const { return station_; }  // where it last stood
+    int station() const { return station_; }  // the last one it reached
     int battery() const { return static_cast<int>(battery_); }
 
  private:
@@ -162,12 +161,12 @@ class MobileBase {
     Place place_;
     double linear_ = 0, turning_ = 0;  // radians per second
     Place departure_;
-    Slide way_{1000};  // from there to the target
+    Slide way_{1000};  // from the start to the target, in thousandths
     int station_ = 0, target_ = 0;
     double battery_ = 80;  // percent
 };
 
-// Everything that can be attached to the arm, and is.
+// All devices that can be attached to the arm.
 struct Devices {
     explicit Devices(int object_width) : gripper(object_width) {}
     void configure_expansion(const ExpansionConfig& config);

@@ -14,7 +14,7 @@ constexpr size_t kMaxSamples = 10 * 60 * 1000 / DragTeach::kSampleMs;  // ten mi
 constexpr double kSampleSeconds = DragTeach::kSampleMs / 1000.0;
 constexpr double kMaxLegSeconds = 3600;
 
-// From 0 to 1 on a raised sine: its greatest speed is 2, its greatest acceleration 2 pi.
+// From 0 to 1 by a raised sine: the maximum speed is 2, the maximum acceleration 2 pi.
 double eased(double u) {
     const double turn = 2 * std::numbers::pi;
     return u - std::sin(turn * u) / turn;
@@ -30,21 +30,21 @@ double shortest_seconds(const Arm& arm, const JointVector& from, const JointVect
     return seconds;
 }
 
-// The cubic through b and c that has the slopes of their neighbours there (Catmull and Rom), at u from 0 to 1.
+// The Catmull-Rom cubic between b and c, at u from 0 to 1.
 double between(double a, double b, double c, double d, double u) {
     const double leaving = (c - a) / 2, arriving = (d - b) / 2;
     return b + u * (leaving + u * (3 * (c - b) - 2 * leaving - arriving + u * (leaving + arriving - 2 * (c - b))));
 }
 
-// The recorded joints at a time counted in samples.
+// The recorded joints at a time in samples.
 JointVector sampled(const std::vector<JointVector>& samples, double time) {
     const size_t last = samples.size() - 1;
     const size_t b = std::min(static_cast<size_t>(std::max(time, 0.0)), last - 1);
     const JointVector &before = samples[b > 0 ? b - 1 : 0], &from = samples[b], &to = samples[b + 1],
-                      &behind = samples[std::min(b + 2, last)];
+                      &after = samples[std::min(b + 2, last)];
     JointVector joints(from.size());
     for (size_t i = 0; i < joints.size(); ++i)
-        joints[i] = between(before[i], from[i], to[i], behind[i], time - static_cast<double>(b));
+        joints[i] = between(before[i], from[i], to[i], after[i], time - static_cast<double>(b));
     return joints;
 }
 
@@ -119,9 +119,9 @@ void DragTeach::record(double seconds) {
     if (recording_now_ && recording_.size() < kMaxSamples) recording_.push_back(arm_.joints());
 }
 
-// What the arm is off at the start is made up for on the way.
+// The difference between the current joints and the start of the recording shrinks along the path.
 Path DragTeach::replay(const JointVector& start) const {
-    constexpr double kRampSeconds = 0.25;  // of setting out and of halting
+    constexpr double kRampSeconds = 0.25;  // at the start and at the end
     const double duration = static_cast<double>(recording_.size() - 1) * kSampleSeconds;
     Path path;
     path.at = [samples = recording_, start](double s) {

@@ -8,44 +8,44 @@
 
 namespace sim {
 
-// One leg of the way on which a hand leads the arm: to these joints, in so many seconds or as soon as the joints can.
+// One leg of a hand's path: to these joints in this time, or as soon as the joints can.
 struct HandLeg {
     double seconds;
     JointVector joints;  // degrees
 };
 
-// Legs from a file: on each line the seconds and then the joints, with commas or blanks between them; what stands
-// behind a '#' is not read. Throws std::invalid_argument.
+// Reads legs from a file. Each line holds the seconds and then the joints, separated by commas or blanks; '#' starts a
+// comment. Throws std::invalid_argument.
 std::vector<HandLeg> read_hand(const std::string& path);
 
-// Drag teaching. A scripted hand stands in for the operator's: it leads the arm while the arm gives way, and where the
-// arm goes is recorded.
+// Drag teaching. A scripted hand replaces the operator's: it leads the arm while the arm yields, and the motion is
+// recorded.
 class DragTeach {
  public:
     explicit DragTeach(Arm& arm) : arm_(arm) {}
 
     static constexpr int kSampleMs = 20;
 
-    // From now on the arm gives way to the hand, which begins its script. The arm must be at rest. `status` is how the
-    // real-time push names it.
+    // Lets the arm yield to the hand, which starts its script. The arm must be at rest. `status` is the name of this
+    // state in the real-time push.
     void start(bool record, const std::string& status);
     void stop();
     bool active() const { return active_; }
     const std::string& status() const { return status_; }
 
-    // Adds a leg behind those that the hand has yet to go.
+    // Appends a leg to the script.
     void lead(const HandLeg& leg);
 
     void step(double seconds);
 
-    // The joints every kSampleMs from the start of the last recording on, and at its end.
+    // The joints of the last recording, sampled every kSampleMs, and those at its end.
     const std::vector<JointVector>& recording() const { return recording_; }
 
-    // The recording as a path at the pace of the recording, beginning near where the arm stands.
+    // The recording as a path at its recorded pace. It starts near the current joints.
     Path replay(const JointVector& start) const;
 
-    std::vector<HandLeg> script;  // begins anew with each start
-    int sensitivity = 50;         // percent; told and kept
+    std::vector<HandLeg> script;  // restarts with each start
+    int sensitivity = 50;         // percent; stored, without effect
 
  private:
     void begin_leg();

@@ -35,7 +35,7 @@ const Fence* FenceStore::find(const std::string& name) const {
     return found == fences_.end() ? nullptr : &found->second;
 }
 
-// "NULL" ends the list of names for those who read it.
+// "NULL" terminates a list of names on the wire.
 bool FenceStore::add(const std::string& name, const Fence& fence) {
     if (name.empty() || name.size() > kMaxName || name == "NULL" || fences_.size() == kMaxFences) return false;
     return fences_.emplace(name, fence).second;

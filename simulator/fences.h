@@ -6,8 +6,8 @@
 
 namespace sim {
 
-// A fence or a wall: 1 cuboid, 2 plane by three points, 3 sphere, and the lengths of that form under their names on the
-// wire, in thousandths of a metre. Form 0 is none.
+// A fence or a wall: form 1 is a cuboid, 2 a plane through three points, 3 a sphere, 0 none. The lengths of the form
+// have their names on the wire and are thousandths of a metre.
 struct Fence {
     int form = 0;
     std::map<std::string, int> lengths;
@@ -15,11 +15,11 @@ struct Fence {
     static constexpr int kForms = 3;
     static const std::vector<std::string>& keys(int form);
 
-    // Whether it bounds anything: no side of a cuboid and no radius is 0 or less, and the points are not in a line.
+    // Whether it bounds a space: sides and radius are positive, and the points are not collinear.
     bool has_extent() const;
 };
 
-// The fences that are kept by name.
+// The stored fences, by name.
 class FenceStore {
  public:
     static constexpr size_t kMaxName = 10;    // bytes
@@ -28,7 +28,7 @@ class FenceStore {
     const std::map<std::string, Fence>& all() const { return fences_; }
     const Fence* find(const std::string& name) const;
 
-    // Each is false when the name does not allow it: there already, not there, or unusable.
+    // Each is false if the name is taken, unknown or invalid.
     bool add(const std::string& name, const Fence& fence);
     bool update(const std::string& name, const Fence& fence);
     bool remove(const std::string& name) { return fences_.erase(name) != 0; }

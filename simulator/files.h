@@ -11,7 +11,7 @@
 
 namespace sim {
 
-// What goes wrong with a file on its way, on demand.
+// A fault that a client injects into a file transfer.
 struct TransferFault {
     std::string kind;  // empty: nothing; refuse, error_line, silent, close, stall
     int64_t at = 0;    // close, stall: after so many bytes; error_line: the line
@@ -25,15 +25,15 @@ struct FileRecord {
     uint64_t digest = 0;  // FNV-1a, 64 bits
 };
 
-// A file of announced size on its way from a client.
+// The transfer of a file of announced size from a client.
 class Reception : public Receiver {
  public:
     struct Order {
-        FileRecord file;  // its size is what was announced
-        bool keeps_text;  // of a project, to be read; an update is too large for that
+        FileRecord file;  // with the announced size
+        bool keeps_text;  // true for a project, which is parsed; an update is too large to keep
         TransferFault fault;
         std::weak_ptr<Client> client;
-        // Reads the text and gives the first line that is wrong, or 0.
+        // Parses the text and returns the first line that is wrong, or 0.
         std::function<int(std::string text)> judge;
     };
     Reception(Order order, const std::string& path, std::vector<FileRecord>& records);
@@ -44,7 +44,7 @@ class Reception : public Receiver {
     size_t take(std::string_view bytes) override;
     bool wants_more() const override { return !ended_; }
 
-    // Time passes; a file that does not come to its end is refused.
+    // Advances the time. A transfer that stalls is refused.
     void wait(int milliseconds);
 
  private:
@@ -62,13 +62,13 @@ class Reception : public Receiver {
     bool kept_ = false;
 };
 
-// The files that clients have sent.
+// The files received from clients.
 class Files {
  public:
-    std::string directory;  // where they are kept; empty: nowhere
+    std::string directory;  // where they are stored; empty: nowhere
     std::vector<FileRecord> records;
 
-    // False for a name that is none of a file; throws BadRequest for a file that cannot be written.
+    // False for an invalid file name. Throws BadRequest for a file that cannot be written.
     bool receive(const std::shared_ptr<Client>& client, Reception::Order order);
     void step(int milliseconds);
 

@@ -7,15 +7,15 @@
 namespace sim {
 namespace {
 
-constexpr double kPause = 0.1;  // seconds without a set-point that end a stream
+constexpr double kPause = 0.1;  // seconds without a set-point after which a stream has ended
 
-// Braking is planned with less than there is, since a step that ends at the target takes up to an eighth more.
+// Braking is planned below the limit, since the last step before the target takes up to an eighth more.
 constexpr double kPlannedShare = 0.8;
 
 constexpr double kThere = 1e-9;  // degrees
 
-// The highest speed from which a joint that loses `acc` times `seconds` of it in every step comes to rest a distance
-// away: n steps cover acc * seconds^2 * n (n + 1) / 2.
+// The highest speed from which a joint that slows by acc * seconds in every step comes to rest within a distance: n
+// steps cover acc * seconds^2 * n (n + 1) / 2.
 double speed_to_rest(double distance, double acc, double seconds) {
     const double steps = std::sqrt(0.25 + 2 * distance / (acc * seconds * seconds)) - 0.5;
     return std::min(steps * acc * seconds, distance / seconds);

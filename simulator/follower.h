@@ -8,7 +8,7 @@
 
 namespace sim {
 
-// How fast a joint may go: degrees per second, and per second squared.
+// The limits of a joint's motion in degrees per second and per second squared.
 struct Pace {
     double speed;
     double acc;
@@ -17,19 +17,17 @@ struct Pace {
 struct SetPoint {
     JointVector joints;
     std::vector<Pace> paces;
-    bool direct;         // taken as it comes, at the speed limit alone; otherwise within the acceleration limit too
+    bool direct;         // only the speed limit holds; otherwise the acceleration limit too
     std::string status;  // in the real-time push
 };
 
-// Follows set-points that a client streams. Whenever none comes the joints come to rest at the last one.
+// Follows the set-points that a client streams. Without new ones the joints come to rest at the last.
 class Follower {
  public:
-    // The newest set-point takes the place of the one before. False after a stop, for as long as the stream goes on as
-    // if nothing had happened.
+    // Replaces the set-point by a new one. False after a stop until the stream has paused.
     bool follow(SetPoint set_point);
 
-    // A joint in mid-pursuit brakes at its acceleration limit, one that takes its set-points as they come rests at the
-    // last.
+    // A joint brakes at its acceleration limit; with direct set-points it rests at the last one.
     void stop();
 
     void step(double seconds, JointVector& joints);
@@ -37,7 +35,7 @@ class Follower {
     bool resting() const { return resting_; }
     const std::string& status() const { return set_point_.status; }
 
-    // Where it will come to rest: at the last set-point, or where the joints stand.
+    // The joints at which it comes to rest: the last set-point, or the current joints.
     const JointVector& last(const JointVector& standing) const { return resting_ ? standing : set_point_.joints; }
 
  private:
@@ -48,8 +46,8 @@ class Follower {
     std::vector<double> speeds_;  // degrees per second
     bool resting_ = true;
     bool stopping_ = false;
-    bool stopped_ = false;                                      // and the stream has not paused since
-    double silence_ = std::numeric_limits<double>::infinity();  // seconds since the last set-point came
+    bool stopped_ = false;                                      // until the stream pauses
+    double silence_ = std::numeric_limits<double>::infinity();  // seconds since the last set-point
 };
 
 }  // namespace sim

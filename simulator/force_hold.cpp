@@ -5,8 +5,8 @@
 namespace sim {
 namespace {
 
-// How readily the arm gives way: metres per second for each newton, radians per second for each newton metre. Against a
-// wall this settles as long as its stiffness times the first is well below the 200 steps of a second.
+// The compliance of the arm: metres per second per newton and radians per second per newton metre. Against a wall the
+// hold settles while the wall's stiffness times the first is well below the 200 steps per second.
 constexpr double kCompliance = 0.002;
 constexpr double kTurningCompliance = 0.2;
 

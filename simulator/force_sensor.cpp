@@ -7,16 +7,16 @@ namespace {
 
 const KDL::Vector kGravity(0, 0, -9.81);  // metres per second squared, in the room
 
-// By how much the electronics are off.
+// The zero offset of the electronics.
 const KDL::Wrench kOffset(KDL::Vector(1.8, -2.3, 4.1), KDL::Vector(0.06, -0.04, 0.02));
 
 constexpr double kMomentShare = 0.05;  // of the noise of a force
-constexpr size_t kLast = 20;           // measurements
+constexpr size_t kLast = 20;           // measurements that are averaged
 
 Eigen::Vector3d eigen(const KDL::Vector& v) { return {v.x(), v.y(), v.z()}; }
 KDL::Vector kdl(const Eigen::Vector3d& v) { return {v.x(), v.y(), v.z()}; }
 
-// Of gravity in the axes of the flange.
+// The direction of gravity in the axes of the flange.
 Eigen::Vector3d gravity_in(const KDL::Rotation& flange) { return eigen(flange.Inverse(kGravity)); }
 
 // v x for a vector v.
@@ -26,7 +26,7 @@ Eigen::Matrix3d cross(const Eigen::Vector3d& v) {
     return matrix;
 }
 
-// The least squares of A x = b; nothing when the columns of A are not well told apart.
+// The least-squares solution of A x = b; nothing if A is close to singular.
 bool solve(const Eigen::MatrixXd& A, const Eigen::VectorXd& b, Eigen::VectorXd& x) {
     constexpr double kWorstCondition = 200;
     const Eigen::JacobiSVD<Eigen::MatrixXd> svd(A, Eigen::ComputeThinU | Eigen::ComputeThinV);
@@ -87,7 +87,7 @@ bool ForceSensor::calibrate(const std::vector<Sample>& samples) {
         t.segment<3>(i) = eigen(sample.mean.torque);
     }
     if (samples.size() < 4 || !solve(A, f, x) || !solve(B, t, y)) return false;
-    constexpr double kNothing = 0.01;  // kilograms: no centre can be told of less
+    constexpr double kNothing = 0.01;  // kilograms: a lighter load has no measurable centre
     zero_ = {kdl(x.head<3>()), kdl(y.head<3>())};
     found_.mass = x(3);
     found_.centre = found_.mass > kNothing ? kdl(y.tail<3>()) / found_.mass : KDL::Vector::Zero();

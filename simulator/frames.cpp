@@ -14,7 +14,7 @@ KDL::Frame frame_of(const WirePose& pose) {
 WirePose wire_pose(const KDL::Frame& frame) {
     double roll, pitch, yaw;
     frame.M.GetRPY(roll, pitch, yaw);
-    // A frame may lie further away than the wire can tell.
+    // A frame may be too far away for the integers of the wire.
     const auto round = [](double value, double scale) {
         return static_cast<int>(std::lround(std::clamp<double>(value * scale, INT_MIN, INT_MAX)));
     };
@@ -39,7 +39,7 @@ std::vector<std::string> FrameStore::names() const {
     return names;
 }
 
-// "NULL" ends the list of names for those who read it.
+// "NULL" terminates a list of names on the wire.
 bool FrameStore::add(const std::string& name, const Frame& frame) {
     if (name.empty() || name.size() > kMaxName || name == "NULL" || frames_.size() == kMaxFrames) return false;
     return frames_.emplace(name, frame).second;

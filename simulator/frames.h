@@ -8,13 +8,13 @@
 
 namespace sim {
 
-// A pose as the wire has it: x, y, z in millionths of a metre, rx, ry, rz in thousandths of a radian.
+// A pose in the units of the wire: x, y, z in millionths of a metre, rx, ry, rz in thousandths of a radian.
 using WirePose = std::array<int, 6>;
 
 KDL::Frame frame_of(const WirePose& pose);
 WirePose wire_pose(const KDL::Frame& frame);
 
-// What lies before and behind the arm: its base in the work frame, and the tool on its flange.
+// The frames at both ends of the arm: its base in the work frame and the tool on its flange.
 struct Surroundings {
     KDL::Frame work_T_base;
     KDL::Frame flange_T_tool;
@@ -31,7 +31,7 @@ struct Frame {
     std::array<int, 3> position{};  // centre of gravity, millionths of a metre
 };
 
-// The named frames of one kind, of which one is in use. One is built in and cannot be changed.
+// The named frames of one kind, one of which is in use. The built-in one cannot be changed.
 class FrameStore {
  public:
     explicit FrameStore(const std::string& built_in);
@@ -44,11 +44,11 @@ class FrameStore {
     const Frame* find(const std::string& name) const;
     std::vector<std::string> names() const;  // the built-in one first
 
-    // Each is false when the name does not allow it: there already, not there, unusable, or the built-in one.
+    // Each is false if the name is taken, unknown, invalid or that of the built-in frame.
     bool add(const std::string& name, const Frame& frame);
     bool update(const std::string& name, const Frame& frame);
     bool select(const std::string& name);
-    bool remove(const std::string& name);  // the frame in use gives way to the built-in one
+    bool remove(const std::string& name);  // the built-in frame replaces a removed frame in use
 
  private:
     std::string built_in_;

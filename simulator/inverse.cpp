@@ -8,17 +8,17 @@ namespace {
 
 constexpr double kRadians = std::numbers::pi / 180;
 
-// Metres and radians count alike. The solver goes on to a hundredth of what the wire can tell; should it come to a halt
-// before, that is good enough below the second number.
+// Metres and radians have equal weights. The solver iterates to a hundredth of the wire's resolution; if it stalls
+// earlier, an error below the second number is accepted.
 const Eigen::Matrix<double, 6, 1> kWeights = Eigen::Matrix<double, 6, 1>::Ones();
 constexpr double kWanted = 1e-8;
 constexpr double kAccepted = 1e-5;
 constexpr int kMaxIterations = 100;
 
-// By whole turns to where it is nearest to the seed.
+// Adds the whole turns that bring the angle nearest to the seed.
 double nearest_turn(double joint, double seed) { return joint - 360 * std::round((joint - seed) / 360); }
 
-// As near as the wire can tell.
+// Equal within the wire's resolution.
 bool within(const JointLimits& limits, double joint) {
     return joint * 1000 >= limits.min_pos - 0.5 && joint * 1000 <= limits.max_pos + 0.5;
 }
@@ -30,7 +30,7 @@ InverseKinematics::InverseKinematics(const RobotModel& model)
       elbow_(model.joint_count() == 7 ? 3 : 2),
       solver_(chain_, kWeights, kWanted, kMaxIterations) {}
 
-// Where the solver stalls, a start with the elbow a little aside often leads past the place.
+// When the solver stalls, a start with a slightly turned elbow often succeeds.
 std::optional<JointVector> InverseKinematics::solve(const KDL::Frame& flange, const JointVector& seed,
                                                     const std::vector<JointLimits>& limits) {
     KDL::JntArray start(seed.size());
@@ -51,7 +51,7 @@ std::optional<JointVector> InverseKinematics::solve_from(const KDL::JntArray& st
     JointVector joints(seed.size());
     for (size_t i = 0; i < joints.size(); ++i) {
         joints[i] = nearest_turn(found(i) / kRadians, seed[i]);
-        // A joint of more than one turn may have room on the other side.
+        // A joint with a range of more than one turn may reach the angle one turn away.
         if (!within(limits[i], joints[i])) joints[i] += joints[i] > 0 ? -360 : 360;
         if (!within(limits[i], joints[i])) return std::nullopt;
     }

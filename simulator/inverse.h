@@ -7,15 +7,15 @@
 
 namespace sim {
 
-// From a pose of the flange back to the joints.
+// Inverse kinematics: from a pose of the flange to joints.
 class InverseKinematics {
  public:
     explicit InverseKinematics(const RobotModel& model);
     InverseKinematics(const InverseKinematics&) = delete;
     InverseKinematics& operator=(const InverseKinematics&) = delete;
 
-    // The joints near `seed`, in degrees and within the limits, at which the flange has this pose in the arm's own
-    // base; nothing where the arm cannot have it.
+    // The joints near `seed`, in degrees and within the limits, that put the flange at this pose in the arm's own base;
+    // nothing if there are none.
     std::optional<JointVector> solve(const KDL::Frame& flange, const JointVector& seed,
                                      const std::vector<JointLimits>& limits);
 

@@ -1,4 +1,4 @@
-// A controller without an arm: it speaks the protocol of the real one, and its joints move in simulated time.
+// A controller without an arm: it speaks the protocol of the real one and moves its joints in simulated time.
 
 #include <asio/io_context.hpp>
 #include <asio/signal_set.hpp>

@@ -7,8 +7,8 @@
 
 namespace sim {
 
-// What one device on a bus holds: coils and holding registers as they were written, 0 before, and inputs that nobody
-// can write: a discrete input is on at odd addresses, an input register holds its address.
+// The registers of one device on a bus. Coils and holding registers are 0 until written. Inputs are constant: a
+// discrete input is on at odd addresses, an input register holds its address.
 class ModbusDevice {
  public:
     static constexpr int kAddresses = 65536;  // of each kind
@@ -32,9 +32,9 @@ class ModbusDevice {
     Bank registers_;
 };
 
-// One port of the controller: it is a master on a bus or not, and has devices of its own.
+// One port of the controller, with its devices. When open, it is the master of its bus.
 struct ModbusPort {
-    static constexpr int kDevices = 2;  // which answer, with the addresses from 1
+    static constexpr int kDevices = 2;  // at the addresses from 1
 
     bool open = false;
     int baudrate = 0;
@@ -42,14 +42,14 @@ struct ModbusPort {
     std::array<ModbusDevice, kDevices> devices;
 };
 
-// The ports, and who answers there.
+// The ports with their devices.
 class ModbusMaster {
  public:
     enum { ZK_K_CONTROLLER, ZK_K_TOOL, ZK_K_TCP, ZK_K_PORTS };
 
     ModbusPort& port(int number) { return ports_.at(static_cast<size_t>(number)); }
 
-    // The device, or null when the port does not exist or is closed, or nobody has the address there.
+    // The device, or null if the port does not exist or is closed, or no device has the address.
     ModbusDevice* find(int port, int device);
 
  private:

@@ -10,7 +10,7 @@ namespace {
 constexpr double kSlowStopShare = 0.25;  // of the acceleration limit
 constexpr double kEndOfPath = 1 - 1e-9;
 constexpr size_t kMostMoves = 20'000;
-constexpr size_t kMostJoined = 200;  // each is planned with all that it is joined to
+constexpr size_t kMostJoined = 200;  // each is planned together with all it is joined to
 
 bool same_place(const JointVector& a, const JointVector& b) {
     constexpr double kClose = 1e-6;  // degrees
@@ -113,7 +113,7 @@ std::string MotionQueue::status() const {
     return stream_.resting() ? "idle" : stream_.status();
 }
 
-// Where something before it was dropped, a trajectory begins elsewhere than planned.
+// A trajectory starts elsewhere than planned when one before it was dropped.
 void MotionQueue::begin(const JointVector& joints) {
     Trajectory trajectory = std::move(waiting_.front());
     waiting_.pop_front();
@@ -155,8 +155,7 @@ void MotionQueue::come_to_rest() {
     }
 }
 
-// A brake in progress is only ever replaced by a harder one, so that a client that repeats its stop does not prolong
-// it.
+// Only a harder brake replaces one in progress, so that a repeated stop does not prolong it.
 void MotionQueue::brake(Brake reason, double share_of_acc) {
     paused_ = false;
     resume_at_rest_ = false;
@@ -167,7 +166,7 @@ void MotionQueue::brake(Brake reason, double share_of_acc) {
     const double covered = running_->position();
     const Profile profile =
         Profile::braking(running_->profile.speed(running_->time), running_->path.acc * share_of_acc);
-    // Near its target the move's own end brakes sooner.
+    // Near its target the move's own final ramp is shorter.
     if (covered + profile.length() >= 1) return;
     running_->covered = covered;
     running_->time = 0;
@@ -183,7 +182,7 @@ void MotionQueue::drop_waiting() {
     drop(std::exchange(joined_, {}));
 }
 
-// Joined moves first: a client that waits has room for one report, and must find that of the move it waits for.
+// Joined moves first: a waiting client has room for one report, which must be that of the move it waits for.
 void MotionQueue::report_dropped() {
     std::stable_partition(dropped_.begin(), dropped_.end(), [](const Move& move) { return move.connect != 0; });
     for (const Move& move : std::exchange(dropped_, {})) {

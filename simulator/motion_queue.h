@@ -12,56 +12,56 @@
 
 namespace sim {
 
-// Runs trajectories one after the other, and brakes, pauses and drops them.
+// Runs trajectories one after the other; brakes, pauses and drops them.
 class MotionQueue {
  public:
-    // Called for every move that ends: reached its target, or dropped before it.
+    // Called for every move that ends, at its target or dropped before it.
     std::function<void(const Move&, bool arrived)> on_end;
 
-    // Throws NoPath for a path that the arm must not run.
+    // Throws NoPath for a path that the arm may not run.
     std::function<void(const Path&)> check;
 
-    // Plans the move from where the arm, which now has these joints, will be at its turn. A joined move is kept until
-    // one comes that is not; then all run as one trajectory. Throws NoPath, also where too many moves wait, and has not
-    // changed then.
+    // Plans a move from the end of the queued ones; `joints` are the current ones. A joined move waits for one that is
+    // not joined; then all run as one trajectory. Throws NoPath and changes nothing when no path exists or too many
+    // moves wait.
     void add(Move move, const JointVector& joints);
 
-    // Where the arm, which now has these joints, will be when everything is done.
+    // The joints at the end of all moves; `joints` are the current ones.
     JointVector end(const JointVector& joints) const;
 
-    // The last of the moves that wait for one to be joined to; null when there is none.
+    // The last of the joined moves that wait for their successor; null if there is none.
     const Move* last_joined() const { return joined_.last(); }
 
-    // Takes a streamed set-point. False while there are moves, which wait in turn until the arm rests at the last one,
-    // and after a stop until the stream has paused.
+    // Takes a streamed set-point. False while moves are queued, and after a stop until the stream has paused. Moves
+    // wait until the arm rests at the last set-point.
     bool follow(SetPoint set_point) { return !current() && stream_.follow(std::move(set_point)); }
     const Follower& stream() const { return stream_; }
 
-    // These brake on the path. What is dropped is reported when the arm has come to rest.
+    // These brake on the path. Dropped moves are reported when the arm has come to rest.
     void stop();
     void slow_stop();
     void delete_current();
     void delete_all() { stop(); }
 
-    // False when there is nothing to pause, or nothing paused.
+    // False if there is nothing to pause, or nothing is paused.
     bool pause();
     bool resume();
 
     void step(double seconds, JointVector& joints);
 
-    // The running move, or the one that runs next; null when there is none.
+    // The running move, or the next one; null if there is none.
     const Move* current() const;
-    size_t size() const;  // moves, the joined ones among them
+    size_t size() const;  // moves, joined ones included
     bool idle() const { return !current() && stream_.resting(); }
 
-    // All moves are stopped, and none has been added since.
+    // True if all moves were stopped and none has been added since.
     bool stopping() const { return brake_ > Brake::kPause && waiting_.empty(); }
 
-    // As the real-time push names it.
+    // Its name in the real-time push.
     std::string status() const;
 
  private:
-    // In the order in which one takes the place of another.
+    // A later one replaces an earlier one.
     enum class Brake { kNone, kPause, kSlowStop, kStop, kRemove };
 
     struct Running {
@@ -86,7 +86,7 @@ class MotionQueue {
     Follower stream_;
     std::optional<Running> running_;
     std::deque<Trajectory> waiting_;
-    Trajectory joined_;          // as far as it has come
+    Trajectory joined_;          // still waiting for its last move
     std::vector<Move> dropped_;  // to be reported at rest
     Brake brake_ = Brake::kNone;
     double brake_share_ = 0;  // of the acceleration limit

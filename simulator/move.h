@@ -14,37 +14,37 @@ namespace sim {
 
 class Client;
 
-// Why the arm cannot go where a move wants it.
+// The reason why no path to a move's target exists.
 struct NoPath : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// A path of the joints over a parameter from 0 to 1, with the speed and acceleration that its parameter may have.
+// A path of the joints over a parameter from 0 to 1, with the limits of the parameter's speed and acceleration.
 struct Path {
     std::function<JointVector(double)> at;
     double speed = 0;    // per second
     double acc = 0;      // per second squared
-    bool rests = false;  // begins and ends at rest by itself, so that its parameter goes at an even pace
+    bool rests = false;  // the path itself starts and ends at rest: its parameter runs at constant speed
 
     Profile profile() const { return rests ? Profile::even(1, speed) : Profile::between_rests(1, speed, acc); }
 };
 
-// One move as a client ordered it.
+// One move that a client ordered.
 struct Move {
     std::string type;              // in the trajectory query: "movej"
     std::string status;            // in the real-time push: "move_J"
-    std::vector<int> data;         // target, as the wire tells it; when empty, the joints at the end of the path
+    std::vector<int> data;         // target in the units of the wire; if empty, the joints at the end of the path
     int connect = 0;               // non-zero: joined to the next, and ends without a report
-    double blend = 0;              // of its last ramp, on which the next begins already: 0 to 1
+    double blend = 0;              // the share of its last ramp in which the next move already starts: 0 to 1
     std::weak_ptr<Client> client;  // gets the arrival report
 
-    // Called in the place of that report, if there is one.
+    // If set, called instead of that report.
     std::function<void(bool arrived)> ended = {};
 
-    // The path from where the arm stands when the move's turn comes. Throws NoPath if there is none.
+    // The path from these joints, made when the move starts. Throws NoPath if there is none.
     std::function<Path(const JointVector& start)> plan;
 
-    // Of a spline: the points up to this one. With more than one, its path runs through the joined moves before it.
+    // Of a spline: the points up to this one. Two or more replace the joined moves before it.
     std::vector<KDL::Frame> points;
 };
 

@@ -4,7 +4,7 @@
 
 namespace sim {
 
-// Tells the person at the terminal what happened: one line on standard error. Nothing after `silence_notes`.
+// Prints one line on standard error for the operator, unless `silence_notes` was called.
 void note(const std::string& line);
 void silence_notes();
 

@@ -117,7 +117,7 @@ double parse_noise(std::string_view option, std::string_view text) {
 }
 
 Wall parse_wall(std::string_view option, std::string_view text) {
-    constexpr double kStiffest = 50'000;  // newtons per metre, which a hold can do with
+    constexpr double kStiffest = 50'000;  // newtons per metre; a hold on a stiffer wall does not settle
     const std::vector<double> values = parse_list(option, text, 7);
     Wall wall{KDL::Vector(values[0], values[1], values[2]), KDL::Vector(values[3], values[4], values[5]), values[6]};
     if (wall.normal.Normalize() == 0 || wall.stiffness < 0 || wall.stiffness > kStiffest)
@@ -127,7 +127,7 @@ Wall parse_wall(std::string_view option, std::string_view text) {
 
 struct OptionRow {
     const char* name;
-    const char* value;  // what it takes, as the help calls it; empty when it takes none
+    const char* value;  // its argument's name in the help; empty if it takes none
     const char* help;
     void (*take)(Options& options, const std::string& value);
 };
@@ -140,7 +140,7 @@ constexpr OptionRow kOptions[] = {
      [](Options& o, const string& value) { o.listen = parse_address("listen", value); }},
     {"port", "N", "TCP port, 0 for any free one (8080)",
      [](Options& o, const string& value) { o.port = parse_integer("port", value, 0, kMaxPort); }},
-    {"push-ip", "IP", "where the real-time push goes (127.0.0.1)",
+    {"push-ip", "IP", "destination of the real-time push (127.0.0.1)",
      [](Options& o, const string& value) { o.push.ip = parse_address("push-ip", value); }},
     {"push-port", "N", "its UDP port, 0 for any free one (8089)",
      [](Options& o, const string& value) { o.push.port = parse_integer("push-port", value, 0, kMaxPort); }},
@@ -155,30 +155,30 @@ constexpr OptionRow kOptions[] = {
      [](Options& o, const string& value) { o.work = parse_pose("work", value); }},
     {"install", "RX,RY,RZ", "mounting angles, degrees",
      [](Options& o, const string& value) { o.install = parse_angles("install", value); }},
-    {"object", "WIDTH", "what the gripper finds to grip, 1 to 999 of an opening of 1000 (0: nothing)",
+    {"object", "WIDTH", "width of an object for the gripper, 1 to 999 of an opening of 1000 (0: none)",
      [](Options& o, const string& value) { o.object_width = parse_integer("object", value, 0, Gripper::kOpen - 1); }},
-    {"hand", "FILE", "how a hand leads the arm in drag teaching: lines of seconds and joint angles",
+    {"hand", "FILE", "the hand's path in drag teaching: lines of seconds and joint angles",
      [](Options& o, const string& value) { o.hand = read_hand(value); }},
-    {"load", "KG,X,Y,Z", "what hangs on the force sensor, and where its centre of gravity is in the flange (0)",
+    {"load", "KG,X,Y,Z", "mass of the load on the force sensor and its centre of gravity in the flange frame (0)",
      [](Options& o, const string& value) { o.load = parse_load("load", value); }},
     {"wall", "X,Y,Z,NX,NY,NZ,K", "an elastic wall in the room: a place, its normal, newtons per metre",
      [](Options& o, const string& value) { o.wall = parse_wall("wall", value); }},
     {"force-noise", "N", "standard deviation of the force sensor's noise, newtons (0.02)",
      [](Options& o, const string& value) { o.force_noise = parse_noise("force-noise", value); }},
-    {"seed", "N", "of that noise (1)",
+    {"seed", "N", "seed of that noise (1)",
      [](Options& o, const string& value) { o.seed = static_cast<unsigned>(parse_integer("seed", value, 0, INT_MAX)); }},
     {"silent-on", "COMMAND", "ignore this command; may be given several times",
      [](Options& o, const string& value) { o.silent_on.push_back(value); }},
     {"refuse-on", "COMMAND", "answer this command with false; may be given several times",
      [](Options& o, const string& value) { o.refuse_on.push_back(value); }},
-    {"delay-ms", "N", "hold every reply and report back for so long",
+    {"delay-ms", "N", "delay every reply and report by this time",
      [](Options& o, const string& value) { o.delay_ms = parse_integer("delay-ms", value, 0, kMaxDelayMs); }},
-    {"transfer-fault", "KIND:N", "what befalls files: refuse, error_line:LINE, silent, close:BYTES, stall:BYTES",
+    {"transfer-fault", "KIND:N", "disturb file transfers: refuse, error_line:LINE, silent, close:BYTES, stall:BYTES",
      [](Options& o, const string& value) { o.transfer_fault = parse_transfer_fault("transfer-fault", value); }},
-    {"files", "DIRECTORY", "keep the files that clients send there, which must exist",
+    {"files", "DIRECTORY", "store the files that clients send in this directory, which must exist",
      [](Options& o, const string& value) { o.files = value; }},
     {"quiet", "", "no notes on standard error", [](Options& o, const string&) { o.quiet = true; }},
-    {"commands", "", "list the commands that it knows, and end", [](Options& o, const string&) { o.commands = true; }},
+    {"commands", "", "list all commands and exit", [](Options& o, const string&) { o.commands = true; }},
     {"help", "", "this text", [](Options& o, const string&) { o.help = true; }},
 };
 
@@ -190,13 +190,13 @@ std::vector<option> getopt_rows() {
     return rows;
 }
 
-// A wrong letter within a group of short ones is told by `optopt` alone.
+// Only `optopt` holds a wrong letter within a group of short options.
 std::string wrong_option(char** argv) {
     const std::string last = argv[optind - 1];
     return optopt != 0 && last.substr(0, 2) != "--" ? std::string("-") + static_cast<char>(optopt) : last;
 }
 
-// Limits hold for the model that is given, wherever on the line it stands.
+// Checks the values against the model, which may stand anywhere on the command line.
 void check_joints(const RobotModel& model, const std::string& option, const JointVector& joints) {
     if (joints.size() != model.joint_count())
         throw std::invalid_argument(option + ": needs " + std::to_string(model.joint_count()) + " joint angles");
@@ -236,7 +236,7 @@ std::string usage() {
         text += left + row.help + '\n';
     }
     return text + "\nModels: " + all_model_names() +
-           "\n\nThe first line on standard output tells the model and the ports:\n"
+           "\n\nThe first line on standard output names the model and the ports:\n"
            "  zk_simulator model=ZK65-B port=40123 push_port=40124\n"
            "SIGINT and SIGTERM end the program.\n";
 }

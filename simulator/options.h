@@ -15,20 +15,20 @@
 
 namespace sim {
 
-// The command line.
+// The options of the command line.
 struct Options {
     bool help = false;
-    bool commands = false;  // list them and end
+    bool commands = false;  // list the commands and exit
     bool quiet = false;
     std::string listen = "127.0.0.1";
-    int port = 8080;  // 0: any free one
+    int port = 8080;  // 0: any free port
     RobotModel model;
     JointVector joints;               // degrees; empty: the model's home
     std::optional<WirePose> tool;     // in use from the start, under the name "tool"
     std::optional<WirePose> work;     // the same, under the name "work"
     std::array<double, 3> install{};  // degrees
     int object_width = 0;             // between the fingers of the gripper, 0 for none
-    std::vector<HandLeg> hand;        // which the arm is dragged along
+    std::vector<HandLeg> hand;        // the path of the hand in drag teaching
     Load load;                        // on the sensor
     double force_noise = 0.02;        // newtons
     unsigned seed = 1;
@@ -38,10 +38,10 @@ struct Options {
     std::vector<std::string> refuse_on;
     int delay_ms = 0;
     TransferFault transfer_fault;
-    std::string files;  // directory where files from clients are kept; empty: nowhere
+    std::string files;  // directory where files from clients are stored; empty: nowhere
 };
 
-// Throws std::invalid_argument with the text for the user.
+// Throws std::invalid_argument with a message for the user.
 Options parse_options(int argc, char** argv);
 std::string usage();
 

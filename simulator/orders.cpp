@@ -8,8 +8,8 @@ int percent_of(const Call& call) { return call.request.integer("v", 1, 100); }
 
 bool order(Call& call, Move move) {
     Arm& arm = call.controller.arm;
-    const std::string objection = arm.objection_to_moving();
-    if (!objection.empty()) throw BadRequest(call.request.command() + ": " + objection);
+    const std::string reason = arm.reason_not_to_move();
+    if (!reason.empty()) throw BadRequest(call.request.command() + ": " + reason);
     arm.order(std::move(move));
     return true;
 }

@@ -5,15 +5,15 @@
 
 namespace sim {
 
-// What the commands that move the arm have in common.
+// What all commands that move the arm share.
 
-// "v", a share of the speed limits.
+// "v": percent of the speed limits.
 int percent_of(const Call& call);
 
-// Queues a move; always true. Throws BadRequest when the arm may not move, NoPath when there is no way for the move.
+// Queues a move and returns true. Throws BadRequest if the arm may not move, NoPath if the move has no path.
 bool order(Call& call, Move move);
 
-// A client that waits for the arrival learns that there will be none.
+// Reports to a client that waits for the arrival that there is none.
 void report_refusal(Call& call);
 
 }  // namespace sim

@@ -6,21 +6,21 @@
 
 namespace sim {
 
-// The page of a list that a client asks for: its number from 1, how many entries a page has, and a part of their names.
+// The page of a list that a client requests: its number from 1, the entries per page, and a part of their names.
 struct Page {
     int number;
     int size;
     std::string search;
 };
 
-// What a client leaves out is the first page, of as many entries as a reply holds.
+// The default is the first page with as many entries as a reply holds.
 inline Page page_of(const Request& request, int most) {
     return {request.has("page_num") ? request.integer("page_num", 1) : 1,
             request.has("page_size") ? std::min(request.integer("page_size", 1), most) : most,
             request.has("vague_search") ? request.text("vague_search") : ""};
 }
 
-// The reply: the page's entries of all that the search finds by their name.
+// The reply: the entries of this page among all whose name contains the searched part.
 inline Json page_reply(const Page& page, const std::vector<Json>& entries, const char* name_key) {
     Json list = Json::array();
     int64_t found = 0;

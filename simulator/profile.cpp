@@ -9,7 +9,7 @@ namespace {
 
 constexpr double kTurn = 2 * std::numbers::pi;
 
-// A ramp from 0 to 1 over u = 0..1: acceleration 1 - cos(2 pi u), its integral, and the integral of that.
+// A ramp from 0 to 1 over u = 0..1: acceleration 1 - cos(2 pi u), its integral and its second integral.
 double ramp_speed(double u) { return u - std::sin(kTurn * u) / kTurn; }
 double ramp_distance(double u) { return u * u / 2 + (std::cos(kTurn * u) - 1) / (kTurn * kTurn); }
 

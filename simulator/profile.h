@@ -2,25 +2,25 @@
 
 namespace sim {
 
-// The course of a distance over time. The speed rises and falls on a raised sine, so that the acceleration is
-// continuous, starts and ends at zero and peaks at its limit in the middle of a ramp.
+// A distance over time. The speed rises and falls by a raised sine, so that the acceleration is continuous, starts and
+// ends at zero and peaks at its limit in the middle of a ramp.
 class Profile {
  public:
     Profile() = default;
 
-    // From rest to rest over `length`, never above `speed` and `acc`.
+    // From rest to rest over `length`, within `speed` and `acc`.
     static Profile between_rests(double length, double speed, double acc);
 
-    // From `speed` down to rest, never above `acc`.
+    // From `speed` to rest, within `acc`.
     static Profile braking(double speed, double acc);
 
-    // At an even speed, without ramps.
+    // At constant speed, without ramps.
     static Profile even(double length, double speed);
 
-    // The peak acceleration of a ramp to or from `speed` that takes so long.
+    // The peak acceleration of a ramp to or from `speed` of this duration.
     static double acc_of_ramp(double speed, double seconds) { return 2 * speed / seconds; }
 
-    // How much of the time of a ramp its slow end takes on which so much of its distance lies, both 0 to 1.
+    // The share of a ramp's duration that its slow end takes for this share of its distance, both 0 to 1.
     static double slow_end(double share_of_distance);
 
     double ramp() const { return up_; }  // seconds

@@ -9,7 +9,7 @@
 namespace sim {
 namespace {
 
-constexpr int kMaxLinesAStep = 100;  // a loop without a motion goes round slowly
+constexpr int kMaxLinesAStep = 100;  // so that a loop without a motion does not block the controller
 
 constexpr std::array kMotions{"movej", "movel", "movec", "moves", "movej_p", "timer"};
 
@@ -26,8 +26,7 @@ bool is_loop(const Json& line) {
 
 bool is_blank(const std::string& line) { return line.find_first_not_of(" \t") == std::string::npos; }
 
-// Nothing, where a line is no JSON or nested deeper than any order is: whoever copies or prints it calls himself for
-// each depth.
+// Nothing if a line is not JSON or is nested too deeply: copying and printing it recurse once per level.
 Json parsed(const std::string& line) {
     constexpr int kDeepest = 16;
     bool too_deep = false;
@@ -39,7 +38,7 @@ Json parsed(const std::string& line) {
     return too_deep ? Json(Json::value_t::discarded) : json;
 }
 
-// What may be left out of a motion.
+// The keys that a motion may omit.
 void complete(Json& line, int speed) {
     for (const char* key : {"r", "trajectory_connect"}) {
         if (!line.contains(key)) line[key] = 0;
@@ -77,7 +76,7 @@ int first_wrong_line(const std::vector<std::string>& lines) {
     return open_loops == 0 ? 0 : static_cast<int>(lines.size());
 }
 
-// Gives the orders of a program, and hears what becomes of them.
+// Sends the orders of a program to the controller and receives their reports.
 class Programs::Orders : public Client {
  public:
     void send(const Json& message) override {
@@ -93,8 +92,8 @@ class Programs::Orders : public Client {
     }
     std::string name() const override { return "program"; }
 
-    // A motion is followed by its report, unless it is joined to the next.
-    void give(Controller& controller, const Json& order, const std::shared_ptr<Client>& self) {
+    // A motion is reported at its end, unless it is joined to the next.
+    void send(Controller& controller, const Json& order, const std::shared_ptr<Client>& self) {
         answered_ = false;
         waiting_ = order.at("command") != "timer" && order.at("trajectory_connect") == 0;
         controller.handle(order.dump(), self);
@@ -144,12 +143,12 @@ void Programs::step(Controller& controller) {
             Json order = line;
             complete(order, run.speed);
             run.held = run.step_mode;
-            run.orders->give(controller, order, run.orders);
+            run.orders->send(controller, order, run.orders);
         }
     }
 }
 
-// Only a program that came to its end says so: who waits for one that did not must not take it for done.
+// Only a program that reached its end reports that, so that no client takes an aborted one for done.
 void Programs::end(bool finished) {
     const Run run = *std::exchange(run_, std::nullopt);
     if (!finished) note("program " + run.program.name + ": ended before its end");

@@ -13,21 +13,21 @@ namespace sim {
 
 class Controller;
 
-// A program is a text of one JSON object a line. A line with a "command" orders a motion; {"loop": N} and
-// {"end_loop": true} repeat what stands between them; any other object, and an empty line, is passed over.
+// A program is a text with one JSON object per line. A line with a "command" orders a motion; {"loop": N} and
+// {"end_loop": true} repeat the lines between them; other objects and empty lines are ignored.
 struct Program {
-    int id = 0;  // 0: not among the kept ones
+    int id = 0;  // 0: not stored
     int size = 0;
     int speed = 100;  // percent of the speeds in its lines
     std::string name;
     std::vector<std::string> lines;
 };
 
-// The lines of a program's text, and the first of them, counted from 1, that is no such line; 0 when all are.
+// The lines of a program's text and the number, from 1, of the first invalid one; 0 if all are valid.
 std::vector<std::string> program_lines(const std::string& text);
 int first_wrong_line(const std::vector<std::string>& lines);
 
-// The programs that the controller keeps, and the one that runs.
+// The stored programs and the running one.
 class Programs {
  public:
     static constexpr int kMaxId = 200;
@@ -35,17 +35,17 @@ class Programs {
     std::map<int, Program> kept;
     int default_id = 0;
 
-    // False while one runs. Who started it hears of its end, if it comes to that.
+    // False while a program runs. The client that started it gets a report when it reaches its end.
     bool start(const Program& program, int speed, bool step_mode, const std::shared_ptr<Client>& starter);
     bool running() const { return run_.has_value(); }
     bool runs(int id) const { return run_ && run_->program.id == id; }
-    // In step mode: the next line. False when none is waited for.
+    // Runs the next line in step mode. False if the program does not wait for it.
     bool next();
 
-    // Orders what comes next, once the arm has come as far.
+    // Orders the next lines when the arm has finished the previous ones.
     void step(Controller& controller);
 
-    // As clients are told.
+    // The state that clients query.
     Json state(const Controller& controller) const;
 
  private:
@@ -62,7 +62,7 @@ class Programs {
         bool step_mode;
         std::weak_ptr<Client> starter;
         std::shared_ptr<Orders> orders;
-        size_t line = 0;    // that is ordered next
+        size_t line = 0;    // ordered next
         bool held = false;  // in step mode, until `next`
         std::vector<Loop> loops = {};
     };

@@ -46,7 +46,7 @@ std::string status_of(const Controller& controller) {
     return controller.drag.active() ? controller.drag.status() : controller.arm.motion().status();
 }
 
-// Thousandths: all six of the one sensor, the force along z of the other.
+// Thousandths: all six axes of one sensor, the force along z of the other.
 std::vector<int> wire_forces(const KDL::Wrench& wrench, Sensor sensor) {
     std::vector<int> wire;
     for (int i = 0; i < 6; ++i) {
@@ -110,7 +110,7 @@ std::string push_datagram(const Controller& controller) {
     add_force(controller, message);
     add_devices(controller, message);
     std::string text = message.dump();
-    // Cut off, the datagram would be of no use to anybody: the parts that a client can do without go first.
+    // A truncated datagram would be useless: optional parts are dropped first.
     for (const char* optional : {"time", "aloha_state", "hand", "expand_state", "lift_state"}) {
         if (text.size() <= kMaxDatagram) break;
         if (message.erase(optional) != 0) text = message.dump();

@@ -9,7 +9,7 @@ namespace sim {
 
 class Controller;
 
-// What the real-time push sends, how often and where to.
+// The settings of the real-time push: content, cycle and destination.
 struct PushSettings {
     int cycle = 1;  // in units of 5 ms
     bool enable = true;
@@ -17,7 +17,7 @@ struct PushSettings {
     int force_coordinate = 0;
     std::string ip = "127.0.0.1";
 
-    // Which of the custom parts go along.
+    // The optional parts to send.
     bool joint_speed = false;
     bool lift_state = false;
     bool expand_state = false;
@@ -26,10 +26,10 @@ struct PushSettings {
     bool aloha_state = false;
 };
 
-// As much as a client reads of a datagram.
+// The bytes that a client reads of a datagram.
 constexpr size_t kMaxDatagram = 1024;
 
-// The state of the arm at this moment, as one datagram.
+// The current state of the arm as one datagram.
 std::string push_datagram(const Controller& controller);
 
 }  // namespace sim

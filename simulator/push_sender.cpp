@@ -12,7 +12,7 @@ PushSender::PushSender(asio::io_context& io, const Controller& controller)
     socket_.non_blocking(true);
 }
 
-// Nobody may be listening, and a full buffer loses a datagram as a network would: neither is an error.
+// A missing listener and a full buffer lose a datagram, as a network does: neither is an error.
 void PushSender::step() {
     const PushSettings& push = controller_.push;
     if (!push.enable || controller_.milliseconds() % (push.cycle * Controller::kStepMs) != 0) return;

@@ -7,12 +7,13 @@
 
 namespace sim {
 
-// Sends the real-time push of a controller whenever its cycle comes round.
+// Sends the real-time push of a controller once in each cycle.
 class PushSender {
  public:
     PushSender(asio::io_context& io, const Controller& controller);
 
-    // To be called after every step of the controller.
+    // Call it after every step of the controller.
+
     void step();
 
  private:

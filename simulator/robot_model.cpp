@@ -19,7 +19,7 @@ enum class Convention { kModified, kStandard };
 struct ArmTable {
     const char* name;
     size_t joints;
-    size_t sensors;  // how many of "-B", "-ZF", "-6F" the arm is sold with
+    size_t sensors;  // how many of "-B", "-ZF", "-6F" the arm is available with
     Convention convention;
     std::array<double, 3> flange;  // metres, last `d`, by sensor
     Row d, a;                      // metres
@@ -133,8 +133,8 @@ KDL::Frame turn_and_lift(double offset, double d) {
     return KDL::Frame(KDL::Rotation::RotZ(offset * kRadians)) * KDL::Frame(KDL::Vector(0, 0, d));
 }
 
-// A KDL segment turns about its joint first and appends its tip frame, so the twist that the modified convention puts
-// before a joint belongs to the tip of the segment before it.
+// A KDL segment rotates about its joint and then appends its tip frame. The modified convention puts the twist before a
+// joint; here it belongs to the tip of the segment before.
 KDL::Chain make_chain(const ArmTable& arm, double flange) {
     KDL::Chain chain;
     if (arm.convention == Convention::kModified)

@@ -24,7 +24,7 @@ void Server::accept() {
             accept();
             return;
         }
-        // Out of descriptors, most likely: some client will leave.
+        // Most likely out of descriptors, until a client disconnects.
         note("cannot accept a client: " + error.message());
         retry_.expires_after(std::chrono::milliseconds(100));
         retry_.async_wait([this](const asio::error_code& stopped) {

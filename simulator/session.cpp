@@ -48,14 +48,14 @@ void Session::stop_reading() {
 }
 
 void Session::take(std::string_view bytes) {
-    // A file goes past the text of requests, which it would only be copied through.
+    // The bytes of a file bypass the buffer of requests.
     if (pending_.empty() && receiving()) bytes.remove_prefix(receiver_->take(bytes));
     pending_ += bytes;
     handle_requests();
     if (pending_.empty() || (pending_.size() <= kMaxRequest && !dropping_)) return;
     if (!dropping_) note(name_ + ": a request of more than " + std::to_string(kMaxRequest) + " bytes is dropped");
     dropping_ = true;
-    // A carriage return may be the first half of the end.
+    // A carriage return may be the first half of the line end.
     pending_ = pending_.back() == '\r' ? "\r" : "";
 }
 
@@ -113,7 +113,7 @@ void Session::write_first() {
                       });
 }
 
-// The messages stay: one of them may be in the hands of a write that has not ended.
+// Keeps the messages: a pending write may still use one of them.
 void Session::close() {
     left_ = true;
     asio::error_code ignored;

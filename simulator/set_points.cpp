@@ -8,12 +8,12 @@
 namespace sim {
 namespace {
 
-// A set-point that is passed on may lie as far from where the arm stands as each joint goes at its speed limit in this
-// time.
+// A set-point at the client's own pace may be as far from the current joints as they move in this time at their speed
+// limits.
 constexpr double kFollowingSeconds = 0.2;
 
-// Clients send a quaternion as w, x, y, z in millionths, or, in one form of one command, in thousandths. The length
-// tells which.
+// Clients send a quaternion as w, x, y, z in millionths or, in one form of one command, in thousandths. Its norm
+// distinguishes the two.
 KDL::Rotation rotation(const Request& request, int w, int x, int y, int z) {
     constexpr double kTolerance = 0.1;
     const double length = std::hypot(std::hypot(w, x), std::hypot(y, z));
@@ -49,7 +49,7 @@ const char* reason(Verdict verdict) {
         case Verdict::kBeyondLimit:
             return "beyond a limit";
         case Verdict::kTooFar:
-            return "too far from where the arm stands";
+            return "too far from the current joints";
         case Verdict::kUnreachable:
             return "out of reach";
         case Verdict::kNotNow:
@@ -74,10 +74,10 @@ std::optional<JointVector> pose_target(const Call& call) {
 
 Verdict follow_set_point(const Call& call, const Following& following) {
     Arm& arm = call.controller.arm;
-    if (!arm.objection_to_moving().empty()) return Verdict::kNotNow;
+    if (!arm.reason_not_to_move().empty()) return Verdict::kNotNow;
     const std::optional<JointVector> target = following.target(call);
     if (!target) return Verdict::kUnreachable;
-    if (!arm.objection_to(*target).empty()) return Verdict::kBeyondLimit;
+    if (!arm.reason_not_to_move_to(*target).empty()) return Verdict::kBeyondLimit;
     if (following.near && too_far(arm, *target)) return Verdict::kTooFar;
     const bool taken = arm.motion().follow({*target, arm.paces(), following.direct, following.status});
     return taken ? Verdict::kFollowed : Verdict::kNotNow;

@@ -20,8 +20,9 @@ std::optional<JointVector> pose_target(const Call& call);
 
 struct Following {
     Target target;
-    bool direct;         // taken as it comes, at the speed limit alone; otherwise within the acceleration limit too
-    bool near;           // refused when it lies too far from where the arm stands
+    bool direct;  // taken as it comes, at the speed limit alone; otherwise within the acceleration limit too
+    bool near;    // refused if it is too far from the current joints
+
     const char* status;  // in the real-time push
 };
 

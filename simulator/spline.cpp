@@ -30,12 +30,12 @@ Spline::Spline(std::vector<double> parameters, std::vector<Point> points)
         const double both = length(k - 1) + length(k);
         speeds_[k] = sum(length(k) / both, chord(k - 1), length(k - 1) / both, chord(k));
     }
-    // The slope of a chord is the mean of those of the parabola at its ends.
+    // The slope of a chord is the mean of the parabola's slopes at its ends.
     speeds_[0] = sum(2, chord(0), -1, speeds_[1]);
     speeds_[last] = sum(2, chord(last - 1), -1, speeds_[last - 1]);
 }
 
-// Hermite's cubic: the value and the speed at both ends of the interval.
+// Hermite's cubic through the values and slopes at both ends of the interval.
 Point Spline::at(double parameter) const {
     const auto above = std::upper_bound(parameters_.begin() + 1, parameters_.end() - 1, parameter);
     const size_t k = above - parameters_.begin() - 1;

@@ -8,11 +8,11 @@
 namespace sim {
 namespace {
 
-// So far the tool may be beside its curve between two solved points.
+// The tolerated distance of the tool from its curve between two solved points.
 constexpr double kMetresBeside = 5e-5;
 constexpr double kRadiansBeside = 5e-4;
 
-constexpr double kPieceLength = 0.01;  // to begin with, as `distance_between` counts
+constexpr double kPieceLength = 0.01;  // initial, by `distance_between`
 constexpr size_t kFewestPieces = 8;
 constexpr size_t kMostPieces = 4000;
 
@@ -30,8 +30,8 @@ size_t pieces_of(const Curve& curve) {
     return std::max(kFewestPieces, static_cast<size_t>(std::ceil(length / kPieceLength)));
 }
 
-// What a parameter's pace may be, so that something stays within its own speed and acceleration. One half of the
-// acceleration is for the ramps, the other for bends.
+// The limits of the parameter's speed and acceleration that keep a quantity within its own. One half of the
+// acceleration is for the ramps, the other for curvature.
 void hold(Path& path, double slope, double bend, double speed, double acc) {
     const auto lower = [](double& limit, double value) { limit = limit > 0 ? std::min(limit, value) : value; };
     if (slope > 0) lower(path.speed, speed / slope);
@@ -102,7 +102,7 @@ void ToolPlanner::set_pace(const std::vector<KDL::Frame>& tools, const std::vect
     constexpr double kThousandth = 1e-3;
     hold(path, way, bend, limits_.line_speed * share_ * kThousandth, limits_.line_acc * kThousandth);
     hold(path, turn, 0, limits_.angular_speed * share_ * kThousandth, limits_.angular_acc * kThousandth);
-    // Too fast a joint is refused, not slowed down.
+    // A path that moves a joint too fast is refused, not slowed down.
     for (size_t j = 0; j < joints.size(); ++j)
         if (joints[j] > 0) path.acc = std::min(path.acc, controller_.arm.limits[j].acc() / 2 / joints[j]);
 }

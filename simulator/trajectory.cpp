@@ -40,9 +40,8 @@ void Trajectory::replan(const JointVector& start) {
     schedule();
 }
 
-// Each leg has ramps of its own, and begins while the one before it still goes down its ramp, where the blend's share
-// of the way down is left. It is the shorter ramp of the two that counts: so the speeds of both together are never
-// above that of the faster one.
+// Each leg has ramps of its own. It starts within the final ramp of the one before, at the blend's share of that ramp,
+// by the shorter of both ramps: so the sum of their speeds never exceeds that of the faster leg.
 void Trajectory::schedule() {
     const Leg* before = nullptr;
     for (Leg& leg : legs_) {
@@ -78,7 +77,8 @@ Path Trajectory::path() const {
     return path;
 }
 
-// The leg that has begun last, and what the one before it still has to go.
+// The leg that started last, and the rest of the one before.
+
 JointVector Trajectory::joints_at(const std::vector<Leg>& legs, double time) {
     auto leg = std::upper_bound(legs.begin() + 1, legs.end(), time, [](double t, const Leg& l) { return t < l.begin; });
     const auto on_leg = [time](const Leg& l) { return l.path->at(std::min(1.0, l.profile.distance(time - l.begin))); };
