@@ -25,6 +25,7 @@ bool read_state(ArmSocket arm, State& state) {
                    Get_Current_Arm_State(arm, state.joint, &state.pose, &arm_err, &sys_err))) {
         return false;
     }
+    ZK_Complete_Pose(&state.pose);  // the query leaves the quaternion as it was
     if (arm_err || sys_err) std::fprintf(stderr, "The arm reports errors: arm %#x, system %#x\n", arm_err, sys_err);
     return arm_err == 0 && sys_err == 0;
 }

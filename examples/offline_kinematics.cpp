@@ -91,12 +91,14 @@ void forward_and_inverse() {
                 solution[3], solution[4], solution[5], status);
     expect(status == 0 && near(solution[1], joints[1], 1e-2f), "Algo_Inverse_Kinematics: the joints again");
 
+    Pose queried{pose.position, {}, pose.euler};  // a controller reports no quaternion
+    ZK_Complete_Pose(&queried);
     InverseKinematicsCall call{};
     call.seed = seed;
-    call.pose = &pose;
+    call.pose = &queried;
     call.flag = 0;
     expect(Algo_Inverse_Kinematics_Wrap(&call) == 0 && near(call.joint[1], joints[1], 1e-2f),
-           "Algo_Inverse_Kinematics_Wrap");
+           "ZK_Complete_Pose, Algo_Inverse_Kinematics_Wrap: by the quaternion");
 
     expect(ZK_Inverse_Kinematics_Checked(seed, &pose, solution, 0) == 0,
            "ZK_Inverse_Kinematics_Checked: it meets the target");

@@ -121,6 +121,13 @@ ZK_API Matrix Algo_Euler2Matrix(Euler euler); /* 3 by 3 */
 ZK_API Quat Algo_Euler2Quaternion(Euler euler);
 ZK_API Euler Algo_Quaternion2Euler(Quat quaternion);
 
+/*
+ * Fills the quaternion of *pose from its Euler angles (radians), as Algo_Euler2Quaternion does. Queries such as
+ * Get_Current_Arm_State fill position and Euler angles alone: complete such a pose before streaming it or solving for
+ * it with flag 0. Returns 0; 19 for null. Any thread.
+ */
+ZK_API int ZK_Complete_Pose(Pose* pose);
+
 /* A pose of the base frame told in the work frame, and back; the matrix is the inverse of the work frame's transform,
  * as libalgo_get_work_cs_to_base_matrix gives it. */
 ZK_API Pose Algo_Base2WorkFrame(Matrix work_T_base, Pose pose);

@@ -1,5 +1,10 @@
 // The public names of the local kinematics.
 #include "zk/algorithm.h"
+
+#include <algorithm>
+#include <cmath>
+#include <initializer_list>
+
 #include "zk/inverse_kinematics.h"
 #include "zk/model.h"
 #include "zk/numeric.h"
@@ -30,6 +35,27 @@ void search(const Search& how) {
 bool is_unit(const Quat& q) {
     const double squared = q.w * q.w + q.x * q.x + q.y * q.y + q.z * q.z;
     return !(squared > 1.01 || squared < 0.99);
+}
+
+bool all_finite(std::initializer_list<float> values) {
+    return std::all_of(values.begin(), values.end(), [](float value) { return std::isfinite(value); });
+}
+
+// Looks at the position and at the orientation that the flag names.
+bool is_finite(const Pose& pose, uint8_t flag) {
+    const auto& [p, q, e] = pose;
+    return all_finite({p.x, p.y, p.z}) &&
+           (flag == 1 ? all_finite({e.rx, e.ry, e.rz}) : all_finite({q.w, q.x, q.y, q.z}));
+}
+
+// The sweep of model 1 leaves its output as it was where it finds no candidate, and then tests that output against the
+// limits. So it gets an output beyond every limit.
+int solve_by_sweep(const float* seed, const Pose* pose, float* joint, uint8_t flag) {
+    float swept[7];
+    std::fill_n(swept, 7, INFINITY);
+    const int result = invoke_inverse_kinematics(seed, pose, swept, flag);
+    if (result == 0) std::copy_n(swept, 7, joint);
+    return result;
 }
 
 }  // namespace
@@ -90,7 +116,10 @@ ZK_API int Algo_Inverse_Kinematics(const float* seed, const Pose* pose, float* j
     if (flag == 0 && !is_unit(pose->quaternion)) return ZK_BAD_ARGUMENT;
     if (zk_algo_judgment_overpos(seed) != 0) return ZK_BAD_ARGUMENT;
     if (defaut_traversal_mode != 0) search(kNarrow);
-    return invoke_inverse_kinematics(seed, pose, joint, flag) == 0 ? ZK_OK : ZK_NO_SOLUTION;
+    if (!is_finite(*pose, flag)) return ZK_NO_SOLUTION;
+    const bool sweeps = libalgo_get_robot_type() == 1 && ikine_get_solution_range_zk75() > 1.0f;
+    const auto solve = sweeps ? solve_by_sweep : invoke_inverse_kinematics;
+    return solve(seed, pose, joint, flag) == 0 ? ZK_OK : ZK_NO_SOLUTION;
 }
 ZK_API int Algo_Inverse_Kinematics_Wrap(InverseKinematicsCall* call) {
     if (!call) return ZK_BAD_ARGUMENT;
@@ -107,6 +136,12 @@ ZK_API Pose Algo_Matrix2Pos(Matrix matrix) { return algo_matrix_to_pose(matrix);
 ZK_API Matrix Algo_Euler2Matrix(Euler euler) { return algo_euler_to_matrix(euler); }
 ZK_API Quat Algo_Euler2Quaternion(Euler euler) { return euler_to_quat(euler); }
 ZK_API Euler Algo_Quaternion2Euler(Quat quaternion) { return quat_to_euler(quaternion); }
+
+ZK_API int ZK_Complete_Pose(Pose* pose) {
+    if (!pose) return ZK_BAD_ARGUMENT;
+    pose->quaternion = euler_to_quat(pose->euler);
+    return ZK_OK;
+}
 
 ZK_API Pose Algo_Base2WorkFrame(Matrix work_T_base, Pose pose) { return algo_base_to_workframe(work_T_base, pose); }
 ZK_API Pose Algo_WorkFrame2Base(Matrix work_T_base, Pose pose) { return algo_workframe_to_base(work_T_base, pose); }

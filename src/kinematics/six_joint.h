@@ -26,10 +26,12 @@ inline float opposite(float theta) { return std::signbit(theta) ? theta + kHalfT
 // The angle with the sine kept and the cosine reversed, as atan2(y, -x) gives it.
 inline float mirrored(float theta) { return std::copysign(kHalfTurn, theta) - theta; }
 
-// Sine and cosine of the angle of a point.
+// Sine and cosine of the angle of a point. NaN where the squares overflow: no arm reaches that far.
 inline SineCosine direction(float y, float x) {
     const float length = std::sqrt(x * x + y * y);
-    return length == 0 ? SineCosine{0, 1} : SineCosine{y / length, x / length};
+    if (length == 0) return {0, 1};
+    if (std::isinf(length)) return {NAN, NAN};
+    return {y / length, x / length};
 }
 
 // What a solver returns.

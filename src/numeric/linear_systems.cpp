@@ -1,8 +1,10 @@
 #include <algorithm>
-#include <array>
+#include <bit>
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <memory>
+#include <new>
 
 #include "numeric/exchange_inverse.h"
 #include "numeric/fixed_matrix.h"
@@ -11,24 +13,30 @@
 namespace zk {
 namespace {
 
-using Columns = std::array<int, kCapacity<Mat>>;
-
-// The determinant of the last n rows of the block of a size, over the n columns named: expansion along the first row.
-float laplace(const Mat& a, int size, const Columns& columns, int n) {
-    const float* row = a.m[size - n];
-    if (n == 1) return row[columns[0]];
-    if (n == 2) {
-        const float* below = a.m[size - 1];
-        return row[columns[0]] * below[columns[1]] - row[columns[1]] * below[columns[0]];
+// Expansion along the rows, bottom up: minors[columns] is the determinant of the last rows over that set of columns, as
+// many rows as columns, bit j for column j. Each minor is computed once, which takes n 2^n steps and not n!.
+float laplace(const Mat& a, int n, float* minors) {
+    const unsigned all = (1u << n) - 1;
+    for (unsigned columns = 1; columns <= all; ++columns) {
+        const int count = std::popcount(columns);
+        const float* row = a.m[n - count];
+        const unsigned first = columns & -columns, others = columns ^ first;
+        if (count == 1) {
+            minors[columns] = row[std::countr_zero(columns)];
+        } else if (count == 2) {
+            minors[columns] =
+                row[std::countr_zero(first)] * minors[others] - row[std::countr_zero(others)] * minors[first];
+        } else {
+            float sum = 0;
+            double sign = 1;
+            for (unsigned rest = columns; rest != 0; rest &= rest - 1, sign = -sign) {
+                const unsigned column = rest & -rest;
+                sum = static_cast<float>(sum + row[std::countr_zero(column)] * sign * minors[columns ^ column]);
+            }
+            minors[columns] = sum;
+        }
     }
-    float sum = 0;
-    for (int j = 0; j < n; ++j) {
-        Columns rest;
-        std::remove_copy(columns.begin(), columns.begin() + n, rest.begin(), columns[j]);
-        const double sign = j % 2 == 0 ? 1 : -1;
-        sum = static_cast<float>(sum + row[columns[j]] * sign * laplace(a, size, rest, n - 1));
-    }
-    return sum;
+    return minors[all];
 }
 
 // Where the largest absolute value of column k stands, from row k down; the first one wins.
@@ -45,10 +53,9 @@ int pivot_row(const Mat& a, int rows, int k) {
 
 ZK_API float directCalculateDetA(Mat A) {
     if (A.rows != A.cols || A.rows < 1) return 0;
-    zk::Columns all;
-    for (int j = 0; j < zk::kCapacity<Mat>; ++j) all[j] = j;
     const int n = zk::used<Mat>(A.rows);
-    return zk::laplace(A, n, all, n);
+    const std::unique_ptr<float[]> minors(new (std::nothrow) float[std::size_t{1} << n]);
+    return minors ? zk::laplace(A, n, minors.get()) : std::numeric_limits<float>::quiet_NaN();
 }
 
 ZK_API float mat_det(Mat A) {

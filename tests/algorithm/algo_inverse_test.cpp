@@ -1,12 +1,14 @@
 // The inverse kinematics in degrees: what is refused before solving, what comes out, and the setting of the search.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
 #include "zk/algorithm.h"
 #include "zk/inverse_kinematics.h"
 #include "zk/model.h"
+#include "zk/numeric.h"
 
 namespace zk::test {
 namespace {
@@ -71,6 +73,67 @@ TEST_F(Inverse, WantsAUnitQuaternionWhereItIsTheOrientation) {
     pose.quaternion.x = NAN;  // no number fails a comparison, so this is left to the solver
     float joint[7];
     EXPECT_EQ(Algo_Inverse_Kinematics(seed_, &pose, joint, 0), kNoSolution);
+}
+
+TEST_F(Inverse, TargetThatIsNotFiniteHasNoSolution) {
+    for (const int model : {0, 1, 7}) {
+        Algo_Init_Sys_Data(model, 0);
+        const Pose reached = Algo_Forward_Kinematics(joints_);
+        for (const int flag : {0, 1}) {
+            for (const float value : {NAN, INFINITY}) {
+                for (int i = 0; i < 6; ++i) {
+                    Pose pose = reached;
+                    float* orientation = flag == 0 ? &pose.quaternion.x : &pose.euler.rx;
+                    (i < 3 ? &pose.position.x : orientation)[i % 3] = value;
+                    const bool refused_norm = flag == 0 && i >= 3 && std::isinf(value);
+                    float joint[7];
+                    EXPECT_EQ(Algo_Inverse_Kinematics(joints_, &pose, joint, flag),
+                              refused_norm ? kBadArgument : kNoSolution)
+                        << "model " << model << " flag " << flag << " field " << i;
+                }
+            }
+            Pose pose = reached;
+            (flag == 0 ? pose.euler.rx : pose.quaternion.x) = NAN;  // not part of the target
+            float joint[7];
+            EXPECT_EQ(Algo_Inverse_Kinematics(joints_, &pose, joint, flag), kSolved);
+        }
+    }
+}
+
+// Without a candidate the sweep leaves its output as it was; zeros there are not an answer.
+TEST_F(Inverse, WideSearchWritesTheJointsOnlyOnSuccess) {
+    Algo_Init_Sys_Data(1, 0);
+    const Pose reached = Algo_Forward_Kinematics(joints_);
+    float limits[7] = {178, 130, 178, 5, 178, 128, 360};  // the elbow cannot bend as far as the target asks
+    Algo_Set_Joint_Max_Limit(limits);
+    for (float& limit : limits) limit = -limit;
+    Algo_Set_Joint_Min_Limit(limits);
+    Algo_Set_Redundant_Parameter_Traversal_Mode(true);
+    const float seed[7] = {};
+    for (const float before : {0.0f, 1.0f}) {
+        float joint[7];
+        std::fill_n(joint, 7, before);
+        EXPECT_EQ(Algo_Inverse_Kinematics(seed, &reached, joint, 1), kNoSolution);
+        EXPECT_EQ(std::count(joint, joint + 7, before), 7);
+    }
+    Algo_Init_Sys_Data(1, 0);
+    float joint[7];
+    EXPECT_EQ(Algo_Inverse_Kinematics(seed_, &reached, joint, 1), kSolved);
+    EXPECT_NEAR(Algo_Forward_Kinematics(joint).position.x, reached.position.x, 1e-5);
+    Algo_Set_Redundant_Parameter_Traversal_Mode(false);
+    defaut_traversal_mode = 1;
+}
+
+TEST(CompletePose, FillsTheQuaternionFromTheEulerAngles) {
+    EXPECT_EQ(ZK_Complete_Pose(nullptr), kBadArgument);
+    const Euler angles[] = {{}, {0.3f, -0.4f, 0.5f}, {3.1f, 1.5707964f, -3.1f}};
+    for (const Euler& e : angles) {
+        Pose pose{{1, 2, 3}, {9, 9, 9, 9}, e};
+        EXPECT_EQ(ZK_Complete_Pose(&pose), kSolved);
+        const Quat expected = euler_to_quat(e);
+        const Pose whole{{1, 2, 3}, expected, e};
+        EXPECT_EQ(std::memcmp(&pose, &whole, sizeof pose), 0);
+    }
 }
 
 TEST_F(Inverse, RefusesASeedOutsideTheLimits) {

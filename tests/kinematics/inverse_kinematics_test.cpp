@@ -133,6 +133,22 @@ TEST(InverseKinematics, TargetOfAPoseIsToldInTheWorld) {
     }
 }
 
+// Squares of such coordinates overflow in single precision.
+TEST(InverseKinematics, FiniteTargetFarAwayIsOutOfReach) {
+    for (const int model : {0, 3, 4, 5, 6, 7, 8}) {
+        ASSERT_EQ(libalgo_set_robot_and_sensor_type(model, 0), 0);
+        for (float far = 10; far < 2e38f; far *= 10) {
+            for (const Position p : {Position{far, 0, 0.3f}, {0, -far, 0.3f}, {far, far, 0.3f}, {0.1f, 0.1f, far}}) {
+                const Pose pose{p, {}, {0.1f, 0.2f, 0.3f}};
+                const Joints seed{};
+                Joints solved;
+                EXPECT_EQ(inverse_kinematics(seed.data(), &pose, solved.data(), 1), -1)
+                    << "model " << model << " at " << p.x << ' ' << p.y << ' ' << p.z;
+            }
+        }
+    }
+}
+
 TEST(OverspeedJudgment, NamesTheFirstJointThatOnePeriodDoesNotAllow) {
     ASSERT_EQ(libalgo_init(), 0);
     libalgo_set_control_loop_period(0.01f);
