@@ -7,8 +7,9 @@
  *     int status = Movej_Cmd(arm, target, 20, 0, 0, true);
  *     Arm_Socket_Close(arm);
  *
- * Every command returns a status, 0 for success; zk/status.h lists them, ZK_Status_Text explains one. Joint angles are
- * degrees, lengths metres, Euler angles of a pose radians. One blocking call per connection at a time.
+ * Every command returns a status, 0 for success; zk/status.h lists them and says what the forms of a command share.
+ * ZK_Status_Text explains a status. Joint angles are degrees, lengths metres, Euler angles of a pose radians. One
+ * blocking call per connection at a time.
  */
 #ifndef ZK_BASE_H
 #define ZK_BASE_H
@@ -59,6 +60,24 @@
 #include "zk/dispatch.h"
 #include "zk/mailboxes.h"
 #include "zk/queue.h"
-#include "zk/second_parsers.h"
+
+/* Replies: the mailboxes that hold them, and the parsers that read them */
+#include "zk/replies/arm_limits.h"
+#include "zk/replies/arm_state.h"
+#include "zk/replies/attached_axes.h"
+#include "zk/replies/drag_teach.h"
+#include "zk/replies/file_transfer.h"
+#include "zk/replies/force_control.h"
+#include "zk/replies/frames.h"
+#include "zk/replies/gripper_and_hand.h"
+#include "zk/replies/io.h"
+#include "zk/replies/joint_configuration.h"
+#include "zk/replies/modbus.h"
+#include "zk/replies/motion.h"
+#include "zk/replies/programs.h"
+#include "zk/replies/safety_geometry.h"
+#include "zk/replies/second_parsers.h"
+#include "zk/replies/system.h"
+#include "zk/replies/trajectory.h"
 
 #endif

@@ -1,10 +1,5 @@
 /*
- * Limits and model of the arm as a whole.
- *
- * The forms: the plain name takes a flag, where there is one, and calls <name>_Block, which waits for the controller's
- * reply, or <name>_NonBlock, which only queues the request and returns 0. Statuses: 0; 1 refused; 5 not an open
- * connection; 7 no reply within m_nOutTime; 8, 9, 11 a reply that is broken or of the wrong type. The plain names add
- * 18 during a file transfer, and 19 for a null pointer where not told otherwise. Application threads.
+ * Limits and model of the arm as a whole. zk/status.h describes the forms and their statuses.
  */
 #ifndef ZK_ARM_LIMITS_H
 #define ZK_ARM_LIMITS_H
@@ -12,88 +7,59 @@
 #include <stdbool.h>
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
 
-typedef struct DhDataReply {
-    int32_t count;
-    int32_t result;
-    float data[5];
-} DhDataReply;
-
-/* --------------------------------------------------------------------------------------------- Cartesian limits -- */
+/* ---------------------------------------------------------------------------------------------- Cartesian limits -- */
 
 /*
  * Set, and ask for, the greatest speed and acceleration of the tool: along a line in metres, of a rotation in radians,
  * per second and per second squared. A reply of another type than boolean gives 8. Set_Arm_Angular_Acc_Block takes a
  * reply that an earlier call left behind; Get_Arm_Angular_Speed tests no pointer.
  */
-ZK_API AckReply Set_Arm_Max_Line_Speed_Cmd[ZK_SLOTS];
 ZK_API int Set_Arm_Line_Speed(ArmSocket socket, float value, bool block);
 ZK_API int Set_Arm_Line_Speed_Block(ArmSocket socket, float value);
 ZK_API int Set_Arm_Line_Speed_NonBlock(ArmSocket socket, float value);
-ZK_API int Parser_Arm_Line_Speed(const char* text);
 
-ZK_API FloatReply Get_Arm_Max_Line_Speed_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Line_Speed(ArmSocket socket, float* value);
 ZK_API int Get_Arm_Line_Speed_Block(ArmSocket socket, float* value);
-ZK_API int Parser_Get_Arm_Line_Speed(const char* text, float* value);
 
-ZK_API AckReply Set_Arm_Max_Line_Acc_Cmd[ZK_SLOTS];
 ZK_API int Set_Arm_Line_Acc(ArmSocket socket, float value, bool block);
 ZK_API int Set_Arm_Line_Acc_Block(ArmSocket socket, float value);
 ZK_API int Set_Arm_Line_Acc_NonBlock(ArmSocket socket, float value);
-ZK_API int Parser_Arm_Line_Acc(const char* text);
 
-ZK_API FloatReply Get_Arm_Max_Line_Acc_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Line_Acc(ArmSocket socket, float* value);
 ZK_API int Get_Arm_Line_Acc_Block(ArmSocket socket, float* value);
-ZK_API int Parser_Get_Arm_Line_Acc(const char* text, float* value);
 
-ZK_API AckReply Set_Arm_Max_Angular_Speed_Cmd[ZK_SLOTS];
 ZK_API int Set_Arm_Angular_Speed(ArmSocket socket, float value, bool block);
 ZK_API int Set_Arm_Angular_Speed_Block(ArmSocket socket, float value);
 ZK_API int Set_Arm_Angular_Speed_NonBlock(ArmSocket socket, float value);
-ZK_API int Parser_Arm_Angular_Speed(const char* text);
 
-ZK_API FloatReply Get_Arm_Max_Angular_Speed_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Angular_Speed(ArmSocket socket, float* value);
 ZK_API int Get_Arm_Angular_Speed_Block(ArmSocket socket, float* value);
-ZK_API int Parser_Get_Arm_Angular_Speed(const char* text, float* value);
 
-ZK_API AckReply Set_Arm_Max_Angular_Acc_Cmd[ZK_SLOTS];
 ZK_API int Set_Arm_Angular_Acc(ArmSocket socket, float value, bool block);
 ZK_API int Set_Arm_Angular_Acc_Block(ArmSocket socket, float value);
 ZK_API int Set_Arm_Angular_Acc_NonBlock(ArmSocket socket, float value);
-ZK_API int Parser_Arm_Angular_Acc(const char* text);
 
-ZK_API FloatReply Get_Arm_Max_Angular_Acc_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Angular_Acc(ArmSocket socket, float* value);
 ZK_API int Get_Arm_Angular_Acc_Block(ArmSocket socket, float* value);
-ZK_API int Parser_Get_Arm_Angular_Acc(const char* text, float* value);
 
-/* ---------------------------------------------------------------------------------------------- Tip, collision -- */
+/* ------------------------------------------------------------------------------------------------ Tip, collision -- */
 
 /* Sets the Cartesian limits back to those the arm starts with. A reply that an earlier call left behind ends the wait.
  */
-ZK_API AckReply Set_Arm_Tip_Init_Cmd[ZK_SLOTS];
 ZK_API int Set_Arm_Tip_Init(ArmSocket socket, bool block);
 ZK_API int Set_Arm_Tip_Init_Block(ArmSocket socket);
 ZK_API int Set_Arm_Tip_Init_NonBlock(ArmSocket socket);
-ZK_API int Parser_Arm_Tip_Init(const char* text);
 
 /* Set, and ask for, how readily a collision is noticed: 0 not at all to 8 at the lightest touch. */
-ZK_API AckReply Set_Collision_Stage_Cmd[ZK_SLOTS];
 ZK_API int Set_Collision_Stage(ArmSocket socket, int32_t stage, bool block);
 ZK_API int Set_Collision_Stage_Block(ArmSocket socket, int32_t stage);
 ZK_API int Set_Collision_Stage_NonBlock(ArmSocket socket, int32_t stage);
-ZK_API int Parser_Set_Collision_Stage(const char* text);
 
-ZK_API IntReply Get_Collision_Stage_Cmd[ZK_SLOTS];
 ZK_API int Get_Collision_Stage(ArmSocket socket, int32_t* stage);
 ZK_API int Get_Collision_Stage_Block(ArmSocket socket, int32_t* stage);
-ZK_API int Parser_Get_Collision_Stage(const char* text, int32_t* stage);
 
-/* -------------------------------------------------------------------------------------------- Model of the arm -- */
+/* ---------------------------------------------------------------------------------------------- Model of the arm -- */
 
 /*
  * Set, and ask for, the controller's five DH lengths, on the wire in tenths; their meaning is the controller's. The
@@ -101,60 +67,44 @@ ZK_API int Parser_Get_Collision_Stage(const char* text, int32_t* stage);
  * every answer. A reply to an earlier setting that timed out ends the wait of the blocking form.
  */
 ZK_API float lwt;
-ZK_API AckReply Set_DH_Data_Cmd[ZK_SLOTS];
 ZK_API int Set_DH_Data(ArmSocket socket, float first, float second, float third, float fourth, float fifth, bool block);
 ZK_API int Set_DH_Data_Block(ArmSocket socket, float first, float second, float third, float fourth, float fifth);
 ZK_API int Set_DH_Data_NonBlock(ArmSocket socket, float first, float second, float third, float fourth, float fifth);
-ZK_API int Parser_Set_DH_Data(const char* text);
 
-ZK_API DhDataReply Get_DH_Data_Cmd[ZK_SLOTS];
 ZK_API int Get_DH_Data(ArmSocket socket, float* first, float* second, float* third, float* fourth, float* fifth);
 ZK_API int Get_DH_Data_Block(ArmSocket socket, float* first, float* second, float* third, float* fourth, float* fifth);
-ZK_API int Parser_Get_DH_Data(const char* text, float* data);
 
 /* Sets the zero offsets of the connection's joints (6 or 7), in degrees. */
-ZK_API AckReply Set_Joint_Zero_OffSet_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Zero_Offset(ArmSocket socket, const float* offset, bool block);
 ZK_API int Set_Joint_Zero_Offset_Block(ArmSocket socket, const float* offset);
 ZK_API int Set_Joint_Zero_Offset_NonBlock(ArmSocket socket, const float* offset);
-ZK_API int Parser_Set_Joint_Zero_Offset(const char* text);
 
 /* Sets the dynamic parameters, two for each of the connection's joints (12 or 14). Parser_Set_Hand reads the
  * acknowledgement of this and of many other commands. */
-ZK_API AckReply Set_ARM_Dynamic_Parm_Cmd[ZK_SLOTS];
 ZK_API int Set_Arm_Dynamic_Parm(ArmSocket socket, const float* parm, bool block);
 ZK_API int Set_Arm_Dynamic_Parm_Block(ArmSocket socket, const float* parm);
 ZK_API int Set_Arm_Dynamic_Parm_NonBlock(ArmSocket socket, const float* parm);
-ZK_API int Parser_Set_Hand(const char* text);
 
 /* Sets the speed of planned motion in percent. */
-ZK_API AckReply Set_Plan_Speed_Cmd[ZK_SLOTS];
 ZK_API int Set_Plan_Speed(ArmSocket socket, int32_t speed, bool block);
 ZK_API int Set_Plan_Speed_Block(ArmSocket socket, int32_t speed);
 ZK_API int Set_Plan_Speed_NonBlock(ArmSocket socket, int32_t speed);
-ZK_API int Parser_Set_Plan_Speed(const char* text);
 
 /* Set, and ask for, the frame that teaching moves in: 0 work frame, 1 tool frame. A reply of another type than boolean
  * gives 8. */
-ZK_API AckReply Set_Teach_Frame_Cmd[ZK_SLOTS];
 ZK_API int Set_Teach_Frame(ArmSocket socket, int32_t type, bool block);
 ZK_API int Set_Teach_Frame_Block(ArmSocket socket, int32_t type);
 ZK_API int Set_Teach_Frame_NonBlock(ArmSocket socket, int32_t type);
-ZK_API int Parser_Set_TEACH_FRAME(const char* text);
 
-ZK_API IntReply Get_Teach_Frame_Cmd[ZK_SLOTS];
 ZK_API int Get_Teach_Frame(ArmSocket socket, int32_t* type);
 ZK_API int Get_Teach_Frame_Block(ArmSocket socket, int32_t* type);
-ZK_API int Parser_Get_Teach_Frame(const char* text, int32_t* type);
 
-/* ------------------------------------------------------------------------------------------------------- Servo -- */
+/* --------------------------------------------------------------------------------------------------------- Servo -- */
 
 /* Switches the servos of the arm on (any non-zero state) or off. */
-ZK_API AckReply Set_Arm_Servo_State_Cmd[ZK_SLOTS];
 ZK_API int Set_Arm_Servo_State(ArmSocket socket, uint8_t state, bool block);
 ZK_API int Set_Arm_Servo_State_Block(ArmSocket socket, uint8_t state);
 ZK_API int Set_Arm_Servo_State_NonBlock(ArmSocket socket, uint8_t state);
-ZK_API int Parser_Arm_Servo_State(const char* text);
 
 /*
  * Sets the servo state of the system. The controller does it, but its reply does not reach the caller: the blocking
@@ -164,6 +114,5 @@ ZK_API int Parser_Arm_Servo_State(const char* text);
 ZK_API int Set_System_State_Servo(ArmSocket socket, uint8_t state, bool block);
 ZK_API int Set_System_State_Servo_Block(ArmSocket socket, uint8_t state);
 ZK_API int Set_System_State_Servo_NonBlock(ArmSocket socket, uint8_t state);
-ZK_API int Parser_Set_System_State_Servo(const char* text);
 
 #endif

@@ -1,11 +1,6 @@
 /*
- * State of the arm as a whole: where it stands, what its joints measure, and the poses the controller keeps for it.
- *
- * The forms: the plain name takes a flag, where there is one, and calls <name>_Block, which waits for the controller's
- * reply, or <name>_NonBlock, which only queues the request and returns 0. Statuses: 0; 1 refused; 5 not an open
- * connection; 7 no reply within m_nOutTime; 9, 10, 11 a reply that is broken, of another size, or of the wrong type.
- * The plain names add 18 during a file transfer and, where not told otherwise, 19 for a null pointer. Joint arrays have
- * room for the connection's joints (6 or 7). Outputs get what the reply told before it failed. Application threads.
+ * State of the arm as a whole: where it stands, what its joints measure, and the poses that the controller keeps for
+ * it. zk/status.h describes the forms and their statuses. Joint arrays have room for the connection's joints (6 or 7).
  */
 #ifndef ZK_ARM_STATE_H
 #define ZK_ARM_STATE_H
@@ -13,16 +8,6 @@
 #include <stdbool.h>
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
-
-typedef struct ArmStateReply {
-    int32_t count;
-    int32_t result;
-    float joint[7];
-    Pose pose;
-    uint16_t arm_err;
-    uint16_t sys_err;
-} ArmStateReply;
 
 /* What the joints measure; entries beyond the connection's joints stay as they were. */
 typedef struct ArmAllState {
@@ -38,18 +23,6 @@ ZK_STATIC_ASSERT(sizeof(ArmAllState) == 108 && offsetof(ArmAllState, en_state) =
                      offsetof(ArmAllState, err_flag) == 92 && offsetof(ArmAllState, sys_err) == 106,
                  "layout of ArmAllState");
 
-typedef struct ArmAllStateReply {
-    int32_t count;
-    int32_t result;
-    ArmAllState state;
-} ArmAllStateReply;
-
-typedef struct InstallPoseReply {
-    int32_t count;
-    int32_t result;
-    float x, y, z;
-} InstallPoseReply;
-
 /*
  * Asks where the arm is. `joint` gets the connection's joints (6 or 7) in degrees, `pose` the tool in the work frame
  * (metres, radians; its quaternion stays as it was), the two words the arm's and the system's error.
@@ -57,66 +30,46 @@ typedef struct InstallPoseReply {
  * Returns 0, 5, 7, 9, 10, 11; the plain name adds 18, and 19 for a null pointer other than `pose`, which is not looked
  * at before it is written. Outputs get what the reply told before it failed. Application threads.
  */
-ZK_API ArmStateReply Arm_Current_State_Cmd[ZK_SLOTS];
 ZK_API int Get_Current_Arm_State(ArmSocket socket, float* joint, Pose* pose, uint16_t* arm_err, uint16_t* sys_err);
 ZK_API int Get_Current_Arm_State_Block(ArmSocket socket, float* joint, Pose* pose, uint16_t* arm_err,
                                        uint16_t* sys_err);
-ZK_API int Parser_Arm_State(ArmSocket socket, const char* text, float* joint, Pose* pose, uint16_t* arm_err,
-                            uint16_t* sys_err);
 
 /* Ask what each joint measures: degrees Celsius, amperes, volts. A reply with fewer values leaves the later ones as the
  * record held them; one with more is of the wrong type. */
-ZK_API JointReply Get_Joint_Temperature_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Temperature(ArmSocket socket, float* out);
 ZK_API int Get_Joint_Temperature_Block(ArmSocket socket, float* out);
-ZK_API int Parser_Joint_Temperature(ArmSocket socket, const char* text, float* out);
 
-ZK_API JointReply Get_Joint_Current_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Current(ArmSocket socket, float* out);
 ZK_API int Get_Joint_Current_Block(ArmSocket socket, float* out);
-ZK_API int Parser_Joint_Current(ArmSocket socket, const char* text, float* out);
 
-ZK_API JointReply Get_Joint_Voltage_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Voltage(ArmSocket socket, float* out);
 ZK_API int Get_Joint_Voltage_Blcok(ArmSocket socket, float* out);
-ZK_API int Parser_Joint_Voltage(ArmSocket socket, const char* text, float* out);
 
 /* Asks for the joint angles in degrees. The parser stores as many as the reply holds, seven at most. */
-ZK_API JointReply Get_Joint_Degree_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Degree(ArmSocket socket, float* out);
 ZK_API int Get_Joint_Degree_Block(ArmSocket socket, float* out);
-ZK_API int Paser_Get_Joint_Degree(const char* text, float* out);
 
 /* Asks for all that the joints measure, and their states. */
-ZK_API ArmAllStateReply Get_Joint_All_State_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_All_State(ArmSocket socket, ArmAllState* state);
 ZK_API int Get_Arm_All_State_Block(ArmSocket socket, ArmAllState* state);
-ZK_API int Parser_Arm_All_State(ArmSocket socket, const char* text, ArmAllState* state);
 
 /* Asks how many trajectories are planned. */
-ZK_API IntReply Get_Arm_Plan_Num_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Plan_Num(ArmSocket socket, int32_t* number);
 ZK_API int Get_Arm_Plan_Num_Block(ArmSocket socket, int32_t* number);
-ZK_API int Parser_Get_Arm_Plan_Num(const char* text, int32_t* number);
 
 /* Set, and ask for, the joint angles in degrees that the controller keeps as the initial pose. */
-ZK_API AckReply Set_Arm_Init_Pose_Cmd[ZK_SLOTS];
 ZK_API int Set_Arm_Init_Pose(ArmSocket socket, const float* joint, bool block);
 ZK_API int Set_Arm_Init_Pose_Block(ArmSocket socket, const float* joint);
 ZK_API int Set_Arm_Init_Pose_NonBlock(ArmSocket socket, const float* joint);
-ZK_API int Parser_Set_Arm_Init_Pose(const char* text);
 
-ZK_API JointReply Get_Arm_Init_Pose_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Init_Pose(ArmSocket socket, float* joint);
 ZK_API int Get_Arm_Init_Pose_Block(ArmSocket socket, float* joint);
-ZK_API int Parser_Get_Arm_Init_Pose(ArmSocket socket, const char* text, float* joint);
 
 /*
  * Sets the mounting angles, in degrees, and puts them into the local model: in the non-blocking form before the request
  * goes out, whatever the controller says to it; in the other after its consent. Not while another thread computes
  * kinematics.
  */
-ZK_API AckReply Set_Install_Pose_Cmd[ZK_SLOTS];
 ZK_API int Set_Install_Pose(ArmSocket socket, bool block, float x, float y, float z);
 ZK_API int Set_Install_Pose_Block(ArmSocket socket, float x, float y, float z);
 ZK_API int Set_Install_Pose_NonBlock(ArmSocket socket, float x, float y, float z);
@@ -126,9 +79,7 @@ ZK_API int Set_Install_Pose_NonBlock(ArmSocket socket, float x, float y, float z
  * the outputs with the model: -1 when they differ, also when the query itself had failed; else 0, 5, 7, 9, 11, 18. None
  * of the pointers may be null. Application threads, not while another thread computes kinematics.
  */
-ZK_API InstallPoseReply Get_Install_Pose_Cmd[ZK_SLOTS];
 ZK_API int Get_Install_Pose(ArmSocket socket, float* x, float* y, float* z);
 ZK_API int Get_Install_Pose_Block(ArmSocket socket, float* x, float* y, float* z);
-ZK_API int Parser_Get_Install_Pose(const char* text, float* x, float* y, float* z);
 
 #endif

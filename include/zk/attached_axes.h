@@ -1,15 +1,10 @@
 /*
  * Devices beside the arm: the lift it stands on, an expansion axis, and a mobile base. Numbers go on the wire as they
- * are given; their units and ranges are the device's.
+ * are given; the device defines their units and ranges. zk/status.h describes the forms and their statuses.
  *
- * The forms: the plain name takes a flag, where there is one, and calls the blocking form, which waits, or the
- * non-blocking one, which only queues the request and returns 0. Statuses: 0; 1 refused; 5 not an open connection; 7 no
- * reply within m_nOutTime; 9, 11 a reply that is broken or of the wrong type. The plain names add 18 during a file
- * transfer, and 19 for a null pointer where not told otherwise. Application threads.
- *
- * Some replies do not reach their caller: the controller does what it is asked, but the blocking form ends in 7 after
- * m_nOutTime (6 when the request could not be written, 20 with 200 replies pending), and its plain name waits 20 ms
- * first in either case. These are marked "unheard" below: use their non-blocking forms, which give 0.
+ * For some commands the reply never reaches the caller. The controller executes them, but the blocking form returns 7
+ * after m_nOutTime (6 when the request could not be written, 20 with 200 replies pending). Their plain names wait 20 ms
+ * first. They are marked "no reply" below: use their non-blocking forms, which return 0.
  */
 #ifndef ZK_ATTACHED_AXES_H
 #define ZK_ATTACHED_AXES_H
@@ -17,35 +12,6 @@
 #include <stdbool.h>
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
-
-typedef struct LiftStateReply {
-    int32_t count;
-    int32_t result;
-    int32_t height;
-    int32_t current;
-    int32_t err_flag;
-    int32_t mode;
-} LiftStateReply;
-
-typedef struct ExpandStateReply {
-    int32_t count;
-    int32_t result;
-    int32_t pos;
-    int32_t current;
-    int32_t err_flag;
-    int32_t mode;
-} ExpandStateReply;
-
-typedef struct ExpandConfigReply {
-    int32_t count;
-    int32_t result;
-    int32_t rpm_max;
-    int32_t rpm_acc;
-    int32_t conversin_coe;
-    int32_t limit_min;
-    int32_t limit_max;
-} ExpandConfigReply;
 
 /* ---------------------------------------------------------------------------------------------------------- Lift -- */
 
@@ -60,10 +26,8 @@ ZK_API int Set_Lift_Height_NonBLock(ArmSocket socket, int32_t height, int32_t sp
 
 /* Asks for the lift's state; `mode` is not 0 while it moves. The plain name gives 19 for a null pointer but the last,
  * and a null `mode` gets nothing. */
-ZK_API LiftStateReply Get_Lift_State_Cmd[ZK_SLOTS];
 ZK_API int Get_Lift_State(ArmSocket socket, int32_t* height, int32_t* current, uint16_t* err_flag, int32_t* mode);
 ZK_API int Get_Lift_State_Block(ArmSocket socket, int32_t* height, int32_t* current, uint16_t* err_flag, int32_t* mode);
-ZK_API int Parser_Get_Lift_Speed(const char* text, int32_t* height, int32_t* current, int32_t* err_flag, int32_t* mode);
 
 /* Runs the lift at a speed. The blocking form is unheard; the plain name always takes the other. */
 ZK_API int Set_Lift_Speed(ArmSocket socket, int32_t speed);
@@ -92,37 +56,26 @@ ZK_API int Expand_Set_Pos_Block(ArmSocket socket, int32_t pos, int32_t speed);
 ZK_API int Expand_Set_Pos_NonBlock(ArmSocket socket, int32_t pos, int32_t speed);
 
 /* Asks for the axis' state. Waits m_nOutTime_max. */
-ZK_API ExpandStateReply Expand_Get_State_Cmd[ZK_SLOTS];
 ZK_API int Expand_Get_State(ArmSocket socket, int32_t* pos, uint16_t* err_flag, int32_t* current, int32_t* mode);
 ZK_API int Expand_Get_State_BLock(ArmSocket socket, int32_t* pos, uint16_t* err_flag, int32_t* current, int32_t* mode);
-ZK_API int Parser_Expand_Get_State(const char* text, int32_t* pos, int32_t* err_flag, int32_t* current, int32_t* mode);
 
 /* Set, and ask for, the version of the axis. They wait m_nOutTime_max. A reply that an earlier setting left behind ends
  * the wait of the next. */
-ZK_API AckReply Expand_Set_Version_Cmd[ZK_SLOTS];
 ZK_API int Expand_Set_Version(ArmSocket socket, int32_t version);
 ZK_API int Expand_Set_Version_BLock(ArmSocket socket, int32_t version);
-ZK_API int Parser_Expand_Set_Version(const char* text);
 
-ZK_API IntReply Expand_Get_Version_Cmd[ZK_SLOTS];
 ZK_API int Expand_Get_Version(ArmSocket socket, int32_t* version);
 ZK_API int Expand_Get_Version_BLock(ArmSocket socket, int32_t* version);
-ZK_API int Parser_Expand_Get_Version(const char* text, int32_t* version);
 
 /* Set the motor's greatest speed and acceleration and the conversion coefficient, and ask for them and the limits of
  * the position. A reply that an earlier setting left behind ends the wait of the next. */
-ZK_API AckReply Expand_Config_Cmd[ZK_SLOTS];
 ZK_API int Expand_Config(ArmSocket socket, int32_t rpm_max, int32_t rpm_acc, int32_t coefficient);
 ZK_API int Expand_Config_Block(ArmSocket socket, int32_t rpm_max, int32_t rpm_acc, int32_t coefficient);
-ZK_API int Parser_Expand_Config(const char* text);
 
-ZK_API ExpandConfigReply Expand_Get_Config_Cmd[ZK_SLOTS];
 ZK_API int Expand_Get_Config(ArmSocket socket, int32_t* rpm_max, int32_t* rpm_acc, int32_t* coefficient,
                              int32_t* limit_min, int32_t* limit_max);
 ZK_API int Expand_Get_Config_Block(ArmSocket socket, int32_t* rpm_max, int32_t* rpm_acc, int32_t* coefficient,
                                    int32_t* limit_min, int32_t* limit_max);
-ZK_API int Parser_Expand_Get_Config(const char* text, int32_t* rpm_max, int32_t* rpm_acc, int32_t* coefficient,
-                                    int32_t* limit_min, int32_t* limit_max);
 
 /* --------------------------------------------------------------------------------------------------- Mobile base -- */
 
@@ -140,7 +93,6 @@ ZK_API int Set_Car_Move_NonBlock(ArmSocket socket, int32_t linear, int32_t angul
 ZK_API int Set_Car_Station(ArmSocket socket, int32_t station, int32_t speed, bool block);
 ZK_API int Set_Car_Station_Block(ArmSocket socket, int32_t station, int32_t speed);
 ZK_API int Set_Car_Station_NonBlock(ArmSocket socket, int32_t station, int32_t speed);
-ZK_API int Parser_Set_Car_Station(const char* text);
 
 ZK_API int Set_Car_Navigation_Speed(ArmSocket socket, int32_t speed, bool block);
 ZK_API int Set_Car_Navigation_Speed_Block(ArmSocket socket, int32_t speed);
@@ -164,7 +116,5 @@ ZK_API int Get_Car_State(ArmSocket socket, int32_t* battery_volume, int32_t* vol
                          int32_t* car_err, int32_t* car_state, int32_t* station_num);
 ZK_API int Get_Car_State_Block(ArmSocket socket, int32_t* battery_volume, int32_t* voltage, int32_t* current,
                                int32_t* car_err, int32_t* car_state, int32_t* station_num);
-ZK_API int Parser_Get_Car_State(const char* text, int32_t* battery_volume, int32_t* voltage, int32_t* current,
-                                int32_t* car_err, int32_t* car_state, int32_t* station_num);
 
 #endif

@@ -1,11 +1,7 @@
 /*
- * Drag teaching: an operator guides the arm by hand while the controller records where it goes. The recording can be
- * replayed, paused, continued and stopped, and the arm brought back to where the recording begins.
- *
- * The forms: the plain name takes a flag, where there is one, and calls <name>_Block, which waits for the controller's
- * reply, or <name>_NonBlock, which only queues the request and returns 0. Statuses of the blocking forms: 0; 1 refused;
- * 5 not an open connection; 7 no reply within m_nOutTime; 9 or 11 a reply that is broken or of the wrong type. The
- * plain names add 18 during a file transfer, and look at nothing else. Application threads.
+ * Drag teaching: an operator guides the arm by hand while the controller records the path. The recording can be
+ * replayed, paused, continued and stopped, and the arm brought back to its start. zk/status.h describes the forms and
+ * their statuses; these commands test no pointer.
  */
 #ifndef ZK_DRAG_TEACH_H
 #define ZK_DRAG_TEACH_H
@@ -13,7 +9,6 @@
 #include <stdbool.h>
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
 
 /* How the arm gives way to the hand; the numbers are the controller's. */
 typedef struct MultiDragTeachParam {
@@ -25,32 +20,22 @@ typedef struct MultiDragTeachParam {
 ZK_STATIC_ASSERT(sizeof(MultiDragTeachParam) == 32 && offsetof(MultiDragTeachParam, frame) == 24,
                  "layout of MultiDragTeachParam");
 
-typedef struct DragOriginReply {
-    int32_t count;
-    int32_t result;
-    int32_t device;
-} DragOriginReply;
-
 /* ----------------------------------------------------------------------------------------------------- Recording -- */
 
 /* Lets the arm be dragged, and records it until Stop_Drag_Teach. */
-ZK_API AckReply Start_Drag_Teach_Cmd[ZK_SLOTS];
 ZK_API int Start_Drag_Teach(ArmSocket socket, bool block);
 ZK_API int Start_Drag_Teach_Block(ArmSocket socket);
 ZK_API int Start_Drag_Teach_NonBlock(ArmSocket socket);
 
 /* Ends the dragging; the recording stays in the controller. */
-ZK_API AckReply Stop_Drag_Teach_Cmd[ZK_SLOTS];
 ZK_API int Stop_Drag_Teach(ArmSocket socket, bool block);
 ZK_API int Stop_Drag_Teach_Block(ArmSocket socket);
 ZK_API int Stop_Drag_Teach_NonBlock(ArmSocket socket);
-ZK_API int Parser_Drag_Teach(const char* text);
 
 /*
  * Let the arm be dragged in one of the controller's modes, or along the axes of a record. Stop_Drag_Teach ends both.
  * singular_wall: as in the record. The second has no non-blocking form.
  */
-ZK_API AckReply Start_Multi_Drag_Teach_Cmd[ZK_SLOTS];
 ZK_API int Start_Multi_Drag_Teach(ArmSocket socket, int32_t mode, int32_t singular_wall, bool block);
 ZK_API int Start_Multi_Drag_Teach_Block(ArmSocket socket, int32_t mode, int32_t singular_wall);
 ZK_API int Start_Multi_Drag_Teach_NonBlock(ArmSocket socket, int32_t mode, int32_t singular_wall);
@@ -59,14 +44,11 @@ ZK_API int Start_Multi_Drag_Teach_New_Block(ArmSocket socket, MultiDragTeachPara
 
 /* Set, and ask for, how readily the arm gives way; the grade is the controller's. The setter waits m_nOutTime_max. The
  * pointer may not be null. */
-ZK_API AckReply Set_Drag_Teach_Sensitivity_Cmd[ZK_SLOTS];
 ZK_API int Set_Drag_Teach_Sensitivity(ArmSocket socket, int32_t grade);
 ZK_API int Set_Drag_Teach_Sensitivity_Block(ArmSocket socket, int32_t grade);
 
-ZK_API IntReply Get_Drag_Teach_Sensitivity_Cmd[ZK_SLOTS];
 ZK_API int Get_Drag_Teach_Sensitivity(ArmSocket socket, int32_t* grade);
 ZK_API int Get_Drag_Teach_Sensitivity_Block(ArmSocket socket, int32_t* grade);
-ZK_API int Parser_Get_Drag_Teach_Sensitivity(const char* text, int32_t* grade);
 
 /* -------------------------------------------------------------------------------------------------------- Replay -- */
 
@@ -78,30 +60,22 @@ ZK_API int Parser_Get_Drag_Teach_Sensitivity(const char* text, int32_t* grade);
  * passed since sending; with 5 when the connection is closed. While the arm replays it waits without limit: stop the
  * replay from another thread to end it.
  */
-ZK_API AckReply Run_Drag_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Run_Drag_Trajectory(ArmSocket socket, bool block);
 ZK_API int Run_Drag_Trajectory_Block(ArmSocket socket);
 ZK_API int Run_Drag_Trajectory_NonBlock(ArmSocket socket);
-ZK_API int Parser_Run_Drag_Trajectory(const char* text);
 
 /* Halt the replay on its path, go on with it, and end it. Any thread, also while another waits for the replay. */
-ZK_API AckReply Pause_Drag_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Pause_Drag_Trajectory(ArmSocket socket, bool block);
 ZK_API int Pause_Drag_Trajectory_Block(ArmSocket socket);
 ZK_API int Pause_Drag_Trajectory_NonBlock(ArmSocket socket);
-ZK_API int Parser_Pause_Drag_Trajectory(const char* text);
 
-ZK_API AckReply Continue_Drag_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Continue_Drag_Trajectory(ArmSocket socket, bool block);
 ZK_API int Continue_Drag_Trajectory_Block(ArmSocket socket);
 ZK_API int Continue_Drag_Trajectory_NonBlock(ArmSocket socket);
-ZK_API int Parser_Continue_Drag_Trajectory(const char* text);
 
-ZK_API AckReply Stop_Drag_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Stop_Drag_Trajectory(ArmSocket socket, bool block);
 ZK_API int Stop_Drag_Trajectory_Block(ArmSocket socket);
 ZK_API int Stop_Drag_Trajectory_NonBlock(ArmSocket socket);
-ZK_API int Parser_Stop_Drag_Trajectory(const char* text);
 
 /*
  * Brings the arm to where the recording begins.
@@ -112,10 +86,8 @@ ZK_API int Parser_Stop_Drag_Trajectory(const char* text);
  * status. The controller's acknowledgement goes to Drag_Trajectory_Origin_Cmd, which nothing here waits for; its parser
  * gives 0, 1, 9 or 11 for "trajectory_state", and on 0 stores the device if the reply tells one.
  */
-ZK_API DragOriginReply Drag_Trajectory_Origin_Cmd[ZK_SLOTS];
 ZK_API int Drag_Trajectory_Origin(ArmSocket socket, bool block);
 ZK_API int Drag_Trajectory_Origin_Block(ArmSocket socket);
 ZK_API int Drag_Trajectory_Origin_NonBlock(ArmSocket socket);
-ZK_API int Parser_Drag_Trajectory_Origin(const char* text, int32_t* device);
 
 #endif

@@ -2,12 +2,11 @@
  * File transfer: projects and software updates to the controller, recorded drag-teach trajectories from it; and the few
  * small commands that came with them.
  *
- * Files share the connection with everything else. While a project is sent, IsSendFile is 1: no queued request goes
- * out, and every call with a guard gives 18 on all connections. Nothing is held during an update: keep quiet until it
- * has ended, or the controller finds your requests in the file. One transfer per connection at a time. All calls block;
- * statuses that they share: 5 not an open connection, 7 no reply in time, 9 or 11 a reply that is broken or of the
- * wrong type. Paths are bytes as the system takes them, with a length that does not count the end mark.
- * Application threads.
+ * Files share the connection with all other requests. While a project is sent, IsSendFile is 1: no queued request is
+ * written, and the plain names return 18 on all connections. An update holds nothing back: send no command until it has
+ * ended, or the controller finds your requests in the file. One transfer per connection at a time. All calls block.
+ * They share the statuses 5 not an open connection, 7 no reply in time, 9 or 11 a broken reply. Paths are bytes as the
+ * system takes them, with a length that does not count the end mark. Application threads.
  */
 #ifndef ZK_FILE_TRANSFER_H
 #define ZK_FILE_TRANSFER_H
@@ -15,7 +14,6 @@
 #include <stdio.h>
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
 
 #define ZK_PATH_SIZE 300
 
@@ -39,8 +37,7 @@ ZK_STATIC_ASSERT(sizeof(ProjectSendParams) == 328 && offsetof(ProjectSendParams,
  * transferring thread, first with 0 bytes, then each time another hundredth has gone out, last with all. */
 typedef void (*ZK_TransferProgress)(int64_t sent, int64_t total, void* user);
 
-/* ------------------------------------------------------------------------------------------- Project to controller --
- */
+/* ----------------------------------------------------------------------------------------- Project to controller -- */
 
 /*
  * Sends a project, a text file with one instruction a line, and waits for what the controller makes of it. The
@@ -67,16 +64,12 @@ ZK_API int ZK_Send_TrajectoryFile_With_Progress(ArmSocket socket, int32_t* err_l
 /* The steps of the above, for those who hold the line themselves. Run_Project_Block announces a project (0; 16 when it
  * is refused; 6 when the announcement could not be written), Send_Project_Block sends its bytes. 19 for a null name,
  * path or data. */
-ZK_API AckReply Run_Project_Cmd[ZK_SLOTS];
-ZK_API IntReply Send_Project_Cmd[ZK_SLOTS]; /* the value is the rejected line */
 ZK_API int Send_TrajectoryFile_Block(ArmSocket socket, int32_t save_id, int32_t only_save, const char* path,
                                      int32_t path_len, int32_t plan_speed, uint8_t auto_start, uint8_t step_flag,
                                      int32_t* err_line, int32_t project_type);
 ZK_API int Run_Project_Block(ArmSocket socket, int32_t save_id, int32_t only_save, const char* name, int32_t name_len,
                              int32_t file_size, int32_t plan_speed, uint8_t auto_start, uint8_t step_flag);
 ZK_API int Send_Project_Block(ArmSocket socket, const char* data, int32_t size, int32_t* err_line);
-ZK_API int Parser_RunProject(const char* text);
-ZK_API int Parser_SendFile(const char* text, int32_t* err_line);
 
 /* The local time as "2024-05-17 10_12_13", in a buffer that the next call overwrites. One thread at a time. */
 ZK_API const char* zk_get_cur_time(void);
@@ -89,8 +82,7 @@ ZK_API void add_lines_to_file(ArmSocket socket, const char* source, const char* 
  * read ends the process with status 1. Any thread. */
 ZK_API int countLinesInFile(const char* path);
 
-/* -------------------------------------------------------------------------------------------- Update to controller --
- */
+/* ------------------------------------------------------------------------------------------ Update to controller -- */
 
 /*
  * Sends a software update, a file of any bytes, and waits for the controller's verdict. The file must be writable too.
@@ -108,13 +100,10 @@ ZK_API int ZK_UpdataSoftWare_With_Progress(ArmSocket socket, const char* path, i
 
 /* The steps of the above: the announcement, told on standard output too, and the bytes. The second takes up to 1023
  * bytes of the path. */
-ZK_API AckReply Run_Update_Software_Project_Cmd[ZK_SLOTS];
 ZK_API int Run_Update_Software_Block_E(ArmSocket socket, const char* name, int32_t name_len, int32_t file_size);
 ZK_API int Send_Update_Software_Block_E(ArmSocket socket, const char* path, int32_t path_len);
-ZK_API int Parser_Run_UpdateSoftware_E(const char* text);
 
-/* -------------------------------------------------------------------------------------- Drag trajectory to a file --
- */
+/* ------------------------------------------------------------------------------------- Drag trajectory to a file -- */
 
 /*
  * Saves the trajectory of the last drag teaching to a local file, one point a line. The file is created or emptied;
@@ -129,16 +118,13 @@ ZK_API int Parser_Run_UpdateSoftware_E(const char* text);
  * Save_Trajectory has the guard and waits 2 ms first. Save_Drag_Teach_File_NonBlock blocks too: it waits m_nOutTime,
  * closes the file when nothing comes by then, and leaves it open when the controller refuses.
  */
-ZK_API FILE* F_SaveDragTeach;                  /* the file of the save in progress, or null */
-ZK_API int32_t drag_teach_count;               /* points written to it */
-ZK_API IntReply Save_Trajectory_Cmd[ZK_SLOTS]; /* the value is the announced total */
+ZK_API FILE* F_SaveDragTeach;    /* the file of the save in progress, or null */
+ZK_API int32_t drag_teach_count; /* points written to it */
 ZK_API int Save_Trajectory(ArmSocket socket, const char* path, int32_t* total);
 ZK_API int Save_Drag_Teach_File_Block_NC_E(ArmSocket socket, const char* path, int32_t* total);
 ZK_API int Save_Drag_Teach_File_NonBlock(ArmSocket socket, const char* path, int32_t* total);
-ZK_API int Parser_Save_Drag_Teach_File_Block_NC_E(const char* text, int32_t* total);
 
-/* --------------------------------------------------------------------------------------------- Popup and progress --
- */
+/* -------------------------------------------------------------------------------------------- Popup and progress -- */
 
 /* Numbers that the application keeps here. Nothing in the library raises the progress of an update or the flag of a
  * save: they read 0; the ..._With_Progress calls tell the progress. Each gives 0, or 19 for a null pointer. Any thread.
@@ -155,12 +141,9 @@ ZK_API int Set_Popup_State_E(int32_t is_popup, int32_t popup_pos);
 
 /* Tells the controller that its popup was answered. Queues the request and returns 0; the reply stays in the mailbox.
  */
-ZK_API AckReply Set_Popup_Cmd[ZK_SLOTS];
 ZK_API int Set_Popup_NonBlock_E(ArmSocket socket);
-ZK_API int Parser_Set_Popup(const char* text);
 
-/* ------------------------------------------------------------------------------------------------- Small commands --
- */
+/* ------------------------------------------------------------------------------------------------ Small commands -- */
 
 /*
  * The next line of a program that runs step by step; versions of the lift and the sale; the version of the tool's
@@ -170,28 +153,19 @@ ZK_API int Parser_Set_Popup(const char* text);
  * Set_Lift_Version_E and Set_Controller_IP_NC_E always end in 7: their replies reach other mailboxes, though the
  * controller does what it is asked. Set_NetIP is the address command that is answered.
  */
-ZK_API AckReply Set_Online_Start_Cmd[ZK_SLOTS];
 ZK_API int Set_Online_Next_E(ArmSocket socket);
 ZK_API int Set_Online_Next_Block_E(ArmSocket socket);
-ZK_API int Parser_Set_Online_Start(const char* text);
 
-ZK_API AckReply Set_Lift_Version_Cmd[ZK_SLOTS];
 ZK_API int Set_Lift_Version_E(ArmSocket socket, int32_t lift_version);
 ZK_API int Set_Lift_Version_Block_E(ArmSocket socket, int32_t lift_version);
-ZK_API int Parser_Set_Lift_Version_E(const char* text); /* 0 also for a type other than boolean */
 
-ZK_API AckReply Set_Sale_Version_Cmd[ZK_SLOTS];
 ZK_API int Set_Sale_Version_E(ArmSocket socket, int32_t sale_version);
 ZK_API int Set_Sale_Version_Block_E(ArmSocket socket, int32_t sale_version);
-ZK_API int Parser_Set_Sale_Version_E(const char* text); /* 0 also for a type other than boolean */
 
-ZK_API IntReply Get_Tool_Hardware_Version_Cmd[ZK_SLOTS];
 ZK_API int Get_Tool_Hardware_Version_E(ArmSocket socket, int32_t* version);
 ZK_API int Get_Tool_Hardware_Version_Block_E(ArmSocket socket, int32_t* version);
 
-ZK_API AckReply Set_Controller_IP_NC_Cmd[ZK_SLOTS];
 ZK_API int Set_Controller_IP_NC_E(ArmSocket socket, const char* ip);
 ZK_API int Set_Controller_IP_Block_NC_E(ArmSocket socket, const char* ip);
-ZK_API int Parser_Set_Net_State_E(const char* text);
 
 #endif

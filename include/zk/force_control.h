@@ -1,12 +1,7 @@
 /*
  * Force control: the six-axis force sensor and the one-axis sensor at the end of the arm, and the mode in which the
- * controller holds a force along a direction.
- *
- * The forms: the plain name takes a flag, where there is one, and calls <name>_Block, which waits for the controller's
- * reply, or <name>_NonBlock, which only queues the request and returns 0. Statuses of the blocking forms: 0; 1 refused;
- * 5 not an open connection; 7 no reply within the limit, m_nOutTime where not told otherwise; 9 or 11 a reply that is
- * broken or of the wrong type. The plain names add 18 during a file transfer. Forces are newtons, moments newton
- * metres. The numbers of sensors, modes and directions are the controller's. Application threads.
+ * controller holds a force along a direction. zk/status.h describes the forms and their statuses. Forces are newtons,
+ * moments newton metres.
  */
 #ifndef ZK_FORCE_CONTROL_H
 #define ZK_FORCE_CONTROL_H
@@ -14,7 +9,6 @@
 #include <stdbool.h>
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
 
 /* A force to be held, for each direction x, y, z, rx, ry, rz. */
 typedef struct ForcePositionNew {
@@ -29,31 +23,12 @@ ZK_STATIC_ASSERT(sizeof(ForcePositionNew) == 80 && offsetof(ForcePositionNew, co
                      offsetof(ForcePositionNew, desired_force) == 32 && offsetof(ForcePositionNew, limit_vel) == 56,
                  "layout of ForcePositionNew");
 
-typedef struct ForceDataReply {
-    int32_t count;
-    int32_t result;
-    float force_data[6];
-    float zero_force_data[6];
-    float work_zero_force_data[6];
-    float tool_zero_force_data[6];
-} ForceDataReply;
-
-typedef struct FzReply {
-    int32_t count;
-    int32_t result;
-    float fz;
-    float zero_fz;
-    float work_zero_fz;
-    float tool_zero_fz;
-} FzReply;
-
 /* ----------------------------------------------------------------------------------------------- Holding a force -- */
 
 /*
  * Holds a force along a direction until Stop_Force_Postion. The plain name takes `force` in newtons and sends ten times
  * that; the forms send the number as it is, which is tenths of a newton.
  */
-ZK_API AckReply Set_Force_Postion_Cmd[ZK_SLOTS];
 ZK_API int Set_Force_Postion(ArmSocket socket, int32_t sensor, int32_t mode, int32_t direction, int32_t force,
                              bool block);
 ZK_API int Set_Force_Postion_Block(ArmSocket socket, int32_t sensor, int32_t mode, int32_t direction, int32_t force);
@@ -65,7 +40,6 @@ ZK_API int Set_Force_Postion_New(ArmSocket socket, ForcePositionNew param);
 ZK_API int Set_Force_Postion_New_Block(ArmSocket socket, ForcePositionNew param);
 
 /* Ends it. The blocking form waits m_nOutTime + 2000 ms. */
-ZK_API AckReply Stop_Force_Postion_Cmd[ZK_SLOTS];
 ZK_API int Stop_Force_Postion(ArmSocket socket, bool block);
 ZK_API int Stop_Force_Postion_Block(ArmSocket socket);
 ZK_API int Stop_Force_Postion_NonBlock(ArmSocket socket);
@@ -78,28 +52,21 @@ ZK_API int Stop_Force_Postion_NonBlock(ArmSocket socket);
  * first out; those arrays get what the last reply held, or zeros. The plain name gives 19 when `force` is null; the
  * other pointers may not be null. Afterwards the mailbox record of the first connection is wiped, whichever asked.
  */
-ZK_API ForceDataReply Get_Force_Data_Cmd[ZK_SLOTS];
 ZK_API int Get_Force_Data(ArmSocket socket, float* force, float* zero_force, float* work_zero_force,
                           float* tool_zero_force);
 ZK_API int Get_Force_Data_Block(ArmSocket socket, float* force, float* zero_force, float* work_zero_force,
                                 float* tool_zero_force);
-ZK_API int Parser_Get_Force_Data(const char* text, float* force, float* zero_force, float* work_zero_force,
-                                 float* tool_zero_force);
 
 /* Takes what the sensor feels now for zero. The plain name waits 20 ms before it asks. */
-ZK_API AckReply Clear_Force_Data_Cmd[ZK_SLOTS];
 ZK_API int Clear_Force_Data(ArmSocket socket, bool block);
 ZK_API int Clear_Force_Data_Block(ArmSocket socket);
 ZK_API int Clear_Force_Data_NonBlock(ArmSocket socket);
-ZK_API int Parser_Clear_Force_Data(const char* text);
 
 /* Calibrates the sensor automatically: the arm moves, so keep clear. The plain name always waits for the end, at most
  * m_nOutTime + 30000 ms. */
-ZK_API AckReply Set_Force_Sensor_Cmd[ZK_SLOTS];
 ZK_API int Set_Force_Sensor(ArmSocket socket);
 ZK_API int Set_Force_Sensor_Block(ArmSocket socket);
 ZK_API int Set_Force_Sensor_NonBlock(ArmSocket socket);
-ZK_API int Parser_Set_Force_Sensor(const char* text);
 
 /*
  * Calibrates the sensor at four poses of the caller's, told one by one with `number` 1 to 4 and six or seven joint
@@ -111,11 +78,9 @@ ZK_API int Manual_Set_Force_Block(ArmSocket socket, int32_t number, const float*
 ZK_API int Manual_Set_Force_NonBlock(ArmSocket socket, int32_t number, const float* joint);
 
 /* Ends a calibration before its time. */
-ZK_API AckReply Stop_Set_Force_Sensor_Cmd[ZK_SLOTS];
 ZK_API int Stop_Set_Force_Sensor(ArmSocket socket, bool block);
 ZK_API int Stop_Set_Force_Sensor_Block(ArmSocket socket);
 ZK_API int Stop_Set_Force_Sensor_NonBlock(ArmSocket socket);
-ZK_API int Parser_Stop_Force_Sensor(const char* text);
 
 /* ----------------------------------------------------------------------------------------------- One-axis sensor -- */
 
@@ -124,20 +89,16 @@ ZK_API int Parser_Stop_Force_Sensor(const char* text);
  * frame and in the tool frame. The controller says with "set_state" false that it can tell; everything else gives 9.
  * The plain name gives 19 when `fz` is null; the other pointers may not be null.
  */
-ZK_API FzReply Get_FZ_Data_Cmd[ZK_SLOTS];
 ZK_API int Get_Fz(ArmSocket socket, float* fz, float* zero_fz, float* work_zero_fz, float* tool_zero_fz);
 ZK_API int Get_Fz_Block(ArmSocket socket, float* fz, float* zero_fz, float* work_zero_fz, float* tool_zero_fz);
-ZK_API int Parser_Get_Fz(const char* text, float* fz, float* zero_fz, float* work_zero_fz, float* tool_zero_fz);
 
 /* Takes what the sensor feels now for zero. */
-ZK_API AckReply Clear_Fz_Cmd[ZK_SLOTS];
 ZK_API int Clear_Fz(ArmSocket socket, bool block);
 ZK_API int Clear_Fz_Block(ArmSocket socket);
 ZK_API int Clear_Fz_NonBlock(ArmSocket socket);
 
 /* Calibrates the sensor automatically: the arm moves, so keep clear. The plain name always waits for the end, at most
  * m_nOutTime + 30000 ms. One reply of a calibration, of either sensor, ends the wait of them all. */
-ZK_API AckReply Auto_Set_Fz_Cmd[ZK_SLOTS];
 ZK_API int Auto_Set_Fz(ArmSocket socket);
 ZK_API int Auto_Set_Fz_Block(ArmSocket socket);
 ZK_API int Auto_Set_Fz_NonBlock(ArmSocket socket);
@@ -149,15 +110,5 @@ ZK_API int Auto_Set_Fz_NonBlock(ArmSocket socket);
  */
 ZK_API int Manual_Set_Fz(ArmSocket socket, const float* pose1, const float* pose2);
 ZK_API int Manual_Set_Fz_Block(ArmSocket socket, const float* pose1, const float* pose2);
-
-/* ------------------------------------------------------------------------------------------- Thresholds of force -- */
-
-/* Mailboxes and parsers of replies about the thresholds of force in drag teaching, for which there is no command. That
- * of the first is Parser_Set_IO_Mode. */
-ZK_API AckReply Set_Force_Drag_Threshold_Cmd[ZK_SLOTS];
-ZK_API AckReply Init_Force_Drag_Threshold_Cmd[ZK_SLOTS];
-ZK_API IntReply Get_Force_Drag_Threshold_Cmd[ZK_SLOTS];
-ZK_API int Parser_init_force_drag_threshold(const char* text);
-ZK_API int Parser_Get_Force_Drag_Threshold(const char* text, int32_t* threshold);
 
 #endif

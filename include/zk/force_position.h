@@ -12,7 +12,6 @@
 #include <stdbool.h>
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
 
 /* A set-point with a force for each direction x, y, z, rx, ry, rz. */
 typedef struct ForcePositionMove {
@@ -40,12 +39,10 @@ ZK_STATIC_ASSERT(sizeof(ForcePositionMove) == 156 && offsetof(ForcePositionMove,
  * type; or <name>_NonBlock, which only queues the request and returns 0. It adds 18 during a file transfer. Application
  * threads.
  */
-ZK_API AckReply Start_Force_Position_Move_Cmd[ZK_SLOTS];
 ZK_API int Start_Force_Position_Move(ArmSocket socket, bool block);
 ZK_API int Start_Force_Position_Move_Block(ArmSocket socket);
 ZK_API int Start_Force_Position_Move_NonBlock(ArmSocket socket);
 
-ZK_API AckReply Stop_Force_Position_Move_Cmd[ZK_SLOTS];
 ZK_API int Stop_Force_Position_Move(ArmSocket socket, bool block);
 ZK_API int Stop_Force_Position_Move_Block(ArmSocket socket);
 ZK_API int Stop_Force_Position_Move_NonBlock(ArmSocket socket);
@@ -81,15 +78,5 @@ ZK_API int Force_Position_Move_Joint_Block(ArmSocket socket, const float* joint,
 /* Write a set-point with forces in all directions. Return the same; there is no blocking form. */
 ZK_API int Force_Position_Move(ArmSocket socket, ForcePositionMove move);
 ZK_API int Force_Position_Move_NonBlock(ArmSocket socket, ForcePositionMove move);
-
-/* --------------------------------------------------------------------------------------------------- The reports -- */
-
-/*
- * Parses a report into the joints, the forces of all directions (of both six, and a seventh on a seven-joint
- * connection, unscaled), the force along the controlled direction (the controller's number divided by 10) and the error
- * word. Returns 0; 9 when the text is not JSON or lacks "state"; 11 when the joints are no array. Any thread.
- */
-ZK_API int Parser_Force_Position_Move(ArmSocket socket, const char* text, float* joint, float* all_direction_force,
-                                      int32_t* force, uint16_t* arm_err);
 
 #endif

@@ -1,14 +1,11 @@
 /*
- * Frames and payload: the tool and work frames that the controller keeps by name, and the load of the arm.
+ * Frames and payload: the tool and work frames that the controller keeps by name, and the load of the arm. zk/status.h
+ * describes the forms and their statuses.
  *
- * Poses are metres and radians; requests take their Euler angles, replies leave their quaternion as it was. Names have
- * at most ten bytes. The forms: the plain name takes a flag, where there is one, and calls <name>_Block, which waits
- * for the controller's reply, or <name>_NonBlock, which only queues the request and returns 0. Statuses: 0; 1 refused;
- * 5 not an open connection; 7 no reply within m_nOutTime; 9, 10, 11 a reply that is broken, of another size, or of the
- * wrong type. The plain names add 18 during a file transfer, and 19 for a null pointer. Keep the word
- * "point" out of names: a reply that holds it is taken for a recorded point, and the question ends in 7. A request too
- * long for its frame of 299 bytes, by its name, ends the process. Application threads; what touches the local model not
- * while another thread computes kinematics.
+ * Poses are metres and radians. Requests send the Euler angles; queries leave the quaternion of a pose as it was.
+ * Names have at most ten bytes. Keep the word "point" out of names:
+ * a reply that contains it is taken for a recorded point, and the query ends in 7. A name that makes the request longer
+ * than its frame of 299 bytes ends the process. Do not change the local model while another thread computes kinematics.
  */
 #ifndef ZK_FRAMES_H
 #define ZK_FRAMES_H
@@ -17,7 +14,6 @@
 
 #include "zk/connection.h"
 #include "zk/frame_record.h"
-#include "zk/mailboxes.h"
 
 #define ZK_FRAME_NAMES 11
 
@@ -26,35 +22,13 @@ typedef struct FrameName {
     char text[12];
 } FrameName;
 
-typedef struct FrameReply {
-    int32_t count;
-    int32_t result;
-    FrameRec frame;
-} FrameReply;
-
-typedef struct FrameNamesReply {
-    int32_t count;
-    int32_t result;
-    int32_t names;
-    FrameName name[ZK_FRAME_NAMES];
-} FrameNamesReply;
-
-typedef struct GivenWorkFrameReply {
-    int32_t count;
-    int32_t result;
-    char frame_name[12];
-    Pose pose;
-} GivenWorkFrameReply;
-
-/* ------------------------------------------------------------------------------------------------- Tool frames -- */
+/* --------------------------------------------------------------------------------------------------- Tool frames -- */
 
 /* Records one of the points that a tool frame is computed from; then Generate_Auto_Tool_Frame computes it. Mind that
  * its non-blocking form sends the centre of gravity a thousand times smaller. */
-ZK_API AckReply Auto_Set_Tool_Frame_Cmd[ZK_SLOTS];
 ZK_API int Auto_Set_Tool_Frame(ArmSocket socket, uint8_t number, bool block);
 ZK_API int Auto_Set_Tool_Frame_Block(ArmSocket socket, uint8_t number);
 ZK_API int Auto_Set_Tool_Frame_NonBlock(ArmSocket socket, uint8_t number);
-ZK_API int Parser_Auto_Set_Tool_Frame(const char* text);
 ZK_API int Generate_Auto_Tool_Frame(ArmSocket socket, const char* name, float payload, float x, float y, float z,
                                     bool block);
 ZK_API int Generate_Auto_Tool_Frame_Block(ArmSocket socket, const char* name, float payload, float x, float y, float z);
@@ -63,41 +37,31 @@ ZK_API int Generate_Auto_Tool_Frame_NonBlock(ArmSocket socket, const char* name,
 
 /* Make a tool frame by its pose, mass in kilograms and centre of gravity in metres; change one that exists. Mind that
  * the non-blocking form sends the mass without the factor 1000, and the centre of gravity a thousand times smaller. */
-ZK_API AckReply Manual_Set_Tool_Frame_Cmd[ZK_SLOTS];
 ZK_API int Manual_Set_Tool_Frame(ArmSocket socket, const char* name, Pose pose, float payload, float x, float y,
                                  float z, bool block);
 ZK_API int Manual_Set_Tool_Frame_Block(ArmSocket socket, const char* name, Pose pose, float payload, float x, float y,
                                        float z);
 ZK_API int Manual_Set_Tool_Frame_NonBlock(ArmSocket socket, const char* name, Pose pose, float payload, float x,
                                           float y, float z);
-ZK_API int Parser_Manual_Set_Tool_Frame(const char* text);
 
-ZK_API AckReply Update_Tool_Frame_Cmd[ZK_SLOTS];
 ZK_API int Update_Tool_Frame(ArmSocket socket, const char* name, Pose pose, float payload, float x, float y, float z);
 ZK_API int Update_Tool_Frame_Block(ArmSocket socket, const char* name, Pose pose, float payload, float x, float y,
                                    float z);
-ZK_API int Parser_Update_State(const char* text);
 
 /* Select a tool frame, or delete one. Then the plain names ask for the frame in use and put it into the local model and
  * g_tool_pose; the question's status is theirs. After the non-blocking form the answer may still be the old frame. */
-ZK_API AckReply Change_Tool_Frame_Cmd[ZK_SLOTS];
 ZK_API int Change_Tool_Frame(ArmSocket socket, const char* name, bool block);
 ZK_API int Change_Tool_Frame_Block(ArmSocket socket, const char* name);
 ZK_API int Change_Tool_Frame_NonBlock(ArmSocket socket, const char* name);
-ZK_API int Parser_Change_Tool_Frame(const char* text);
 
-ZK_API AckReply Delete_Tool_Frame_Cmd[ZK_SLOTS];
 ZK_API int Delete_Tool_Frame(ArmSocket socket, const char* name, bool block);
 ZK_API int Delete_Tool_Frame_Block(ArmSocket socket, const char* name);
 ZK_API int Delete_Tool_Frame_NonBlock(ArmSocket socket, const char* name);
-ZK_API int Parser_Delete_Tool_Frame(const char* text);
 
 /* Set the load: mass on the controller's scale, centre of gravity in metres (sent in thousandths); or none. */
-ZK_API AckReply Set_Payload_Cmd[ZK_SLOTS];
 ZK_API int Set_Payload_Block(ArmSocket socket, int32_t payload, float x, float y, float z);
 ZK_API int Set_Payload_NonBlock(ArmSocket socket, int32_t payload, float x, float y, float z);
 
-ZK_API AckReply Set_None_Payload_Cmd[ZK_SLOTS];
 ZK_API int Set_None_Payload_Block(ArmSocket socket);
 ZK_API int Set_None_Payload_NonBlock(ArmSocket socket);
 
@@ -107,76 +71,55 @@ ZK_API int Set_None_Payload_NonBlock(ArmSocket socket);
  * connection and the commands that change frames put it there. Afterwards the mailbox record of the first connection is
  * wiped, whichever asked, as in all the questions of this family.
  */
-ZK_API FrameReply Current_Tool_Cmd[ZK_SLOTS];
 ZK_API int Get_Current_Tool_Frame(ArmSocket socket, FrameRec* frame);
 ZK_API int Get_Current_Tool_Frame_Block(ArmSocket socket, FrameRec* frame);
-ZK_API int Parser_Get_Current_Tool_Frame(const char* text, FrameRec* frame);
 
 /* Asks for a tool frame by its name; 1 when there is none of that name. */
-ZK_API FrameReply Given_Tool_Cmd[ZK_SLOTS];
 ZK_API int Get_Given_Tool_Frame(ArmSocket socket, const char* name, FrameRec* frame);
 ZK_API int Get_Given_Tool_Frame_Block(ArmSocket socket, const char* name, FrameRec* frame);
-ZK_API int Parser_Get_Given_Tool_Frame(const char* text, FrameRec* frame);
 
 /* Asks for the names of all tool frames, at most ZK_FRAME_NAMES of them; the array has room for that many. The pointer
  * to the count is not tested. */
-ZK_API FrameNamesReply Get_All_Tool_Frame_Cmd[ZK_SLOTS];
 ZK_API int Get_All_Tool_Frame(ArmSocket socket, FrameName* names, int32_t* count);
 ZK_API int Get_All_Tool_Frame_Block(ArmSocket socket, FrameName* names, int32_t* count);
-ZK_API int Parser_Get_All_Tool_Frame(const char* text, FrameName* names, int32_t* count);
 
-/* ------------------------------------------------------------------------------------------------- Work frames -- */
+/* --------------------------------------------------------------------------------------------------- Work frames -- */
 
 /* Records one of the points that a work frame is computed from. */
-ZK_API AckReply Auto_Set_Work_Frame_Cmd[ZK_SLOTS];
 ZK_API int Auto_Set_Work_Frame(ArmSocket socket, const char* name, uint8_t number, bool block);
 ZK_API int Auto_Set_Work_Frame_Block(ArmSocket socket, const char* name, uint8_t number);
 ZK_API int Auto_Set_Work_Frame_NonBlock(ArmSocket socket, const char* name, uint8_t number);
-ZK_API int Parser_Auto_Set_Work_Frame(const char* text);
 
 /* Make a work frame by its pose; change one that exists. */
-ZK_API AckReply Manual_Set_Work_Frame_Cmd[ZK_SLOTS];
 ZK_API int Manual_Set_Work_Frame(ArmSocket socket, const char* name, Pose pose, bool block);
 ZK_API int Manual_Set_Work_Frame_Block(ArmSocket socket, const char* name, Pose pose);
 ZK_API int Manual_Set_Work_Frame_NonBlock(ArmSocket socket, const char* name, Pose pose);
-ZK_API int Parser_Manual_Set_Work_Frame(const char* text);
 
-ZK_API AckReply Update_Work_Frame_Cmd[ZK_SLOTS];
 ZK_API int Update_Work_Frame(ArmSocket socket, const char* name, Pose pose);
 ZK_API int Update_Work_Frame_Block(ArmSocket socket, const char* name, Pose pose);
 
 /* Select a work frame, or delete one. Then the plain names ask for the frame in use and put it into the local model and
  * g_work_pose; the question's status is theirs. */
-ZK_API AckReply Change_Work_Frame_Cmd[ZK_SLOTS];
 ZK_API int Change_Work_Frame(ArmSocket socket, const char* name, bool block);
 ZK_API int Change_Work_Frame_Block(ArmSocket socket, const char* name);
 ZK_API int Change_Work_Frame_NonBlock(ArmSocket socket, const char* name);
-ZK_API int Parser_Change_Work_Frame(const char* text);
 
-ZK_API AckReply Delete_Work_Frame_Cmd[ZK_SLOTS];
 ZK_API int Delete_Work_Frame(ArmSocket socket, const char* name, bool block);
 ZK_API int Delete_Work_Frame_Block(ArmSocket socket, const char* name);
 ZK_API int Delete_Work_Frame_NonBlock(ArmSocket socket, const char* name);
-ZK_API int Parser_Delete_Work_Frame(const char* text);
 
 /* Asks for the work frame in use: name and pose; mass and centre of gravity are what the record held. As with the tool,
  * the plain name refreshes g_work_pose from the local model. */
-ZK_API FrameReply Current_Work_Cmd[ZK_SLOTS];
 ZK_API int Get_Current_Work_Frame(ArmSocket socket, FrameRec* frame);
 ZK_API int Get_Current_Work_Frame_Block(ArmSocket socket, FrameRec* frame);
-ZK_API int Parser_Get_Current_Work_Frame(const char* text, FrameRec* frame);
 
 /* Asks for a work frame by its name, in a buffer of at least ten bytes, which gets the name that the controller answers
  * (not ended when it has ten bytes); 1 when there is none of that name. */
-ZK_API GivenWorkFrameReply Given_Work_Frame_Cmd[ZK_SLOTS];
 ZK_API int Get_Given_Work_Frame(ArmSocket socket, char* name, Pose* pose);
 ZK_API int Get_Given_Work_Frame_Block(ArmSocket socket, char* name, Pose* pose);
-ZK_API int Parser_Get_Given_Work_Frame(const char* text, char* name, Pose* pose);
 
 /* Asks for the names of all work frames, as with the tools. */
-ZK_API FrameNamesReply Get_All_Work_Frame_Cmd[ZK_SLOTS];
 ZK_API int Get_All_Work_Frame(ArmSocket socket, FrameName* names, int32_t* count);
 ZK_API int Get_All_Work_Frame_Blcok(ArmSocket socket, FrameName* names, int32_t* count);
-ZK_API int Parser_Get_All_Work_Frame(const char* text, FrameName* names, int32_t* count);
 
 #endif

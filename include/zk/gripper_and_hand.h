@@ -1,11 +1,7 @@
 /*
  * End effectors: a gripper of two fingers, a dexterous hand of six, and a PWM output. Speeds, forces, angles and
- * positions go on the wire as they are given; their ranges are the device's.
- *
- * The forms: the plain name takes a flag, where there is one, and calls <name>_Block, which waits, or <name>_NonBlock,
- * which only queues the request and returns 0, where not told otherwise. Statuses: 0; 1 refused; 5 not an open
- * connection; 7 no reply within m_nOutTime; 9, 11 a reply that is broken or of the wrong type. The plain names add 18
- * during a file transfer, and 19 for a null pointer where not told otherwise. Application threads.
+ * positions go on the wire as they are given; the device defines their ranges. zk/status.h describes the forms and
+ * their statuses.
  */
 #ifndef ZK_GRIPPER_AND_HAND_H
 #define ZK_GRIPPER_AND_HAND_H
@@ -13,7 +9,6 @@
 #include <stdbool.h>
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
 
 typedef struct GripperState {
     uint8_t enable_state; /* 0 or 1 */
@@ -25,20 +20,12 @@ typedef struct GripperState {
     int32_t actpos; /* opening */
 } GripperState;
 
-typedef struct GripperStateReply {
-    int32_t count;
-    int32_t result;
-    GripperState state;
-} GripperStateReply;
-
 /* ------------------------------------------------------------------------------------------------------- Gripper -- */
 
 /* Sets the range of the opening that is used. Waits m_nOutTime_max. */
-ZK_API AckReply Set_Gripper_Route_Cmd[ZK_SLOTS];
 ZK_API int Set_Gripper_Route(ArmSocket socket, int32_t min, int32_t max, bool block);
 ZK_API int Set_Gripper_Route_Block(ArmSocket socket, int32_t min, int32_t max);
 ZK_API int Set_Gripper_Route_NonBlock(ArmSocket socket, int32_t min, int32_t max);
-ZK_API int Parser_Set_Gripper_Route(const char* text);
 
 /*
  * Move the gripper: open it, close it until it grips with a force, close it and keep the force up, go to an opening.
@@ -49,7 +36,6 @@ ZK_API int Parser_Set_Gripper_Route(const char* text);
  * acknowledgement, though not for the arrival, for up to m_nOutTime_max, and takes one that an earlier call left
  * behind.
  */
-ZK_API AckReply Set_Gripper_Release_Cmd[ZK_SLOTS]; /* of all four */
 ZK_API int Set_Gripper_Release(ArmSocket socket, int32_t speed, bool block, int32_t timeout);
 ZK_API int Set_Gripper_Release_Block(ArmSocket socket, int32_t speed, int32_t timeout);
 ZK_API int Set_Gripper_Release_NonBlock(ArmSocket socket, int32_t speed, int32_t timeout);
@@ -71,10 +57,8 @@ ZK_API int Set_Gripper_Position_NonBlock(ArmSocket socket, int32_t position, int
  * limits on this connection (0 if there was none), not of this one: a broken reply gives 0 as well, with what the
  * record held.
  */
-ZK_API GripperStateReply Get_Gripper_State_Cmd[ZK_SLOTS];
 ZK_API int Get_Gripper_State(ArmSocket socket, GripperState* state);
 ZK_API int Get_Gripper_State_Block(ArmSocket socket, GripperState* state);
-ZK_API int Parser_Get_Gripper_State(const char* text, GripperState* state);
 
 /* ---------------------------------------------------------------------------------------------------------- Hand -- */
 
@@ -85,41 +69,34 @@ ZK_API int Parser_Get_Gripper_State(const char* text, GripperState* state);
  * report, also one that an earlier move left behind, leaves the call waiting for its limit. A non-blocking form waits
  * for the acknowledgement, for up to m_nOutTime.
  */
-ZK_API AckReply Set_Hand_Posture_Cmd[ZK_SLOTS];
 ZK_API int Set_Hand_Posture(ArmSocket socket, int32_t posture, bool block);
 ZK_API int Set_Hand_Posture_Block(ArmSocket socket, int32_t posture);
 ZK_API int Set_Hand_Posture_NonBlock(ArmSocket socket, int32_t posture);
 
-ZK_API AckReply Set_Hand_Seq_Cmd[ZK_SLOTS];
 ZK_API int Set_Hand_Seq(ArmSocket socket, int32_t sequence, bool block);
 ZK_API int Set_Hand_Seq_Block(ArmSocket socket, int32_t sequence);
 ZK_API int Set_Hand_Seq_NonBlock(ArmSocket socket, int32_t sequence);
 
 /* Sends the angles of the six fingers' joints. The blocking form waits for the acknowledgement, not for the arrival. */
-ZK_API AckReply Set_Hand_Angle_Cmd[ZK_SLOTS];
 ZK_API int Set_Hand_Angle(ArmSocket socket, const int32_t* angle, bool block);
 ZK_API int Set_Hand_Angle_Block(ArmSocket socket, const int32_t* angle);
 ZK_API int Set_Hand_Angle_NonBlock(ArmSocket socket, const int32_t* angle);
 
 /* The same for streams of angles, and of positions: the blocking forms wait 100 ms at most, and no form tests the
  * pointer. */
-ZK_API AckReply Set_Hand_Follow_Angle_Cmd[ZK_SLOTS];
 ZK_API int Set_Hand_Follow_Angle(ArmSocket socket, const int32_t* angle, bool block);
 ZK_API int Set_Hand_Follow_Angle_Block(ArmSocket socket, const int32_t* angle);
 ZK_API int Set_Hand_Follow_Angle_NonBlock(ArmSocket socket, const int32_t* angle);
 
-ZK_API AckReply Set_Hand_Follow_Pos_Cmd[ZK_SLOTS];
 ZK_API int Set_Hand_Follow_Pos(ArmSocket socket, const int32_t* position, bool block);
 ZK_API int Set_Hand_Follow_Pos_Block(ArmSocket socket, const int32_t* position);
 ZK_API int Set_Hand_Follow_Pos_NonBlock(ArmSocket socket, const int32_t* position);
 
 /* Set the speed and the force of the fingers. */
-ZK_API AckReply Set_Hand_Speed_Cmd[ZK_SLOTS];
 ZK_API int Set_Hand_Speed(ArmSocket socket, int32_t speed, bool block);
 ZK_API int Set_Hand_Speed_Block(ArmSocket socket, int32_t speed);
 ZK_API int Set_Hand_Speed_NonBlock(ArmSocket socket, int32_t speed);
 
-ZK_API AckReply Set_Hand_Force_Cmd[ZK_SLOTS];
 ZK_API int Set_Hand_Force(ArmSocket socket, int32_t force, bool block);
 ZK_API int Set_Hand_Force_Block(ArmSocket socket, int32_t force);
 ZK_API int Set_Hand_Force_NonBlock(ArmSocket socket, int32_t force);

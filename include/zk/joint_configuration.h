@@ -1,12 +1,9 @@
 /*
- * Joint configuration: limits of the arm and of its drives, enabling and errors, zero points, calibration.
+ * Joint configuration: limits of the arm and of its drives, enabling and errors, zero points, calibration. zk/status.h
+ * describes the forms and their statuses.
  *
- * Joints are counted from 1. The forms: the plain name takes a flag, where there is one, and calls <name>_Block, which
- * waits for the controller's reply, or <name>_NonBlock, which only queues the request. Statuses: 0; 1 refused; 5 not an
- * open connection; 7 no reply within m_nOutTime; 8, 9, 10, 11 a reply that is broken, of another number of joints, or
- * of the wrong type. The plain names add 18 during a file transfer, and 19 for a null pointer where they test it.
- * Arrays have room for the connection's joints (6 or 7). Application threads; what touches the local model not while
- * another thread computes kinematics.
+ * Joints are counted from 1. Arrays have room for the connection's joints (6 or 7). Calls that change the local model
+ * must not run while another thread computes kinematics.
  */
 #ifndef ZK_JOINT_CONFIGURATION_H
 #define ZK_JOINT_CONFIGURATION_H
@@ -14,17 +11,8 @@
 #include <stdbool.h>
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
 
-/* Error words and brake states of the joints. */
-typedef struct JointErrorReply {
-    int32_t count;
-    int32_t result;
-    int32_t err_flag[8];
-    int32_t brake_state[8];
-} JointErrorReply;
-
-/* ----------------------------------------------------------------------------------------------- Setting limits -- */
+/* ------------------------------------------------------------------------------------------------ Setting limits -- */
 
 /*
  * Set one joint's limit: speed in degrees per second, acceleration in degrees per second squared, lowest and highest
@@ -35,31 +23,23 @@ typedef struct JointErrorReply {
  * Mind that the non-blocking forms of speed and acceleration send the number without dividing it by 6: the same value
  * sets a limit six times as high.
  */
-ZK_API AckReply Set_Joint_Max_Speed_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Speed(ArmSocket socket, uint8_t joint, float value, bool block);
 ZK_API int Set_Joint_Speed_Block(ArmSocket socket, uint8_t joint, float value);
 ZK_API int Set_Joint_Speed_NonBlock(ArmSocket socket, uint8_t joint, float value);
-ZK_API int Parser_Joint_Speed(const char* text);
 
-ZK_API AckReply Set_Joint_Max_Acc_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Acc(ArmSocket socket, uint8_t joint, float value, bool block);
 ZK_API int Set_Joint_Acc_Block(ArmSocket socket, uint8_t joint, float value);
 ZK_API int Set_Joint_Acc_NonBlock(ArmSocket socket, uint8_t joint, float value);
-ZK_API int Parser_Joint_Acc(const char* text);
 
-ZK_API AckReply Set_Joint_Min_Pos_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Min_Pos(ArmSocket socket, uint8_t joint, float value, bool block);
 ZK_API int Set_Joint_Min_Pos_Block(ArmSocket socket, uint8_t joint, float value);
 ZK_API int Set_Joint_Min_Pos_NonBlock(ArmSocket socket, uint8_t joint, float value);
-ZK_API int Parser_Joint_Min_Pos(const char* text);
 
-ZK_API AckReply Set_Joint_Max_Pos_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Max_Pos(ArmSocket socket, uint8_t joint, float value, bool block);
 ZK_API int Set_Joint_Max_Pos_Block(ArmSocket socket, uint8_t joint, float value);
 ZK_API int Set_Joint_Max_Pos_NonBlock(ArmSocket socket, uint8_t joint, float value);
-ZK_API int Parser_Joint_Max_Pos(const char* text);
 
-/* ------------------------------------------------------------------------------------------------ Asking limits -- */
+/* ------------------------------------------------------------------------------------------------- Asking limits -- */
 
 /*
  * Ask for the joints' limits, in the units above. On success the plain names also put the limits into the local model,
@@ -67,112 +47,76 @@ ZK_API int Parser_Joint_Max_Pos(const char* text);
  * become six times what is told: the factor of degrees per second in a revolution per minute is applied twice on this
  * way. 19 for a null pointer.
  */
-ZK_API JointReply Joint_Max_Speed_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Speed(ArmSocket socket, float* out);
 ZK_API int Get_Joint_Speed_Block(ArmSocket socket, float* out);
-ZK_API int Parser_Get_Joint_Speed(ArmSocket socket, const char* text, float* out);
 
-ZK_API JointReply Get_Joint_Max_Acc_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Acc(ArmSocket socket, float* out);
 ZK_API int Get_Joint_Acc_Block(ArmSocket socket, float* out);
-ZK_API int Parser_Get_Joint_Acc(ArmSocket socket, const char* text, float* out);
 
-ZK_API JointReply Get_Joint_Min_Pos_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Min_Pos(ArmSocket socket, float* out);
 ZK_API int Get_Joint_Min_Pos_Block(ArmSocket socket, float* out);
-ZK_API int Parser_Get_Min_Pos(ArmSocket socket, const char* text, float* out);
 
-ZK_API JointReply Get_Joint_Max_Pos_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Max_Pos(ArmSocket socket, float* out);
 ZK_API int Get_Joint_Max_Pos_Block(ArmSocket socket, float* out);
-ZK_API int Parser_Get_Max_Pos(ArmSocket socket, const char* text, float* out);
 
-/* ------------------------------------------------------------------------------------------------ Drive limits -- */
+/* -------------------------------------------------------------------------------------------------- Drive limits -- */
 
 /* Set one drive's limit, in the units above; the local model does not know these. Wrong types in replies give 11. */
-ZK_API AckReply Set_Joint_Drive_Max_Speed_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Drive_Speed(ArmSocket socket, uint8_t joint, float value);
 ZK_API int Set_Joint_Drive_Speed_Block(ArmSocket socket, uint8_t joint, float value);
-ZK_API int Parser_Set_Joint_Drive_Max_Speed(const char* text);
 
-ZK_API AckReply Set_Joint_Drive_Max_Acc_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Drive_Acc(ArmSocket socket, uint8_t joint, float value);
 ZK_API int Set_Joint_Drive_Acc_Block(ArmSocket socket, uint8_t joint, float value);
-ZK_API int Parser_Set_Joint_Drive_Max_Acc(const char* text);
 
-ZK_API AckReply Set_Joint_Drive_Min_Pos_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Drive_Min_Pos(ArmSocket socket, uint8_t joint, float value);
 ZK_API int Set_Joint_Drive_Min_Pos_Block(ArmSocket socket, uint8_t joint, float value);
-ZK_API int Parser_Set_Joint_Drive_Min_Pos(const char* text);
 
-ZK_API AckReply Set_Joint_Drive_Max_Pos_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Drive_Max_Pos(ArmSocket socket, uint8_t joint, float value);
 ZK_API int Set_Joint_Drive_Max_Pos_Block(ArmSocket socket, uint8_t joint, float value);
-ZK_API int Parser_Set_Joint_Drive_Max_Pos(const char* text);
 
 /* Ask for the drives' limits, in the units above. The pointer is not tested. */
-ZK_API JointReply Get_Joint_Drive_Max_Speed_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Drive_Speed(ArmSocket socket, float* out);
 ZK_API int Get_Joint_Drive_Speed_Block(ArmSocket socket, float* out);
-ZK_API int Parser_Get_Joint_Drive_Max_Speed(ArmSocket socket, const char* text, float* out);
 
-ZK_API JointReply Get_Joint_Drive_Max_Acc_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Drive_Acc(ArmSocket socket, float* out);
 ZK_API int Get_Joint_Drive_Acc_Block(ArmSocket socket, float* out);
-ZK_API int Parser_Get_Joint_Drive_Max_Acc(ArmSocket socket, const char* text, float* out);
 
-ZK_API JointReply Get_Joint_Drive_Min_Pos_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Drive_Min_Pos(ArmSocket socket, float* out);
 ZK_API int Get_Joint_Drive_Min_Pos_Block(ArmSocket socket, float* out);
-ZK_API int Parser_Get_Joint_Drive_Min_Pos(ArmSocket socket, const char* text, float* out);
 
-ZK_API JointReply Get_Joint_Drive_Max_Pos_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Drive_Max_Pos(ArmSocket socket, float* out);
 ZK_API int Get_Joint_Drive_Max_Pos_Block(ArmSocket socket, float* out);
-ZK_API int Parser_Get_Joint_Drive_Max_Pos(ArmSocket socket, const char* text, float* out);
 
-/* ------------------------------------------------------------------------------------------- States and errors -- */
+/* --------------------------------------------------------------------------------------------- States and errors -- */
 
 /* Enable (1) or disable (0) a joint, and ask which are enabled. */
-ZK_API AckReply Set_Joint_En_State_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_EN_State(ArmSocket socket, uint8_t joint, uint8_t state, bool block);
 ZK_API int Set_Joint_EN_State_Block(ArmSocket socket, uint8_t joint, uint8_t state);
 ZK_API int Set_Joint_EN_State_NonBlock(ArmSocket socket, uint8_t joint, uint8_t state);
-ZK_API int Parser_Joint_EN_State(const char* text);
 
-ZK_API JointIntReply Get_Joint_En_State_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_EN_State(ArmSocket socket, uint8_t* state);
 ZK_API int Get_Joint_EN_State_Block(ArmSocket socket, uint8_t* state);
-ZK_API int Parser_Get_Joint_EN_State(ArmSocket socket, const char* text, int32_t* state);
 
 /* Clear a joint's error; the plain name waits 20 ms first. */
-ZK_API AckReply Set_Joint_Clear_Err_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Err_Clear(ArmSocket socket, uint8_t joint, bool block);
 ZK_API int Set_Joint_Err_Clear_Block(ArmSocket socket, uint8_t joint);
 ZK_API int Set_Joint_Err_Clear_NonBlock(ArmSocket socket, uint8_t joint);
-ZK_API int Parser_Joint_Err_Clear(const char* text);
 
 /* Ask for the joints' error words and brake states; their meaning is the controller's. */
-ZK_API JointErrorReply Get_Joint_Err_Flag_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Err_Flag(ArmSocket socket, uint16_t* err_flag, uint16_t* brake_state);
 ZK_API int Get_Joint_Err_Flag_Block(ArmSocket socket, uint16_t* err_flag, uint16_t* brake_state);
-ZK_API int Parser_Get_Joint_Err_Flag(ArmSocket socket, const char* text, int32_t* err_flag, int32_t* brake_state);
 
 /* Ask for the joints' firmware versions. */
-ZK_API JointIntReply Get_Joint_Software_Version_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Software_Version(ArmSocket socket, int32_t* version);
 ZK_API int Get_Joint_Software_Version_Block(ArmSocket socket, int32_t* version);
-ZK_API int Parser_Get_Joint_Software_Version(ArmSocket socket, const char* text, int32_t* version);
 
-/* ------------------------------------------------------------------------------------- Zero points, calibration -- */
+/* -------------------------------------------------------------------------------------- Zero points, calibration -- */
 
 /* Makes where a joint stands its zero point. The plain name waits 20 ms first, and returns 5 for a socket below 1 and 2
  * before ZK_API_Init. */
-ZK_API AckReply Set_Joint_Zero_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Zero_Pos(ArmSocket socket, uint8_t joint, bool block);
 ZK_API int Set_Joint_Zero_Pos_Block(ArmSocket socket, uint8_t joint);
 ZK_API int Set_Joint_Zero_Pos_NonBlock(ArmSocket socket, uint8_t joint);
-ZK_API int Parser_Joint_Zero_Pos(const char* text);
 
 /*
  * Start and stop the calibration of the joints, and ask for its state. The controller does what it is asked, but its
@@ -186,27 +130,22 @@ ZK_API int Start_Calibrate_NonBlock(ArmSocket socket);
 ZK_API int Stop_Calibrate(ArmSocket socket, bool block);
 ZK_API int Stop_Calibrate_Block(ArmSocket socket);
 ZK_API int Stop_Calibrate_NonBlock(ArmSocket socket);
-ZK_API int Parser_Start_Calibrate(const char* text);
 ZK_API int Get_Calibrate_State(ArmSocket socket, float* state, uint16_t* err, int32_t* value);
 ZK_API int Get_Calibrate_State_Block(ArmSocket socket, float* state, uint16_t* err, int32_t* value);
-ZK_API int Parser_Get_Calibrate_State(ArmSocket socket, const char* text, float* state, uint16_t* err, int32_t* value);
 
-/* ------------------------------------------------------------------------------------------------- Soft limits -- */
+/* --------------------------------------------------------------------------------------------------- Soft limits -- */
 
 /*
  * Brings joints that stand beyond a soft limit back. The blocking form waits for the acknowledgement, then for the
  * report of the motion with no limit, and returns its status; the other waits for the acknowledgement alone.
  */
-ZK_API AckReply Auto_Fix_Joint_Over_Soft_Limit_Cmd[ZK_SLOTS];
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit(ArmSocket socket, bool block);
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit_Block(ArmSocket socket);
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit_NonBlock(ArmSocket socket);
 
 /* Sets the soft limits by a mode of the controller's. The plain names wait 2 ms first. */
-ZK_API AckReply Auto_Set_Joint_Limit_Cmd[ZK_SLOTS];
 ZK_API int Auto_Set_Joint_Limit(ArmSocket socket, uint8_t mode);
 ZK_API int Auto_Set_Joint_Limit_E(ArmSocket socket, uint8_t mode);
 ZK_API int Auto_Set_Joint_Limit_Block_E(ArmSocket socket, uint8_t mode);
-ZK_API int Parser_Set_Joint_Limit(const char* text);
 
 #endif

@@ -1,6 +1,10 @@
 /*
  * Mailboxes. Each kind of reply has a table of one record per connection slot: the receive thread fills the record and
- * raises its count, the waiting command takes it. The tables themselves stand with their commands.
+ * raises its count, the waiting command takes it. zk/replies/ declares the tables and the parsers.
+ *
+ * A parser reads the text of a reply into its outputs and returns a status: 0; 1 refused; 9 not JSON, or a key is
+ * missing; 10 an array of another size; 11 (some: 8) a value of another type. Outputs that it read before the failure
+ * keep their values. Pointers are not tested. Any thread.
  */
 #ifndef ZK_MAILBOXES_H
 #define ZK_MAILBOXES_H

@@ -7,27 +7,6 @@
 #include <stdbool.h>
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
-
-/* The acknowledgement of a move. `move_type`: 1 movej, 2 movel, 3 movec, 0 movej_p, 5 moves. */
-typedef struct MoveAcknowledgement {
-    int32_t count;
-    int32_t result;
-    int32_t move_type;
-} MoveAcknowledgement;
-
-/* The report that a motion has ended. `device` 0 is the arm; others are grippers, hands and attached axes. */
-typedef struct MoveReport {
-    int32_t count;
-    int32_t result; /* 0 arrived, 1 ended before its target */
-    int32_t device;
-    int32_t trajectory_connect; /* -1 when the report does not tell */
-} MoveReport;
-
-ZK_API MoveAcknowledgement Move_Receive_Cmd[ZK_SLOTS];
-ZK_API MoveReport Move_Cmd[ZK_SLOTS];
-ZK_API int Parser_Receive_State(const char* text, int32_t* move_type);
-ZK_API int Parser_Plan_Feedback(const char* text, int32_t* device, int32_t* trajectory_connect);
 
 /*
  * Moves every joint to a target at the same time.

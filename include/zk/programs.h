@@ -1,12 +1,10 @@
 /*
- * Programs and global waypoints: what the controller keeps under ids and names, listed page by page, run, changed and
- * deleted. Projects get there by Send_TrajectoryFile (zk/file_transfer.h).
+ * Programs and global waypoints: the controller keeps them under ids and names, and lists, runs, changes and deletes
+ * them. Send_TrajectoryFile (zk/file_transfer.h) brings projects there. zk/status.h describes the forms and their
+ * statuses.
  *
- * The plain name gives 18 during a file transfer, and 19 for a null pointer, and calls <name>_Block, which waits for
- * the controller's reply. Statuses: 0; 1 refused; 5 not an open connection; 7 no reply within m_nOutTime, where not
- * told otherwise; 9, 10, 11 a reply that is broken, of another size, or of the wrong type. Texts in records are ended,
- * cut to their field on the way in. A request too long for its frame, by its texts, ends the process. Keep the names of
- * other replies out of yours: a reply that quotes "point" is taken for a recorded point. Application threads.
+ * Received texts are cut to their field and ended. A text that makes the request longer than its frame ends the
+ * process. Keep the names of other replies out of yours: a reply that contains "point" is taken for a recorded point.
  */
 #ifndef ZK_PROGRAMS_H
 #define ZK_PROGRAMS_H
@@ -14,13 +12,12 @@
 #include <stdbool.h>
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
 
 #define ZK_PROGRAMS 200
 #define ZK_WAYPOINTS 100
 #define ZK_PROGRAM_LOOPS 100
 
-/* ----------------------------------------------------------------------------------------------------- Programs -- */
+/* ------------------------------------------------------------------------------------------------------ Programs -- */
 
 typedef struct ProgramEntry {
     int32_t id;
@@ -39,13 +36,6 @@ typedef struct ProgramList {
     ProgramEntry list[ZK_PROGRAMS];
 } ProgramList;
 
-typedef struct ProgramListReply {
-    int32_t count;
-    int32_t result;
-    int32_t received; /* programs in the reply */
-    ProgramList programs;
-} ProgramListReply;
-
 /* What runs: 0 nothing, 1 a program; other numbers are the controller's own, such as a pause. Of an idle controller the
  * id, the line, the speed, the mode and the count of loops are -1. */
 typedef struct ProgramRunState {
@@ -60,24 +50,14 @@ typedef struct ProgramRunState {
     int32_t loop_count;
 } ProgramRunState;
 
-typedef struct ProgramRunStateReply {
-    int32_t count;
-    int32_t result;
-    ProgramRunState state;
-} ProgramRunStateReply;
-
 /* Asks for a page of the programs. Gets the page's entries; the rest of the list stays as it was. */
-ZK_API ProgramListReply Get_Program_Trajectory_List_Cmd[ZK_SLOTS];
 ZK_API int Get_Program_Trajectory_List(ArmSocket socket, ProgramList* list);
 ZK_API int Get_Program_Trajectory_List_Block(ArmSocket socket, ProgramList* list);
-ZK_API int Parser_Get_Program_Trajectory_List(const char* text, ProgramList* list);
 
 /* Asks what runs. The status is the run state itself, 0 for an idle controller: a number that equals state->run_state
  * is no failure. Waits up to m_nOutTime + 1 s. */
-ZK_API ProgramRunStateReply Get_Program_Run_State_Cmd[ZK_SLOTS];
 ZK_API int Get_Program_Run_State(ArmSocket socket, ProgramRunState* state);
 ZK_API int Get_Program_Run_State_Block(ArmSocket socket, ProgramRunState* state);
-ZK_API int Parser_Get_Program_Run_State(const char* text, ProgramRunState* state);
 
 /*
  * Runs the program of an id, at a speed in percent. The _NonBlock form waits until the controller has accepted it. The
@@ -85,34 +65,24 @@ ZK_API int Parser_Get_Program_Run_State(const char* text, ProgramRunState* state
  * to m_nOutTime + 1 s (7). A program that has not been seen running after 15 looks, 100 ms apart, counts as ended. A
  * refusal ends it with 1. More than five failed looks end it with their status.
  */
-ZK_API AckReply Set_Program_ID_Start_Cmd[ZK_SLOTS];
-ZK_API IntReply Run_Finish_Cmd[ZK_SLOTS]; /* the value is the id of the program that ended */
 ZK_API int Set_Program_ID_Start(ArmSocket socket, int32_t id, int32_t speed, bool block);
 ZK_API int Set_Program_ID_Start_Block(ArmSocket socket, int32_t id, int32_t speed);
 ZK_API int Set_Program_ID_Start_NonBlock(ArmSocket socket, int32_t id, int32_t speed);
-ZK_API int Parser_Set_Program_ID_Start(const char* text);
-ZK_API int Parser_Program_Run_Finish(const char* text, int32_t* finish_id);
 
-ZK_API AckReply Delete_Program_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Delete_Program_Trajectory(ArmSocket socket, int32_t id);
 ZK_API int Delete_Program_Trajectory_Block(ArmSocket socket, int32_t id);
-ZK_API int Parser_Delete_State(const char* text);
 
 /* Gives the program of an id another speed in percent and another name. */
-ZK_API AckReply Update_Program_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Update_Program_Trajectory(ArmSocket socket, int32_t id, int32_t speed, const char* name);
 ZK_API int Update_Program_Trajectory_Block(ArmSocket socket, int32_t id, int32_t speed, const char* name);
 
 /* The program that runs by itself when the controller starts; 0 for none. */
-ZK_API AckReply Set_Default_Run_Program_Cmd[ZK_SLOTS];
 ZK_API int Set_Default_Run_Program(ArmSocket socket, int32_t id);
 ZK_API int Set_Default_run_program_Block(ArmSocket socket, int32_t id);
-ZK_API IntReply Get_Default_Run_Program_Cmd[ZK_SLOTS];
 ZK_API int Get_Default_Run_Program(ArmSocket socket, int32_t* id);
 ZK_API int Get_Default_run_program_Block(ArmSocket socket, int32_t* id);
-ZK_API int Parser_Get_id(const char* text, int32_t* id);
 
-/* --------------------------------------------------------------------------------------------- Global waypoints -- */
+/* ---------------------------------------------------------------------------------------------- Global waypoints -- */
 
 /* A place with a name. Of the pose the position and the Euler angles go over the wire; received angles and positions
  * are rounded to its thousandths of a degree and of a radian, and millionths of a metre. */
@@ -125,12 +95,6 @@ typedef struct GlobalWaypoint {
     char time[50]; /* of its making, as it was given */
 } GlobalWaypoint;
 
-typedef struct GlobalWaypointReply {
-    int32_t count;
-    int32_t result;
-    GlobalWaypoint waypoint;
-} GlobalWaypointReply;
-
 /* A page of the list, as in ProgramList. */
 typedef struct GlobalWaypointList {
     int32_t page_num;
@@ -139,13 +103,6 @@ typedef struct GlobalWaypointList {
     char vague_search[32];
     GlobalWaypoint list[ZK_WAYPOINTS];
 } GlobalWaypointList;
-
-typedef struct GlobalWaypointListReply {
-    int32_t count;
-    int32_t result;
-    int32_t received; /* waypoints in the reply */
-    GlobalWaypointList waypoints;
-} GlobalWaypointListReply;
 
 ZK_STATIC_ASSERT(sizeof(ProgramEntry) == 44 && offsetof(ProgramList, list) == 44, "layout of ProgramList");
 ZK_STATIC_ASSERT(sizeof(GlobalWaypoint) == 160 && offsetof(GlobalWaypoint, pose) == 44 &&
@@ -156,30 +113,22 @@ ZK_STATIC_ASSERT(sizeof(GlobalWaypoint) == 160 && offsetof(GlobalWaypoint, pose)
 /* Adds a waypoint under a new name, or changes the one of a name. A request of the first may have 516 bytes, of which
  * those from 501 to 504 are spoilt (Add_Queue in zk/queue.h); one of the second 299, which long names and texts
  * exceed. */
-ZK_API AckReply Add_Global_Waypoint_Cmd[ZK_SLOTS];
 ZK_API int Add_Global_Waypoint(ArmSocket socket, GlobalWaypoint waypoint);
 ZK_API int Add_Global_Waypoint_Block(ArmSocket socket, GlobalWaypoint waypoint);
-ZK_API int Parser_Add_State(const char* text);
-ZK_API AckReply Update_Global_Waypoint_Cmd[ZK_SLOTS];
 ZK_API int Update_Global_Waypoint(ArmSocket socket, GlobalWaypoint waypoint);
 ZK_API int Update_Global_Waypoint_Block(ArmSocket socket, GlobalWaypoint waypoint);
 
-ZK_API AckReply Delete_Global_Waypoint_Cmd[ZK_SLOTS];
 ZK_API int Delete_Global_Waypoint(ArmSocket socket, const char* name);
 ZK_API int Delete_Global_Waypoint_Block(ArmSocket socket, const char* name);
 
 /* Asks for the waypoint of a name. Mind that a connection of seven joints takes no pose of six numbers: 10. */
-ZK_API GlobalWaypointReply Given_Global_Waypoint_Cmd[ZK_SLOTS];
 ZK_API int Given_Global_Waypoint(ArmSocket socket, const char* name, GlobalWaypoint* waypoint);
 ZK_API int Given_Global_Waypoint_Block(ArmSocket socket, const char* name, GlobalWaypoint* waypoint);
-ZK_API int Parser_Given_Global_Waypoint(ArmSocket socket, const char* text, GlobalWaypoint* waypoint);
 
 /* Asks for a page of the waypoints, as Get_Program_Trajectory_List does of the programs. Waits up to m_nOutTime + 100
  * s.
  */
-ZK_API GlobalWaypointListReply Get_Global_Waypoint_List_Cmd[ZK_SLOTS];
 ZK_API int Get_Global_Point_List(ArmSocket socket, GlobalWaypointList* list);
 ZK_API int Get_Global_Point_List_Block(ArmSocket socket, GlobalWaypointList* list);
-ZK_API int Parser_Get_Global_Waypoints_List(ArmSocket socket, const char* text, GlobalWaypointList* list);
 
 #endif

@@ -1,22 +1,18 @@
 /*
- * Safety geometry: electronic fences, virtual walls, the envelope of a tool, and the check of the arm against itself.
+ * Safety geometry: electronic fences, virtual walls, the envelope of a tool, and the self-collision check. zk/status.h
+ * describes the forms and their statuses.
  *
- * The controller keeps and evaluates all of it, and gives the codes of sides and regions their meaning; the library
- * carries the settings. Lengths are metres here and whole millimetres on the wire: what is sent is truncated toward
- * zero.
+ * The controller keeps and evaluates the settings, and defines the codes of sides and regions; the library only carries
+ * them. Lengths are metres here and whole millimetres on the wire: what is sent is truncated toward zero.
  *
- * The forms: the plain name calls <name>_Block, which waits for the controller's reply. Statuses: 0; 1 refused; 5 not
- * an open connection; 7 no reply within m_nOutTime; 9, 11 a reply that is broken or of the wrong type. The plain names
- * add 18 during a file transfer. No form tests its pointers: an output without a place is dropped, a name that is null
- * goes out as an empty one. Keep the word "point" out of names: a reply that holds it is taken for a recorded point,
- * and the call ends in 7. A request too long for its frame of 299 bytes, by its name, ends the process. Application
- * threads.
+ * No form tests its pointers: an output with a null pointer is dropped, a null name is sent as an empty one. Keep the
+ * word "point" out of names: a reply that contains it is taken for a recorded point, and the call ends in 7. A name
+ * that makes the request longer than its frame of 299 bytes ends the process.
  */
 #ifndef ZK_SAFETY_GEOMETRY_H
 #define ZK_SAFETY_GEOMETRY_H
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
 
 #define ZK_FENCES 11 /* as many as a list delivers */
 #define ZK_ENVELOPE_SPHERES 5
@@ -54,40 +50,6 @@ typedef struct ToolEnvelope {
 
 ZK_STATIC_ASSERT(sizeof(ToolEnvelope) == 156 && offsetof(ToolEnvelope, count) == 152, "layout of ToolEnvelope");
 
-typedef struct FenceEnableReply {
-    int32_t count;
-    int32_t result;
-    int32_t enable;
-    int32_t in_out_side;
-    int32_t effective_region;
-} FenceEnableReply;
-
-typedef struct FenceConfigReply {
-    int32_t count;
-    int32_t result;
-    FenceConfig fence;
-} FenceConfigReply;
-
-typedef struct FenceNamesReply {
-    int32_t count;
-    int32_t result;
-    int32_t names;
-    FenceName name[ZK_FENCES];
-} FenceNamesReply;
-
-typedef struct FenceListReply {
-    int32_t count;
-    int32_t result;
-    int32_t fences;
-    FenceConfig fence[ZK_FENCES];
-} FenceListReply;
-
-typedef struct ToolEnvelopeReply {
-    int32_t count;
-    int32_t result;
-    ToolEnvelope envelope;
-} ToolEnvelopeReply;
-
 /*
  * The parsers below give the statuses told with each, 9 for a text that is no JSON or lacks a key, and 11 for a value
  * of the wrong type; those of acknowledgements 0 for true and 1 for false. What was read before a failure stays. Any
@@ -97,122 +59,86 @@ typedef struct ToolEnvelopeReply {
  * connection, whichever asked.
  */
 
-/* ------------------------------------------------------------------------------------ The electronic fence in use --
- */
+/* ----------------------------------------------------------------------------------- The electronic fence in use -- */
 
 /* Switch the electronic fence on (any non-zero number) or off, with the codes of the side that is allowed and of the
  * region that it holds for; and ask for them. */
-ZK_API AckReply Set_Electronic_Fence_Enable_Cmd[ZK_SLOTS];
 ZK_API int Set_Electronic_Fence_Enable(ArmSocket socket, uint8_t enable, int32_t in_out_side, int32_t effective_region);
 ZK_API int Set_Electronic_Fence_Enable_Block(ArmSocket socket, uint8_t enable, int32_t in_out_side,
                                              int32_t effective_region);
-ZK_API int Parser_Set_Electronic_Fence_Enable(const char* text);
 
-ZK_API FenceEnableReply Get_Electronic_Fence_Enable_Cmd[ZK_SLOTS];
 ZK_API int Get_Electronic_Fence_Enable(ArmSocket socket, uint8_t* enable, int32_t* in_out_side,
                                        int32_t* effective_region);
 ZK_API int Get_Electronic_Fence_Enable_Block(ArmSocket socket, uint8_t* enable, int32_t* in_out_side,
                                              int32_t* effective_region);
-ZK_API int Parser_Get_Electronic_Fence_Enable(const char* text, int32_t* enable, int32_t* in_out_side,
-                                              int32_t* effective_region);
 
 /* Set the fence in use; its name is not sent, and of another form than 1 to 3 the form alone. */
-ZK_API AckReply Set_Electronic_Fence_Config_Cmd[ZK_SLOTS];
 ZK_API int Set_Electronic_Fence_Config(ArmSocket socket, FenceConfig fence);
 ZK_API int Set_Electronic_Fence_Config_Block(ArmSocket socket, FenceConfig fence);
-ZK_API int Parser_Set_Electronic_Fence_Config(const char* text);
 
 /* Ask for the fence in use. Of a cuboid all lengths are told; of another form the form alone, all else being zero: ask
  * with Given_Electronic_Fence_Config or the list for the lengths of a plane or a sphere that has a name. */
-ZK_API FenceConfigReply Get_Electronic_Fence_Config_Cmd[ZK_SLOTS];
 ZK_API int Get_Electronic_Fence_Config(ArmSocket socket, FenceConfig* fence);
 ZK_API int Get_Electronic_Fence_Config_Block(ArmSocket socket, FenceConfig* fence);
-ZK_API int Parser_Get_Electronic_Fence_Config(const char* text, FenceConfig* fence);
 
-/* ---------------------------------------------------------------------------------------------- Fences with names --
- */
+/* --------------------------------------------------------------------------------------------- Fences with names -- */
 
 /* Add a fence to those that the controller keeps by name, change one, delete one. */
-ZK_API AckReply Add_Electronic_Fence_Config_Cmd[ZK_SLOTS];
 ZK_API int Add_Electronic_Fence_Config(ArmSocket socket, FenceConfig fence);
 ZK_API int Add_Electronic_Fence_Config_Block(ArmSocket socket, FenceConfig fence);
-ZK_API int Parser_Add_Electronic_Fence_Config(const char* text);
 
-ZK_API AckReply Update_Electronic_Fence_Config_Cmd[ZK_SLOTS];
 ZK_API int Update_Electronic_Fence_Config(ArmSocket socket, FenceConfig fence);
 ZK_API int Update_Electronic_Fence_Config_Block(ArmSocket socket, FenceConfig fence);
-ZK_API int Parser_Update_Electronic_Fence_Config(const char* text);
 
-ZK_API AckReply Delete_Electronic_Fence_Config_Cmd[ZK_SLOTS];
 ZK_API int Delete_Electronic_Fence_Config(ArmSocket socket, const char* name);
 ZK_API int Delete_Electronic_Fence_Config_Block(ArmSocket socket, const char* name);
-ZK_API int Parser_delete_Electronic_Fence_Config(const char* text);
 
 /* Asks for a fence by its name: 1 when there is none. Its lengths are told whatever its form. The parser gives 11 for a
  * "given_state" other than false. */
-ZK_API FenceConfigReply Given_Electronic_Fence_Config_Cmd[ZK_SLOTS];
 ZK_API int Given_Electronic_Fence_Config(ArmSocket socket, const char* name, FenceConfig* fence);
 ZK_API int Given_Electronic_Fence_Config_Block(ArmSocket socket, const char* name, FenceConfig* fence);
-ZK_API int Parser_Given_Electronic_Fence_Config(const char* text, FenceConfig* fence);
 
 /* Ask for the names, or for all, of the fences kept: arrays of ZK_FENCES take every one. Only entries received are
  * written. A name "NULL" ends the list of names. */
-ZK_API FenceNamesReply Get_Electronic_Fence_List_Name_Cmd[ZK_SLOTS];
 ZK_API int Get_Electronic_Fence_List_Names(ArmSocket socket, FenceName* names, int32_t* count);
 ZK_API int Get_Electronic_Fence_List_Names_Block(ArmSocket socket, FenceName* names, int32_t* count);
-ZK_API int Parser_Get_Electronic_Fence_List_Names(const char* text, FenceName* names, int32_t* count);
 
-ZK_API FenceListReply Get_Electronic_Fence_List_Info_Cmd[ZK_SLOTS];
 ZK_API int Get_Electronic_Fence_List_Info(ArmSocket socket, FenceConfig* fences, int32_t* count);
 ZK_API int Get_Electronic_Fence_List_Info_Block(ArmSocket socket, FenceConfig* fences, int32_t* count);
-ZK_API int Parser_Get_Electronic_Fence_List_Info(const char* text, FenceConfig* fences, int32_t* count);
 
-/* -------------------------------------------------------------------------------------------------- Virtual walls --
- */
+/* ------------------------------------------------------------------------------------------------- Virtual walls -- */
 
 /* Switch the virtual wall as the fence is switched, and ask for it. */
-ZK_API AckReply Set_Virtual_Wall_Enable_Cmd[ZK_SLOTS];
 ZK_API int Set_Virtual_Wall_Enable(ArmSocket socket, uint8_t enable, int32_t in_out_side, int32_t effective_region);
 ZK_API int Set_Virtual_Wall_Enable_Block(ArmSocket socket, uint8_t enable, int32_t in_out_side,
                                          int32_t effective_region);
 
-ZK_API FenceEnableReply Get_Virtual_Wall_Enable_Cmd[ZK_SLOTS];
 ZK_API int Get_Virtual_Wall_Enable(ArmSocket socket, uint8_t* enable, int32_t* in_out_side, int32_t* effective_region);
 ZK_API int Get_Virtual_Wall_Enable_Block(ArmSocket socket, uint8_t* enable, int32_t* in_out_side,
                                          int32_t* effective_region);
 
 /* Set the wall, a cuboid or a sphere: of any other form, a plane included, the form alone is sent. Asked for, a cuboid
  * is told whole, of another form the form alone, all else being zero. */
-ZK_API AckReply Set_Virtual_Wall_Config_Cmd[ZK_SLOTS];
 ZK_API int Set_Virtual_Wall_Config(ArmSocket socket, FenceConfig wall);
 ZK_API int Set_Virtual_Wall_Config_Block(ArmSocket socket, FenceConfig wall);
-ZK_API int Parser_Set_Config(const char* text);
 
-ZK_API FenceConfigReply Get_Virtual_Wall_Config_Cmd[ZK_SLOTS];
 ZK_API int Get_Virtual_Wall_Config(ArmSocket socket, FenceConfig* wall);
 ZK_API int Get_Virtual_Wall_Config_Block(ArmSocket socket, FenceConfig* wall);
 
-/* ----------------------------------------------------------------------------------------- The arm against itself --
- */
+/* ---------------------------------------------------------------------------------------- The arm against itself -- */
 
 /* Switch the check for collisions of the arm with itself on (any non-zero number) or off, and ask whether it is on (1)
  * or off (0). */
-ZK_API AckReply Set_Self_Collision_Enable_Cmd[ZK_SLOTS];
 ZK_API int Set_Self_Collision_Enable(ArmSocket socket, uint8_t enable);
 ZK_API int Set_Self_Collision_Enable_Block(ArmSocket socket, uint8_t enable);
-ZK_API int Parser_Set_Self_Collision_Enable(const char* text);
 
-ZK_API IntReply Get_Self_Collision_Enable_Cmd[ZK_SLOTS];
 ZK_API int Get_Self_Collision_Enable(ArmSocket socket, uint8_t* enable);
 ZK_API int Get_Self_Collision_Enable_Block(ArmSocket socket, uint8_t* enable);
-ZK_API int Parser_Get_Self_Collision_Enable(const char* text, int32_t* enable);
 
-/* ----------------------------------------------------------------------------------------- The envelope of a tool --
- */
+/* ---------------------------------------------------------------------------------------- The envelope of a tool -- */
 
 /* Sets the envelope of a tool: 19, and nothing is sent, for more than five spheres. The frame has 499 bytes, which five
  * spheres fill when their names have more than a few letters; a request that is longer ends the process. */
-ZK_API AckReply Set_Tool_Envelope_Cmd[ZK_SLOTS];
 ZK_API int Set_Tool_Envelope(ArmSocket socket, ToolEnvelope envelope);
 ZK_API int Set_Tool_Envelope_Block(ArmSocket socket, ToolEnvelope envelope);
 
@@ -221,9 +147,7 @@ ZK_API int Set_Tool_Envelope_Block(ArmSocket socket, ToolEnvelope envelope);
  * that connection a refused or broken reply gives 0 as well, so see whether `tool_name` is the one asked for. The
  * parser gives 1 when "get_state" is false, and 11 for a sphere that lacks a key.
  */
-ZK_API ToolEnvelopeReply Get_Tool_Envelope_Cmd[ZK_SLOTS];
 ZK_API int Get_Tool_Envelope(ArmSocket socket, const char* name, ToolEnvelope* envelope);
 ZK_API int Get_Tool_Envelope_Block(ArmSocket socket, const char* name, ToolEnvelope* envelope);
-ZK_API int Parser_Get_Tool_Envelope(const char* text, ToolEnvelope* envelope);
 
 #endif

@@ -1,5 +1,23 @@
 /*
- * Status codes. Every command returns one of these, 0 for success. One list feeds the names, the numbers and the texts.
+ * Status codes, and what the commands share.
+ *
+ * A command has up to three forms:
+ *   <name>           refuses to run during a file transfer (18) or with a null pointer (19), then calls one of the
+ *                    others: by its flag `block`, or the blocking form where it has no flag
+ *   <name>_Block     queues the request, waits for the controller's reply and returns its status
+ *   <name>_NonBlock  queues the request and returns 0; the reply stays in its mailbox
+ * The other two forms test neither the file transfer nor pointers.
+ *
+ * The statuses of a blocking form are 0; 1 the controller refused; 5 the socket is not an open connection, or it was
+ * closed during the wait; 7 no reply within m_nOutTime; 8 to 11 a reply that is broken: no JSON, a key missing, an
+ * array of another size, a value of another type. After 7 the controller may still do what it was asked: its reply was
+ * late or lost, not the request. A query writes its outputs even if the reply was broken: what the parser read before
+ * it failed.
+ *
+ * The headers of the families say only what differs. All these calls belong on application threads, not in callbacks,
+ * and one blocking call at a time runs on a connection.
+ *
+ * One list feeds the names, the numbers and the texts of the statuses.
  */
 #ifndef ZK_STATUS_H
 #define ZK_STATUS_H

@@ -32,10 +32,4 @@ ZK_API int Movej_Follow_NonBlock(ArmSocket socket, const float* joint);
 ZK_API int Movep_Follow(ArmSocket socket, Pose pose);
 ZK_API int Movep_Follow_NonBlock(ArmSocket socket, Pose pose);
 
-/*
- * Parses a report of streamed joint or pose set-points into the pose, the joints (six, and a seventh on a seven-joint
- * connection) and the error word, all unscaled. Returns the error word, or 9 when the text is not JSON or lacks it.
- */
-ZK_API int Parser_Movej_CANFD(ArmSocket socket, const char* text, Pose* pose, float* joint, uint16_t* arm_err);
-
 #endif

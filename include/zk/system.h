@@ -1,11 +1,6 @@
 /*
  * System and network: power, errors, versions, counters, the controller's state, and its network interfaces.
- *
- * The forms: the plain name takes a flag, where there is one, and calls <name>_Block, which waits for the controller's
- * reply, or <name>_NonBlock, which only queues the request and returns 0. Statuses: 0; 1 refused; 5 not an open
- * connection; 7 no reply within m_nOutTime; 9, 11 a reply that is broken or of the wrong type. The plain names add 18
- * during a file transfer, and 19 for a null pointer. A text of a reply that does not fit its buffer ends the process.
- * Application threads.
+ * zk/status.h describes the forms and their statuses. A text of a reply that does not fit its buffer ends the process.
  */
 #ifndef ZK_SYSTEM_H
 #define ZK_SYSTEM_H
@@ -13,7 +8,6 @@
 #include <stdbool.h>
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
 
 /* What runs on the arm. All texts are ended. */
 typedef struct ArmSoftwareInfo {
@@ -26,13 +20,6 @@ typedef struct ArmSoftwareInfo {
     char plan_version[10];
 } ArmSoftwareInfo;
 
-typedef struct ArmSoftwareInfoReply {
-    int32_t count;
-    int32_t result;
-    ArmSoftwareInfo info;
-    uint8_t reserved[1];
-} ArmSoftwareInfoReply;
-
 /* The controller's wireless network. All texts are ended. */
 typedef struct WifiNet {
     int32_t channel;
@@ -44,101 +31,26 @@ typedef struct WifiNet {
     char ssid[33];
 } WifiNet;
 
-typedef struct WifiNetReply {
-    int32_t count;
-    int32_t result;
-    WifiNet net;
-} WifiNetReply;
-
-typedef struct WiredNetReply {
-    int32_t count;
-    int32_t result;
-    char ip[16];
-    char mask[16];
-    char mac[18];
-    char reserved[2];
-} WiredNetReply;
-
-typedef struct HighEthernetReply {
-    int32_t count;
-    int32_t result;
-    char ip[16];
-    char mask[16];
-    char gateway[16];
-    char mac[18];
-    char reserved[2];
-} HighEthernetReply;
-
-typedef struct ControllerStateReply {
-    int32_t count;
-    int32_t result;
-    float voltage;
-    float current;
-    float temperature;
-    int32_t err_flag;
-} ControllerStateReply;
-
-typedef struct SoftwareVersionReply {
-    int32_t count;
-    int32_t result;
-    char plan[12];
-    char ctrl[12];
-    char kernel1[12];
-    char kernel2[12];
-    char product[20];
-} SoftwareVersionReply;
-
-typedef struct SystemRuntimeReply {
-    int32_t count;
-    int32_t result;
-    int32_t day, hour, min, sec;
-    int32_t told; /* 0 when the controller could not tell */
-} SystemRuntimeReply;
-
-typedef struct JointOdomReply {
-    int32_t count;
-    int32_t result;
-    float value[8];
-    int32_t told; /* 0 when the controller could not tell */
-} JointOdomReply;
-
-typedef struct Rs485Reply {
-    int32_t count;
-    int32_t result;
-    int32_t mode;
-    int32_t baudrate;
-    int32_t timeout;
-} Rs485Reply;
-
-/* --------------------------------------------------------------------------------------------- Power and errors -- */
+/* ---------------------------------------------------------------------------------------------- Power and errors -- */
 
 /* Switch the arm on (any non-zero number) or off, and ask which it is. */
-ZK_API AckReply Set_Arm_Power_Cmd[ZK_SLOTS];
 ZK_API int Set_Arm_Power(ArmSocket socket, uint8_t on, bool block);
 ZK_API int Set_Arm_Power_Block(ArmSocket socket, uint8_t on);
 ZK_API int Set_Arm_Power_NonBlock(ArmSocket socket, uint8_t on);
-ZK_API int Parser_Set_Arm_Power(const char* text);
 
-ZK_API IntReply Get_Arm_Power_State_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Power_State(ArmSocket socket, int32_t* on);
 ZK_API int Get_Arm_Power_State_Block(ArmSocket socket, int32_t* on);
-ZK_API int Parser_Get_Arm_Power_State(const char* text, int32_t* on);
 
 /* Clears the system error. */
-ZK_API AckReply Clear_System_Err_Cmd[ZK_SLOTS];
 ZK_API int Clear_System_Err(ArmSocket socket, bool block);
 ZK_API int Clear_System_Err_Block(ArmSocket socket);
 ZK_API int Clear_System_Err_NonBlock(ArmSocket socket);
-ZK_API int Parser_Clear_System_Err(const char* text);
 
 /* Asks for the controller's supply in volts and amperes, its temperature in degrees Celsius, and its error word. */
-ZK_API ControllerStateReply Get_Controller_State_Cmd[ZK_SLOTS];
 ZK_API int Get_Controller_State(ArmSocket socket, float* voltage, float* current, float* temperature,
                                 uint16_t* err_flag);
 ZK_API int Get_Controller_State_Block(ArmSocket socket, float* voltage, float* current, float* temperature,
                                       uint16_t* err_flag);
-ZK_API int Parser_Controller_State(const char* text, float* voltage, float* current, float* temperature,
-                                   int32_t* err_flag);
 
 /* ------------------------------------------------------------------------------------------------------ Versions -- */
 
@@ -146,33 +58,25 @@ ZK_API int Parser_Controller_State(const char* text, float* voltage, float* curr
  * text is delivered. The plain name waits 20 ms first. */
 ZK_API int Get_Arm_Hardware_Version(ArmSocket socket, char* version);
 ZK_API int Get_Arm_Hardware_Version_Block(ArmSocket socket, char* version);
-ZK_API int Parser_Get_Arm_Hardware_Version(const char* text, char* version);
 
 /* Asks for the versions of what runs on the controller, as hexadecimal digits: buffers of 12 bytes, and 20 for the
  * product, which may be null. */
-ZK_API SoftwareVersionReply Get_Arm_Software_Version_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Software_Version(ArmSocket socket, char* plan, char* ctrl, char* kernel1, char* kernel2,
                                     char* product);
 ZK_API int Get_Arm_Software_Version_Block(ArmSocket socket, char* plan, char* ctrl, char* kernel1, char* kernel2,
                                           char* product);
-ZK_API int Parser_Get_Arm_Software_Version(const char* text, char* plan, char* ctrl, char* kernel1, char* kernel2,
-                                           char* product);
 
 /*
  * Asks what arm it is and what runs on it. A text of the reply that does not fit its field ends the process. Afterwards
  * the mailbox record of the first connection is wiped, whichever asked, and the status read after that: on the first
  * connection a broken reply gives 0 as well, with what the record held.
  */
-ZK_API ArmSoftwareInfoReply Get_Arm_Software_Info_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Software_Info(ArmSocket socket, ArmSoftwareInfo* info);
 ZK_API int Get_Arm_Software_Info_Block(ArmSocket socket, ArmSoftwareInfo* info);
-ZK_API int Parser_Get_Arm_Software_Info(const char* text, ArmSoftwareInfo* info);
 
 /* Asks for the firmware version of the tool interface. */
-ZK_API IntReply Get_Tool_SoftWare_Version_Cmd[ZK_SLOTS];
 ZK_API int Get_Tool_Software_Version(ArmSocket socket, int32_t* version);
 ZK_API int Get_Tool_Software_Version_Block(ArmSocket socket, int32_t* version);
-ZK_API int Parser_Get_Tool_Software_Version(const char* text, int32_t* version);
 
 /* --------------------------------------------------------------------------------------------- Logs and counters -- */
 
@@ -184,26 +88,20 @@ ZK_API int Get_Log_File_NonBlock(ArmSocket socket);
 
 /* Asks how long the system has run. While the controller cannot tell, the result is 0 and the outputs stay as they
  * were. */
-ZK_API SystemRuntimeReply Get_System_Runtime_Cmd[ZK_SLOTS];
 ZK_API int Get_System_Runtime(ArmSocket socket, int32_t* day, int32_t* hour, int32_t* min, int32_t* sec);
 ZK_API int Get_System_Runtime_Block(ArmSocket socket, int32_t* day, int32_t* hour, int32_t* min, int32_t* sec);
-ZK_API int Parser_Get_System_Runtime(const char* text, int32_t* day, int32_t* hour, int32_t* min, int32_t* sec);
 
 /* Sets that counter back. */
-ZK_API AckReply Clear_System_Runtime_Cmd[ZK_SLOTS];
 ZK_API int Clear_System_Runtime(ArmSocket socket, bool block);
 ZK_API int Clear_System_Runtime_Block(ArmSocket socket);
 ZK_API int Clear_System_Runtime_NonBlock(ArmSocket socket);
 
 /* Asks for the odometers of the connection's joints, in degrees; as with the run time while the controller cannot tell.
  */
-ZK_API JointOdomReply Get_Joint_Odom_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Odom(ArmSocket socket, float* odom);
 ZK_API int Get_Joint_Odom_Block(ArmSocket socket, float* odom);
-ZK_API int Parser_Get_Joint_Odom(const char* text, float* odom);
 
 /* Sets the odometers back. */
-ZK_API AckReply Clear_Joint_Odom_Cmd[ZK_SLOTS];
 ZK_API int Clear_Joint_Odom(ArmSocket socket, bool block);
 ZK_API int Clear_Joint_Odom_Block(ArmSocket socket);
 ZK_API int Clear_Joint_Odom_NonBlock(ArmSocket socket);
@@ -211,81 +109,56 @@ ZK_API int Clear_Joint_Odom_NonBlock(ArmSocket socket);
 /* ------------------------------------------------------------------------------------------------------- Network -- */
 
 /* Switches the fast Ethernet interface (0 off, 1 on). The plain name waits a second after the blocking form. */
-ZK_API AckReply Set_High_Speed_Eth_Cmd[ZK_SLOTS];
 ZK_API int Set_High_Speed_Eth(ArmSocket socket, uint8_t mode, bool block);
 ZK_API int Set_High_Speed_Eth_Block(ArmSocket socket, uint8_t mode);
 ZK_API int Set_High_Speed_Eth_NonBlock(ArmSocket socket, uint8_t mode);
-ZK_API int Parser_Set_High_Speed_Eth(const char* text);
 
 /* Set, and ask for, the addresses of the fast Ethernet interface, as dotted text. Buffers of 16 bytes, and 18 for the
  * MAC. */
-ZK_API AckReply Set_High_Ethernet_Cmd[ZK_SLOTS];
 ZK_API int Set_High_Ethernet(ArmSocket socket, const char* ip, const char* mask, const char* gateway);
 ZK_API int Set_High_Ethernet_Block(ArmSocket socket, const char* ip, const char* mask, const char* gateway);
-ZK_API int Parser_Set_High_Ethernet(const char* text);
 
-ZK_API HighEthernetReply Get_High_Ethernet_Cmd[ZK_SLOTS];
 ZK_API int Get_High_Ethernet(ArmSocket socket, char* ip, char* mask, char* gateway, char* mac);
 ZK_API int Get_High_Ethernet_Block(ArmSocket socket, char* ip, char* mask, char* gateway, char* mac);
-ZK_API int Parser_Get_High_Ethernet(const char* text, char* ip, char* mask, char* gateway, char* mac);
 
 /* Ask for the addresses of the wired and of the wireless network. Buffers of 16 bytes, and 18 for the MAC. Afterwards
  * the mailbox record of the first connection is wiped, whichever asked. */
-ZK_API WiredNetReply Get_Wired_Net_Cmd[ZK_SLOTS];
 ZK_API int Get_Wired_Net(ArmSocket socket, char* ip, char* mask, char* mac);
 ZK_API int Get_Wired_Net_Block(ArmSocket socket, char* ip, char* mask, char* mac);
-ZK_API int Parser_Get_Wired_Net(const char* text, char* ip, char* mask, char* mac);
 
-ZK_API WifiNetReply Get_Wifi_Net_Cmd[ZK_SLOTS];
 ZK_API int Get_Wifi_Net(ArmSocket socket, WifiNet* net);
 ZK_API int Get_Wifi_Net_Block(ArmSocket socket, WifiNet* net);
-ZK_API int Parser_Get_Wifi_Net(const char* text, WifiNet* net);
 
 /* Sets the controller's address; sets the whole network back to its defaults. The connection may be lost by either. */
-ZK_API AckReply Set_NetIP_Cmd[ZK_SLOTS];
 ZK_API int Set_NetIP(ArmSocket socket, const char* ip);
 ZK_API int Set_NetIP_Block(ArmSocket socket, const char* ip);
-ZK_API int Parser_Set_NetIP(const char* text);
 
-ZK_API AckReply Set_Net_Default_Cmd[ZK_SLOTS];
 ZK_API int Set_Net_Default(ArmSocket socket);
 ZK_API int Set_Net_Default_Block(ArmSocket socket);
-ZK_API int Parser_Set_Net_Default_Cmd(const char* text);
 
 /* The latter under another name, waiting where no reply is put: it ends in 7. Use Set_Net_Default. */
-ZK_API AckReply Set_Controller_ResetIP_NC_Cmd[ZK_SLOTS];
 ZK_API int Set_Controller_ResetIP_NC_E(ArmSocket socket);
 ZK_API int Set_Controller_ResetIP_Block_NC_E(ArmSocket socket);
 
 /* Has the controller save what it knows of all devices. */
-ZK_API AckReply Save_Device_Info_All_Cmd[ZK_SLOTS];
 ZK_API int Save_Device_Info_All(ArmSocket socket);
 ZK_API int Save_Device_Info_All_Block(ArmSocket socket);
-ZK_API int Parser_Save_Device_Info_All(const char* text);
 
 /* Ask for the mode of the RS485 port of the controller, and of the tool: mode, baud rate, and Modbus timeout in tenths
  * of a second. */
-ZK_API Rs485Reply Get_Controller_RS485_Cmd[ZK_SLOTS];
 ZK_API int Get_Controller_RS485_Mode(ArmSocket socket, int32_t* mode, int32_t* baudrate, int32_t* timeout);
 ZK_API int Get_Controller_RS485_Mode_Block(ArmSocket socket, int32_t* mode, int32_t* baudrate, int32_t* timeout);
-ZK_API int Parser_Get_Controller_RS485_Mode(const char* text, int32_t* mode, int32_t* baudrate, int32_t* timeout);
 
-ZK_API Rs485Reply Get_Tool_RS485_Cmd[ZK_SLOTS];
 ZK_API int Get_Tool_RS485_Mode(ArmSocket socket, int32_t* mode, int32_t* baudrate, int32_t* timeout);
 ZK_API int Get_Tool_RS485_Mode_Block(ArmSocket socket, int32_t* mode, int32_t* baudrate, int32_t* timeout);
-ZK_API int Parser_Get_Tool_RS485_Mode(const char* text, int32_t* mode, int32_t* baudrate, int32_t* timeout);
 
 /* Set, and ask for, the mode the arm runs in: 0 simulated, 1 real. The plain names wait 2 ms first. Setting: only false
  * counts as a refusal, and a reply without "mode" gives 8. Asking: 9 without it, 8 when it is no number. */
-ZK_API AckReply Set_Arm_Run_Mode_NC_Cmd[ZK_SLOTS];
 ZK_API int Set_Arm_Run_Mode(ArmSocket socket, int32_t mode);
 ZK_API int Set_Arm_Run_Mode_Block_NC_E(ArmSocket socket, int32_t mode);
-ZK_API int Parser_Set_Arm_Run_Mode_NC_E(const char* text);
 
-ZK_API IntReply Get_Arm_Run_Mode_NC_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Run_Mode(ArmSocket socket, int32_t* mode);
 ZK_API int Get_Arm_Run_Mode_Block_NC_E(ArmSocket socket, int32_t* mode);
-ZK_API int Parser_Get_Arm_Run_Mode_NC_E(const char* text, int32_t* mode);
 
 /*
  * Configure the wireless network as access point and as client, the baud rates of the USB and RS485 ports, and switch

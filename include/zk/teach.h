@@ -1,9 +1,9 @@
 /*
- * Teaching and stepping: jogging a joint or an axis of the tool until told to stop, or by a fixed amount.
+ * Teaching and stepping: jogs a joint or an axis of the tool until a stop, or moves it by a fixed amount. zk/status.h
+ * describes the forms and their statuses. Teach_Stop_Cmd may be called from any thread.
  *
  * direction: non-zero for the positive one. v: speed in percent, 1 to 100. type: 0 the x axis, 1 the y axis, any other
- * number the z axis. The plain names take a flag and call <name>_Block or <name>_NonBlock; they add 18 during a file
- * transfer. Application threads; stopping may come from any.
+ * number the z axis.
  */
 #ifndef ZK_TEACH_H
 #define ZK_TEACH_H
@@ -11,7 +11,6 @@
 #include <stdbool.h>
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
 
 /* ------------------------------------------------------------------------------------------------------ Teaching -- */
 
@@ -19,30 +18,22 @@
  * Jog one joint (counted from 1), the position along an axis, or the orientation about an axis, until Teach_Stop_Cmd.
  * The blocking forms wait for the acknowledgement, not for the motion: 0, 1 refused, 5, 7, 9, 11; the others return 0.
  */
-ZK_API AckReply Joint_Teach_Cmd_Cmd[ZK_SLOTS];
 ZK_API int Joint_Teach_Cmd(ArmSocket socket, uint8_t joint, uint8_t direction, uint8_t v, bool block);
 ZK_API int Joint_Teach_Cmd_Block(ArmSocket socket, uint8_t joint, uint8_t direction, uint8_t v);
 ZK_API int Joint_Teach_Cmd_NonBlock(ArmSocket socket, uint8_t joint, uint8_t direction, uint8_t v);
-ZK_API int Parser_Joint_Teach(const char* text);
 
-ZK_API AckReply Pos_Teach_Cmd_Cmd[ZK_SLOTS];
 ZK_API int Pos_Teach_Cmd(ArmSocket socket, int32_t type, uint8_t direction, uint8_t v, bool block);
 ZK_API int Pos_Teach_Cmd_Block(ArmSocket socket, int32_t type, uint8_t direction, uint8_t v);
 ZK_API int Pos_Teach_Cmd_NonBlock(ArmSocket socket, int32_t type, uint8_t direction, uint8_t v);
-ZK_API int Parser_Pos_Teach(const char* text);
 
-ZK_API AckReply Ort_Teach_Cmd_Cmd[ZK_SLOTS];
 ZK_API int Ort_Teach_Cmd(ArmSocket socket, int32_t type, uint8_t direction, uint8_t v, bool block);
 ZK_API int Ort_Teach_Cmd_Block(ArmSocket socket, int32_t type, uint8_t direction, uint8_t v);
 ZK_API int Ort_Teach_Cmd_NonBlock(ArmSocket socket, int32_t type, uint8_t direction, uint8_t v);
-ZK_API int Parser_Ort_Teach(const char* text);
 
 /* Ends the jogging. */
-ZK_API AckReply Teach_Stop_Cmd_Cmd[ZK_SLOTS];
 ZK_API int Teach_Stop_Cmd(ArmSocket socket, bool block);
 ZK_API int Teach_Stop_Cmd_Blcok(ArmSocket socket);
 ZK_API int Teach_Stop_Cmd_NonBlcok(ArmSocket socket);
-ZK_API int Parser_Teach_Stop(const char* text);
 
 /* ------------------------------------------------------------------------------------------------------ Stepping -- */
 

@@ -1,10 +1,6 @@
 /*
  * Trajectory control: commands that act on the motion in progress and on the controller's queue of trajectories.
- *
- * The forms of a command: the plain name takes a flag and calls <name>_Block, which waits for the controller's
- * acknowledgement, or <name>_NonBlock, which only queues the request and returns 0. Statuses of the blocking forms: 0;
- * 1 refused; 5 not an open connection; 7 no reply within m_nOutTime; 9 or 11 a reply that is broken or of the wrong
- * type. The plain names add 18 during a file transfer, and 19 for a null pointer.
+ * zk/status.h describes the forms and their statuses.
  *
  * The stop and pause commands may be called from any thread, also while another thread waits in a blocking move.
  */
@@ -12,61 +8,41 @@
 #define ZK_TRAJECTORY_H
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
 
-typedef struct TrajectoryReply {
-    int32_t count;
-    int32_t result;
-    int32_t type;
-    float data[7];
-} TrajectoryReply;
-
-/* --------------------------------------------------------------------------------------- Stop, pause, continue -- */
+/* ----------------------------------------------------------------------------------------- Stop, pause, continue -- */
 
 /* Stops the motion at once, with the greatest deceleration the arm allows. The interrupted move ends in 1. */
-ZK_API AckReply Set_Arm_Stop_Cmd[ZK_SLOTS];
 ZK_API int Move_Stop_Cmd(ArmSocket socket, bool block);
 ZK_API int Move_Stop_Cmd_Block(ArmSocket socket);
 ZK_API int Move_Stop_Cmd_NonBlock(ArmSocket socket);
-ZK_API int Parser_Move_Stop(const char* text);
 
 /* Stops the motion gently. The interrupted move ends in 1. A reply left over from an earlier gentle stop that timed out
  * ends the wait at once. */
-ZK_API AckReply Set_Arm_Slow_Stop_Cmd[ZK_SLOTS];
 ZK_API int Move_Slow_Stop_Cmd(ArmSocket socket, bool block);
 ZK_API int Move_Slow_Stop_Cmd_Block(ArmSocket socket);
 ZK_API int Move_Slow_Stop_Cmd_NonBlock(ArmSocket socket);
-ZK_API int Parser_Move_Slow_Stop(const char* text);
 
 /* Holds the motion on its path; a move in progress goes on waiting until Move_Continue_Cmd resumes it. */
-ZK_API AckReply Set_Arm_Pause_Cmd[ZK_SLOTS];
 ZK_API int Move_Pause_Cmd(ArmSocket socket, bool block);
 ZK_API int Move_Pause_Cmd_Block(ArmSocket socket);
 ZK_API int Move_Pause_Cmd_NonBlock(ArmSocket socket);
-ZK_API int Parser_Move_Pause(const char* text);
 
 /* Resumes a motion that was paused. */
-ZK_API AckReply Set_Arm_Continue_Cmd[ZK_SLOTS];
 ZK_API int Move_Continue_Cmd(ArmSocket socket, bool block);
 ZK_API int Move_Continue_Cmd_Block(ArmSocket socket);
 ZK_API int Move_Continue_Cmd_NonBlock(ArmSocket socket);
-ZK_API int Parser_Move_Continue(const char* text);
 
-/* --------------------------------------------------------------------------------------- Queue of trajectories -- */
+/* ----------------------------------------------------------------------------------------- Queue of trajectories -- */
 
 /* Ends the trajectory in progress. */
-ZK_API AckReply Clear_Current_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Clear_Current_Trajectory(ArmSocket socket, bool block);
 ZK_API int Clear_Current_Trajectory_Block(ArmSocket socket);
 ZK_API int Clear_Current_Trajectory_NonBlock(ArmSocket socket);
-ZK_API int Parser_Clear_Current_Trajectory(const char* text);
 
 /* Ends the trajectory in progress and drops the queued ones. */
-ZK_API AckReply Clear_All_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Clear_All_Trajectory(ArmSocket socket, bool block);
 ZK_API int Clear_All_Trajectory_Block(ArmSocket socket);
 ZK_API int Clear_All_Trajectory_NonBlock(ArmSocket socket);
-ZK_API int Parser_Clear_All_Trajectory(const char* text);
 
 /*
  * Asks what the arm is doing. `type` gets 0 none, 1 joint move, 2 line, 3 circle, 4 replay, 5 spline, 6 blend. `data`
@@ -74,12 +50,10 @@ ZK_API int Parser_Clear_All_Trajectory(const char* text);
  * rx, ry, rz in radians for types 2, 3 and 5. Returns 0, 5, 7, 9, 11, 18, 19; 11 also for a type of another name. Waits
  * 20 ms before it asks.
  */
-ZK_API TrajectoryReply Get_Arm_Current_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Get_Current_Trajectory(ArmSocket socket, int32_t* type, float* data);
 ZK_API int Get_Current_Trajectory_Block(ArmSocket socket, int32_t* type, float* data);
-ZK_API int Parser_Get_Current_Trajectory(ArmSocket socket, const char* text, int32_t* type, float* data);
 
-/* --------------------------------------------------------------------------------------------- Waypoint stream -- */
+/* ----------------------------------------------------------------------------------------------- Waypoint stream -- */
 
 /*
  * Adds a waypoint (six or seven joint angles in degrees), starts the stream at a frequency, clears and stops it, or
@@ -90,7 +64,6 @@ ZK_API int Parser_Get_Current_Trajectory(ArmSocket socket, const char* text, int
 ZK_API int Add_Waypoint(ArmSocket socket, const float* joint, bool block);
 ZK_API int Add_Waypoint_Block(ArmSocket socket, const float* joint);
 ZK_API int Add_Waypoint_NonBlock(ArmSocket socket, const float* joint);
-ZK_API int Parser_Add_Waypoint(const char* text);
 ZK_API int Start_Waypoint(ArmSocket socket, int32_t frequency, bool block);
 ZK_API int Start_Waypoint_Block(ArmSocket socket, int32_t frequency);
 ZK_API int Start_Waypoint_NonBlock(ArmSocket socket, int32_t frequency);
@@ -100,12 +73,10 @@ ZK_API int Clear_Waypoint_NonBlock(ArmSocket socket);
 ZK_API int Stop_Waypoint(ArmSocket socket, bool block);
 ZK_API int Stop_Waypoint_Block(ArmSocket socket);
 ZK_API int Stop_Waypoint_NonBlock(ArmSocket socket);
-ZK_API int Parser_Set_Gripper(const char* text);
 
 /* A pause in the stream of trajectories. Its blocking form ends in 7 likewise. */
 ZK_API int Timer(ArmSocket socket, int32_t wait_time, bool block);
 ZK_API int Timer_Block(ArmSocket socket, int32_t wait_time);
 ZK_API int Timer_NonBlock(ArmSocket socket, int32_t wait_time);
-ZK_API int Paser_Timer(const char* text);
 
 #endif

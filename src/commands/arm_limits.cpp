@@ -1,5 +1,5 @@
 // Limits and model of the arm as a whole: Cartesian limits, tip, collision stage, DH data, offsets, dynamics, servo.
-#include "zk/arm_limits.h"
+#include "zk/replies/arm_limits.h"
 
 #include "connection/exchange.h"
 #include "connection/pending.h"

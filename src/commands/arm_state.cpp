@@ -1,5 +1,5 @@
 // State of the arm as a whole: where it stands, what its joints measure, and the poses the controller keeps for it.
-#include "zk/arm_state.h"
+#include "zk/replies/arm_state.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "connection/exchange.h"
-#include "zk/motion.h"
+#include "zk/replies/motion.h"
 
 namespace zk {
 

@@ -1,13 +1,13 @@
 // Lift, expansion axis and mobile base. The replies of most of the base's commands, and of some of the lift's, do not
 // reach the pending list: their blocking forms end in 7.
-#include "zk/attached_axes.h"
+#include "zk/replies/attached_axes.h"
 
 #include "commands/arrival.h"
 #include "connection/pending.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
-#include "zk/arm_limits.h"
-#include "zk/system.h"
+#include "zk/replies/arm_limits.h"
+#include "zk/replies/system.h"
 
 using namespace zk;
 

@@ -1,5 +1,5 @@
 // Drag teaching: recording by hand, and the replay.
-#include "zk/drag_teach.h"
+#include "zk/replies/drag_teach.h"
 
 #include "commands/stillness.h"
 #include "connection/elapsed.h"

@@ -1,5 +1,5 @@
 // The small commands and the shared numbers that came with the file transfers.
-#include "zk/file_transfer.h"
+#include "zk/replies/file_transfer.h"
 
 #include "connection/exchange.h"
 #include "connection/reply.h"

@@ -1,5 +1,5 @@
 // Force control: the force sensors, their calibration, and the holding of a force.
-#include "zk/force_control.h"
+#include "zk/replies/force_control.h"
 
 #include <algorithm>
 
@@ -7,9 +7,9 @@
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
-#include "zk/arm_limits.h"
-#include "zk/drag_teach.h"
-#include "zk/system.h"
+#include "zk/replies/arm_limits.h"
+#include "zk/replies/drag_teach.h"
+#include "zk/replies/system.h"
 
 using namespace zk;
 

@@ -1,5 +1,5 @@
 // Force-position moves: set-points with forces straight to the socket, and the reports that come back.
-#include "zk/force_position.h"
+#include "zk/replies/motion.h"
 
 #include "commands/float_product.h"
 #include "commands/set_point.h"

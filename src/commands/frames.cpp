@@ -1,5 +1,5 @@
 // Frames and payload: the tool and work frames that the controller keeps, and the local picture of those in use.
-#include "zk/frames.h"
+#include "zk/replies/frames.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,9 +2,9 @@
 #include "commands/arrival.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
-#include "zk/file_transfer.h"
-#include "zk/gripper_and_hand.h"
-#include "zk/joint_configuration.h"
+#include "zk/replies/file_transfer.h"
+#include "zk/replies/gripper_and_hand.h"
+#include "zk/replies/joint_configuration.h"
 
 using namespace zk;
 

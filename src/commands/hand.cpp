@@ -2,8 +2,8 @@
 #include "commands/arrival.h"
 #include "connection/pending.h"
 #include "connection/wrappers.h"
-#include "zk/arm_limits.h"
-#include "zk/gripper_and_hand.h"
+#include "zk/replies/arm_limits.h"
+#include "zk/replies/gripper_and_hand.h"
 
 using namespace zk;
 

@@ -1,13 +1,13 @@
 // Inputs, outputs and supply voltages, of the controller and of the tool flange.
-#include "zk/io.h"
+#include "zk/replies/io.h"
 
 #include <algorithm>
 
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
-#include "zk/arm_limits.h"
-#include "zk/file_transfer.h"
+#include "zk/replies/arm_limits.h"
+#include "zk/replies/file_transfer.h"
 
 using namespace zk;
 

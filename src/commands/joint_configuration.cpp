@@ -1,12 +1,12 @@
 // Joint configuration: limits of the arm and of its drives, enabling, errors, zero points, calibration.
-#include "zk/joint_configuration.h"
+#include "zk/replies/joint_configuration.h"
 
 #include "connection/exchange.h"
 #include "connection/pending.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
 #include "zk/algorithm.h"
-#include "zk/motion.h"
+#include "zk/replies/motion.h"
 
 using namespace zk;
 

@@ -2,7 +2,7 @@
 #include "connection/elapsed.h"
 #include "connection/exchange.h"
 #include "connection/wrappers.h"
-#include "zk/joint_configuration.h"
+#include "zk/replies/joint_configuration.h"
 
 using namespace zk;
 

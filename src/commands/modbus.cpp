@@ -1,5 +1,5 @@
 // Modbus: the modes of the controller's ports, and the coils and registers of the devices behind them.
-#include "zk/modbus.h"
+#include "zk/replies/modbus.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,7 +7,7 @@
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
-#include "zk/arm_limits.h"
+#include "zk/replies/arm_limits.h"
 
 using namespace zk;
 

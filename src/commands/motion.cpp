@@ -1,5 +1,5 @@
 // Motion.
-#include "zk/motion.h"
+#include "zk/replies/motion.h"
 
 #include <array>
 #include <cstring>

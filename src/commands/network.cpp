@@ -4,9 +4,9 @@
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
-#include "zk/arm_limits.h"
-#include "zk/file_transfer.h"
-#include "zk/system.h"
+#include "zk/replies/arm_limits.h"
+#include "zk/replies/file_transfer.h"
+#include "zk/replies/system.h"
 
 using namespace zk;
 

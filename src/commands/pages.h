@@ -5,7 +5,7 @@
 
 #include "commands/fields.h"
 #include "connection/request.h"
-#include "zk/programs.h"
+#include "zk/replies/programs.h"
 
 namespace zk {
 

@@ -1,5 +1,5 @@
 // Programs that the controller keeps: their list, and what runs.
-#include "zk/programs.h"
+#include "zk/replies/programs.h"
 
 #include <algorithm>
 #include <cstring>

@@ -11,6 +11,7 @@
 #include "connection/reply.h"
 #include "connection/transmit.h"
 #include "connection/wrappers.h"
+#include "zk/replies/file_transfer.h"
 #include "zk/startup.h"
 
 using namespace zk;

@@ -4,8 +4,8 @@
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
-#include "zk/file_transfer.h"
 #include "zk/realtime.h"
+#include "zk/replies/file_transfer.h"
 #include "zk/startup.h"
 
 using namespace zk;

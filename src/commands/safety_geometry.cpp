@@ -1,5 +1,5 @@
 // Fences, walls, the envelope of a tool, and the check of the arm against itself.
-#include "zk/safety_geometry.h"
+#include "zk/replies/safety_geometry.h"
 
 #include <algorithm>
 #include <span>
@@ -8,7 +8,7 @@
 #include "commands/name_list.h"
 #include "connection/exchange.h"
 #include "connection/wrappers.h"
-#include "zk/arm_limits.h"
+#include "zk/replies/arm_limits.h"
 #include "zk/system.h"
 
 using namespace zk;

@@ -1,5 +1,5 @@
 // The second family of parsers.
-#include "zk/second_parsers.h"
+#include "zk/replies/second_parsers.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -7,17 +7,17 @@
 
 #include "commands/frame_replies.h"
 #include "connection/reply.h"
-#include "zk/arm_limits.h"
-#include "zk/drag_teach.h"
-#include "zk/force_control.h"
-#include "zk/gripper_and_hand.h"
-#include "zk/io.h"
-#include "zk/joint_configuration.h"
-#include "zk/motion.h"
-#include "zk/streaming.h"
-#include "zk/system.h"
-#include "zk/teach.h"
-#include "zk/trajectory.h"
+#include "zk/replies/arm_limits.h"
+#include "zk/replies/arm_state.h"
+#include "zk/replies/drag_teach.h"
+#include "zk/replies/force_control.h"
+#include "zk/replies/frames.h"
+#include "zk/replies/gripper_and_hand.h"
+#include "zk/replies/io.h"
+#include "zk/replies/joint_configuration.h"
+#include "zk/replies/motion.h"
+#include "zk/replies/system.h"
+#include "zk/replies/trajectory.h"
 
 using namespace zk;
 

@@ -6,7 +6,7 @@
 
 #include "commands/arrival.h"
 #include "connection/elapsed.h"
-#include "zk/arm_state.h"
+#include "zk/replies/arm_state.h"
 
 namespace zk {
 namespace {

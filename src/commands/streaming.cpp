@@ -1,5 +1,5 @@
 // Streamed motion: set-points straight to the socket, at the caller's own rate, and the reports that come back.
-#include "zk/streaming.h"
+#include "zk/replies/motion.h"
 
 #include <cstdio>
 

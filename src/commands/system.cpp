@@ -1,5 +1,5 @@
 // The system: power, errors, versions, counters, the controller's state. Its network is in network.cpp.
-#include "zk/system.h"
+#include "zk/replies/system.h"
 
 #include <cstdio>
 #include <cstring>
@@ -9,7 +9,7 @@
 #include "connection/pending.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
-#include "zk/arm_limits.h"
+#include "zk/replies/arm_limits.h"
 
 using namespace zk;
 

@@ -1,5 +1,5 @@
 // Teaching and stepping: jogging an axis until told to stop, or by a fixed amount.
-#include "zk/teach.h"
+#include "zk/replies/motion.h"
 
 #include "commands/stillness.h"
 #include "connection/elapsed.h"

@@ -1,5 +1,5 @@
 // Trajectory control: stop, pause, continue, clear, the trajectory in progress, and the stream of waypoints.
-#include "zk/trajectory.h"
+#include "zk/replies/trajectory.h"
 
 #include <array>
 #include <cstring>

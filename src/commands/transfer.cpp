@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "connection/exchange.h"
+#include "zk/replies/file_transfer.h"
 
 namespace zk {
 namespace {

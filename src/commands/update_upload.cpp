@@ -7,6 +7,7 @@
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
+#include "zk/replies/file_transfer.h"
 
 using namespace zk;
 

@@ -1,5 +1,5 @@
 // Limits and model of the arm: every command on the wire, its guards, its parsers, and the length that is kept.
-#include "zk/arm_limits.h"
+#include "zk/replies/arm_limits.h"
 
 #include <gtest/gtest.h>
 

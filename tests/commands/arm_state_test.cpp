@@ -1,5 +1,5 @@
 // State of the arm: every command on the wire, its guards, its parsers, and the mounting in the local model.
-#include "zk/arm_state.h"
+#include "zk/replies/arm_state.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // How the waits of a move end: the one for its acknowledgement, and the one for its arrival.
-#include "zk/motion.h"
+#include "zk/replies/motion.h"
 
 #include <gtest/gtest.h>
 

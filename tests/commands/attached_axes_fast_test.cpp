@@ -1,6 +1,6 @@
 // Lift, expansion axis and mobile base: every command on the wire, its guards, its waits, and its parser. Time is
 // scaled, for one of the limits is two minutes.
-#include "zk/attached_axes.h"
+#include "zk/replies/attached_axes.h"
 
 #include <gtest/gtest.h>
 
@@ -12,11 +12,10 @@
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
-#include "zk/force_position.h"
 #include "zk/gripper_and_hand.h"
-#include "zk/motion.h"
 #include "zk/queue.h"
-#include "zk/system.h"
+#include "zk/replies/motion.h"
+#include "zk/replies/system.h"
 
 namespace {
 

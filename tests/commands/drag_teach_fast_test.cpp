@@ -1,5 +1,5 @@
 // The long waits of drag teaching: the replay, and the way to its origin.
-#include "zk/drag_teach.h"
+#include "zk/replies/drag_teach.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Drag teaching: every command on the wire, its guards, and its parsers.
-#include "zk/drag_teach.h"
+#include "zk/replies/drag_teach.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/wire_protocol.h"
-#include "zk/motion.h"
+#include "zk/replies/motion.h"
 
 namespace {
 

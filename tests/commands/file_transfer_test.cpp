@@ -1,5 +1,5 @@
 // File transfer: every command on the wire, what goes out in which pieces, and files that arrive as they were sent.
-#include "zk/file_transfer.h"
+#include "zk/replies/file_transfer.h"
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>

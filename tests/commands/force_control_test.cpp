@@ -1,5 +1,5 @@
 // Force control: every command on the wire, its guards, and its parsers.
-#include "zk/force_control.h"
+#include "zk/replies/force_control.h"
 
 #include <gtest/gtest.h>
 

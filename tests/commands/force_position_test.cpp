@@ -1,5 +1,5 @@
 // Force-position moves: every command on the wire, its guards, and the parser of its reports.
-#include "zk/force_position.h"
+#include "zk/replies/motion.h"
 
 #include <gtest/gtest.h>
 

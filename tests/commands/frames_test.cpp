@@ -1,5 +1,5 @@
 // Frames and payload: every command on the wire, its guards, its parsers, and the local picture of the frames in use.
-#include "zk/frames.h"
+#include "zk/replies/frames.h"
 
 #include <gtest/gtest.h>
 

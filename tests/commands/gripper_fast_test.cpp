@@ -6,8 +6,8 @@
 #include "commands/limits.h"
 #include "commands/wire.h"
 #include "support/command_case.h"
-#include "zk/gripper_and_hand.h"
-#include "zk/motion.h"
+#include "zk/replies/gripper_and_hand.h"
+#include "zk/replies/motion.h"
 
 namespace {
 

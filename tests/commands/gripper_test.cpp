@@ -6,8 +6,8 @@
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
-#include "zk/gripper_and_hand.h"
-#include "zk/joint_configuration.h"
+#include "zk/replies/gripper_and_hand.h"
+#include "zk/replies/joint_configuration.h"
 
 namespace {
 

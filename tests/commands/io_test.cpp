@@ -1,5 +1,5 @@
 // Inputs, outputs and supply voltages: every command on the wire, its guards, and its parsers.
-#include "zk/io.h"
+#include "zk/replies/io.h"
 
 #include <gtest/gtest.h>
 

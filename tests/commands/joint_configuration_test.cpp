@@ -1,5 +1,5 @@
 // Joint configuration: every command on the wire, its guards, its parsers, and what goes into the local model.
-#include "zk/joint_configuration.h"
+#include "zk/replies/joint_configuration.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 #include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
 #include "zk/algorithm.h"
-#include "zk/motion.h"
+#include "zk/replies/motion.h"
 
 namespace {
 

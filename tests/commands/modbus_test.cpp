@@ -1,5 +1,5 @@
 // Modbus: every command on the wire, its guards, its parsers, and the banks of a simulated arm.
-#include "zk/modbus.h"
+#include "zk/replies/modbus.h"
 
 #include <gtest/gtest.h>
 

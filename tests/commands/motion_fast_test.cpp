@@ -1,6 +1,6 @@
 // Motion: every command on the wire, its guards and its parsers. The clock stands still, since an acknowledgement is
 // waited for a hundred milliseconds only. How the waits end is the subject of arrival_fast_test.
-#include "zk/motion.h"
+#include "zk/replies/motion.h"
 
 #include <gtest/gtest.h>
 

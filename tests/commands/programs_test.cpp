@@ -1,5 +1,5 @@
 // Programs and global waypoints: every command on the wire, its guards, its parsers, and programs that run.
-#include "zk/programs.h"
+#include "zk/replies/programs.h"
 
 #include <gtest/gtest.h>
 

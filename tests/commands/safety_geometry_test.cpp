@@ -1,5 +1,5 @@
 // Safety geometry: every command on the wire, its guards, its parsers, and the fences of a simulated arm.
-#include "zk/safety_geometry.h"
+#include "zk/replies/safety_geometry.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The second family of parsers. Those of acknowledgements are tested with their namesakes.
-#include "zk/second_parsers.h"
+#include "zk/replies/second_parsers.h"
 
 #include <gtest/gtest.h>
 
@@ -11,13 +11,15 @@
 
 #include "support/parser_case.h"
 #include "support/paths.h"
-#include "zk/arm_limits.h"
-#include "zk/drag_teach.h"
-#include "zk/io.h"
-#include "zk/joint_configuration.h"
-#include "zk/motion.h"
-#include "zk/streaming.h"
-#include "zk/trajectory.h"
+#include "zk/replies/arm_limits.h"
+#include "zk/replies/arm_state.h"
+#include "zk/replies/drag_teach.h"
+#include "zk/replies/frames.h"
+#include "zk/replies/io.h"
+#include "zk/replies/joint_configuration.h"
+#include "zk/replies/motion.h"
+#include "zk/replies/system.h"
+#include "zk/replies/trajectory.h"
 
 namespace {
 

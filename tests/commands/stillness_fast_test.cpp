@@ -5,9 +5,8 @@
 
 #include "support/arm.h"
 #include "support/scaled_time.h"
-#include "zk/arm_state.h"
-#include "zk/motion.h"
-#include "zk/teach.h"
+#include "zk/replies/arm_state.h"
+#include "zk/replies/motion.h"
 
 namespace {
 

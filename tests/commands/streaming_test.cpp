@@ -1,5 +1,5 @@
 // Streamed motion: every command on the wire, its guards, and the reports that come back.
-#include "zk/streaming.h"
+#include "zk/replies/motion.h"
 
 #include <gtest/gtest.h>
 

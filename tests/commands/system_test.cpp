@@ -1,5 +1,5 @@
 // System and network: every command on the wire, its guards, and its parsers.
-#include "zk/system.h"
+#include "zk/replies/system.h"
 
 #include <gtest/gtest.h>
 

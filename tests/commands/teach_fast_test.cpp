@@ -1,13 +1,12 @@
 // Teaching and stepping: every command on the wire, and its guards. The clock stands still, so that a step's report is
 // never late. How the wait of a step ends is the subject of stillness_fast_test.
-#include "zk/teach.h"
+#include "zk/replies/motion.h"
 
 #include <gtest/gtest.h>
 
 #include "support/command_case.h"
 #include "support/scaled_time.h"
 #include "support/wire_protocol.h"
-#include "zk/motion.h"
 
 namespace {
 

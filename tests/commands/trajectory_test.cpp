@@ -1,5 +1,5 @@
 // Trajectory control: every command on the wire, its guards and its parsers.
-#include "zk/trajectory.h"
+#include "zk/replies/trajectory.h"
 
 #include <gtest/gtest.h>
 

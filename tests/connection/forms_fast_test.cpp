@@ -6,12 +6,12 @@
 #include "support/arm.h"
 #include "support/scaled_time.h"
 #include "zk/arm_state.h"
-#include "zk/frames.h"
-#include "zk/joint_configuration.h"
 #include "zk/queue.h"
 #include "zk/realtime.h"
+#include "zk/replies/frames.h"
+#include "zk/replies/joint_configuration.h"
+#include "zk/replies/trajectory.h"
 #include "zk/system.h"
-#include "zk/trajectory.h"
 
 namespace {
 

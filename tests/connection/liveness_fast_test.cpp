@@ -3,7 +3,7 @@
 
 #include "support/arm.h"
 #include "support/scaled_time.h"
-#include "zk/joint_configuration.h"
+#include "zk/replies/joint_configuration.h"
 #include "zk/trajectory.h"
 
 namespace {

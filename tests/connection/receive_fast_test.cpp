@@ -3,7 +3,7 @@
 
 #include "support/arm.h"
 #include "support/scaled_time.h"
-#include "zk/trajectory.h"
+#include "zk/replies/trajectory.h"
 
 namespace {
 

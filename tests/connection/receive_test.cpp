@@ -5,10 +5,10 @@
 
 #include "support/arm.h"
 #include "zk/attached_axes.h"
-#include "zk/file_transfer.h"
-#include "zk/motion.h"
 #include "zk/programs.h"
-#include "zk/trajectory.h"
+#include "zk/replies/file_transfer.h"
+#include "zk/replies/motion.h"
+#include "zk/replies/trajectory.h"
 
 namespace {
 

@@ -10,13 +10,13 @@
 #include <vector>
 
 #include "zk/algorithm.h"
-#include "zk/arm_state.h"
 #include "zk/dispatch.h"
-#include "zk/file_transfer.h"
-#include "zk/force_control.h"
-#include "zk/frames.h"
-#include "zk/motion.h"
 #include "zk/queue.h"
+#include "zk/replies/arm_state.h"
+#include "zk/replies/file_transfer.h"
+#include "zk/replies/force_control.h"
+#include "zk/replies/frames.h"
+#include "zk/replies/motion.h"
 #include "zk/startup.h"
 #include "zk/trajectory.h"
 

@@ -14,8 +14,8 @@
 #include "support/udp.h"
 #include "zk/algorithm.h"
 #include "zk/arm_state.h"
-#include "zk/joint_configuration.h"
 #include "zk/realtime.h"
+#include "zk/replies/joint_configuration.h"
 #include "zk/status.h"
 #include "zk/trajectory.h"
 
