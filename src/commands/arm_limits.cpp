@@ -1,6 +1,7 @@
 // Limits and model of the arm as a whole: Cartesian limits, tip, collision stage, DH data, offsets, dynamics, servo.
 #include "zk/replies/arm_limits.h"
 
+#include "commands/twin.h"
 #include "connection/exchange.h"
 #include "connection/pending.h"
 #include "connection/reply.h"
@@ -34,6 +35,7 @@ ZK_API int Set_Arm_Line_Speed_Block(ArmSocket s, float value) {
 }
 ZK_API int Set_Arm_Line_Speed_NonBlock(ArmSocket s, float value) { return post(line_speed(s, value)); }
 ZK_API int Parser_Arm_Line_Speed(const char* text) { return acknowledgement(text, "arm_line_speed", ZK_NOT_BOOLEAN); }
+ZK_TWIN(Parser_Arm_Line_Speed);
 
 FloatReply Get_Arm_Max_Line_Speed_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Line_Speed(ArmSocket s, float* value) { return checked(Get_Arm_Line_Speed_Block, s, value); }
@@ -43,6 +45,7 @@ ZK_API int Get_Arm_Line_Speed_Block(ArmSocket s, float* value) {
 ZK_API int Parser_Get_Arm_Line_Speed(const char* text, float* value) {
     return float_value(text, "arm_line_speed", 1000.0f, value);
 }
+ZK_TWIN(Parser_Get_Arm_Line_Speed);
 
 static Request line_acc(ArmSocket s, float value) {
     return Request(s, "set_arm_max_line_acc").number("arm_line_acc", thousandths(value));
@@ -56,6 +59,7 @@ ZK_API int Set_Arm_Line_Acc_Block(ArmSocket s, float value) {
 }
 ZK_API int Set_Arm_Line_Acc_NonBlock(ArmSocket s, float value) { return post(line_acc(s, value)); }
 ZK_API int Parser_Arm_Line_Acc(const char* text) { return acknowledgement(text, "arm_line_acc", ZK_NOT_BOOLEAN); }
+ZK_TWIN(Parser_Arm_Line_Acc);
 
 FloatReply Get_Arm_Max_Line_Acc_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Line_Acc(ArmSocket s, float* value) { return checked(Get_Arm_Line_Acc_Block, s, value); }
@@ -65,6 +69,7 @@ ZK_API int Get_Arm_Line_Acc_Block(ArmSocket s, float* value) {
 ZK_API int Parser_Get_Arm_Line_Acc(const char* text, float* value) {
     return float_value(text, "arm_line_acc", 1000.0f, value);
 }
+ZK_TWIN(Parser_Get_Arm_Line_Acc);
 
 static Request angular_speed(ArmSocket s, float value) {
     return Request(s, "set_arm_max_angular_speed").number("arm_angular_speed", thousandths(value));
@@ -80,6 +85,7 @@ ZK_API int Set_Arm_Angular_Speed_NonBlock(ArmSocket s, float value) { return pos
 ZK_API int Parser_Arm_Angular_Speed(const char* text) {
     return acknowledgement(text, "arm_angular_speed", ZK_NOT_BOOLEAN);
 }
+ZK_TWIN(Parser_Arm_Angular_Speed);
 
 // The one of the four that tests no pointer.
 FloatReply Get_Arm_Max_Angular_Speed_Cmd[ZK_SLOTS];
@@ -90,6 +96,7 @@ ZK_API int Get_Arm_Angular_Speed_Block(ArmSocket s, float* value) {
 ZK_API int Parser_Get_Arm_Angular_Speed(const char* text, float* value) {
     return float_value(text, "arm_angular_speed", 1000.0f, value);
 }
+ZK_TWIN(Parser_Get_Arm_Angular_Speed);
 
 static Request angular_acc(ArmSocket s, float value) {
     return Request(s, "set_arm_max_angular_acc").number("arm_angular_acc", thousandths(value));
@@ -104,6 +111,7 @@ ZK_API int Set_Arm_Angular_Acc_Block(ArmSocket s, float value) {
 }
 ZK_API int Set_Arm_Angular_Acc_NonBlock(ArmSocket s, float value) { return post(angular_acc(s, value)); }
 ZK_API int Parser_Arm_Angular_Acc(const char* text) { return acknowledgement(text, "arm_angular_acc", ZK_NOT_BOOLEAN); }
+ZK_TWIN(Parser_Arm_Angular_Acc);
 
 FloatReply Get_Arm_Max_Angular_Acc_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Angular_Acc(ArmSocket s, float* value) { return checked(Get_Arm_Angular_Acc_Block, s, value); }
@@ -113,6 +121,7 @@ ZK_API int Get_Arm_Angular_Acc_Block(ArmSocket s, float* value) {
 ZK_API int Parser_Get_Arm_Angular_Acc(const char* text, float* value) {
     return float_value(text, "arm_angular_acc", 1000.0f, value);
 }
+ZK_TWIN(Parser_Get_Arm_Angular_Acc);
 
 // An old reply ends the wait at once.
 AckReply Set_Arm_Tip_Init_Cmd[ZK_SLOTS];
@@ -124,6 +133,7 @@ ZK_API int Set_Arm_Tip_Init_Block(ArmSocket s) {
 }
 ZK_API int Set_Arm_Tip_Init_NonBlock(ArmSocket s) { return post({s, "set_arm_init"}); }
 ZK_API int Parser_Arm_Tip_Init(const char* text) { return acknowledgement(text, "arm_init"); }
+ZK_TWIN(Parser_Arm_Tip_Init);
 
 static Request collision_stage(ArmSocket s, int32_t stage) {
     return Request(s, "set_collision_stage").number("collision_stage", stage);
@@ -137,6 +147,7 @@ ZK_API int Set_Collision_Stage_Block(ArmSocket s, int32_t stage) {
 }
 ZK_API int Set_Collision_Stage_NonBlock(ArmSocket s, int32_t stage) { return post(collision_stage(s, stage)); }
 ZK_API int Parser_Set_Collision_Stage(const char* text) { return acknowledgement(text, "collision_state"); }
+ZK_TWIN(Parser_Set_Collision_Stage);
 
 IntReply Get_Collision_Stage_Cmd[ZK_SLOTS];
 ZK_API int Get_Collision_Stage(ArmSocket s, int32_t* stage) { return checked(Get_Collision_Stage_Block, s, stage); }
@@ -146,6 +157,7 @@ ZK_API int Get_Collision_Stage_Block(ArmSocket s, int32_t* stage) {
 ZK_API int Parser_Get_Collision_Stage(const char* text, int32_t* stage) {
     return untyped_integer(text, "collision_stage", stage);
 }
+ZK_TWIN(Parser_Get_Collision_Stage);
 
 // The fourth value is kept for the kinematics: at once in the non-blocking form, after the controller's consent in the
 // other.
@@ -170,6 +182,7 @@ ZK_API int Set_DH_Data_NonBlock(ArmSocket s, float first, float second, float th
     return post(dh_data(s, first, second, third, fourth, fifth));
 }
 ZK_API int Parser_Set_DH_Data(const char* text) { return acknowledgement(text, "set_state"); }
+ZK_TWIN(Parser_Set_DH_Data);
 
 DhDataReply Get_DH_Data_Cmd[ZK_SLOTS];
 ZK_API int Get_DH_Data(ArmSocket s, float* first, float* second, float* third, float* fourth, float* fifth) {
@@ -191,6 +204,7 @@ ZK_API int Parser_Get_DH_Data(const char* text, float* data) {
     scaled(reply.array(reply.root(), "data"), 5, 10.0f, data);
     return reply.status();
 }
+ZK_TWIN(Parser_Get_DH_Data);
 
 static Request zero_offset(ArmSocket s, const float* offset) {
     return Request(s, "set_joint_zero_offset").joints("offset", offset);
@@ -203,7 +217,8 @@ ZK_API int Set_Joint_Zero_Offset_Block(ArmSocket s, const float* offset) {
     return set(zero_offset(s, offset), Set_Joint_Zero_OffSet_Cmd);
 }
 ZK_API int Set_Joint_Zero_Offset_NonBlock(ArmSocket s, const float* offset) { return post(zero_offset(s, offset)); }
-ZK_API int Parser_Set_Joint_Zero_Offset(const char* text) { return Parser_Set_DH_Data(text); }
+ZK_API int Parser_Set_Joint_Zero_Offset(const char* text) { return acknowledgement(text, "set_state"); }
+ZK_TWIN(Parser_Set_Joint_Zero_Offset);
 
 // Two values for each joint, a thousand times as large but not truncated.
 static Request dynamic_parm(ArmSocket s, const float* parm) {
@@ -220,7 +235,8 @@ ZK_API int Set_Arm_Dynamic_Parm_Block(ArmSocket s, const float* parm) {
     return set(dynamic_parm(s, parm), Set_ARM_Dynamic_Parm_Cmd);
 }
 ZK_API int Set_Arm_Dynamic_Parm_NonBlock(ArmSocket s, const float* parm) { return post(dynamic_parm(s, parm)); }
-ZK_API int Parser_Set_Hand(const char* text) { return Parser_Set_DH_Data(text); }
+ZK_API int Parser_Set_Hand(const char* text) { return acknowledgement(text, "set_state"); }
+ZK_TWIN(Parser_Set_Hand);
 
 static Request plan_speed(ArmSocket s, int32_t speed) { return Request(s, "plan_speed").number("speed", speed); }
 AckReply Set_Plan_Speed_Cmd[ZK_SLOTS];
@@ -261,6 +277,7 @@ ZK_API int Set_Arm_Servo_State_Block(ArmSocket s, uint8_t state) {
 }
 ZK_API int Set_Arm_Servo_State_NonBlock(ArmSocket s, uint8_t state) { return post(arm_servo(s, state)); }
 ZK_API int Parser_Arm_Servo_State(const char* text) { return acknowledgement(text, "arm_servo"); }
+ZK_TWIN(Parser_Arm_Servo_State);
 
 // Its reply does not reach the pending list: the blocking form ends in 7.
 static Request system_servo(ArmSocket s, uint8_t state) {

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <type_traits>
 
+#include "commands/twin.h"
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
@@ -44,10 +45,11 @@ ZK_API int Parser_Arm_State(ArmSocket s, const char* text, float* joint, Pose* p
     const Item state = reply.object(reply.root(), "arm_state");
     wire_pose(reply.array(state, "pose", 6), pose->position, pose->euler);
     scaled(reply.array(state, "joint", joint_count(s), ZK_WRONG_TYPE), joint_count(s), 1000.0f, joint);
-    if (const Item word = reply.number(state, "arm_err")) *arm_err = static_cast<uint16_t>(word.integer());
-    if (const Item word = reply.number(state, "sys_err")) *sys_err = static_cast<uint16_t>(word.integer());
+    reply.take(state, "arm_err", *arm_err);
+    reply.take(state, "sys_err", *sys_err);
     return reply.status();
 }
+ZK_TWIN(Parser_Arm_State);
 
 // What the joints measure.
 JointReply Get_Joint_Temperature_Cmd[ZK_SLOTS];
@@ -58,6 +60,7 @@ ZK_API int Get_Joint_Temperature_Block(ArmSocket s, float* out) {
 ZK_API int Parser_Joint_Temperature(ArmSocket s, const char* text, float* out) {
     return measured_joints(s, text, "joint_temperature", out);
 }
+ZK_TWIN(Parser_Joint_Temperature);
 
 JointReply Get_Joint_Current_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Current(ArmSocket s, float* out) { return checked(Get_Joint_Current_Block, s, out); }
@@ -67,6 +70,7 @@ ZK_API int Get_Joint_Current_Block(ArmSocket s, float* out) {
 ZK_API int Parser_Joint_Current(ArmSocket s, const char* text, float* out) {
     return measured_joints(s, text, "joint_current", out);
 }
+ZK_TWIN(Parser_Joint_Current);
 
 JointReply Get_Joint_Voltage_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Voltage(ArmSocket s, float* out) { return checked(Get_Joint_Voltage_Blcok, s, out); }
@@ -76,6 +80,7 @@ ZK_API int Get_Joint_Voltage_Blcok(ArmSocket s, float* out) {
 ZK_API int Parser_Joint_Voltage(ArmSocket s, const char* text, float* out) {
     return measured_joints(s, text, "joint_voltage", out);
 }
+ZK_TWIN(Parser_Joint_Voltage);
 
 // As many angles as the reply holds, up to seven.
 JointReply Get_Joint_Degree_Cmd[ZK_SLOTS];
@@ -112,9 +117,10 @@ ZK_API int Parser_Arm_All_State(ArmSocket s, const char* text, ArmAllState* stat
     scaled(array("voltage"), joints, 1000.0f, state->voltage);
     words("en_flag", state->en_state);
     words("err_flag", state->err_flag);
-    if (const Item word = reply.number(all, "sys_err")) state->sys_err = static_cast<uint16_t>(word.integer());
+    reply.take(all, "sys_err", state->sys_err);
     return reply.status();
 }
+ZK_TWIN(Parser_Arm_All_State);
 
 IntReply Get_Arm_Plan_Num_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Plan_Num(ArmSocket s, int32_t* number) { return checked(Get_Arm_Plan_Num_Block, s, number); }
@@ -124,6 +130,7 @@ ZK_API int Get_Arm_Plan_Num_Block(ArmSocket s, int32_t* number) {
 ZK_API int Parser_Get_Arm_Plan_Num(const char* text, int32_t* number) {
     return integer_value(text, "plan_num", number);
 }
+ZK_TWIN(Parser_Get_Arm_Plan_Num);
 
 static Request init_pose(ArmSocket s, const float* joint) {
     return Request(s, "set_init_pose").joints("init_pose", joint);
@@ -137,6 +144,7 @@ ZK_API int Set_Arm_Init_Pose_Block(ArmSocket s, const float* joint) {
 }
 ZK_API int Set_Arm_Init_Pose_NonBlock(ArmSocket s, const float* joint) { return post(init_pose(s, joint)); }
 ZK_API int Parser_Set_Arm_Init_Pose(const char* text) { return acknowledgement(text, "init_pose"); }
+ZK_TWIN(Parser_Set_Arm_Init_Pose);
 
 JointReply Get_Arm_Init_Pose_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Init_Pose(ArmSocket s, float* joint) { return checked(Get_Arm_Init_Pose_Block, s, joint); }
@@ -146,6 +154,7 @@ ZK_API int Get_Arm_Init_Pose_Block(ArmSocket s, float* joint) {
 ZK_API int Parser_Get_Arm_Init_Pose(ArmSocket s, const char* text, float* joint) {
     return joint_array(s, text, {.key = "init_pose", .wrong_size = ZK_WRONG_TYPE}, joint);
 }
+ZK_TWIN(Parser_Get_Arm_Init_Pose);
 
 // The local model follows the mounting: at once in the non-blocking form, whatever the controller says; after its
 // consent in the other.

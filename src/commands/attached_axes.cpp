@@ -28,8 +28,23 @@ Request lift(ArmSocket s, const char* command, int32_t height, int32_t speed) {
     return two(s, command, "height", height, "speed", speed);
 }
 
-// What the base acknowledges by the state of its navigation.
-int navigated(const Request& request, int key_code) { return pending(request, key_code, Parser_Set_Car_Station); }
+// A command of the base whose reply never reaches the pending list: its keys, one or two, and the code and the parser
+// of the reply.
+struct BaseCommand {
+    const char* name;
+    const char* keys[2];
+    int key_code;
+    int (*parse)(const char*);
+
+    Request request(ArmSocket s, int32_t first) const { return one(s, name, keys[0], first); }
+    Request request(ArmSocket s, int32_t first, int32_t second) const {
+        return two(s, name, keys[0], first, keys[1], second);
+    }
+    template <class... Values>
+    int wait(ArmSocket s, Values... values) const {
+        return pending(request(s, values...), key_code, parse);
+    }
+};
 
 // Required numbers, in their order.
 struct Number {
@@ -38,9 +53,7 @@ struct Number {
 };
 int numbers(const char* text, std::initializer_list<Number> fields) {
     Reply reply(text);
-    for (const Number& field : fields) {
-        if (const Item number = reply.number(reply.root(), field.key)) *field.value = number.integer();
-    }
+    for (const Number& field : fields) reply.take(field.key, *field.value);
     return reply.status();
 }
 
@@ -212,76 +225,62 @@ ZK_API int Parser_Expand_Get_Config(const char* text, int32_t* rpm_max, int32_t*
 
 // --------------------------------------------------------------------------------------------------- Mobile base --
 
-static Request vehicle(ArmSocket s, int32_t speed, int32_t angular) {
-    return two(s, "set_vehicle", "speed", speed, "angular", angular);
-}
+static constexpr BaseCommand kVehicle = {"set_vehicle", {"speed", "angular"}, 147, Parser_Set_Hand};
 ZK_API int Set_Vehicle(ArmSocket s, int32_t speed, int32_t angular, bool block) {
     return after_20_ms(block, Set_Vehicle_Block, Set_Vehicle_NonBlock, s, speed, angular);
 }
-ZK_API int Set_Vehicle_Block(ArmSocket s, int32_t speed, int32_t angular) {
-    return pending(vehicle(s, speed, angular), 147, Parser_Set_Hand);
-}
+ZK_API int Set_Vehicle_Block(ArmSocket s, int32_t speed, int32_t angular) { return kVehicle.wait(s, speed, angular); }
 ZK_API int Set_Vehicle_NonBlock(ArmSocket s, int32_t speed, int32_t angular) {
-    return post(vehicle(s, speed, angular));
+    return post(kVehicle.request(s, speed, angular));
 }
 
-static Request car_move(ArmSocket s, int32_t linear, int32_t angular) {
-    return two(s, "set_car_move", "linear_speed", linear, "angular_speed", angular);
-}
+static constexpr BaseCommand kMove = {"set_car_move", {"linear_speed", "angular_speed"}, 152, Parser_Set_Hand};
 ZK_API int Set_Car_Move(ArmSocket s, int32_t linear, int32_t angular, bool block) {
     return after_20_ms(block, Set_Car_Move_Block, Set_Car_Move_NonBlock, s, linear, angular);
 }
-ZK_API int Set_Car_Move_Block(ArmSocket s, int32_t linear, int32_t angular) {
-    return pending(car_move(s, linear, angular), 152, Parser_Set_Hand);
-}
+ZK_API int Set_Car_Move_Block(ArmSocket s, int32_t linear, int32_t angular) { return kMove.wait(s, linear, angular); }
 ZK_API int Set_Car_Move_NonBlock(ArmSocket s, int32_t linear, int32_t angular) {
-    return post(car_move(s, linear, angular));
+    return post(kMove.request(s, linear, angular));
 }
 
 // On the wire the way to a station is called a speed.
-static Request car_station(ArmSocket s, int32_t station, int32_t speed) {
-    return two(s, "set_car_speed", "station", station, "speed", speed);
-}
+static constexpr BaseCommand kGoTo = {"set_car_speed", {"station", "speed"}, 153, Parser_Set_Car_Station};
 ZK_API int Set_Car_Station(ArmSocket s, int32_t station, int32_t speed, bool block) {
     return after_20_ms(block, Set_Car_Station_Block, Set_Car_Station_NonBlock, s, station, speed);
 }
-ZK_API int Set_Car_Station_Block(ArmSocket s, int32_t station, int32_t speed) {
-    return navigated(car_station(s, station, speed), 153);
-}
+ZK_API int Set_Car_Station_Block(ArmSocket s, int32_t station, int32_t speed) { return kGoTo.wait(s, station, speed); }
 ZK_API int Set_Car_Station_NonBlock(ArmSocket s, int32_t station, int32_t speed) {
-    return post(car_station(s, station, speed));
+    return post(kGoTo.request(s, station, speed));
 }
 ZK_API int Parser_Set_Car_Station(const char* text) { return acknowledgement(text, "navigation_state"); }
 
-static Request car_speed(ArmSocket s, int32_t speed) { return one(s, "set_car_navigation_speed", "speed", speed); }
+static constexpr BaseCommand kSpeed = {"set_car_navigation_speed", {"speed"}, 154, Parser_Set_Car_Station};
 ZK_API int Set_Car_Navigation_Speed(ArmSocket s, int32_t speed, bool block) {
     return after_20_ms(block, Set_Car_Navigation_Speed_Block, Set_Car_Navigation_Speed_NonBlock, s, speed);
 }
-ZK_API int Set_Car_Navigation_Speed_Block(ArmSocket s, int32_t speed) { return navigated(car_speed(s, speed), 154); }
-ZK_API int Set_Car_Navigation_Speed_NonBlock(ArmSocket s, int32_t speed) { return post(car_speed(s, speed)); }
+ZK_API int Set_Car_Navigation_Speed_Block(ArmSocket s, int32_t speed) { return kSpeed.wait(s, speed); }
+ZK_API int Set_Car_Navigation_Speed_NonBlock(ArmSocket s, int32_t speed) { return post(kSpeed.request(s, speed)); }
 
-static Request car_mode(ArmSocket s, int32_t mode) { return one(s, "set_car_navigation_mode", "mode", mode); }
+static constexpr BaseCommand kMode = {"set_car_navigation_mode", {"mode"}, 155, Parser_Set_Car_Station};
 ZK_API int Set_Car_Navigation_Mode(ArmSocket s, int32_t mode, bool block) {
     return after_20_ms(block, Set_Car_Navigation_Mode_Block, Set_Car_Navigation_Mode_NonBlock, s, mode);
 }
-ZK_API int Set_Car_Navigation_Mode_Block(ArmSocket s, int32_t mode) { return navigated(car_mode(s, mode), 155); }
-ZK_API int Set_Car_Navigation_Mode_NonBlock(ArmSocket s, int32_t mode) { return post(car_mode(s, mode)); }
+ZK_API int Set_Car_Navigation_Mode_Block(ArmSocket s, int32_t mode) { return kMode.wait(s, mode); }
+ZK_API int Set_Car_Navigation_Mode_NonBlock(ArmSocket s, int32_t mode) { return post(kMode.request(s, mode)); }
 
-static Request car_charge(ArmSocket s, int32_t state) { return one(s, "set_car_charge", "charge_state", state); }
+static constexpr BaseCommand kCharge = {"set_car_charge", {"charge_state"}, 157, Parser_Set_Car_Station};
 ZK_API int Set_Car_Charge(ArmSocket s, int32_t charge_state, bool block) {
     return after_20_ms(block, Set_Car_Charge_Block, Set_Car_Charge_NonBlock, s, charge_state);
 }
-ZK_API int Set_Car_Charge_Block(ArmSocket s, int32_t charge_state) {
-    return navigated(car_charge(s, charge_state), 157);
-}
-ZK_API int Set_Car_Charge_NonBlock(ArmSocket s, int32_t charge_state) { return post(car_charge(s, charge_state)); }
+ZK_API int Set_Car_Charge_Block(ArmSocket s, int32_t charge_state) { return kCharge.wait(s, charge_state); }
+ZK_API int Set_Car_Charge_NonBlock(ArmSocket s, int32_t charge_state) { return post(kCharge.request(s, charge_state)); }
 
-static Request car_place(ArmSocket s, int32_t station) { return one(s, "set_car_station_num", "station_num", station); }
+static constexpr BaseCommand kStation = {"set_car_station_num", {"station_num"}, 158, Parser_Set_Car_Station};
 ZK_API int Set_Car_Station_Num(ArmSocket s, int32_t station, bool block) {
     return after_20_ms(block, Set_Car_Station_Num_Block, Set_Car_Station_Num_NonBlock, s, station);
 }
-ZK_API int Set_Car_Station_Num_Block(ArmSocket s, int32_t station) { return navigated(car_place(s, station), 158); }
-ZK_API int Set_Car_Station_Num_NonBlock(ArmSocket s, int32_t station) { return post(car_place(s, station)); }
+ZK_API int Set_Car_Station_Num_Block(ArmSocket s, int32_t station) { return kStation.wait(s, station); }
+ZK_API int Set_Car_Station_Num_NonBlock(ArmSocket s, int32_t station) { return post(kStation.request(s, station)); }
 
 ZK_API int Get_Car_State(ArmSocket s, int32_t* battery_volume, int32_t* voltage, int32_t* current, int32_t* car_err,
                          int32_t* car_state, int32_t* station_num) {

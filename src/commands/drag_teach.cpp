@@ -2,6 +2,7 @@
 #include "zk/replies/drag_teach.h"
 
 #include "commands/stillness.h"
+#include "commands/twin.h"
 #include "connection/elapsed.h"
 #include "connection/exchange.h"
 #include "connection/reply.h"
@@ -18,6 +19,7 @@ ZK_API int Start_Drag_Teach(ArmSocket s, bool block) {
 ZK_API int Start_Drag_Teach_Block(ArmSocket s) { return set(start_drag_teach(s), Start_Drag_Teach_Cmd); }
 ZK_API int Start_Drag_Teach_NonBlock(ArmSocket s) { return post(start_drag_teach(s)); }
 ZK_API int Parser_Drag_Teach(const char* text) { return acknowledgement(text, "drag_teach"); }
+ZK_TWIN(Parser_Drag_Teach);
 
 AckReply Stop_Drag_Teach_Cmd[ZK_SLOTS];
 ZK_API int Stop_Drag_Teach(ArmSocket s, bool block) {
@@ -114,6 +116,7 @@ ZK_API int Run_Drag_Trajectory_Block(ArmSocket s) {
 }
 ZK_API int Run_Drag_Trajectory_NonBlock(ArmSocket s) { return post({s, "run_drag_trajectory"}); }
 ZK_API int Parser_Run_Drag_Trajectory(const char* text) { return acknowledgement(text, "run_state"); }
+ZK_TWIN(Parser_Run_Drag_Trajectory);
 
 AckReply Pause_Drag_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Pause_Drag_Trajectory(ArmSocket s, bool block) {
@@ -124,6 +127,7 @@ ZK_API int Pause_Drag_Trajectory_Block(ArmSocket s) {
 }
 ZK_API int Pause_Drag_Trajectory_NonBlock(ArmSocket s) { return post({s, "pause_drag_trajectory"}); }
 ZK_API int Parser_Pause_Drag_Trajectory(const char* text) { return acknowledgement(text, "pause_state"); }
+ZK_TWIN(Parser_Pause_Drag_Trajectory);
 
 AckReply Continue_Drag_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Continue_Drag_Trajectory(ArmSocket s, bool block) {
@@ -134,6 +138,7 @@ ZK_API int Continue_Drag_Trajectory_Block(ArmSocket s) {
 }
 ZK_API int Continue_Drag_Trajectory_NonBlock(ArmSocket s) { return post({s, "continue_drag_trajectory"}); }
 ZK_API int Parser_Continue_Drag_Trajectory(const char* text) { return acknowledgement(text, "continue_state"); }
+ZK_TWIN(Parser_Continue_Drag_Trajectory);
 
 AckReply Stop_Drag_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Stop_Drag_Trajectory(ArmSocket s, bool block) {
@@ -144,6 +149,7 @@ ZK_API int Stop_Drag_Trajectory_Block(ArmSocket s) {
 }
 ZK_API int Stop_Drag_Trajectory_NonBlock(ArmSocket s) { return post({s, "stop_drag_trajectory"}); }
 ZK_API int Parser_Stop_Drag_Trajectory(const char* text) { return acknowledgement(text, "stop_state"); }
+ZK_TWIN(Parser_Stop_Drag_Trajectory);
 
 // The end of this motion is its report in Move_Cmd; its acknowledgement is waited for by nobody.
 DragOriginReply Drag_Trajectory_Origin_Cmd[ZK_SLOTS];
@@ -158,3 +164,4 @@ ZK_API int Parser_Drag_Trajectory_Origin(const char* text, int32_t* device) {
     if (const Item number = reply.find("device"); number.is_number()) *device = number.integer();
     return reply.status();
 }
+ZK_TWIN(Parser_Drag_Trajectory_Origin);

@@ -22,9 +22,4 @@ void cut_text(Reply& reply, Item object, const char* key, char (&field)[size]) {
     if (const Item text = reply.text(object, key)) std::snprintf(field, size, "%s", text.text());
 }
 
-// A required integer of a reply.
-inline void take_integer(Reply& reply, Item object, const char* key, int32_t& field) {
-    if (const Item number = reply.number(object, key)) field = number.integer();
-}
-
 }  // namespace zk

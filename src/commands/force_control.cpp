@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "commands/float_product.h"
+#include "commands/twin.h"
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
@@ -102,7 +103,8 @@ ZK_API int Clear_Force_Data(ArmSocket s, bool block) {
 }
 ZK_API int Clear_Force_Data_Block(ArmSocket s) { return set({s, "clear_force_data"}, Clear_Force_Data_Cmd); }
 ZK_API int Clear_Force_Data_NonBlock(ArmSocket s) { return post({s, "clear_force_data"}); }
-ZK_API int Parser_Clear_Force_Data(const char* text) { return Parser_Clear_System_Err(text); }
+ZK_API int Parser_Clear_Force_Data(const char* text) { return acknowledgement(text, "clear_state"); }
+ZK_TWIN(Parser_Clear_Force_Data);
 
 // Calibrations. Their replies are told apart by nobody: the mailboxes of both sensors get each.
 AckReply Set_Force_Sensor_Cmd[ZK_SLOTS];
@@ -111,7 +113,8 @@ ZK_API int Set_Force_Sensor_Block(ArmSocket s) {
     return set({s, "set_force_sensor"}, Set_Force_Sensor_Cmd, {.limit = limit_beyond(kCalibrationMs)});
 }
 ZK_API int Set_Force_Sensor_NonBlock(ArmSocket s) { return post({s, "set_force_sensor"}); }
-ZK_API int Parser_Set_Force_Sensor(const char* text) { return Parser_Set_DH_Data(text); }
+ZK_API int Parser_Set_Force_Sensor(const char* text) { return acknowledgement(text, "set_state"); }
+ZK_TWIN(Parser_Set_Force_Sensor);
 
 namespace {
 
@@ -154,7 +157,8 @@ ZK_API int Stop_Set_Force_Sensor_Block(ArmSocket s) {
     return set({s, "stop_set_force_sensor"}, Stop_Set_Force_Sensor_Cmd);
 }
 ZK_API int Stop_Set_Force_Sensor_NonBlock(ArmSocket s) { return post({s, "stop_set_force_sensor"}); }
-ZK_API int Parser_Stop_Force_Sensor(const char* text) { return Parser_Stop_Drag_Trajectory(text); }
+ZK_API int Parser_Stop_Force_Sensor(const char* text) { return acknowledgement(text, "stop_state"); }
+ZK_TWIN(Parser_Stop_Force_Sensor);
 
 // The one-axis sensor.
 FzReply Get_FZ_Data_Cmd[ZK_SLOTS];

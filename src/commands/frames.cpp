@@ -1,4 +1,4 @@
-// Frames and payload: the tool and work frames that the controller keeps, and the local picture of those in use.
+// Frames and payload: the tool and work frames that the controller keeps, and the local poses of those in use.
 #include "zk/replies/frames.h"
 
 #include <algorithm>
@@ -7,6 +7,7 @@
 
 #include "commands/frame_replies.h"
 #include "commands/name_list.h"
+#include "commands/twin.h"
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
@@ -16,40 +17,46 @@ using namespace zk;
 
 namespace {
 
-// A frame in use is asked for, and the local picture of it refreshed from the model.
-int frame_in_use(int (*block)(ArmSocket, FrameRec*), void (*from_model)(FrameRec*), Pose& picture, ArmSocket s,
-                 FrameRec* frame) {
-    if (const int status = checked(block, s, frame)) return status;
-    FrameRec held{};
-    from_model(&held);
-    picture = held.pose;
-    return ZK_OK;
-}
+// What differs between tool and work frames.
+struct FrameKind {
+    const char* name_key;
+    int (*ask)(ArmSocket, FrameRec*);
+    void (*to_model)(const FrameRec*);
+    void (*from_model)(FrameRec*);
+    Pose& local_pose;
 
-// A frame was selected or deleted: whatever is in use now goes into the model, and from there into the local picture.
-int frame_changed(int (*form)(ArmSocket, const char*), int (*in_use)(ArmSocket, FrameRec*),
-                  void (*to_model)(const FrameRec*), void (*from_model)(FrameRec*), Pose& picture, ArmSocket s,
-                  const char* name) {
-    if (const int status = checked(form, s, name)) return status;
-    FrameRec frame{};
-    if (const int status = in_use(s, &frame)) return status;
-    to_model(&frame);
-    from_model(&frame);
-    picture = frame.pose;
-    return ZK_OK;
-}
+    // Asks for the frame in use, and takes its pose from the model into the local variable.
+    int in_use(ArmSocket s, FrameRec* frame) const {
+        if (const int status = checked(ask, s, frame)) return status;
+        take_from_model();
+        return ZK_OK;
+    }
+    // Selects or deletes a frame. Then the frame that is in use goes into the model.
+    int change(int (*form)(ArmSocket, const char*), ArmSocket s, const char* name) const {
+        if (const int status = checked(form, s, name)) return status;
+        FrameRec frame{};
+        if (const int status = in_use(s, &frame)) return status;
+        to_model(&frame);
+        take_from_model();
+        return ZK_OK;
+    }
+    Request named(ArmSocket s, const char* command, const char* name) const {
+        return Request(s, command).text(name_key, name);
+    }
 
-int tool_changed(int (*form)(ArmSocket, const char*), ArmSocket s, const char* name) {
-    return frame_changed(form, Get_Current_Tool_Frame, Algo_Set_ToolFrame, Algo_Get_Curr_ToolFrame, g_tool_pose, s,
-                         name);
-}
+ private:
+    void take_from_model() const {
+        FrameRec frame{};
+        from_model(&frame);
+        local_pose = frame.pose;
+    }
+};
+const FrameKind kTool{"tool_name", Get_Current_Tool_Frame_Block, Algo_Set_ToolFrame, Algo_Get_Curr_ToolFrame,
+                      g_tool_pose};
+const FrameKind kWork{"frame_name", Get_Current_Work_Frame_Block, Algo_Set_WorkFrame, Algo_Get_Curr_WorkFrame,
+                      g_work_pose};
 
-int work_changed(int (*form)(ArmSocket, const char*), ArmSocket s, const char* name) {
-    return frame_changed(form, Get_Current_Work_Frame, Algo_Set_WorkFrame, Algo_Get_Curr_WorkFrame, g_work_pose, s,
-                         name);
-}
-
-// What replies tell of a frame; the quaternion of the caller's record stays.
+// Copies a received frame but leaves the quaternion of the caller's record.
 void deliver_frame(const FrameReply& reply, FrameRec* frame) {
     const Quat quaternion = frame->pose.quaternion;
     *frame = reply.frame;
@@ -75,7 +82,7 @@ void tool_name(Reply& reply, FrameRec* frame, const FrameReading& reading) {
     if (reply.require(bool(name), ZK_BAD_REPLY)) copy_name(name.text(), frame->frame_name, reading.tool_name_bytes);
 }
 
-// Payload and centre of gravity, which end every reply about a tool.
+// Reads payload and centre of gravity, the last keys of every reply about a tool.
 void payload(Reply& reply, FrameRec* frame, const FrameReading& reading) {
     if (const Item mass = reply.number(reply.root(), "payload"))
         frame->payload = static_cast<float>(mass.number() / reading.mass_divisor);
@@ -88,7 +95,7 @@ void payload(Reply& reply, FrameRec* frame, const FrameReading& reading) {
     frame->z = metres[2];
 }
 
-// The pose of a frame that was asked for by name, whose elements are taken as 64-bit integers.
+// Reads the pose of a frame that was asked for by name. Its elements count as 64-bit integers.
 void given_pose(Reply& reply, Pose& pose, const FrameReading& reading) {
     const Item array = reply.array(reply.root(), "pose", 6, reading.wrong_pose_size);
     if (!array) return;
@@ -99,7 +106,7 @@ void given_pose(Reply& reply, Pose& pose, const FrameReading& reading) {
     pose.euler = {value(3, 1000.0f), value(4, 1000.0f), value(5, 1000.0f)};
 }
 
-// "get_state" is told only where there is no such frame.
+// The reply has "get_state" only when there is no such frame.
 void require_found(Reply& reply) { reply.require(!reply.find("get_state").is_false(), ZK_REFUSED); }
 
 // The scales of mass and centre of gravity differ from form to form.
@@ -122,6 +129,7 @@ ZK_API int Auto_Set_Tool_Frame_Block(ArmSocket s, uint8_t number) {
 }
 ZK_API int Auto_Set_Tool_Frame_NonBlock(ArmSocket s, uint8_t number) { return post(auto_tool(s, number)); }
 ZK_API int Parser_Auto_Set_Tool_Frame(const char* text) { return acknowledgement(text, "auto_tool_frame"); }
+ZK_TWIN(Parser_Auto_Set_Tool_Frame);
 
 // The mass goes out a thousandfold in both forms, the centre of gravity a thousand times smaller in the non-blocking
 // one.
@@ -165,6 +173,7 @@ ZK_API int Manual_Set_Tool_Frame_NonBlock(ArmSocket s, const char* name, Pose po
     return post(tool(s, "set_manual_tool_frame", name, pose, payload, x, y, z, thousandths));
 }
 ZK_API int Parser_Manual_Set_Tool_Frame(const char* text) { return acknowledgement(text, "manual_tool_frame"); }
+ZK_TWIN(Parser_Manual_Set_Tool_Frame);
 
 AckReply Update_Tool_Frame_Cmd[ZK_SLOTS];
 ZK_API int Update_Tool_Frame(ArmSocket s, const char* name, Pose pose, float payload, float x, float y, float z) {
@@ -175,32 +184,31 @@ ZK_API int Update_Tool_Frame_Block(ArmSocket s, const char* name, Pose pose, flo
 }
 ZK_API int Parser_Update_State(const char* text) { return acknowledgement(text, "update_state"); }
 
-static Request named_tool(ArmSocket s, const char* command, const char* name) {
-    return Request(s, command).text("tool_name", name);
-}
 AckReply Change_Tool_Frame_Cmd[ZK_SLOTS];
 ZK_API int Change_Tool_Frame(ArmSocket s, const char* name, bool block) {
-    return tool_changed(block ? Change_Tool_Frame_Block : Change_Tool_Frame_NonBlock, s, name);
+    return kTool.change(block ? Change_Tool_Frame_Block : Change_Tool_Frame_NonBlock, s, name);
 }
 ZK_API int Change_Tool_Frame_Block(ArmSocket s, const char* name) {
-    return set(named_tool(s, "set_change_tool_frame", name), Change_Tool_Frame_Cmd);
+    return set(kTool.named(s, "set_change_tool_frame", name), Change_Tool_Frame_Cmd);
 }
 ZK_API int Change_Tool_Frame_NonBlock(ArmSocket s, const char* name) {
-    return post(named_tool(s, "set_change_tool_frame", name));
+    return post(kTool.named(s, "set_change_tool_frame", name));
 }
 ZK_API int Parser_Change_Tool_Frame(const char* text) { return acknowledgement(text, "change_tool_frame"); }
+ZK_TWIN(Parser_Change_Tool_Frame);
 
 AckReply Delete_Tool_Frame_Cmd[ZK_SLOTS];
 ZK_API int Delete_Tool_Frame(ArmSocket s, const char* name, bool block) {
-    return tool_changed(block ? Delete_Tool_Frame_Block : Delete_Tool_Frame_NonBlock, s, name);
+    return kTool.change(block ? Delete_Tool_Frame_Block : Delete_Tool_Frame_NonBlock, s, name);
 }
 ZK_API int Delete_Tool_Frame_Block(ArmSocket s, const char* name) {
-    return set(named_tool(s, "set_delete_tool_frame", name), Delete_Tool_Frame_Cmd);
+    return set(kTool.named(s, "set_delete_tool_frame", name), Delete_Tool_Frame_Cmd);
 }
 ZK_API int Delete_Tool_Frame_NonBlock(ArmSocket s, const char* name) {
-    return post(named_tool(s, "set_delete_tool_frame", name));
+    return post(kTool.named(s, "set_delete_tool_frame", name));
 }
 ZK_API int Parser_Delete_Tool_Frame(const char* text) { return acknowledgement(text, "delete_tool_frame"); }
+ZK_TWIN(Parser_Delete_Tool_Frame);
 
 // The load on the flange. The centre of gravity goes out in thousandths in both forms.
 static Request load(ArmSocket s, int32_t mass, float x, float y, float z) {
@@ -221,9 +229,7 @@ ZK_API int Set_None_Payload_Block(ArmSocket s) { return set({s, "set_none_payloa
 ZK_API int Set_None_Payload_NonBlock(ArmSocket s) { return post({s, "set_none_payload"}); }
 
 FrameReply Current_Tool_Cmd[ZK_SLOTS];
-ZK_API int Get_Current_Tool_Frame(ArmSocket s, FrameRec* frame) {
-    return frame_in_use(Get_Current_Tool_Frame_Block, Algo_Get_Curr_ToolFrame, g_tool_pose, s, frame);
-}
+ZK_API int Get_Current_Tool_Frame(ArmSocket s, FrameRec* frame) { return kTool.in_use(s, frame); }
 ZK_API int Get_Current_Tool_Frame_Block(ArmSocket s, FrameRec* frame) {
     return frame_query({s, "get_current_tool_frame"}, Current_Tool_Cmd, frame, {.wipes_first = true});
 }
@@ -243,7 +249,7 @@ ZK_API int Get_Given_Tool_Frame(ArmSocket s, const char* name, FrameRec* frame) 
     return checked(Get_Given_Tool_Frame_Block, s, name, frame);
 }
 ZK_API int Get_Given_Tool_Frame_Block(ArmSocket s, const char* name, FrameRec* frame) {
-    return frame_query(named_tool(s, "get_tool_frame", name), Given_Tool_Cmd, frame,
+    return frame_query(kTool.named(s, "get_tool_frame", name), Given_Tool_Cmd, frame,
                        {.clears_before = true, .wipes_first = true});
 }
 ZK_API int Parser_Get_Given_Tool_Frame(const char* text, FrameRec* frame) { return read_given_tool(text, frame, {}); }
@@ -267,6 +273,7 @@ ZK_API int Get_All_Tool_Frame_Block(ArmSocket s, FrameName* names, int32_t* coun
 ZK_API int Parser_Get_All_Tool_Frame(const char* text, FrameName* names, int32_t* count) {
     return name_list(text, "tool_names", names, ZK_FRAME_NAMES, count);
 }
+ZK_TWIN(Parser_Get_All_Tool_Frame);
 
 static Request auto_work(ArmSocket s, const char* name, uint8_t number) {
     return Request(s, "set_auto_work_frame").text("frame_name", name).number("point_num", number);
@@ -282,6 +289,7 @@ ZK_API int Auto_Set_Work_Frame_NonBlock(ArmSocket s, const char* name, uint8_t n
     return post(auto_work(s, name, number));
 }
 ZK_API int Parser_Auto_Set_Work_Frame(const char* text) { return acknowledgement(text, "auto_work_frame"); }
+ZK_TWIN(Parser_Auto_Set_Work_Frame);
 
 static Request work(ArmSocket s, const char* command, const char* name, const Pose& pose) {
     return Request(s, command).text("frame_name", name).pose("frame_pose", pose);
@@ -297,6 +305,7 @@ ZK_API int Manual_Set_Work_Frame_NonBlock(ArmSocket s, const char* name, Pose po
     return post(work(s, "set_manual_work_frame", name, pose));
 }
 ZK_API int Parser_Manual_Set_Work_Frame(const char* text) { return acknowledgement(text, "manual_work_frame"); }
+ZK_TWIN(Parser_Manual_Set_Work_Frame);
 
 AckReply Update_Work_Frame_Cmd[ZK_SLOTS];
 ZK_API int Update_Work_Frame(ArmSocket s, const char* name, Pose pose) {
@@ -306,37 +315,34 @@ ZK_API int Update_Work_Frame_Block(ArmSocket s, const char* name, Pose pose) {
     return set(work(s, "update_work_frame", name, pose), Update_Work_Frame_Cmd);
 }
 
-static Request named_work(ArmSocket s, const char* command, const char* name) {
-    return Request(s, command).text("frame_name", name);
-}
 AckReply Change_Work_Frame_Cmd[ZK_SLOTS];
 ZK_API int Change_Work_Frame(ArmSocket s, const char* name, bool block) {
-    return work_changed(block ? Change_Work_Frame_Block : Change_Work_Frame_NonBlock, s, name);
+    return kWork.change(block ? Change_Work_Frame_Block : Change_Work_Frame_NonBlock, s, name);
 }
 ZK_API int Change_Work_Frame_Block(ArmSocket s, const char* name) {
-    return set(named_work(s, "set_change_work_frame", name), Change_Work_Frame_Cmd);
+    return set(kWork.named(s, "set_change_work_frame", name), Change_Work_Frame_Cmd);
 }
 ZK_API int Change_Work_Frame_NonBlock(ArmSocket s, const char* name) {
-    return post(named_work(s, "set_change_work_frame", name));
+    return post(kWork.named(s, "set_change_work_frame", name));
 }
 ZK_API int Parser_Change_Work_Frame(const char* text) { return acknowledgement(text, "change_work_frame"); }
+ZK_TWIN(Parser_Change_Work_Frame);
 
 AckReply Delete_Work_Frame_Cmd[ZK_SLOTS];
 ZK_API int Delete_Work_Frame(ArmSocket s, const char* name, bool block) {
-    return work_changed(block ? Delete_Work_Frame_Block : Delete_Work_Frame_NonBlock, s, name);
+    return kWork.change(block ? Delete_Work_Frame_Block : Delete_Work_Frame_NonBlock, s, name);
 }
 ZK_API int Delete_Work_Frame_Block(ArmSocket s, const char* name) {
-    return set(named_work(s, "set_delete_work_frame", name), Delete_Work_Frame_Cmd);
+    return set(kWork.named(s, "set_delete_work_frame", name), Delete_Work_Frame_Cmd);
 }
 ZK_API int Delete_Work_Frame_NonBlock(ArmSocket s, const char* name) {
-    return post(named_work(s, "set_delete_work_frame", name));
+    return post(kWork.named(s, "set_delete_work_frame", name));
 }
 ZK_API int Parser_Delete_Work_Frame(const char* text) { return acknowledgement(text, "delete_work_frame"); }
+ZK_TWIN(Parser_Delete_Work_Frame);
 
 FrameReply Current_Work_Cmd[ZK_SLOTS];
-ZK_API int Get_Current_Work_Frame(ArmSocket s, FrameRec* frame) {
-    return frame_in_use(Get_Current_Work_Frame_Block, Algo_Get_Curr_WorkFrame, g_work_pose, s, frame);
-}
+ZK_API int Get_Current_Work_Frame(ArmSocket s, FrameRec* frame) { return kWork.in_use(s, frame); }
 ZK_API int Get_Current_Work_Frame_Block(ArmSocket s, FrameRec* frame) {
     return frame_query({s, "get_current_work_frame"}, Current_Work_Cmd, frame, {.wipes_first = true});
 }
@@ -347,6 +353,7 @@ ZK_API int Parser_Get_Current_Work_Frame(const char* text, FrameRec* frame) {
     wire_pose(reply.array(reply.root(), "pose", 6), frame->pose.position, frame->pose.euler);
     return reply.status();
 }
+ZK_TWIN(Parser_Get_Current_Work_Frame);
 
 GivenWorkFrameReply Given_Work_Frame_Cmd[ZK_SLOTS];
 ZK_API int Get_Given_Work_Frame(ArmSocket s, char* name, Pose* pose) {
@@ -359,7 +366,7 @@ ZK_API int Get_Given_Work_Frame_Block(ArmSocket s, char* name, Pose* pose) {
         pose->position = reply.pose.position;
         pose->euler = reply.pose.euler;
     };
-    return query(named_work(s, "get_work_frame", name), Given_Work_Frame_Cmd, deliver,
+    return query(kWork.named(s, "get_work_frame", name), Given_Work_Frame_Cmd, deliver,
                  {.clears_before = true, .wipes_first = true});
 }
 ZK_API int Parser_Get_Given_Work_Frame(const char* text, char* name, Pose* pose) {
@@ -385,3 +392,4 @@ ZK_API int Get_All_Work_Frame_Blcok(ArmSocket s, FrameName* names, int32_t* coun
 ZK_API int Parser_Get_All_Work_Frame(const char* text, FrameName* names, int32_t* count) {
     return name_list(text, "frame_names", names, ZK_FRAME_NAMES, count);
 }
+ZK_TWIN(Parser_Get_All_Work_Frame);

@@ -99,13 +99,12 @@ ZK_API int Parser_Get_Global_Waypoints_List(ArmSocket s, const char* text, Globa
 int zk::read_waypoint_list(ArmSocket s, const char* text, int32_t* received, GlobalWaypointList* list) {
     Reply reply(text);
     *received = 0;
-    const auto take = [&](const char* key, int32_t& field) { take_integer(reply, reply.root(), key, field); };
     list->page_num = list->page_size = 0;
     list->vague_search[0] = '\0';
-    if (reply.find("page_num")) take("page_num", list->page_num);
-    if (reply.find("page_size")) take("page_size", list->page_size);
+    if (reply.find("page_num")) reply.take("page_num", list->page_num);
+    if (reply.find("page_size")) reply.take("page_size", list->page_size);
     if (reply.find("vague_search")) cut_text(reply, reply.root(), "vague_search", list->vague_search);
-    take("total_size", list->total_size);
+    reply.take("total_size", list->total_size);
     const Item entries = reply.array(reply.root(), "list");
     for (int i = 0; reply.good() && i < std::min(entries.size(), ZK_WAYPOINTS); ++i) {
         read_waypoint(s, reply, entries[i], &list->list[i]);

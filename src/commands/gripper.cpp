@@ -1,5 +1,6 @@
 // The gripper of two fingers.
 #include "commands/arrival.h"
+#include "commands/twin.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
 #include "zk/replies/file_transfer.h"
@@ -44,7 +45,8 @@ ZK_API int Set_Gripper_Route_Block(ArmSocket s, int32_t min, int32_t max) {
     return set(route(s, min, max), Set_Gripper_Route_Cmd, {.limit = read(m_nOutTime_max)});
 }
 ZK_API int Set_Gripper_Route_NonBlock(ArmSocket s, int32_t min, int32_t max) { return post(route(s, min, max)); }
-ZK_API int Parser_Set_Gripper_Route(const char* text) { return Parser_Set_Online_Start(text); }
+ZK_API int Parser_Set_Gripper_Route(const char* text) { return acknowledgement(text, "state"); }
+ZK_TWIN(Parser_Set_Gripper_Route);
 
 AckReply Set_Gripper_Release_Cmd[ZK_SLOTS];
 ZK_API int Set_Gripper_Release(ArmSocket s, int32_t speed, bool block, int32_t timeout) {
@@ -104,15 +106,12 @@ ZK_API int Parser_Get_Gripper_State(const char* text, GripperState* state) {
     const auto flag = [&](const char* key, uint8_t* value) {
         if (const Item number = reply.number(reply.root(), key)) *value = number.integer() != 0 ? 1 : 0;
     };
-    const auto take = [&](const char* key, int32_t* value) {
-        if (const Item number = reply.number(reply.root(), key)) *value = number.integer();
-    };
     flag("status", &state->status);
     flag("enable", &state->enable_state);
-    take("error", &state->error);
-    take("mode", &state->mode);
-    take("current_force", &state->current_force);
-    take("temperature", &state->temperature);
-    take("actpos", &state->actpos);
+    reply.take("error", state->error);
+    reply.take("mode", state->mode);
+    reply.take("current_force", state->current_force);
+    reply.take("temperature", state->temperature);
+    reply.take("actpos", state->actpos);
     return reply.status();
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "commands/twin.h"
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
@@ -78,7 +79,8 @@ ZK_API int Set_DO_State_Block(ArmSocket s, uint8_t number, uint8_t state) {
 ZK_API int Set_DO_State_NonBlock(ArmSocket s, uint8_t number, uint8_t state) {
     return post(switched(s, "set_DO_state", number, state != 0));
 }
-ZK_API int Parser_Set_DO_State(const char* text) { return Parser_Set_DH_Data(text); }
+ZK_API int Parser_Set_DO_State(const char* text) { return acknowledgement(text, "set_state"); }
+ZK_TWIN(Parser_Set_DO_State);
 
 AckReply Set_AO_State_Cmd[ZK_SLOTS];
 ZK_API int Set_AO_State(ArmSocket s, uint8_t number, float voltage, bool block) {
@@ -90,7 +92,8 @@ ZK_API int Set_AO_State_Block(ArmSocket s, uint8_t number, float voltage) {
 ZK_API int Set_AO_State_NonBlock(ArmSocket s, uint8_t number, float voltage) {
     return post(analogue_output(s, number, voltage));
 }
-ZK_API int Parser_Set_AO_State(const char* text) { return Parser_Set_Online_Start(text); }
+ZK_API int Parser_Set_AO_State(const char* text) { return acknowledgement(text, "state"); }
+ZK_TWIN(Parser_Set_AO_State);
 
 ZK_API int Set_IO_State(ArmSocket s, int32_t type, uint8_t number, uint8_t value, bool block) {
     if (sending_file()) return ZK_SENDING_FILE;
@@ -110,6 +113,7 @@ ZK_API int Get_DO_State_Block(ArmSocket s, uint8_t number, uint8_t* state) {
     return byte_query(numbered(s, "get_DO_state", number), Get_DO_State_Cmd, state);
 }
 ZK_API int Parser_Get_DO_State(const char* text, int32_t* state) { return integer_value(text, "IO_state", state); }
+ZK_TWIN(Parser_Get_DO_State);
 
 // Nothing writes the value of this mailbox: the route puts it into that of the outputs.
 IntReply Get_DI_State_Cmd[ZK_SLOTS];
@@ -117,7 +121,8 @@ ZK_API int Get_DI_State(ArmSocket s, uint8_t number, uint8_t* state) { return Ge
 ZK_API int Get_DI_State_Block(ArmSocket s, uint8_t number, uint8_t* state) {
     return byte_query(numbered(s, "get_DI_state", number), Get_DI_State_Cmd, state);
 }
-ZK_API int Parser_Get_DI_State(const char* text, int32_t* state) { return Parser_Get_DO_State(text, state); }
+ZK_API int Parser_Get_DI_State(const char* text, int32_t* state) { return integer_value(text, "IO_state", state); }
+ZK_TWIN(Parser_Get_DI_State);
 
 FloatReply Get_AO_State_Cmd[ZK_SLOTS];
 ZK_API int Get_AO_State(ArmSocket s, uint8_t number, uint8_t* volts) { return Get_AO_State_Block(s, number, volts); }
@@ -125,13 +130,15 @@ ZK_API int Get_AO_State_Block(ArmSocket s, uint8_t number, uint8_t* volts) {
     return whole_volts_query(numbered(s, "get_AO_state", number), Get_AO_State_Cmd, volts);
 }
 ZK_API int Parser_Get_AO_State(const char* text, float* volts) { return float_value(text, "voltage", 1000.0f, volts); }
+ZK_TWIN(Parser_Get_AO_State);
 
 FloatReply Get_AI_State_Cmd[ZK_SLOTS];
 ZK_API int Get_AI_State(ArmSocket s, uint8_t number, uint8_t* volts) { return Get_AI_State_Blcok(s, number, volts); }
 ZK_API int Get_AI_State_Blcok(ArmSocket s, uint8_t number, uint8_t* volts) {
     return whole_volts_query(numbered(s, "get_AI_state", number), Get_AI_State_Cmd, volts);
 }
-ZK_API int Parser_Get_AI_State(const char* text, float* volts) { return Parser_Get_AO_State(text, volts); }
+ZK_API int Parser_Get_AI_State(const char* text, float* volts) { return float_value(text, "voltage", 1000.0f, volts); }
+ZK_TWIN(Parser_Get_AI_State);
 
 IoBankReply Get_IO_State_Cmd[ZK_SLOTS];
 ZK_API int Get_IO_Input(ArmSocket s, int32_t* digital, float* analogue) {
@@ -143,6 +150,7 @@ ZK_API int Get_IO_Input_Block(ArmSocket s, int32_t* digital, float* analogue) {
 ZK_API int Parser_IO_Input(const char* text, int32_t* digital, float* analogue) {
     return bank(text, "DI", "AI", digital, analogue);
 }
+ZK_TWIN(Parser_IO_Input);
 
 IoBankReply Get_IO_Output_State_Cmd[ZK_SLOTS];
 ZK_API int Get_IO_Output(ArmSocket s, int32_t* digital, float* analogue) {
@@ -154,6 +162,7 @@ ZK_API int Get_IO_Output_Block(ArmSocket s, int32_t* digital, float* analogue) {
 ZK_API int Parser_IO_Output(const char* text, int32_t* digital, float* analogue) {
     return bank(text, "DO", "AO", digital, analogue);
 }
+ZK_TWIN(Parser_IO_Output);
 
 IoStateReply Get_DIO_State_Cmd[ZK_SLOTS];
 ZK_API int Get_IO_State(ArmSocket s, uint8_t number, uint8_t* state, uint8_t* mode) {
@@ -164,10 +173,11 @@ ZK_API int Get_IO_State_Block(ArmSocket s, uint8_t number, uint8_t* state, uint8
 }
 ZK_API int Parser_Get_IO_State(const char* text, int32_t* state, int32_t* mode) {
     Reply reply(text);
-    if (const Item number = reply.number(reply.root(), "IO_state")) *state = number.integer();
+    reply.take("IO_state", *state);
     if (const Item number = reply.find("IO_Mode"); reply.good() && number.is_number()) *mode = number.integer();
     return reply.status();
 }
+ZK_TWIN(Parser_Get_IO_State);
 
 AckReply Set_IO_Mode_Cmd[ZK_SLOTS];
 ZK_API int Set_IO_Mode(ArmSocket s, uint8_t number, uint8_t mode) {
@@ -176,7 +186,7 @@ ZK_API int Set_IO_Mode(ArmSocket s, uint8_t number, uint8_t mode) {
 ZK_API int Set_IO_Mode_Block(ArmSocket s, uint8_t number, uint8_t mode) {
     return set(numbered(s, "set_IO_mode", number).number("IO_mode", mode), Set_IO_Mode_Cmd);
 }
-ZK_API int Parser_Set_IO_Mode(const char* text) { return Parser_Set_DH_Data(text); }
+ZK_API int Parser_Set_IO_Mode(const char* text) { return acknowledgement(text, "set_state"); }
 
 AckReply Set_Voltage_Cmd[ZK_SLOTS];
 ZK_API int Set_Voltage(ArmSocket s, uint8_t type, uint8_t start_enable) {
@@ -185,7 +195,7 @@ ZK_API int Set_Voltage(ArmSocket s, uint8_t type, uint8_t start_enable) {
 ZK_API int Set_Voltage_Block(ArmSocket s, uint8_t type, uint8_t start_enable) {
     return set(supply(s, type, start_enable), Set_Voltage_Cmd);
 }
-ZK_API int Parser_Set_Voltage(const char* text) { return Parser_Set_Online_Start(text); }
+ZK_API int Parser_Set_Voltage(const char* text) { return acknowledgement(text, "state"); }
 
 IntReply Get_Voltage_Cmd[ZK_SLOTS];
 ZK_API int Get_Voltage(ArmSocket s, uint8_t* type) { return checked(Get_Voltage_Block, s, type); }
@@ -204,7 +214,8 @@ ZK_API int Set_Tool_DO_State_Block(ArmSocket s, uint8_t number, uint8_t state) {
 ZK_API int Set_Tool_DO_State_NonBlock(ArmSocket s, uint8_t number, uint8_t state) {
     return post(switched(s, "set_tool_DO_state", number, state != 0));
 }
-ZK_API int Parser_Set_Tool_DO_State_2(const char* text) { return Parser_Set_DH_Data(text); }
+ZK_API int Parser_Set_Tool_DO_State_2(const char* text) { return acknowledgement(text, "set_state"); }
+ZK_TWIN(Parser_Set_Tool_DO_State_2);
 
 AckReply Set_Tool_IO_Mode_Cmd[ZK_SLOTS];
 ZK_API int Set_Tool_IO_Mode(ArmSocket s, uint8_t number, uint8_t state, bool block) {
@@ -216,7 +227,8 @@ ZK_API int Set_Tool_IO_Mode_Block(ArmSocket s, uint8_t number, uint8_t state) {
 ZK_API int Set_Tool_IO_Mode_NonBlock(ArmSocket s, uint8_t number, uint8_t state) {
     return post(switched(s, "set_tool_IO_mode", number, state != 0));
 }
-ZK_API int Parser_Set_Tool_DO_State(const char* text) { return Parser_Set_DH_Data(text); }
+ZK_API int Parser_Set_Tool_DO_State(const char* text) { return acknowledgement(text, "set_state"); }
+ZK_TWIN(Parser_Set_Tool_DO_State);
 
 ToolIoReply Get_Tool_IO_State_Cmd[ZK_SLOTS];
 ZK_API int Get_Tool_IO_State(ArmSocket s, float* mode, float* state) {
@@ -238,6 +250,7 @@ ZK_API int Parser_Get_Tool_IO_State(const char* text, float* mode, float* state)
     pair("IO_State", state);
     return reply.status();
 }
+ZK_TWIN(Parser_Get_Tool_IO_State);
 
 AckReply Set_Tool_Voltage_Cmd[ZK_SLOTS];
 static Request tool_supply(ArmSocket s, uint8_t type) {
@@ -248,7 +261,8 @@ ZK_API int Set_Tool_Voltage(ArmSocket s, uint8_t type, bool block) {
 }
 ZK_API int Set_Tool_Voltage_Block(ArmSocket s, uint8_t type) { return set(tool_supply(s, type), Set_Tool_Voltage_Cmd); }
 ZK_API int Set_Tool_Voltage_NonBlock(ArmSocket s, uint8_t type) { return post(tool_supply(s, type)); }
-ZK_API int Parser_Set_Tool_Voltage(const char* text) { return Parser_Set_Online_Start(text); }
+ZK_API int Parser_Set_Tool_Voltage(const char* text) { return acknowledgement(text, "state"); }
+ZK_TWIN(Parser_Set_Tool_Voltage);
 
 IntReply Get_Tool_Voltage_Cmd[ZK_SLOTS];
 ZK_API int Get_Tool_Voltage(ArmSocket s, uint8_t* type) { return checked(Get_Tool_Voltage_Block, s, type); }
@@ -258,6 +272,7 @@ ZK_API int Get_Tool_Voltage_Block(ArmSocket s, uint8_t* type) {
 ZK_API int Parser_Get_Tool_Voltage(const char* text, int32_t* type) {
     return integer_value(text, "voltage_type", type);
 }
+ZK_TWIN(Parser_Get_Tool_Voltage);
 
 // Requests of above under other names. Their replies go to the mailboxes of above, so these end in 7.
 AckReply Set_IO_Mode_NC_Cmd[ZK_SLOTS];

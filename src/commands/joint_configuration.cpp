@@ -1,6 +1,7 @@
 // Joint configuration: limits of the arm and of its drives, enabling, errors, zero points, calibration.
 #include "zk/replies/joint_configuration.h"
 
+#include "commands/twin.h"
 #include "connection/exchange.h"
 #include "connection/pending.h"
 #include "connection/reply.h"
@@ -15,8 +16,7 @@ namespace {
 using JointQuery = int (*)(ArmSocket, float*);
 using JointLimit = int (*)(ArmSocket, uint8_t, float);
 
-// A limit that the controller told goes into the local model. The model takes as many values as its arm has joints,
-// which need not be as many as the connection has.
+// Asks for a limit and puts it into the local model. The model's arm may have more joints than the connection.
 int limit_into_model(JointQuery query, void (*to_model)(const float*), ArmSocket s, float* out) {
     if (const int status = checked(query, s, out)) return status;
     float limit[8] = {};
@@ -25,26 +25,25 @@ int limit_into_model(JointQuery query, void (*to_model)(const float*), ArmSocket
     return ZK_OK;
 }
 
-// A limit that was set is asked for again, so that the model gets what the controller now holds. The question's status
-// is the result.
-int limit_and_back(JointLimit set, JointQuery query, ArmSocket s, uint8_t joint, float value) {
+// Sets a limit, then asks for it, which puts what the controller now holds into the model. Returns the query's status.
+int set_limit_and_refresh_model(JointLimit set, JointQuery query, ArmSocket s, uint8_t joint, float value) {
     if (const int status = guarded(set, s, joint, value)) return status;
     float held[8] = {};
     return query(s, held);
 }
 
-// The same where the connection is looked at first.
+// The same after a check of the connection.
 int limit_of_connection(JointLimit set, JointQuery query, ArmSocket s, uint8_t joint, float value) {
     if (sending_file()) return ZK_SENDING_FILE;
     if (const int status = needs_connection(s)) return status;
-    return limit_and_back(set, query, s, joint, value);
+    return set_limit_and_refresh_model(set, query, s, joint, value);
 }
 
 Request joint_pair(ArmSocket s, const char* command, const char* key, uint8_t joint, int32_t value) {
     return Request(s, command).numbers(key, {double(joint), double(value)});
 }
 
-// Speeds and accelerations go out in turns a minute, six degrees a second each, where not told otherwise.
+// Most requests send speeds and accelerations in revolutions per minute, six degrees per second each.
 int32_t thousandths_of_rpm(float degrees_per_second) { return thousandths(degrees_per_second / 6.0f); }
 
 }  // namespace
@@ -63,6 +62,7 @@ ZK_API int Set_Joint_Speed_NonBlock(ArmSocket s, uint8_t joint, float value) {
     return post(joint_pair(s, "set_joint_max_speed", "joint_max_speed", joint, thousandths(value)));
 }
 ZK_API int Parser_Joint_Speed(const char* text) { return acknowledgement(text, "joint_max_speed", ZK_NOT_BOOLEAN); }
+ZK_TWIN(Parser_Joint_Speed);
 
 AckReply Set_Joint_Max_Acc_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Acc(ArmSocket s, uint8_t joint, float value, bool block) {
@@ -76,11 +76,12 @@ ZK_API int Set_Joint_Acc_NonBlock(ArmSocket s, uint8_t joint, float value) {
     return post(joint_pair(s, "set_joint_max_acc", "joint_max_acc", joint, thousandths(value)));
 }
 ZK_API int Parser_Joint_Acc(const char* text) { return acknowledgement(text, "joint_max_acc", ZK_NOT_BOOLEAN); }
+ZK_TWIN(Parser_Joint_Acc);
 
 AckReply Set_Joint_Min_Pos_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Min_Pos(ArmSocket s, uint8_t joint, float value, bool block) {
-    return limit_and_back(block ? Set_Joint_Min_Pos_Block : Set_Joint_Min_Pos_NonBlock, Get_Joint_Min_Pos, s, joint,
-                          value);
+    return set_limit_and_refresh_model(block ? Set_Joint_Min_Pos_Block : Set_Joint_Min_Pos_NonBlock, Get_Joint_Min_Pos,
+                                       s, joint, value);
 }
 ZK_API int Set_Joint_Min_Pos_Block(ArmSocket s, uint8_t joint, float value) {
     return set(joint_pair(s, "set_joint_min_pos", "joint_min_pos", joint, thousandths(value)), Set_Joint_Min_Pos_Cmd);
@@ -89,11 +90,12 @@ ZK_API int Set_Joint_Min_Pos_NonBlock(ArmSocket s, uint8_t joint, float value) {
     return post(joint_pair(s, "set_joint_min_pos", "joint_min_pos", joint, thousandths(value)));
 }
 ZK_API int Parser_Joint_Min_Pos(const char* text) { return acknowledgement(text, "joint_min_pos", ZK_NOT_BOOLEAN); }
+ZK_TWIN(Parser_Joint_Min_Pos);
 
 AckReply Set_Joint_Max_Pos_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Max_Pos(ArmSocket s, uint8_t joint, float value, bool block) {
-    return limit_and_back(block ? Set_Joint_Max_Pos_Block : Set_Joint_Max_Pos_NonBlock, Get_Joint_Max_Pos, s, joint,
-                          value);
+    return set_limit_and_refresh_model(block ? Set_Joint_Max_Pos_Block : Set_Joint_Max_Pos_NonBlock, Get_Joint_Max_Pos,
+                                       s, joint, value);
 }
 ZK_API int Set_Joint_Max_Pos_Block(ArmSocket s, uint8_t joint, float value) {
     return set(joint_pair(s, "set_joint_max_pos", "joint_max_pos", joint, thousandths(value)), Set_Joint_Max_Pos_Cmd);
@@ -102,6 +104,7 @@ ZK_API int Set_Joint_Max_Pos_NonBlock(ArmSocket s, uint8_t joint, float value) {
     return post(joint_pair(s, "set_joint_max_pos", "joint_max_pos", joint, thousandths(value)));
 }
 ZK_API int Parser_Joint_Max_Pos(const char* text) { return acknowledgement(text, "joint_max_pos", ZK_NOT_BOOLEAN); }
+ZK_TWIN(Parser_Joint_Max_Pos);
 
 JointReply Joint_Max_Speed_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Speed(ArmSocket s, float* out) {
@@ -113,6 +116,7 @@ ZK_API int Get_Joint_Speed_Block(ArmSocket s, float* out) {
 ZK_API int Parser_Get_Joint_Speed(ArmSocket s, const char* text, float* out) {
     return joint_array(s, text, {.key = "joint_speed", .factor = 6.0f, .not_array = ZK_WRONG_SIZE}, out);
 }
+ZK_TWIN(Parser_Get_Joint_Speed);
 
 JointReply Get_Joint_Max_Acc_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Acc(ArmSocket s, float* out) {
@@ -124,6 +128,7 @@ ZK_API int Get_Joint_Acc_Block(ArmSocket s, float* out) {
 ZK_API int Parser_Get_Joint_Acc(ArmSocket s, const char* text, float* out) {
     return joint_array(s, text, {.key = "joint_acc", .factor = 6.0f}, out);
 }
+ZK_TWIN(Parser_Get_Joint_Acc);
 
 JointReply Get_Joint_Min_Pos_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Min_Pos(ArmSocket s, float* out) {
@@ -135,6 +140,7 @@ ZK_API int Get_Joint_Min_Pos_Block(ArmSocket s, float* out) {
 ZK_API int Parser_Get_Min_Pos(ArmSocket s, const char* text, float* out) {
     return joint_array(s, text, {.key = "min_pos"}, out);
 }
+ZK_TWIN(Parser_Get_Min_Pos);
 
 JointReply Get_Joint_Max_Pos_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Max_Pos(ArmSocket s, float* out) {
@@ -146,6 +152,7 @@ ZK_API int Get_Joint_Max_Pos_Block(ArmSocket s, float* out) {
 ZK_API int Parser_Get_Max_Pos(ArmSocket s, const char* text, float* out) {
     return joint_array(s, text, {.key = "max_pos"}, out);
 }
+ZK_TWIN(Parser_Get_Max_Pos);
 
 // The drives' own limits, which the local model does not know.
 AckReply Set_Joint_Drive_Max_Speed_Cmd[ZK_SLOTS];
@@ -238,6 +245,7 @@ ZK_API int Set_Joint_EN_State_NonBlock(ArmSocket s, uint8_t joint, uint8_t state
     return post(en_state(s, joint, state));
 }
 ZK_API int Parser_Joint_EN_State(const char* text) { return acknowledgement(text, "joint_en_state", ZK_NOT_BOOLEAN); }
+ZK_TWIN(Parser_Joint_EN_State);
 
 JointIntReply Get_Joint_En_State_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_EN_State(ArmSocket s, uint8_t* state) { return checked(Get_Joint_EN_State_Block, s, state); }
@@ -248,6 +256,7 @@ ZK_API int Get_Joint_EN_State_Block(ArmSocket s, uint8_t* state) {
 ZK_API int Parser_Get_Joint_EN_State(ArmSocket s, const char* text, int32_t* state) {
     return joint_array(s, text, "en_state", state);
 }
+ZK_TWIN(Parser_Get_Joint_EN_State);
 
 static Request clear_err(ArmSocket s, uint8_t joint) {
     return Request(s, "set_joint_clear_err").number("joint_clear_err", joint);
@@ -263,6 +272,7 @@ ZK_API int Set_Joint_Err_Clear_Block(ArmSocket s, uint8_t joint) {
 }
 ZK_API int Set_Joint_Err_Clear_NonBlock(ArmSocket s, uint8_t joint) { return post(clear_err(s, joint)); }
 ZK_API int Parser_Joint_Err_Clear(const char* text) { return acknowledgement(text, "joint_clear_err", ZK_NOT_BOOLEAN); }
+ZK_TWIN(Parser_Joint_Err_Clear);
 
 JointErrorReply Get_Joint_Err_Flag_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Err_Flag(ArmSocket s, uint16_t* err_flag, uint16_t* brake_state) {
@@ -278,6 +288,7 @@ ZK_API int Parser_Get_Joint_Err_Flag(ArmSocket s, const char* text, int32_t* err
     const int status = joint_array(s, text, "err_flag", err_flag);
     return status ? status : joint_array(s, text, "brake_state", brake_state);
 }
+ZK_TWIN(Parser_Get_Joint_Err_Flag);
 
 JointIntReply Get_Joint_Software_Version_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Software_Version(ArmSocket s, int32_t* version) {
@@ -290,6 +301,7 @@ ZK_API int Get_Joint_Software_Version_Block(ArmSocket s, int32_t* version) {
 ZK_API int Parser_Get_Joint_Software_Version(ArmSocket s, const char* text, int32_t* version) {
     return joint_array(s, text, "version", version);
 }
+ZK_TWIN(Parser_Get_Joint_Software_Version);
 
 static Request zero_pos(ArmSocket s, uint8_t joint) {
     return Request(s, "set_joint_zero_pos").number("joint_zero_pos", joint);
@@ -304,6 +316,7 @@ ZK_API int Set_Joint_Zero_Pos(ArmSocket s, uint8_t joint, bool block) {
 ZK_API int Set_Joint_Zero_Pos_Block(ArmSocket s, uint8_t joint) { return set(zero_pos(s, joint), Set_Joint_Zero_Cmd); }
 ZK_API int Set_Joint_Zero_Pos_NonBlock(ArmSocket s, uint8_t joint) { return post(zero_pos(s, joint)); }
 ZK_API int Parser_Joint_Zero_Pos(const char* text) { return acknowledgement(text, "joint_zero_pos", ZK_NOT_BOOLEAN); }
+ZK_TWIN(Parser_Joint_Zero_Pos);
 
 // The replies of calibration do not reach the pending list: the blocking forms end in 7.
 ZK_API int Start_Calibrate(ArmSocket s, bool block) {
@@ -335,7 +348,7 @@ ZK_API int Parser_Get_Calibrate_State(ArmSocket s, const char* text, float* stat
     const Item errors = joints("err");
     for (int i = 0; i < errors.size(); ++i) err[i] = static_cast<uint16_t>(errors[i].integer());
     // The same key is asked for a number, which an array is not: with both arrays filled the result is 11.
-    if (const Item number = reply.number(reply.root(), "err")) *value = number.integer();
+    reply.take("err", *value);
     return reply.status();
 }
 

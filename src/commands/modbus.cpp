@@ -76,14 +76,14 @@ ZK_API int Set_Modbustcp_Mode_Block(ArmSocket s, const char* ip, int32_t port, i
     return set(Request(s, "set_modbustcp_mode").text("ip", ip).number("port", port).number("timeout", timeout),
                Set_Modbustcp_Mode_Cmd, {.limit = limit_of(int64_t{read(m_nOutTime)} + timeout)});
 }
-ZK_API int Parser_Set_Modbustcp_Mode(const char* text) { return Parser_Set_DH_Data(text); }
+ZK_API int Parser_Set_Modbustcp_Mode(const char* text) { return acknowledgement(text, "set_state"); }
 
 AckReply Close_Modbustcp_Mode_Cmd[ZK_SLOTS];
 ZK_API int Close_Modbustcp_Mode(ArmSocket s) { return guarded(Close_Modbustcp_Mode_Block, s); }
 ZK_API int Close_Modbustcp_Mode_Block(ArmSocket s) {
     return set({s, "close_modbustcp_mode"}, Close_Modbustcp_Mode_Cmd);
 }
-ZK_API int Parser_Close_Modbustcp_Mode(const char* text) { return Parser_Set_DH_Data(text); }
+ZK_API int Parser_Close_Modbustcp_Mode(const char* text) { return acknowledgement(text, "set_state"); }
 
 static Request read_several(ArmSocket s, const char* command, int32_t port, int32_t address, int32_t num,
                             int32_t device) {
@@ -222,7 +222,7 @@ ZK_API int Write_Coils_NonBlock(ArmSocket s, int32_t port, int32_t address, int3
                                 int32_t device) {
     return post(coils(s, port, address, num, data, device));
 }
-ZK_API int Parser_Write_Multiple_Coils(const char* text) { return Parser_Write_single_coil(text); }
+ZK_API int Parser_Write_Multiple_Coils(const char* text) { return acknowledgement(text, "write_state"); }
 
 AckReply Write_Single_Registers_Cmd[ZK_SLOTS];
 ZK_API int Write_Single_Register(ArmSocket s, int32_t port, int32_t address, uint16_t data, int32_t device,

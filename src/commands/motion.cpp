@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "commands/arrival.h"
+#include "commands/twin.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
 #include "zk/algorithm.h"
@@ -44,6 +45,7 @@ ZK_API int Parser_Plan_Feedback(const char* text, int32_t* device, int32_t* traj
     *trajectory_connect = connect.is_number() ? connect.integer() : -1;
     return reply.status();
 }
+ZK_TWIN(Parser_Plan_Feedback);
 
 static Request movej(ArmSocket s, const float* joint, uint8_t v, uint8_t r, int32_t connect) {
     return Request(s, "movej")

@@ -1,6 +1,7 @@
 // The network and the serial ports of the controller.
 #include <cstring>
 
+#include "commands/twin.h"
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
@@ -29,7 +30,8 @@ ZK_API int Set_High_Speed_Eth_Block(ArmSocket s, uint8_t mode) {
     return set(high_speed(s, mode), Set_High_Speed_Eth_Cmd);
 }
 ZK_API int Set_High_Speed_Eth_NonBlock(ArmSocket s, uint8_t mode) { return post(high_speed(s, mode)); }
-ZK_API int Parser_Set_High_Speed_Eth(const char* text) { return Parser_Set_DH_Data(text); }
+ZK_API int Parser_Set_High_Speed_Eth(const char* text) { return acknowledgement(text, "set_state"); }
+ZK_TWIN(Parser_Set_High_Speed_Eth);
 
 AckReply Set_High_Ethernet_Cmd[ZK_SLOTS];
 ZK_API int Set_High_Ethernet(ArmSocket s, const char* ip, const char* mask, const char* gateway) {
@@ -39,7 +41,7 @@ ZK_API int Set_High_Ethernet_Block(ArmSocket s, const char* ip, const char* mask
     return set(Request(s, "set_high_ethernet").text("ip", ip).text("mask", mask).text("gateway", gateway),
                Set_High_Ethernet_Cmd);
 }
-ZK_API int Parser_Set_High_Ethernet(const char* text) { return Parser_Set_Online_Start(text); }
+ZK_API int Parser_Set_High_Ethernet(const char* text) { return acknowledgement(text, "state"); }
 
 HighEthernetReply Get_High_Ethernet_Cmd[ZK_SLOTS];
 ZK_API int Get_High_Ethernet(ArmSocket s, char* ip, char* mask, char* gateway, char* mac) {
@@ -90,7 +92,7 @@ ZK_API int Get_Wifi_Net_Block(ArmSocket s, WifiNet* net) {
 }
 ZK_API int Parser_Get_Wifi_Net(const char* text, WifiNet* net) {
     Reply reply(text);
-    if (const Item channel = reply.number(reply.root(), "channel")) net->channel = channel.integer();
+    reply.take("channel", net->channel);
     text_field(reply, "ip", net->ip, sizeof net->ip);
     text_field(reply, "mac", net->mac, sizeof net->mac);
     text_field(reply, "mask", net->mask, sizeof net->mask);
@@ -129,12 +131,9 @@ static int rs485_query(ArmSocket s, const char* command, Rs485Reply (&mailbox)[Z
 }
 static int rs485_mode(const char* text, const char* key, int32_t* mode, int32_t* baudrate, int32_t* timeout) {
     Reply reply(text);
-    const auto take = [&](const char* name, int32_t* value) {
-        if (const Item number = reply.number(reply.root(), name)) *value = number.integer();
-    };
-    take(key, mode);
-    take("baudrate", baudrate);
-    take("modbus_timeout", timeout);
+    reply.take(key, *mode);
+    reply.take("baudrate", *baudrate);
+    reply.take("modbus_timeout", *timeout);
     return reply.status();
 }
 

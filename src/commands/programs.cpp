@@ -36,16 +36,16 @@ ZK_API int Parser_Get_Program_Trajectory_List(const char* text, ProgramList* lis
 int zk::read_program_list(const char* text, int32_t* received, ProgramList* list) {
     Reply reply(text);
     *received = 0;
-    take_integer(reply, reply.root(), "page_num", list->page_num);
-    take_integer(reply, reply.root(), "page_size", list->page_size);
-    take_integer(reply, reply.root(), "total_size", list->total_size);
+    reply.take("page_num", list->page_num);
+    reply.take("page_size", list->page_size);
+    reply.take("total_size", list->total_size);
     cut_text(reply, reply.root(), "vague_search", list->vague_search);
     const Item entries = reply.array(reply.root(), "list");
     for (int i = 0; reply.good() && i < std::min(entries.size(), ZK_PROGRAMS); ++i) {
         ProgramEntry& entry = list->list[i];
-        take_integer(reply, entries[i], "id", entry.id);
-        take_integer(reply, entries[i], "size", entry.size);
-        take_integer(reply, entries[i], "speed", entry.speed);
+        reply.take(entries[i], "id", entry.id);
+        reply.take(entries[i], "size", entry.size);
+        reply.take(entries[i], "speed", entry.speed);
         cut_text(reply, entries[i], "trajectory_name", entry.trajectory_name);
         if (reply.good()) ++*received;
     }
@@ -78,19 +78,18 @@ static void read_loops(Reply& reply, ProgramRunState* state) {
 
 ZK_API int Parser_Get_Program_Run_State(const char* text, ProgramRunState* state) {
     Reply reply(text);
-    const auto take = [&](const char* key, int32_t& field) { take_integer(reply, reply.root(), key, field); };
-    take("run_state", state->run_state);
+    reply.take("run_state", state->run_state);
     if (!reply.good()) return reply.status();
     if (state->run_state == 0) {
         state->id = state->plan_num = state->loop_count = state->plan_speed = state->step_mode = -1;
     } else {
-        take("id", state->id);
-        take("plan_num", state->plan_num);
+        reply.take("id", state->id);
+        reply.take("plan_num", state->plan_num);
         read_loops(reply, state);
-        take("plan_speed", state->plan_speed);
-        take("step_mode", state->step_mode);
+        reply.take("plan_speed", state->plan_speed);
+        reply.take("step_mode", state->step_mode);
     }
-    if (reply.find("edit_id")) take("edit_id", state->edit_id);
+    if (reply.find("edit_id")) reply.take("edit_id", state->edit_id);
     return reply.good() ? state->run_state : reply.status();
 }
 

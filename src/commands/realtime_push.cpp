@@ -57,7 +57,7 @@ ZK_API int Set_Realtime_Push(ArmSocket s, RealtimePushConfig config) {
 ZK_API int Set_Realtime_Push_Block(ArmSocket s, RealtimePushConfig config) {
     return set(set_realtime_push(s, config), Set_Realtime_Push_Cmd);
 }
-ZK_API int Parser_Set_Realtime_Push(const char* text) { return Parser_Set_Online_Start(text); }
+ZK_API int Parser_Set_Realtime_Push(const char* text) { return acknowledgement(text, "state"); }
 
 RealtimePushReply Get_Realtime_Push_Cmd[ZK_SLOTS];
 ZK_API int Get_Realtime_Push(ArmSocket s, RealtimePushConfig* config) {

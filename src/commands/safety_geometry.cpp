@@ -69,7 +69,7 @@ Request fence_request(ArmSocket s, const char* command, const FenceConfig& fence
 void read_named_fence(Reply& reply, Item object, FenceConfig& fence) {
     if (!reply.good()) return;
     fence = {};
-    take_integer(reply, object, "form", fence.form);
+    reply.take(object, "form", fence.form);
     if (const Item name = reply.text(object, "form_name"))
         copy_name(name.text(), fence.form_name, sizeof fence.form_name);
     read_lengths(reply, object, fence, lengths_of(fence.form));
@@ -127,7 +127,7 @@ ZK_API int Set_Electronic_Fence_Enable_Block(ArmSocket s, uint8_t enable, int32_
     return set(enable_request(s, "set_electronic_fence_enable", enable, in_out_side, effective_region),
                Set_Electronic_Fence_Enable_Cmd);
 }
-ZK_API int Parser_Set_Electronic_Fence_Enable(const char* text) { return Parser_Set_DH_Data(text); }
+ZK_API int Parser_Set_Electronic_Fence_Enable(const char* text) { return acknowledgement(text, "set_state"); }
 
 FenceEnableReply Get_Electronic_Fence_Enable_Cmd[ZK_SLOTS];
 ZK_API int Get_Electronic_Fence_Enable(ArmSocket s, uint8_t* enable, int32_t* in_out_side, int32_t* effective_region) {
@@ -142,8 +142,8 @@ ZK_API int Parser_Get_Electronic_Fence_Enable(const char* text, int32_t* enable,
                                               int32_t* effective_region) {
     Reply reply(text);
     if (const Item state = reply.boolean(reply.root(), "enable_state")) *enable = state.is_true();
-    take_integer(reply, reply.root(), "effective_region", *effective_region);
-    take_integer(reply, reply.root(), "in_out_side", *in_out_side);
+    reply.take("effective_region", *effective_region);
+    reply.take("in_out_side", *in_out_side);
     return reply.status();
 }
 
@@ -154,7 +154,7 @@ ZK_API int Set_Electronic_Fence_Config(ArmSocket s, FenceConfig fence) {
 ZK_API int Set_Electronic_Fence_Config_Block(ArmSocket s, FenceConfig fence) {
     return set(fence_request(s, "set_electronic_fence_config", fence), Set_Electronic_Fence_Config_Cmd);
 }
-ZK_API int Parser_Set_Electronic_Fence_Config(const char* text) { return Parser_Set_Config(text); }
+ZK_API int Parser_Set_Electronic_Fence_Config(const char* text) { return acknowledgement(text, "set_config"); }
 
 FenceConfigReply Get_Electronic_Fence_Config_Cmd[ZK_SLOTS];
 ZK_API int Get_Electronic_Fence_Config(ArmSocket s, FenceConfig* fence) {
@@ -299,7 +299,7 @@ ZK_API int Set_Self_Collision_Enable_Block(ArmSocket s, uint8_t enable) {
     return set(Request(s, "set_self_collision_enable").boolean("set_enable", enable != 0),
                Set_Self_Collision_Enable_Cmd);
 }
-ZK_API int Parser_Set_Self_Collision_Enable(const char* text) { return Parser_Set_DH_Data(text); }
+ZK_API int Parser_Set_Self_Collision_Enable(const char* text) { return acknowledgement(text, "set_state"); }
 
 IntReply Get_Self_Collision_Enable_Cmd[ZK_SLOTS];
 ZK_API int Get_Self_Collision_Enable(ArmSocket s, uint8_t* enable) {

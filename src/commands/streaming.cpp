@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "commands/set_point.h"
+#include "commands/twin.h"
 #include "connection/exchange.h"
 #include "connection/pending.h"
 #include "connection/reply.h"
@@ -25,6 +26,7 @@ ZK_API int Parser_Movej_CANFD(ArmSocket s, const char* text, Pose* pose, float* 
     plain_numbers(reply.find("joint"), joint_count(s), joint);
     return error.integer();
 }
+ZK_TWIN(Parser_Movej_CANFD);
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "commands/counters.h"
+#include "commands/twin.h"
 #include "connection/exchange.h"
 #include "connection/pending.h"
 #include "connection/reply.h"
@@ -33,6 +34,7 @@ ZK_API int Set_Arm_Power(ArmSocket s, uint8_t on, bool block) {
 ZK_API int Set_Arm_Power_Block(ArmSocket s, uint8_t on) { return set(power(s, on), Set_Arm_Power_Cmd); }
 ZK_API int Set_Arm_Power_NonBlock(ArmSocket s, uint8_t on) { return post(power(s, on)); }
 ZK_API int Parser_Set_Arm_Power(const char* text) { return acknowledgement(text, "arm_power"); }
+ZK_TWIN(Parser_Set_Arm_Power);
 
 IntReply Get_Arm_Power_State_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Power_State(ArmSocket s, int32_t* on) { return checked(Get_Arm_Power_State_Block, s, on); }
@@ -40,6 +42,7 @@ ZK_API int Get_Arm_Power_State_Block(ArmSocket s, int32_t* on) {
     return query_value(s, "get_arm_power_state", Get_Arm_Power_State_Cmd, on);
 }
 ZK_API int Parser_Get_Arm_Power_State(const char* text, int32_t* on) { return integer_value(text, "power_state", on); }
+ZK_TWIN(Parser_Get_Arm_Power_State);
 
 AckReply Clear_System_Err_Cmd[ZK_SLOTS];
 ZK_API int Clear_System_Err(ArmSocket s, bool block) {
@@ -48,6 +51,7 @@ ZK_API int Clear_System_Err(ArmSocket s, bool block) {
 ZK_API int Clear_System_Err_Block(ArmSocket s) { return set({s, "clear_system_err"}, Clear_System_Err_Cmd); }
 ZK_API int Clear_System_Err_NonBlock(ArmSocket s) { return post({s, "clear_system_err"}); }
 ZK_API int Parser_Clear_System_Err(const char* text) { return acknowledgement(text, "clear_state"); }
+ZK_TWIN(Parser_Clear_System_Err);
 
 ControllerStateReply Get_Controller_State_Cmd[ZK_SLOTS];
 ZK_API int Get_Controller_State(ArmSocket s, float* voltage, float* current, float* temperature, uint16_t* err_flag) {
@@ -72,9 +76,10 @@ ZK_API int Parser_Controller_State(const char* text, float* voltage, float* curr
     thousandth("voltage", voltage);
     thousandth("current", current);
     thousandth("temperature", temperature);
-    if (const Item word = reply.number(reply.root(), "err_flag")) *err_flag = word.integer();
+    reply.take("err_flag", *err_flag);
     return reply.status();
 }
+ZK_TWIN(Parser_Controller_State);
 
 // The reply does not reach the pending list, and the parser delivers no text.
 ZK_API int Get_Arm_Hardware_Version(ArmSocket s, char* version) {
@@ -124,6 +129,7 @@ ZK_API int Parser_Get_Arm_Software_Version(const char* text, char* plan, char* c
     }
     return reply.status();
 }
+ZK_TWIN(Parser_Get_Arm_Software_Version);
 
 ArmSoftwareInfoReply Get_Arm_Software_Info_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Software_Info(ArmSocket s, ArmSoftwareInfo* info) {
@@ -160,6 +166,7 @@ ZK_API int Get_Tool_Software_Version_Block(ArmSocket s, int32_t* version) {
 ZK_API int Parser_Get_Tool_Software_Version(const char* text, int32_t* version) {
     return integer_value(text, "version", version);
 }
+ZK_TWIN(Parser_Get_Tool_Software_Version);
 
 // The reply does not reach the pending list: the blocking form ends in 7.
 ZK_API int Get_Log_File(ArmSocket s, bool block) {
@@ -185,17 +192,15 @@ ZK_API int Parser_Get_System_Runtime(const char* text, int32_t* day, int32_t* ho
     int32_t told;
     return read_system_runtime(text, &told, day, hour, min, sec);
 }
+ZK_TWIN(Parser_Get_System_Runtime);
 int zk::read_system_runtime(const char* text, int32_t* told, int32_t* day, int32_t* hour, int32_t* min, int32_t* sec) {
     Reply reply(text);
     *told = tells_numbers(reply);
     if (!*told) return reply.status();
-    const auto take = [&](const char* key, int32_t* value) {
-        if (const Item number = reply.number(reply.root(), key)) *value = number.integer();
-    };
-    take("day", day);
-    take("hour", hour);
-    take("min", min);
-    take("sec", sec);
+    reply.take("day", *day);
+    reply.take("hour", *hour);
+    reply.take("min", *min);
+    reply.take("sec", *sec);
     return reply.status();
 }
 
@@ -219,6 +224,7 @@ ZK_API int Parser_Get_Joint_Odom(const char* text, float* odom) {
     int32_t told;
     return read_joint_odom(text, &told, odom);
 }
+ZK_TWIN(Parser_Get_Joint_Odom);
 int zk::read_joint_odom(const char* text, int32_t* told, float* odom) {
     Reply reply(text);
     *told = tells_numbers(reply);

@@ -2,6 +2,7 @@
 #include "zk/replies/motion.h"
 
 #include "commands/stillness.h"
+#include "commands/twin.h"
 #include "connection/elapsed.h"
 #include "connection/exchange.h"
 #include "connection/reply.h"
@@ -48,6 +49,7 @@ ZK_API int Joint_Teach_Cmd_NonBlock(ArmSocket s, uint8_t joint, uint8_t directio
     return post(joint_teach(s, joint, direction, v));
 }
 ZK_API int Parser_Joint_Teach(const char* text) { return acknowledgement(text, "joint_teach"); }
+ZK_TWIN(Parser_Joint_Teach);
 
 static Request pos_teach(ArmSocket s, int32_t type, uint8_t positive, uint8_t v) {
     return axis_teach(s, "set_pos_teach", kPositions.of(type), positive, v);
@@ -74,6 +76,7 @@ ZK_API int Pos_Teach_Cmd_NonBlock(ArmSocket s, int32_t type, uint8_t direction, 
     return post(pos_teach(s, type, direction, v));
 }
 ZK_API int Parser_Pos_Teach(const char* text) { return acknowledgement(text, "pos_teach"); }
+ZK_TWIN(Parser_Pos_Teach);
 
 static Request ort_teach(ArmSocket s, int32_t type, uint8_t positive, uint8_t v) {
     return axis_teach(s, "set_ort_teach", kOrientations.of(type), positive, v);
@@ -89,6 +92,7 @@ ZK_API int Ort_Teach_Cmd_NonBlock(ArmSocket s, int32_t type, uint8_t direction, 
     return post(ort_teach(s, type, direction, v));
 }
 ZK_API int Parser_Ort_Teach(const char* text) { return acknowledgement(text, "ort_teach"); }
+ZK_TWIN(Parser_Ort_Teach);
 
 AckReply Teach_Stop_Cmd_Cmd[ZK_SLOTS];
 ZK_API int Teach_Stop_Cmd(ArmSocket s, bool block) {
@@ -97,6 +101,7 @@ ZK_API int Teach_Stop_Cmd(ArmSocket s, bool block) {
 ZK_API int Teach_Stop_Cmd_Blcok(ArmSocket s) { return set({s, "set_stop_teach"}, Teach_Stop_Cmd_Cmd); }
 ZK_API int Teach_Stop_Cmd_NonBlcok(ArmSocket s) { return post({s, "set_stop_teach"}); }
 ZK_API int Parser_Teach_Stop(const char* text) { return acknowledgement(text, "stop_teach"); }
+ZK_TWIN(Parser_Teach_Stop);
 
 // The step of a joint goes out a thousandfold, but not truncated.
 static Request joint_step(ArmSocket s, uint8_t joint, uint8_t v, float step) {

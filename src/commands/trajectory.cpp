@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 
+#include "commands/twin.h"
 #include "connection/exchange.h"
 #include "connection/pending.h"
 #include "connection/reply.h"
@@ -19,6 +20,7 @@ ZK_API int Move_Stop_Cmd(ArmSocket s, bool block) {
 ZK_API int Move_Stop_Cmd_Block(ArmSocket s) { return set({s, "set_arm_stop"}, Set_Arm_Stop_Cmd); }
 ZK_API int Move_Stop_Cmd_NonBlock(ArmSocket s) { return post({s, "set_arm_stop"}); }
 ZK_API int Parser_Move_Stop(const char* text) { return acknowledgement(text, "arm_stop"); }
+ZK_TWIN(Parser_Move_Stop);
 
 // Stop gently. The other stop's count is cleared, not its own: an old reply ends the wait at once.
 AckReply Set_Arm_Slow_Stop_Cmd[ZK_SLOTS];
@@ -38,6 +40,7 @@ ZK_API int Move_Pause_Cmd(ArmSocket s, bool block) {
 ZK_API int Move_Pause_Cmd_Block(ArmSocket s) { return set({s, "set_arm_pause"}, Set_Arm_Pause_Cmd); }
 ZK_API int Move_Pause_Cmd_NonBlock(ArmSocket s) { return post({s, "set_arm_pause"}); }
 ZK_API int Parser_Move_Pause(const char* text) { return acknowledgement(text, "arm_pause"); }
+ZK_TWIN(Parser_Move_Pause);
 
 AckReply Set_Arm_Continue_Cmd[ZK_SLOTS];
 ZK_API int Move_Continue_Cmd(ArmSocket s, bool block) {
@@ -46,6 +49,7 @@ ZK_API int Move_Continue_Cmd(ArmSocket s, bool block) {
 ZK_API int Move_Continue_Cmd_Block(ArmSocket s) { return set({s, "set_arm_continue"}, Set_Arm_Continue_Cmd); }
 ZK_API int Move_Continue_Cmd_NonBlock(ArmSocket s) { return post({s, "set_arm_continue"}); }
 ZK_API int Parser_Move_Continue(const char* text) { return acknowledgement(text, "arm_continue"); }
+ZK_TWIN(Parser_Move_Continue);
 
 AckReply Clear_Current_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Clear_Current_Trajectory(ArmSocket s, bool block) {
@@ -58,6 +62,7 @@ ZK_API int Clear_Current_Trajectory_NonBlock(ArmSocket s) { return post({s, "set
 ZK_API int Parser_Clear_Current_Trajectory(const char* text) {
     return acknowledgement(text, "delete_current_trajectory");
 }
+ZK_TWIN(Parser_Clear_Current_Trajectory);
 
 AckReply Clear_All_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Clear_All_Trajectory(ArmSocket s, bool block) {
@@ -68,6 +73,7 @@ ZK_API int Clear_All_Trajectory_Block(ArmSocket s) {
 }
 ZK_API int Clear_All_Trajectory_NonBlock(ArmSocket s) { return post({s, "set_arm_delete_trajectory"}); }
 ZK_API int Parser_Clear_All_Trajectory(const char* text) { return acknowledgement(text, "arm_delete_trajectory"); }
+ZK_TWIN(Parser_Clear_All_Trajectory);
 
 // The trajectory in progress. For a pose type on a seven-joint arm the seventh value is what the record held.
 TrajectoryReply Get_Arm_Current_Trajectory_Cmd[ZK_SLOTS];
@@ -122,6 +128,7 @@ ZK_API int Parser_Get_Current_Trajectory(ArmSocket s, const char* text, int32_t*
     }
     return reply.status();
 }
+ZK_TWIN(Parser_Get_Current_Trajectory);
 
 // The stream of waypoints. Its replies never reach the pending list, so the blocking forms end in 7 although the
 // controller did its work.

@@ -61,6 +61,16 @@ class Reply {
     // An array; of another size than `size` (unless that is negative) gives `wrong_size`.
     Item array(Item object, const char* key, int size = -1, int wrong_size = ZK_WRONG_SIZE, int wrong = ZK_WRONG_TYPE);
 
+    // A required integer into a field, which keeps its value when none is there.
+    template <class Field>
+    void take(Item object, const char* key, Field& field) {
+        if (const Item integer = number(object, key)) field = static_cast<Field>(integer.integer());
+    }
+    template <class Field>
+    void take(const char* key, Field& field) {
+        take(root_, key, field);
+    }
+
     // An acknowledgement: true is 0, false `refused`, another type `other`.
     int acknowledgement(const char* key, int other = ZK_WRONG_TYPE, int refused = ZK_REFUSED);
 

@@ -1,16 +1,17 @@
-// What a route is made of. A row of the table names the literals that a message is known by, its code, and what becomes
-// of it: a parser fills the payload of a mailbox, and the mailbox's count rises.
+// The parts of a route. A row of the table names the literals that identify a message, its code and its handler: mostly
+// a parser fills the payload of a mailbox, and the mailbox's count rises.
 #pragma once
 
 #include <array>
+#include <tuple>
 #include <type_traits>
 
 #include "connection/exchange.h"
 
 namespace zk {
 
-// Without a message a handler forgets: a new connection has taken the slot, and what the last one left counts no
-// longer.
+// Without a message a handler clears its mailbox: a new connection has taken the slot, and replies to the old one no
+// longer count.
 using Handler = void (*)(int slot, char* message);
 
 struct Route {
@@ -19,7 +20,7 @@ struct Route {
     Handler handle;
 };
 
-// Nobody waits for the message, or only on the pending list, which it does not reach.
+// No mailbox waits for the message, only perhaps the pending list, which it does not reach.
 inline void dropped(int, char*) {}
 
 template <class T>
@@ -31,72 +32,65 @@ T* address(T (&values)[size]) {
     return values;
 }
 
-// A reply taken apart into a copy of the slot's record, ready to be published there. Parsers of joint arrays take the
-// socket first.
-template <auto& table, auto parse, auto... fields>
+// The fields of a record that the parser of its reply fills, in the order of the parser's parameters.
+template <class Record>
+constexpr std::tuple<> kPayload;
+
+// A reply parsed into a copy of the slot's record, ready to be published there. Parsers of joint arrays take the socket
+// first.
+template <auto& table, auto parse>
 class Parsed {
  public:
+    using Record = std::remove_reference_t<decltype(table[0])>;
+
     Parsed(int slot, const char* message) : slot_(slot) {
         mailbox_.copy(slot, &record_);
-        if constexpr (std::is_invocable_v<decltype(parse), const char*, decltype(address(record_.*fields))...>) {
-            status_ = parse(message, address(record_.*fields)...);
-        } else {
-            status_ = parse(read(SockInfo[slot].socket), message, address(record_.*fields)...);
-        }
+        status_ =
+            std::apply([&](auto... fields) { return run(message, address(record_.*fields)...); }, kPayload<Record>);
     }
     int publish() {
         mailbox_.fill(slot_, &record_);
         mailbox_.finish(slot_, status_);
         return status_;
     }
-    const auto& record() const { return record_; }
+    const Record& record() const { return record_; }
 
  private:
+    template <class... Outputs>
+    int run(const char* message, Outputs*... outputs) const {
+        if constexpr (std::is_invocable_v<decltype(parse), const char*, Outputs*...>) {
+            return parse(message, outputs...);
+        } else {
+            return parse(read(SockInfo[slot_].socket), message, outputs...);
+        }
+    }
+
     Mailbox mailbox_{table};
-    std::remove_reference_t<decltype(table[0])> record_;
+    Record record_;
     int slot_;
     int status_;
 };
 
-// The rules of the counter: `set` makes it 1, `add` raises it by 1; with `first` it rises before the result is there,
-// so that a caller polling at that very moment may take the former one.
-template <auto& table, auto parse, auto... fields>
-void set(int slot, char* message) {
-    if (!message) return Mailbox(table).clear(slot);
-    Parsed<table, parse, fields...>(slot, message).publish();
-    Mailbox(table).raise(slot, false);
-}
+// What a reply does to the count of its mailbox: set it to 1, or raise it by 1. With ...First the count rises before
+// the result is stored, so a caller that polls at that very moment may take the previous result.
+enum class Counter { kSet, kAdd, kSetFirst, kAddFirst };
 
-template <auto& table, auto parse, auto... fields>
-void add(int slot, char* message) {
-    if (!message) return Mailbox(table).clear(slot);
-    Parsed<table, parse, fields...>(slot, message).publish();
-    Mailbox(table).raise(slot, true);
-}
-
-// What a good reply tells goes elsewhere too, before anybody finds it in the mailbox.
-template <auto& table, auto parse, auto... fields>
-void add_and_apply(int slot, char* message, auto apply) {
-    if (!message) return Mailbox(table).clear(slot);
-    Parsed<table, parse, fields...> reply(slot, message);
+// `apply` gets the record of a good reply before any caller can take it from the mailbox.
+template <Counter counter, auto& table, auto parse, class Apply>
+void store_and_apply(int slot, char* message, Apply apply) {
+    constexpr bool adds = counter == Counter::kAdd || counter == Counter::kAddFirst;
+    constexpr bool first = counter == Counter::kSetFirst || counter == Counter::kAddFirst;
+    Mailbox mailbox(table);
+    if (!message) return mailbox.clear(slot);
+    Parsed<table, parse> reply(slot, message);
+    if (first) mailbox.raise(slot, adds);
     if (reply.publish() == ZK_OK) apply(reply.record());
-    Mailbox(table).raise(slot, true);
+    if (!first) mailbox.raise(slot, adds);
 }
 
-template <auto& table, auto parse, auto... fields>
-void set_first(int slot, char* message) {
-    if (!message) return Mailbox(table).clear(slot);
-    Parsed<table, parse, fields...> reply(slot, message);
-    Mailbox(table).raise(slot, false);
-    reply.publish();
-}
-
-template <auto& table, auto parse, auto... fields>
-void add_first(int slot, char* message) {
-    if (!message) return Mailbox(table).clear(slot);
-    Parsed<table, parse, fields...> reply(slot, message);
-    Mailbox(table).raise(slot, true);
-    reply.publish();
+template <Counter counter, auto& table, auto parse>
+void store(int slot, char* message) {
+    store_and_apply<counter, table, parse>(slot, message, [](const auto&) {});
 }
 
 }  // namespace zk

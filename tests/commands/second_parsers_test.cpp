@@ -114,7 +114,7 @@ TEST(SecondParsers, EveryOneThatStoresSomethingIsTested) {
                                        "Parser_Get_Update_scale_E",
                                        "Parser_Get_Popup_E"};
     std::stringstream text;
-    text << std::ifstream(std::string(kSourceFolder) + "/include/zk/second_parsers.h").rdbuf();
+    text << std::ifstream(std::string(kSourceFolder) + "/include/zk/replies/second_parsers.h").rdbuf();
     const std::string header = text.str();
     const std::regex storing(R"(ZK_API int (\w+)\([^)]*text,)");
     size_t count = 0;

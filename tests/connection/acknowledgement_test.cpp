@@ -132,7 +132,8 @@ const std::set<std::string> kOfTheirOwn = {"Parser_Add_Waypoint",       "Parser_
 std::set<std::string> declared_parsers() {
     std::set<std::string> names;
     const std::regex declaration(R"(ZK_API int (Pars?er_\w+|Paser_\w+)\(\s*const char\*\s*text\);)");
-    for (const auto& file : std::filesystem::directory_iterator(std::string(zk::test::kSourceFolder) + "/include/zk")) {
+    for (const auto& file :
+         std::filesystem::recursive_directory_iterator(std::string(zk::test::kSourceFolder) + "/include/zk")) {
         std::ostringstream text;
         text << std::ifstream(file.path()).rdbuf();
         const std::string header = text.str();
