@@ -2,7 +2,7 @@
 add_library(zk_compiler INTERFACE)
 target_compile_options(zk_compiler INTERFACE -Wall -Wextra $<$<BOOL:${ZK_WARNINGS_AS_ERRORS}>:-Werror>)
 
-# The arithmetic is part of the interface: no fused products behind the back of a single-precision formula.
+# The bits of a result are part of the interface: the compiler must not fuse multiplications and additions.
 target_compile_options(zk_compiler INTERFACE -ffp-contract=off)
 
 if(ZK_SANITIZE)

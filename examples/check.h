@@ -1,4 +1,4 @@
-// What every example does with a status: go on when it is good, tell the cause when it is not.
+// How the examples connect, read their arguments and check statuses.
 #pragma once
 
 #include <cstdio>
@@ -35,8 +35,8 @@ class Arm {
     ArmSocket socket_;
 };
 
-// ADDRESS PORT [ARM_MODE], where the arm mode is 65 for six joints and 75 for seven; and, where a program runs for a
-// time, [SECONDS] behind it.
+// ADDRESS PORT [ARM_MODE] [SECONDS]. The arm mode is 65 for six joints and 75 for seven. Only programs with a duration
+// take SECONDS.
 struct Arguments {
     const char* address;
     int port;
@@ -52,7 +52,7 @@ inline Arguments arguments(int argc, char** argv, int* seconds = nullptr) {
         char* end;
         const long value = std::strtol(argv[i], &end, 10);
         if (*end == '\0' && value > 0 && value < 65536) return static_cast<int>(value);
-        std::fprintf(stderr, "%s: \"%s\" is no number from 1 to 65535\n", argv[0], argv[i]);
+        std::fprintf(stderr, "%s: \"%s\" is not a number from 1 to 65535\n", argv[0], argv[i]);
         std::exit(2);
     };
     if (argc == 5) *seconds = number(4);

@@ -1,5 +1,5 @@
-// Teach by hand: let the arm be dragged for a while, bring it back to where the dragging began, and let it repeat what
-// it was shown, with a pause in the middle.
+// Teach by hand: let somebody drag the arm for a while, move it back to the start, and let it repeat the motion with a
+// pause in the middle.
 #include <chrono>
 #include <cmath>
 #include <future>
@@ -19,7 +19,7 @@ float distance(const float* a, const float* b) {
     return most;
 }
 
-// Stopping is what ends the recording, so it must not be forgotten on the way out.
+// Ends the recording on every way out of the scope.
 bool teach(ArmSocket arm, std::chrono::seconds duration) {
     if (!succeeded("Starting to teach", Start_Drag_Teach(arm, true))) return false;
     std::printf("Drag the arm; you have %d seconds.\n", static_cast<int>(duration.count()));
@@ -27,7 +27,7 @@ bool teach(ArmSocket arm, std::chrono::seconds duration) {
     return succeeded("Stopping to teach", Stop_Drag_Teach(arm, true));
 }
 
-// The replay lasts as long as the teaching did; a second thread halts it for a moment.
+// The replay takes as long as the teaching. A second thread pauses it for a moment.
 bool replay_with_a_pause(ArmSocket arm) {
     auto replay = std::async(std::launch::async, [&] { return Run_Drag_Trajectory(arm, true); });
     std::this_thread::sleep_for(500ms);

@@ -1,5 +1,5 @@
-// The first hour with an arm: connect, see what it is and where it stands, check that the host computes the same pose,
-// move three times with the progress read from the real-time stream, and stop a fourth move half way.
+// The first hour with an arm: connect, print the model and the state, check that the host computes the same pose, move
+// three times with the progress read from the real-time stream, and stop a fourth move half way.
 #include <chrono>
 #include <cmath>
 #include <future>
@@ -11,8 +11,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr float positions_agree = 1e-4f;     // metres
-constexpr float orientations_agree = 1e-3f;  // radians
+constexpr float kPositionsAgree = 1e-4f;     // metres
+constexpr float kOrientationsAgree = 1e-3f;  // radians
 
 struct State {
     float joint[7] = {};
@@ -41,7 +41,7 @@ void print(const char* what, const float* joint, int joints) {
     std::printf(" deg\n");
 }
 
-// The angle of the rotation that carries one orientation into the other.
+// The angle of the rotation between two orientations.
 float angle_between(const Euler& a, const Euler& b) {
     const Matrix p = Algo_Euler2Matrix(a), q = Algo_Euler2Matrix(b);
     float difference = 0;
@@ -59,12 +59,12 @@ bool host_agrees(const State& state) {
     const float distance = std::hypot(p.x - q.x, p.y - q.y, p.z - q.z);
     const float angle = angle_between(state.pose.euler, computed.euler);
     std::printf("they differ by %.1e m and %.1e rad\n\n", distance, angle);
-    if (distance <= positions_agree && angle <= orientations_agree) return true;
+    if (distance <= kPositionsAgree && angle <= kOrientationsAgree) return true;
     std::fprintf(stderr, "The pose computed on the host is not the reported one.\n");
     return false;
 }
 
-// How far the arm is on its way, 0 to 1, along the joint that has the longest.
+// The progress of a move, 0 to 1, of the joint with the longest way.
 struct Progress {
     int joint = 0;
     float from = 0, to = 0;
@@ -78,8 +78,8 @@ struct Progress {
     float of(const RobotStatus& status) const { return (status.joint_position[joint] - from) / (to - from); }
 };
 
-// Moves while this thread watches the stream. `watch` sees the progress and may stop the arm; the status is the move's,
-// or that of the stream when it failed.
+// Moves while this thread reads the stream. `watch` gets the progress and may stop the arm. Returns the status of the
+// move, or that of the stream if it failed.
 template <class Watch>
 int watched_move(ArmSocket arm, const float* target, int joints, uint8_t speed, Watch watch) {
     State start;

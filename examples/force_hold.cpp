@@ -1,7 +1,7 @@
-// Press on a table: zero the force sensor in the air, have the controller press down with five newtons, and let go.
+// Press on a table: zero the force sensor in the air, let the controller press down with five newtons, and release.
 //
-// The arm needs a six-axis force sensor, and something to press on less than three centimetres below its tool. With the
-// simulator: zk_simulator --model ZK65-6F --wall 0,0,HEIGHT,0,0,1,5000, in metres above the foot of the arm.
+// The arm needs a six-axis force sensor and a surface less than three centimetres below its tool. With the simulator:
+// zk_simulator --model ZK65-6F --wall 0,0,HEIGHT,0,0,1,5000, in metres above the base of the arm.
 #include <chrono>
 #include <cmath>
 #include <thread>
@@ -12,10 +12,10 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int six_axis_sensor = 1, work_frame = 0, along_z = 2;
-constexpr int newtons = 5;
+constexpr int kSixAxisSensor = 1, kWorkFrame = 0, kAlongZ = 2;
+constexpr int kNewtons = 5;
 
-// What presses on the tool along z of the work frame.
+// The force on the tool along z of the work frame.
 bool read_force(ArmSocket arm, float& force) {
     float measured[6], zeroed[6], in_work[6], in_tool[6];
     if (!succeeded("Reading the force", Get_Force_Data(arm, measured, zeroed, in_work, in_tool))) return false;
@@ -23,13 +23,14 @@ bool read_force(ArmSocket arm, float& force) {
     return true;
 }
 
-// The tool sinks through the air before it meets the table. Ten looks in a row within half a newton count as pressing.
+// The tool moves down through the air before it meets the table. Ten readings in a row within half a newton count as
+// pressing.
 bool wait_for_pressure(ArmSocket arm) {
     const auto deadline = std::chrono::steady_clock::now() + 20s;
     for (int steady = 0; steady < 10;) {
         float force = 0;
         if (!read_force(arm, force)) return false;
-        steady = std::fabs(force - newtons) < 0.5f ? steady + 1 : 0;
+        steady = std::fabs(force - kNewtons) < 0.5f ? steady + 1 : 0;
         if (std::chrono::steady_clock::now() > deadline) {
             std::fprintf(stderr, "The table presses back with %.2f N: is there one?\n", force);
             return false;
@@ -50,7 +51,7 @@ int main(int argc, char** argv) {
     if (!succeeded("Zeroing the sensor", Clear_Force_Data(arm, true)) || !read_force(arm, force)) return 1;
     std::printf("In the air the sensor feels %.2f N.\n", force);
 
-    const int status = Set_Force_Postion(arm, six_axis_sensor, work_frame, along_z, -newtons, true);
+    const int status = Set_Force_Postion(arm, kSixAxisSensor, kWorkFrame, kAlongZ, -kNewtons, true);
     if (!succeeded("Starting to press", status)) return 1;
     const bool pressing = wait_for_pressure(arm) && read_force(arm, force);
     if (pressing) std::printf("The table presses back with %.2f N.\n", force);

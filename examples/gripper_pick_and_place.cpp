@@ -1,11 +1,11 @@
-// Pick and place: open the gripper, reach for a part, grip it, see whether it is held, carry it to the shelf and let it
-// go. Start the simulator with --object 300 for a part to be there.
+// Pick and place: open the gripper, move to a part, grip it, check that it is held, carry it to the shelf and release
+// it. Start the simulator with --object 300 to provide a part.
 #include "check.h"
 
 namespace {
 
-constexpr int finger_speed = 1000, grip_force = 200;  // in the gripper's own units
-constexpr int patience = 10;                          // seconds
+constexpr int kFingerSpeed = 1000, kGripForce = 200;  // in the gripper's own units
+constexpr int kPatience = 10;                         // seconds
 
 bool move_to(const Arm& arm, const char* where, const float (&joint)[7]) {
     std::printf("moving %s\n", where);
@@ -13,18 +13,18 @@ bool move_to(const Arm& arm, const char* where, const float (&joint)[7]) {
 }
 
 bool open_gripper(const Arm& arm) {
-    return succeeded("Opening the gripper", Set_Gripper_Release(arm, finger_speed, true, patience));
+    return succeeded("Opening the gripper", Set_Gripper_Release(arm, kFingerSpeed, true, kPatience));
 }
 
-// Grips whatever there is. The fingers stop on a part, or close on nothing, and both are an arrival.
+// Grips. The fingers stop on a part or close without one; both count as an arrival.
 bool grip(const Arm& arm, bool& holds_part) {
     GripperState gripper{};
-    if (!succeeded("Gripping", Set_Gripper_Pick(arm, finger_speed, grip_force, true, patience)) ||
+    if (!succeeded("Gripping", Set_Gripper_Pick(arm, kFingerSpeed, kGripForce, true, kPatience)) ||
         !succeeded("Reading the gripper", Get_Gripper_State(arm, &gripper))) {
         return false;
     }
     holds_part = gripper.actpos > 0;
-    std::printf("the fingers stand at %d and press with %d: %s\n", gripper.actpos, gripper.current_force,
+    std::printf("the fingers are at %d and press with %d: %s\n", gripper.actpos, gripper.current_force,
                 holds_part ? "a part" : "nothing there");
     return true;
 }

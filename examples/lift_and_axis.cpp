@@ -1,5 +1,5 @@
-// Devices beside the arm: bring the lift to a height and the expansion axis to a position, waiting for each; then lower
-// the lift without waiting, and watch it on its way.
+// Devices of the arm: move the lift to a height and the expansion axis to a position and wait for each; then lower the
+// lift without waiting and watch it move.
 #include <chrono>
 #include <thread>
 
@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int half_speed = 50;  // percent
+constexpr int kHalfSpeed = 50;  // percent
 
 bool read_lift(const Arm& arm, int32_t& height, int32_t& mode) {
     int32_t current = 0;
@@ -25,7 +25,7 @@ bool read_axis(const Arm& arm, int32_t& pos) {
     return err_flag == 0;
 }
 
-// Until it rests, wherever that is.
+// Waits until the lift is at rest, at any height.
 bool watch_lift(const Arm& arm, int32_t target) {
     int32_t height = 0;
     for (int32_t mode = 1; mode != 0;) {
@@ -45,17 +45,17 @@ int main(int argc, char** argv) {
 
     int32_t height = 0, mode = 0, pos = 0;
     std::printf("raising the lift\n");
-    if (!succeeded("Raising", Set_Lift_Height(arm, 300, half_speed, true)) || !read_lift(arm, height, mode)) return 1;
+    if (!succeeded("Raising", Set_Lift_Height(arm, 300, kHalfSpeed, true)) || !read_lift(arm, height, mode)) return 1;
 
     std::printf("moving the axis\n");
-    if (!succeeded("Moving the axis", Expand_Set_Pos(arm, 40000, half_speed, true)) || !read_axis(arm, pos)) return 1;
+    if (!succeeded("Moving the axis", Expand_Set_Pos(arm, 40000, kHalfSpeed, true)) || !read_axis(arm, pos)) return 1;
     if (height != 300 || pos != 40000) {
         std::fprintf(stderr, "They are not where they were sent.\n");
         return 1;
     }
 
-    // Its report will come all the same and wait to be taken: the axis' next blocking move would end with it.
+    // Its report arrives anyway and stays in the mailbox: the next blocking move of the axis would end by it.
     std::printf("lowering the lift\n");
-    if (!succeeded("Lowering", Set_Lift_Height(arm, 0, half_speed, false)) || !watch_lift(arm, 0)) return 1;
+    if (!succeeded("Lowering", Set_Lift_Height(arm, 0, kHalfSpeed, false)) || !watch_lift(arm, 0)) return 1;
     return 0;
 }

@@ -1,7 +1,7 @@
-// Devices on a bus of the arm: open the controller's serial port as a Modbus master, switch coils, write a set-point of
-// 32 bits into two registers, read everything back, and see what a device that does not answer looks like.
+// Devices on a Modbus: open the controller's serial port as a master, switch coils, write a set-point of 32 bits into
+// two registers, read everything back, and show the status of a device that does not answer.
 //
-// The simulated arm has devices 1 and 2. On a real bus, mind what device 1 does with its first coils and registers.
+// The simulated arm has devices 1 and 2. On a real bus, check first what the coils and registers of device 1 do.
 #include "check.h"
 
 namespace {
@@ -16,7 +16,7 @@ bool same(const char* what, int32_t wanted, int32_t found) {
     return wanted == found;
 }
 
-// A lamp on coil 0, and the eight valves of coils 8 to 15 in one request.
+// Sets a lamp on coil 0, and eight valves on coils 8 to 15 in one request.
 bool switch_coils(ArmSocket arm) {
     const uint8_t valves = 0b00000101;
     int32_t lamp_read = 0, valves_read = 0;
@@ -27,7 +27,7 @@ bool switch_coils(ArmSocket arm) {
            same("lamp", 1, lamp_read) && same("valves", valves, valves_read);
 }
 
-// A number of 32 bits takes two registers; on the wire each is two bytes, the high one first.
+// A number of 32 bits takes two registers. Each is two bytes on the wire, the high one first.
 bool write_set_point(ArmSocket arm, int32_t wanted) {
     const auto byte = [&](int shift) { return static_cast<uint8_t>(wanted >> shift); };
     const uint8_t bytes[] = {byte(24), byte(16), byte(8), byte(0)};

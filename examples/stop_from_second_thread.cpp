@@ -1,5 +1,5 @@
-// A blocking move lasts as long as the arm moves. What ends it early is a stop, and that may come from any other
-// thread: here from one that waits for the Enter key, or for two seconds when nobody is at the keyboard.
+// A blocking move returns when the arm has arrived. A stop from another thread ends it early: here from a thread that
+// waits for the Enter key, or for two seconds if standard input is not a terminal.
 #include <poll.h>
 #include <unistd.h>
 
@@ -18,7 +18,7 @@ int main(int argc, char** argv) {
     if (!succeeded("Reading the joints", Get_Current_Arm_State(arm, joint, &pose, &arm_err, &sys_err))) return 1;
     joint[0] += joint[0] > 0 ? -120.0f : 120.0f;
 
-    // The move's end wakes the stopper, through a pipe.
+    // The end of the move wakes the stopping thread through a pipe.
     int over[2];
     if (pipe(over) != 0) return 1;
     const bool somebody_there = isatty(STDIN_FILENO);

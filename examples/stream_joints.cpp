@@ -1,5 +1,5 @@
-// Streaming at the caller's own rate: a slow swing of all joints at 200 set-points a second, every one written to the
-// socket at once. Tells how even the loop was, and how closely the arm followed as the real-time stream shows it.
+// Streaming at the caller's rate: a slow swing of all joints at 200 set-points per second, each written to the socket
+// at once. Prints the jitter of the loop and the tracking error from the real-time stream.
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -16,10 +16,10 @@ using Joints = std::array<float, 7>;
 
 namespace {
 
-constexpr auto period = 5ms;
-constexpr float amplitude = 3;           // degrees
-constexpr float seconds_of_a_swing = 5;  // about
-constexpr float rests = 0.01f;           // degrees from the last set-point, in the end
+constexpr auto kPeriod = 5ms;
+constexpr float kAmplitude = 3;          // degrees
+constexpr float kSecondsOfASwing = 5;    // about
+constexpr float kRestTolerance = 0.01f;  // degrees from the last set-point, in the end
 
 float distance(const Joints& a, const Joints& b, int joints) {
     float most = 0;
@@ -39,7 +39,7 @@ void print(const char* what, const char* unit, const std::vector<double>& values
                 percentile(values, 1), unit);
 }
 
-// What the library's threads tell while the loop runs.
+// Collects what the callbacks receive while the loop runs.
 class Watch {
  public:
     void begin(const Joints& start, int joints) {
@@ -62,13 +62,13 @@ class Watch {
         errors_.push_back(distance(position, newest_, joints_));
     }
 
-    // The distances from the newest set-point, and what became of the set-points. How far behind the arm was tells of
-    // the host's load as much as of the arm, so that it is no failure; a refused set-point is one.
-    bool tell(size_t sent) {
+    // Prints the tracking error and the number of followed and refused set-points. The error also depends on the host's
+    // load, so a large one is no failure. A refused set-point is one.
+    bool report(size_t sent) {
         const std::lock_guard lock(mutex_);
         print("tracking error", "deg", errors_);
         std::printf("set-points       %zu sent, %d followed, %d refused\n", sent, followed_, refused_);
-        if (errors_.empty()) std::fprintf(stderr, "The real-time stream showed nothing.\n");
+        if (errors_.empty()) std::fprintf(stderr, "The real-time stream sent nothing.\n");
         if (refused_ > 0) std::fprintf(stderr, "The controller refused set-points.\n");
         if (followed_ == 0) std::fprintf(stderr, "The controller followed no set-point.\n");
         return refused_ == 0 && followed_ > 0 && !errors_.empty();
@@ -83,25 +83,24 @@ class Watch {
 };
 Watch watch;
 
-// Where the swing is after a share of it: each joint goes twice the amplitude toward its zero and back, from rest to
-// rest.
+// The joints after a share of a swing: each moves by twice the amplitude toward its zero and back, from rest to rest.
 Joints swing(const Joints& start, float turns) {
     Joints joints = start;
-    const float way = amplitude * (1 - std::cos(6.2831853f * turns));
+    const float way = kAmplitude * (1 - std::cos(6.2831853f * turns));
     for (float& joint : joints) joint += joint > 0 ? -way : way;
     return joints;
 }
 
-// Streams whole swings and gives the last set-point. Deadlines are absolute, so that one late set-point delays no
-// other; how late they were shows in the periods.
+// Streams whole swings and returns the last set-point. Deadlines are absolute, so that one late set-point does not
+// delay the next. The periods show the jitter.
 Joints stream(ArmSocket arm, const Joints& start, int seconds, std::vector<double>& periods) {
-    const long count = seconds * (1s / period);
-    const float swings = std::fmax(1, std::round(static_cast<float>(seconds) / seconds_of_a_swing));
+    const long count = seconds * (1s / kPeriod);
+    const float swings = std::fmax(1, std::round(static_cast<float>(seconds) / kSecondsOfASwing));
     periods.reserve(static_cast<size_t>(count));
     Joints joints = start;
     Clock::time_point due = Clock::now(), before = due;
     for (long i = 1; i <= count; ++i) {
-        std::this_thread::sleep_until(due += period);
+        std::this_thread::sleep_until(due += kPeriod);
         joints = swing(start, swings * static_cast<float>(i) / static_cast<float>(count));
         watch.sent(joints);
         Movej_CANFD(arm, joints.data(), 1, 0);
@@ -112,12 +111,12 @@ Joints stream(ArmSocket arm, const Joints& start, int seconds, std::vector<doubl
     return joints;
 }
 
-// The answers come behind the reports of all set-points.
+// Replies arrive after the reports of all set-points.
 bool comes_to_rest_at(ArmSocket arm, const Joints& target, int joints) {
     Joints position{};
     for (int looks = 0; looks < 50; ++looks) {
         if (!succeeded("Reading the joints", Get_Joint_Degree(arm, position.data()))) return false;
-        if (distance(position, target, joints) <= rests) return true;
+        if (distance(position, target, joints) <= kRestTolerance) return true;
         std::this_thread::sleep_for(100ms);
     }
     std::fprintf(stderr, "The arm rests %.3f degrees from the last set-point.\n", distance(position, target, joints));
@@ -137,10 +136,10 @@ int main(int argc, char** argv) {
     watch.begin(start, joints);
     Realtime_Arm_Joint_State([](RobotStatus status) { watch.seen(status); });
 
-    std::printf("streaming for %d s, a set-point each %d ms\n", seconds, static_cast<int>(period / 1ms));
+    std::printf("streaming for %d s, a set-point each %d ms\n", seconds, static_cast<int>(kPeriod / 1ms));
     std::vector<double> periods;
     const Joints last = stream(arm, start, seconds, periods);
     print("period", "ms", periods);
     const bool rested = comes_to_rest_at(arm, last, joints);
-    return watch.tell(periods.size()) && rested ? 0 : 1;
+    return watch.report(periods.size()) && rested ? 0 : 1;
 }

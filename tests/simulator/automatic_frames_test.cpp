@@ -1,4 +1,4 @@
-// Tool and work frames made from the poses at which a client has asked for a point.
+// Tool and work frames from the poses that a client has recorded.
 #include <gtest/gtest.h>
 
 #include "simulator/talk.h"
@@ -11,9 +11,9 @@ void move_to(Talk& talk, const std::vector<double>& joints) {
     ASSERT_TRUE(talk.read_arrival());
 }
 
-// The wrist joints of the arm meet in a point 144 mm behind its flange: a tool with its tip there stays in place while
-// they turn.
-TEST(AutomaticTool, HasItsTipWhereTheFlangesMeet) {
+// The axes of the wrist joints meet 144 mm before the flange: a tool with its tip there stays in place while they
+// rotate.
+TEST(AutomaticTool, TipIsWhereTheFlangePosesMeet) {
     Talk talk({"--quiet", "--model", "ZK65-B"});
     const Json keys{{"tool_name", "tip"}, {"payload", 750}, {"position", {1, 2, 3}}};
     int point = 0;
@@ -36,7 +36,7 @@ TEST(AutomaticTool, NeedsDifferentOrientations) {
     EXPECT_FALSE(talk.ask("generate_auto_tool_frame", keys).at("auto_tool_frame"));
 }
 
-TEST(AutomaticWork, LiesInThePlaneOfItsPoints) {
+TEST(AutomaticWork, IsInThePlaneOfItsPoints) {
     Talk talk({"--quiet", "--install", "20,-30,40", "--tool", "0.01,0.02,0.1,0,0,0"});
     const std::vector<std::vector<double>> points{
         {10, -20, -60, 15, -40, 20}, {40, -20, -60, 15, -40, 20}, {10, 10, -40, 15, -40, 20}};
@@ -57,7 +57,7 @@ TEST(AutomaticWork, LiesInThePlaneOfItsPoints) {
         move_to(talk, point);
         seen.push_back(talk.ask("get_current_arm_state").at("arm_state").at("pose"));
     }
-    // The frame's angles are kept to a thousandth of a radian, which is half a millimetre at a metre.
+    // The frame's angles are rounded to a thousandth of a radian, which is half a millimetre at a metre.
     constexpr int kRounding = 600;
     for (int i = 0; i < 3; ++i) EXPECT_NEAR(seen[0][i], 0, 2) << i;
     EXPECT_GT(seen[1][0], 100000);

@@ -1,4 +1,4 @@
-// The devices beside the arm: that they take their time, tell who moved, and show in the push.
+// The devices of the arm: they move in finite time, report their motion and appear in the push.
 #include <gtest/gtest.h>
 
 #include "simulator/talk.h"
@@ -21,7 +21,7 @@ void push_all(Talk& talk) {
     while (!next_state(talk).contains("hand")) continue;
 }
 
-// What the push tells of a moving value: that it never turns back, and takes `samples` different values at least.
+// A moving value in the push never reverses and takes at least `samples` different values.
 void expect_steady_way(Talk& talk, const Json::json_pointer& where, int to, int samples) {
     int last = next_state(talk).at(where), different = 0;
     const bool up = to > last;
@@ -61,12 +61,12 @@ TEST(Devices, MoveInTheirOwnTimeAndReportWhoMoved) {
     EXPECT_EQ(talk.ask("get_gripper_state").at("actpos"), 400);
 }
 
-TEST(Devices, TellOnlyThoseWhoWait) {
+TEST(Devices, ReportOnlyToClientsThatWait) {
     Talk talk({"--quiet"});
     EXPECT_EQ(talk.ask("set_gripper_release", {{"speed", 1000}, {"block", 0}}).at("state"), true);
     EXPECT_EQ(talk.ask("set_hand_seq", {{"seq_num", 2}}).at("set_state"), true);
     EXPECT_EQ(talk.ask("set_lift_speed", {{"speed", 100}}).at("set_state"), true);
-    // A motion that gives way is reported to another client, not to its own.
+    // A replaced motion is reported to another client, not to the one that replaced it.
     LineClient other(talk.simulator.port());
     other.send_line(request_text("expand_set_speed", {{"speed", 10}}));
     EXPECT_EQ(Json::parse(other.read_line()).at("set_state"), true);
@@ -94,7 +94,7 @@ TEST(Devices, BaseTravelsToItsStationAndCharges) {
     EXPECT_EQ(talk.ask("get_car_state").at("car_state"), 0);
 }
 
-TEST(Devices, BaseComesBackFromWhereItWasDriven) {
+TEST(Devices, BaseReturnsAfterAFreeDrive) {
     Talk talk({"--quiet"});
     const auto now = [&] {
         talk.push.forget();

@@ -1,4 +1,4 @@
-// Drag teaching of the simulated arm: a hand leads it, it records, and it replays what it recorded.
+// Drag teaching of the simulated arm: it follows a hand, records, and replays the recording.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -31,7 +31,7 @@ class DragTeach : public testing::Test {
     void stand_at(const Joints& target) {
         talk.samples_until([&](const Sample& sample) { return distance(sample.joints, target) < 0.002; });
     }
-    // A recording of half a second there and half a second back half way.
+    // Half a second to a target and half a second half the way back.
     void record() {
         ASSERT_TRUE(talk.ask("start_drag_teach", {{"trajectory_record", 1}}).at("drag_teach"));
         ASSERT_TRUE(lead(far, 0.5));
@@ -50,7 +50,7 @@ class DragTeach : public testing::Test {
     const Joints home = talk.joints(), far = plus(home, 20), half = plus(home, 10);
 };
 
-TEST_F(DragTeach, ReplaysWhatWasRecordedAtItsPace) {
+TEST_F(DragTeach, ReplaysARecordingAtItsPace) {
     record();
     EXPECT_FALSE(talk.ask("run_drag_trajectory").at("run_state")) << "not at the origin";
     return_to_origin();
@@ -68,7 +68,7 @@ TEST_F(DragTeach, ReplaysWhatWasRecordedAtItsPace) {
     for (const Sample& sample : samples) {
         furthest = std::max(furthest, sample.joints[0] - home[0]);
         if (sample.status == "move_through_joint") set_out = std::min(set_out, sample.time);
-        // All joints were led alike.
+        // All joints moved in proportion.
         for (size_t i = 1; i < home.size(); ++i)
             EXPECT_NEAR(sample.joints[i] - home[i], sample.joints[0] - home[0], 0.01);
     }
@@ -94,8 +94,8 @@ TEST_F(DragTeach, AReplayCanBePausedContinuedAndStopped) {
     EXPECT_FALSE(talk.ask("stop_drag_trajectory").at("stop_state")) << "nothing to stop";
 }
 
-TEST_F(DragTeach, ADraggedArmTakesNoOrders) {
-    EXPECT_FALSE(lead(far, 0)) << "an arm that does not give way";
+TEST_F(DragTeach, ADraggedArmRejectsMoves) {
+    EXPECT_FALSE(lead(far, 0)) << "an arm that does not yield";
     ASSERT_TRUE(talk.ask("start_multi_drag_teach", {{"mode", 0}, {"singular_wall", 0}}).at("set_state"));
     EXPECT_FALSE(talk.movej(far, 50));
     EXPECT_FALSE(talk.read_arrival());

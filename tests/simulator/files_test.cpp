@@ -1,4 +1,4 @@
-// Files that a client sends in between its requests.
+// Files that a client sends between its requests.
 #include <gtest/gtest.h>
 
 #include "simulator/talk.h"
@@ -12,7 +12,7 @@ Json program(size_t size) {
     return {{"project_name", "p"}, {"file_size", size}, {"plan_speed", 20}, {"save_id", 1}, {"only_save", 1}};
 }
 
-TEST(Files, HoldAnythingAndAreFollowedByRequests) {
+TEST(Files, MayHoldAnyBytesAndRequestsFollow) {
     const TemporaryDirectory directory;
     Talk talk({"--quiet", "--files", directory.path()});
     const std::string content = std::string("\r\n{\"command\":\"set_arm_stop\"}\r\n\0\xff", 32);
@@ -31,7 +31,7 @@ TEST(Files, HoldAnythingAndAreFollowedByRequests) {
     EXPECT_EQ(talk.ask("zk_sim_files").at("files"), Json::array({expected}));
 }
 
-TEST(Files, AreRefusedUnderNamesThatAreNone) {
+TEST(Files, AreRefusedWithAnInvalidName) {
     const TemporaryDirectory directory;
     Talk talk({"--quiet", "--files", directory.path()});
     const std::string long_name(300, 'x');
@@ -40,7 +40,7 @@ TEST(Files, AreRefusedUnderNamesThatAreNone) {
     }
 }
 
-TEST(Files, FailOnDemand) {
+TEST(Files, FailWhenAFaultIsInjected) {
     Talk talk({"--quiet"});
     talk.ask("zk_sim_fault", {{"transfer", {{"kind", "error_line"}, {"at", 9}}}});
     EXPECT_EQ(talk.ask("run_project", program(2)).at("project_state"), true);
@@ -53,7 +53,7 @@ TEST(Files, FailOnDemand) {
     EXPECT_TRUE(talk.client.wait_for_close());
 }
 
-TEST(Files, OfProgramsAreReadLineByLine) {
+TEST(Files, OfProgramsAreCheckedLineByLine) {
     Talk talk({"--quiet"});
     const std::pair<std::string, int> texts[] = {
         {"", 0},

@@ -1,4 +1,4 @@
-// The simulated force sensors, and the holding of a force.
+// The simulated force sensors and the force hold.
 #include <gtest/gtest.h>
 
 #include <kdl/frames.hpp>
@@ -49,7 +49,7 @@ TEST(ForceSensor, WeightTurnsWithTheFlange) {
     const KDL::Vector weight_at_home = weight();
     move_to(talk, {40, 30, -60, 80, 50, -100});
     const std::vector<double> turned = forces(talk, "force_data");
-    // Between two orientations the sensor's own zero drops out.
+    // The difference between two orientations does not contain the sensor's zero.
     const KDL::Vector change = weight() - weight_at_home, moment = centre * change;
     ASSERT_GT(change.Norm(), 5);
     for (int i = 0; i < 3; ++i) {
@@ -58,7 +58,7 @@ TEST(ForceSensor, WeightTurnsWithTheFlange) {
     }
 }
 
-TEST(ForceSensor, IsZeroWhereItIsClearedAndEverywhereOnceItIsCalibrated) {
+TEST(ForceSensor, IsZeroAtTheZeroingPoseAndEverywhereAfterCalibration) {
     Talk talk(with(kSixAxes, {"--load", "1.5,0.01,-0.02,0.05"}));
     const std::vector<double> home = talk.joints(), elsewhere{40, 30, -60, 80, 50, -100};
     EXPECT_GT(most_of(forces(talk, "zero_force_data")), 1);
@@ -74,7 +74,7 @@ TEST(ForceSensor, IsZeroWhereItIsClearedAndEverywhereOnceItIsCalibrated) {
         EXPECT_LT(most_of(forces(talk, key)), 0.01) << key;
 }
 
-TEST(ForceSensor, IsCalibratedAtFourPosesOfTheClients) {
+TEST(ForceSensor, IsCalibratedAtFourPosesOfTheClient) {
     Talk talk({"--quiet", "--model", "ZK65-6F", "--load", "0.8,0,0,0.06"});
     const std::vector<std::vector<double>> poses{{10, -20, -60, 15, -40, 20},
                                                  {10, -20, -60, 15, 40, 20},
@@ -90,7 +90,7 @@ TEST(ForceSensor, IsCalibratedAtFourPosesOfTheClients) {
     EXPECT_LT(most_of(forces(talk, "zero_force_data")), 0.3) << "noise alone";
 }
 
-TEST(ForceSensor, StopsItsCalibration) {
+TEST(ForceSensor, CalibrationCanBeStopped) {
     Talk talk(kSixAxes);
     EXPECT_FALSE(talk.ask("stop_set_force_sensor").at("stop_state")) << "nothing to stop";
     talk.send("set_force_sensor");
@@ -103,7 +103,7 @@ TEST(ForceSensor, StopsItsCalibration) {
     EXPECT_FALSE(talk.ask("stop_set_force_sensor").at("stop_state")) << "stopped already";
 }
 
-TEST(ForceSensor, FeelsAlongOneAxis) {
+TEST(ForceSensor, OneAxisSensorMeasuresItsAxisOnly) {
     Talk talk({"--quiet", "--model", "ZK75-ZF", "--force-noise", "0", "--load", "1,0,0,0.05"});
     const auto fz = [&](const char* key) { return talk.ask("get_Fz").at(key).get<double>() / 1000; };
     const double before = fz("Fz"), weight_before = orientation(talk).Inverse(KDL::Vector(0, 0, -kGravity)).z();
@@ -118,7 +118,7 @@ TEST(ForceSensor, FeelsAlongOneAxis) {
     ASSERT_TRUE(talk.ask("clear_Fz").at("set_state"));
     EXPECT_NEAR(fz("zero_Fz"), 0, 0.01);
 
-    // The seventh joint of the second pose comes behind the first pose.
+    // The seventh joint of the second pose follows the first pose.
     const Json poses{{"pose1", {10000, -30000, 15000, -60000, 20000, -40000, 10000, 10000}},
                      {"pose2", {10000, -30000, 15000, -60000, 20000, 50000}}};
     EXPECT_TRUE(talk.ask("manual_set_Fz", poses).at("set_state"));
@@ -129,7 +129,7 @@ TEST(ForceSensor, FeelsAlongOneAxis) {
     EXPECT_EQ(talk.ask("get_joint_degree").at("state"), "joint_degree");
 }
 
-// Noise comes again with its seed, and shows in the push.
+// The same seed repeats the noise, which also appears in the push.
 TEST(ForceSensor, NoiseIsReproducible) {
     const auto force_at = [](const char* seed, int64_t time) {
         Talk talk({"--quiet", "--model", "ZK65-6F", "--force-noise", "0.5", "--seed", seed});
@@ -156,14 +156,14 @@ class Table : public testing::Test {
     }
     double height() { return talk.ask("get_current_arm_state").at("arm_state").at("pose").at(2).get<double>() / 1e6; }
     double felt() { return forces(talk, "work_zero_force_data")[2]; }
-    // Waits until the table presses so hard for a while.
+    // Waits until the table presses with this force for a while.
     void press(double newtons) {
         for (int steady = 0; steady < 20;) steady = std::abs(felt() - newtons) < 0.2 ? steady + 1 : 0;
     }
     Talk talk{arguments()};
 };
 
-TEST_F(Table, IsPressedOnWithTheForceThatIsOrdered) {
+TEST_F(Table, IsPressedWithTheOrderedForce) {
     ASSERT_TRUE(talk.ask("clear_force_data").at("clear_state"));
     const double start = height();
     const Json down{{"sensor", 1}, {"mode", 0}, {"direction", 2}, {"N", -100}};
@@ -171,7 +171,7 @@ TEST_F(Table, IsPressedOnWithTheForceThatIsOrdered) {
     EXPECT_FALSE(talk.ask("start_drag_teach", {{"trajectory_record", 1}}).at("drag_teach"));
     press(10);
     EXPECT_NEAR(start - height(), 0.002 + 10.0 / 8000, 2e-4);
-    // Other axes keep their position while the arm moves on.
+    // The other axes hold their position while the arm moves.
     const Json softer{{"sensor", 1},
                       {"mode", 0},
                       {"control_mode", {0, 0, 3, 0, 0, 0}},
@@ -187,8 +187,8 @@ TEST_F(Table, IsPressedOnWithTheForceThatIsOrdered) {
     EXPECT_NEAR(height(), end, 2e-6) << "it stays where it was brought";
 }
 
-// The joints go where the set-points lead them while the tool presses on.
-TEST_F(Table, IsPressedOnByAStreamOfSetPoints) {
+// The joints follow the set-points while the tool presses.
+TEST_F(Table, IsPressedByAStreamOfSetPoints) {
     ASSERT_TRUE(talk.ask("clear_force_data").at("clear_state"));
     std::vector<double> joints = talk.joints();
     const double start = joints[0];
@@ -219,7 +219,7 @@ TEST_F(Table, IsPressedOnByAStreamOfSetPoints) {
     EXPECT_FALSE(talk.ask("Stop_Force_Position_Move").at("set_state"));
 }
 
-TEST_F(Table, GivesWayAsFastAsItMay) {
+TEST_F(Table, YieldsWithinItsSpeedLimit) {
     ASSERT_TRUE(talk.ask("clear_force_data").at("clear_state"));
     const double start = height();
     const Json up{{"sensor", 1},

@@ -38,14 +38,14 @@ TEST(Jogging, OneJointMovesAtItsShareOfTheSpeedUntilItIsStopped) {
     expect_near(others, start);
 }
 
-TEST(Jogging, ALimitEndsIt) {
+TEST(Jogging, EndsAtALimit) {
     Talk talk(kCycleOption);
     ASSERT_TRUE(talk.ask("set_joint_max_pos", {{"joint_max_pos", {1, 30000}}}).at("joint_max_pos"));
     ASSERT_TRUE(ask_joint_teach(talk, 1, "pos", 100));
     talk.samples_until([](const Sample& sample) { return is_idle(sample) && sample.joints[0] == 30; });
 }
 
-TEST(Jogging, TheToolJogsStraightAndEndsWhereTheArmCannotGoOn) {
+TEST(Jogging, TheToolJogsStraightToTheEndOfItsReach) {
     struct Row {
         const char* model;
         const char* command;
@@ -68,14 +68,14 @@ TEST(Jogging, TheToolJogsStraightAndEndsWhereTheArmCannotGoOn) {
     }
 }
 
-TEST(Jogging, ANewJogTakesThePlaceOfTheOldOne) {
+TEST(Jogging, ANewJogReplacesTheOldOne) {
     Talk talk(kCycleOption);
     const std::vector<double> start = talk.joints();
     ASSERT_TRUE(ask_joint_teach(talk, 1, "pos", 20));
     talk.samples_until([&](const Sample& sample) { return sample.joints[0] > start[0] + 10; });
     ASSERT_TRUE(ask_joint_teach(talk, 1, "neg", 20));
     talk.samples_until([&](const Sample& sample) { return sample.joints[0] < start[0]; });
-    // The one that waits for the arm to stop is stopped with it.
+    // A jog that waits for the arm to stop is stopped with it.
     talk.send("set_joint_teach", {{"teach_joint", 1}, {"direction", "pos"}, {"v", 20}});
     talk.send("set_stop_teach");
     EXPECT_TRUE(talk.read().at("joint_teach"));
@@ -84,7 +84,7 @@ TEST(Jogging, ANewJogTakesThePlaceOfTheOldOne) {
     EXPECT_EQ(talk.ask("get_arm_plan_num").at("plan_num"), 0);
 }
 
-TEST(Jogging, IsRefusedWhenTheArmMayNotMoveOrHasMovesToDo) {
+TEST(Jogging, IsRefusedWhenTheArmMayNotMoveOrHasMovesQueued) {
     Talk talk({"--quiet"});
     for (const int joint : {0, 7}) EXPECT_FALSE(ask_joint_teach(talk, joint, "pos", 20));
     for (const int percent : {0, 101}) EXPECT_FALSE(ask_joint_teach(talk, 1, "pos", percent));
@@ -107,7 +107,7 @@ TEST(Jogging, AStepMovesByItsAmountAndReportsItsEnd) {
         expected[joint - 1] += degrees;
         expect_near(talk.joints(), expected);
     }
-    // Behind a move it starts from where that one ends.
+    // After a move it starts at the end of that move.
     ASSERT_TRUE(talk.movej({20, 0, 0, 0, 0, 0}, 100));
     ASSERT_TRUE(talk.ask("set_joint_step", joint_step(1, 10)).at("joint_step"));
     EXPECT_TRUE(talk.read_arrival());

@@ -46,7 +46,7 @@ TEST_P(EveryArm, MovesWithinItsLimitsAtTwentyAndAtHundredPercent) {
 
     expect_within_limits(slow, limits, 0.2);
     expect_within_limits(fast, limits, 1);
-    // The joint that needs longest goes at its limit, and its ramps use the acceleration that there is.
+    // The slowest joint moves at its speed limit, and its ramps at its acceleration limit.
     const size_t pacing = std::min_element(limits.speed.begin(), limits.speed.end()) - limits.speed.begin();
     EXPECT_GE(peaks_of(slow, pacing).speed, 0.99 * 0.2 * slowest);
     EXPECT_GE(peaks_of(fast, pacing).acc, 0.8 * limits.acc[pacing]);
@@ -66,7 +66,7 @@ TEST(Motion, JointsStartAndEndTogether) {
         const double share = (sample.joints[0] - start[0]) / (target[0] - start[0]);
         for (size_t i = 1; i < target.size(); ++i) {
             const double straight = start[i] + share * (target[i] - start[i]);
-            // Joint 1 turns least, so its rounding shows largest in the others.
+            // Joint 1 moves least, so its rounding has the largest effect on the ratios.
             EXPECT_NEAR(sample.joints[i], straight, 0.0005 + 0.0005 * (i + 1) + 1e-9) << "joint " << i + 1;
         }
     }
@@ -84,7 +84,7 @@ TEST(Motion, LowerLimitsOfAJointHold) {
     EXPECT_GE(peaks_of(samples, 0).speed, 0.99 * 30);
 }
 
-// A move of half a minute at least, and the samples until it is well on its way.
+// A move of at least half a minute, and the samples of its start.
 std::vector<double> start_long_move(Talk& talk) {
     std::vector<double> target = talk.joints();
     target[0] = 170;
@@ -116,7 +116,7 @@ TEST(Motion, StopEndsAMoveBeforeItsTarget) {
 double braking_seconds(const std::vector<Sample>& samples, const std::string& status) {
     const auto first =
         std::find_if(samples.begin(), samples.end(), [&](const Sample& s) { return s.status == status; });
-    EXPECT_NE(first, samples.end()) << "no sample tells " << status;
+    EXPECT_NE(first, samples.end()) << "no sample has the status " << status;
     return first == samples.end() ? 0 : (samples.back().time - first->time) / 1000.0;
 }
 
@@ -149,7 +149,7 @@ TEST(Motion, RepeatedStopsDoNotProlongTheBraking) {
     EXPECT_EQ(talk.ask("get_arm_plan_num").at("plan_num"), 0);
 }
 
-TEST(Motion, PauseHaltsOnThePathAndContinueEndsTheMove) {
+TEST(Motion, PauseHaltsOnThePathAndContinueCompletesTheMove) {
     Talk talk(kCycleOption);
     const Limits limits = limits_of(talk);
     std::vector<double> start = talk.joints(), target = start;
@@ -189,7 +189,7 @@ TEST(Motion, MovesQueueAndEachReportsItsArrival) {
     expect_near(talk.joints(), plus(start, -5));
 }
 
-TEST(Motion, AJoinedMoveReportsNothing) {
+TEST(Motion, AJoinedMoveIsNotReported) {
     Talk talk(kCycleOption);
     const std::vector<double> start = talk.joints();
     ASSERT_TRUE(talk.movej(plus(start, 10), 100, 1));
@@ -201,7 +201,7 @@ TEST(Motion, AJoinedMoveReportsNothing) {
     EXPECT_EQ(talk.ask("get_arm_plan_num").at("plan_num"), 0);
 }
 
-// Moves to where the arm stands arrive; as many as are joined, but for one too many.
+// Moves to the current position arrive, up to the maximum number of joined ones.
 TEST(Motion, TooManyMovesAreRefused) {
     Talk talk(kCycleOption);
     const std::vector<double> here = talk.joints();
@@ -214,7 +214,7 @@ TEST(Motion, TooManyMovesAreRefused) {
     EXPECT_EQ(talk.ask("get_arm_plan_num").at("plan_num"), 0);
 }
 
-TEST(Motion, DeletingTheCurrentTrajectoryGoesOnWithTheNext) {
+TEST(Motion, DeletingTheCurrentTrajectoryStartsTheNext) {
     Talk talk(kCycleOption);
     start_long_move(talk);
     const std::vector<double> next = plus(talk.joints(), -3);
@@ -262,7 +262,7 @@ TEST(Motion, PowerOffStopsTheArm) {
     EXPECT_EQ(talk.ask("get_arm_power_state").at("power_state"), 0);
 }
 
-TEST(Motion, TheTimerHoldsTheNextMoveBack) {
+TEST(Motion, TheTimerDelaysTheNextMove) {
     Talk talk(kCycleOption);
     ASSERT_TRUE(talk.ask("timer", {{"wait_time", 400}}).at("wait_time"));
     const std::vector<double> target = plus(talk.joints(), 1);
@@ -273,7 +273,7 @@ TEST(Motion, TheTimerHoldsTheNextMoveBack) {
               asked + 380);
 }
 
-TEST(Motion, WaypointsAreRunThroughInOrder) {
+TEST(Motion, WaypointsRunInOrder) {
     Talk talk(kCycleOption);
     const std::vector<double> start = talk.joints();
     EXPECT_FALSE(talk.ask("start_waypoint", {{"frequency", 10}}).at("waypoint_state"));

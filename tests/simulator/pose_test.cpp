@@ -10,7 +10,7 @@
 namespace zk::test {
 namespace {
 
-// The product of the arm's per-joint transforms at 10, 20, 30... degrees, computed apart from this project's code.
+// The product of the arm's joint transforms at 10, 20, 30... degrees, not computed by this project's code.
 struct Expected {
     const char* model;
     std::array<int, 6> pose;  // millionths of a metre, thousandths of a radian
@@ -88,7 +88,7 @@ TEST(Pose, FramesAndMountingFromTheWire) {
     EXPECT_TRUE(KDL::Equal(talk.tool(), expected_pose(flange), kClose));
 }
 
-TEST(Pose, WhatTheWireCannotTellEndsAtItsRange) {
+TEST(Pose, ValuesBeyondTheWireAreClamped) {
     Talk talk({"--quiet", "--joints", "10,20,30,40,50,60", "--tool", "0,0,2000,0,0,0", "--work", "2000,0,0,0,0,0"});
     EXPECT_EQ(talk.ask("get_current_arm_state").at("arm_state").at("pose")[0], -2147483648);
 }

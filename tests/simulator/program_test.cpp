@@ -1,4 +1,4 @@
-// The simulator as a program: its options, its first line, its end, and that it stands on its own.
+// The simulator as a program: its options, its first line, its exit status, and its independence of the library.
 #include <gtest/gtest.h>
 #include <signal.h>
 
@@ -13,7 +13,7 @@
 namespace zk::test {
 namespace {
 
-TEST(Program, FirstLineTellsModelAndPorts) {
+TEST(Program, FirstLineNamesModelAndPorts) {
     Talk talk({"--quiet", "--model", "ORB63-ZF"});
     const std::regex form(R"(zk_simulator model=ORB63-ZF port=\d+ push_port=\d+)");
     EXPECT_TRUE(std::regex_match(talk.simulator.first_line(), form)) << talk.simulator.first_line();
@@ -71,7 +71,7 @@ TEST(Program, APortInUseIsAnError) {
     EXPECT_NE(run.output, "");
 }
 
-// Its agreement with the library means something only as long as they share nothing.
+// Agreement between simulator and library proves something only if they share no code.
 TEST(Program, IncludesNothingOfTheLibrary) {
     const std::filesystem::path folder = std::filesystem::path(kSourceFolder) / "simulator";
     const std::regex include(R"re(\s*#\s*include\s*([<"])([^>"]+)[>"].*)re");

@@ -1,4 +1,4 @@
-// What the real-time push sends, and that its settings take effect.
+// The content of the real-time push and the effect of its settings.
 #include <gtest/gtest.h>
 
 #include "simulator/talk.h"
@@ -8,7 +8,7 @@ namespace {
 
 Json next_state(Talk& talk) { return Json::parse(talk.push.receive()); }
 
-// The first state that satisfies a condition; settings take effect with one of the next.
+// The first state that satisfies a condition. Settings take effect within a few datagrams.
 template <typename Condition>
 Json state_when(Talk& talk, Condition condition) {
     for (;;) {
@@ -23,7 +23,7 @@ void expect_status_arrays(const Json& state, size_t joints) {
         EXPECT_EQ(state.at("joint_status").at(key).size(), joints) << key;
 }
 
-TEST(Push, TellsTheArmAtRest) {
+TEST(Push, ReportsTheArmAtRest) {
     Talk talk({"--quiet"});
     const Json state = next_state(talk);
     expect_status_arrays(state, 6);
@@ -57,7 +57,7 @@ TEST(Push, HasTheSensorOfTheModel) {
     EXPECT_TRUE(next_state(one).at("one_force_sensor").at("force").is_array());
 }
 
-// Fast, with every part switched on, and seven joints: as long as a datagram gets.
+// The longest datagram: every part is on, and the arm has seven joints.
 TEST(Push, StaysWithinADatagramWithEverythingOn) {
     Talk talk({"--quiet", "--model", "ZK75-6F", "--work", "-1,-1,-1,0,0,0"});
     const char* parts[] = {"joint_speed", "lift_state", "expand_state", "arm_current_status", "hand", "aloha_state"};
@@ -82,7 +82,7 @@ TEST(Push, StaysWithinADatagramWithEverythingOn) {
     EXPECT_EQ(talk.ask("get_realtime_push").at("custom"), custom);
 }
 
-TEST(Push, TellsTheSpeedOfTheJoints) {
+TEST(Push, ReportsTheSpeedOfTheJoints) {
     Talk talk({"--quiet"});
     ASSERT_EQ(talk.ask("set_realtime_push", {{"enable", true}, {"custom", {{"joint_speed", true}}}}).at("state"), true);
     std::vector<double> target = talk.joints();
@@ -94,7 +94,7 @@ TEST(Push, TellsTheSpeedOfTheJoints) {
     EXPECT_EQ(state.at("joint_status").at("joint_speed"), Json({-3000, 0, 0, 0, 0, 0}));
 }
 
-TEST(Push, GoesWhereItIsToldAndStopsWhenToldSo) {
+TEST(Push, FollowsItsSettingsForDestinationAndEnable) {
     Talk talk({"--quiet", "--no-push"});
     EXPECT_EQ(talk.ask("get_realtime_push").at("enable"), false);
     UdpReceiver elsewhere;
@@ -106,7 +106,7 @@ TEST(Push, GoesWhereItIsToldAndStopsWhenToldSo) {
     const Json told = talk.ask("get_realtime_push");
     for (const auto& [key, value] : settings.items()) EXPECT_EQ(told.at(key), value);
 
-    // Off during a move and on again behind it: the samples have a gap as long as the move.
+    // Off during a move and on again after it: the samples have a gap as long as the move.
     ASSERT_EQ(talk.ask("set_realtime_push", {{"enable", false}}).at("state"), true);
     ASSERT_TRUE(talk.movej(std::vector<double>(6, 0), 20));
     EXPECT_TRUE(talk.read_arrival());
@@ -120,7 +120,7 @@ TEST(Push, GoesWhereItIsToldAndStopsWhenToldSo) {
     EXPECT_GE(gap, 1000);
 }
 
-TEST(Push, RefusesSettingsThatCannotBe) {
+TEST(Push, RefusesInvalidSettings) {
     Talk talk({"--quiet"});
     const Json before = talk.ask("get_realtime_push");
     const std::pair<const char*, Json> wrong[] = {
@@ -134,7 +134,7 @@ TEST(Push, RefusesSettingsThatCannotBe) {
     EXPECT_EQ(talk.ask("get_realtime_push"), before);
 }
 
-TEST(Push, TellsErrors) {
+TEST(Push, ReportsErrors) {
     Talk talk({"--quiet"});
     const Json fault{{"arm_err", 4099}, {"sys_err", 7}, {"joint_err", {0, 0, 12, 0, 0, 0}}};
     ASSERT_EQ(talk.ask("zk_sim_fault", fault).at("done"), true);

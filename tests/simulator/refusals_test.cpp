@@ -1,4 +1,4 @@
-// What the simulated arm refuses, and that whoever waits for a move learns of it.
+// What the simulated arm refuses, and the reports of refused moves.
 #include <gtest/gtest.h>
 
 #include "simulator/talk.h"
@@ -25,7 +25,7 @@ void expect_refused(Talk& talk, const Json& move, const std::string& why) {
     EXPECT_FALSE(talk.read_arrival()) << why;
 }
 
-TEST(Refusals, MovesThatCannotBe) {
+TEST(Refusals, InvalidMoves) {
     Talk talk({"--quiet"});
     const std::vector<double> rest = talk.joints();
     expect_refused(talk, changed("joint", {178001, 0, 0, 0, 0, 0}), "beyond the upper limit");
@@ -64,7 +64,7 @@ TEST(Refusals, MovesOfAnArmThatMayNotMove) {
     }
 }
 
-TEST(Refusals, FramesByTheirNames) {
+TEST(Refusals, FramesWithInvalidNames) {
     Talk talk({"--quiet"});
     const auto store = [&](const std::string& command, const std::string& key, const std::string& name) {
         return talk.ask(command, {{"frame_name", name}, {"frame_pose", {1, 2, 3, 4, 5, 6}}}).at(key).get<bool>();

@@ -1,4 +1,4 @@
-// How the simulator takes what comes over its connections, good and bad.
+// How the simulator handles the bytes that its clients send, good and bad.
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 
@@ -55,7 +55,7 @@ std::vector<Bad> bad_requests() {
     };
 }
 
-TEST(Requests, BadOnesHarmNobodyAndAreToldInOneLine) {
+TEST(Requests, BadOnesDisturbNoClientAndAreNotedInOneLine) {
     for (const Bad& bad : bad_requests()) {
         testing::internal::CaptureStderr();
         Talk talk;
@@ -67,7 +67,7 @@ TEST(Requests, BadOnesHarmNobodyAndAreToldInOneLine) {
         EXPECT_EQ(talk.client.ask(request_text("get_arm_power_state")), kPowerState) << bad.what;
         EXPECT_EQ(other.ask(request_text("get_arm_power_state")), kPowerState) << bad.what;
         const std::string notes = testing::internal::GetCapturedStderr();
-        // One for each connection, and one for the request.
+        // One line for each connection and one for the request.
         EXPECT_EQ(std::count(notes.begin(), notes.end(), '\n'), 3) << bad.what << "\n" << notes;
     }
 }
@@ -84,14 +84,14 @@ TEST(Requests, EndAtCarriageReturnAndLineFeedOnly) {
     EXPECT_EQ(talk.client.read_line(), kPowerState);
 }
 
-TEST(Requests, ALineThatNeverEndsIsDroppedUpToItsEnd) {
+TEST(Requests, AnOverlongLineIsDroppedUpToItsEnd) {
     Talk talk({"--quiet"});
     talk.client.send_bytes(std::string(200'000, 'x'));
     talk.client.send_bytes(request_text("get_arm_power_state") + "\r\n" + request_text("get_arm_plan_num") + "\r\n");
     EXPECT_EQ(talk.client.read_line(), R"({"state":"arm_plan_num","plan_num":0})");
 }
 
-TEST(Requests, ClientsThatVanishHarmNobody) {
+TEST(Requests, VanishedClientsDisturbNoOther) {
     Talk talk({"--quiet"});
     for (const std::string& last :
          {std::string("{\"comm"),
@@ -100,11 +100,11 @@ TEST(Requests, ClientsThatVanishHarmNobody) {
         gone.send_bytes(last);
     }
     EXPECT_EQ(talk.client.ask(request_text("get_arm_power_state")), kPowerState);
-    // The move of the one that left is carried out all the same.
+    // The move of the vanished client is executed.
     talk.samples_until([](const Sample& sample) { return sample.joints == std::vector<double>(6, 0.0); });
 }
 
-TEST(Requests, AClientThatDoesNotReadIsDisconnectedAndHarmsNobody) {
+TEST(Requests, AClientThatDoesNotReadIsDisconnectedAndDisturbsNoOther) {
     Talk talk({"--quiet"});
     LineClient deaf(talk.simulator.port());
     std::string requests;

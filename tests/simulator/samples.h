@@ -1,4 +1,4 @@
-// What the samples of the real-time push say of a motion.
+// Measures of a motion from the samples of the real-time push.
 #pragma once
 
 #include <algorithm>
@@ -10,7 +10,7 @@ namespace zk::test {
 constexpr double kCycle = 0.010;  // seconds between two samples of these tests
 inline const std::vector<std::string> kCycleOption{"--quiet", "--push-cycle", "2"};
 
-// Positions come rounded to a thousandth of a degree: what that does to a speed and to an acceleration between samples.
+// The errors of a speed and an acceleration between samples whose positions are rounded to a thousandth of a degree.
 constexpr double kSpeedRounding = 0.001 / kCycle;
 constexpr double kAccRounding = 0.002 / (kCycle * kCycle);
 
@@ -32,8 +32,8 @@ inline Limits limits_of(Talk& talk) {
     return limits;
 }
 
-// The highest mean speed between two samples, and the highest mean acceleration over three: neither exceeds the true
-// one, also when a datagram got lost between them.
+// The highest mean speed between two samples and the highest mean acceleration over three. Neither exceeds the true
+// maximum, even if a datagram was lost.
 struct Peaks {
     double speed = 0;
     double acc = 0;

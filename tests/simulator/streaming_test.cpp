@@ -25,7 +25,7 @@ std::vector<double> plus(std::vector<double> joints, double turn) {
     return joints;
 }
 
-// The samples from now on, up to the first at rest at these joints.
+// The samples up to the first one at rest at these joints.
 std::vector<Sample> samples_to(Talk& talk, const std::vector<double>& target) {
     return talk.samples_until([&](const Sample& sample) {
         double distance = 0;
@@ -78,13 +78,13 @@ TEST(Streaming, SetPointsAreReportedOneByOneAndTheArmRestsAtTheLast) {
     }
 }
 
-TEST(Streaming, ReportsTellWhereTheArmStands) {
+TEST(Streaming, ReportsHoldTheCurrentPosition) {
     Talk talk({"--quiet", "--joints", "10.5,-20,-60,15,-40,20"});
     const Json report = talk.ask("movej_canfd", joints({10.5, -20, -60, 15, -40, 20}));
     EXPECT_EQ(report.at("joint"), Json({10.5, -20.0, -60.0, 15.0, -40.0, 20.0}));
 }
 
-TEST(Streaming, RefusedSetPointsAreToldAndNotFollowed) {
+TEST(Streaming, RefusedSetPointsAreReportedAndNotFollowed) {
     Talk talk({"--quiet"});
     const std::vector<double> start = talk.joints();
     const Json good = joints(start, true);
@@ -110,7 +110,7 @@ TEST(Streaming, RefusedSetPointsAreToldAndNotFollowed) {
     EXPECT_EQ(talk.ask("zk_sim_stream").at("refused"), 7);
 }
 
-TEST(Streaming, AMoveWaitsForTheLastSetPointAndKeepsFurtherOnesAway) {
+TEST(Streaming, AMoveWaitsForTheLastSetPointAndLaterOnesAreRefused) {
     Talk talk(kCycleOption);
     const std::vector<double> start = talk.joints(), streamed = plus(start, 20);
     talk.send("movej_follow", joints(streamed));
@@ -135,7 +135,7 @@ TEST(Streaming, AStopBrakesAndOutlastsTheStream) {
     samples.insert(samples.end(), rest.begin(), rest.end());
     expect_within_limits(samples, limits, 1);
     EXPECT_LT(talk.joints()[0], target[0] - 20);
-    // The stream has paused for long enough after some samples.
+    // After these samples the stream has paused long enough.
     talk.samples_until([&](const Sample& sample) { return sample.time > rest.back().time + 200; });
     talk.send("movej_follow", joints(target));
     samples_to(talk, target);
@@ -173,7 +173,7 @@ TEST(Streaming, PosesAreFollowedAsEulerAnglesAndAsQuaternionsOfEitherScale) {
     for (int i = 3; i < 6; ++i) EXPECT_NEAR(reached[i], euler[i - 3], 1) << i;
 }
 
-TEST(Streaming, PosesThatCannotBeAreRefused) {
+TEST(Streaming, InvalidPosesAreRefused) {
     Talk talk({"--quiet"});
     const std::vector<int> start = pose_of(talk);
     const std::pair<Json, int> rows[] = {

@@ -1,4 +1,4 @@
-// A simulator with one client that speaks JSON to it, and the states that it pushes.
+// A simulator with one client, and the states that it pushes.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -42,7 +42,7 @@ class Talk {
     // Orders a joint move to a target in degrees; true when it was accepted.
     bool movej(const std::vector<double>& target, int percent, int connect = 0);
 
-    // Reads an arrival report, and tells whether the arm arrived.
+    // Reads an arrival report. True if the arm arrived.
     bool read_arrival();
 
     // The joints in degrees, by query.
@@ -50,10 +50,10 @@ class Talk {
 
     Sample sample();
 
-    // Where the tool is at rest.
+    // The pose of the tool at rest.
     KDL::Frame tool();
 
-    // Collects samples up to and with the first that `last` accepts.
+    // Collects samples up to the first that `last` accepts, and that one.
     std::vector<Sample> samples_until(const std::function<bool(const Sample&)>& last);
     std::vector<Sample> samples_until(const std::string& status);
 
@@ -127,7 +127,7 @@ inline std::vector<Sample> Talk::samples_until(const std::string& status) {
     return samples_until([&](const Sample& sample) { return sample.status == status; });
 }
 
-// What a program that ran to its end has left.
+// The output and exit status of a program.
 struct Finished {
     std::string output;  // standard output and standard error
     int status;

@@ -24,7 +24,7 @@ std::vector<int> wire(const KDL::Frame& pose) {
     return wire;
 }
 
-// The pose as the wire has it.
+// The pose in the units of the wire.
 KDL::Frame on_wire(const KDL::Frame& pose) {
     const std::vector<int> w = wire(pose);
     return {KDL::Rotation::RPY(w[3] / 1e3, w[4] / 1e3, w[5] / 1e3), KDL::Vector(w[0] / 1e6, w[1] / 1e6, w[2] / 1e6)};
@@ -63,7 +63,7 @@ void expect_at(const KDL::Frame& actual, const KDL::Frame& expected, double tole
     EXPECT_LT(beside.rot.Norm(), tolerance);
 }
 
-// The mean speeds between samples, of what `way` tells of two poses.
+// The mean speeds between samples, with `way` as the distance between two poses.
 std::vector<double> speeds(const std::vector<Sample>& samples,
                            double (*way)(const KDL::Frame& from, const KDL::Frame& to)) {
     std::vector<double> speeds;
@@ -77,7 +77,7 @@ double radians(const KDL::Frame& from, const KDL::Frame& to) { return KDL::diff(
 
 double highest(const std::vector<double>& values) { return *std::max_element(values.begin(), values.end()); }
 
-// The lowest speed on the way, starting and arriving left out: from the first to the last sample at half the top speed.
+// The lowest speed between the first and the last sample at half the top speed.
 double lowest_on_the_way(const std::vector<double>& speeds) {
     const auto fast = [half = highest(speeds) / 2](double speed) { return speed > half; };
     const auto first = std::find_if(speeds.begin(), speeds.end(), fast);
@@ -99,7 +99,7 @@ class ToolMotion : public testing::TestWithParam<const char*> {
 };
 INSTANTIATE_TEST_SUITE_P(Simulator, ToolMotion, testing::Values("ZK65-B", "ZK75-6F"));
 
-TEST_P(ToolMotion, ALineIsStraightAndKeepsToTheSpeedsOfTheTool) {
+TEST_P(ToolMotion, ALineIsStraightAndWithinTheToolSpeeds) {
     for (const KDL::Vector& turn : {KDL::Vector(0.05, 0, 0.05), KDL::Vector(-0.1, 0.5, 0.3)}) {
         const KDL::Frame from = talk.tool(),
                          target = on_wire(moved(from, KDL::Vector(inward * 0.05, 0.08, -0.06), turn));
@@ -122,7 +122,7 @@ TEST_P(ToolMotion, ALineIsStraightAndKeepsToTheSpeedsOfTheTool) {
     }
 }
 
-TEST_P(ToolMotion, ACircleGoesThroughItsPointsAsOftenAsItIsTold) {
+TEST_P(ToolMotion, ACirclePassesItsPointsOncePerLoop) {
     constexpr double kRadius = 0.04;
     const KDL::Vector centre = start.p + KDL::Vector(inward * kRadius, 0, 0);
     const auto point = [&](double angle, const KDL::Vector& turn) {
@@ -152,7 +152,7 @@ TEST_P(ToolMotion, ACircleGoesThroughItsPointsAsOftenAsItIsTold) {
     }
 }
 
-TEST_P(ToolMotion, ASplineGoesThroughItsPointsWithoutAHalt) {
+TEST_P(ToolMotion, ASplinePassesItsPointsWithoutAHalt) {
     const KDL::Frame points[] = {on_wire(moved(start, {inward * 0.01, 0.05, 0}, {0.1, 0, 0})),
                                  on_wire(moved(start, {inward * 0.03, 0.08, -0.04}, {0.1, 0.1, 0})),
                                  on_wire(moved(start, {inward * 0.03, 0.05, -0.08}))};
@@ -171,7 +171,7 @@ TEST_P(ToolMotion, ASplineGoesThroughItsPointsWithoutAHalt) {
     for (size_t i = 1; i < speed.size(); ++i) EXPECT_LT(std::abs(speed[i] - speed[i - 1]), 0.02) << "a jolt";
 }
 
-TEST_P(ToolMotion, AJointMoveToAPoseGetsThere) {
+TEST_P(ToolMotion, AJointMoveReachesItsPose) {
     const KDL::Frame target = on_wire(moved(start, {inward * 0.08, 0.1, -0.05}, {0.2, -0.1, 0.4}));
     ASSERT_TRUE(move_to(talk, "movej_p", target, 50));
     const Json current = talk.ask("get_arm_current_trajectory");
@@ -182,7 +182,7 @@ TEST_P(ToolMotion, AJointMoveToAPoseGetsThere) {
     expect_at(talk.tool(), target, 1e-5);
 }
 
-TEST_P(ToolMotion, JoinedMovesHaltBetweenEachOtherOnlyWithoutABlend) {
+TEST_P(ToolMotion, JoinedMovesHaltOnlyWithoutABlend) {
     const KDL::Frame corner = on_wire(moved(start, {0, 0.06, 0})), end = on_wire(moved(corner, {0, 0, -0.06}));
     for (const int blend : {0, 30, 100}) {
         ASSERT_TRUE(move_to(talk, "movej_p", start, 100));
@@ -224,7 +224,7 @@ TEST_P(ToolMotion, MovesOfDifferentKindsAreJoined) {
     EXPECT_GT(lowest_on_the_way(speeds(samples, metres)), 0.005);
 }
 
-TEST(ToolMotion, RefusesWhatTheArmCannotDo) {
+TEST(ToolMotion, RefusesUnreachablePaths) {
     Talk talk(arguments("ZK65-B"));
     const KDL::Frame start = talk.tool();
     const auto away = [&](double x, double y, double z) { return wire(moved(start, {x, y, z})); };
@@ -253,7 +253,7 @@ TEST(ToolMotion, RefusesAPathOnWhichAJointLeavesItsLimitsOrIsTooFast) {
     Talk talk(arguments("ZK65-B"));
     const KDL::Frame start = talk.tool(), beside = moved(start, {0, 0.1, 0});
     const std::vector<double> joints = talk.joints();
-    // Joint 1 must turn for the line, and may not turn so far, or not so fast.
+    // Joint 1 has to move for the line, but not as far, or not as fast, as its limits allow.
     ASSERT_TRUE(talk.ask("set_joint_max_pos", {{"joint_max_pos", {1, 15000}}}).at("joint_max_pos"));
     EXPECT_FALSE(move_to(talk, "movel", beside, 100));
     expect_report(talk, false);
@@ -266,7 +266,7 @@ TEST(ToolMotion, RefusesAPathOnWhichAJointLeavesItsLimitsOrIsTooFast) {
     expect_report(talk, true);
 }
 
-TEST(ToolMotion, ARefusedMoveLeavesThoseThatItWasToJoin) {
+TEST(ToolMotion, ARefusedMoveKeepsTheMovesItWouldJoin) {
     Talk talk(arguments("ZK65-B"));
     const KDL::Frame start = talk.tool(), corner = on_wire(moved(start, {0, 0.05, 0}));
     ASSERT_TRUE(move_to(talk, "moves", corner, 50, 1));
@@ -279,7 +279,7 @@ TEST(ToolMotion, ARefusedMoveLeavesThoseThatItWasToJoin) {
     expect_at(talk.tool(), end, 1e-5);
 }
 
-TEST(ToolMotion, APauseHaltsOnTheLineAndAStopDropsAllThatIsJoined) {
+TEST(ToolMotion, APauseHaltsOnTheLineAndAStopDropsAllJoinedMoves) {
     Talk talk(arguments("ZK65-B"));
     const KDL::Frame start = talk.tool(), corner = on_wire(moved(start, {0, 0.1, 0})),
                      end = on_wire(moved(corner, {0, 0, -0.1}));
@@ -303,7 +303,7 @@ TEST(ToolMotion, APauseHaltsOnTheLineAndAStopDropsAllThatIsJoined) {
     EXPECT_EQ(talk.ask("get_arm_plan_num").at("plan_num"), 0);
 }
 
-TEST(ToolMotion, ALineBehindADeletedMoveBeginsWhereTheArmStands) {
+TEST(ToolMotion, ALineAfterADeletedMoveStartsAtTheCurrentPosition) {
     Talk talk(arguments("ZK65-B"));
     const KDL::Frame start = talk.tool(), target = on_wire(moved(start, {0, 0.1, -0.05}));
     ASSERT_TRUE(move_to(talk, "movel", moved(start, {0, 0.1, 0}), 10));
