@@ -12,7 +12,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int kSixAxisSensor = 1, kWorkFrame = 0, kAlongZ = 2;
 constexpr int kNewtons = 5;
 
 // The force on the tool along z of the work frame.
@@ -51,7 +50,7 @@ int main(int argc, char** argv) {
     if (!succeeded("Zeroing the sensor", Clear_Force_Data(arm, true)) || !read_force(arm, force)) return 1;
     std::printf("In the air the sensor feels %.2f N.\n", force);
 
-    const int status = Set_Force_Postion(arm, kSixAxisSensor, kWorkFrame, kAlongZ, -kNewtons, true);
+    const int status = Set_Force_Postion(arm, ZK_SENSOR_SIX_AXIS, ZK_FORCE_IN_WORK_FRAME, ZK_FORCE_Z, -kNewtons, true);
     if (!succeeded("Starting to press", status)) return 1;
     const bool pressing = wait_for_pressure(arm) && read_force(arm, force);
     if (pressing) std::printf("The table presses back with %.2f N.\n", force);

@@ -72,6 +72,7 @@
 #include "zk/replies/gripper_and_hand.h"
 #include "zk/replies/io.h"
 #include "zk/replies/joint_configuration.h"
+#include "zk/replies/key_codes.h"
 #include "zk/replies/modbus.h"
 #include "zk/replies/motion.h"
 #include "zk/replies/programs.h"

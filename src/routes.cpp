@@ -192,7 +192,7 @@ void report(int slot, char* message) {
     report.report_type = type;
     report.arm_err = 8;
     report.socket = read(SockInfo[slot].socket);
-    if constexpr (type == 3) {
+    if constexpr (type == ZK_REPORT_FORCE) {
         report.result = Parser_Force_Position_Move(report.socket, message, report.joint, report.all_direction_force,
                                                    &report.force, &report.arm_err);
     } else {
@@ -200,9 +200,9 @@ void report(int slot, char* message) {
     }
     if (const MotionReportCallback callback = read(callback1, std::memory_order_acquire)) callback(report);
 }
-constexpr Handler kJointReport = report<1>;
-constexpr Handler kPoseReport = report<2>;
-constexpr Handler kForceReport = report<3>;
+constexpr Handler kJointReport = report<ZK_REPORT_JOINT>;
+constexpr Handler kPoseReport = report<ZK_REPORT_POSE>;
+constexpr Handler kForceReport = report<ZK_REPORT_FORCE>;
 
 void drag_point(int slot, char* message) {
     if (message) save_drag_point(slot, message);

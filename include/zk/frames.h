@@ -2,7 +2,8 @@
  * Frames and payload: the tool and work frames that the controller keeps by name, and the load of the arm. zk/status.h
  * describes the forms and their statuses.
  *
- * Poses are metres and radians. Requests send the Euler angles; queries leave the quaternion of a pose as it was.
+ * Poses are metres and radians. Requests send the Euler angles; queries leave the quaternion of a pose as it was:
+ * complete it with ZK_Complete_Pose before use.
  * Names have at most ten bytes. Keep the word "point" out of names:
  * a reply that contains it is taken for a recorded point, and the query ends in 7. A name that makes the request longer
  * than its frame of 299 bytes ends the process. Do not change the local model while another thread computes kinematics.
@@ -24,8 +25,8 @@ typedef struct FrameName {
 
 /* --------------------------------------------------------------------------------------------------- Tool frames -- */
 
-/* Records one of the points that a tool frame is computed from; then Generate_Auto_Tool_Frame computes it. Mind that
- * its non-blocking form sends the centre of gravity a thousand times smaller. */
+/* Records one of the points that a tool frame is computed from; Generate_Auto_Tool_Frame then computes it, whose non-
+ * blocking form sends the centre of gravity a thousand times smaller. */
 ZK_API int Auto_Set_Tool_Frame(ArmSocket socket, uint8_t number, bool block);
 ZK_API int Auto_Set_Tool_Frame_Block(ArmSocket socket, uint8_t number);
 ZK_API int Auto_Set_Tool_Frame_NonBlock(ArmSocket socket, uint8_t number);
@@ -35,8 +36,8 @@ ZK_API int Generate_Auto_Tool_Frame_Block(ArmSocket socket, const char* name, fl
 ZK_API int Generate_Auto_Tool_Frame_NonBlock(ArmSocket socket, const char* name, float payload, float x, float y,
                                              float z);
 
-/* Make a tool frame by its pose, mass in kilograms and centre of gravity in metres; change one that exists. Mind that
- * the non-blocking form sends the mass without the factor 1000, and the centre of gravity a thousand times smaller. */
+/* Create a tool frame with its pose, mass in kilograms and centre of gravity in metres; change an existing one. The
+ * non-blocking form sends the mass without the factor 1000, and the centre of gravity a thousand times smaller. */
 ZK_API int Manual_Set_Tool_Frame(ArmSocket socket, const char* name, Pose pose, float payload, float x, float y,
                                  float z, bool block);
 ZK_API int Manual_Set_Tool_Frame_Block(ArmSocket socket, const char* name, Pose pose, float payload, float x, float y,
@@ -48,8 +49,8 @@ ZK_API int Update_Tool_Frame(ArmSocket socket, const char* name, Pose pose, floa
 ZK_API int Update_Tool_Frame_Block(ArmSocket socket, const char* name, Pose pose, float payload, float x, float y,
                                    float z);
 
-/* Select a tool frame, or delete one. Then the plain names ask for the frame in use and put it into the local model and
- * g_tool_pose; the question's status is theirs. After the non-blocking form the answer may still be the old frame. */
+/* Select or delete a tool frame. The plain names then query the frame in use and put it into the local model and
+ * g_tool_pose; they return the status of that query. After the non-blocking form it may still deliver the old frame. */
 ZK_API int Change_Tool_Frame(ArmSocket socket, const char* name, bool block);
 ZK_API int Change_Tool_Frame_Block(ArmSocket socket, const char* name);
 ZK_API int Change_Tool_Frame_NonBlock(ArmSocket socket, const char* name);
@@ -65,21 +66,18 @@ ZK_API int Set_Payload_NonBlock(ArmSocket socket, int32_t payload, float x, floa
 ZK_API int Set_None_Payload_Block(ArmSocket socket);
 ZK_API int Set_None_Payload_NonBlock(ArmSocket socket);
 
-/*
- * Asks for the tool frame in use: name, pose, mass and centre of gravity. The plain
- * name then refreshes g_tool_pose from the local model; the answer does not go into the model here: the start-up of the
- * connection and the commands that change frames put it there. Afterwards the mailbox record of the first connection is
- * wiped, whichever asked, as in all the questions of this family.
- */
+/* Queries the tool frame in use: name, pose, mass and centre of gravity. The plain name then copies g_tool_pose from
+ * the local model. The query itself does not change the model: the start-up of the connection and the commands that
+ * change frames do. Zeroes the first record (zk/status.h), as all queries of this family do. */
 ZK_API int Get_Current_Tool_Frame(ArmSocket socket, FrameRec* frame);
 ZK_API int Get_Current_Tool_Frame_Block(ArmSocket socket, FrameRec* frame);
 
-/* Asks for a tool frame by its name; 1 when there is none of that name. */
+/* Queries a tool frame by its name; 1 when there is none of that name. */
 ZK_API int Get_Given_Tool_Frame(ArmSocket socket, const char* name, FrameRec* frame);
 ZK_API int Get_Given_Tool_Frame_Block(ArmSocket socket, const char* name, FrameRec* frame);
 
-/* Asks for the names of all tool frames, at most ZK_FRAME_NAMES of them; the array has room for that many. The pointer
- * to the count is not tested. */
+/* Queries the names of all tool frames, at most ZK_FRAME_NAMES, for which the array must have room. The plain name does
+ * not test the pointer to the count. */
 ZK_API int Get_All_Tool_Frame(ArmSocket socket, FrameName* names, int32_t* count);
 ZK_API int Get_All_Tool_Frame_Block(ArmSocket socket, FrameName* names, int32_t* count);
 
@@ -90,7 +88,7 @@ ZK_API int Auto_Set_Work_Frame(ArmSocket socket, const char* name, uint8_t numbe
 ZK_API int Auto_Set_Work_Frame_Block(ArmSocket socket, const char* name, uint8_t number);
 ZK_API int Auto_Set_Work_Frame_NonBlock(ArmSocket socket, const char* name, uint8_t number);
 
-/* Make a work frame by its pose; change one that exists. */
+/* Create a work frame with its pose; change an existing one. */
 ZK_API int Manual_Set_Work_Frame(ArmSocket socket, const char* name, Pose pose, bool block);
 ZK_API int Manual_Set_Work_Frame_Block(ArmSocket socket, const char* name, Pose pose);
 ZK_API int Manual_Set_Work_Frame_NonBlock(ArmSocket socket, const char* name, Pose pose);
@@ -98,8 +96,8 @@ ZK_API int Manual_Set_Work_Frame_NonBlock(ArmSocket socket, const char* name, Po
 ZK_API int Update_Work_Frame(ArmSocket socket, const char* name, Pose pose);
 ZK_API int Update_Work_Frame_Block(ArmSocket socket, const char* name, Pose pose);
 
-/* Select a work frame, or delete one. Then the plain names ask for the frame in use and put it into the local model and
- * g_work_pose; the question's status is theirs. */
+/* Select or delete a work frame. The plain names then query the frame in use and put it into the local model and
+ * g_work_pose; they return the status of that query. */
 ZK_API int Change_Work_Frame(ArmSocket socket, const char* name, bool block);
 ZK_API int Change_Work_Frame_Block(ArmSocket socket, const char* name);
 ZK_API int Change_Work_Frame_NonBlock(ArmSocket socket, const char* name);
@@ -108,17 +106,17 @@ ZK_API int Delete_Work_Frame(ArmSocket socket, const char* name, bool block);
 ZK_API int Delete_Work_Frame_Block(ArmSocket socket, const char* name);
 ZK_API int Delete_Work_Frame_NonBlock(ArmSocket socket, const char* name);
 
-/* Asks for the work frame in use: name and pose; mass and centre of gravity are what the record held. As with the tool,
- * the plain name refreshes g_work_pose from the local model. */
+/* Queries the work frame in use: name and pose; mass and centre of gravity are those that the mailbox held. The plain
+ * name then copies g_work_pose from the local model. */
 ZK_API int Get_Current_Work_Frame(ArmSocket socket, FrameRec* frame);
 ZK_API int Get_Current_Work_Frame_Block(ArmSocket socket, FrameRec* frame);
 
-/* Asks for a work frame by its name, in a buffer of at least ten bytes, which gets the name that the controller answers
- * (not ended when it has ten bytes); 1 when there is none of that name. */
+/* Queries a work frame by its name; 1 when there is none of that name. `name` is a buffer of at least ten bytes and
+ * gets the name in the reply, without an end mark when it has ten bytes. */
 ZK_API int Get_Given_Work_Frame(ArmSocket socket, char* name, Pose* pose);
 ZK_API int Get_Given_Work_Frame_Block(ArmSocket socket, char* name, Pose* pose);
 
-/* Asks for the names of all work frames, as with the tools. */
+/* Queries the names of all work frames, as Get_All_Tool_Frame does. */
 ZK_API int Get_All_Work_Frame(ArmSocket socket, FrameName* names, int32_t* count);
 ZK_API int Get_All_Work_Frame_Blcok(ArmSocket socket, FrameName* names, int32_t* count);
 

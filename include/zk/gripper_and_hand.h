@@ -22,19 +22,18 @@ typedef struct GripperState {
 
 /* ------------------------------------------------------------------------------------------------------- Gripper -- */
 
-/* Sets the range of the opening that is used. Waits m_nOutTime_max. */
+/* Sets the range of openings in use. Waits m_nOutTime_max. */
 ZK_API int Set_Gripper_Route(ArmSocket socket, int32_t min, int32_t max, bool block);
 ZK_API int Set_Gripper_Route_Block(ArmSocket socket, int32_t min, int32_t max);
 ZK_API int Set_Gripper_Route_NonBlock(ArmSocket socket, int32_t min, int32_t max);
 
 /*
- * Move the gripper: open it, close it until it grips with a force, close it and keep the force up, go to an opening.
+ * Move the gripper: open it, close it until it grips with a force, close it and keep the force, go to an opening.
  *
- * A blocking form waits until the gripper reports that it has arrived: 0 then; 1 refused, or ended before its target;
- * 12 the report that came is another device's; 7 when it did not report within `timeout` seconds (0 gives 7 at once). A
- * non-blocking form returns 0 at once with a timeout of 0; with any other it waits for the controller's
- * acknowledgement, though not for the arrival, for up to m_nOutTime_max, and takes one that an earlier call left
- * behind.
+ * A blocking form waits until the gripper reports its arrival: 0; 1 refused, or ended before its target; 12 another
+ * device reported; 7 no report within `timeout` seconds (0 returns 7 at once). A non-blocking form returns 0 at once
+ * with a timeout of 0. With any other timeout it waits for the acknowledgement, at most m_nOutTime_max, and may take
+ * that of an earlier call.
  */
 ZK_API int Set_Gripper_Release(ArmSocket socket, int32_t speed, bool block, int32_t timeout);
 ZK_API int Set_Gripper_Release_Block(ArmSocket socket, int32_t speed, int32_t timeout);
@@ -52,22 +51,19 @@ ZK_API int Set_Gripper_Position(ArmSocket socket, int32_t position, bool block, 
 ZK_API int Set_Gripper_Position_Block(ArmSocket socket, int32_t position, int32_t timeout);
 ZK_API int Set_Gripper_Position_NonBlock(ArmSocket socket, int32_t position, int32_t timeout);
 
-/*
- * Asks for the gripper's state. Once a reply is here the status is that of the last reply about the joint drives' upper
- * limits on this connection (0 if there was none), not of this one: a broken reply gives 0 as well, with what the
- * record held.
- */
+/* Queries the gripper's state. After a reply the status is that of the last reply about the upper position limits of
+ * the joint drives on this connection, or 0 if there was none: even a broken reply returns 0, with the values that the
+ * mailbox held. */
 ZK_API int Get_Gripper_State(ArmSocket socket, GripperState* state);
 ZK_API int Get_Gripper_State_Block(ArmSocket socket, GripperState* state);
 
 /* ---------------------------------------------------------------------------------------------------------- Hand -- */
 
 /*
- * Bring the hand into a posture, or have it run through a sequence, by their numbers in the hand. A blocking form waits
- * for the acknowledgement and then the hand's report: 0 arrived; 1 refused, or ended before its target; 7 at the limit,
- * which is m_nOutTime and 30 s more for a posture, m_nOutTime_max and 30 s more for a sequence. Another device's
- * report, also one that an earlier move left behind, leaves the call waiting for its limit. A non-blocking form waits
- * for the acknowledgement, for up to m_nOutTime.
+ * Bring the hand into a posture, or run a sequence, by their numbers in the hand. A blocking form waits for the
+ * acknowledgement and then for the hand's report: 0 arrived; 1 refused, or ended before its target; 7 at the limit,
+ * m_nOutTime and 30 s for a posture, m_nOutTime_max and 30 s for a sequence. A report of another device, even of an
+ * earlier move, makes the call wait for its limit. A non-blocking form waits m_nOutTime for the acknowledgement.
  */
 ZK_API int Set_Hand_Posture(ArmSocket socket, int32_t posture, bool block);
 ZK_API int Set_Hand_Posture_Block(ArmSocket socket, int32_t posture);
@@ -82,8 +78,7 @@ ZK_API int Set_Hand_Angle(ArmSocket socket, const int32_t* angle, bool block);
 ZK_API int Set_Hand_Angle_Block(ArmSocket socket, const int32_t* angle);
 ZK_API int Set_Hand_Angle_NonBlock(ArmSocket socket, const int32_t* angle);
 
-/* The same for streams of angles, and of positions: the blocking forms wait 100 ms at most, and no form tests the
- * pointer. */
+/* Stream angles and positions of the fingers: the blocking forms wait at most 100 ms. No form tests the pointer. */
 ZK_API int Set_Hand_Follow_Angle(ArmSocket socket, const int32_t* angle, bool block);
 ZK_API int Set_Hand_Follow_Angle_Block(ArmSocket socket, const int32_t* angle);
 ZK_API int Set_Hand_Follow_Angle_NonBlock(ArmSocket socket, const int32_t* angle);
@@ -103,9 +98,7 @@ ZK_API int Set_Hand_Force_NonBlock(ArmSocket socket, int32_t force);
 
 /* ----------------------------------------------------------------------------------------------------------- PWM -- */
 
-/* Sets the frequency and the duty of the PWM output. The controller does it, but its reply does not reach the caller:
- * the blocking form ends in 7 after m_nOutTime (6 when the request could not be written, 20 with 200 replies pending).
- * Use the other form. The plain name waits 20 ms first. */
+/* Sets the frequency and the duty of the PWM output. No reply (zk/status.h): use the non-blocking form. */
 ZK_API int Set_PWM(ArmSocket socket, int32_t frequency, int32_t duty, bool block);
 ZK_API int Set_PWM_Block(ArmSocket socket, int32_t frequency, int32_t duty);
 ZK_API int Set_PWM_NoBlock(ArmSocket socket, int32_t frequency, int32_t duty);

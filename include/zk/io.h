@@ -12,11 +12,9 @@
 
 /* --------------------------------------------------------------------------------------- Inputs, outputs, singly -- */
 
-/*
- * Set an output, digital (any non-zero state is 1) or analogue (in volts, sent in millivolts). These plain names, and
- * those of the four queries below, test neither for a file transfer nor a pointer: during one they queue their request,
- * which goes out behind it, and wait for their reply as ever.
- */
+/* Set an output, digital (any non-zero state is 1) or analogue (in volts, sent in millivolts). These plain names, and
+ * those of the four queries below, test neither for a file transfer nor for null pointers. During a transfer their
+ * requests wait in the queue. */
 ZK_API int Set_DO_State(ArmSocket socket, uint8_t number, uint8_t state, bool block);
 ZK_API int Set_DO_State_Block(ArmSocket socket, uint8_t number, uint8_t state);
 ZK_API int Set_DO_State_NonBlock(ArmSocket socket, uint8_t number, uint8_t state);
@@ -25,19 +23,20 @@ ZK_API int Set_AO_State(ArmSocket socket, uint8_t number, float voltage, bool bl
 ZK_API int Set_AO_State_Block(ArmSocket socket, uint8_t number, float voltage);
 ZK_API int Set_AO_State_NonBlock(ArmSocket socket, uint8_t number, float voltage);
 
-/* One of the two by the type: 0 digital, 1 analogue with `value` in whole volts. Another type gives 11. */
+/* Sets a digital output (type 0), or an analogue one (type 1) to `value` whole volts. Any other type returns 11. */
 ZK_API int Set_IO_State(ArmSocket socket, int32_t type, uint8_t number, uint8_t value, bool block);
 
-/* Asks for a digital output. */
+/* Queries a digital output. */
 ZK_API int Get_DO_State(ArmSocket socket, uint8_t number, uint8_t* state);
 ZK_API int Get_DO_State_Block(ArmSocket socket, uint8_t number, uint8_t* state);
 
-/* Asks for a digital input, but delivers 0 whatever its state: the value lands in the data of Get_DO_State_Cmd. Use
- * Get_IO_Input or Get_IO_State. */
+/* Queries a digital input, but delivers 0 whatever its state: the value is stored in Get_DO_State_Cmd. Use Get_IO_Input
+ * or Get_IO_State. */
 ZK_API int Get_DI_State(ArmSocket socket, uint8_t number, uint8_t* state);
 ZK_API int Get_DI_State_Block(ArmSocket socket, uint8_t number, uint8_t* state);
 
-/* Ask for an analogue output, and input, in whole volts: the fraction is cut. Get_IO_Output and Get_IO_Input tell it.
+/*
+ * Query an analogue output and input in whole volts, without the fraction. Get_IO_Output and Get_IO_Input deliver it.
  */
 ZK_API int Get_AO_State(ArmSocket socket, uint8_t number, uint8_t* volts);
 ZK_API int Get_AO_State_Block(ArmSocket socket, uint8_t number, uint8_t* volts);
@@ -47,8 +46,8 @@ ZK_API int Get_AI_State_Blcok(ArmSocket socket, uint8_t number, uint8_t* volts);
 
 /* -------------------------------------------------------------------------------------- Inputs, outputs, at once -- */
 
-/* Ask for all inputs, and all outputs: four digital ones, and four analogue ones in volts. A reply of fewer leaves the
- * rest as the reply before told it, of more is cut. */
+/* Query all inputs and all outputs: four digital ones, and four analogue ones in volts. After a shorter reply the rest
+ * is that of the reply before; a longer one is cut. */
 ZK_API int Get_IO_Input(ArmSocket socket, int32_t* digital, float* analogue);
 ZK_API int Get_IO_Input_Block(ArmSocket socket, int32_t* digital, float* analogue);
 
@@ -57,8 +56,8 @@ ZK_API int Get_IO_Output_Block(ArmSocket socket, int32_t* digital, float* analog
 
 /* --------------------------------------------------------------------------------------------------------- Modes -- */
 
-/* Ask for the state and the mode of a digital input or output, and set its mode. A reply need not tell the mode; then
- * the last one told is delivered. */
+/* Query the state and the mode of a digital input or output, and set its mode. A reply without a mode delivers the mode
+ * of the reply before. */
 ZK_API int Get_IO_State(ArmSocket socket, uint8_t number, uint8_t* state, uint8_t* mode);
 ZK_API int Get_IO_State_Block(ArmSocket socket, uint8_t number, uint8_t* state, uint8_t* mode);
 
@@ -67,7 +66,7 @@ ZK_API int Set_IO_Mode_Block(ArmSocket socket, uint8_t number, uint8_t mode);
 
 /* ------------------------------------------------------------------------------------------------ Supply voltage -- */
 
-/* Set the type of the controller's supply voltage and whether it is switched on at the start, and ask for the type. */
+/* Set the type of the controller's supply voltage and whether it is on at start-up; query the type. */
 ZK_API int Set_Voltage(ArmSocket socket, uint8_t type, uint8_t start_enable);
 ZK_API int Set_Voltage_Block(ArmSocket socket, uint8_t type, uint8_t start_enable);
 
@@ -76,7 +75,7 @@ ZK_API int Get_Voltage_Block(ArmSocket socket, uint8_t* type);
 
 /* --------------------------------------------------------------------------------------------------- Tool flange -- */
 
-/* Set an output of the tool, and the direction of one of its inputs or outputs: any non-zero number goes out as 1. */
+/* Set an output of the tool, and the direction of one of its inputs or outputs: any non-zero number is sent as 1. */
 ZK_API int Set_Tool_DO_State(ArmSocket socket, uint8_t number, uint8_t state, bool block);
 ZK_API int Set_Tool_DO_State_Block(ArmSocket socket, uint8_t number, uint8_t state);
 ZK_API int Set_Tool_DO_State_NonBlock(ArmSocket socket, uint8_t number, uint8_t state);
@@ -85,11 +84,11 @@ ZK_API int Set_Tool_IO_Mode(ArmSocket socket, uint8_t number, uint8_t state, boo
 ZK_API int Set_Tool_IO_Mode_Block(ArmSocket socket, uint8_t number, uint8_t state);
 ZK_API int Set_Tool_IO_Mode_NonBlock(ArmSocket socket, uint8_t number, uint8_t state);
 
-/* Asks for mode and state of both inputs or outputs of the tool: arrays of two. */
+/* Queries mode and state of both inputs or outputs of the tool: arrays of two. */
 ZK_API int Get_Tool_IO_State(ArmSocket socket, float* mode, float* state);
 ZK_API int Get_Tool_IO_State_Block(ArmSocket socket, float* mode, float* state);
 
-/* Set, and ask for, the type of the tool's supply voltage. */
+/* Set and query the type of the tool's supply voltage. */
 ZK_API int Set_Tool_Voltage(ArmSocket socket, uint8_t type, bool block);
 ZK_API int Set_Tool_Voltage_Block(ArmSocket socket, uint8_t type);
 ZK_API int Set_Tool_Voltage_NonBlock(ArmSocket socket, uint8_t type);
@@ -100,10 +99,10 @@ ZK_API int Get_Tool_Voltage_Block(ArmSocket socket, uint8_t* type);
 /* ----------------------------------------------------------------------------------- Waiting where nothing comes -- */
 
 /*
- * Five of the requests above under other names. The controller does what they ask, but its reply goes to the mailbox
- * of the other name, and so they always end in 7 after m_nOutTime (18, and 19 for a null pointer, at once). Use
- * Set_IO_Mode, Set_DO_State, Get_IO_State, Get_Voltage and Set_Voltage instead. Mode and state are sent as 1 when they
- * are 1, else as 0. The plain names wait 2 ms first. Each blocking form has two spellings.
+ * Five of the requests above under other names. The controller executes them, but the reply goes to the mailbox of the
+ * other name: they always end in 7 after m_nOutTime. Use Set_IO_Mode, Set_DO_State, Get_IO_State, Get_Voltage and
+ * Set_Voltage instead. Mode and state are sent as 1 when they are 1, else as 0. The plain names wait 2 ms first. Each
+ * blocking form has two spellings.
  */
 ZK_API int Set_IO_Mode_NC_E(ArmSocket socket, uint8_t number, int32_t mode);
 ZK_API int Set_IO_Mode_Block_NC_E(ArmSocket socket, uint8_t number, int32_t mode);

@@ -16,12 +16,12 @@
 
 /*
  * Set one joint's limit: speed in degrees per second, acceleration in degrees per second squared, lowest and highest
- * position in degrees. After the setting, blocking or not, the plain names ask for the limit of all joints and put the
- * answer into the local model; the question's status is theirs. The plain names of speed and acceleration also return 5
- * for a socket below 1 and 2 before ZK_API_Init.
+ * position in degrees. The plain names, blocking or not, then query the limit of all joints and put it into the local
+ * model; they return the status of that query. Those of speed and acceleration also return 5 for a socket below 1 and 2
+ * before ZK_API_Init. A reply to the setter that is not boolean returns 8.
  *
- * Mind that the non-blocking forms of speed and acceleration send the number without dividing it by 6: the same value
- * sets a limit six times as high.
+ * The non-blocking forms of speed and acceleration send the number without dividing it by 6: the same value sets a
+ * limit six times as high.
  */
 ZK_API int Set_Joint_Speed(ArmSocket socket, uint8_t joint, float value, bool block);
 ZK_API int Set_Joint_Speed_Block(ArmSocket socket, uint8_t joint, float value);
@@ -42,10 +42,10 @@ ZK_API int Set_Joint_Max_Pos_NonBlock(ArmSocket socket, uint8_t joint, float val
 /* ------------------------------------------------------------------------------------------------- Asking limits -- */
 
 /*
- * Ask for the joints' limits, in the units above. On success the plain names also put the limits into the local model,
+ * Query the joints' limits, in the units above. On success the plain names also put the limits into the local model,
  * where kinematics and its checks use them; the blocking forms do not. The model's limits of speed and acceleration
- * become six times what is told: the factor of degrees per second in a revolution per minute is applied twice on this
- * way. 19 for a null pointer.
+ * become six times the reported ones: the factor between degrees per second and revolutions per minute is applied
+ * twice.
  */
 ZK_API int Get_Joint_Speed(ArmSocket socket, float* out);
 ZK_API int Get_Joint_Speed_Block(ArmSocket socket, float* out);
@@ -61,7 +61,7 @@ ZK_API int Get_Joint_Max_Pos_Block(ArmSocket socket, float* out);
 
 /* -------------------------------------------------------------------------------------------------- Drive limits -- */
 
-/* Set one drive's limit, in the units above; the local model does not know these. Wrong types in replies give 11. */
+/* Set one drive's limit, in the units above. The local model does not hold these. */
 ZK_API int Set_Joint_Drive_Speed(ArmSocket socket, uint8_t joint, float value);
 ZK_API int Set_Joint_Drive_Speed_Block(ArmSocket socket, uint8_t joint, float value);
 
@@ -74,7 +74,7 @@ ZK_API int Set_Joint_Drive_Min_Pos_Block(ArmSocket socket, uint8_t joint, float 
 ZK_API int Set_Joint_Drive_Max_Pos(ArmSocket socket, uint8_t joint, float value);
 ZK_API int Set_Joint_Drive_Max_Pos_Block(ArmSocket socket, uint8_t joint, float value);
 
-/* Ask for the drives' limits, in the units above. The pointer is not tested. */
+/* Query the drives' limits, in the units above. The pointer is not tested. */
 ZK_API int Get_Joint_Drive_Speed(ArmSocket socket, float* out);
 ZK_API int Get_Joint_Drive_Speed_Block(ArmSocket socket, float* out);
 
@@ -89,7 +89,7 @@ ZK_API int Get_Joint_Drive_Max_Pos_Block(ArmSocket socket, float* out);
 
 /* --------------------------------------------------------------------------------------------- States and errors -- */
 
-/* Enable (1) or disable (0) a joint, and ask which are enabled. */
+/* Enable (1) or disable (0) a joint; query which are enabled. A reply to the setter that is not boolean returns 8. */
 ZK_API int Set_Joint_EN_State(ArmSocket socket, uint8_t joint, uint8_t state, bool block);
 ZK_API int Set_Joint_EN_State_Block(ArmSocket socket, uint8_t joint, uint8_t state);
 ZK_API int Set_Joint_EN_State_NonBlock(ArmSocket socket, uint8_t joint, uint8_t state);
@@ -97,33 +97,29 @@ ZK_API int Set_Joint_EN_State_NonBlock(ArmSocket socket, uint8_t joint, uint8_t 
 ZK_API int Get_Joint_EN_State(ArmSocket socket, uint8_t* state);
 ZK_API int Get_Joint_EN_State_Block(ArmSocket socket, uint8_t* state);
 
-/* Clear a joint's error; the plain name waits 20 ms first. */
+/* Clears a joint's error. The plain name waits 20 ms first. A reply that is not boolean returns 8. */
 ZK_API int Set_Joint_Err_Clear(ArmSocket socket, uint8_t joint, bool block);
 ZK_API int Set_Joint_Err_Clear_Block(ArmSocket socket, uint8_t joint);
 ZK_API int Set_Joint_Err_Clear_NonBlock(ArmSocket socket, uint8_t joint);
 
-/* Ask for the joints' error words and brake states; their meaning is the controller's. */
+/* Queries the joints' error words and brake states; the controller defines their meaning. */
 ZK_API int Get_Joint_Err_Flag(ArmSocket socket, uint16_t* err_flag, uint16_t* brake_state);
 ZK_API int Get_Joint_Err_Flag_Block(ArmSocket socket, uint16_t* err_flag, uint16_t* brake_state);
 
-/* Ask for the joints' firmware versions. */
+/* Queries the joints' firmware versions. */
 ZK_API int Get_Joint_Software_Version(ArmSocket socket, int32_t* version);
 ZK_API int Get_Joint_Software_Version_Block(ArmSocket socket, int32_t* version);
 
 /* -------------------------------------------------------------------------------------- Zero points, calibration -- */
 
-/* Makes where a joint stands its zero point. The plain name waits 20 ms first, and returns 5 for a socket below 1 and 2
- * before ZK_API_Init. */
+/* Makes the present position of a joint its zero point. The plain name waits 20 ms first, and returns 5 for a socket
+ * below 1 and 2 before ZK_API_Init. A reply that is not boolean returns 8. */
 ZK_API int Set_Joint_Zero_Pos(ArmSocket socket, uint8_t joint, bool block);
 ZK_API int Set_Joint_Zero_Pos_Block(ArmSocket socket, uint8_t joint);
 ZK_API int Set_Joint_Zero_Pos_NonBlock(ArmSocket socket, uint8_t joint);
 
-/*
- * Start and stop the calibration of the joints, and ask for its state. The controller does what it is asked, but its
- * reply does not reach the caller: the blocking forms and the question end in 7 after m_nOutTime (6 when the request
- * could not be written, 20 with 200 replies pending). Use the non-blocking forms, which give 0. The plain names wait
- * 20 ms first. The parser of the state fills both arrays from a good reply and returns 11.
- */
+/* Start and stop the calibration of the joints, and query its state. No reply (zk/status.h): use the non-blocking
+ * forms; the state cannot be queried. */
 ZK_API int Start_Calibrate(ArmSocket socket, bool block);
 ZK_API int Start_Calibrate_Block(ArmSocket socket);
 ZK_API int Start_Calibrate_NonBlock(ArmSocket socket);
@@ -135,15 +131,13 @@ ZK_API int Get_Calibrate_State_Block(ArmSocket socket, float* state, uint16_t* e
 
 /* --------------------------------------------------------------------------------------------------- Soft limits -- */
 
-/*
- * Brings joints that stand beyond a soft limit back. The blocking form waits for the acknowledgement, then for the
- * report of the motion with no limit, and returns its status; the other waits for the acknowledgement alone.
- */
+/* Moves joints that are beyond a soft limit back inside. The blocking form waits for the acknowledgement, then without
+ * limit for the report of the motion, and returns its status. The non-blocking form waits for the acknowledgement. */
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit(ArmSocket socket, bool block);
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit_Block(ArmSocket socket);
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit_NonBlock(ArmSocket socket);
 
-/* Sets the soft limits by a mode of the controller's. The plain names wait 2 ms first. */
+/* Sets the soft limits by one of the controller's modes. The plain names wait 2 ms first. */
 ZK_API int Auto_Set_Joint_Limit(ArmSocket socket, uint8_t mode);
 ZK_API int Auto_Set_Joint_Limit_E(ArmSocket socket, uint8_t mode);
 ZK_API int Auto_Set_Joint_Limit_Block_E(ArmSocket socket, uint8_t mode);

@@ -1,21 +1,26 @@
 /*
  * Status codes, and what the commands share.
  *
- * A command has up to three forms:
- *   <name>           refuses to run during a file transfer (18) or with a null pointer (19), then calls one of the
- *                    others: by its flag `block`, or the blocking form where it has no flag
- *   <name>_Block     queues the request, waits for the controller's reply and returns its status
- *   <name>_NonBlock  queues the request and returns 0; the reply stays in its mailbox
- * The other two forms test neither the file transfer nor pointers.
+ * A command has up to three forms. <name> refuses to run during a file transfer (18) or with a null pointer (19), then
+ * calls one of the others: by its flag `block`, or the blocking form where it has no flag. <name>_Block queues the
+ * request, waits for the controller's reply and returns its status. <name>_NonBlock queues the request and returns 0;
+ * the reply stays in its mailbox. The last two test neither the file transfer nor pointers.
  *
- * The statuses of a blocking form are 0; 1 the controller refused; 5 the socket is not an open connection, or it was
- * closed during the wait; 7 no reply within m_nOutTime; 8 to 11 a reply that is broken: no JSON, a key missing, an
- * array of another size, a value of another type. After 7 the controller may still do what it was asked: its reply was
- * late or lost, not the request. A query writes its outputs even if the reply was broken: what the parser read before
+ * A blocking form returns 0; 1 when the controller refused; 5 when the socket is not an open connection, or was closed
+ * during the wait; 7 when no reply came within m_nOutTime; 8 to 11 when the reply is broken: no JSON, a key missing, an
+ * array of another size, a value of another type. After 7 the command may still be executed: the request was sent, only
+ * the reply is late or lost. A query writes its outputs even if the reply is broken, with what the parser read before
  * it failed.
  *
- * The headers of the families say only what differs. All these calls belong on application threads, not in callbacks,
- * and one blocking call at a time runs on a connection.
+ * "No reply": for some commands the reply never reaches the caller, although the controller executes them. Their
+ * blocking forms return 7 after m_nOutTime, 6 when the request could not be written, or 20 with 200 replies pending.
+ * Use their non-blocking forms, which return 0. Their plain names wait 20 ms first.
+ *
+ * "Zeroes the first record": after such a query the mailbox record of the first connection is set to zero, whichever
+ * connection asked. A reply that waited there for another thread is lost.
+ *
+ * The headers of the families say only what differs. Call all of this on application threads, not in callbacks, and
+ * make one blocking call at a time on a connection.
  *
  * One list feeds the names, the numbers and the texts of the statuses.
  */
@@ -62,7 +67,7 @@ typedef enum ZK_Status {
 /* Statuses are this or less; descriptors of arm connections are more. */
 #define ZK_LARGEST_STATUS 25
 
-/* The cause behind a status as one English sentence without a full stop; "unknown status" for a number of no meaning
+/* The cause of a status as one English sentence without a full stop; "unknown status" for a number of no meaning
  * here (a controller error number, say). The text is constant. Any thread. */
 ZK_API const char* ZK_Status_Text(int status);
 

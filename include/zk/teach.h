@@ -14,10 +14,8 @@
 
 /* ------------------------------------------------------------------------------------------------------ Teaching -- */
 
-/*
- * Jog one joint (counted from 1), the position along an axis, or the orientation about an axis, until Teach_Stop_Cmd.
- * The blocking forms wait for the acknowledgement, not for the motion: 0, 1 refused, 5, 7, 9, 11; the others return 0.
- */
+/* Jog one joint (counted from 1), the position along an axis, or the orientation about an axis, until Teach_Stop_Cmd.
+ * The blocking forms wait for the acknowledgement, not for the motion. */
 ZK_API int Joint_Teach_Cmd(ArmSocket socket, uint8_t joint, uint8_t direction, uint8_t v, bool block);
 ZK_API int Joint_Teach_Cmd_Block(ArmSocket socket, uint8_t joint, uint8_t direction, uint8_t v);
 ZK_API int Joint_Teach_Cmd_NonBlock(ArmSocket socket, uint8_t joint, uint8_t direction, uint8_t v);
@@ -30,7 +28,7 @@ ZK_API int Ort_Teach_Cmd(ArmSocket socket, int32_t type, uint8_t direction, uint
 ZK_API int Ort_Teach_Cmd_Block(ArmSocket socket, int32_t type, uint8_t direction, uint8_t v);
 ZK_API int Ort_Teach_Cmd_NonBlock(ArmSocket socket, int32_t type, uint8_t direction, uint8_t v);
 
-/* Ends the jogging. */
+/* Ends jogging. */
 ZK_API int Teach_Stop_Cmd(ArmSocket socket, bool block);
 ZK_API int Teach_Stop_Cmd_Blcok(ArmSocket socket);
 ZK_API int Teach_Stop_Cmd_NonBlcok(ArmSocket socket);
@@ -41,9 +39,9 @@ ZK_API int Teach_Stop_Cmd_NonBlcok(ArmSocket socket);
  * Move one joint by degrees, the position along an axis by metres, or the orientation about an axis by radians; the
  * sign of the step is the direction.
  *
- * The blocking forms wait for the report of the motion: its status (0 arrived, 1 not), 12 when another device reports,
- * 14 when the arm stands still for m_nOutTime_max and some looks more, 5 when the connection is closed, or, after
- * failed readings of the joints, their status. The others return 0.
+ * The blocking forms wait for the report of the motion: its status (0 arrived, 1 not); 12 another device reported; 14
+ * the arm stands still for m_nOutTime_max and some polls more; 5 the connection was closed; after failed polls of the
+ * joints, their status. The non-blocking forms return 0.
  */
 ZK_API int Joint_Step_Cmd(ArmSocket socket, uint8_t joint, uint8_t v, float step, bool block);
 ZK_API int Joint_Step_Cmd_Block(ArmSocket socket, uint8_t joint, uint8_t v, float step);

@@ -6,6 +6,7 @@
 #include "connection/pending.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
+#include "zk/replies/key_codes.h"
 
 using namespace zk;
 
@@ -287,7 +288,7 @@ ZK_API int Set_System_State_Servo(ArmSocket s, uint8_t state, bool block) {
     return after_20_ms(block, Set_System_State_Servo_Block, Set_System_State_Servo_NonBlock, s, state);
 }
 ZK_API int Set_System_State_Servo_Block(ArmSocket s, uint8_t state) {
-    return pending(system_servo(s, state), 36, Parser_Set_System_State_Servo);
+    return pending(system_servo(s, state), ZK_KEY_SYSTEM_SERVO, Parser_Set_System_State_Servo);
 }
 ZK_API int Set_System_State_Servo_NonBlock(ArmSocket s, uint8_t state) { return post(system_servo(s, state)); }
 ZK_API int Parser_Set_System_State_Servo(const char* text) { return acknowledgement(text, "servo_state"); }

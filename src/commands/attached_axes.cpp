@@ -7,6 +7,7 @@
 #include "connection/reply.h"
 #include "connection/wrappers.h"
 #include "zk/replies/arm_limits.h"
+#include "zk/replies/key_codes.h"
 #include "zk/replies/system.h"
 
 using namespace zk;
@@ -116,7 +117,7 @@ ZK_API int Set_Lift_Speed(ArmSocket s, int32_t speed) {
     return after_20_ms(false, Set_Lift_Speed_Block, Set_Lift_Speed_NonBlock, s, speed);
 }
 ZK_API int Set_Lift_Speed_Block(ArmSocket s, int32_t speed) {
-    return pending(lift_speed(s, speed), 149, Parser_Set_Hand);
+    return pending(lift_speed(s, speed), ZK_KEY_LIFT_SPEED, Parser_Set_Hand);
 }
 ZK_API int Set_Lift_Speed_NonBlock(ArmSocket s, int32_t speed) { return post(lift_speed(s, speed)); }
 
@@ -125,7 +126,7 @@ ZK_API int Set_Lift(ArmSocket s, int32_t height, int32_t speed, bool block) {
     return after_20_ms(block, Set_Lift_Block, Set_Lift_NonBlock, s, height, speed);
 }
 ZK_API int Set_Lift_Block(ArmSocket s, int32_t height, int32_t speed) {
-    return pending(lift(s, "set_lift", height, speed), 148, Parser_Set_Hand, {.extra_ms = kTravelMs});
+    return pending(lift(s, "set_lift", height, speed), ZK_KEY_LIFT, Parser_Set_Hand, {.extra_ms = kTravelMs});
 }
 ZK_API int Set_Lift_NonBlock(ArmSocket s, int32_t height, int32_t speed) {
     return post(lift(s, "set_lift ", height, speed));
@@ -225,7 +226,7 @@ ZK_API int Parser_Expand_Get_Config(const char* text, int32_t* rpm_max, int32_t*
 
 // --------------------------------------------------------------------------------------------------- Mobile base --
 
-static constexpr BaseCommand kVehicle = {"set_vehicle", {"speed", "angular"}, 147, Parser_Set_Hand};
+static constexpr BaseCommand kVehicle = {"set_vehicle", {"speed", "angular"}, ZK_KEY_VEHICLE, Parser_Set_Hand};
 ZK_API int Set_Vehicle(ArmSocket s, int32_t speed, int32_t angular, bool block) {
     return after_20_ms(block, Set_Vehicle_Block, Set_Vehicle_NonBlock, s, speed, angular);
 }
@@ -234,7 +235,8 @@ ZK_API int Set_Vehicle_NonBlock(ArmSocket s, int32_t speed, int32_t angular) {
     return post(kVehicle.request(s, speed, angular));
 }
 
-static constexpr BaseCommand kMove = {"set_car_move", {"linear_speed", "angular_speed"}, 152, Parser_Set_Hand};
+static constexpr BaseCommand kMove = {
+    "set_car_move", {"linear_speed", "angular_speed"}, ZK_KEY_CAR_MOVE, Parser_Set_Hand};
 ZK_API int Set_Car_Move(ArmSocket s, int32_t linear, int32_t angular, bool block) {
     return after_20_ms(block, Set_Car_Move_Block, Set_Car_Move_NonBlock, s, linear, angular);
 }
@@ -244,7 +246,8 @@ ZK_API int Set_Car_Move_NonBlock(ArmSocket s, int32_t linear, int32_t angular) {
 }
 
 // On the wire the way to a station is called a speed.
-static constexpr BaseCommand kGoTo = {"set_car_speed", {"station", "speed"}, 153, Parser_Set_Car_Station};
+static constexpr BaseCommand kGoTo = {
+    "set_car_speed", {"station", "speed"}, ZK_KEY_CAR_STATION, Parser_Set_Car_Station};
 ZK_API int Set_Car_Station(ArmSocket s, int32_t station, int32_t speed, bool block) {
     return after_20_ms(block, Set_Car_Station_Block, Set_Car_Station_NonBlock, s, station, speed);
 }
@@ -254,28 +257,31 @@ ZK_API int Set_Car_Station_NonBlock(ArmSocket s, int32_t station, int32_t speed)
 }
 ZK_API int Parser_Set_Car_Station(const char* text) { return acknowledgement(text, "navigation_state"); }
 
-static constexpr BaseCommand kSpeed = {"set_car_navigation_speed", {"speed"}, 154, Parser_Set_Car_Station};
+static constexpr BaseCommand kSpeed = {
+    "set_car_navigation_speed", {"speed"}, ZK_KEY_CAR_NAVIGATION_SPEED, Parser_Set_Car_Station};
 ZK_API int Set_Car_Navigation_Speed(ArmSocket s, int32_t speed, bool block) {
     return after_20_ms(block, Set_Car_Navigation_Speed_Block, Set_Car_Navigation_Speed_NonBlock, s, speed);
 }
 ZK_API int Set_Car_Navigation_Speed_Block(ArmSocket s, int32_t speed) { return kSpeed.wait(s, speed); }
 ZK_API int Set_Car_Navigation_Speed_NonBlock(ArmSocket s, int32_t speed) { return post(kSpeed.request(s, speed)); }
 
-static constexpr BaseCommand kMode = {"set_car_navigation_mode", {"mode"}, 155, Parser_Set_Car_Station};
+static constexpr BaseCommand kMode = {
+    "set_car_navigation_mode", {"mode"}, ZK_KEY_CAR_NAVIGATION_MODE, Parser_Set_Car_Station};
 ZK_API int Set_Car_Navigation_Mode(ArmSocket s, int32_t mode, bool block) {
     return after_20_ms(block, Set_Car_Navigation_Mode_Block, Set_Car_Navigation_Mode_NonBlock, s, mode);
 }
 ZK_API int Set_Car_Navigation_Mode_Block(ArmSocket s, int32_t mode) { return kMode.wait(s, mode); }
 ZK_API int Set_Car_Navigation_Mode_NonBlock(ArmSocket s, int32_t mode) { return post(kMode.request(s, mode)); }
 
-static constexpr BaseCommand kCharge = {"set_car_charge", {"charge_state"}, 157, Parser_Set_Car_Station};
+static constexpr BaseCommand kCharge = {"set_car_charge", {"charge_state"}, ZK_KEY_CAR_CHARGE, Parser_Set_Car_Station};
 ZK_API int Set_Car_Charge(ArmSocket s, int32_t charge_state, bool block) {
     return after_20_ms(block, Set_Car_Charge_Block, Set_Car_Charge_NonBlock, s, charge_state);
 }
 ZK_API int Set_Car_Charge_Block(ArmSocket s, int32_t charge_state) { return kCharge.wait(s, charge_state); }
 ZK_API int Set_Car_Charge_NonBlock(ArmSocket s, int32_t charge_state) { return post(kCharge.request(s, charge_state)); }
 
-static constexpr BaseCommand kStation = {"set_car_station_num", {"station_num"}, 158, Parser_Set_Car_Station};
+static constexpr BaseCommand kStation = {
+    "set_car_station_num", {"station_num"}, ZK_KEY_CAR_STATION_NUM, Parser_Set_Car_Station};
 ZK_API int Set_Car_Station_Num(ArmSocket s, int32_t station, bool block) {
     return after_20_ms(block, Set_Car_Station_Num_Block, Set_Car_Station_Num_NonBlock, s, station);
 }
@@ -288,7 +294,7 @@ ZK_API int Get_Car_State(ArmSocket s, int32_t* battery_volume, int32_t* voltage,
 }
 ZK_API int Get_Car_State_Block(ArmSocket s, int32_t* battery_volume, int32_t* voltage, int32_t* current,
                                int32_t* car_err, int32_t* car_state, int32_t* station_num) {
-    return pending({s, "get_car_state"}, 156, [&](const char* text) {
+    return pending({s, "get_car_state"}, ZK_KEY_CAR_STATE, [&](const char* text) {
         return Parser_Get_Car_State(text, battery_volume, voltage, current, car_err, car_state, station_num);
     });
 }

@@ -6,6 +6,7 @@
 #include "connection/exchange.h"
 #include "connection/pending.h"
 #include "connection/wrappers.h"
+#include "zk/replies/key_codes.h"
 
 using namespace zk;
 
@@ -39,7 +40,7 @@ int streamed(Form form, Arguments... arguments) {
 
 // Its reply goes to the callback, not to the pending list: the wait ends in 7.
 int waited_for(const Request& request) {
-    return pending(request, 161, [](const char*) { return int(ZK_OK); });
+    return pending(request, ZK_KEY_FORCE_REPORT, [](const char*) { return int(ZK_OK); });
 }
 
 struct Control {

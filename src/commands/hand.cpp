@@ -4,6 +4,7 @@
 #include "connection/wrappers.h"
 #include "zk/replies/arm_limits.h"
 #include "zk/replies/gripper_and_hand.h"
+#include "zk/replies/key_codes.h"
 
 using namespace zk;
 
@@ -125,7 +126,7 @@ ZK_API int Set_PWM(ArmSocket s, int32_t frequency, int32_t duty, bool block) {
     return after_20_ms(block, Set_PWM_Block, Set_PWM_NoBlock, s, frequency, duty);
 }
 ZK_API int Set_PWM_Block(ArmSocket s, int32_t frequency, int32_t duty) {
-    return pending(pwm(s, frequency, duty), 132, Parser_Set_Hand);
+    return pending(pwm(s, frequency, duty), ZK_KEY_PWM, Parser_Set_Hand);
 }
 ZK_API int Set_PWM_NoBlock(ArmSocket s, int32_t frequency, int32_t duty) { return post(pwm(s, frequency, duty)); }
 

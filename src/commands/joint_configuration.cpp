@@ -7,6 +7,7 @@
 #include "connection/reply.h"
 #include "connection/wrappers.h"
 #include "zk/algorithm.h"
+#include "zk/replies/key_codes.h"
 #include "zk/replies/motion.h"
 
 using namespace zk;
@@ -322,12 +323,16 @@ ZK_TWIN(Parser_Joint_Zero_Pos);
 ZK_API int Start_Calibrate(ArmSocket s, bool block) {
     return after_20_ms(block, Start_Calibrate_Block, Start_Calibrate_NonBlock, s);
 }
-ZK_API int Start_Calibrate_Block(ArmSocket s) { return pending({s, "start_calibrate"}, 9, Parser_Start_Calibrate); }
+ZK_API int Start_Calibrate_Block(ArmSocket s) {
+    return pending({s, "start_calibrate"}, ZK_KEY_START_CALIBRATE, Parser_Start_Calibrate);
+}
 ZK_API int Start_Calibrate_NonBlock(ArmSocket s) { return post({s, "start_calibrate"}); }
 ZK_API int Stop_Calibrate(ArmSocket s, bool block) {
     return after_20_ms(block, Stop_Calibrate_Block, Stop_Calibrate_NonBlock, s);
 }
-ZK_API int Stop_Calibrate_Block(ArmSocket s) { return pending({s, "stop_calibrate"}, 10, Parser_Start_Calibrate); }
+ZK_API int Stop_Calibrate_Block(ArmSocket s) {
+    return pending({s, "stop_calibrate"}, ZK_KEY_STOP_CALIBRATE, Parser_Start_Calibrate);
+}
 ZK_API int Stop_Calibrate_NonBlock(ArmSocket s) { return post({s, "stop_calibrate"}); }
 ZK_API int Parser_Start_Calibrate(const char* text) { return acknowledgement(text, "calibrate_state", ZK_NOT_BOOLEAN); }
 
@@ -335,7 +340,7 @@ ZK_API int Get_Calibrate_State(ArmSocket s, float* state, uint16_t* err, int32_t
     return query_after_20_ms(Get_Calibrate_State_Block, s, state, err, value);
 }
 ZK_API int Get_Calibrate_State_Block(ArmSocket s, float* state, uint16_t* err, int32_t* value) {
-    return pending({s, "get_calibrate_state"}, 11,
+    return pending({s, "get_calibrate_state"}, ZK_KEY_CALIBRATE_STATE,
                    [&](const char* text) { return Parser_Get_Calibrate_State(s, text, state, err, value); });
 }
 ZK_API int Parser_Get_Calibrate_State(ArmSocket s, const char* text, float* state, uint16_t* err, int32_t* value) {

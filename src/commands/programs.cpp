@@ -80,7 +80,7 @@ ZK_API int Parser_Get_Program_Run_State(const char* text, ProgramRunState* state
     Reply reply(text);
     reply.take("run_state", state->run_state);
     if (!reply.good()) return reply.status();
-    if (state->run_state == 0) {
+    if (state->run_state == ZK_PROGRAM_NONE) {
         state->id = state->plan_num = state->loop_count = state->plan_speed = state->step_mode = -1;
     } else {
         reply.take("id", state->id);
@@ -122,11 +122,11 @@ class Run {
             const int status = Get_Program_Run_State(socket_, &state);
             if (status != ZK_OK && status != state.run_state) {
                 if (++fails_ > kMostFailedLooks) return status;
-            } else if (state.run_state == kRunning) {
+            } else if (state.run_state == ZK_PROGRAM_RUNNING) {
                 if (finish_.count(slot) > 0) return take_finish(slot);
                 seen_ = true;
                 sleep_cp(kLookMs);
-            } else if (state.run_state != 0) {
+            } else if (state.run_state != ZK_PROGRAM_NONE) {
                 sleep_cp(kPollMs);
             } else if (seen_ || ++idle_ == kMostIdleLooks) {
                 return wait_for_finish();
@@ -137,7 +137,7 @@ class Run {
     }
 
  private:
-    static constexpr int32_t kRunning = 1, kLookMs = 100, kFinishMs = 1000;
+    static constexpr int32_t kLookMs = 100, kFinishMs = 1000;
     static constexpr int kMostFailedLooks = 5, kMostIdleLooks = 15;
 
     static int refused(int slot) {

@@ -35,12 +35,10 @@ constexpr Length<FenceConfig> kSphereLengths[] = {
 constexpr Length<ToolSphere> kToolSphere[] = {
     {"radius", &ToolSphere::radius}, {"x", &ToolSphere::x}, {"y", &ToolSphere::y}, {"z", &ToolSphere::z}};
 
-constexpr int32_t kCuboid = 1, kPlane = 2, kSphere = 3;
-
 std::span<const Length<FenceConfig>> lengths_of(int32_t form) {
-    if (form == kCuboid) return kCuboidLengths;
-    if (form == kPlane) return kPlaneLengths;
-    if (form == kSphere) return kSphereLengths;
+    if (form == ZK_FENCE_CUBOID) return kCuboidLengths;
+    if (form == ZK_FENCE_PLANE) return kPlaneLengths;
+    if (form == ZK_FENCE_SPHERE) return kSphereLengths;
     return {};
 }
 
@@ -65,7 +63,7 @@ Request fence_request(ArmSocket s, const char* command, const FenceConfig& fence
     return put_lengths(request, fence, lengths_of(fence.form));
 }
 
-// The record of a fence as it is kept by name, all its keys required. Only this form's lengths are other than zero.
+// Reads a fence with a name. All keys of its form are required; the other lengths become zero.
 void read_named_fence(Reply& reply, Item object, FenceConfig& fence) {
     if (!reply.good()) return;
     fence = {};
@@ -83,7 +81,7 @@ Request enable_request(ArmSocket s, const char* command, uint8_t enable, int32_t
         .number("effective_region", effective_region);
 }
 
-// An output without a place is dropped.
+// An output with a null pointer is dropped.
 template <class Value, class Out>
 void give(const Value& value, Out* out) {
     if (out) *out = static_cast<Out>(value);
@@ -105,7 +103,7 @@ int fence_query(const Request& request, FenceConfigReply (&mailbox)[ZK_SLOTS], F
         request, mailbox, [&](const FenceConfigReply& reply) { give(reply.fence, fence); }, form);
 }
 
-// The query of a list: its entries, and how many they are.
+// The query of a list: its entries and their number.
 template <class Record, class Entry>
 int list_query(ArmSocket s, const char* command, Record (&mailbox)[ZK_SLOTS], int32_t Record::*received,
                Entry (Record::*entries)[ZK_FENCES], Entry* out, int32_t* count) {
@@ -164,14 +162,14 @@ ZK_API int Get_Electronic_Fence_Config_Block(ArmSocket s, FenceConfig* fence) {
     return fence_query({s, "get_electronic_fence_config"}, Get_Electronic_Fence_Config_Cmd, fence,
                        {.wipes_first = true});
 }
-// Of the fence or wall in use only a cuboid is told in full.
+// Only the lengths of a cuboid are read.
 ZK_API int Parser_Get_Electronic_Fence_Config(const char* text, FenceConfig* fence) {
     Reply reply(text);
     const Item form = reply.number(reply.root(), "form");
     if (!form) return reply.status();
     *fence = {};
     fence->form = form.integer();
-    if (fence->form == kCuboid) read_lengths<FenceConfig>(reply, reply.root(), *fence, kCuboidLengths);
+    if (fence->form == ZK_FENCE_CUBOID) read_lengths<FenceConfig>(reply, reply.root(), *fence, kCuboidLengths);
     return reply.status();
 }
 
@@ -271,14 +269,14 @@ ZK_API int Get_Virtual_Wall_Enable_Block(ArmSocket s, uint8_t* enable, int32_t* 
                         effective_region);
 }
 
-// Planes are no walls: of one the form goes out alone.
+// A plane is no wall: only its form is sent.
 AckReply Set_Virtual_Wall_Config_Cmd[ZK_SLOTS];
 ZK_API int Set_Virtual_Wall_Config(ArmSocket s, FenceConfig wall) {
     return guarded(Set_Virtual_Wall_Config_Block, s, wall);
 }
 ZK_API int Set_Virtual_Wall_Config_Block(ArmSocket s, FenceConfig wall) {
-    return set(wall.form == kPlane ? Request(s, "set_virtual_wall_config").number("form", kPlane)
-                                   : fence_request(s, "set_virtual_wall_config", wall),
+    return set(wall.form == ZK_FENCE_PLANE ? Request(s, "set_virtual_wall_config").number("form", wall.form)
+                                           : fence_request(s, "set_virtual_wall_config", wall),
                Set_Virtual_Wall_Config_Cmd);
 }
 ZK_API int Parser_Set_Config(const char* text) { return acknowledgement(text, "set_config"); }
@@ -315,7 +313,7 @@ ZK_API int Parser_Get_Self_Collision_Enable(const char* text, int32_t* enable) {
     return reply.status();
 }
 
-// Five spheres take more than the usual frame.
+// Five spheres need more than the usual frame.
 static constexpr int kEnvelopeFrame = 500;
 AckReply Set_Tool_Envelope_Cmd[ZK_SLOTS];
 ZK_API int Set_Tool_Envelope(ArmSocket s, ToolEnvelope envelope) {

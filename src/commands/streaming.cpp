@@ -9,6 +9,7 @@
 #include "connection/pending.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
+#include "zk/replies/key_codes.h"
 
 using namespace zk;
 
@@ -51,7 +52,8 @@ ZK_API int Movej_CANFD_NonBlock(ArmSocket s, const float* joint, uint8_t follow,
 }
 // Its reply goes to the callback, not to the pending list: it ends in 7.
 ZK_API int Movej_CANFD_Block(ArmSocket s, const float* joint) {
-    return pending(Request(s, "movej_canfd").joints("joint", joint), 65, [](const char*) { return int(ZK_OK); });
+    return pending(Request(s, "movej_canfd").joints("joint", joint), ZK_KEY_JOINT_REPORT,
+                   [](const char*) { return int(ZK_OK); });
 }
 
 ZK_API int Movep_CANFD(ArmSocket s, uint8_t follow, Pose pose) {
@@ -64,7 +66,7 @@ ZK_API int Movep_CANFD_NonBlock(ArmSocket s, uint8_t follow, Pose pose) {
 // The blocking form sends the quaternion whatever it holds, in thousandths, and ends in 7 likewise.
 ZK_API int Movep_CANFD_Block(ArmSocket s, uint8_t follow, Pose pose) {
     Request request(s, "movep_canfd");
-    return pending(quaternion_pose(request, pose, thousandths).boolean("follow", follow != 0), 66,
+    return pending(quaternion_pose(request, pose, thousandths).boolean("follow", follow != 0), ZK_KEY_POSE_REPORT,
                    [](const char*) { return int(ZK_OK); });
 }
 

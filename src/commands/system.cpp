@@ -11,6 +11,7 @@
 #include "connection/reply.h"
 #include "connection/wrappers.h"
 #include "zk/replies/arm_limits.h"
+#include "zk/replies/key_codes.h"
 
 using namespace zk;
 
@@ -86,7 +87,7 @@ ZK_API int Get_Arm_Hardware_Version(ArmSocket s, char* version) {
     return query_after_20_ms(Get_Arm_Hardware_Version_Block, s, version);
 }
 ZK_API int Get_Arm_Hardware_Version_Block(ArmSocket s, char* version) {
-    return pending({s, "get_arm_hardware_version"}, 89,
+    return pending({s, "get_arm_hardware_version"}, ZK_KEY_HARDWARE_VERSION,
                    [&](const char* text) { return Parser_Get_Arm_Hardware_Version(text, version); });
 }
 ZK_API int Parser_Get_Arm_Hardware_Version(const char* text, char*) {
@@ -172,7 +173,7 @@ ZK_TWIN(Parser_Get_Tool_Software_Version);
 ZK_API int Get_Log_File(ArmSocket s, bool block) {
     return after_20_ms(block, Get_Log_File_Block, Get_Log_File_NonBlock, s);
 }
-ZK_API int Get_Log_File_Block(ArmSocket s) { return pending({s, "get_log_file"}, 91, Parser_Set_Hand); }
+ZK_API int Get_Log_File_Block(ArmSocket s) { return pending({s, "get_log_file"}, ZK_KEY_LOG_FILE, Parser_Set_Hand); }
 ZK_API int Get_Log_File_NonBlock(ArmSocket s) { return post({s, "get_log_file"}); }
 
 SystemRuntimeReply Get_System_Runtime_Cmd[ZK_SLOTS];

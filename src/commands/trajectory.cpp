@@ -9,6 +9,7 @@
 #include "connection/pending.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
+#include "zk/replies/key_codes.h"
 
 using namespace zk;
 
@@ -96,13 +97,13 @@ struct TrajectoryType {
     int32_t code;
     bool is_pose;
 };
-constexpr std::array<TrajectoryType, 7> kTrajectoryTypes = {{{"none", 0, false},
-                                                             {"movej", 1, false},
-                                                             {"movel", 2, true},
-                                                             {"movec", 3, true},
-                                                             {"re_trajectory", 4, false},
-                                                             {"moves", 5, true},
-                                                             {"blend", 6, false}}};
+constexpr std::array<TrajectoryType, 7> kTrajectoryTypes = {{{"none", ZK_TRAJECTORY_NONE, false},
+                                                             {"movej", ZK_TRAJECTORY_JOINT, false},
+                                                             {"movel", ZK_TRAJECTORY_LINE, true},
+                                                             {"movec", ZK_TRAJECTORY_CIRCLE, true},
+                                                             {"re_trajectory", ZK_TRAJECTORY_REPLAY, false},
+                                                             {"moves", ZK_TRAJECTORY_SPLINE, true},
+                                                             {"blend", ZK_TRAJECTORY_BLEND, false}}};
 
 const TrajectoryType* find_type(const char* name) {
     for (const TrajectoryType& type : kTrajectoryTypes) {
@@ -141,7 +142,7 @@ ZK_API int Add_Waypoint(ArmSocket s, const float* joint, bool block) {
     return after_20_ms(block, Add_Waypoint_Block, Add_Waypoint_NonBlock, s, joint);
 }
 ZK_API int Add_Waypoint_Block(ArmSocket s, const float* joint) {
-    return pending(add_waypoint(s, joint), 73, Parser_Add_Waypoint, kClearsPastEnd);
+    return pending(add_waypoint(s, joint), ZK_KEY_ADD_WAYPOINT, Parser_Add_Waypoint, kClearsPastEnd);
 }
 ZK_API int Add_Waypoint_NonBlock(ArmSocket s, const float* joint) { return post(add_waypoint(s, joint)); }
 ZK_API int Parser_Add_Waypoint(const char* text) {  // only false is a refusal
@@ -159,7 +160,7 @@ ZK_API int Start_Waypoint(ArmSocket s, int32_t frequency, bool block) {
     return after_20_ms(block, Start_Waypoint_Block, Start_Waypoint_NonBlock, s, frequency);
 }
 ZK_API int Start_Waypoint_Block(ArmSocket s, int32_t frequency) {
-    return pending(start_waypoint(s, frequency), 74, Parser_Set_Gripper, kClearsPastEnd);
+    return pending(start_waypoint(s, frequency), ZK_KEY_START_WAYPOINT, Parser_Set_Gripper, kClearsPastEnd);
 }
 ZK_API int Start_Waypoint_NonBlock(ArmSocket s, int32_t frequency) { return post(start_waypoint(s, frequency)); }
 
@@ -167,7 +168,7 @@ ZK_API int Clear_Waypoint(ArmSocket s, bool block) {
     return after_20_ms(block, Clear_Waypoint_Block, Clear_Waypoint_NonBlock, s);
 }
 ZK_API int Clear_Waypoint_Block(ArmSocket s) {
-    return pending({s, "clear_waypoint"}, 75, Parser_Set_Gripper, kClearsPastEnd);
+    return pending({s, "clear_waypoint"}, ZK_KEY_CLEAR_WAYPOINT, Parser_Set_Gripper, kClearsPastEnd);
 }
 ZK_API int Clear_Waypoint_NonBlock(ArmSocket s) { return post({s, "clear_waypoint"}); }
 
@@ -175,7 +176,7 @@ ZK_API int Stop_Waypoint(ArmSocket s, bool block) {
     return after_20_ms(block, Stop_Waypoint_Block, Stop_Waypoint_NonBlock, s);
 }
 ZK_API int Stop_Waypoint_Block(ArmSocket s) {
-    return pending({s, "stop_waypoint"}, 76, Parser_Set_Gripper, kClearsPastEnd);
+    return pending({s, "stop_waypoint"}, ZK_KEY_STOP_WAYPOINT, Parser_Set_Gripper, kClearsPastEnd);
 }
 ZK_API int Stop_Waypoint_NonBlock(ArmSocket s) { return post({s, "stop_waypoint"}); }
 ZK_API int Parser_Set_Gripper(const char* text) { return acknowledgement(text, "waypoint_state"); }
@@ -185,7 +186,7 @@ ZK_API int Timer(ArmSocket s, int32_t wait_time, bool block) {
     return after_20_ms(block, Timer_Block, Timer_NonBlock, s, wait_time);
 }
 ZK_API int Timer_Block(ArmSocket s, int32_t wait_time) {
-    return pending(timer(s, wait_time), 77, Paser_Timer, kClearsPastEnd);
+    return pending(timer(s, wait_time), ZK_KEY_TIMER, Paser_Timer, kClearsPastEnd);
 }
 ZK_API int Timer_NonBlock(ArmSocket s, int32_t wait_time) { return post(timer(s, wait_time)); }
 ZK_API int Paser_Timer(const char* text) { return acknowledgement(text, "wait_time"); }

@@ -39,8 +39,8 @@ ZK_API int Parser_Get_Fz(const char* text, float* fz, float* zero_fz, float* wor
 ZK_API AckReply Clear_Fz_Cmd[ZK_SLOTS];
 ZK_API AckReply Auto_Set_Fz_Cmd[ZK_SLOTS];
 
-/* Mailboxes and parsers of replies about the thresholds of force in drag teaching, for which there is no command. That
- * of the first is Parser_Set_IO_Mode. */
+/* Replies about the force thresholds of drag teaching, for which there is no command. Parser_Set_IO_Mode reads those of
+ * the first. */
 ZK_API AckReply Set_Force_Drag_Threshold_Cmd[ZK_SLOTS];
 ZK_API AckReply Init_Force_Drag_Threshold_Cmd[ZK_SLOTS];
 ZK_API IntReply Get_Force_Drag_Threshold_Cmd[ZK_SLOTS];

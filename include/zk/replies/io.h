@@ -17,7 +17,7 @@ typedef struct IoStateReply {
     int32_t count;
     int32_t result;
     int32_t state;
-    int32_t mode; /* of the last reply that told one */
+    int32_t mode; /* of the last reply with a mode */
 } IoStateReply;
 
 typedef struct ToolIoReply {

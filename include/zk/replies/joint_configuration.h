@@ -58,6 +58,8 @@ ZK_API int Parser_Get_Joint_Software_Version(ArmSocket socket, const char* text,
 ZK_API AckReply Set_Joint_Zero_Cmd[ZK_SLOTS];
 ZK_API int Parser_Joint_Zero_Pos(const char* text);
 ZK_API int Parser_Start_Calibrate(const char* text);
+
+/* Fills the outputs from a good reply and returns 11. */
 ZK_API int Parser_Get_Calibrate_State(ArmSocket socket, const char* text, float* state, uint16_t* err, int32_t* value);
 ZK_API AckReply Auto_Fix_Joint_Over_Soft_Limit_Cmd[ZK_SLOTS];
 ZK_API AckReply Auto_Set_Joint_Limit_Cmd[ZK_SLOTS];

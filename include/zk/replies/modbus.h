@@ -26,9 +26,8 @@ ZK_API ModbusValuesReply Get_Read_Multiple_Coils_Cmd[ZK_SLOTS];
 ZK_API ModbusValuesReply Read_Multiple_Holding_Registers_Cmd[ZK_SLOTS];
 ZK_API ModbusValuesReply Read_Multiple_intput_Registers_Cmd[ZK_SLOTS];
 
-/* The parsers of these replies: 0, 1 when "read_state" is false, 8 when "data" is missing or of the wrong type, 9 when
- * it is no JSON. Of an array at most ZK_MODBUS_VALUES elements are taken; one that is no number leaves its place as it
- * was. Any thread. */
+/* Status 1 when "read_state" is false, 8 when "data" is missing or of the wrong type. At most ZK_MODBUS_VALUES elements
+ * of an array are read; an element that is no number leaves its output as it was. */
 ZK_API int Parser_Get_read_coils(const char* text, int32_t* data);
 ZK_API int Parser_Get_Read_Multiple_Coils(const char* text, int32_t* data, int32_t* count);
 ZK_API int Parser_Read_Multiple_Holding_Registers(const char* text, int32_t* data, int32_t* count);
@@ -38,7 +37,7 @@ ZK_API AckReply Write_Single_Registers_Cmd[ZK_SLOTS];
 ZK_API AckReply Write_Coils_Cmd[ZK_SLOTS];
 ZK_API AckReply Write_Registers_Cmd[ZK_SLOTS];
 
-/* Acknowledgements under "write_state": 0, 1 for false, 9, 11 for another type. Any thread. */
+/* Acknowledgements under "write_state". */
 ZK_API int Parser_Write_single_coil(const char* text);
 ZK_API int Parser_Write_Multiple_Coils(const char* text);
 

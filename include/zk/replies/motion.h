@@ -15,12 +15,12 @@ typedef struct MoveAcknowledgement {
     int32_t move_type;
 } MoveAcknowledgement;
 
-/* The report that a motion has ended. `device` 0 is the arm; others are grippers, hands and attached axes. */
+/* The report that a motion has ended. `device`: 0 the arm, 1 gripper, 2 hand, 3 lift, 4 expansion axis. */
 typedef struct MoveReport {
     int32_t count;
     int32_t result; /* 0 arrived, 1 ended before its target */
     int32_t device;
-    int32_t trajectory_connect; /* -1 when the report does not tell */
+    int32_t trajectory_connect; /* -1 when the report has none */
 } MoveReport;
 
 ZK_API MoveAcknowledgement Move_Receive_Cmd[ZK_SLOTS];
@@ -29,7 +29,7 @@ ZK_API int Parser_Receive_State(const char* text, int32_t* move_type);
 ZK_API int Parser_Plan_Feedback(const char* text, int32_t* device, int32_t* trajectory_connect);
 
 /*
- * Parses a report of streamed joint or pose set-points into the pose, the joints (six, and a seventh on a seven-joint
+ * Reads a report of streamed joint or pose set-points into the pose, the joints (six, and a seventh on a seven-joint
  * connection) and the error word, all unscaled. Returns the error word, or 9 when the text is not JSON or lacks it.
  */
 ZK_API int Parser_Movej_CANFD(ArmSocket socket, const char* text, Pose* pose, float* joint, uint16_t* arm_err);
@@ -38,7 +38,7 @@ ZK_API AckReply Start_Force_Position_Move_Cmd[ZK_SLOTS];
 ZK_API AckReply Stop_Force_Position_Move_Cmd[ZK_SLOTS];
 
 /*
- * Parses a report into the joints, the forces of all directions (of both six, and a seventh on a seven-joint
+ * Reads a report into the joints, the forces of all directions (of both six, and a seventh on a seven-joint
  * connection, unscaled), the force along the controlled direction (the controller's number divided by 10) and the error
  * word. Returns 0; 9 when the text is not JSON or lacks "state"; 11 when the joints are no array. Any thread.
  */

@@ -55,6 +55,8 @@ ZK_API int Parser_Update_Electronic_Fence_Config(const char* text);
 ZK_API AckReply Delete_Electronic_Fence_Config_Cmd[ZK_SLOTS];
 ZK_API int Parser_delete_Electronic_Fence_Config(const char* text);
 ZK_API FenceConfigReply Given_Electronic_Fence_Config_Cmd[ZK_SLOTS];
+
+/* 1 when "given_state" is false, 11 for any other value of it. */
 ZK_API int Parser_Given_Electronic_Fence_Config(const char* text, FenceConfig* fence);
 ZK_API FenceNamesReply Get_Electronic_Fence_List_Name_Cmd[ZK_SLOTS];
 ZK_API int Parser_Get_Electronic_Fence_List_Names(const char* text, FenceName* names, int32_t* count);
@@ -71,6 +73,8 @@ ZK_API IntReply Get_Self_Collision_Enable_Cmd[ZK_SLOTS];
 ZK_API int Parser_Get_Self_Collision_Enable(const char* text, int32_t* enable);
 ZK_API AckReply Set_Tool_Envelope_Cmd[ZK_SLOTS];
 ZK_API ToolEnvelopeReply Get_Tool_Envelope_Cmd[ZK_SLOTS];
+
+/* 1 when "get_state" is false, 11 for a sphere that lacks a key. */
 ZK_API int Parser_Get_Tool_Envelope(const char* text, ToolEnvelope* envelope);
 
 #endif

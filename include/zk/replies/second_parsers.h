@@ -1,8 +1,6 @@
-/*
- * The second family of parsers, for applications that take replies apart themselves. <name>_E takes, stores and returns
- * what <name> does where nothing else is told here. The parsers with this ending that replies to commands go through
- * stand with their commands. Any thread.
- */
+/* The second family of parsers, for applications that read replies themselves. <name>_E is the same function as <name>,
+ * unless a comment here says otherwise. The parsers with this ending that the library itself uses are declared with
+ * their family. Any thread. */
 #ifndef ZK_SECOND_PARSERS_H
 #define ZK_SECOND_PARSERS_H
 
@@ -72,10 +70,8 @@ ZK_API int Parser_Delete_Work_Frame_E(const char* text);
 ZK_API int Parser_Get_Current_Work_Frame_E(const char* text, FrameRec* frame);
 ZK_API int Parser_Get_All_Work_Frame_E(const char* text, FrameName* names, int32_t* count);
 
-/*
- * Other than their namesakes these give 12 for a pose that has not six elements. The two about tools copy at most nine
- * bytes of the name, and store the payload as the controller tells it, unscaled.
- */
+/* These return 12 for a pose that has not six elements. The two about tools copy at most nine bytes of the name, and
+ * store the payload as received, unscaled. */
 ZK_API int Parser_Get_Current_Tool_Frame_E(const char* text, FrameRec* frame);
 ZK_API int Parser_Get_Given_Tool_Frame_E(const char* text, FrameRec* frame);
 ZK_API int Parser_Get_Given_Work_Frame_E(const char* text, char* name, Pose* pose);
@@ -142,18 +138,18 @@ ZK_API int Parser_Clear_Force_Data_E(const char* text);
 ZK_API int Parser_Set_Force_Sensor_E(const char* text);
 ZK_API int Parser_Stop_Force_Sensor_E(const char* text);
 
-/* Tell the six forces (newtons, newton metres) alone, and the single force (newtons) alone. */
+/* Read only the six forces (newtons, newton metres), and only the single force (newtons). */
 ZK_API int Parser_Get_Force_Data_E(const char* text, float* force);
 ZK_API int Parser_Get_Fz_E(const char* text, float* fz);
 
 /* -------------------------------------------------------------------------------------------- Files and progress -- */
 
-/* Whether the controller took a file: 0 when "true" stands anywhere in the text, else 16 and a line on standard output
- * that quotes it. */
+/* Whether the controller accepted a file: 0 when "true" occurs anywhere in the text, else 16 and a line on standard
+ * output that quotes the text. */
 ZK_API int Parser_SendFile_E(const char* text);
 
-/* The progress of an update, and the number of what is popped up. Return 0, also when the reply does not tell it (then
- * nothing is stored), and 9 when the text is not JSON. */
+/* Read the progress of an update, and the number of a popup. They return 0, even when the reply lacks the key and
+ * nothing is stored, and 9 when the text is not JSON. */
 ZK_API int Parser_Get_Update_scale_E(const char* text, int32_t* scale);
 ZK_API int Parser_Get_Popup_E(const char* text, int32_t* content);
 

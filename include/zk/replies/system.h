@@ -60,14 +60,14 @@ typedef struct SystemRuntimeReply {
     int32_t count;
     int32_t result;
     int32_t day, hour, min, sec;
-    int32_t told; /* 0 when the controller could not tell */
+    int32_t told; /* 0 when the controller did not know */
 } SystemRuntimeReply;
 
 typedef struct JointOdomReply {
     int32_t count;
     int32_t result;
     float value[8];
-    int32_t told; /* 0 when the controller could not tell */
+    int32_t told; /* 0 when the controller did not know */
 } JointOdomReply;
 
 typedef struct Rs485Reply {

@@ -26,6 +26,8 @@ ZK_API AckReply Clear_All_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Parser_Clear_All_Trajectory(const char* text);
 ZK_API TrajectoryReply Get_Arm_Current_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Parser_Get_Current_Trajectory(ArmSocket socket, const char* text, int32_t* type, float* data);
+
+/* 1 for false, 0 for any other value. */
 ZK_API int Parser_Add_Waypoint(const char* text);
 ZK_API int Parser_Set_Gripper(const char* text);
 ZK_API int Paser_Timer(const char* text);
