@@ -2,9 +2,8 @@
  * The local kinematics as applications use it: the Algo_ functions compute on this host, with the model of the arm that
  * the start-up of a connection loads, or that Algo_Init_Sys_Data selects where there is no controller.
  *
- * Units change here. Joint angles, joint limits and mounting angles are degrees, speeds revolutions per minute (30 is
- * 180 degrees per second); a Pose and a FrameRec are metres and radians. Below (zk/model.h, zk/kinematics.h) all is
- * radians.
+ * Joint angles, joint limits and mounting angles are degrees here, speeds revolutions per minute (30 is 180 degrees per
+ * second); a Pose and a FrameRec are metres and radians. The layers below (zk/model.h, zk/kinematics.h) use radians.
  *
  * Arrays of joints hold one value for each joint of the model's arm. One model serves every connection of the process,
  * and nothing is locked: set the model up, and compute with it, from one thread at a time. The conversions of poses
@@ -29,7 +28,7 @@ ZK_API const char* Algo_Version(void);
 
 /*
  * Selects the arm, see libalgo_set_robot_and_sensor_type for the numbers, and discards everything that was set before:
- * frames, mounting angles, limits. Set those again afterwards, in that order. A pair that there is no arm of leaves a
+ * frames, mounting angles, limits. Set those again afterwards, in that order. A pair of numbers without an arm leaves a
  * model without joints.
  */
 ZK_API void Algo_Init_Sys_Data(int model, int sensor);
@@ -51,7 +50,7 @@ ZK_API void Algo_Get_Curr_WorkFrame(FrameRec* work);
 
 /*
  * Limits of the joints: position in degrees, speed in revolutions per minute, acceleration in revolutions per minute
- * per second. The setters write 0 for joints that the arm does not have; the getters do nothing on null.
+ * per second. The setters write 0 for joints that the arm does not have; getters and setters do nothing on null.
  */
 ZK_API void Algo_Set_Joint_Max_Limit(const float* limits);
 ZK_API void Algo_Get_Joint_Max_Limit(float* limits);
@@ -70,8 +69,8 @@ ZK_API Pose g_work_pose; /* pose of the last Algo_Set_WorkFrame */
 
 /* ----------------------------------------------------------------------------------------- Forward kinematics -- */
 
-/* Tool in the work frame at joint angles in degrees, mounting included: as pose, and as 4 by 4 transform. Null gives a
- * pose of ten zeros, which is no orientation. */
+/* Tool in the work frame at joint angles in degrees, mounting included: as pose, and as 4 by 4 transform. Null returns
+ * a pose of ten zeros, which is no orientation. */
 ZK_API Pose Algo_Forward_Kinematics(const float* joint);
 ZK_API Matrix Forward_Kinematics_e(const float* joint);
 
@@ -92,21 +91,23 @@ typedef struct InverseKinematicsCall {
 ZK_STATIC_ASSERT(offsetof(InverseKinematicsCall, flag) == 2 * sizeof(void*) + 28, "layout of InverseKinematicsCall");
 
 /*
- * Joint angles in degrees that bring the tool to a pose of the work frame; of several solutions the one nearest to the
- * seed. With flag 0 the pose's quaternion is its orientation and has to be a unit quaternion to a hundredth of its
- * squared norm; with flag 1 its Euler angles are. Seven joints follow the seed unless
+ * Joint angles in degrees that bring the tool to a pose of the work frame. With flag 0 the pose's quaternion is its
+ * orientation, with a squared norm of 0.99 to 1.01; with flag 1 its Euler angles are. A pose from a query has no
+ * quaternion of its own: use flag 1, or ZK_Complete_Pose first. zk/inverse_kinematics.h says which of several solutions
+ * six joints return: mostly the nearest to the seed. Seven joints search near the seed unless
  * Algo_Set_Redundant_Parameter_Traversal_Mode was called.
  *
- * Returns 0; 19 for a null seed or pose, a quaternion that is not one, or a seed outside the joint limits; 21 when
- * there is no solution, and then `joint` holds no answer. The seven-joint solver of model 1 is not checked against the
- * target, see zk/seven_axis.h. The Wrap form does the same with a record; 19 for null.
+ * Returns 0; 19 for a null seed or pose, a quaternion that is not unit, or a seed outside the joint limits; 21 when
+ * there is no solution or the target is not finite, and then the content of `joint` is undefined (after a search of
+ * model 1 over the whole range it is untouched). Six joints may exceed a limit by half a degree. The answer of model 1
+ * is not checked against the target, see zk/seven_axis.h. The Wrap form does the same with a record; 19 for null.
  */
 ZK_API int Algo_Inverse_Kinematics(const float* seed, const Pose* pose, float* joint, uint8_t flag);
 ZK_API int Algo_Inverse_Kinematics_Wrap(InverseKinematicsCall* call);
 
-/* Whether solving for seven joints searches the whole range of the free axis (true) or follows the seed (false), from
- * now on. Before the first call it follows the seed whatever ikine_set_solution_range_zk75 says; there is no way back
- * to that. */
+/* Whether solving for seven joints searches the whole range of the free axis (true) or near the seed (false), from now
+ * on. The whole range of model 1 adds no whole turn to joint 7, which then answers between -180 and 180 degrees. Before
+ * the first call the search is near the seed whatever ikine_set_solution_range_zk75 says; no call restores that. */
 ZK_API void Algo_Set_Redundant_Parameter_Traversal_Mode(bool whole_range);
 
 /* ------------------------------------------------------------------------------------------- Poses and frames -- */
@@ -128,40 +129,42 @@ ZK_API Euler Algo_Quaternion2Euler(Quat quaternion);
  */
 ZK_API int ZK_Complete_Pose(Pose* pose);
 
-/* A pose of the base frame told in the work frame, and back; the matrix is the inverse of the work frame's transform,
- * as libalgo_get_work_cs_to_base_matrix gives it. */
+/* A pose of the base frame in the work frame, and back; the matrix is the inverse of the work frame's transform, as
+ * libalgo_get_work_cs_to_base_matrix returns it. */
 ZK_API Pose Algo_Base2WorkFrame(Matrix work_T_base, Pose pose);
 ZK_API Pose Algo_WorkFrame2Base(Matrix work_T_base, Pose pose);
 
 /*
  * From the pose of the arm's end to that of its tool, and back, with the frames last given to Algo_Set_ToolFrame and
- * Algo_Set_WorkFrame: Algo_End2Tool gives W T(pose) L, with W and L the transforms of work frame and tool, and
- * Algo_Tool2End undoes it, but for poses near the singular pitch. Note that W itself is the factor, and not its inverse
- * as elsewhere.
+ * Algo_Set_WorkFrame: Algo_End2Tool returns W T(pose) L, with W and L the transforms of work frame and tool, and
+ * Algo_Tool2End undoes it, except for poses near the singular pitch. Note that W itself is the factor, and not its
+ * inverse as elsewhere.
  */
 ZK_API Pose Algo_End2Tool(Pose pose);
 ZK_API Pose Algo_Tool2End(Pose pose);
 
-/* -------------------------------------------------------------------------------------------- Poses that move -- */
+/* ----------------------------------------------------------------------------------------------- Moving a pose -- */
 
 /*
- * Where the tool would be, seen in the work frame: after a straight displacement of dx, dy, dz metres along its own
- * axes from where these joints (degrees) hold it; and turned in place by `angle` degrees about axis 1, 2 or 3 of the
- * frame whose rotation `frame` holds (any other axis leaves the orientation). Not while another thread changes the
- * model.
+ * The pose of the tool in the work frame after a move from these joints (degrees): a straight displacement of dx, dy,
+ * dz metres along the tool's axes; or a turn in place by `angle` degrees about axis 1, 2 or 3 of the frame whose
+ * rotation `frame` holds (any other axis leaves the orientation). One thread at a time.
+ *
+ * Algo_Cartesian_Tool leaves the mounting angles out: on an arm mounted at other than 0, 0, 0 its pose is not where
+ * such a move ends. Use Algo_PoseMove with frame 1 on the pose of Algo_Forward_Kinematics there.
  */
 ZK_API Pose Algo_Cartesian_Tool(const float* joint, float dx, float dy, float dz);
 ZK_API Pose Algo_RotateMove(const float* joint, int axis, float angle, Pose frame);
 
-/* A pose moved by delta: x, y, z in metres and rotations about x, y, z in degrees, in the work frame (frame 0) or along
- * the tool's own axes (frame 1); see algo_pose_move. */
+/* The pose moved by delta: x, y, z in metres and rotations about x, y, z in degrees, in the work frame (frame 0) or
+ * along the tool's own axes (frame 1); see algo_pose_move. */
 ZK_API Pose Algo_PoseMove(const float* delta, int frame, Pose pose);
 
 /* -------------------------------------------------------------------------------------------- The layer below -- */
 
 /*
- * What the functions above call: the model and the kinematics in the units of this header. The frame and limit
- * functions do nothing on null. invoke_forward_kinematics_e gives the flange in the base, without tool, frames and
+ * The model and the kinematics in the units of this header; the functions above call these. The frame and limit
+ * functions do nothing on null. invoke_forward_kinematics_e returns the flange in the base, without tool, frames and
  * mounting.
  */
 ZK_API void invoke_libalgo_init(void);
@@ -185,16 +188,16 @@ ZK_API Pose invoke_forward_kinematics(const float* joint);
 ZK_API Matrix invoke_forward_kinematics_e(const float* joint);
 
 /*
- * joint_overspeed_judgment, and inverse_kinematics with its codes, in degrees; a flag of 0 is passed on as 2, which is
- * the same. The second form passes its flag on as it is, keeps account of the time that solving takes, and judges the
- * way from the seed to the solution: the number of the first joint that one control period does not allow, or 0.
+ * joint_overspeed_judgment, and inverse_kinematics with its codes, in degrees; a flag of 0 is passed on as 2, which
+ * means the same. The second form passes its flag on unchanged, records the time that solving takes, and after a
+ * solution returns joint_overspeed_judgment of the step from the seed to it.
  */
 ZK_API int invoke_joint_overspeed_judgment(const float* from, const float* to, float scale);
 ZK_API int invoke_inverse_kinematics(const float* seed, const Pose* pose, float* joint, uint8_t flag);
 ZK_API int invoke_inverse_kinematics_with_judgment_overspeed(const float* seed, const Pose* pose, float* joint,
                                                              uint8_t flag);
 
-/* Time of day, as gettimeofday gives it. Any thread. */
+/* Time of day, as gettimeofday returns it. Any thread. */
 ZK_API void get_time_of_day(struct timeval* now);
 
 ZK_API uint8_t defaut_traversal_mode;        /* 1 while no search range for seven joints has been chosen */

@@ -1,7 +1,7 @@
 /*
  * Inverse kinematics of the seven-axis arms, model 1 (75) and model 7 (72), below the dispatch of
  * zk/inverse_kinematics.h. Joint angles are radians, lengths metres; the target is base_T_flange as a 4 by 4 Mat, so
- * tool, mounting and work frame are already taken out. Geometry and limits are those of the model (zk/model.h).
+ * tool, mounting and work frame are already removed. Geometry and limits are those of the model (zk/model.h).
  *
  * Nothing here allocates or keeps anything between calls. The model is read without a lock: call from one thread at a
  * time while it may change. docs/kinematics.md derives the solvers.
@@ -14,17 +14,20 @@
 /* ---------------------------------------------------------------------------------------------- The 75, model 1 -- */
 
 /*
- * Joints that bring the flange of the 75 to the target: seven values from the seed, seven to out. The solution range of
- * ikine_set_solution_range_zk75 decides how the arm angle, the turn of the elbow about the line from shoulder to wrist,
- * is found: up to 1.0 it follows the seed (narrow, the per-cycle form), above that it is swept over a full turn, and of
- * all configurations the one nearest to the seed is taken (wide).
+ * Joints that bring the flange of the 75 to the target: reads seven values of the seed, writes seven to out. The
+ * solution range of ikine_set_solution_range_zk75 decides how the arm angle is found, the turn of the elbow about the
+ * line from shoulder to wrist. Up to 1.0 (narrow, the per-cycle form) it is that of one pseudo-inverse step from the
+ * seed. Above 1.0 (wide) it is swept over a full turn in steps of 0.06, and of all configurations within the limits the
+ * nearest to the seed is returned. Wide mode adds no whole turn to joint 7: it answers between -pi and pi, also for a
+ * seed beyond, and finds no solution where the limits allow joint 7 only beyond.
  *
- * Returns 0 for a solution within the limits and -2 for none; after -2 out holds no answer. The model's joint offsets
+ * Returns 0 for joints within the limits and -2 for none; after -2 the content of out is undefined. When wide mode
+ * finds no candidate it tests what out held before: fill it with values beyond the limits. The model's joint offsets
  * stay added to the seed.
  *
- * The narrow answer is not compared with the target. With joint 2 or 6 of the seed within 5 degrees of zero, or joint 3
- * within 8, it is one pseudo-inverse step, exact for small motions only; a target out of reach gives 0 as well.
- * ZK_Inverse_Kinematics_Checked (zk/checked_inverse.h) makes sure.
+ * The answer is not compared with the target. With joint 2 or 6 of the seed within 5 degrees of zero, or joint 3 within
+ * 8, the narrow answer is one pseudo-inverse step, exact for small motions only. A target out of reach returns 0 as
+ * well. ZK_Inverse_Kinematics_Checked (zk/checked_inverse.h) compares.
  *
  * Method: arm angle after Shimizu, Kakuya, Yoon, Kitagaki and Kosuge, Analytical Inverse Kinematic Computation for
  * 7-DOF Redundant Manipulators With Joint Limits, IEEE Transactions on Robotics 24 (2008); pseudo-inverse step with a
@@ -35,13 +38,14 @@ ZK_API int inverse_kinematics_zk_75(float* seed, float* out, Mat target);
 /* ---------------------------------------------------------------------------------------------- The 72, model 7 -- */
 
 /*
- * Joints that bring the flange of the 72 to the target, to 1e-6 m and rad before they are rounded: the solution that
- * the iteration reaches from the seed, within the limits, with a slight pull to the middle of each joint's range. When
- * the seed leads nowhere, seeds about it are tried, in a circle that grows with the distance to go, and the whole range
- * where the solution range of ikine_set_solution_range_zk75 is above 1.0. A seed outside the limits is moved to them.
+ * Joints that bring the flange of the 72 to the target, to 1e-6 m and rad before rounding: the solution that the
+ * iteration reaches from the seed, within the limits, with a slight pull to the middle of each joint's range. It need
+ * not be the nearest one. When the seed fails, seeds around it are tried, within a distance that grows with that to the
+ * target, and over the whole range where the solution range of ikine_set_solution_range_zk75 is above 1.0. A seed
+ * outside the limits is moved to them.
  *
- * Returns 0 for a solution, -2 when the only one found lies beyond the limits, -1 when none was; out is written with 0
- * alone.
+ * Returns 0 for a solution, -2 when the only one found lies beyond the limits, -1 when none was found; out is written
+ * with 0 only.
  *
  * Method: damped least squares with the damping of Sugihara, Solvability-Unconcerned Inverse Kinematics by the
  * Levenberg-Marquardt Method, IEEE Transactions on Robotics 27 (2011); null-space term after Liegeois (1977).
