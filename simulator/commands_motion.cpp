@@ -122,7 +122,7 @@ void add_motion_commands(CommandTable& table) {
     add_move("movel", movel);
     add_move("moves", moves);
     add_move("movec", movec);
-    table.set("auto_fix_joint_over_soft_limit", "set_state", fix_soft_limits).refused = report_refusal;
+    table.set("auto_fix_joint_over_soft_limit", "set_state", fix_soft_limits);  // a refusal has no report
 }
 
 }  // namespace sim

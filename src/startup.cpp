@@ -1,16 +1,18 @@
-// The conversation that turns an address into an arm: who are you, how are you mounted, what do you carry, where are
-// your limits. Its answers go into the local model.
+// The start-up: connects to a controller, asks for the arm's model, frames, mounting and limits, and puts the replies
+// into the local model.
 #include "zk/startup.h"
 
 #include <arpa/inet.h>
-#include <fcntl.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <array>
 #include <cstring>
+#include <mutex>
 
+#include "connection/elapsed.h"
+#include "connection/in_use.h"
 #include "connection/realtime.h"
 #include "connection/slots.h"
 #include "routes.h"
@@ -36,7 +38,7 @@ struct Mark {
     int32_t number;
 };
 
-// The first mark of a list that the model string holds decides; with none the number stays.
+// The first mark that the model text contains sets the number; without any it stays.
 template <size_t size>
 void recognise(const char* model, const std::array<Mark, size>& marks, int32_t& number) {
     for (const Mark& mark : marks) {
@@ -80,19 +82,19 @@ int learn_frames(ArmSocket s) {
     Algo_Set_WorkFrame(&work);
     Algo_Get_Curr_WorkFrame(&held);
     g_work_pose = held.pose;
-    // These replace what the receive thread made of the same replies.
+    // These replace what the receive thread stored from the same replies.
     Tool_Matrix = Algo_Pos2Matrix(tool.pose);
     Frame_Matrix = Algo_Pos2Matrix(work.pose);
     return ZK_OK;
 }
 
-// -1 when the model does not give back what it was told.
+// Returns -1 when the model does not return the angles that the controller has.
 int learn_mounting(ArmSocket s) {
     float x = 0, y = 0, z = 0;
     return Get_Install_Pose(s, &x, &y, &z);
 }
 
-// Each query puts its limits into the model on its way.
+// Each query also puts its limits into the model.
 int learn_limits(ArmSocket s) {
     float limits[8];
     for (const auto query : {Get_Joint_Speed, Get_Joint_Acc, Get_Joint_Min_Pos, Get_Joint_Max_Pos}) {
@@ -114,23 +116,36 @@ int prepare_listener(ArmSocket s) {
     return listen_on(config.port);
 }
 
+// Drops the replies to the slot's last connection. The receive thread may still dispatch one of them, and calls the
+// application while it does.
+int start_afresh(const Connection& connection) {
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    const int32_t start = Get_Program_Runtime();
+    for (Pause pause; dispatch_use.is_using(connection.slot()); pause.next()) {
+        if (elapsed_since(start) >= read(m_nOutTime)) return ZK_TIMEOUT;
+    }
+    forget_replies(connection.slot());
+    return ZK_OK;
+}
+
 // Everything up to a usable connection; on a failure the connection is closed.
 int converse(ArmSocket socket, const char* address, int32_t port) {
     if (!connected(socket, address, port)) return ZK_NOT_CONNECTED;
+    // One at a time, since the process has one model.
+    static std::mutex one_at_a_time;
+    const std::lock_guard guard(one_at_a_time);
     if (Init_Socket_Joint(read(CUR_ARM_MODE), socket) != 0) return ZK_TABLE_FULL;
-    forget_replies(slot_of(socket));
+    if (const int status = start_afresh(Connection(socket))) return status;
     for (const auto learn : {learn_model, learn_frames, learn_mounting, learn_limits}) {
         if (const int status = learn(socket)) return status;
     }
     return ZK_OK;
 }
 
-// A descriptor that no status shares its number with.
 int tcp_socket() {
-    const int low = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (low < 0 || low > ZK_LARGEST_STATUS) return low;
-    const int descriptor = fcntl(low, F_DUPFD_CLOEXEC, ZK_LARGEST_STATUS + 1);
-    close(low);
+    const int descriptor = lift_descriptor(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    const int on = 1;  // a set-point does not wait for the acknowledgement of the last one
+    (void)setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     return descriptor;
 }
 
@@ -143,7 +158,7 @@ ZK_API ArmSocket Arm_Socket_Start(const char* address, int32_t port, int32_t /*t
         Arm_Socket_Close(descriptor);
         return status;
     }
-    // Without a listener the connection stands all the same, though nothing will be heard of the stream.
+    // Without a listener the connection stays open.
     const int status = prepare_listener(descriptor);
     return status == ZK_OK ? descriptor : status;
 }

@@ -2,6 +2,7 @@
 #include "zk/replies/arm_state.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <type_traits>
 
@@ -174,6 +175,9 @@ ZK_API int Set_Install_Pose_Block(ArmSocket s, float x, float y, float z) {
 }
 ZK_API int Set_Install_Pose_NonBlock(ArmSocket s, float x, float y, float z) { return post(install_pose(s, x, y, z)); }
 
+// The model keeps the angles in single-precision radians, from which not all of them return to the last bit.
+static constexpr double kMountingDegrees = 0.001;
+
 InstallPoseReply Get_Install_Pose_Cmd[ZK_SLOTS];
 ZK_API int Get_Install_Pose(ArmSocket s, float* x, float* y, float* z) {
     if (sending_file()) return ZK_SENDING_FILE;
@@ -182,7 +186,10 @@ ZK_API int Get_Install_Pose(ArmSocket s, float* x, float* y, float* z) {
     if (status == ZK_OK) Algo_Set_Angle(*x, *y, *z);
     float held[3];
     Algo_Get_Angle(&held[0], &held[1], &held[2]);
-    return *x == held[0] && *y == held[1] && *z == held[2] ? status : -1;
+    const auto agree = [](float angle, float read_back) {
+        return std::fabs(double{angle} - double{read_back}) <= kMountingDegrees;
+    };
+    return agree(*x, held[0]) && agree(*y, held[1]) && agree(*z, held[2]) ? status : -1;
 }
 ZK_API int Get_Install_Pose_Block(ArmSocket s, float* x, float* y, float* z) {
     return query({s, "get_install_pose"}, Get_Install_Pose_Cmd, [&](const InstallPoseReply& reply) {

@@ -8,46 +8,43 @@ namespace zk {
 namespace {
 
 constexpr int32_t kAcknowledgementMs = 100;
-constexpr int32_t kLookMs = 100;
+constexpr int32_t kMotionPollMs = 100;
 constexpr int kMostFailedPolls = 6;
 constexpr int kMostIdlePolls = 50;
 
 bool arm_is_known() { return read(g_is_robot_type_i) != 0; }
 
-// A refusal that is here already. The count was cleared just before the request went out, so this is rarely more than
-// one look: a refused move is told by its report.
-int early_refusal(ArmSocket socket) {
+// Returns a refusal that has arrived already. The count was cleared just before the request was queued, so this rarely
+// polls twice: a refused move ends by its report.
+int early_refusal(const Connection& connection) {
     const int32_t start = Get_Program_Runtime();
-    Mailbox mailbox(Move_Receive_Cmd);
-    for (;;) {
-        const int slot = slot_of(socket);
-        if (slot < 0) return ZK_NOT_CONNECTED;
-        if (mailbox.count(slot) < 1) return ZK_OK;
-        mailbox.lower(slot);
-        if (const int status = mailbox.result(slot)) return status;
+    const Mailbox mailbox(Move_Receive_Cmd);
+    for (;; sleep_cp(kPollMs)) {
+        const bool arrived = has_arrived(mailbox, connection);
+        if (!connection.is_open()) return ZK_NOT_CONNECTED;
+        if (!arrived) return ZK_OK;
+        if (const int status = take_result(mailbox, connection, Take::kOne)) return status;
         if (elapsed_since(start) >= kAcknowledgementMs) return ZK_TIMEOUT;
-        sleep_cp(kPollMs);
     }
 }
 
 }  // namespace
 
 int move_and_arrive(const Request& request, Trajectory expected, int32_t trajectory_connect) {
-    const ArmSocket socket = request.socket();
-    const int slot = slot_of(socket);
-    if (slot < 0) return ZK_NOT_CONNECTED;
-    Mailbox(Move_Cmd).clear(slot);
-    Mailbox(Move_Receive_Cmd).clear(slot);
+    const Connection connection(request.socket());
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    Mailbox(Move_Cmd).clear(connection.slot());
+    Mailbox(Move_Receive_Cmd).clear(connection.slot());
     post(request);
 
     if (arm_is_known()) {
-        if (const int status = early_refusal(socket)) return status;
+        if (const int status = early_refusal(connection)) return status;
         if (trajectory_connect != 0) return ZK_OK;
     }
-    return await_report(socket, Device::kArm, [&](MotionPoll& motion) {
+    return await_report(connection, Device::kArm, [&](MotionPoll& motion) {
         int32_t type = 0;
         float data[8];
-        const int status = Get_Current_Trajectory(socket, &type, data);
+        const int status = Get_Current_Trajectory(connection.socket(), &type, data);
         motion = {.idle = type == static_cast<int32_t>(Trajectory::kNone),
                   .expected = type == static_cast<int32_t>(expected)};
         return status;
@@ -56,15 +53,12 @@ int move_and_arrive(const Request& request, Trajectory expected, int32_t traject
 
 int move_accepted(const Request& request) {
     Mailbox mailbox(Move_Receive_Cmd);
-    int slot = slot_of(request.socket());
-    if (slot < 0) return ZK_NOT_CONNECTED;
+    const Connection connection(request.socket());
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
     post(request);
-    mailbox.clear(slot);  // after queueing: an acknowledgement of an earlier move does not count
+    mailbox.clear(connection.slot());  // after queueing: an acknowledgement of an earlier move does not count
     if (!arm_is_known()) return ZK_OK;
-
-    if (const int status = await(mailbox, request.socket(), kAcknowledgementMs, slot)) return status;
-    mailbox.lower(slot);
-    return mailbox.result(slot);
+    return await_result(mailbox, connection, kAcknowledgementMs, Take::kOne);
 }
 
 MoveReport take_report(int slot) {
@@ -75,16 +69,15 @@ MoveReport take_report(int slot) {
     return report;
 }
 
-int await_report(ArmSocket socket, Device device, const std::function<int(MotionPoll&)>& poll) {
-    Mailbox mailbox(Move_Cmd);
-    bool seen = false;  // it was seen doing what it was asked
+int await_report(const Connection& connection, Device device, const std::function<int(MotionPoll&)>& poll) {
+    bool seen = false;  // a poll has found the requested motion
     int fails = 0, idles = 0;
-    const auto reported = [&](int slot) { return mailbox.count(slot) > 0; };
+    const auto reported = [&] { return has_arrived(Move_Cmd, connection); };
     for (;;) {
-        int slot = slot_of(socket);
-        if (slot < 0) return ZK_NOT_CONNECTED;
-        if (reported(slot)) {
-            const MoveReport report = take_report(slot);
+        const bool arrived = reported();
+        if (!connection.is_open()) return ZK_NOT_CONNECTED;
+        if (arrived) {
+            const MoveReport report = take_report(connection.slot());
             if (is_of(report, device) && report.trajectory_connect == 0) return report.result;
             continue;
         }
@@ -94,30 +87,30 @@ int await_report(ArmSocket socket, Device device, const std::function<int(Motion
             continue;
         }
         seen = seen || motion.expected;
-        if (!motion.idle && !motion.expected && reported(slot)) continue;
-        sleep_cp(kLookMs);
+        if (!motion.idle && !motion.expected && reported()) continue;
+        sleep_cp(kMotionPollMs);
         if (!motion.idle || (!seen && ++idles < kMostIdlePolls)) continue;
-        slot = slot_of(socket);
-        if (slot < 0) return ZK_NOT_CONNECTED;
-        if (!reported(slot)) return ZK_NO_TRAJECTORY;
+        if (!reported()) return connection.is_open() ? ZK_NO_TRAJECTORY : ZK_NOT_CONNECTED;
     }
 }
 
 int move_device(const Request& request, Mailbox acknowledgement, const DeviceMove& form) {
     Mailbox reports(Move_Cmd);
-    int slot = slot_of(request.socket());
-    if (slot < 0) return ZK_NOT_CONNECTED;
+    const Connection connection(request.socket());
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    const int slot = connection.slot();
     if (!form.keeps_reports) reports.clear(slot);
     acknowledgement.clear(slot);
     post(request);
 
     const int32_t start = Get_Program_Runtime();
     for (;; sleep_cp(kPollMs)) {
-        slot = slot_of(request.socket());
-        if (slot < 0) return ZK_NOT_CONNECTED;
-        if (acknowledgement.count(slot) > 0) {
-            const int refused = acknowledgement.result(slot);
-            if (refused || reports.count(slot) > 0) {
+        const bool acknowledged = has_arrived(acknowledgement, connection);
+        const int refused = acknowledged ? acknowledgement.result(slot) : 0;
+        const bool reported = has_arrived(reports, connection);
+        if (!connection.is_open()) return ZK_NOT_CONNECTED;
+        if (acknowledged) {
+            if (refused || reported) {
                 acknowledgement.clear(slot);
                 if (refused) return refused;
                 const MoveReport report = take_report(slot);

@@ -68,11 +68,11 @@ int look_at_lift(ArmSocket s, MotionPoll& motion) {
 
 // The next report ends it, whoever sent it and whenever.
 int axis_arrived(const Request& request) {
-    int slot = slot_of(request.socket());
-    if (slot < 0) return ZK_NOT_CONNECTED;
+    const Connection connection(request.socket());
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
     post(request);
-    if (const int status = await(Move_Cmd, request.socket(), limit_beyond(kTravelMs), slot)) return status;
-    const MoveReport report = take_report(slot);
+    if (const int status = await(Move_Cmd, connection, limit_beyond(kTravelMs))) return status;
+    const MoveReport report = take_report(connection.slot());
     return is_of(report, Device::kExpansionAxis) ? report.result : int(ZK_OTHER_DEVICE);
 }
 
@@ -84,11 +84,11 @@ ZK_API int Set_Lift_Height(ArmSocket s, int32_t height, int32_t speed, bool bloc
     return guarded(block ? Set_Lift_Height_BLock : Set_Lift_Height_NonBLock, s, height, speed);
 }
 ZK_API int Set_Lift_Height_BLock(ArmSocket s, int32_t height, int32_t speed) {
-    const int slot = slot_of(s);
-    if (slot < 0) return ZK_NOT_CONNECTED;
-    Mailbox(Move_Cmd).clear(slot);
+    const Connection connection(s);
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    Mailbox(Move_Cmd).clear(connection.slot());
     post(lift(s, "set_lift_height", height, speed));
-    return await_report(s, Device::kLift, [s](MotionPoll& motion) { return look_at_lift(s, motion); });
+    return await_report(connection, Device::kLift, [s](MotionPoll& motion) { return look_at_lift(s, motion); });
 }
 ZK_API int Set_Lift_Height_NonBLock(ArmSocket s, int32_t height, int32_t speed) {
     return post(lift(s, "set_lift_height", height, speed));

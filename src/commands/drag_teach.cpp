@@ -80,21 +80,17 @@ constexpr int32_t kReplayLimitMs = 29999;  // behind m_nOutTime, while nothing m
 
 enum class Doing : int32_t { kNothing = 0, kReplay = 4 };
 
-int replay_status(ArmSocket s) {
+int replay_status(const Connection& connection) {
     const int32_t start = Get_Program_Runtime();
-    Mailbox mailbox(Run_Drag_Trajectory_Cmd);
+    const Mailbox mailbox(Run_Drag_Trajectory_Cmd);
     int32_t type = 0;  // stays what it was when the question fails
     float data[8];
     for (;;) {
-        Get_Current_Trajectory(s, &type, data);
-        const int slot = slot_of(s);
-        if (slot < 0) return ZK_NOT_CONNECTED;
+        Get_Current_Trajectory(connection.socket(), &type, data);
+        const bool arrived = has_arrived(mailbox, connection);
+        if (!connection.is_open()) return ZK_NOT_CONNECTED;
         const auto doing = static_cast<Doing>(type);
-        if ((doing == Doing::kReplay || doing == Doing::kNothing) && mailbox.count(slot) > 0) {
-            const int result = mailbox.result(slot);
-            mailbox.clear(slot);
-            return result;
-        }
+        if ((doing == Doing::kReplay || doing == Doing::kNothing) && arrived) return take_result(mailbox, connection);
         const int64_t limit = int64_t{read(m_nOutTime)} + kReplayLimitMs;
         if (doing == Doing::kNothing && elapsed_since(start) > limit) return ZK_TIMEOUT;
         sleep_cp(kPollMs);
@@ -108,11 +104,11 @@ ZK_API int Run_Drag_Trajectory(ArmSocket s, bool block) {
     return guarded(block ? Run_Drag_Trajectory_Block : Run_Drag_Trajectory_NonBlock, s);
 }
 ZK_API int Run_Drag_Trajectory_Block(ArmSocket s) {
-    const int slot = slot_of(s);
-    if (slot < 0) return ZK_NOT_CONNECTED;
-    Mailbox(Run_Drag_Trajectory_Cmd).clear(slot);
+    const Connection connection(s);
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    Mailbox(Run_Drag_Trajectory_Cmd).clear(connection.slot());
     post({s, "run_drag_trajectory"});
-    return replay_status(s);
+    return replay_status(connection);
 }
 ZK_API int Run_Drag_Trajectory_NonBlock(ArmSocket s) { return post({s, "run_drag_trajectory"}); }
 ZK_API int Parser_Run_Drag_Trajectory(const char* text) { return acknowledgement(text, "run_state"); }

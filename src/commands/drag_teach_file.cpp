@@ -17,10 +17,10 @@ IntReply Save_Trajectory_Cmd[ZK_SLOTS];
 
 namespace {
 
-// The points arrive on the receive thread while the application opens and closes the file. Nobody waits under the lock.
+// The receive thread writes points while the application opens and closes the file. No thread waits under this lock.
 std::mutex file_lock;
 
-// Whoever finds null in its place finds the file whole; the lock is held.
+// The caller holds the lock. Null in F_SaveDragTeach means that the file is complete.
 void close_locked() {
     if (FILE* file = read(F_SaveDragTeach)) std::fclose(file);
     write<FILE*>(F_SaveDragTeach, nullptr, std::memory_order_release);
@@ -43,16 +43,15 @@ bool file_is_open() {
     return read(F_SaveDragTeach) != nullptr;
 }
 
-// Opens the file, asks, and waits for the announcement. Gives the slot that it came in, or -1 and a status.
-int ask_for_points(ArmSocket s, const std::string& path, int32_t limit, int& slot) {
-    slot = slot_of(s);
-    if (slot < 0) return ZK_NOT_CONNECTED;
+// Opens the file, sends the request and waits for the announcement.
+int ask_for_points(const Connection& connection, const std::string& path, int32_t limit) {
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
     if (!open_file(path.c_str())) return ZK_FILE_NOT_CREATED;
     const size_t separator = last_separator(path);
     if (separator == path.npos) return ZK_BAD_PATH;
-    Mailbox(Save_Trajectory_Cmd).clear(slot);
-    post(Request(s, "save_trajectory").text("trajectory_name", path.c_str() + separator + 1));
-    const int status = await(Save_Trajectory_Cmd, s, limit, slot);
+    Mailbox(Save_Trajectory_Cmd).clear(connection.slot());
+    post(Request(connection.socket(), "save_trajectory").text("trajectory_name", path.c_str() + separator + 1));
+    const int status = await(Save_Trajectory_Cmd, connection, limit);
     if (status == ZK_NOT_CONNECTED) close_file();
     return status;
 }
@@ -79,11 +78,12 @@ ZK_API int Save_Trajectory(ArmSocket s, const char* path, int32_t* total) {
 }
 
 ZK_API int Save_Drag_Teach_File_Block_NC_E(ArmSocket s, const char* path, int32_t* total) {
-    constexpr int32_t longer_ms = 30000;
+    constexpr int32_t extra_ms = 30000;
     if (any_null(path, total)) return ZK_BAD_ARGUMENT;
-    int slot;
-    if (const int status = ask_for_points(s, path, limit_beyond(longer_ms), slot)) return status;
+    const Connection connection(s);
+    if (const int status = ask_for_points(connection, path, limit_beyond(extra_ms))) return status;
     Mailbox mailbox(Save_Trajectory_Cmd);
+    const int slot = connection.slot();
     *total = read(Save_Trajectory_Cmd[slot].value);
     const int result = mailbox.result(slot);
     if (result == ZK_OK && file_is_open()) return ZK_OK;  // the points are still coming
@@ -92,18 +92,17 @@ ZK_API int Save_Drag_Teach_File_Block_NC_E(ArmSocket s, const char* path, int32_
     return result;
 }
 
-// Blocks too, but not as long; and it leaves the file open when the controller refuses.
+// Blocks too, but not as long, and leaves the file open when the controller refuses.
 ZK_API int Save_Drag_Teach_File_NonBlock(ArmSocket s, const char* path, int32_t* total) {
     if (any_null(path, total)) return ZK_BAD_ARGUMENT;
-    int slot;
-    if (const int status = ask_for_points(s, path, read(m_nOutTime), slot)) {
+    const Connection connection(s);
+    if (const int status = ask_for_points(connection, path, read(m_nOutTime))) {
         if (status == ZK_TIMEOUT) close_file();
         return status;
     }
     Mailbox mailbox(Save_Trajectory_Cmd);
-    mailbox.clear(slot);
-    *total = read(Save_Trajectory_Cmd[slot].value);
-    return mailbox.result(slot);
+    *total = read(Save_Trajectory_Cmd[connection.slot()].value);
+    return take_result(mailbox, connection);
 }
 
 ZK_API int Parser_Save_Drag_Teach_File_Block_NC_E(const char* text, int32_t* total) {

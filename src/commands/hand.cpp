@@ -27,15 +27,12 @@ int arrived(Request request, Mailbox acknowledgement, int32_t reply_ms) {
 
 // A stream's next values do not wait for a reply that is lost.
 int followed(const Request& request, Mailbox mailbox) {
-    constexpr int32_t look_ms = 5, limit_ms = 100;
-    int slot = slot_of(request.socket());
-    if (slot < 0) return ZK_NOT_CONNECTED;
-    mailbox.clear(slot);
+    constexpr int32_t poll_ms = 5, limit_ms = 100;
+    const Connection connection(request.socket());
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    mailbox.clear(connection.slot());
     post(request);
-    if (const int status = await(mailbox, request.socket(), limit_ms, slot, look_ms)) return status;
-    const int result = mailbox.result(slot);
-    mailbox.clear(slot);
-    return result;
+    return await_result(mailbox, connection, limit_ms, Take::kAll, poll_ms);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "zk/replies/joint_configuration.h"
 
 #include "commands/twin.h"
+#include "connection/elapsed.h"
 #include "connection/exchange.h"
 #include "connection/pending.h"
 #include "connection/reply.h"
@@ -357,35 +358,37 @@ ZK_API int Parser_Get_Calibrate_State(ArmSocket s, const char* text, float* stat
     return reply.status();
 }
 
-// Brings joints that stand beyond a soft limit back. Accepted, it waits for the report of the motion, without a limit.
+// Brings joints beyond a soft limit back. Once accepted, it waits for the report of the motion, without a limit. An
+// acceptance of an earlier call counts, so every poll looks for a refusal.
 AckReply Auto_Fix_Joint_Over_Soft_Limit_Cmd[ZK_SLOTS];
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit(ArmSocket s, bool block) {
     return guarded(block ? Auto_Fix_Joint_Over_Soft_Limit_Block : Auto_Fix_Joint_Over_Soft_Limit_NonBlock, s);
 }
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit_Block(ArmSocket s) {
-    Mailbox accepted(Auto_Fix_Joint_Over_Soft_Limit_Cmd), arrived(Move_Cmd);
-    int slot = slot_of(s);
-    if (slot < 0) return ZK_NOT_CONNECTED;
-    arrived.clear(slot);
+    Mailbox accepted(Auto_Fix_Joint_Over_Soft_Limit_Cmd), reports(Move_Cmd);
+    const Connection connection(s);
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    reports.clear(connection.slot());
     post({s, "auto_fix_joint_over_soft_limit"});
-    if (const int status = await(accepted, s, read(m_nOutTime), slot)) return status;
-    if (const int refusal = accepted.result(slot)) {
-        accepted.lower(slot);
-        return refusal;
+    for (const int32_t start = Get_Program_Runtime();; sleep_cp(kPollMs)) {
+        const bool acknowledged = has_arrived(accepted, connection), arrived = has_arrived(reports, connection);
+        if (!connection.is_open()) return ZK_NOT_CONNECTED;
+        if (!acknowledged) {
+            if (elapsed_since(start) >= read(m_nOutTime)) return ZK_TIMEOUT;
+        } else if (accepted.result(connection.slot()) != ZK_OK) {
+            return take_result(accepted, connection, Take::kOne);
+        } else if (arrived) {
+            return take_result(reports, connection, Take::kOne);
+        }
     }
-    if (const int status = await(arrived, s, kNoLimit, slot)) return status;
-    arrived.lower(slot);
-    return arrived.result(slot);
 }
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit_NonBlock(ArmSocket s) {
     Mailbox accepted(Auto_Fix_Joint_Over_Soft_Limit_Cmd);
-    int slot = slot_of(s);
-    if (slot < 0) return ZK_NOT_CONNECTED;
-    accepted.clear(slot);
+    const Connection connection(s);
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    accepted.clear(connection.slot());
     post({s, "auto_fix_joint_over_soft_limit"});
-    if (const int status = await(accepted, s, read(m_nOutTime), slot)) return status;
-    accepted.lower(slot);
-    return accepted.result(slot);
+    return await_result(accepted, connection, read(m_nOutTime), Take::kOne);
 }
 
 static Request limit_mode(ArmSocket s, uint8_t mode) {

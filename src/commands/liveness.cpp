@@ -16,13 +16,11 @@ ZK_API int Arm_Socket_State(ArmSocket socket) {
 }
 
 ZK_API int Arm_Socket_State_Block(ArmSocket socket) {
-    Mailbox mailbox(Joint_Max_Speed_Cmd);
-    int slot = slot_of(socket);
-    if (slot < 0) return ZK_NOT_CONNECTED;
+    const Connection connection(socket);
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
     if (const int status = Arm_Socket_State_nBlock(socket)) return status;
-    if (await(mailbox, socket, kProbeLimitMs, slot)) return ZK_NOT_CONNECTED;
-    mailbox.lower(slot);
-    return mailbox.result(slot);
+    const int status = await_result(Joint_Max_Speed_Cmd, connection, kProbeLimitMs, Take::kOne);
+    return status == ZK_TIMEOUT ? int(ZK_NOT_CONNECTED) : status;
 }
 
 ZK_API int Arm_Socket_State_nBlock(ArmSocket socket) {

@@ -111,52 +111,41 @@ namespace {
 // Watches a program from its start to its end.
 class Run {
  public:
-    explicit Run(ArmSocket socket) : socket_(socket) {}
+    explicit Run(const Connection& connection) : connection_(connection) {}
 
     int wait() {
         for (;;) {
-            const int slot = slot_of(socket_);
-            if (slot < 0) return ZK_NOT_CONNECTED;
-            if (const int refusal = refused(slot)) return refusal;
+            const int refusal = refused();
+            if (!connection_.is_open()) return ZK_NOT_CONNECTED;
+            if (refusal) return refusal;
             ProgramRunState state{};
-            const int status = Get_Program_Run_State(socket_, &state);
+            const int status = Get_Program_Run_State(connection_.socket(), &state);
             if (status != ZK_OK && status != state.run_state) {
-                if (++fails_ > kMostFailedLooks) return status;
+                if (++fails_ > kMostFailedPolls) return status;
             } else if (state.run_state == ZK_PROGRAM_RUNNING) {
-                if (finish_.count(slot) > 0) return take_finish(slot);
+                if (has_arrived(finish_, connection_)) return take_result(finish_, connection_);
                 seen_ = true;
-                sleep_cp(kLookMs);
+                sleep_cp(kRunPollMs);
             } else if (state.run_state != ZK_PROGRAM_NONE) {
                 sleep_cp(kPollMs);
-            } else if (seen_ || ++idle_ == kMostIdleLooks) {
-                return wait_for_finish();
+            } else if (seen_ || ++idle_ == kMostIdlePolls) {
+                return await_result(finish_, connection_, limit_beyond(kFinishMs));
             } else {
-                sleep_cp(kLookMs);
+                sleep_cp(kRunPollMs);
             }
         }
     }
 
  private:
-    static constexpr int32_t kLookMs = 100, kFinishMs = 1000;
-    static constexpr int kMostFailedLooks = 5, kMostIdleLooks = 15;
+    static constexpr int32_t kRunPollMs = 100, kFinishMs = 1000;
+    static constexpr int kMostFailedPolls = 5, kMostIdlePolls = 15;
 
-    static int refused(int slot) {
+    int refused() const {
         const Mailbox start(Set_Program_ID_Start_Cmd);
-        return start.count(slot) > 0 ? start.result(slot) : int(ZK_OK);
+        return has_arrived(start, connection_) ? start.result(connection_.slot()) : int(ZK_OK);
     }
 
-    int take_finish(int slot) {
-        finish_.clear(slot);
-        return finish_.result(slot);
-    }
-
-    int wait_for_finish() {
-        int slot;
-        if (const int status = await(finish_, socket_, limit_beyond(kFinishMs), slot)) return status;
-        return take_finish(slot);
-    }
-
-    ArmSocket socket_;
+    Connection connection_;
     Mailbox finish_{Run_Finish_Cmd};
     bool seen_ = false;
     int fails_ = 0;
@@ -166,12 +155,12 @@ class Run {
 }  // namespace
 
 ZK_API int Set_Program_ID_Start_Block(ArmSocket s, int32_t id, int32_t speed) {
-    const int slot = slot_of(s);
-    if (slot < 0) return ZK_NOT_CONNECTED;
-    Mailbox(Set_Program_ID_Start_Cmd).clear(slot);
-    Mailbox(Run_Finish_Cmd).clear(slot);
+    const Connection connection(s);
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    Mailbox(Set_Program_ID_Start_Cmd).clear(connection.slot());
+    Mailbox(Run_Finish_Cmd).clear(connection.slot());
     post(start(s, id, speed));
-    return Run(s).wait();
+    return Run(connection).wait();
 }
 ZK_API int Parser_Set_Program_ID_Start(const char* text) { return acknowledgement(text, "start_state"); }
 ZK_API int Parser_Program_Run_Finish(const char* text, int32_t* finish_id) {

@@ -1,4 +1,4 @@
-// A project to the controller: announced, sent ten bytes at a time, judged.
+// Sends a project to the controller: announces it, writes it ten bytes at a time, waits for the verdict.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -35,7 +35,6 @@ namespace {
 
 constexpr int32_t kChunk = 10;  // the controller takes a project in pieces of this size
 
-// How a program is to run.
 struct Program {
     int32_t save_id;
     int32_t only_save;
@@ -67,12 +66,11 @@ int write_in_chunks(ByteStream stream, const char* data, int32_t size, Progress&
     return ZK_OK;
 }
 
-int send_bytes(ArmSocket s, const char* data, int32_t size, int32_t* err_line, Progress& progress) {
-    const int slot = slot_of(s);
-    if (slot < 0) return ZK_NOT_CONNECTED;
-    Mailbox(Send_Project_Cmd).clear(slot);
-    write(Send_Project_Cmd[slot].value, 0);
-    return await_verdict(s, write_in_chunks(file_stream(s), data, size, progress), err_line);
+int send_bytes(const Connection& connection, const char* data, int32_t size, int32_t* err_line, Progress& progress) {
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    Mailbox(Send_Project_Cmd).clear(connection.slot());
+    write(Send_Project_Cmd[connection.slot()].value, 0);
+    return await_verdict(connection, write_in_chunks(file_stream(connection), data, size, progress), err_line);
 }
 
 std::string project_name(std::string_view path) {
@@ -81,8 +79,7 @@ std::string project_name(std::string_view path) {
     return std::string(path.substr(0, path.rfind('.')));
 }
 
-// Copies a project with the header lines to a file of that name beside it. The separator that doubles is the
-// interface's.
+// Copies a project with the header lines to a file of that name in its directory. The doubled separator is settled.
 bool add_header(ArmSocket s, std::string& path, const std::string& name) {
     std::printf("Save As: [%s]\n", name.c_str());
     const size_t slash = path.rfind('/');
@@ -120,8 +117,9 @@ int send_project(ArmSocket s, std::string path, const Program& program, bool wit
     }
     const Content content = read_file(path);
     if (!content.data) return ZK_FILE_UNREADABLE;
+    const Connection connection(s);
     if (const int status = announce(s, program, name, content.size)) return status;
-    return send_bytes(s, content.data.get(), content.size, err_line, progress);
+    return send_bytes(connection, content.data.get(), content.size, err_line, progress);
 }
 
 int send_held(ArmSocket s, int32_t* err_line, const ProjectSendParams& p, Progress progress) {
@@ -159,7 +157,7 @@ ZK_API int Run_Project_Block(ArmSocket s, int32_t save_id, int32_t only_save, co
 ZK_API int Send_Project_Block(ArmSocket s, const char* data, int32_t size, int32_t* err_line) {
     if (any_null(data)) return ZK_BAD_ARGUMENT;
     Progress nobody(nullptr, nullptr);
-    return send_bytes(s, data, size, err_line, nobody);
+    return send_bytes(Connection(s), data, size, err_line, nobody);
 }
 
 ZK_API const char* zk_get_cur_time() {

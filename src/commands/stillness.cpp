@@ -13,23 +13,23 @@ namespace {
 
 using Angles = std::array<float, 7>;
 
-constexpr int32_t kLookMs = 50;
+constexpr int32_t kStallPollMs = 50;
 constexpr double kStillDegrees = 0.1;
 constexpr int kMostFailedReads = 5;
-constexpr int kMostStillLooks = 4;
+constexpr int kMostStillPolls = 4;
 
-// An answer that waits in the mailbox serves without being taken; else the arm is asked.
-int read_angles(ArmSocket socket, int slot, Angles& angles) {
+// Uses a reply that is in the mailbox without taking it; otherwise asks the arm.
+int read_angles(const Connection& connection, Angles& angles) {
     Mailbox mailbox(Arm_Current_State_Cmd);
-    if (mailbox.count(slot) > 0) {
+    if (has_arrived(mailbox, connection)) {
         ArmStateReply reply;
-        mailbox.copy(slot, &reply);
-        copy_joints(socket, reply.joint, angles.data());
+        mailbox.copy(connection.slot(), &reply);
+        copy_joints(connection.socket(), reply.joint, angles.data());
         return ZK_OK;
     }
     Pose pose{};
     uint16_t arm_err = 0, sys_err = 0;
-    return Get_Current_Arm_State(socket, angles.data(), &pose, &arm_err, &sys_err);
+    return Get_Current_Arm_State(connection.socket(), angles.data(), &pose, &arm_err, &sys_err);
 }
 
 bool within_stillness(const Angles& a, const Angles& b) {
@@ -40,23 +40,22 @@ bool within_stillness(const Angles& a, const Angles& b) {
 
 class StallDetector {
  public:
-    explicit StallDetector(ArmSocket socket) : socket_(socket), since_(Get_Program_Runtime()) {}
+    explicit StallDetector(const Connection& connection) : connection_(connection), since_(Get_Program_Runtime()) {}
 
     int wait() {
-        const Mailbox reports(Move_Cmd);
         for (;;) {
-            const int slot = slot_of(socket_);
-            if (slot < 0) return ZK_NOT_CONNECTED;
-            if (reports.count(slot) > 0) return report(slot);
+            const bool reported = has_arrived(Move_Cmd, connection_);
+            if (!connection_.is_open()) return ZK_NOT_CONNECTED;
+            if (reported) return report(connection_.slot());
             if (elapsed_since(since_) >= read(m_nOutTime_max)) {
                 Angles angles{};
-                if (const int status = read_angles(socket_, slot, angles)) {
+                if (const int status = read_angles(connection_, angles)) {
                     if (fails_++ > kMostFailedReads) return status;
                     continue;
                 }
                 if (stands_still(angles)) return ZK_NO_TRAJECTORY;
             }
-            sleep_cp(kLookMs);
+            sleep_cp(kStallPollMs);
         }
     }
 
@@ -73,10 +72,10 @@ class StallDetector {
             since_ = Get_Program_Runtime();
             still_ = 0;
         }
-        return !moved && ++still_ > kMostStillLooks;
+        return !moved && ++still_ > kMostStillPolls;
     }
 
-    ArmSocket socket_;
+    Connection connection_;
     int32_t since_;
     Angles last_{};
     int fails_ = 0;
@@ -86,11 +85,11 @@ class StallDetector {
 }  // namespace
 
 int move_until_still(const Request& request) {
-    const int slot = slot_of(request.socket());
-    if (slot < 0) return ZK_NOT_CONNECTED;
-    Mailbox(Move_Cmd).clear(slot);
+    const Connection connection(request.socket());
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    Mailbox(Move_Cmd).clear(connection.slot());
     post(request);
-    return StallDetector(request.socket()).wait();
+    return StallDetector(connection).wait();
 }
 
 }  // namespace zk

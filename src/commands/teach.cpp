@@ -61,16 +61,15 @@ ZK_API int Pos_Teach_Cmd(ArmSocket s, int32_t type, uint8_t direction, uint8_t v
 // The one wait that looks without a pause, until the same limit.
 ZK_API int Pos_Teach_Cmd_Block(ArmSocket s, int32_t type, uint8_t direction, uint8_t v) {
     Mailbox mailbox(Pos_Teach_Cmd_Cmd);
-    int slot = slot_of(s);
-    if (slot < 0) return ZK_NOT_CONNECTED;
-    mailbox.clear(slot);
+    const Connection connection(s);
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    mailbox.clear(connection.slot());
     post(pos_teach(s, type, direction, v));
-    for (const int32_t start = Get_Program_Runtime(); mailbox.count(slot) < 1;) {
+    for (const int32_t start = Get_Program_Runtime(); !has_arrived(mailbox, connection);) {
         if (elapsed_since(start) >= read(m_nOutTime)) return ZK_TIMEOUT;
-        if ((slot = slot_of(s)) < 0) return ZK_NOT_CONNECTED;
+        if (!connection.is_open()) return ZK_NOT_CONNECTED;
     }
-    mailbox.clear(slot);
-    return mailbox.result(slot);
+    return take_result(mailbox, connection);
 }
 ZK_API int Pos_Teach_Cmd_NonBlock(ArmSocket s, int32_t type, uint8_t direction, uint8_t v) {
     return post(pos_teach(s, type, direction, v));

@@ -9,7 +9,8 @@
 namespace zk {
 namespace {
 
-constexpr int32_t kVerdictMs = 10000;  // behind m_nOutTime
+constexpr int32_t kVerdictMs = 10000;     // beyond m_nOutTime
+constexpr int32_t kLastVerdictMs = 1000;  // for the receive thread to find what came before the connection closed
 
 }  // namespace
 
@@ -30,24 +31,28 @@ size_t last_separator(std::string_view path) {
 }
 
 void Progress::sent(int64_t bytes) {
-    if (!tell_) return;
+    if (!callback_) return;
     const int64_t hundredths = total_ > 0 ? bytes * 100 / total_ : 100;
     if (hundredths == hundredths_) return;
     hundredths_ = hundredths;
-    tell_(bytes, total_, user_);
+    callback_(bytes, total_, user_);
 }
 
-ByteStream file_stream(ArmSocket socket) { return ByteStream(socket, limit_beyond(kVerdictMs)); }
+ByteStream file_stream(const Connection& connection) { return {connection, limit_beyond(kVerdictMs)}; }
 
-int await_verdict(ArmSocket socket, int written, int32_t* err_line) {
+static int32_t verdict_limit(int written) {
+    if (written == ZK_TIMEOUT) return 0;
+    return written == ZK_SEND_FAILED ? kLastVerdictMs : limit_beyond(kVerdictMs);
+}
+
+int await_verdict(const Connection& connection, int written, int32_t* err_line) {
     if (written == ZK_NOT_CONNECTED) return ZK_NOT_CONNECTED;
     Mailbox mailbox(Send_Project_Cmd);
-    int slot = -1;
-    const int32_t limit = written == ZK_TIMEOUT ? 0 : limit_beyond(kVerdictMs);
-    if (const int status = await(mailbox, socket, limit, slot)) return status;
+    if (const int status = await(mailbox, connection, verdict_limit(written))) return status;
     IntReply reply;
-    mailbox.clear(slot);
-    mailbox.copy(slot, &reply);
+    mailbox.clear(connection.slot());
+    mailbox.copy(connection.slot(), &reply);
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
     if (err_line) *err_line = reply.value;
     return reply.result;
 }

@@ -1,4 +1,4 @@
-// What the transfers of files to the controller share.
+// Shared by the transfers of files to the controller.
 #pragma once
 
 #include <cstdio>
@@ -16,20 +16,19 @@ struct CloseFile {
 };
 using File = std::unique_ptr<FILE, CloseFile>;
 
-// Bytes of a file from its start to its end, or -1; more than the wire's 32 bits hold counts as unreadable. Leaves the
-// file at its start.
+// Size of a file in bytes, or -1 when it cannot be read or does not fit the 32 bits of the wire. Rewinds the file.
 int32_t size_of(FILE* file);
 
-// A text of so many bytes, up to a limit, or to its end mark.
+// The first `length` bytes of a text, at most `limit`, or up to its terminating zero.
 std::string bounded(const char* text, int32_t length, int32_t limit = ZK_PATH_SIZE);
 
-// Where the last '/' stands, or failing that the last '\'; npos without either.
+// Position of the last '/', or without any of the last '\'; npos without both.
 size_t last_separator(std::string_view path);
 
-// Tells a callback how far a transfer is, a hundred times at most.
+// Reports the progress of a transfer to a callback, at most 101 times.
 class Progress {
  public:
-    Progress(ZK_TransferProgress tell, void* user) : tell_(tell), user_(user) {}
+    Progress(ZK_TransferProgress callback, void* user) : callback_(callback), user_(user) {}
     void begin(int64_t total) {
         total_ = total;
         hundredths_ = -1;
@@ -38,17 +37,18 @@ class Progress {
     void sent(int64_t bytes);
 
  private:
-    ZK_TransferProgress tell_;
+    ZK_TransferProgress callback_;
     void* user_;
     int64_t total_ = 0;
     int64_t hundredths_ = -1;
 };
 
-// A stream for a file, which gives up when the controller stops reading for as long as its verdict may take.
-ByteStream file_stream(ArmSocket socket);
+// A stream for a file. It gives up when the controller reads nothing for as long as its verdict may take.
+ByteStream file_stream(const Connection& connection);
 
-// Waits for what the controller makes of a file. `written` is how the writing of it ended: what was said before the end
-// of the connection counts, and nothing more will be after a silence. `err_line` may be null.
-int await_verdict(ArmSocket socket, int written, int32_t* err_line);
+// Waits for the controller's verdict on a file. `written` is the status of the writing: after a failed write only a
+// verdict counts that the controller sent before it closed, after a timeout only one that is there. `err_line` may be
+// null.
+int await_verdict(const Connection& connection, int written, int32_t* err_line);
 
 }  // namespace zk

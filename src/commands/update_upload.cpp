@@ -1,4 +1,4 @@
-// A software update to the controller: announced, sent as it is, judged.
+// Sends a software update to the controller: announces it, writes it as it is, waits for the verdict.
 #include <array>
 #include <string>
 
@@ -22,7 +22,7 @@ namespace {
 constexpr size_t kChunk = 2000;
 constexpr int kLongestPath = 1023;
 
-// The one request that is not printed over several lines, and whose name goes out as it is.
+// The one request that is a single line, and whose name is not escaped.
 Frame announcement(const std::string& name, int32_t file_size) {
     Frame frame;
     frame.length = std::snprintf(frame.text, Request::kUsualFrame,
@@ -52,13 +52,12 @@ int write_in_chunks(ByteStream stream, FILE* file, Progress& progress) {
     return ZK_OK;
 }
 
-int send_bytes(ArmSocket s, const std::string& path, Progress& progress) {
-    const int slot = slot_of(s);
-    if (slot < 0) return ZK_NOT_CONNECTED;
-    Mailbox(Send_Project_Cmd).clear(slot);
+int send_bytes(const Connection& connection, const std::string& path, Progress& progress) {
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    Mailbox(Send_Project_Cmd).clear(connection.slot());
     const File file(std::fopen(path.c_str(), "rb+"));
     if (!file) return ZK_FILE_UNREADABLE;
-    return await_verdict(s, write_in_chunks(file_stream(s), file.get(), progress), nullptr);
+    return await_verdict(connection, write_in_chunks(file_stream(connection), file.get(), progress), nullptr);
 }
 
 int send_update(ArmSocket s, const char* given_path, int32_t length, Progress progress) {
@@ -73,8 +72,9 @@ int send_update(ArmSocket s, const char* given_path, int32_t length, Progress pr
     file.reset();
     if (size >= 0) write(m_update_scale, 0);
     if (size < 1) return ZK_FILE_UNREADABLE;
+    const Connection connection(s);
     if (const int status = announce(s, path.substr(separator + 1), size)) return status;
-    return send_bytes(s, path, progress);
+    return send_bytes(connection, path, progress);
 }
 
 }  // namespace
@@ -93,5 +93,5 @@ ZK_API int Run_Update_Software_Block_E(ArmSocket s, const char* name, int32_t na
 ZK_API int Send_Update_Software_Block_E(ArmSocket s, const char* path, int32_t path_len) {
     if (any_null(path)) return ZK_BAD_ARGUMENT;
     Progress nobody(nullptr, nullptr);
-    return send_bytes(s, bounded(path, path_len, kLongestPath), nobody);
+    return send_bytes(Connection(s), bounded(path, path_len, kLongestPath), nobody);
 }

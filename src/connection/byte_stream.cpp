@@ -8,18 +8,19 @@
 #include <cerrno>
 
 #include "connection/elapsed.h"
-#include "connection/slots.h"
 #include "zk/status.h"
 
 namespace zk {
 namespace {
 
-constexpr int kLookMs = 10;
+constexpr int kPollMs = 10;
 
 }  // namespace
 
-ByteStream::ByteStream(ArmSocket socket, int32_t silence_limit)
-    : socket_(socket), descriptor_(fcntl(socket, F_DUPFD_CLOEXEC, 0)), silence_limit_(silence_limit) {
+ByteStream::ByteStream(const Connection& connection, int32_t silence_limit)
+    : connection_(connection),
+      descriptor_(fcntl(connection.socket(), F_DUPFD_CLOEXEC, 0)),
+      silence_limit_(silence_limit) {
     release_request();
 }
 
@@ -29,7 +30,7 @@ ByteStream::~ByteStream() {
 
 int ByteStream::write(const char* bytes, size_t size) {
     while (size > 0) {
-        if (descriptor_ < 0 || slot_of(socket_) < 0) return ZK_NOT_CONNECTED;
+        if (descriptor_ < 0 || !connection_.is_open()) return ZK_NOT_CONNECTED;
         const ssize_t written = ::send(descriptor_, bytes, size, MSG_DONTROUTE | MSG_DONTWAIT | MSG_NOSIGNAL);
         if (written > 0) {
             bytes += written;
@@ -43,12 +44,12 @@ int ByteStream::write(const char* bytes, size_t size) {
     return ZK_OK;
 }
 
-// In short looks, since a close at this end wakes nobody.
+// Polls, since a close at this end wakes nobody.
 int ByteStream::wait_for_room() const {
     const int32_t start = Get_Program_Runtime();
     pollfd room{descriptor_, POLLOUT, 0};
-    while (poll(&room, 1, kLookMs) <= 0) {
-        if (slot_of(socket_) < 0) return ZK_NOT_CONNECTED;
+    while (poll(&room, 1, kPollMs) <= 0) {
+        if (!connection_.is_open()) return ZK_NOT_CONNECTED;
         if (elapsed_since(start) >= silence_limit_) return ZK_TIMEOUT;
     }
     return ZK_OK;

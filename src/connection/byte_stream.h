@@ -1,29 +1,29 @@
-// The bytes of a file on a connection. They go past the transmit queue, in exactly the pieces that they are given in,
-// and each write lasts until the kernel has taken its piece.
+// Writes the bytes of a file to a connection, past the transmit queue and in exactly the pieces that the caller passes.
+// A write returns when the kernel has taken the whole piece.
 #pragma once
 
 #include <cstddef>
 
-#include "zk/connection.h"
+#include "connection/slots.h"
 
 namespace zk {
 
 class ByteStream {
  public:
-    // Holds a descriptor of its own, so that a connection that is closed meanwhile is not written to under a number
-    // that has come back as somebody else's. `silence_limit` is how long (ms) the controller may read nothing.
-    ByteStream(ArmSocket socket, int32_t silence_limit);
+    // Duplicates the descriptor: if the connection is closed meanwhile, its number may become another file's.
+    // `silence_limit` is how long (ms) the controller may read nothing.
+    ByteStream(const Connection& connection, int32_t silence_limit);
     ~ByteStream();
     ByteStream(const ByteStream&) = delete;
     ByteStream& operator=(const ByteStream&) = delete;
 
-    // 0; 5 once the connection was closed at this end, 6 once it was at the other, 7 when the controller read nothing.
+    // Returns 0; 5 when this end has closed the connection, 6 when the controller has, 7 when it read nothing.
     int write(const char* bytes, size_t size);
 
  private:
     int wait_for_room() const;
 
-    ArmSocket socket_;
+    Connection connection_;
     int descriptor_;
     int32_t silence_limit_;
 };

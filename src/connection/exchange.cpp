@@ -21,7 +21,13 @@ int32_t& Mailbox::word(int slot, int index) const { return reinterpret_cast<int3
 int Mailbox::count(int slot) const { return read(word(slot, 0), std::memory_order_acquire); }
 int Mailbox::result(int slot) const { return read(word(slot, 1)); }
 void Mailbox::clear(int slot) { write(word(slot, 0), 0, std::memory_order_release); }
-void Mailbox::lower(int slot) { std::atomic_ref(word(slot, 0)).fetch_sub(1, std::memory_order_acq_rel); }
+
+void Mailbox::lower(int slot) {
+    const std::atomic_ref count(word(slot, 0));
+    int32_t held = count.load(std::memory_order_relaxed);
+    while (held > 0 && !count.compare_exchange_weak(held, held - 1, std::memory_order_acq_rel)) {
+    }
+}
 
 void Mailbox::wipe(int slot) {
     // The count last: a reply that comes meanwhile is lost whole.
@@ -57,15 +63,29 @@ static int stream(ArmSocket socket, const Frame& frame) {
 }
 int stream(const Request& request) { return stream(request.socket(), request.frame()); }
 
-int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot, int32_t poll) {
+bool has_arrived(Mailbox mailbox, const Connection& connection) {
+    return connection.slot() >= 0 && mailbox.count(connection.slot()) > 0;
+}
+
+int await(Mailbox mailbox, const Connection& connection, int32_t limit, int32_t poll) {
     const int32_t start = Get_Program_Runtime();
-    for (;;) {
-        slot = slot_of(socket);
-        if (slot < 0) return ZK_NOT_CONNECTED;
-        if (mailbox.count(slot) > 0) return ZK_OK;
+    for (;; sleep_cp(poll)) {
+        const bool arrived = has_arrived(mailbox, connection);
+        if (!connection.is_open()) return ZK_NOT_CONNECTED;
+        if (arrived) return ZK_OK;
         if (elapsed_since(start) >= limit) return ZK_TIMEOUT;
-        sleep_cp(poll);
     }
+}
+
+int take_result(Mailbox mailbox, const Connection& connection, Take take) {
+    const int result = mailbox.result(connection.slot());
+    take == Take::kAll ? mailbox.clear(connection.slot()) : mailbox.lower(connection.slot());
+    return connection.is_open() ? result : int(ZK_NOT_CONNECTED);
+}
+
+int await_result(Mailbox mailbox, const Connection& connection, int32_t limit, Take take, int32_t poll) {
+    const int status = await(mailbox, connection, limit, poll);
+    return status ? status : take_result(mailbox, connection, take);
 }
 
 int32_t limit_beyond(int32_t milliseconds) {
@@ -80,36 +100,34 @@ int set(const Request& request, Mailbox mailbox, const SetForm& form) {
 }
 
 int set(ArmSocket socket, const Frame& frame, Mailbox mailbox, const SetForm& form) {
-    int slot = slot_of(socket);
-    if (slot < 0) return ZK_NOT_CONNECTED;
-    if (form.clears) Mailbox(*form.clears).clear(slot);
-    if (!form.clears && !form.keeps_count) mailbox.clear(slot);
+    const Connection connection(socket);
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    if (form.clears) Mailbox(*form.clears).clear(connection.slot());
+    if (!form.clears && !form.keeps_count) mailbox.clear(connection.slot());
 
     if (form.direct) {
         if (stream(socket, frame) < 1) return ZK_SEND_FAILED;
     } else {
         post(socket, frame);
     }
-    if (const int status = await(mailbox, socket, limit_of(form.limit), slot)) return status;
-    const int result = mailbox.result(slot);
-    mailbox.clear(slot);
-    return result;
+    return await_result(mailbox, connection, limit_of(form.limit));
 }
 
 int exchange(const Request& request, Mailbox mailbox, const QueryForm& form, void* record, bool& arrived) {
-    int slot = slot_of(request.socket());
-    if (slot < 0) return ZK_NOT_CONNECTED;
+    const Connection connection(request.socket());
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    const int slot = connection.slot();
     if (form.clears_before) mailbox.clear(slot);
 
     post(request);
-    if (const int status = await(mailbox, request.socket(), limit_of(form.limit), slot)) return status;
-    arrived = true;
+    if (const int status = await(mailbox, connection, limit_of(form.limit))) return status;
     form.clears_after ? mailbox.clear(slot) : mailbox.lower(slot);
     mailbox.copy(slot, record);
     int result = mailbox.result(slot);
     if (form.wipes_first) mailbox.wipe(0);
     if (form.result_last) result = mailbox.result(slot);
-    return result;
+    arrived = connection.is_open();  // otherwise the record may be that of the next connection
+    return arrived ? result : int(ZK_NOT_CONNECTED);
 }
 
 }  // namespace zk

@@ -1,12 +1,12 @@
 // The exchange of a request and its reply, in the forms of waiting that commands have:
 //
 //   set     queues a request and waits for its acknowledgement
-//   query   the same with a payload that goes to the caller
+//   query   the same, and copies the payload to the caller
 //   post    queues a request and waits for nothing
 //   stream  writes a request to the socket at once, ahead of the queue, and waits for nothing
 //   pending waits on the pending list instead of a mailbox (pending.h)
 //
-// and their parts, `await` and `Mailbox`, for the few that are of their own kind.
+// and their parts, `Connection`, `Mailbox` and `await`, for the waits of another shape.
 #pragma once
 
 #include <cstddef>
@@ -31,11 +31,11 @@ class Mailbox {
                       sizeof(Record) % sizeof(Word) == 0);
     }
 
-    int count(int slot) const;  // an arrived reply's payload and result are visible once this is above 0
+    int count(int slot) const;  // payload and result of a reply are visible once this is above 0
     int result(int slot) const;
-    void clear(int slot);  // no reply is here
-    void lower(int slot);  // one reply is taken
-    void wipe(int slot);   // the whole record becomes zero
+    void clear(int slot);  // takes all replies
+    void lower(int slot);  // takes one reply
+    void wipe(int slot);   // zeroes the whole record
     void copy(int slot, void* record) const;
 
     // The receive thread's side.
@@ -54,32 +54,43 @@ class Mailbox {
 struct SetForm {
     std::optional<Mailbox> clears = {};  // the mailbox cleared before the request, where it is not the command's own
     bool keeps_count = false;            // an old reply ends the wait at once
-    int32_t limit = 0;                   // ms; 0 stands for m_nOutTime
-    bool direct = false;                 // written to the socket, not queued
+    int32_t limit = 0;                   // ms; 0: m_nOutTime
+    bool direct = false;                 // writes to the socket, past the queue
 };
 
 struct QueryForm {
-    bool clears_before = false;  // a reply that came too late is not taken for this one's
-    bool clears_after = false;   // all replies are taken, not one
-    bool wipes_first = false;    // the record of slot 0 is wiped after use, whichever slot asked
-    bool result_last = false;    // the status is read after that
+    bool clears_before = false;  // ignores a late reply to an earlier request
+    bool clears_after = false;   // takes all replies, not one
+    bool wipes_first = false;    // wipes the record of slot 0 after use, whichever slot asked
+    bool result_last = false;    // reads the status after that
     int32_t limit = 0;
 };
 
 int set(const Request& request, Mailbox mailbox, const SetForm& form = {});
 int set(ArmSocket socket, const Frame& frame, Mailbox mailbox, const SetForm& form = {});  // a text of its own kind
 int post(const Request& request);
-// What `send` gave: below 1 when nothing was written.
+// Returns the result of `send`: below 1 when nothing was written.
 int stream(const Request& request);
 
-// Waits until a reply is in the mailbox of the socket's slot, which is looked up afresh at every poll. Gives 0 and the
-// slot; 5 when the socket is in no slot (any more); 7 at the limit.
-int await(Mailbox mailbox, ArmSocket socket, int32_t limit, int& slot, int32_t poll = kPollMs);
+// Waits until a reply of the connection is in the mailbox. Returns 0; 5 when the connection is closed, also when
+// another has its number and slot; 7 at the limit.
+int await(Mailbox mailbox, const Connection& connection, int32_t limit, int32_t poll = kPollMs);
 
-// m_nOutTime and so many milliseconds more.
+enum class Take { kOne, kAll };
+
+// Takes one reply or all from the mailbox. Returns the result, or 5 when the connection is closed.
+int take_result(Mailbox mailbox, const Connection& connection, Take take = Take::kAll);
+int await_result(Mailbox mailbox, const Connection& connection, int32_t limit, Take take = Take::kAll,
+                 int32_t poll = kPollMs);
+
+// Whether a reply is in the mailbox. Check that the connection is open after this, not before: then the reply is its
+// own.
+bool has_arrived(Mailbox mailbox, const Connection& connection);
+
+// m_nOutTime plus a number of milliseconds.
 int32_t limit_beyond(int32_t milliseconds);
 
-// The reply's record is copied to `record` and handed to the caller whatever its result.
+// Copies the reply to `record`, whatever its result. `arrived` becomes true when there was one.
 int exchange(const Request& request, Mailbox mailbox, const QueryForm& form, void* record, bool& arrived);
 
 template <class Record, class Deliver>

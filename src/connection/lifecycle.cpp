@@ -1,9 +1,10 @@
-// Start and end of the library, and its settings.
-#include "connection/shared_memory.h"
+// Start and end of the library and of a connection, and the settings.
+#include "connection/realtime.h"
+#include "connection/slots.h"
+#include "connection/transmit.h"
 #include "zk/connection.h"
 #include "zk/dispatch.h"
 #include "zk/queue.h"
-#include "zk/realtime.h"
 
 int32_t m_nOutTime = 200;
 int32_t m_nOutTime_max = 1000;
@@ -58,6 +59,14 @@ ZK_API int ZK_API_UnInit() {
     ZK_Queue_Deleate(&Socket_Tx_Buffer);
     ZK_Mutex_UnLock();
     return 0;
+}
+
+ZK_API void Arm_Socket_Close(ArmSocket socket) {
+    if (socket < 1) return;
+    forget_connections(socket);
+    stop_listening();
+    forget_frames(socket);
+    close_unused(socket);
 }
 
 ZK_API const char* API_Version() { return ZK_VERSION; }

@@ -55,7 +55,7 @@ void remove(PendingReply* list, int32_t* count, int32_t index) {
 
 }  // namespace
 
-PendingEntry::PendingEntry(ArmSocket socket, int key_code) : socket_(socket), key_code_(key_code) {
+PendingEntry::PendingEntry(ArmSocket socket, int key_code) : connection_(socket), key_code_(key_code) {
     ListLock lock;
     index_ = m_nSockeRIinfosLen;
     status_ = Add_List(SockeRIinfos, index_, socket, key_code, 0, 1);
@@ -72,7 +72,7 @@ int PendingEntry::send(const Request& request, const PendingForm& form) {
 bool PendingEntry::take(char (&reply)[300]) {
     ListLock lock;
     for (int i = 0; i < m_nSockeRIinfosLen; ++i) {
-        if (!waits_for(SockeRIinfos[i], socket_, key_code_) || SockeRIinfos[i].arrived != 1) continue;
+        if (!waits_for(SockeRIinfos[i], connection_.socket(), key_code_) || SockeRIinfos[i].arrived != 1) continue;
         std::memcpy(reply, SockeRIinfos[index_].reply_text, sizeof reply);
         reply[sizeof reply - 1] = '\0';
         remove(SockeRIinfos, &m_nSockeRIinfosLen, index_);
@@ -84,7 +84,7 @@ bool PendingEntry::take(char (&reply)[300]) {
 void PendingEntry::give_up() {
     ListLock lock;
     for (int i = 0; i < m_nSockeRIinfosLen; ++i) {
-        if (waits_for(SockeRIinfos[i], socket_, key_code_)) remove(SockeRIinfos, &m_nSockeRIinfosLen, i);
+        if (waits_for(SockeRIinfos[i], connection_.socket(), key_code_)) remove(SockeRIinfos, &m_nSockeRIinfosLen, i);
     }
 }
 
@@ -92,9 +92,10 @@ int PendingEntry::wait(char (&reply)[300], const PendingForm& form) {
     const int32_t start = Get_Program_Runtime();
     for (;;) {
         sleep_cp(kPollMs);
-        if (elapsed_since(start) >= limit_beyond(form.extra_ms)) {
+        const bool timed_out = elapsed_since(start) >= limit_beyond(form.extra_ms);
+        if (timed_out || connection_.has_changed()) {
             give_up();
-            return ZK_TIMEOUT;
+            return timed_out ? ZK_TIMEOUT : ZK_NOT_CONNECTED;
         }
         if (take(reply)) return ZK_OK;
     }

@@ -1,17 +1,18 @@
-// Waiting on the pending list. The receive path never marks a reply of the list as arrived, so these calls end in 7
-// after the time limit although the controller did what it was asked.
+// Waits on the pending list. The receive path never marks an entry of the list as arrived, so these calls end in 7 at
+// the limit although the controller has done what they asked.
 #pragma once
 
 #include "connection/request.h"
+#include "connection/slots.h"
 
 namespace zk {
 
 struct PendingForm {
-    bool clears_past_end = false;  // after a failed send the entry behind the last is cleared, not the request's own
+    bool clears_past_end = false;  // after a failed send, removes the entry past the last, not its own
     int32_t extra_ms = 0;          // ms to wait beyond m_nOutTime
 };
 
-// `parse` takes the reply's text and gives the status.
+// `parse` takes the text of the reply and returns the status.
 template <class Parse>
 int pending(const Request& request, int key_code, Parse parse, const PendingForm& form = {});
 
@@ -21,14 +22,14 @@ class PendingEntry {
     int status() const { return status_; }  // 20 when the list is full
     // Writes the request to the socket, at once.
     int send(const Request& request, const PendingForm& form);
-    // 0 once a reply has arrived, its text in `reply`; 7 at the limit, the entry removed.
+    // Returns 0 with the text of the reply; 5 when the connection is closed and 7 at the limit, its entry removed.
     int wait(char (&reply)[300], const PendingForm& form);
 
  private:
     bool take(char (&reply)[300]);
     void give_up();
 
-    ArmSocket socket_;
+    Connection connection_;
     int key_code_;
     int index_ = 0;
     int status_ = 0;

@@ -10,8 +10,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "connection/descriptor_use.h"
 #include "connection/elapsed.h"
+#include "connection/in_use.h"
 #include "connection/shared_memory.h"
 #include "connection/slots.h"
 #include "zk/status.h"
@@ -38,11 +38,11 @@ void publish(const RobotStatus& status) {
 }
 
 void copy_state(RobotStatus* status) {
-    uint32_t before;
-    do {
-        before = publication.load(std::memory_order_acquire);
+    for (Pause pause;; pause.next()) {
+        const uint32_t before = publication.load(std::memory_order_acquire);
         read_words(status, &robotstatus, sizeof *status);
-    } while (before % 2 != 0 || publication.fetch_add(0, std::memory_order_acq_rel) != before);
+        if (before % 2 == 0 && publication.fetch_add(0, std::memory_order_acq_rel) == before) return;
+    }
 }
 
 void note_sender(const in_addr& address) {
@@ -51,7 +51,7 @@ void note_sender(const in_addr& address) {
     if (std::strcmp(text, sender_text) != 0) std::memcpy(sender_text, text, sizeof text);
 }
 
-// Bytes of a datagram, or -1 when there is none or the listener has gone.
+// Returns the bytes of a datagram, or -1 when there is none or the listener is closed.
 ssize_t receive(int32_t descriptor, char (&text)[kLongestDatagram + 1], in_addr& sender) {
     sockaddr_in address{};
     socklen_t length = sizeof address;
@@ -81,8 +81,8 @@ void handle(const char* text, const in_addr& sender) {
 }  // namespace
 
 int listen_on(int32_t port) {
-    const int descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    write(listener.socket, static_cast<int32_t>(descriptor), std::memory_order_release);
+    const int32_t descriptor = lift_descriptor(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    write(listener.socket, descriptor, std::memory_order_release);
     if (descriptor == -1) return ZK_NO_STREAM;
     const timeval timeout{2, 0};
     if (setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout) != 0) {

@@ -1,6 +1,6 @@
-// The thread that reads every connection: one visit a slot, in which what has come is joined up to a line feed, cut
-// into messages at CRLF, and dispatched. Nothing is carried over to the next visit, but that the rest of a message that
-// is too long is still to be dropped.
+// The thread that reads every connection, one slot after the other. It joins reads until a line feed, cuts the text
+// into messages at CRLF and dispatches them. Between two turns of a slot it keeps only whether the rest of a message
+// that is too long is still to be dropped.
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -8,10 +8,11 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <string_view>
 
-#include "connection/descriptor_use.h"
 #include "connection/elapsed.h"
+#include "connection/in_use.h"
 #include "connection/slots.h"
 #include "zk/dispatch.h"
 
@@ -20,10 +21,10 @@ namespace {
 
 constexpr int kLongestMessage = 10240;  // exclusive; the terminating zero needs the last place
 constexpr int kChunk = 2048;
-constexpr int kShortestVisit = 7;  // what is shorter cannot be a reply
+constexpr int kShortestText = 7;  // what is shorter cannot be a reply
 constexpr int kFirstCut = 5;
 constexpr int32_t kSilenceMs = 3000;
-constexpr int kMostDroppedReads = 5;  // of one visit: about a message, so that the other arms have their turn
+constexpr int kMostDroppedReads = 5;  // in one turn: about a message, so that the other arms have theirs
 
 enum class Read { kBytes, kNothing, kEnd };
 
@@ -32,35 +33,33 @@ class SlotReader {
     explicit SlotReader(char (&text)[kLongestMessage]) : text_(text) {}
 
     void run(int slot) {
-        slot_ = slot;
-        socket_ = read(SockInfo[slot].socket, std::memory_order_acquire);
-        if (socket_ == 0) return;
+        connection_ = Connection::at(slot);
+        if (connection_.socket() == 0) return;
         length_ = 0;
         if (is_overlong() ? !drop_up_to_line_feed() : receive() != Read::kBytes) return;
         if (joined()) dispatch();
     }
 
  private:
-    // A message of this connection that is too long, and whose line feed has not come yet.
+    // A message that is too long, and whose line feed has not come yet.
     struct Overlong {
-        bool dropping = false;
-        unsigned connection = 0;  // of the slot
-        int32_t last_byte = 0;
+        Connection connection;
+        int32_t last_byte;
     };
-    unsigned connection() const { return connections_had[slot_].load(std::memory_order_relaxed); }
-    bool is_overlong() const { return overlong_[slot_].dropping && overlong_[slot_].connection == connection(); }
+    std::optional<Overlong>& overlong() { return overlong_[static_cast<size_t>(connection_.slot())]; }
+    bool is_overlong() { return overlong() && !overlong()->connection.has_changed(); }
 
-    // Appends up to a chunk to the text. A zero byte ends what counts of a read.
+    // Appends up to a chunk to the text. A zero byte ends a read.
     Read receive() {
         if (length_ + kChunk >= kLongestMessage && !make_room()) return Read::kEnd;
-        receive_use.enter(socket_);
-        if (read(SockInfo[slot_].socket, std::memory_order_seq_cst) != socket_) {  // closed since
+        receive_use.enter(connection_.socket());
+        if (connection_.has_changed()) {
             receive_use.leave();
             length_ = 0;
             return Read::kEnd;
         }
         const int room = std::min(kChunk, kLongestMessage - 1 - length_);
-        const ssize_t got = recv(socket_, text_ + length_, static_cast<size_t>(room), MSG_DONTWAIT);
+        const ssize_t got = recv(connection_.socket(), text_ + length_, static_cast<size_t>(room), MSG_DONTWAIT);
         const int error = errno;
         receive_use.leave();
         if (got == 0) return Read::kEnd;
@@ -70,9 +69,8 @@ class SlotReader {
         return Read::kBytes;
     }
 
-    // Joins reads until the text ends in a line feed (or nothing is left of it), or the peer has closed. A peer that
-    // stays silent in the middle of a message loses what it sent, so that one dead cable does not silence every other
-    // arm.
+    // Joins reads until the text ends in a line feed or is empty, or until either end has closed. The text of a peer
+    // that stays silent in the middle of a message is dropped, since the other arms are not read meanwhile.
     bool joined() {
         int32_t last_byte = Get_Program_Runtime();
         while (length_ > 0 && text_[length_ - 1] != '\n') {
@@ -82,7 +80,7 @@ class SlotReader {
                 last_byte = Get_Program_Runtime();
             } else if (elapsed_since(last_byte) >= kSilenceMs) {
                 std::fprintf(stderr, "ZK_Base: socket %d fell silent in the middle of a message; %d bytes dropped\n",
-                             socket_, length_);
+                             connection_.socket(), length_);
                 return false;
             } else {
                 sleep_cp(1);
@@ -91,8 +89,8 @@ class SlotReader {
         return true;
     }
 
-    // Called with the text nearly full: whole messages are handed on, and what remains moves to the front. A message
-    // that fills the buffer alone ends the visit; its rest is dropped in the next ones.
+    // Dispatches the whole messages of a text that nearly fills the buffer, and moves the rest to the front. A message
+    // that fills the buffer alone is dropped, its rest in the next turns.
     bool make_room() {
         const std::string_view text(text_, static_cast<size_t>(length_));
         const size_t line_end = text.rfind("\r\n");
@@ -104,29 +102,28 @@ class SlotReader {
             std::memmove(text_, text_ + whole, static_cast<size_t>(rest));
             length_ = rest;
         } else if (length_ >= kLongestMessage - 1) {
-            std::fprintf(stderr, "ZK_Base: socket %d sent a message of %d bytes or more; it is dropped\n", socket_,
-                         kLongestMessage);
-            overlong_[slot_] = {true, connection(), Get_Program_Runtime()};
+            std::fprintf(stderr, "ZK_Base: socket %d sent a message of %d bytes or more; it is dropped\n",
+                         connection_.socket(), kLongestMessage);
+            overlong() = {connection_, Get_Program_Runtime()};
             length_ = 0;
             return false;
         }
         return true;
     }
 
-    // What comes behind the line feed stays in the text. False while that has not come. After a silence, what comes is
-    // a new message.
+    // Leaves what follows the line feed in the text; false while the line feed has not come. After a silence the next
+    // bytes are a new message.
     bool drop_up_to_line_feed() {
-        Overlong& overlong = overlong_[slot_];
         for (int reads = 0; reads < kMostDroppedReads; ++reads) {
             length_ = 0;
             if (receive() != Read::kBytes) {
-                if (elapsed_since(overlong.last_byte) >= kSilenceMs) overlong = {};
+                if (elapsed_since(overlong()->last_byte) >= kSilenceMs) overlong().reset();
                 return false;
             }
-            overlong.last_byte = Get_Program_Runtime();
+            overlong()->last_byte = Get_Program_Runtime();
             const char* line_feed = static_cast<const char*>(std::memchr(text_, '\n', static_cast<size_t>(length_)));
             if (!line_feed) continue;
-            overlong = {};
+            overlong().reset();
             length_ -= static_cast<int>(line_feed + 1 - text_);
             std::memmove(text_, line_feed + 1, static_cast<size_t>(length_) + 1);
             return true;
@@ -134,25 +131,30 @@ class SlotReader {
         return false;
     }
 
-    // A message ends at CRLF; the last two bytes of a visit end one whatever they are.
+    // A message ends at CRLF; the last two bytes of a text end one whatever they are.
     void dispatch() {
-        if (length_ < kShortestVisit) return;
+        if (length_ < kShortestText) return;
         acquire_reply();
         char* start = text_;
         for (int at = kFirstCut; at != length_ - 1; ++at) {
             const bool line_end = text_[at] == '\r' && text_[at + 1] == '\n';
             if (!line_end && at != length_ - 2) continue;
             text_[at] = text_[at + 1] = '\0';
-            handle_Recv_Json(slot_, start);
+            dispatch(start);
             start = text_ + at + 2;
         }
     }
 
+    void dispatch(char* message) {
+        dispatch_use.enter(connection_.slot());
+        if (!connection_.has_changed()) handle_Recv_Json(connection_.slot(), message);
+        dispatch_use.leave();
+    }
+
     char (&text_)[kLongestMessage];
-    std::array<Overlong, ZK_SLOTS> overlong_{};
+    std::array<std::optional<Overlong>, ZK_SLOTS> overlong_;
     int length_ = 0;
-    int slot_ = 0;
-    ArmSocket socket_ = 0;
+    Connection connection_ = Connection::at(0);
 };
 
 }  // namespace

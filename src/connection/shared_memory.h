@@ -1,13 +1,16 @@
-// Memory that the library's threads and the application's share without a lock. The records keep the plain layout of
-// the interface; what orders them is here: words are read and written atomically, a counter's rise publishes what was
-// written before it, and a request's way into the queue publishes to its reply's parser what the caller wrote before
-// asking.
+// Memory that the threads of the library and of the application share without a lock. The records keep the plain layout
+// of the interface. Words are read and written atomically. Raising a counter publishes what was written before.
+// Queueing a request publishes what its caller wrote before to the parser of its reply.
 #pragma once
 
+#include <sched.h>
+
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <thread>
 
 namespace zk {
 
@@ -21,7 +24,7 @@ void write(T& word, T value, std::memory_order order = std::memory_order_relaxed
     std::atomic_ref<T>(word).store(value, order);
 }
 
-// A record is taken word by word: a reader may see a mixture of two publications, never half a word.
+// A record is copied word by word: a reader may see words of two publications, never half a word.
 using Word [[gnu::may_alias]] = std::uint32_t;
 
 inline void read_words(void* to, const void* from, std::size_t bytes) {
@@ -40,7 +43,24 @@ inline void write_words(void* to, const void* from, std::size_t bytes) {
     }
 }
 
-// The order of the wire: nothing that a parser does with a reply comes before what the caller did ahead of its request.
+// Between the tries of a thread that waits for another one to leave a short section. It yields at first; then it
+// sleeps, since a yield does not let a thread of lower real-time priority run.
+class Pause {
+ public:
+    void next() {
+        if (++tries_ < kYields) {
+            sched_yield();
+        } else {
+            std::this_thread::sleep_for(std::chrono::microseconds(100));
+        }
+    }
+
+ private:
+    static constexpr int kYields = 100;
+    int tries_ = 0;
+};
+
+// Orders what a caller does before its request before what the parser does with the reply.
 inline std::atomic<unsigned> requests_sent{0};
 inline void release_request() { requests_sent.fetch_add(1, std::memory_order_release); }
 inline void acquire_reply() { (void)requests_sent.load(std::memory_order_acquire); }

@@ -1,14 +1,15 @@
 // The table of connections.
 #include "connection/slots.h"
 
-#include <sched.h>
+#include <fcntl.h>
 #include <unistd.h>
 
-#include <cstring>
+#include <algorithm>
+#include <mutex>
 
-#include "connection/descriptor_use.h"
-#include "connection/realtime.h"
+#include "connection/in_use.h"
 #include "connection/transmit.h"
+#include "zk/status.h"
 
 SocketSlot SockInfo[ZK_SLOTS];
 int32_t m_nSockInfoLen = 0;
@@ -16,18 +17,48 @@ int32_t m_nSockInfoLen = 0;
 namespace zk {
 namespace {
 
+constexpr int kLowestNumber = ZK_LARGEST_STATUS + 1;
+constexpr int kHighestNumber = 1023;
+
+std::mutex table_lock;  // held by those who take and free slots; readers do without it
+std::atomic<unsigned> generations[ZK_SLOTS];
+
 bool has_seven_joints(int32_t arm_mode) { return arm_mode == 75 || arm_mode == 72; }
 
-void clear(SocketSlot& slot) {
-    write(slot.socket, 0, std::memory_order_seq_cst);
+// Whoever finds the socket gone finds a slot that is zero throughout.
+void free_slot(SocketSlot& slot) {
     write(slot.joint_count, 0);
     write(slot.arm_mode, 0);
+    write(slot.socket, 0, std::memory_order_seq_cst);
 }
 
 }  // namespace
 
-void DescriptorUse::wait_until_left(int descriptor) const {
-    while (in_use_.load(std::memory_order_seq_cst) == descriptor) sched_yield();
+Connection Connection::at(int slot) {
+    const ArmSocket socket = read(SockInfo[slot].socket, std::memory_order_acquire);
+    return {socket, slot, generations[slot].load(std::memory_order_relaxed)};
+}
+
+Connection::Connection(ArmSocket socket) : socket_(socket), slot_(slot_of(socket)), generation_(0) {
+    if (slot_ >= 0) generation_ = at(slot_).generation_;
+}
+
+bool Connection::has_changed() const {
+    if (slot_ < 0) return slot_of(socket_) >= 0;
+    return read(SockInfo[slot_].socket, std::memory_order_seq_cst) != socket_ ||
+           generations[slot_].load(std::memory_order_relaxed) != generation_;
+}
+
+int lift_descriptor(int descriptor) {
+    static std::mutex lock;
+    static int next = kLowestNumber;
+    if (descriptor < 0) return -1;
+    const std::lock_guard guard(lock);
+    int lifted = next > kHighestNumber ? -1 : fcntl(descriptor, F_DUPFD_CLOEXEC, next);
+    if (lifted < 0) lifted = fcntl(descriptor, F_DUPFD_CLOEXEC, kLowestNumber);
+    if (lifted >= 0) next = lifted + 1;
+    close(descriptor);
+    return lifted;
 }
 
 int slot_of(ArmSocket socket) { return socket < 1 ? -1 : Get_Socket_Idx(socket); }
@@ -38,6 +69,14 @@ int joint_count(ArmSocket socket) { return joint_count_of_slot(slot_of(socket));
 int request_joint_count(ArmSocket socket) {
     const int slot = slot_of(socket);
     return slot >= 0 && has_seven_joints(read(SockInfo[slot].arm_mode)) ? 7 : 6;
+}
+
+void forget_connections(ArmSocket socket) {
+    const std::lock_guard guard(table_lock);
+    const int slot = Get_Socket_Idx(socket);
+    if (slot < 0) return;
+    std::for_each(SockInfo + slot, SockInfo + ZK_SLOTS, free_slot);
+    std::atomic_ref(m_nSockInfoLen).fetch_sub(1);
 }
 
 void close_unused(int descriptor) {
@@ -52,12 +91,13 @@ void close_unused(int descriptor) {
 using namespace zk;
 
 ZK_API int Init_Socket_Joint(int32_t arm_mode, int32_t socket) {
+    const std::lock_guard guard(table_lock);
     const int slot = Get_Socket_Idx(0);
     if (slot < 0) return -1;
     SocketSlot& free = SockInfo[slot];
     write(free.arm_mode, arm_mode);
     write(free.joint_count, has_seven_joints(arm_mode) ? 7 : 6);
-    connections_had[slot].fetch_add(1, std::memory_order_relaxed);
+    generations[slot].fetch_add(1, std::memory_order_relaxed);
     write(free.socket, socket, std::memory_order_release);  // from here on the receive thread reads it
     std::atomic_ref(m_nSockInfoLen).fetch_add(1);
     return 0;
@@ -68,15 +108,4 @@ ZK_API int Get_Socket_Idx(int32_t socket) {
         if (read(SockInfo[slot].socket, std::memory_order_acquire) == socket) return slot;
     }
     return -1;
-}
-
-ZK_API void Arm_Socket_Close(ArmSocket socket) {
-    if (socket < 1) return;
-    const int slot = Get_Socket_Idx(socket);
-    for (int i = slot; i >= 0 && i < ZK_SLOTS; ++i) clear(SockInfo[i]);
-
-    stop_listening();
-    forget_frames(socket);
-    close_unused(socket);
-    if (slot >= 0) std::atomic_ref(m_nSockInfoLen).fetch_sub(1);
 }

@@ -6,11 +6,36 @@
 
 namespace zk {
 
-// How many connections each slot has had: a later one may have the number of an earlier one.
-inline std::atomic<unsigned> connections_had[ZK_SLOTS];
-
 // Slot of an open connection, or -1. A socket below 1 is none, though a free slot looks like the socket 0.
 int slot_of(ArmSocket socket);
+
+// The connection that a request goes out on. A later connection may get the same number and the same slot, so a call
+// notes its connection before it sends its request, and checks at every poll that the connection is still the same.
+class Connection {
+ public:
+    explicit Connection(ArmSocket socket);
+    static Connection at(int slot);
+
+    ArmSocket socket() const { return socket_; }
+    int slot() const { return slot_; }  // -1 when the socket was in no slot
+    bool is_open() const { return slot_ >= 0 && !has_changed(); }
+    bool has_changed()
+        const;  // whether the socket is in another slot now, or in none, or stands for a later connection
+
+ private:
+    Connection(ArmSocket socket, int slot, unsigned generation)
+        : socket_(socket), slot_(slot), generation_(generation) {}
+
+    ArmSocket socket_;
+    int slot_;
+    unsigned generation_;
+};
+
+// Moves a descriptor to a number above all statuses, so that a call can return either. The number is the lowest free
+// one above the number that was assigned last; above 1023 the search starts again at the bottom. A number thus comes
+// back late, and a call on a closed connection does not reach the next one. Returns -1 on failure, the given descriptor
+// closed.
+int lift_descriptor(int descriptor);
 
 // Joints of a slot, and of a socket; a socket that is in no slot counts as a six-joint arm.
 int joint_count_of_slot(int slot);
@@ -20,6 +45,9 @@ int joint_count(ArmSocket socket);
 int request_joint_count(ArmSocket socket);
 
 inline bool sending_file() { return read(IsSendFile) == 1; }
+
+// Removes the connection from the table, and those in all later slots with it.
+void forget_connections(ArmSocket socket);
 
 // Closes a descriptor when no thread of the library is inside a call on it.
 void close_unused(int descriptor);

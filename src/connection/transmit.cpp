@@ -1,10 +1,11 @@
-// The entrance of the transmit queue and the thread behind it.
-#include <sched.h>
+// The entrance of the transmit queue, and the thread that empties it.
 #include <sys/socket.h>
 
 #include <atomic>
 #include <cstdio>
 #include <cstring>
+#include <string>
+#include <string_view>
 
 #include "connection/die.h"
 #include "connection/slots.h"
@@ -20,12 +21,21 @@ constexpr size_t kLongestFrame = sizeof(TxFrame) - offsetof(TxFrame, data);
 
 char* bytes_of(TxFrame& frame) { return reinterpret_cast<char*>(&frame) + offsetof(TxFrame, data); }
 
+// The value of "command" in a request, which stands in it first; empty when the text is no request.
+std::string command_of(const char* text, size_t bytes) {
+    const std::string_view request(text, bytes), key = "\"command\"";
+    const size_t colon = request.find(key);
+    const size_t start = colon == request.npos ? colon : request.find('"', colon + key.size());
+    if (start == request.npos) return {};
+    return std::string(request.substr(start + 1, request.find('"', start + 1) - start - 1));
+}
+
 void write_frame(TxFrame& frame) {
     send(frame.socket, bytes_of(frame), static_cast<size_t>(frame.length < 0 ? 0 : frame.length),
          MSG_DONTWAIT | MSG_NOSIGNAL);
 }
 
-// From before the look at the hold and at the queue to the end of the frame that was found there.
+// True while WriteThread checks IsSendFile, takes a frame and writes it.
 std::atomic<bool> transmitting{false};
 
 void write_next_frame() {
@@ -38,7 +48,7 @@ void write_next_frame() {
 }  // namespace
 
 void zk::wait_for_frame() {
-    while (transmitting.load(std::memory_order_seq_cst)) sched_yield();
+    for (Pause pause; transmitting.load(std::memory_order_seq_cst);) pause.next();
 }
 
 LineHold::LineHold() : held_(std::atomic_ref(IsSendFile).exchange(1, std::memory_order_seq_cst) != 1) {
@@ -63,7 +73,10 @@ void zk::forget_frames(ArmSocket socket) {
 
 ZK_API void Add_Queue(int32_t socket, const char* text, int32_t length) {
     const size_t bytes = length < 0 ? 0 : static_cast<size_t>(length);
-    if (bytes > kLongestFrame) die("a frame of %d bytes exceeds the %zu that the queue holds", length, kLongestFrame);
+    if (bytes > kLongestFrame) {
+        die("the request \"%s\" takes %d bytes, the queue holds %zu", command_of(text, bytes).c_str(), length,
+            kLongestFrame);
+    }
 
     TxFrame frame{};
     if (bytes > 0) std::memcpy(bytes_of(frame), text, bytes);
@@ -73,7 +86,8 @@ ZK_API void Add_Queue(int32_t socket, const char* text, int32_t length) {
     ZK_Mutex_Lock();
     if (!Socket_Tx_Buffer.base) {
         ZK_Mutex_UnLock();
-        die("a command needs the library initialised: call ZK_API_Init first, and again after ZK_API_UnInit");
+        die("the request \"%s\" needs ZK_API_Init first, and again after ZK_API_UnInit",
+            command_of(text, bytes).c_str());
     }
     release_request();
     if (!ZK_Enqueu(&Socket_Tx_Buffer, &frame)) {

@@ -240,14 +240,6 @@ TEST_F(Mounting, FollowsTheAnswer) {
     EXPECT_EQ(model(), "90 0 45");
 }
 
-TEST_F(Mounting, HasToBeReadBackAsItWas) {
-    controller_.answer("get_install_pose", R"({"state":"install_pose","pose":[90,0,45]})");
-    EXPECT_EQ(Get_Install_Pose(arm_, &x_, &y_, &z_), 0);
-    controller_.answer("get_install_pose", R"({"state":"install_pose","pose":[62,0,45]})");
-    EXPECT_EQ(Get_Install_Pose(arm_, &x_, &y_, &z_), -1) << "no float of radians is 62 degrees";
-    EXPECT_EQ(x_, 62);
-}
-
 // A failure is told where the outputs happen to be what the model holds, and is -1 elsewhere.
 TEST_F(Mounting, AFailedQueryIsMostlyADifference) {
     controller_.answer("get_install_pose", R"({"state":"install_pose","angles":[0,0,0]})");

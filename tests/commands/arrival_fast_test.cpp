@@ -157,14 +157,6 @@ TEST_F(Arrival, AStopFromASecondThreadEndsTheMove) {
     EXPECT_EQ(status.get(), 1);
 }
 
-TEST_F(Arrival, AClosedConnectionEndsTheMove) {
-    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
-    std::future<int> status = start_move();
-    wait_for_poll();
-    Arm_Socket_Close(arm_);
-    EXPECT_EQ(status.get(), 5);
-}
-
 struct MoveType {
     const char* name;
     int (*move)(ArmSocket arm);

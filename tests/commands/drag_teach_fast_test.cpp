@@ -70,16 +70,6 @@ TEST_F(Waits, AReplayThatNeverStartsEndsIn7) {
     EXPECT_GT(time_to_give_up(200, [this] { return Run_Drag_Trajectory(arm_, true); }), 5000 + 29999);
 }
 
-TEST_F(Waits, AClosedConnectionEndsTheReplay) {
-    controller_.answer("get_arm_current_trajectory", trajectory("re_trajectory"));
-    std::future<int> status = start_replay();
-    wait_for_looks(1);
-    Arm_Socket_Close(arm_);
-    EXPECT_EQ(status.get(), 5);
-    EXPECT_EQ(Run_Drag_Trajectory(arm_, true), 5);
-    EXPECT_EQ(Drag_Trajectory_Origin(arm_, true), 5);
-}
-
 TEST_F(Waits, TheWayToTheOriginEndsWithItsReport) {
     for (const auto& [message, status] :
          {std::pair(report(0, true), 0), std::pair(report(0, false), 1), std::pair(report(2, true), 12)}) {

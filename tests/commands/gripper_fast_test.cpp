@@ -67,13 +67,6 @@ TEST_F(DeviceWaits, AGripperIsWaitedForAsLongAsItsTimeoutSays) {
     EXPECT_EQ(pick(-1), 7);
     set_shared(m_nOutTime_max, 5000);
     EXPECT_GE(time_to_give_up(20, [this] { return Set_Gripper_Pick(arm_, 500, 200, false, 1); }), 5000);
-    Arm_Socket_Close(arm_);
-    GripperState state;
-    for (const int status : {pick(60), Set_Gripper_Pick(arm_, 1, 1, false, 1), Set_Hand_Posture(arm_, 1, true),
-                             Set_Hand_Follow_Angle(arm_, kFingers, true), Get_Gripper_State(arm_, &state)}) {
-        EXPECT_EQ(status, 5);
-    }
-    EXPECT_EQ(Set_Gripper_Pick(arm_, 1, 1, false, 0), 0);
 }
 
 TEST_F(DeviceWaits, AHandEndsByItsOwnReportAlone) {

@@ -305,6 +305,9 @@ TEST_F(SoftLimits, EndWithTheReportOfTheMotion) {
     EXPECT_EQ(shared(Auto_Fix_Joint_Over_Soft_Limit_Cmd[0].count), 1) << "the acknowledgement is not taken";
     controller_.answer("auto_fix_joint_over_soft_limit", kFailed);
     EXPECT_EQ(Auto_Fix_Joint_Over_Soft_Limit(arm_, true), 1) << "and serves the next call";
+    controller_.answer("auto_fix_joint_over_soft_limit",
+                       R"({"command":"auto_fix_joint_over_soft_limit","set_state":false})");
+    EXPECT_EQ(Auto_Fix_Joint_Over_Soft_Limit(arm_, true), 1) << "but a later refusal counts";
 }
 
 TEST_F(SoftLimits, WaitForTheReportWithoutALimit) {

@@ -102,13 +102,4 @@ TEST_F(Stillness, AnAnswerThatIsThereServes) {
     EXPECT_EQ(shared(Arm_Current_State_Cmd[0].count), 1);
 }
 
-TEST_F(Stillness, AClosedConnectionEndsTheWait) {
-    set_time_factor(0);
-    const ArmSocket arm = connect_arm(controller_);
-    std::future<int> status = std::async(std::launch::async, [&] { return Pos_Step_Cmd_Block(arm, 0, 20, 0.1f); });
-    controller_.wait_for_request("set_pos_step");
-    Arm_Socket_Close(arm);
-    EXPECT_EQ(status.get(), 5);
-}
-
 }  // namespace

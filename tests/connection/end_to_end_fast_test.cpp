@@ -27,7 +27,6 @@ class LiveArm {
           simulator_(with_model(model, std::move(more))) {
         set_time_factor(0);  // the arm may take its time
         ZK_API_Init(joints_ == 7 ? 75 : 65, nullptr);
-        set_shared(listener.socket, -1);
         socket_ = Arm_Socket_Start("127.0.0.1", simulator_.port(), 1000);
         EXPECT_GT(socket_, ZK_LARGEST_STATUS) << model;
     }
@@ -130,7 +129,6 @@ TEST(EndToEnd, AConnectionCanBeMadeAgainAndAgain) {
     SimulatorProcess simulator({"--quiet"});
     set_time_factor(0);
     ZK_API_Init(65, nullptr);
-    set_shared(listener.socket, -1);
     for (int i = 0; i < 5; ++i) {
         const ArmSocket arm = Arm_Socket_Start("127.0.0.1", simulator.port(), 1000);
         ASSERT_GT(arm, ZK_LARGEST_STATUS) << i;

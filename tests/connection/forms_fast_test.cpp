@@ -106,13 +106,6 @@ TEST_P(Setters, AnUnknownSocketGives5AndNothingIsQueued) {
     EXPECT_EQ(GetParam().nonblock(arm_ + 1), 0) << "forms that only send do not look";
 }
 
-TEST_P(Setters, AConnectionThatClosesEndsTheWaitIn5) {
-    std::future<int> status = std::async(std::launch::async, [&] { return GetParam().block(arm_); });
-    controller_.wait_for_request(GetParam().command);
-    Arm_Socket_Close(arm_);
-    EXPECT_EQ(status.get(), 5);
-}
-
 TEST_F(Forms, AnOldAcknowledgementIsNotTaken) {
     say_and_wait(R"({"command":"set_arm_stop","arm_stop":false})");
     controller_.answer("set_arm_stop", R"({"command":"set_arm_stop","arm_stop":true})");

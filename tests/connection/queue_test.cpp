@@ -219,7 +219,7 @@ TEST_F(Transmit, AfterUnInitAnotherInitRevivesTheLibrary) {
 
 TEST(TransmitDeathTest, ACommandWithoutTheLibraryEndsTheProcess) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
-    EXPECT_DEATH(Move_Stop_Cmd_NonBlock(5), "ZK_API_Init");
+    EXPECT_DEATH(Move_Stop_Cmd_NonBlock(5), "\"set_arm_stop\" needs ZK_API_Init");
     EXPECT_DEATH(
         {
             ZK_API_Init(65, nullptr);

@@ -25,7 +25,6 @@ class Realtime : public testing::Test {
     void SetUp() override {
         set_time_factor(0);
         ZK_API_Init(65, nullptr);
-        set_shared(listener.socket, -1);
         answer_start_up(controller_);
         const std::lock_guard lock(mutex_);
         latest_ = {};

@@ -19,7 +19,6 @@ TEST(SilentController, EachQuestionCanTimeOutAndTheConnectionCloses) {
          {"get_arm_software_info", "get_current_tool_frame", "get_current_work_frame", "get_install_pose",
           "get_joint_max_speed", "get_joint_max_acc", "get_joint_min_pos", "get_joint_max_pos"}) {
         SCOPED_TRACE(command);
-        set_shared(listener.socket, -1);
         answer_start_up(controller);
         controller.ignore(command);
         controller.forget_requests();
@@ -40,7 +39,6 @@ TEST(SilentController, EachQuestionCanTimeOutAndTheConnectionCloses) {
 TEST(SilentController, CostsThreeSeconds) {
     ZK_API_Init(65, nullptr);
     ScriptedController controller;
-    set_shared(listener.socket, -1);
     const int32_t start = Get_Program_Runtime();
     set_time_factor(100);
     EXPECT_EQ(Arm_Socket_Start("127.0.0.1", controller.port(), 1000), 7);

@@ -1,7 +1,9 @@
 #include "support/arm.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <stdexcept>
@@ -11,12 +13,27 @@
 
 namespace zk::test {
 
-ArmSocket connect_arm(ScriptedController& controller, int arm_mode) {
+static int connected_socket(ScriptedController& controller) {
     const int descriptor = checked(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket");
     const sockaddr_in address = loopback(controller.port());
     checked(connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), "connect");
+    controller.wait_for_connection_of(descriptor);
+    return descriptor;
+}
+
+void reconnect_arm(ScriptedController& controller, ArmSocket arm) {
+    const int slot = Get_Socket_Idx(arm);
+    const int descriptor = connected_socket(controller);
+    Arm_Socket_Close(arm);
+    checked(dup3(descriptor, arm, O_CLOEXEC), "dup3");
+    close(descriptor);
+    EXPECT_EQ(Init_Socket_Joint(65, arm), 0);
+    EXPECT_EQ(Get_Socket_Idx(arm), slot);
+}
+
+ArmSocket connect_arm(ScriptedController& controller, int arm_mode) {
+    const int descriptor = connected_socket(controller);
     if (Init_Socket_Joint(arm_mode, descriptor) != 0) throw std::runtime_error("no slot is free");
-    controller.wait_for_connections(Get_Socket_Idx(descriptor) + 1);
     return descriptor;
 }
 

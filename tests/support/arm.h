@@ -13,8 +13,11 @@
 
 namespace zk::test {
 
-// Connects to the controller and takes a slot without the start-up's conversation. The library has to be initialised.
+// Connects to the controller and takes a slot, without the requests of the start-up. Call ZK_API_Init first.
 ArmSocket connect_arm(ScriptedController& controller, int arm_mode = 65);
+
+// Closes a connection and opens another under the same number and in the same slot.
+void reconnect_arm(ScriptedController& controller, ArmSocket arm);
 
 // The library's globals are read and written by its threads while a test looks.
 template <class T>

@@ -1,5 +1,6 @@
 #include "support/scaled_time.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <mutex>
@@ -11,14 +12,19 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+constexpr Clock::duration kLongestStop = std::chrono::minutes(1);
+
 struct Scale {
     std::mutex mutex;
     Clock::time_point since = Clock::now();
     Clock::duration passed_before = since.time_since_epoch();
     int factor = 1;
 
-    // Library time; the caller holds the mutex.
-    Clock::duration now() const { return passed_before + (Clock::now() - since) * factor; }
+    // Library time since the factor was set; the caller holds the mutex.
+    Clock::duration passed() const {
+        const Clock::duration real = Clock::now() - since;
+        return factor == 0 ? std::max(real - kLongestStop, Clock::duration::zero()) : real * factor;
+    }
 };
 
 // Never destroyed: the library's threads read the clock until the process ends.
@@ -32,15 +38,14 @@ Scale& scale() {
 void zk::test::set_time_factor(int factor) {
     Scale& time = scale();
     const std::lock_guard lock(time.mutex);
-    const Clock::time_point now = Clock::now();
-    time.passed_before += (now - time.since) * time.factor;
-    time.since = now;
+    time.passed_before += time.passed();
+    time.since = Clock::now();
     time.factor = factor;
 }
 
 ZK_API int32_t Get_Program_Runtime(void) {
     const std::lock_guard lock(scale().mutex);
-    const auto passed = std::chrono::duration_cast<std::chrono::milliseconds>(scale().now());
+    const auto passed = std::chrono::duration_cast<std::chrono::milliseconds>(scale().passed_before + scale().passed());
     return static_cast<int32_t>(passed.count());
 }
 

@@ -8,6 +8,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <fstream>
@@ -102,6 +103,14 @@ void ScriptedController::say_bytes(const Pieces& pieces, int connection) {
     wake();
 }
 
+void ScriptedController::wait_until_read(int connection) {
+    std::unique_lock lock(mutex_);
+    wait_until(lock, "the peer to read", [&] {
+        const Connection* target = find(connection);
+        return target != nullptr && !target->unread && target->to_send.empty();
+    });
+}
+
 void ScriptedController::close(int connection) {
     std::unique_lock lock(mutex_);
     Connection* target = find(connection);
@@ -136,6 +145,17 @@ void ScriptedController::forget_requests() {
 void ScriptedController::wait_for_connections(int count) {
     std::unique_lock lock(mutex_);
     wait_until(lock, "connections", [&] { return static_cast<int>(connections_.size()) >= count; });
+}
+
+void ScriptedController::wait_for_connection_of(int descriptor) {
+    sockaddr_in own{};
+    socklen_t size = sizeof own;
+    checked(getsockname(descriptor, reinterpret_cast<sockaddr*>(&own), &size), "getsockname");
+    std::unique_lock lock(mutex_);
+    wait_until(lock, "a connection", [&] {
+        return std::any_of(connections_.begin(), connections_.end(),
+                           [&](const Connection& c) { return c.peer_port == ntohs(own.sin_port); });
+    });
 }
 
 void ScriptedController::wait_for_close(int connection) {

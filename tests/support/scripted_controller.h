@@ -47,6 +47,9 @@ class ScriptedController {
     void say(const std::string& message, int connection = kLatest) { say_bytes({line(message)}, connection); }
     void say_bytes(const Pieces& pieces, int connection = kLatest);
 
+    // Waits until the peer has read all that was said on a connection.
+    void wait_until_read(int connection = kLatest);
+
     // Closes a connection when the peer has read all that is to be said on it.
     void close(int connection = kLatest);
 
@@ -61,6 +64,7 @@ class ScriptedController {
     // Wait until so many connections have come in, and until the peer has closed one; they fail the test when that does
     // not happen.
     void wait_for_connections(int count);
+    void wait_for_connection_of(int descriptor);  // of this process
     void wait_for_close(int connection = kLatest);
 
     // Everything that came on a connection, every CRLF included, once there are so many bytes of it.

@@ -1,0 +1,29 @@
+// Shows what a thread of the library is using at the moment, so that another can wait until it has left. A descriptor
+// must not be closed during a system call on it, since its number could come back as somebody else's file.
+#pragma once
+
+#include <atomic>
+
+#include "connection/shared_memory.h"
+
+namespace zk {
+
+class InUse {
+ public:
+    void enter(int number) { number_.store(number, std::memory_order_seq_cst); }
+    void leave() { number_.store(kNone, std::memory_order_release); }
+    bool is_using(int number) const { return number_.load(std::memory_order_seq_cst) == number; }
+    // Call it after the number was taken from where the thread finds it.
+    void wait_until_left(int number) const {
+        for (Pause pause; is_using(number);) pause.next();
+    }
+
+ private:
+    static constexpr int kNone = -1;
+    std::atomic<int> number_{kNone};
+};
+
+inline InUse receive_use, realtime_use;  // of a descriptor, in calls that do not block or that the closer wakes
+inline InUse dispatch_use;               // of a slot, while a message of its connection is dispatched
+
+}  // namespace zk

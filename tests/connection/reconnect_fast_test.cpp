@@ -1,0 +1,283 @@
+// A connection that is closed, and another that is opened in its place.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <future>
+#include <set>
+#include <thread>
+
+#include "support/arm.h"
+#include "support/scaled_time.h"
+#include "support/start_up.h"
+#include "support/udp.h"
+#include "zk_base.h"
+
+namespace {
+
+using namespace zk::test;
+
+const char* const kReport = R"({"state":"current_trajectory_state","trajectory_state":true,"device":0})";
+const char* const kSpeeds = R"({"state":"joint_max_speed","joint_speed":[1,2,3,4,5,6]})";
+const char* const kMoving = R"({"state":"arm_current_trajectory","type":"movej","data":[0,0,0,0,0,0]})";
+const char* const kReplaying = R"({"state":"arm_current_trajectory","type":"re_trajectory","data":[0,0,0,0,0,0]})";
+const float kJoints[7] = {};
+const int32_t kFingers[6] = {};
+
+struct Wait {
+    const char* name;
+    int (*call)(ArmSocket);
+    const char* request;                // the one after which the call waits
+    std::vector<std::string> messages;  // that would end the wait
+    int32_t* count;                     // of the last of them
+    const char* trajectory = kMoving;
+};
+
+const Wait kWaits[] = {
+    {"Acknowledgement",
+     Move_Stop_Cmd_Block,
+     "set_arm_stop",
+     {R"({"command":"set_arm_stop","arm_stop":true})"},
+     &Set_Arm_Stop_Cmd[0].count},
+    {"Query",
+     [](ArmSocket s) {
+         float joint[7];
+         return Get_Joint_Speed_Block(s, joint);
+     },
+     "get_joint_max_speed",
+     {kSpeeds},
+     &Joint_Max_Speed_Cmd[0].count},
+    {"Probe", Arm_Socket_State_Block, "get_joint_max_speed", {kSpeeds}, &Joint_Max_Speed_Cmd[0].count},
+    {"Arrival",
+     [](ArmSocket s) { return Movej_Cmd(s, kJoints, 20, 0, 0, true); },
+     "get_arm_current_trajectory",
+     {kReport},
+     &Move_Cmd[0].count},
+    {"Stillness",
+     [](ArmSocket s) { return Pos_Step_Cmd_Block(s, 0, 20, 0.1f); },
+     "set_pos_step",
+     {kReport},
+     &Move_Cmd[0].count},
+    {"Device",
+     [](ArmSocket s) { return Set_Gripper_Pick(s, 500, 200, true, 30); },
+     "set_gripper_pick",
+     {R"({"command":"set_gripper_pick","set_state":false})"},
+     &Set_Gripper_Release_Cmd[0].count},
+    {"Lift",
+     [](ArmSocket s) { return Set_Lift_Height(s, 300, 20, true); },
+     "get_lift_state",
+     {R"({"state":"current_trajectory_state","trajectory_state":true,"device":3})"},
+     &Move_Cmd[0].count},
+    {"Axis",
+     [](ArmSocket s) { return Expand_Set_Pos(s, 20, 300, true); },
+     "expand_set_pos",
+     {kReport},
+     &Move_Cmd[0].count},
+    {"HandStream",
+     [](ArmSocket s) { return Set_Hand_Follow_Angle(s, kFingers, true); },
+     "hand_follow_angle",
+     {R"({"command":"hand_follow_angle","set_state":true})"},
+     &Set_Hand_Follow_Angle_Cmd[0].count},
+    {"Program",
+     [](ArmSocket s) { return Set_Program_ID_Start(s, 3, 20, true); },
+     "get_program_run_state",
+     {R"({"state":"program_run_finish","finish_id":3})"},
+     &Run_Finish_Cmd[0].count},
+    {"Replay",
+     [](ArmSocket s) { return Run_Drag_Trajectory(s, true); },
+     "get_arm_current_trajectory",
+     {R"({"command":"run_drag_trajectory","run_state":true})"},
+     &Run_Drag_Trajectory_Cmd[0].count,
+     kReplaying},
+    {"Teaching",
+     [](ArmSocket s) { return Pos_Teach_Cmd(s, 0, 1, 20, true); },
+     "set_pos_teach",
+     {R"({"command":"set_pos_teach","pos_teach":true})"},
+     &Pos_Teach_Cmd_Cmd[0].count},
+    {"SoftLimits",
+     [](ArmSocket s) { return Auto_Fix_Joint_Over_Soft_Limit(s, true); },
+     "auto_fix_joint_over_soft_limit",
+     {R"({"command":"auto_fix_joint_over_soft_limit","set_state":true})", kReport},
+     &Move_Cmd[0].count},
+    {"Project",
+     [](ArmSocket s) {
+         char line[] = "{\"command\":\"file\"}\r\n";
+         return Send_Project_Block(s, line, sizeof line - 1, nullptr);
+     },
+     "file",
+     {R"({"command":"download_project","project_state":true})"},
+     &Send_Project_Cmd[0].count},
+    {"PendingList",
+     [](ArmSocket s) { return Set_Lift(s, 300, 20, true); },
+     "set_lift",
+     {kSpeeds},
+     &Joint_Max_Speed_Cmd[0].count},
+};
+
+class Waits : public testing::TestWithParam<Wait> {
+ protected:
+    void SetUp() override {
+        set_time_factor(0);
+        ZK_API_Init(65, nullptr);
+        arm_ = connect_arm(controller_);
+        controller_.answer("get_arm_current_trajectory", GetParam().trajectory);
+        controller_.answer("get_lift_state", R"({"state":"lift_state","height":0,"current":0,"err_flag":0,"mode":1})");
+        controller_.answer("get_program_run_state",
+                           R"({"state":"get_program_run_state","run_state":1,"id":3,"plan_num":1,"loop_num":[],)"
+                           R"("loop_cont":[],"plan_speed":1,"step_mode":0})");
+    }
+    std::future<int> start() {
+        std::future<int> status = std::async(std::launch::async, [this] { return GetParam().call(arm_); });
+        controller_.wait_for_request(GetParam().request);
+        return status;
+    }
+
+    ScriptedController controller_;
+    ArmSocket arm_ = 0;
+};
+INSTANTIATE_TEST_SUITE_P(, Waits, testing::ValuesIn(kWaits),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_P(Waits, EndIn5WhenTheConnectionIsClosed) {
+    std::future<int> status = start();
+    Arm_Socket_Close(arm_);
+    EXPECT_EQ(status.get(), 5);
+    EXPECT_EQ(shared(m_nSockeRIinfosLen), 0);
+}
+
+TEST_P(Waits, LeaveTheRepliesOfTheNextConnection) {
+    std::future<int> status = start();
+    reconnect_arm(controller_, arm_);
+    for (const std::string& message : GetParam().messages) controller_.say(message, 1);
+    EXPECT_EQ(status.get(), 5);
+    eventually([] { return shared(*GetParam().count) == 1; });
+}
+
+TEST(Reconnection, NoHalfMessageJoinsTheNextConnection) {
+    ReportLog log;
+    ScriptedController controller;
+    set_time_factor(0);
+    ZK_API_Init(65, ReportLog::callback);
+    const ArmSocket arm = connect_arm(controller);
+    for (const char* half : {"half a message", R"({"state":"joint_state","arm_err":9)"}) {
+        controller.say_bytes({half});
+        controller.wait_until_read();
+        reconnect_arm(controller, arm);
+        controller.say_bytes({report_message(1)});
+        EXPECT_EQ(log.wait_for(1).back().result, 1);
+    }
+    EXPECT_EQ(log.results(2), (std::vector<int>{1, 1}));
+}
+
+// A report's callback closes the connection: the rest of the read is of no connection any more.
+TEST(Reconnection, MessagesThatWereReadBeforeACloseAreDropped) {
+    static ArmSocket arm;
+    static std::atomic<int> reports;
+    static ScriptedController& controller = *new ScriptedController;
+    set_time_factor(0);
+    ZK_API_Init(65, [](ArmMotionReport) {
+        if (++reports == 1) reconnect_arm(controller, arm);
+    });
+    arm = connect_arm(controller);
+    controller.say_bytes(
+        {report_message(1) + line(R"({"command":"set_arm_stop","arm_stop":true})") + report_message(2)});
+    eventually([] { return reports == 1; });
+    controller.wait_for_connections(2);
+    controller.say(R"({"command":"set_arm_pause","arm_pause":true})", 1);
+    eventually([] { return shared(Set_Arm_Pause_Cmd[0].count) == 1; });
+    EXPECT_EQ(shared(Set_Arm_Stop_Cmd[0].count), 0);
+    EXPECT_EQ(reports, 1);
+}
+
+class Starts : public testing::Test {
+ protected:
+    void SetUp() override {
+        ZK_API_Init(65, nullptr);
+        answer_start_up(controller_);
+        set_time_factor(0);
+    }
+    ArmSocket start() { return Arm_Socket_Start("127.0.0.1", controller_.port(), 1000); }
+
+    ScriptedController controller_;
+};
+
+TEST_F(Starts, ANumberComesBackOnlyAfterAllOthers) {
+    std::set<ArmSocket> numbers;
+    ArmSocket last = ZK_LARGEST_STATUS;
+    for (int i = 0; i < 5; ++i) {
+        const ArmSocket arm = start();
+        EXPECT_GT(arm, last);
+        EXPECT_TRUE(fcntl(arm, F_GETFD) & FD_CLOEXEC);
+        Arm_Socket_Close(last = arm);
+    }
+    const int port = ScriptedController().port();  // refuses from now on
+    for (int i = 0; i < 1100; ++i) EXPECT_EQ(Arm_Socket_Start("127.0.0.1", port, 1000), 5);
+    EXPECT_GT(start(), ZK_LARGEST_STATUS) << "the search has started again";
+}
+
+TEST_F(Starts, TheStreamIsHeardAfterARefusedTry) {
+    const int nobody = ScriptedController().port();
+    EXPECT_EQ(Arm_Socket_Start("127.0.0.1", nobody, 1000), 5);  // closes descriptor 0
+    const int port = free_udp_port();
+    controller_.answer("get_realtime_push", realtime_push_on(port));
+    ASSERT_GT(start(), ZK_LARGEST_STATUS);
+    EXPECT_GT(shared(listener.socket), ZK_LARGEST_STATUS);
+    send_datagram(port, "{}");
+    eventually([] { return shared(listener.receiving) == 1; });
+}
+
+TEST_F(Starts, FromTwoThreadsGetSlotsOfTheirOwn) {
+    std::future<ArmSocket> other = std::async(std::launch::async, [this] { return start(); });
+    const ArmSocket first = start(), second = other.get();
+    ASSERT_GT(first, ZK_LARGEST_STATUS);
+    ASSERT_GT(second, ZK_LARGEST_STATUS);
+    EXPECT_EQ(Get_Socket_Idx(first) + Get_Socket_Idx(second), 1);
+}
+
+// Sockets are only numbers to the table.
+TEST(Table, SlotsAreTakenAndFreedFromManyThreads) {
+    constexpr int kThreads = 4;
+    std::atomic<bool> whole = true;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([&, t] {
+            const int32_t socket = 90000 + t;
+            for (int i = 0; i < 20000 && whole; ++i) {
+                if (Init_Socket_Joint(75, socket) != 0) whole = false;
+                // Another thread's close may forget this connection too.
+                const auto good = [&] {
+                    const int slot = Get_Socket_Idx(socket);
+                    return slot < 0 || shared(SockInfo[slot].joint_count) == 7;
+                };
+                for (int tries = 0; whole && !good(); std::this_thread::yield()) {
+                    if (++tries == 10000) whole = false;
+                }
+                Arm_Socket_Close(socket);
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_TRUE(whole);
+    for (const SocketSlot& slot : SockInfo) {
+        EXPECT_EQ(shared(slot.socket), 0);
+        EXPECT_EQ(shared(slot.joint_count), 0);
+        EXPECT_EQ(shared(slot.arm_mode), 0);
+    }
+}
+
+TEST(Closing, WhileAnotherThreadQueuesHarmsNothing) {
+    ScriptedController controller;
+    ZK_API_Init(65, nullptr);
+    const ArmSocket arm = connect_arm(controller);
+    std::atomic<bool> closed = false;
+    std::thread queueing([&] {
+        while (!closed) Move_Stop_Cmd_NonBlock(arm);
+    });
+    EXPECT_NE(controller.next_request(), "");
+    Arm_Socket_Close(arm);
+    closed = true;
+    queueing.join();
+    controller.wait_for_close();
+}
+
+}  // namespace
