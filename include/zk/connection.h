@@ -1,10 +1,10 @@
 /*
  * Lifecycle of the library, the table of connections, the settings, and the list of pending replies.
  *
- * An arm is spoken to through an ArmSocket, the descriptor of its TCP connection; there is no other handle. All state
- * is process-wide. Three threads of the library's own run from the first ZK_API_Init to the end of the process: one
- * writes queued requests (one every 20 ms for all connections together), one reads every connection, one reads the
- * real-time stream. Use one blocking call per connection at a time; the stop commands may come from a second thread.
+ * An ArmSocket, the descriptor of the TCP connection, is the handle of an arm. All state is process-wide. The library
+ * runs three threads from the first ZK_API_Init to the end of the process: one writes queued requests (one every 20 ms
+ * for all connections together), one reads every connection, one reads the real-time stream. dlclose therefore does not
+ * unload the library. Use one blocking call per connection at a time; a second thread may send the stop commands.
  */
 #ifndef ZK_CONNECTION_H
 #define ZK_CONNECTION_H
@@ -49,7 +49,7 @@ typedef struct ArmMotionReport {
     float joint[7];               /* for 1 and 3; as the controller sends it, unscaled */
     float all_direction_force[7]; /* for 3 */
     int32_t force;                /* for 3; the controller's number divided by 10 */
-    uint16_t arm_err;             /* error word; 8 until the report told it */
+    uint16_t arm_err;             /* error word; 8 when the report has none */
 } ArmMotionReport;
 
 ZK_STATIC_ASSERT(sizeof(SocketSlot) == 196 && offsetof(SocketSlot, arm_mode) == 8, "layout of SocketSlot");
@@ -69,7 +69,7 @@ ZK_API int32_t m_nOutTime_max;         /* reply limit of some commands and of th
 ZK_API int32_t m_nmodbusrtu_OutTime;   /* reply limit of Modbus reads and writes, ms: 1000 */
 ZK_API int32_t CUR_ARM_MODE;           /* arm mode given to ZK_API_Init: 65 */
 ZK_API int32_t m_nThreadIsRun;         /* 1 once the library's threads run */
-ZK_API int32_t IsSendFile;             /* 1 while a file transfer holds the line: nearly every call gives 18 */
+ZK_API int32_t IsSendFile;             /* 1 while a file transfer holds the line: nearly every call returns 18 */
 ZK_API int32_t SuspendQueue;           /* raised around some blocking calls; nothing reads it */
 ZK_API MotionReportCallback callback1; /* the callback of ZK_API_Init */
 
@@ -86,9 +86,9 @@ ZK_API pthread_mutex_t m_hMutex; /* guards the entrance of the transmit queue an
 /* ----------------------------------------------------------------------------------------------------- Lifecycle -- */
 
 /*
- * Starts the library: stores the callback (null is allowed: reports are dropped then) and the arm mode, makes a new and
- * empty transmit queue, and starts the threads when they do not run yet. To be called before any other call that speaks
- * to a controller; calling it again resets m_nOutTime and the queue. Call it from one thread at a time.
+ * Starts the library: stores the callback (with null, reports are dropped) and the arm mode, creates an empty transmit
+ * queue, and starts the threads if they do not run yet. Call it before any call that sends to a controller. Another
+ * call resets m_nOutTime and the queue. Call it from one thread at a time.
  *
  * arm_mode: 65, 62, 631, 632, 634 or 651 for six joints, 75 or 72 for seven; any other counts as six.
  * Returns 0.
@@ -106,27 +106,29 @@ ZK_API const char* API_Version(void);
  */
 
 /* Puts a connected socket into the first free slot. Returns 0, or -1 when all 20 slots are taken. Arm_Socket_Start does
- * this; applications need it only for sockets of their own. */
+ * this; applications need it only for sockets of their own. Any thread. */
 ZK_API int Init_Socket_Joint(int32_t arm_mode, int32_t socket);
 
-/* Slot of a socket, 0 to 19, or -1 when it is none of the table's. Any thread. */
+/* Returns the slot of a socket, 0 to 19, or -1 when it is not in the table. Any thread. */
 ZK_API int Get_Socket_Idx(int32_t socket);
 
 /*
- * Closes a connection. Mind that it also closes the one real-time stream of the process, and forgets every connection
- * in a higher slot (their descriptors stay open, but the library no longer reads them): with several arms open, close
- * them all, last opened first. Before a real-time stream was ever set up, the stream's descriptor is still 0, and that
- * descriptor of the process is closed in its place. A socket below 1 does nothing. Any thread, also in a callback.
+ * Closes a connection. Calls that wait on it return 5, also when another connection gets its slot or its number; the
+ * number comes back only after the numbers above it (see Arm_Socket_Start).
+ *
+ * It also closes the one real-time stream of the process, and forgets every connection in a higher slot: their
+ * descriptors stay open, but the library no longer reads them. With several arms open, close them all, last opened
+ * first. Until a real-time stream is set up, the stream's descriptor is 0, and the first call closes descriptor 0 of
+ * the process. A socket below 1 does nothing. Any thread, also in a callback.
  */
 ZK_API void Arm_Socket_Close(ArmSocket socket);
 
 /*
- * Asks a controller whether it is there.
+ * Checks that a controller replies.
  *
- * Arm_Socket_State returns 0 when it answered; 18 during a file transfer, 5 for a socket below 1 or when no answer came
- * within 500 ms, 2 before ZK_API_Init, 6 when the request could not be written, or a status of the reply. An answer to
- * Get_Joint_Speed that came too late counts as one.
- * Arm_Socket_State_nBlock only writes the request: 0, or 6.
+ * Arm_Socket_State returns 0 or another status of the reply; 18 during a file transfer; 5 for a socket below 1, or
+ * without a reply within 500 ms; 2 before ZK_API_Init; 6 when the request could not be written. A late reply to
+ * Get_Joint_Speed counts. Arm_Socket_State_nBlock only writes the request and returns 0 or 6.
  */
 ZK_API int Arm_Socket_State(ArmSocket socket);
 ZK_API int Arm_Socket_State_Block(ArmSocket socket);

@@ -10,11 +10,11 @@
 
 #include "zk/export.h"
 
-/* Key code of a message: that of the first literal, in the table's order and not the text's, that stands anywhere in
- * it; 0 for a message with none. Any thread. */
+/* Returns the key code of a message: that of the first literal in the table's order that the message contains; 0
+ * without any. Any thread. */
 ZK_API int Get_Json_KeyCode(const char* message);
 
-/* Runs the route of a message that came on a slot's connection. Returns 0. Receive thread. */
+/* Runs the route of a message from the connection of a slot. Returns 0. Receive thread. */
 ZK_API int handle_Recv_Json(int32_t slot, char* message);
 
 /* The receive thread's function. Started by ZK_API_Init; not to be called. */

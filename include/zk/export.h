@@ -1,6 +1,6 @@
 /*
- * What marks a name of the interface. ZK_API stands before every declaration, and again before every definition of a
- * function, so that a definition that strays from its header does not compile.
+ * ZK_API marks the names of the interface. It stands before every declaration and before every definition of a
+ * function, so that a definition that differs from its header does not compile.
  */
 #ifndef ZK_EXPORT_H
 #define ZK_EXPORT_H

@@ -45,9 +45,10 @@ typedef void (*ZK_TransferProgress)(int64_t sent, int64_t total, void* user);
  * the controller rejects, or 0.
  *
  * Returns 0; 16 when the controller refuses the project or a line of it; 18 when a transfer is running; 15 for a length
- * above 300, 17 for a file that cannot be read or is larger than 2 GiB; 6 when the connection is broken, 7 when no
- * reply comes within m_nOutTime, or within m_nOutTime + 10 s after the last byte, or when the controller stops reading
- * for as long. A project name that makes the request longer than 299 bytes ends the process.
+ * above 300, 17 for a file that cannot be read or is larger than 2 GiB; 6 when the request could not be written; 7 when
+ * no reply comes within m_nOutTime, or within m_nOutTime + 10 s after the last byte, or when the controller stops
+ * reading for as long, or within 1 s after it closes the connection. A project name that makes the request longer than
+ * 299 bytes ends the process.
  *
  * With a non-zero project_type the file is copied to <directory>//<name><time>.txt with two header lines in front. The
  * copy is sent and remains. Then a path without '/' returns -4, and a file that cannot be read ends the process with
@@ -89,8 +90,8 @@ ZK_API int countLinesInFile(const char* path);
  *
  * Returns 0; 15 for a length above 300; 16 for a path without '/' or '\', or when the controller refuses; 17 for a file
  * that cannot be opened, is empty or larger than 2 GiB; 7 when no reply comes within m_nOutTime, or within m_nOutTime +
- * 10 s after the last byte, or when the controller stops reading for as long; 19 for a null path. A name that makes the
- * request longer than 299 bytes ends the process.
+ * 10 s after the last byte, or when the controller stops reading for as long, or within 1 s after it closes the
+ * connection; 19 for a null path. A name that makes the request longer than 299 bytes ends the process.
  *
  * ZK_UpdataSoftWare_With_Progress does the same and reports its progress, unless the callback is null.
  */

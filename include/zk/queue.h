@@ -37,9 +37,9 @@ ZK_API TxQueue Socket_Tx_Buffer_NonBlock; /* unused */
 ZK_API pthread_mutex_t Queue_hMutex;      /* held by each primitive below for itself */
 ZK_API int32_t QueuelockInit;             /* 1 once Queue_hMutex is initialised */
 
-/* The ring's primitives; each locks for itself and may be called from any thread. Create gives 1, or 0 without memory;
- * Full and Empty give 1 for yes; Enqueu and Dequeue give 1, or 0 when the ring is full or empty. A ring of capacity n
- * holds n - 1 frames. Deleate frees the storage; Create does not free what the record held before. */
+/* The ring's primitives; each locks for itself and may be called from any thread. Create returns 1, or 0 without
+ * memory; Full and Empty return 1 for yes; Enqueu and Dequeue return 1, or 0 when the ring is full or empty. A ring of
+ * capacity n holds n - 1 frames. Deleate frees the storage; Create does not free what the record held before. */
 ZK_API int ZK_Queue_Create(TxQueue* queue, int32_t capacity);
 ZK_API int ZK_Queue_Full(TxQueue* queue);
 ZK_API int ZK_Queue_Empty(TxQueue* queue);

@@ -1,7 +1,7 @@
 /*
  * The real-time stream. A controller sends its state as UDP datagrams at a configured cycle; Arm_Socket_Start prepares
  * the one listener of the process when the controller has the stream enabled. Take the state by a callback, or poll it.
- * The datagrams of several arms share the listener: arm_ip tells them apart.
+ * Several arms share the listener: arm_ip is the sender's address.
  */
 #ifndef ZK_REALTIME_H
 #define ZK_REALTIME_H
@@ -15,7 +15,7 @@
 
 /* ------------------------------------------------------------------------------------------------------- Records -- */
 
-/* State of the arm, as one datagram or several told it: what a datagram does not carry keeps its last value. */
+/* State of the arm. A field that a datagram does not carry keeps its last value. */
 typedef struct RobotStatus {
     int32_t errCode;          /* status of the last datagram: 0, 9, 10 or 11 */
     char* arm_ip;             /* sender's address as text; the buffer is the library's, valid until the next datagram */
@@ -112,15 +112,16 @@ ZK_API RealtimeListener listener;
 /* -------------------------------------------------------------------------------------------- Taking the state -- */
 
 /*
- * Registers the callback that gets every datagram's state, or none with null. Arm_Socket_Start clears the registration,
- * so call it after each. The callback also runs for datagrams that do not parse: errCode tells. Any thread.
+ * Registers the callback that receives the state of every datagram; null removes it. Arm_Socket_Start clears the
+ * registration, so call it after each. The callback also runs for datagrams that do not parse: see errCode. Any thread.
  */
 ZK_API void Realtime_Arm_Joint_State(RealtimeCallback callback);
 
 /*
- * Copies the last state: 0; or 25 when no datagram has come in time within m_nOutTime_max (1000 ms); one that comes
- * more than cycle * 100 + 199 ms after the one before counts as none. The copy is of one datagram whole. After the
- * stream stops, the last state is given again and again: look at a field that moves. Any thread.
+ * Copies the last state, whole. Returns 0; 25 when no datagram comes in time within m_nOutTime_max (1000 ms). A
+ * datagram more than cycle * 100 + 199 ms after the one before is late and does not count. After the stream stops, the
+ * call returns 25 if the last datagram was late; otherwise it returns 0 and the same state again and again, so compare
+ * a field that changes. Any thread.
  */
 ZK_API int Get_Realtime_Arm_Joint_State(RobotStatus* status);
 
@@ -135,7 +136,7 @@ ZK_API int Parser_Realtime_Arm_Joint_State(const char* text, RobotStatus* status
 /* ---------------------------------------------------------------------------------------- Configuring the stream -- */
 
 /*
- * Tells the controller what to send, how often and where. The listener of this process stays on the port it was bound
+ * Sets what the controller sends, how often and where. The listener of this process stays on the port it was bound
  * to at connection time. Returns 0, 1 refused, 5, 7, 9, 11, 18. Application threads.
  */
 ZK_API RealtimePushReply Get_Realtime_Push_Cmd[ZK_SLOTS];

@@ -4,7 +4,7 @@
 
 namespace zk {
 
-// Milliseconds since a reading of Get_Program_Runtime; the wrap of the clock does no harm.
+// Milliseconds since a value of Get_Program_Runtime; the clock may wrap in between.
 inline int32_t elapsed_since(int32_t start) {
     return static_cast<int32_t>(static_cast<uint32_t>(Get_Program_Runtime()) - static_cast<uint32_t>(start));
 }

@@ -8,10 +8,10 @@ namespace zk {
 
 inline bool is_listening(int32_t descriptor) { return descriptor != 0 && descriptor != -1; }
 
-// Opens the UDP listener on a port. 0, or 25. A port that is taken leaves a listener that hears nothing.
+// Opens the UDP listener on a port. Returns 0 or 25. On a port that is taken it receives nothing.
 int listen_on(int32_t port);
 
-// Closes the listener of the process, at any connection's end.
+// Closes the listener of the process, when any connection closes.
 void stop_listening();
 
 }  // namespace zk

@@ -1,4 +1,4 @@
-// One datagram of the real-time stream into a record, in the order in which its parts are looked at.
+// Parses a datagram of the real-time stream; the order of its parts decides which error counts.
 #include <cstring>
 #include <iterator>
 
@@ -8,7 +8,7 @@
 namespace zk {
 namespace {
 
-// An array that is longer than its field runs on into the next ones, and ends with the record.
+// An array longer than its field continues into the next fields, up to the end of the record.
 template <class Value, class Convert>
 void run_on(RobotStatus* status, size_t field, Item array, Convert convert) {
     for (int i = 0; i < array.size() && field + sizeof(Value) <= sizeof *status; ++i, field += sizeof(Value)) {

@@ -1,6 +1,5 @@
-// Replies. The status is sticky: the first key that is missing or of the wrong type decides it, and every read after
-// that does nothing, so a parser reads top to bottom like the message it takes apart. What was stored before a failure
-// stays.
+// Replies. The status is sticky: the first key that is missing or of the wrong type sets it, and later reads do
+// nothing. Values stored before a failure stay.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +12,7 @@ struct cJSON;
 
 namespace zk {
 
-// An item of a reply, or none. Reads of none give nothing.
+// An item of a reply, or none. Reads of none return 0, "" or none.
 class Item {
  public:
     Item() = default;
@@ -27,7 +26,7 @@ class Item {
     bool is_array() const;
     bool is_object() const;
 
-    int32_t integer() const;   // the integer that the parser holds: 1 for true, 0 for any other than a number
+    int32_t integer() const;   // 1 for true, 0 for anything else but a number
     double number() const;     // 0 for anything else
     const char* text() const;  // "" for anything else
     int size() const;          // elements
@@ -47,21 +46,21 @@ class Reply {
 
     int status() const { return status_; }
     bool good() const { return status_ == ZK_OK; }
-    // Sets the status, if nothing failed before, when `holds` is false. Returns whether all is well so far.
+    // Sets the status when `holds` is false and nothing has failed before. Returns whether nothing has failed.
     bool require(bool holds, int status);
 
     Item root() const { return root_; }
     Item find(const char* key) const { return root_.key(key); }  // optional keys
 
-    // A required key of the reply or of an object in it: none gives `missing`, another type `wrong`.
+    // A required key of the reply or of an object in it: 9 without it, `wrong` for another type.
     Item number(Item object, const char* key, int wrong = ZK_WRONG_TYPE);
     Item text(Item object, const char* key, int wrong = ZK_WRONG_TYPE);
     Item object(Item object, const char* key, int wrong = ZK_WRONG_TYPE);
     Item boolean(Item object, const char* key, int wrong = ZK_WRONG_TYPE);
-    // An array; of another size than `size` (unless that is negative) gives `wrong_size`.
+    // A required array: `wrong_size` for another size than `size`, unless that is negative.
     Item array(Item object, const char* key, int size = -1, int wrong_size = ZK_WRONG_SIZE, int wrong = ZK_WRONG_TYPE);
 
-    // A required integer into a field, which keeps its value when none is there.
+    // Stores a required integer in a field; without one the field keeps its value.
     template <class Field>
     void take(Item object, const char* key, Field& field) {
         if (const Item integer = number(object, key)) field = static_cast<Field>(integer.integer());
@@ -82,11 +81,11 @@ class Reply {
     int status_;
 };
 
-// The parser of an acknowledgement, whole.
+// The whole parser of an acknowledgement.
 int acknowledgement(const char* text, const char* key, int other = ZK_WRONG_TYPE, int refused = ZK_REFUSED);
 
-// A joint array, whole: missing 9, not an array `not_array`, of another size than the joints of the socket
-// `wrong_size`.
+// The whole parser of a joint array: 9 without it, `not_array` for another type, `wrong_size` for another size than the
+// joint count of the socket.
 struct JointArray {
     const char* key;
     float factor = 1.0f;
@@ -97,7 +96,7 @@ struct JointArray {
 int joint_array(int32_t socket, const char* text, const JointArray& form, float* values);
 int joint_array(int32_t socket, const char* text, const char* key, int32_t* values);
 
-// A single number, whole: missing 9, another type `wrong`.
+// The whole parser of a single number: 9 without it, `wrong` for another type.
 int integer_value(const char* text, const char* key, int32_t* value, int wrong = ZK_WRONG_TYPE);
 int float_value(const char* text, const char* key, float divisor, float* value, int wrong = ZK_WRONG_TYPE);
 
@@ -107,10 +106,10 @@ void scaled(Item array, int count, float divisor, float* values);
 // Six integers: millionths of a metre, thousandths of a radian.
 void wire_pose(Item array, Position& position, Euler& euler);
 
-// Copies a text into a fixed field, its end mark included; one that does not fit ends the process.
+// Copies a text and its terminating zero into a fixed field; a text that does not fit ends the process.
 void copy_text(Item text, const char* key, char* field, size_t size);
 
-// Copies at most `size` bytes, and ends the text only when it is shorter.
+// Copies at most `size` bytes, and a terminating zero only when the name is shorter.
 void copy_name(const char* name, char* field, size_t size);
 
 }  // namespace zk

@@ -4,16 +4,16 @@
 
 namespace zk {
 
-// What still waits in the queue for a socket will not be sent: its number may come back as another arm's.
+// Drops the queued frames of a socket, since its number may become that of another arm.
 void forget_frames(ArmSocket socket);
 
-// Returns once the frame that was already taken out of the queue, if any, is written.
+// Returns when no frame is between the queue and the wire.
 void wait_for_frame();
 
-// A file transfer's hold on the line: while it lasts, IsSendFile is 1, nothing queued goes out, and most calls give 18.
+// Holds the line for a file transfer: IsSendFile is 1, no queued frame goes out, and most calls return 18.
 class LineHold {
  public:
-    LineHold();  // once it is there, no frame is on its way any more
+    LineHold();  // returns when no frame is between the queue and the wire
     ~LineHold();
     LineHold(const LineHold&) = delete;
     LineHold& operator=(const LineHold&) = delete;

@@ -1,4 +1,4 @@
-// The guards that stand before a command's forms, by name. The first that hits decides, and nothing is sent then.
+// The guards of commands. The first one that fails sets the status, and nothing is sent.
 #pragma once
 
 #include <type_traits>
@@ -8,7 +8,7 @@
 
 namespace zk {
 
-constexpr int32_t kPauseMs = 20;  // a pause before some commands, a transmit period long
+constexpr int32_t kPauseMs = 20;  // the pause before some commands: one transmit period
 
 template <class... Arguments>
 bool any_null(Arguments... arguments) {
@@ -25,7 +25,7 @@ int guarded(Form form, Arguments... arguments) {
     return sending_file() ? int(ZK_SENDING_FILE) : form(arguments...);
 }
 
-// The same, and no pointer may be null.
+// Not during a file transfer, and not with a null pointer.
 template <class Form, class... Arguments>
 int checked(Form form, Arguments... arguments) {
     if (sending_file()) return ZK_SENDING_FILE;
@@ -42,7 +42,7 @@ int suspended(Form form, Arguments... arguments) {
     return status;
 }
 
-// Checked, then a pause, then the blocking form with SuspendQueue raised, or the other without.
+// Checks, sleeps, then runs the blocking form with SuspendQueue raised or the other form without.
 template <class Block, class NonBlock, class... Arguments>
 int after_20_ms(bool block, Block block_form, NonBlock nonblock_form, Arguments... arguments) {
     if (sending_file()) return ZK_SENDING_FILE;
@@ -56,7 +56,7 @@ int query_after_20_ms(Form form, Arguments... arguments) {
     return after_20_ms(true, form, form, arguments...);
 }
 
-// Checked, then a pause of two milliseconds and the blocking form with SuspendQueue raised.
+// Checks, sleeps two milliseconds, then runs the blocking form with SuspendQueue raised.
 template <class Form, class... Arguments>
 int after_2_ms(Form form, Arguments... arguments) {
     if (sending_file()) return ZK_SENDING_FILE;
@@ -65,7 +65,7 @@ int after_2_ms(Form form, Arguments... arguments) {
     return suspended(form, arguments...);
 }
 
-// A live connection, in the calls that ask for one.
+// For the calls that check the socket and the library first.
 inline int needs_connection(ArmSocket socket) {
     if (socket < 1) return ZK_NOT_CONNECTED;
     return read(m_nThreadIsRun) < 1 ? int(ZK_NOT_RUNNING) : int(ZK_OK);

@@ -1,7 +1,9 @@
 // A connection that is closed, and another that is opened in its place.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
 
 #include <future>
 #include <set>
@@ -208,6 +210,10 @@ TEST_F(Starts, ANumberComesBackOnlyAfterAllOthers) {
         const ArmSocket arm = start();
         EXPECT_GT(arm, last);
         EXPECT_TRUE(fcntl(arm, F_GETFD) & FD_CLOEXEC);
+        int no_delay = 0;
+        socklen_t size = sizeof no_delay;
+        EXPECT_EQ(getsockopt(arm, IPPROTO_TCP, TCP_NODELAY, &no_delay, &size), 0);
+        EXPECT_NE(no_delay, 0);
         Arm_Socket_Close(last = arm);
     }
     const int port = ScriptedController().port();  // refuses from now on
