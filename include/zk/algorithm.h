@@ -18,7 +18,6 @@
 #include <sys/time.h>
 
 #include "zk/export.h"
-#include "zk/frame_record.h"
 #include "zk/transform_types.h"
 
 /* -------------------------------------------------------------------------------------------------- The model -- */

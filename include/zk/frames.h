@@ -14,7 +14,7 @@
 #include <stdbool.h>
 
 #include "zk/connection.h"
-#include "zk/frame_record.h"
+#include "zk/transform_types.h"
 
 #define ZK_FRAME_NAMES 11
 

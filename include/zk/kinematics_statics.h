@@ -1,10 +1,10 @@
 /*
- * Data that the kinematics leaves behind, and scalars that are storage alone. Their names are short and common, so no
- * other header includes this one. The library works on instances of its own under other names: a variable of an
- * application that bears one of these names does not disturb it.
+ * The last results of the kinematics, and unused scalars of the interface. Their names are short and common, so no
+ * other header includes this one. The library uses its own names for this data: an application's variable of one of
+ * these names does not disturb it.
  *
- * An executable that is not compiled with -fPIC gets a copy of such data when it starts, and sees nothing of what the
- * library writes later; it reads the library's own through dlsym.
+ * An executable that is not compiled with -fPIC gets a copy of such data when it starts, and does not see what the
+ * library writes later; it reads the library's data through dlsym.
  */
 #ifndef ZK_KINEMATICS_STATICS_H
 #define ZK_KINEMATICS_STATICS_H
@@ -23,9 +23,15 @@ ZK_API Position position;         /* last forward_kinematics_pos or forward_kine
 ZK_API Position position_0;       /* last forward_kinematics_pos_* of a family */
 ZK_API float c_angle[8];          /* joint angles of the last call of the zk75 family */
 
-/* Read and written by nobody. */
+/* No function reads or writes these. */
 ZK_API float d1, d3, d4, d6;
 ZK_API float a2, a3, a4;
 ZK_API float dwt_SF, dwt_ZF;
+ZK_API float theta1_l, theta2_l, theta3_l, theta4_l, theta5_l, theta6_l, theta7_l;
+ZK_API float theta1_u, theta2_u, theta3_u, theta4_u, theta5_u, theta6_u, theta7_u;
+ZK_API float JOINT1_LOWER, JOINT2_LOWER, JOINT3_LOWER, JOINT4_LOWER, JOINT5_LOWER, JOINT6_LOWER, JOINT7_LOWER;
+ZK_API float JOINT1_UPPER, JOINT2_UPPER, JOINT3_UPPER, JOINT4_UPPER, JOINT5_UPPER, JOINT6_UPPER, JOINT7_UPPER;
+ZK_API float dbs, dse, dew, dwt;
+ZK_API float lsb, lse, lew;
 
 #endif

@@ -1,7 +1,6 @@
 // Inverse kinematics of the arms with three parallel axes. Numbers in brackets are the equations of docs/kinematics.md.
-#include <math.h>
-
 #include <algorithm>
+#include <cmath>
 
 #include "kinematics/six_joint.h"
 #include "zk/inverse_kinematics.h"
@@ -9,7 +8,7 @@
 namespace zk {
 namespace {
 
-// Distance of a joint that no whole turn brings within its limits.
+// The distance of a joint that no whole turn brings within its limits.
 constexpr double kNoFit = 1e6;
 
 double nearest(double seed, double& candidate, double lower, double upper) {
@@ -34,14 +33,14 @@ int index_of_smallest(const double* values, int length) {
     return best;
 }
 
-// A cosine that lies beyond 1 by less than the slack is taken for 1; one further out stays, and its angle is NaN.
+// A cosine beyond 1 by less than the slack becomes 1; one further out stays, and its angle is NaN.
 double cosine_within(double slack, double c) {
     const double size = std::fabs(c);
     return size > 1 && size - 1 < slack ? std::copysign(1.0, c) : c;
 }
 
-// Of NaN and of what lies beyond 1 it is NaN, without the library's detour for errors.
-double angle_of_cosine(double c) { return std::fabs(c) <= 1 ? ::acos(c) : NAN; }
+// NaN for NaN and beyond 1, without the C library's handling of errors.
+double angle_of_cosine(double c) { return std::fabs(c) <= 1 ? std::acos(c) : NAN; }
 
 double sine_of_cosine(double c) { return std::sqrt(1 - c * c); }
 
@@ -49,31 +48,25 @@ struct Turn {
     double t, s, c;  // angle, sine and cosine
 };
 
-// What joint 1 decides: the wrist seen from the plane of joints 2 to 4.
-struct Plane {
-    double t1;
-    double x[3], y[3], z[3];  // rows of the flange's rotation: along the plane, across it, upward
-    double r, height;         // the wrist point in the plane, from the axis of joint 2
-};
-
-// What joints 5 and 6 decide.
+// What follows from joints 5 and 6.
 struct Hand {
     double t5, t6, t234;
-    double r, height;  // where joint 4 has to stand in the plane
+    double r, height;  // of joint 4 in the plane
 };
 
 class Orb6 {
  public:
     Orb6(const Wrist<double>& wrist, double seed6) : wrist_(wrist), seed6_(seed6) {}
 
-    // All eight candidates: two shoulders, two wrists, two elbows, the last changing fastest. False when none lives.
+    // All eight candidates: two shoulders, two wrists, two elbows, the last changing fastest. False when all are dead.
     bool fill(double (&table)[8][6]) const {
         const double root = shoulder_root();
         if (std::isnan(root)) return false;
         int dead = 0;
         double(*entry)[6] = table;
         for (const double shoulder : {root, -root}) {
-            const Plane plane = plane_of(shoulder);
+            const double t1 = std::atan2(wrist_.y, wrist_.x) - std::atan2(d4_, shoulder);  // (P6)
+            const Plane<double> plane = plane_of(wrist_, t1, std::sin(t1), std::cos(t1), a2_);
             const double c5 = cosine_within(3e-7, plane.y[2]);  // (P7)
             const double t5 = angle_of_cosine(c5), s5 = sine_of_cosine(c5);
             for (const double side : {1.0, -1.0}) {
@@ -98,58 +91,43 @@ class Orb6 {
         return std::sqrt(q);
     }
 
-    Plane plane_of(double root) const {
-        const auto& m = wrist_.m;
-        Plane plane;
-        plane.t1 = ::atan2(wrist_.y, wrist_.x) - ::atan2(d4_, root);  // (P6)
-        const double s1 = ::sin(plane.t1), c1 = ::cos(plane.t1);
-        for (int j = 0; j < 3; ++j) {  // (P2)
-            plane.x[j] = c1 * m[0][j] + s1 * m[1][j];
-            plane.y[j] = c1 * m[1][j] - s1 * m[0][j];
-            plane.z[j] = m[2][j];
-        }
-        plane.r = c1 * wrist_.x + s1 * wrist_.y - a2_;
-        plane.height = wrist_.z;
-        return plane;
-    }
-
-    Hand hand_of(const Plane& plane, double t5, double s5) const {
+    Hand hand_of(const Plane<double>& plane, double t5, double s5) const {
         Hand hand;
         hand.t5 = t5;
         const auto [t6, s6, c6] = joint6(plane, s5);
         hand.t6 = t6;
         const double a = s6 * plane.z[0] + c6 * plane.z[1];  // (P9)
         const double b = s6 * plane.x[0] + c6 * plane.x[1];
-        hand.t234 = std::fabs(a) < 1e-6 ? ::asin(-sign(b)) : ::atan2(-b, -a);  // (P10)
+        hand.t234 = std::fabs(a) < 1e-6 ? std::asin(-sign(b)) : std::atan2(-b, -a);  // (P10)
         const double size = std::sqrt(a * a + b * b);
         hand.r = plane.r + d5_ * (b / size);  // (P11)
         hand.height = plane.height + d5_ * (a / size);
         return hand;
     }
 
-    // Within two degrees of 0 and 180 the axis of joint 6 has lined up with the parallel ones: joint 6 stays put.
-    Turn joint6(const Plane& plane, double s5) const {
-        if (std::fabs(s5) < 0.034906585039887) return {seed6_, ::sin(seed6_), ::cos(seed6_)};
+    // Within two degrees of 0 and 180 the axis of joint 6 is parallel to those of joints 2 to 4: joint 6 stays.
+    Turn joint6(const Plane<double>& plane, double s5) const {
+        if (std::fabs(s5) < 0.034906585039887) return {seed6_, std::sin(seed6_), std::cos(seed6_)};
         const double y = -sign(s5) * plane.y[1], x = sign(s5) * plane.y[0];  // (P8)
         const double size = std::sqrt(x * x + y * y);
-        return {::atan2(y, x), y / size, x / size};
+        return {std::atan2(y, x), y / size, x / size};
     }
 
     double elbow_cosine(const Hand& hand) const {
         return (hand.r * hand.r + hand.height * hand.height - a3_ * a3_ - a4_ * a4_) / (2 * a3_ * a4_);
     }
 
-    void store(double* theta, const Plane& plane, const Hand& hand, double t3, double c3, double s3) const {
+    void store(double* theta, const Plane<double>& plane, const Hand& hand, double t3, double c3, double s3) const {
         const double u = a3_ + a4_ * c3, w = a4_ * s3;
         const double e1 = hand.height * u + hand.r * w;  // (P14)
         const double e2 = hand.r * u - hand.height * w;
-        const double t2 = std::fabs(e2) < 1e-7 ? ::asin(-sign(e1)) : ::atan2(-e1, e2);  // (P15)
-        const double t4 = hand.t234 - t2 - t3;                                          // (P16)
+        const double t2 = std::fabs(e2) < 1e-7 ? std::asin(-sign(e1)) : std::atan2(-e1, e2);  // (P15)
+        const double t4 = hand.t234 - t2 - t3;                                                // (P16)
         const double values[6] = {plane.t1, t2, t3, t4, hand.t5, hand.t6};
         std::copy_n(values, 6, theta);
     }
 
-    // Of NaN it is NaN, so that a dead candidate stays dead.
+    // NaN for NaN, so that a dead candidate stays dead.
     static double sign(double v) { return v > 0 ? 1 : v < 0 ? -1 : v; }
 
     const Wrist<double>& wrist_;
@@ -171,17 +149,10 @@ int nearest_entry(double (&table)[8][6], const Seed<double>& seed) {
     return index_of_smallest(scores, 8);
 }
 
-// Writes joint angles up to and including the first that is beyond its limit.
 int write_joints(const double* theta, float turns, float* joint) {
     constexpr double kSlack = 0.008726646259972;
-    const Range range;
-    for (int j = 0; j < std::min(libalgo_get_rbt_dof(), 6); ++j) {
-        const double offset = robot.dh.offset[j];
-        const double q = theta[j] - offset + (j == 5 ? turns : 0);
-        joint[j] = static_cast<float>(q);
-        if (!(q <= range.max[j] - offset + kSlack && q >= range.min[j] - offset - kSlack)) return kBeyondLimits;
-    }
-    return kSolved;
+    const auto angle = [&](int j) { return theta[j] - robot.dh.offset[j] + (j == 5 ? turns : 0); };
+    return write_up_to_limit(Range(), kSlack, std::min(libalgo_get_rbt_dof(), 6), angle, joint);
 }
 
 }  // namespace

@@ -1,21 +1,13 @@
 // Inverse kinematics of the later 63, whose joint 2 is set aside by d2. Numbers in brackets are the equations of
 // docs/kinematics.md.
-#include <math.h>
-
 #include <algorithm>
+#include <cmath>
 
 #include "kinematics/six_joint.h"
 #include "zk/inverse_kinematics.h"
 
 namespace zk {
 namespace {
-
-// What joint 1 decides: the wrist seen from the plane of joints 2 and 3.
-struct Plane {
-    float t1;
-    float x[3], y[3], z[3];  // rows of the flange's rotation: along the plane, across it, upward
-    float r, height;         // the wrist point in the plane, from the axis of joint 2
-};
 
 class Zkl63_3 {
  public:
@@ -26,7 +18,7 @@ class Zkl63_3 {
     int solve(float* joint) {
         const float q = wrist_.x * wrist_.x + wrist_.y * wrist_.y - d2_ * d2_;  // (L5)
         if (!(q >= 0)) return kUnreachable;
-        const float root = ::sqrtf(q);
+        const float root = std::sqrt(q);
         try_shoulder(root);
         try_shoulder(-root);
         return best_.valid ? write(joint) : kUnreachable;
@@ -46,34 +38,20 @@ class Zkl63_3 {
     };
 
     void try_shoulder(float v) {
-        const Plane plane = plane_of(-wrist_.x * d2_ - wrist_.y * v, wrist_.y * d2_ - wrist_.x * v);  // (L6)
-        if (best_.valid && squared(0, plane.t1) >= best_.score) return;  // the rest could only make it worse
+        const float y1 = -wrist_.x * d2_ - wrist_.y * v, x1 = wrist_.y * d2_ - wrist_.x * v;  // (L6)
+        const auto [s1, c1] = direction(y1, x1);
+        const Plane<float> plane = plane_of(wrist_, nearest(0, arc_tangent(y1, x1)), s1, c1, a2_);
+        if (best_.valid && seed_.squared(0, plane.t1) >= best_.score) return;  // the other joints only add to it
         const float squares = plane.r * plane.r + plane.height * plane.height;
         const float k = (a3_ * a3_ + squares - (a4_ * a4_ + d4_ * d4_)) / (2 * a3_);  // (L9)
         const float q2 = squares - k * k;
         if (!(q2 >= 0)) return;
-        const float root = ::sqrtf(q2);
+        const float root = std::sqrt(q2);
         try_elbow(plane, k, root);
         try_elbow(plane, k, -root);
     }
 
-    // Of the point (x, y) at the angle t1.
-    Plane plane_of(float y, float x) const {
-        const auto [s1, c1] = direction(y, x);
-        const auto& m = wrist_.m;
-        Plane plane;
-        plane.t1 = nearest(0, arc_tangent(y, x));
-        for (int j = 0; j < 3; ++j) {  // (L2)
-            plane.x[j] = c1 * m[0][j] + s1 * m[1][j];
-            plane.y[j] = c1 * m[1][j] - s1 * m[0][j];
-            plane.z[j] = m[2][j];
-        }
-        plane.r = c1 * wrist_.x + s1 * wrist_.y - a2_;  // (L7)
-        plane.height = wrist_.z;
-        return plane;
-    }
-
-    void try_elbow(const Plane& plane, float k, float v) {
+    void try_elbow(const Plane<float>& plane, float k, float v) {
         const float y2 = -plane.height * k - plane.r * v, x2 = plane.r * k - plane.height * v;
         const float t2 = arc_tangent(y2, x2);  // (L10)
         const auto [s2, c2] = direction(y2, x2);
@@ -85,17 +63,17 @@ class Zkl63_3 {
         try_wrists(arm, plane, direction(y23, x23));
     }
 
-    void try_wrists(const Arm& arm, const Plane& plane, SineCosine t23) {
+    void try_wrists(const Arm& arm, const Plane<float>& plane, SineCosine t23) {
         float n[3][3];  // (L3)
         for (int j = 0; j < 3; ++j) {
             n[0][j] = t23.c * plane.x[j] - t23.s * plane.z[j];
             n[1][j] = plane.y[j];
             n[2][j] = t23.s * plane.x[j] + t23.c * plane.z[j];
         }
-        const float c5 = ::fabsf(::fabsf(n[2][2]) - 1) <= 1e-6f ? ::copysignf(1, n[2][2]) : n[2][2];
-        if (!(::fabsf(c5) <= 1)) return;
-        const float t5 = arc_tangent(::sqrtf((1 - c5) * (1 + c5)), c5);  // (L13)
-        if (::fabsf(c5) < 1) {
+        const float c5 = std::fabs(std::fabs(n[2][2]) - 1) <= 1e-6f ? std::copysign(1.0f, n[2][2]) : n[2][2];
+        if (!(std::fabs(c5) <= 1)) return;
+        const float t5 = arc_tangent(std::sqrt((1 - c5) * (1 + c5)), c5);  // (L13)
+        if (std::fabs(c5) < 1) {
             const auto [t4, t6] = regular_wrist(n);
             offer(arm, t4, t5, t6);
             offer(arm, opposite(t4), -t5, opposite(t6));
@@ -123,20 +101,18 @@ class Zkl63_3 {
         return {s4 - h, h + e};
     }
 
-    // The angle moved by turns: into its limits, then beside the seed, limits or not.
+    // The angle moved by turns: into its limits, then next to the seed, within the limits or not.
     float nearest(int j, float theta) const { return beside(seed_.theta[j], range_.wrapped(j, theta)); }
 
-    float squared(int j, float theta) const {
-        const float e = theta - seed_.theta[j];
-        return j < 3 ? 2.4f * e * e : e * e;
+    float score_of(const Arm& arm) const {
+        return seed_.squared(0, arm.t1) + seed_.squared(1, arm.t2) + seed_.squared(2, arm.t3);
     }
 
-    float score_of(const Arm& arm) const { return squared(0, arm.t1) + squared(1, arm.t2) + squared(2, arm.t3); }
-
-    // The nearest to the seed is kept, the first of equals. With a seed too far away, or NaN, it is the first of all.
+    // Keeps the nearest to the seed, the first of equals; the first of all when the seed is too far away, or NaN.
     void offer(const Arm& arm, float t4, float t5, float t6) {
         const float theta[6] = {arm.t1, arm.t2, arm.t3, nearest(3, t4), nearest(4, t5), nearest(5, t6)};
-        const float score = score_of(arm) + squared(3, theta[3]) + squared(4, theta[4]) + squared(5, theta[5]);
+        const float score =
+            score_of(arm) + seed_.squared(3, theta[3]) + seed_.squared(4, theta[4]) + seed_.squared(5, theta[5]);
         const bool nearer = score < best_.score;
         if (!nearer && best_.valid) return;
         std::copy_n(theta, 6, best_.theta);
@@ -144,15 +120,12 @@ class Zkl63_3 {
         if (nearer) best_.score = score;
     }
 
-    // Writes joint angles up to and including the first that is beyond its limit.
     int write(float* joint) const {
-        for (int j = 0; j < 6; ++j) {
-            const float offset = robot.dh.offset[j];
+        const auto angle = [&](int j) {
             const float theta = j == 5 ? best_.theta[j] + seed_.turns : best_.theta[j];
-            joint[j] = range_.wrapped(j, theta) - offset;
-            if (!(joint[j] <= range_.max[j] - offset && joint[j] >= range_.min[j] - offset)) return kBeyondLimits;
-        }
-        return kSolved;
+            return range_.wrapped(j, theta) - robot.dh.offset[j];
+        };
+        return write_up_to_limit(range_, 0.0f, 6, angle, joint);
     }
 
     const Seed<float> seed_;

@@ -1,5 +1,6 @@
-// What the solvers of the six-joint arms share: where the wrist is to stand, and how joint angles are counted.
-// Angles named theta or t are the DH model's, joint angle plus offset. Numbers in brackets: docs/kinematics.md.
+// What the solvers of the six-joint arms share: the wrist's target, the seed, the limits and the distance to the seed.
+// Angles named theta or t are the DH model's, joint angle plus offset. Numbers in brackets are the equations of
+// docs/kinematics.md.
 #pragma once
 
 #include <cmath>
@@ -13,17 +14,17 @@ namespace zk {
 
 inline constexpr float kTurn = 6.2831855f, kHalfTurn = 3.1415927f, kQuarterTurn = 1.5707964f;
 
-// The angle moved by a turn, if that takes it nearer to the seed. Like `wrapped` without a branch, since no processor
-// can guess which way.
+// The angle moved by a turn if that brings it nearer to the seed. Without a branch, like `wrapped`: no processor can
+// predict the direction.
 inline float beside(float seed, float theta) {
     const float e = seed - theta;
     return theta + kTurn * static_cast<float>((e > kHalfTurn) - (e < -kHalfTurn));
 }
 
-// The angle of the opposite direction, as atan2(-y, -x) gives it.
+// The angle of the opposite direction, atan2(-y, -x).
 inline float opposite(float theta) { return std::signbit(theta) ? theta + kHalfTurn : theta - kHalfTurn; }
 
-// The angle with the sine kept and the cosine reversed, as atan2(y, -x) gives it.
+// The angle with the same sine and the opposite cosine, atan2(y, -x).
 inline float mirrored(float theta) { return std::copysign(kHalfTurn, theta) - theta; }
 
 // Sine and cosine of the angle of a point. NaN where the squares overflow: no arm reaches that far.
@@ -34,14 +35,14 @@ inline SineCosine direction(float y, float x) {
     return {y / length, x / length};
 }
 
-// What a solver returns.
+// The status of a solver.
 inline constexpr int kSolved = 0, kUnreachable = -1, kBeyondLimits = -2;
 
 // The wrist in the shoulder frame, which is the mounted base lifted by d1.
 template <class Real>
 struct Wrist {
     Real m[3][3];  // rotation of the flange
-    Real x, y, z;  // the point d6 behind the flange on its axis
+    Real x, y, z;  // the point d6 before the flange on its axis
 };
 
 template <class Real>
@@ -72,7 +73,30 @@ Wrist<Real> shoulder_T_wrist(const Matrix& world_T_tool) {
     return wrist;
 }
 
-// The seed in model angles. Joint 6 is solved within one turn: its whole turns wait outside, to be added at the end.
+// The rotation of the flange and the wrist point, seen from the vertical plane of the arm at t1.
+template <class Real>
+struct Plane {
+    Real t1;
+    Real x[3], y[3], z[3];  // rows of the rotation: along the plane, across it, upward
+    Real r, height;         // the wrist point in the plane, from the axis of joint 2
+};
+
+template <class Real>
+Plane<Real> plane_of(const Wrist<Real>& wrist, Real t1, Real s1, Real c1, Real a2) {
+    const auto& m = wrist.m;
+    Plane<Real> plane;
+    plane.t1 = t1;
+    for (int j = 0; j < 3; ++j) {  // (P2), (L2)
+        plane.x[j] = c1 * m[0][j] + s1 * m[1][j];
+        plane.y[j] = c1 * m[1][j] - s1 * m[0][j];
+        plane.z[j] = m[2][j];
+    }
+    plane.r = c1 * wrist.x + s1 * wrist.y - a2;  // (L7)
+    plane.height = wrist.z;
+    return plane;
+}
+
+// The seed in model angles. Joint 6 is solved within one turn; its whole turns are added to the answer.
 template <class Real>
 struct Seed {
     Real theta[6];
@@ -81,6 +105,12 @@ struct Seed {
     explicit Seed(const float* joint) : turns(std::trunc(joint[5] / kTurn) * kTurn) {
         for (int j = 0; j < 6; ++j) theta[j] = static_cast<Real>(joint[j]) + robot.dh.offset[j];  // (F3)
         theta[5] -= turns;
+    }
+
+    // A term of E = 2.4 e1^2 + 2.4 e2^2 + 2.4 e3^2 + e4^2 + e5^2 + e6^2, the distance to the seed.
+    Real squared(int j, Real angle) const {
+        const Real e = angle - theta[j];
+        return j < 3 ? Real(2.4) * e * e : e * e;
     }
 };
 
@@ -92,7 +122,7 @@ struct Range {
         libalgo_get_modeling_jointlim_min(min);
         libalgo_get_modeling_jointlim_max(max);
     }
-    // Half a degree more on both sides, so that an arm that stands at a limit can be solved for.
+    // Half a degree more on both sides, so that an arm at its limit can be solved for.
     static Range widened() {
         constexpr double kSlack = 0.0087;
         Range range;
@@ -104,10 +134,21 @@ struct Range {
     }
     bool holds(int joint, float theta) const { return theta >= min[joint] && theta <= max[joint]; }
 
-    // The angle moved by a turn if it lies outside, on the side where it does.
+    // An angle outside the range, moved by a turn towards it.
     float wrapped(int joint, float theta) const {
         return theta + kTurn * static_cast<float>((min[joint] > theta) - (theta > max[joint]));
     }
 };
+
+// Writes the joint angles up to and including the first one beyond its limit.
+template <class Real, class JointAngle>
+int write_up_to_limit(const Range& range, Real slack, int joints, JointAngle angle, float* joint) {
+    for (int j = 0; j < joints; ++j) {
+        const Real offset = robot.dh.offset[j], q = angle(j);
+        joint[j] = static_cast<float>(q);
+        if (!(q <= range.max[j] - offset + slack && q >= range.min[j] - offset - slack)) return kBeyondLimits;
+    }
+    return kSolved;
+}
 
 }  // namespace zk

@@ -1,5 +1,5 @@
-// Inverse kinematics of six-joint arms whose last three axes meet in one point: the wrist point alone decides joints 1
-// to 3, the rotation then decides joints 4 to 6. Two shoulders, two elbows and two wrists make eight candidates.
+// Inverse kinematics of six-joint arms whose last three axes meet in one point: joints 1 to 3 follow from the wrist
+// point alone, joints 4 to 6 then from the rotation. Two shoulders, two elbows and two wrists make eight candidates.
 // Numbers in brackets are the equations of docs/kinematics.md.
 //
 // The geometry of an arm:
@@ -8,7 +8,7 @@
 //     Point toward_t23(float r, float z, SineCosine t3)     a point at the angle t2 + t3
 //     static Axes forearm(SineCosine t1, SineCosine t23)    the frame that joint 4 turns in, at t4 = 0
 //     kLastTwist      sign of the twist before joint 6
-//     kJoint5NearPi   its model angle lies about half a turn, where the arc tangent jumps
+//     kJoint5NearPi   its model angle is about half a turn, where the arc tangent jumps
 //     kSumFromSeed    t4 + t6 is counted next to the seed's, and not next to 0
 #pragma once
 
@@ -55,7 +55,7 @@ class SphericalWrist {
     }
 
  private:
-    // A joint 1, and what follows from it alone.
+    // A joint 1, and what follows from it.
     struct Shoulder {
         float t1;
         SineCosine sc1;
@@ -75,7 +75,7 @@ class SphericalWrist {
         bool found() const { return score < 1000; }
     };
 
-    // With the wrist point on its axis joint 1 stays where it is.
+    // With the wrist point on the axis of joint 1 that joint keeps the seed.
     Shoulders shoulders() const {
         constexpr float kOnAxis = 5e-5f;
         if (std::fabs(wrist_.x) < kOnAxis && std::fabs(wrist_.y) < kOnAxis) {
@@ -100,11 +100,11 @@ class SphericalWrist {
     void try_arm(const Shoulder& shoulder, const Elbow& elbow) {
         const float t1 = shoulder.t1, t3 = elbow.t3;
         if (!range_.holds(0, t1) || !range_.holds(2, t3)) return;
-        if (squared(0, t1) + squared(2, t3) >= best_.score) return;  // the rest could only make it worse
+        if (seed_.squared(0, t1) + seed_.squared(2, t3) >= best_.score) return;  // the other joints only add to it
         const Point toward = arm_.toward_t23(shoulder.r, wrist_.z, elbow.sc3);
         const float t2 = range_.wrapped(1, arc_tangent(toward.y, toward.x) - t3);
         if (!range_.holds(1, t2)) return;
-        if (squared(0, t1) + squared(1, t2) + squared(2, t3) >= best_.score) return;
+        if (seed_.squared(0, t1) + seed_.squared(1, t2) + seed_.squared(2, t3) >= best_.score) return;
 
         const Hand hand = first_hand(Arm::forearm(shoulder.sc1, direction(toward.y, toward.x)));
         const Hand turned = {opposite(hand.t4), -hand.t5, opposite(hand.t6)};
@@ -114,7 +114,7 @@ class SphericalWrist {
 
     // With F the forearm's axes and k the last twist's sign, F' m = Rz(t4) Ry(t5) Rx(0 or 180) Rz(t6) has the third
     // column k (cos t4 sin t5, sin t4 sin t5, cos t5); turned back by t4 it has the second row k (sin t6, cos t6, 0).
-    // So t6 goes with whatever t4 came out, also where rounding alone decides t4. The first wrist has sin t5 >= 0.
+    // So t6 fits t4 also where rounding alone decides t4. The first wrist has sin t5 >= 0.
     Hand first_hand(const Axes& f) const {
         constexpr float k = Arm::kLastTwist;
         const float x = k * dot(f.x, 2), y = k * dot(f.y, 2);
@@ -129,21 +129,16 @@ class SphericalWrist {
         return axis[0] * wrist_.m[0][column] + axis[1] * wrist_.m[1][column] + axis[2] * wrist_.m[2][column];
     }
 
-    // A candidate whose joints 1 to 3 are within limits. The nearest to the seed is kept, the first of equals.
+    // Keeps the candidate, whose joints 1 to 3 are within limits, if it is the nearest to the seed; the first of
+    // equals.
     void offer(float t1, float t2, float t3, const Hand& h) {
         const float t5 = Arm::kJoint5NearPi ? beside(seed_.theta[4], h.t5) : h.t5;
         const float t6 = beside(seed_.theta[5], h.t6);
         if (!range_.holds(3, h.t4) || !range_.holds(4, t5) || !range_.holds(5, t6)) return;
         const float theta[6] = {t1, t2, t3, h.t4, t5, t6};
         float score = 0;
-        for (int j = 0; j < 6; ++j) score += squared(j, theta[j]);
+        for (int j = 0; j < 6; ++j) score += seed_.squared(j, theta[j]);
         if (score < best_.score) best_ = {{t1, t2, t3, h.t4, t5, t6}, score};
-    }
-
-    // E = 2.4 e1^2 + 2.4 e2^2 + 2.4 e3^2 + e4^2 + e5^2 + e6^2
-    float squared(int j, float theta) const {
-        const float e = theta - seed_.theta[j];
-        return j < 3 ? 2.4f * e * e : e * e;
     }
 
     // With t5 near 0 only t4 + t6 = p is defined. The sum keeps the pose, the difference stays that of the seed.
@@ -166,7 +161,7 @@ class SphericalWrist {
         best_.theta[5] = (p - s4 + s6) / 2;
     }
 
-    // Model angles to joint values, all six of them. Without a solution those are of the model's zero pose.
+    // Converts model angles to joint values. Without a solution these are the model's zero pose.
     int write(float* joint) const {
         const float* offset = robot.dh.offset;
         for (int j = 0; j < 6; ++j) joint[j] = (j == 5 ? best_.theta[j] + seed_.turns : best_.theta[j]) - offset[j];

@@ -1,6 +1,6 @@
-// What the kinematics leaves behind. The library uses this data under hidden names, so that a variable of an
-// application called `position` or `d1`, which the dynamic linker would put in its place, cannot reach in; the name of
-// the interface is a second, visible name of the same storage.
+// The last results of the kinematics. The library uses this data under hidden names, because the dynamic linker would
+// replace a visible `position` or `d1` by an application's variable of that name. The name of the interface is a
+// second, visible name of the same storage.
 #pragma once
 
 #include "zk/kinematics_statics.h"

@@ -1,5 +1,5 @@
 // The closed form of the 75 in the arm angle: spherical shoulder, elbow, spherical wrist.
-#include <math.h>
+#include <cmath>
 
 #include "kinematics/zk7.h"
 #include "numeric/sine_cosine.h"
@@ -13,7 +13,7 @@ float three_way_sign(float x) { return x > 0 ? 1.0f : x < 0 ? -1.0f : 0.0f; }
 
 // (7.9), the angle at one corner of the triangle of shoulder, elbow and wrist, from its two sides and the one opposite.
 float angle_between_sides(float a, float b, float opposite) {
-    return acosf(clamped((a * a + b * b - opposite * opposite) / (a * (2 * b))));
+    return std::acos(clamped((a * a + b * b - opposite * opposite) / (a * (2 * b))));
 }
 
 Mat3 skew(const Vec3& v) { return {{{0, -v[2], v[1]}, {v[2], 0, -v[0]}, {-v[1], v[0], 0}}}; }
@@ -46,7 +46,7 @@ float arm_angle_of(const Arm& arm, const Joints& q, const WristLine& line, const
     const Vec3 actual = scaled(arm.d3, Vec3{c1 * s2, s1 * s2, c2});
     const Vec3 nr = normalised(cross(normalised(reference), line.u));
     const Vec3 na = normalised(cross(normalised(actual), line.u));
-    return three_way_sign(dot(cross(nr, na), line.w)) * acosf(clamped(dot(nr, na)));
+    return three_way_sign(dot(cross(nr, na), line.w)) * std::acos(clamped(dot(nr, na)));
 }
 
 // (7.22): joint 7 has two turns; the one on the side of the seed is wanted. The constants are single-precision values
@@ -71,15 +71,15 @@ WristLine wrist_line(const Arm& arm, const Target& target) {
 
 float elbow_joint(const Arm& arm, const WristLine& line, float g4) {
     const float c = (line.L * line.L - arm.d3 * arm.d3 - arm.d5 * arm.d5) / (arm.d5 * (2 * arm.d3));  // (7.8)
-    return g4 * acosf(clamped(c));
+    return g4 * std::acos(clamped(c));
 }
 
 ReferencePlane reference_plane(const Arm& arm, const WristLine& line, float g4) {
     const auto& w = line.w;
     const float s = std::sqrt(w[0] * w[0] + w[1] * w[1]);
-    const SineCosine t1 = s > 0 ? sine_cosine(atan2f(w[1], w[0])) : SineCosine{0, 1};  // (7.10)
-    const float a = angle_between_sides(line.L, arm.d3, arm.d5);                       // (7.9)
-    const SineCosine t2 = sine_cosine(atan2f(s, w[2]) - g4 * a);                       // (7.11)
+    const SineCosine t1 = s > 0 ? sine_cosine(std::atan2(w[1], w[0])) : SineCosine{0, 1};  // (7.10)
+    const float a = angle_between_sides(line.L, arm.d3, arm.d5);                           // (7.9)
+    const SineCosine t2 = sine_cosine(std::atan2(s, w[2]) - g4 * a);                       // (7.11)
     return {t1.s, t1.c, t2.s, t2.c};
 }
 
@@ -91,22 +91,22 @@ ElbowBranch elbow_branch(float q4, const WristLine& line, const ReferencePlane& 
 }
 
 float shoulder_bend(const ElbowBranch& branch, ArmAngle psi) {
-    return acosf(clamped(element(branch.shoulder, psi, 2, 2)));  // (7.16)
+    return std::acos(clamped(element(branch.shoulder, psi, 2, 2)));  // (7.16)
 }
 
 // F mirrors the wrist's z axis.
 float wrist_bend(const ElbowBranch& branch, ArmAngle psi) {
-    return acosf(clamped(-element(branch.wrist, psi, 2, 2)));  // (7.17)
+    return std::acos(clamped(-element(branch.wrist, psi, 2, 2)));  // (7.17)
 }
 
 OuterPair about_shoulder(const ElbowBranch& branch, ArmAngle psi, float g2) {
     const auto R = [&](int i, int j) { return element(branch.shoulder, psi, i, j); };
-    return {atan2f(g2 * R(1, 2), g2 * R(0, 2)), atan2f(g2 * R(2, 1), -g2 * R(2, 0))};  // (7.18)
+    return {std::atan2(g2 * R(1, 2), g2 * R(0, 2)), std::atan2(g2 * R(2, 1), -g2 * R(2, 0))};  // (7.18)
 }
 
 OuterPair about_wrist(const ElbowBranch& branch, ArmAngle psi, float g6) {
     const auto W = [&](int i, int j) { return element(branch.wrist, psi, i, j); };
-    return {atan2f(g6 * W(1, 2), g6 * W(0, 2)), atan2f(-g6 * W(2, 1), g6 * W(2, 0))};  // (7.19)
+    return {std::atan2(g6 * W(1, 2), g6 * W(0, 2)), std::atan2(-g6 * W(2, 1), g6 * W(2, 0))};  // (7.19)
 }
 
 Joints follow(const Arm& arm, const Joints& q, const Target& target, float seed7) {

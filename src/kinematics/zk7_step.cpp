@@ -1,5 +1,5 @@
 // The pseudo-inverse step of the 75.
-#include <math.h>
+#include <cmath>
 
 #include "kinematics/end_frame_jacobian.h"
 #include "kinematics/rotation_difference.h"
