@@ -6,6 +6,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 
 namespace {
@@ -213,6 +214,11 @@ TEST(ArmLimitsOfASimulatedArm, AreGotBackAsSet) {
                       {CALL(Set_Joint_Zero_Offset, (s, kOffsets, true)), 0, angular_speed, "0.6"},
                       {CALL(Set_Arm_Dynamic_Parm, (s, kDynamics, true)), 0, angular_acc, "4"},
                       {CALL(Set_Arm_Servo_State, (s, 1, true)), 0, frame, "1"}});
+}
+
+TEST(ArmLimitsOnASimulatedArm, EveryRowIsAnswered) {
+    expect_simulated(kRows);
+    expect_simulated(kRows, "ZK75-6F");
 }
 
 }  // namespace

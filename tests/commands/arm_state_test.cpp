@@ -9,6 +9,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/algorithm.h"
 
@@ -290,6 +291,11 @@ TEST(ArmStateOfASimulatedArm, IsMeasuredAndKept) {
               {CALL(Set_Arm_Init_Pose, (s, kJoints, true)), 0, asking(Get_Arm_Init_Pose), "0.25 -90 1.5 0 178 12.345"},
               {CALL(Set_Install_Pose, (s, true, 180, 0.5f, 90)), 0, asking(Get_Install_Pose), "180; 0.5; 90"},
               {CALL(Set_Install_Pose, (s, true, NAN, 0, 0)), 1, asking(Get_Install_Pose), "180; 0.5; 90"}});
+}
+
+TEST(ArmStateOnASimulatedArm, EveryRowIsAnswered) {
+    expect_simulated(kRows);
+    expect_simulated(kRows, "ZK75-6F");
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/gripper_and_hand.h"
 #include "zk/queue.h"
@@ -360,5 +361,7 @@ TEST(AxesOfASimulatedArm, KeepToTheirSettingsAndRanges) {
     EXPECT_EQ(Set_Lift_NonBlock(arm, 100, 100), 0);
     eventually([&] { return Get_Lift_State(arm, &height, &value, &err_flag, &value) == 0 && height == 100; });
 }
+
+TEST(AttachedAxesOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "commands/wire.h"
 #include "support/command_case.h"
 #include "support/parser_case.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/replies/motion.h"
 
@@ -74,5 +75,7 @@ TEST(DragTeachParsers, Origin) {
                                                            {R"({"device":3})", 9, ""},
                                                            {R"({"trajectory_state":true)", 9, ""}});
 }
+
+TEST(DragTeachOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "commands/wire.h"
 #include "support/command_case.h"
 #include "support/parser_case.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 
 namespace {
@@ -153,6 +154,11 @@ TEST(ForceControlParsers, Fz) {
                    {good + R"("Fz":1,"zero_Fz":1,"work_zero_Fz":1})", 9, "0.001; 0.001; 0.001; -"},
                    {good + R"("Fz":"1","zero_Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 11, ""},
                    {good + R"("Fz")", 9, ""}});
+}
+
+TEST(ForceControlOnASimulatedArm, EveryRowIsAnswered) {
+    expect_simulated(kRows, "ZK65-6F", "Get_Fz.*");
+    expect_simulated(kRows, "ZK65-ZF", "(?!Get_Fz).*");
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "commands/wire.h"
 #include "support/command_case.h"
 #include "support/parser_case.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 
 namespace {
@@ -118,5 +119,7 @@ TEST(ForcePositionParsers, Report) {
                    {"{" + six + "}", 9, ""},
                    {R"({"state":true,)" + six, 9, ""}});
 }
+
+TEST(ForcePositionOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "support/kdl_frames.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/algorithm.h"
 #include "zk/startup.h"
@@ -428,5 +429,7 @@ TEST(FramesOfASimulatedArm, WorkFramesAreGotBackAsSet) {
     Pose pose{};
     EXPECT_EQ(Get_Given_Work_Frame(arm, name, &pose), 1);
 }
+
+TEST(FramesOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/replies/gripper_and_hand.h"
 #include "zk/replies/joint_configuration.h"
@@ -186,5 +187,7 @@ TEST(GripperOfASimulatedArm, GripsWhatThereIs) {
     EXPECT_EQ(Set_Hand_Seq(arm, 1, true), 0);
     EXPECT_EQ(Set_PWM(arm, 1000, 50, false), 0);
 }
+
+TEST(GripperOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

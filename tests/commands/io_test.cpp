@@ -8,6 +8,7 @@
 #include "commands/wire.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/dispatch.h"
 
@@ -241,5 +242,7 @@ TEST(IoOfASimulatedArm, TheToolHasTwoPortsAndASupply) {
     EXPECT_EQ(Get_Voltage(arm, &type), 0);
     EXPECT_EQ(type, 2);
 }
+
+TEST(IoOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/algorithm.h"
 #include "zk/replies/motion.h"
@@ -400,6 +401,11 @@ TEST(JointConfigurationOfASimulatedArm, SoftLimitsAreReachedAgain) {
     float joints[6];
     EXPECT_EQ(Get_Joint_Degree(arm, joints), 0);
     EXPECT_EQ(joints[2], 89.5f);
+}
+
+TEST(JointConfigurationOnASimulatedArm, EveryRowIsAnswered) {
+    expect_simulated(kRows);
+    expect_simulated(kRows, "ZK75-6F");
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "commands/wire.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/system.h"
 
@@ -254,5 +255,7 @@ TEST_F(Bus, RefusesWhatNobodyAnswers) {
     EXPECT_EQ(Close_Modbus_Mode(arm_, 0, true), 0);
     EXPECT_EQ(read(Get_Read_Coils, s_, 0, 0, 1, 1), "status 1") << "closed";
 }
+
+TEST(ModbusOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "support/kdl_frames.h"
 #include "support/parser_case.h"
 #include "support/scaled_time.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/algorithm.h"
 #include "zk/startup.h"
@@ -205,5 +206,7 @@ TEST_P(DerivedMoves, GoALineToTheComputedTarget) {
                                rx * 1e3,           ry * 1e3,           rz * 1e3};
     for (int i = 0; i < 6; ++i) EXPECT_NEAR(request["pose"][i].get<int>(), expected[i], 2) << i;
 }
+
+TEST(MotionOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/simulated_rows.h"
 #include "support/temporary_file.h"
 #include "support/wire_protocol.h"
 #include "zk/arm_state.h"
@@ -421,5 +422,7 @@ TEST_F(SimulatedPrograms, StandBesideWaypointsThatComeBack) {
     EXPECT_EQ(Delete_Global_Waypoint(arm_, "w1"), 0);
     EXPECT_EQ(Delete_Global_Waypoint(arm_, "w1"), 1);
 }
+
+TEST(ProgramsOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

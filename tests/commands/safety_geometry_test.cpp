@@ -6,6 +6,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 
 namespace {
@@ -389,5 +390,7 @@ TEST(FencesOfASimulatedArm, AndWhatTheArmIsKeptFrom) {
     EXPECT_EQ(with_outputs<ToolEnvelope>(told, Get_Tool_Envelope, arm, "Arm_Tip"), 0);
     EXPECT_EQ(told, "Arm_Tip 2, a 0.05 0.001 -0.001 1, b 1 2 3 4");
 }
+
+TEST(SafetyGeometryOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

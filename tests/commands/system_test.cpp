@@ -6,6 +6,7 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 
 namespace {
@@ -338,5 +339,7 @@ TEST(SystemOfASimulatedArm, TellsOfItselfAndKeepsItsSettings) {
     EXPECT_EQ(text_of({day, hour}), "0 0");
     EXPECT_LT(sec, 60);
 }
+
+TEST(SystemOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

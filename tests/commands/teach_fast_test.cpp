@@ -6,6 +6,7 @@
 
 #include "support/command_case.h"
 #include "support/scaled_time.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 
 namespace {
@@ -88,5 +89,7 @@ TEST(TeachGuards, JoggingWithoutAnAnswerEndsIn7) {
         EXPECT_GE(Get_Program_Runtime() - start, 3000);
     }
 }
+
+TEST(TeachOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "support/command_case.h"
 #include "support/parser_case.h"
+#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 
 namespace {
@@ -107,6 +108,11 @@ TEST(TrajectoryParsers, Waypoint) {
                           {R"({"waypoint_state":false})", 1, ""},
                           {R"({"state":true})", 9, ""},
                           {"", 9, ""}});
+}
+
+TEST(TrajectoryOnASimulatedArm, EveryRowIsAnswered) {
+    expect_simulated(kRows);
+    expect_simulated(kRows, "ZK75-6F");
 }
 
 }  // namespace
