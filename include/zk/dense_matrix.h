@@ -268,7 +268,8 @@ ZK_API Mat mat_pinv_svd(Mat A);
 
 /*
  * The condition number: the root of the first over the last eigenvalue of A' A in the order of the iteration, which
- * tends to bring the largest first.
+ * mostly has the largest first. 1 for a row; NaN where A' A is exactly singular, as for one row in five, and for a
+ * column.
  */
 ZK_API float mat_cond(Mat A);
 

@@ -194,6 +194,11 @@ TEST_F(Front, ConvertsPoses) {
     const Matrix work_T_base = to_matrix(work.Inverse());
     expect_pose_near(Algo_Base2WorkFrame(work_T_base, pose), work.Inverse() * f, 1e-6);
     expect_pose_near(Algo_WorkFrame2Base(work_T_base, pose), work * f, 1e-6);
+
+    Matrix stretched = to_matrix(KDL::Frame::Identity());  // not a transform, and inverted as it is
+    stretched.m[0][0] = 2;
+    EXPECT_FLOAT_EQ(Algo_Base2WorkFrame(stretched, pose).position.x, 0.2f);
+    EXPECT_FLOAT_EQ(Algo_WorkFrame2Base(stretched, pose).position.x, 0.05f);
 }
 
 TEST_F(Front, ToolAndEndAreEachOthersInverse) {

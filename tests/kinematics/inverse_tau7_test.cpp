@@ -43,14 +43,6 @@ TEST_F(Tau7, FindsPosturesNearTheSeed) {
     EXPECT_LT(solved.farthest, 2e-3);  // the pull to mid-range
 }
 
-TEST_F(Tau7, FollowsStraightLines) {
-    const int lines = 1000 / kShare;
-    const Followed followed = follow_lines(arm, lines, solver);
-    EXPECT_LT(followed.largest_excess, 1e-3);
-    EXPECT_EQ(followed.unsolved, 0);
-    EXPECT_GT(followed.whole, lines / 2);
-}
-
 // What the arm with a closed form does: a target anywhere, from a seed anywhere.
 TEST_F(Tau7, FindsPosturesFarFromTheSeed) {
     for (const float range : {0.013f, 3.14f}) {

@@ -53,16 +53,6 @@ TEST_F(Zk75, NarrowFindsPosturesNearTheSeed) {
     EXPECT_LT(solved.farthest, 2e-3);  // the pull to mid-range
 }
 
-TEST_F(Zk75, NarrowFollowsStraightLines) {
-    const int lines = 1000 / kShare;
-    const Followed followed = follow_lines(arm, lines, narrow);
-    EXPECT_LT(followed.largest_excess, 1e-3);
-    EXPECT_EQ(followed.unsolved, 0);
-    EXPECT_GT(followed.whole, lines / 2);
-}
-
-// ------------------------------------------------------------------------------------------------------- Wide mode --
-
 double turned_into_range(double angle) { return std::remainder(angle, 2 * M_PI); }
 
 // The least sum of squares from the seed over the arm angles of the sweep and all bends, with limits wider by a margin.
@@ -132,7 +122,7 @@ TEST_F(Zk75, WideFindsTheNearestOfAll) {
     EXPECT_GT(solved, 900 / kShare);
 }
 
-TEST_F(Zk75, WideWithNothingWithinTheLimitsJudgesWhatOutHeld) {
+TEST_F(Zk75, WideWithNothingWithinTheLimitsTestsWhatOutHeld) {
     ikine_set_solution_range_zk75(3.14f);
     const KDL::Frame target = arm.forward(bent);
     set_limits(3, -0.1f, 0.1f);  // the elbow cannot bend that far
@@ -144,8 +134,6 @@ TEST_F(Zk75, WideWithNothingWithinTheLimitsJudgesWhatOutHeld) {
     out[3] = 1;
     EXPECT_EQ(solve(bent, target, out), -2);
 }
-
-// ------------------------------------------------------------------------------------------------------ Narrow mode --
 
 TEST_F(Zk75, NarrowTakesThePseudoInverseStepNearAlignment) {
     struct {
@@ -258,9 +246,6 @@ TEST_F(Zk75, OffsetsOfTheModelAreAddedToTheSeedAndTakenOutOfTheAnswer) {
     EXPECT_LT(largest_difference(seed, bent), 1e-6);
 }
 
-// ----------------------------------------------------------------------------------------------------------- Helpers
-// --
-
 TEST(SevenAxisHelpers, TransformsOfTwelveMultiply) {
     const KDL::Frame a(KDL::Rotation::RPY(0.1, 0.2, 0.3), KDL::Vector(1, 2, 3));
     const KDL::Frame b(KDL::Rotation::RPY(-0.4, 0.5, 0.6), KDL::Vector(-4, 5, 6));
@@ -273,13 +258,17 @@ TEST(SevenAxisHelpers, TransformsOfTwelveMultiply) {
     expect_near(to_kdl(result), a * b, 3e-6);
 }
 
-TEST(SevenAxisHelpers, ZeroVectorsAreTold) {
+TEST(SevenAxisHelpers, ZeroVectorsAreThoseBelowTheBound) {
     Mat v = vec_zeros(3);
     EXPECT_EQ(utils_is_zero_vec(v), 1);
     v.m[2][0] = -0.9e-10f;
     EXPECT_EQ(utils_is_zero_vec(v), 1);
     v.m[0][0] = 0.9e-10f;  // their sum is 0, their norm is not below 1e-10
     EXPECT_EQ(utils_is_zero_vec(v), 0);
+    v = vec_zeros(3);
+    v.m[3][0] = 1;  // beyond the length
+    EXPECT_EQ(utils_is_zero_vec(v), 1);
+    v.m[0][0] = 1;
     v.rows = 0;
     EXPECT_EQ(utils_is_zero_vec(v), 1);
 }

@@ -60,17 +60,6 @@ class SevenAxisArm {
         const Matrix67 J = jacobian(q);
         return J.transpose() * (J * J.transpose()).ldlt().solve(error(q, target));
     }
-    // The same with the joints that stand at their limits in the answer going there, and the others left to make up.
-    Vector7 pseudo_inverse_step(const Joints& q, const KDL::Frame& target, const Joints& answer) {
-        Matrix67 J = jacobian(q);
-        Vector6 e = error(q, target);
-        for (int i = 0; i < 7; ++i) {
-            if (!at_limit(answer, i)) continue;
-            e -= J.col(i) * (static_cast<double>(answer[i]) - q[i]);
-            J.col(i).setZero();
-        }
-        return J.transpose() * (J * J.transpose()).ldlt().solve(e);
-    }
     double smallest_singular_value(const Joints& q) { return smallest_singular_value(jacobian(q)); }
     // Of the joints that are not at their limits in the answer.
     double smallest_free_singular_value(const Joints& q, const Joints& answer) {
@@ -83,12 +72,6 @@ class SevenAxisArm {
     bool at_limit(const Joints& q, int i) const {
         constexpr float kClose = 2e-3f;  // a pull to mid-range away
         return q[i] < lower(i) + kClose || q[i] > upper(i) - kClose;
-    }
-    bool any_at_limit(const Joints& q) const {
-        for (int i = 0; i < 7; ++i) {
-            if (at_limit(q, i)) return true;
-        }
-        return false;
     }
     float lower(int i) const { return static_cast<float>(arm.min[i]) * 0.017453292f; }
     float upper(int i) const { return static_cast<float>(arm.max[i]) * 0.017453292f; }
@@ -180,54 +163,6 @@ inline Solved solve_at_random(SevenAxisArm& arm, int times, double singular, con
             expect_within_limits(arm, out);
             if (from == q) result.farthest = std::max(result.farthest, largest_difference(out, q));
         }
-    }
-    return result;
-}
-
-// What became of straight lines that a solver followed in 200 steps, each solved from the answer before.
-// One at a limit cannot go on, or only by a posture that is singular without the joint that stands there.
-struct Followed {
-    int whole = 0, singular = 0, at_limit = 0, unsolved = 0;
-    double largest_excess = -1;  // of a joint's step over three times what the pseudo-inverse asks, radians
-};
-
-inline bool near_limit(const SevenAxisArm& arm, const Joints& q, const Vector7& step) {
-    for (int i = 0; i < 7; ++i) {
-        const double next = q[i] + 2 * step[i];
-        if (next < arm.lower(i) + 0.01 || next > arm.upper(i) - 0.01) return true;
-    }
-    return false;
-}
-
-inline Followed follow_lines(SevenAxisArm& arm, int lines, const Solver& solver) {
-    constexpr int kSteps = 200;
-    constexpr double kSingular = 0.02;
-    std::mt19937 generator(11);
-    Followed result;
-    for (int line = 0; line < lines; ++line) {
-        Joints q = random_joints(arm.arm, generator, 0.95), out{};
-        const KDL::Frame from = arm.forward(q), to = arm.forward(arm.seed_near(q, 0.5, generator));
-        const KDL::Twist way = KDL::diff(from, to);
-        int* end = &result.whole;
-        for (int step = 1; step <= kSteps && end == &result.whole; ++step) {
-            const KDL::Frame target = KDL::addDelta(from, way, static_cast<double>(step) / kSteps);
-            if (arm.smallest_singular_value(q) < kSingular) {
-                end = &result.singular;
-            } else if (solver.solve(q, target, out) != 0) {
-                end = near_limit(arm, q, arm.pseudo_inverse_step(q, target)) ? &result.at_limit : &result.unsolved;
-            } else if (arm.any_at_limit(out) && arm.smallest_free_singular_value(q, out) < kSingular) {
-                end = &result.at_limit;
-            } else {
-                expect_reached(arm, out, target, solver.near_alignment(q) ? 5 : 1);
-                double asked = arm.pseudo_inverse_step(q, target).cwiseAbs().maxCoeff();
-                if (arm.any_at_limit(out)) {
-                    asked = std::max(asked, arm.pseudo_inverse_step(q, target, out).cwiseAbs().maxCoeff());
-                }
-                result.largest_excess = std::max(result.largest_excess, largest_difference(out, q) - 3 * asked);
-                q = out;
-            }
-        }
-        ++*end;
     }
     return result;
 }

@@ -1,10 +1,11 @@
 // Selecting an arm, and what each arm is by default.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstring>
-#include <string>
 #include <vector>
 
+#include "kinematics/kdl_arm.h"
 #include "zk/model.h"
 
 namespace zk::test {
@@ -12,127 +13,76 @@ namespace {
 
 float radians(int degrees) { return static_cast<float>(degrees) * 0.017453292f; }
 
-struct Defaults {
-    int model, sensor, joints;
-    std::vector<int> max, min, speed;  // degrees
-    std::vector<float> direction;      // of the first seven
-    std::vector<float> mass;           // kilograms
-};
+// Right and straight angles have their single-precision values in the DH record.
+float dh_angle(int degrees) { return static_cast<float>(degrees / 180.0 * M_PI); }
 
-class Model : public testing::TestWithParam<Defaults> {};
-
-TEST_P(Model, HasItsLimitsDirectionsAndMasses) {
-    const Defaults& arm = GetParam();
-    ASSERT_EQ(libalgo_set_robot_and_sensor_type(arm.model, arm.sensor), 0);
-    EXPECT_EQ(libalgo_get_rbt_dof(), arm.joints);
-    EXPECT_EQ(libalgo_get_robot_type(), arm.model);
-    EXPECT_EQ(libalgo_get_sensor_type(), arm.sensor);
-
-    float max[8], min[8], speed[8], acceleration[8], direction[7];
-    libalgo_get_jointlim_max(max);
-    libalgo_get_jointlim_min(min);
-    libalgo_get_joint_vel_maxlim(speed);
-    libalgo_get_joint_acc_maxlim(acceleration);
-    libalgo_get_joint_direction(direction);
-    for (int j = 0; j < 8; ++j) {
-        const bool has = j < arm.joints;
-        EXPECT_EQ(max[j], has ? radians(arm.max[j]) : 0) << j;
-        EXPECT_EQ(min[j], has ? radians(arm.min[j]) : 0) << j;
-        EXPECT_EQ(speed[j], has ? radians(arm.speed[j]) : 0) << j;
-        EXPECT_EQ(acceleration[j], has ? radians(1000) : 0) << j;
+TEST(Model, HasTheDhParametersAndLimitsOfItsArm) {
+    for (const Arm& arm : arms()) {
+        SCOPED_TRACE(arm);
+        ASSERT_EQ(libalgo_set_robot_and_sensor_type(arm.model, arm.sensor), 0);
+        EXPECT_EQ(libalgo_get_rbt_dof(), arm.joints);
+        float max[8], min[8], acceleration[8];
+        libalgo_get_jointlim_max(max);
+        libalgo_get_jointlim_min(min);
+        libalgo_get_joint_acc_maxlim(acceleration);
+        DhParams dh;
+        libalgo_get_dh_value(&dh);
+        for (int j = 0; j < 8; ++j) {
+            const bool has = j < arm.joints;
+            EXPECT_EQ(max[j], has ? radians(arm.max[j]) : 0) << j;
+            EXPECT_EQ(min[j], has ? radians(arm.min[j]) : 0) << j;
+            EXPECT_EQ(acceleration[j], has ? radians(1000) : 0) << j;
+            EXPECT_EQ(dh.d[j], has ? arm.d[j] : 0) << j;
+            EXPECT_EQ(dh.a[j], has ? arm.a[j] : 0) << j;
+            EXPECT_EQ(dh.offset[j], has ? dh_angle(arm.offset[j]) : 0) << j;
+            // The record of model 4 differs from the twist of its wrist, and model 9 has none.
+            const int twist = arm.model == 9 ? 0 : arm.model == 4 && j == 5 ? -90 : has ? arm.twist[j] : 0;
+            EXPECT_EQ(dh.alpha[j], dh_angle(twist)) << j;
+            EXPECT_EQ(dh.d_comp[j] + dh.a_comp[j] + dh.alpha_comp[j] + dh.offset_comp[j], 0) << j;
+        }
+        EXPECT_EQ(std::memcmp(&robot.dh, &dh_default, sizeof robot.dh), 0);
+        EXPECT_EQ(std::memcmp(robot.dynamics_params.link, dyn_param_default.link, sizeof dyn_param_default.link), 0);
+        EXPECT_EQ(std::vector<float>(robot.tcp_config, robot.tcp_config + 4),
+                  (std::vector<float>{0.25f, 1.6f, 0.6f, 4.0f}));
     }
-    EXPECT_EQ(std::vector<float>(direction, direction + 7), arm.direction);
-
-    DynamicsParams dynamics;
-    libalgo_get_dynamics_params(&dynamics);
-    for (int j = 0; j < 8; ++j) {
-        EXPECT_EQ(dynamics.link[j].mass, j < int(arm.mass.size()) ? arm.mass[j] : 0) << j;
-    }
-    float tcp[4];
-    libalgo_get_tcp_config(tcp);
-    EXPECT_EQ(std::vector<float>(tcp, tcp + 4), (std::vector<float>{0.25f, 1.6f, 0.6f, 4.0f}));
-    EXPECT_EQ(libalgo_check_dh_params_is_default(), 1);
-    EXPECT_EQ(std::memcmp(&robot.dh, &dh_default, sizeof robot.dh), 0);
-    EXPECT_EQ(std::memcmp(robot.dynamics_params.link, dyn_param_default.link, sizeof dyn_param_default.link), 0);
 }
 
-const std::vector<float> kStraight = {1, 1, 1, 1, 1, 1, 1}, kOf63 = {1, -1, 1, 1, 1, 1, 1},
-                         kParallel = {1, -1, 1, -1, 1, 1, 1};
-const std::vector<int> kMax63 = {178, 178, 145, 178, 178, 360}, kMin63 = {-178, -178, -178, -178, -178, -360},
-                       kMaxParallel = {180, 180, 145, 140, 180, 180},
-                       kMinParallel = {-180, -180, -160, -140, -180, -180}, kSpeed = {180, 180, 225, 225, 225, 225};
+TEST(Model, HasItsSpeedsDirectionsAndMasses) {
+    using Values = std::vector<float>;
+    const Values slow = {180, 180, 225, 225, 225, 225, 0}, straight = {1, 1, 1, 1, 1, 1, 1},
+                 of_63 = {1, -1, 1, 1, 1, 1, 1}, parallel = {1, -1, 1, -1, 1, 1, 1};
+    const struct {
+        int model, sensor;
+        Values speed, direction, mass;  // degrees per second, kilograms
+    } rows[] = {
+        // clang-format off
+        {0, 0, slow, straight, {1.51f, 1.653f, 0.726f, 0.671f, 0.647f, 0.107f, 0}},
+        {0, 2, slow, straight, {1.51f, 1.653f, 0.726f, 0.671f, 0.647f, 0.248f, 0}},
+        {1, 1, {180, 180, 225, 225, 225, 225, 225}, straight, {1.574f, 1.217f, 1.11f, 0.685f, 0.619f, 0.602f, 0.15f}},
+        {3, 0, slow, of_63, {1.837f, 2.006f, 1.961f, 1.201f, 1.026f, 0.107f, 0}},
+        {4, 0, slow, of_63, Values(7)},
+        {5, 0, slow, parallel, {1.50782f, 2.022748f, 1.885823f, 0.5700811f, 0.6413858f, 0.107f, 0}},
+        {6, 0, {225, 225, 225, 180, 180, 180, 0}, parallel, {1.19575f, 0.8055f, 0.413f, 0.2386f, 0.2633f, 0.0667f, 0}},
+        {7, 0, {180, 180, 180, 180, 225, 225, 225}, {-1, 1, -1, 1, -1, 1, -1},
+         {0.849f, 0.954f, 1.166f, 0.501f, 0.164f, 0.92f, 0}},
+        {8, 1, slow, parallel, {1.6026f, 2.8169f, 2.6857f, 0.625f, 0.6743f, 0.15f, 0}},
+        {9, 3, Values(7, 300), straight, Values(7)},
+        // clang-format on
+    };
+    for (const auto& row : rows) {
+        ASSERT_EQ(libalgo_set_robot_and_sensor_type(row.model, row.sensor), 0);
+        float speed[8], direction[7];
+        libalgo_get_joint_vel_maxlim(speed);
+        libalgo_get_joint_direction(direction);
+        for (int j = 0; j < 7; ++j) {
+            EXPECT_EQ(speed[j], radians(static_cast<int>(row.speed[j]))) << row.model << ' ' << j;
+            EXPECT_EQ(direction[j], row.direction[j]) << row.model << ' ' << j;
+            EXPECT_EQ(robot.dynamics_params.link[j].mass, row.mass[j]) << row.model << ' ' << j;
+        }
+    }
+}
 
-INSTANTIATE_TEST_SUITE_P(
-    , Model,
-    testing::Values(Defaults{0,
-                             0,
-                             6,
-                             {178, 130, 135, 178, 128, 360},
-                             {-178, -130, -135, -178, -128, -360},
-                             kSpeed,
-                             kStraight,
-                             {1.51f, 1.653f, 0.726f, 0.671f, 0.647f, 0.107f}},
-                    Defaults{0,
-                             2,
-                             6,
-                             {178, 130, 135, 178, 128, 360},
-                             {-178, -130, -135, -178, -128, -360},
-                             kSpeed,
-                             kStraight,
-                             {1.51f, 1.653f, 0.726f, 0.671f, 0.647f, 0.248f}},
-                    Defaults{1,
-                             1,
-                             7,
-                             {178, 130, 178, 135, 178, 128, 360},
-                             {-178, -130, -178, -135, -178, -128, -360},
-                             {180, 180, 225, 225, 225, 225, 225},
-                             kStraight,
-                             {1.574f, 1.217f, 1.11f, 0.685f, 0.619f, 0.602f, 0.15f}},
-                    Defaults{3, 0, 6, kMax63, kMin63, kSpeed, kOf63, {1.837f, 2.006f, 1.961f, 1.201f, 1.026f, 0.107f}},
-                    Defaults{4, 0, 6, kMax63, kMin63, kSpeed, kOf63, {}},
-                    Defaults{5,
-                             0,
-                             6,
-                             kMaxParallel,
-                             kMinParallel,
-                             kSpeed,
-                             kParallel,
-                             {1.50782f, 2.022748f, 1.885823f, 0.5700811f, 0.6413858f, 0.107f}},
-                    Defaults{6,
-                             0,
-                             6,
-                             kMaxParallel,
-                             kMinParallel,
-                             {225, 225, 225, 180, 180, 180},
-                             kParallel,
-                             {1.19575f, 0.8055f, 0.413f, 0.2386f, 0.2633f, 0.0667f}},
-                    Defaults{7,
-                             0,
-                             7,
-                             {172, 105, 172, 55, 172, 120, 172},
-                             {-172, -105, -172, -170, -172, -90, -172},
-                             {180, 180, 180, 180, 225, 225, 225},
-                             {-1, 1, -1, 1, -1, 1, -1},
-                             {0.849f, 0.954f, 1.166f, 0.501f, 0.164f, 0.92f}},
-                    Defaults{8,
-                             1,
-                             6,
-                             kMaxParallel,
-                             kMinParallel,
-                             kSpeed,
-                             kParallel,
-                             {1.6026f, 2.8169f, 2.6857f, 0.625f, 0.6743f, 0.15f}},
-                    Defaults{9,
-                             3,
-                             7,
-                             {360, 360, 360, 360, 360, 360, 360},
-                             {-360, -360, -360, -360, -360, -360, -360},
-                             {300, 300, 300, 300, 300, 300, 300},
-                             kStraight,
-                             {}}),
-    [](const auto& p) { return std::to_string(p.param.model) + "Sensor" + std::to_string(p.param.sensor); });
-
-TEST(Selection, TakesThePairsThatThereAreArmsOf) {
+TEST(Selection, AcceptsThePairsWithAnArm) {
     // By sensor -1 to 4.
     const struct {
         int model;
@@ -184,7 +134,7 @@ TEST(Selection, OfNoArmClearsTheModelButKeepsTheDefaultsOfTheLast) {
     EXPECT_EQ(libalgo_check_dh_params_is_default(), 1);  // there is no joint that could differ
 }
 
-TEST(Selection, TellsLinkInertiaWhereItIsKnown) {
+TEST(Selection, HasTheLinkInertiaWhereItIsKnown) {
     const struct {
         int model, sensor, link;
         LinkDynamics expected;
@@ -222,19 +172,6 @@ TEST(Selection, TellsLinkInertiaWhereItIsKnown) {
         libalgo_get_link_dynamics_params(links);
         EXPECT_EQ(std::memcmp(&links[c.link], &c.expected, sizeof c.expected), 0) << c.model << ' ' << c.sensor;
     }
-}
-
-TEST(Selection, StoresSingularAnglesAsTheirSinglePrecisionValues) {
-    libalgo_set_robot_and_sensor_type(3, 0);
-    EXPECT_EQ(robot.dh.alpha[1], -1.5707964f);
-    EXPECT_EQ(robot.dh.offset[4], 3.1415927f);
-    EXPECT_EQ(robot.joint_config[5].pos_max, 6.2831855f);
-    libalgo_set_robot_and_sensor_type(4, 0);
-    EXPECT_EQ(robot.dh.alpha[5], -1.5707964f);  // told so, though the arm's wrist is not built so
-    EXPECT_EQ(robot.dh.d[0], 0.162f);
-    EXPECT_EQ(robot.dh.d[1], -0.0084f);
-    libalgo_set_robot_and_sensor_type(4, 1);
-    EXPECT_EQ(robot.dh.d[0], 0.172f);
 }
 
 }  // namespace

@@ -45,6 +45,8 @@ TEST(DenseVectors, NormsAndProductsGoDownTheFirstColumn) {
     EXPECT_EQ(vec_dot(vec({1, 2, 3}), vec({4, 5, 6})), 32);
     EXPECT_EQ(vec_is_zeros(vec({0, 0})), 1);
     EXPECT_EQ(vec_is_zeros(vec({1e-15f, 0})), 0);
+    EXPECT_EQ(mat_is_equal(vec_zeros(3), vec({0, 0, 0})), 1);
+    EXPECT_EQ(mat_is_equal(vec_init(3), vec({0, 0, 0})), 1);
 }
 
 TEST(DenseVectors, LargestMagnitudeLeavesOutTheLastElement) {

@@ -124,14 +124,6 @@ TEST(FixedInverse, OfAnAffineTransformNeedsNoRotationAndNoLastRow) {
     }
 }
 
-TEST(FixedInverse, ThreeRoutesAgreeOnARigidTransform) {
-    const Pose p{{0.4f, -0.2f, 0.9f}, {}, {0.5f, -1.0f, 2.0f}};
-    const Matrix t = pose_euler_to_transformation_matrix(p);
-    const auto exchange = to_eigen(matrix_inv(t), 4);
-    EXPECT_LT((exchange - to_eigen(matrix_inv_coordinate_system(t), 4)).norm(), 1e-6);
-    EXPECT_LT((exchange - to_eigen(matrix_inv_full_rank(t), 4)).norm(), 1e-6);
-}
-
 TEST(FixedInverse, SingularMatricesGiveWhatIsNotFinite) {
     EXPECT_TRUE(any_not_finite(matrix_inv(zero_matrix(4, 4))));
     EXPECT_TRUE(any_not_finite(matrix_inv({2, 2, {{1, 2}, {2, 4}}})));

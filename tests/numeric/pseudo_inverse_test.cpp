@@ -62,8 +62,9 @@ TEST(Condition, IsTheRatioOfSingularValues) {
     const Eigen::VectorXd s = Eigen::JacobiSVD<Eigen::MatrixXd>(to_eigen(regular())).singularValues();
     EXPECT_NEAR(mat_cond(regular()), s(0) / s(2), 1e-3);
     EXPECT_NEAR(mat_cond(dense(2, 2, {4, 0, 0, 0.5f})), 8, 1e-4);
-    EXPECT_NEAR(mat_cond(dense(2, 2, {0.5f, 0, 0, 4})), 0.125f,
-                1e-4);  // first over last, and not largest over smallest
+    // First over last, not largest over smallest.
+    EXPECT_NEAR(mat_cond(dense(2, 2, {0.5f, 0, 0, 4})), 0.125f, 1e-4);
+    EXPECT_EQ(mat_cond(dense(1, 3, {0.3f, 0.7f, 0.1f})), 1);  // a row has one singular value
 }
 
 }  // namespace

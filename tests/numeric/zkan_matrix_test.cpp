@@ -101,6 +101,10 @@ TEST(DenseMatrix, SymmetryIsExact) {
     EXPECT_EQ(mat_is_hermitian(dense(2, 2, {std::nanf(""), 2, 2, 3})), 0);
     EXPECT_EQ(mat_is_hermitian(k2x3), -1);
     EXPECT_EQ(mat_is_hermitian(mat_init(0, 0)), 1);
+    Mat a = dense(2, 2, {1, 2, 2, 3});
+    a.m[2][0] = a.m[0][2] = 9;
+    a.m[2][1] = 9;  // outside the block
+    EXPECT_EQ(mat_is_hermitian(a), 1);
 }
 
 TEST(DenseMatrix, EqualityIsOfWholeRecords) {
