@@ -35,15 +35,22 @@ TEST_P(ProgramWatch, EndsAsItShould) {
     const ArmSocket arm = connect_arm(controller);
     controller.answer("set_program_id_start", kStarted);
     size_t asked = 0;
+    int32_t last_asked = 0;
     controller.answer_with("get_program_run_state", [&](const std::string&) {
         const bool last = ++asked == static_cast<size_t>(watch.asked);
-        if (last && watch.finish.empty()) set_time_factor(200);
+        if (last && watch.finish.empty()) {
+            last_asked = Get_Program_Runtime();
+            set_time_factor(50);
+        }
         zk::test::Pieces pieces{line(watch.looks[std::min(asked, watch.looks.size()) - 1])};
         if (last && !watch.finish.empty()) pieces.insert(pieces.begin(), line(watch.finish));
         return pieces;
     });
     EXPECT_EQ(Set_Program_ID_Start(arm, 3, 20, true), watch.status);
     EXPECT_EQ(asked, static_cast<size_t>(watch.asked));
+    if (watch.status == 7) {
+        EXPECT_GE(Get_Program_Runtime() - last_asked, 61000);
+    }
 }
 INSTANTIATE_TEST_SUITE_P(
     , ProgramWatch,

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "support/command_case.h"
-#include "support/parser_case.h"
 #include "support/wire_protocol.h"
 #include "zk/realtime.h"
 #include "zk/startup.h"
@@ -64,30 +63,5 @@ TEST(RealtimePushGuards, ThePageTellsTheWire) { expect_documented("Real-time pus
 TEST(RealtimePushGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 
 TEST(RealtimePushGuards, NoRecordNoQuestion) { expect_nothing_sent({{CALL(Get_Realtime_Push, (s, nullptr))}}); }
-
-TEST(RealtimePushParsers, Configuration) {
-    const auto without = [](const std::string& key) {
-        const size_t start = kReply.find("\"" + key + "\":"), end = kReply.find_first_of(",}", start);
-        const bool last = kReply[end] == '}';
-        return kReply.substr(0, last ? start - 1 : start) + kReply.substr(last ? end : end + 1);
-    };
-    const auto with_text = [](const std::string& key) {
-        const size_t start = kReply.find("\"" + key + "\":") + key.size() + 3, end = kReply.find_first_of(",}", start);
-        return kReply.substr(0, start) + "[]" + kReply.substr(end);
-    };
-    const Parse parse = parsing(Parser_Get_Realtime_Push);
-    std::string told;
-    for (const char* key : {"cycle", "enable", "port", "ip", "joint_speed", "lift_state", "expand_state", "hand",
-                            "arm_current_status", "aloha_state"}) {
-        EXPECT_EQ(parse(-1, without(key).c_str(), told), 9) << key;
-        EXPECT_EQ(parse(-1, with_text(key).c_str(), told), 11) << key;
-    }
-    EXPECT_EQ(parse(-1, without("force_coordinate").c_str(), told), 0);
-    EXPECT_EQ(told, "5, on, 8089, -1, 192.168.1.10, 1 0 1 0 1 0");
-    EXPECT_EQ(parse(-1, with_text("force_coordinate").c_str(), told), 11);
-    EXPECT_EQ(parse(-1, R"({"cycle":5,"enable":true,"port":1,"ip":"1.1.1.1","custom":7})", told), 11);
-    EXPECT_EQ(parse(-1, R"({"cycle":5,"enable":true,"port":1,"ip":"1.1.1.1"})", told), 9);
-    EXPECT_EQ(parse(-1, "{", told), 9);
-}
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include "support/arm.h"
 #include "support/scaled_time.h"
 #include "zk/arm_state.h"
+#include "zk/attached_axes.h"
+#include "zk/file_transfer.h"
 #include "zk/queue.h"
 #include "zk/realtime.h"
 #include "zk/replies/frames.h"
@@ -52,58 +54,36 @@ class Forms : public testing::Test {
     ArmSocket arm_ = 0;
 };
 
-struct Setter {
-    const char* name;
-    int (*wrapper)(ArmSocket, bool);
-    int (*block)(ArmSocket);
-    int (*nonblock)(ArmSocket);
-    const char* command;
-    const char* key;
-    AckReply* mailbox;
-};
-
-constexpr Setter kSetters[] = {
-    {"Stop", Move_Stop_Cmd, Move_Stop_Cmd_Block, Move_Stop_Cmd_NonBlock, "set_arm_stop", "arm_stop", Set_Arm_Stop_Cmd},
-    {"SlowStop", Move_Slow_Stop_Cmd, Move_Slow_Stop_Cmd_Block, Move_Slow_Stop_Cmd_NonBlock, "set_arm_slow_stop",
-     "arm_slow_stop", Set_Arm_Slow_Stop_Cmd},
-    {"Pause", Move_Pause_Cmd, Move_Pause_Cmd_Block, Move_Pause_Cmd_NonBlock, "set_arm_pause", "arm_pause",
-     Set_Arm_Pause_Cmd},
-    {"Continue", Move_Continue_Cmd, Move_Continue_Cmd_Block, Move_Continue_Cmd_NonBlock, "set_arm_continue",
-     "arm_continue", Set_Arm_Continue_Cmd},
-    {"ClearCurrent", Clear_Current_Trajectory, Clear_Current_Trajectory_Block, Clear_Current_Trajectory_NonBlock,
-     "set_delete_current_trajectory", "delete_current_trajectory", Clear_Current_Trajectory_Cmd},
-    {"ClearAll", Clear_All_Trajectory, Clear_All_Trajectory_Block, Clear_All_Trajectory_NonBlock,
-     "set_arm_delete_trajectory", "arm_delete_trajectory", Clear_All_Trajectory_Cmd}};
-
-class Setters : public Forms, public testing::WithParamInterface<Setter> {
- protected:
-    std::string reply(const std::string& value) const {
-        const Setter& row = GetParam();
-        return std::string(R"({"command":")") + row.command + R"(",")" + row.key + "\":" + value + "}";
-    }
-};
-INSTANTIATE_TEST_SUITE_P(, Setters, testing::ValuesIn(kSetters),
-                         [](const auto& row) { return std::string(row.param.name); });
-
-TEST_P(Setters, NonBlockLeavesTheReplyInTheMailbox) {
-    controller_.answer(GetParam().command, reply("false"));
-    EXPECT_EQ(GetParam().wrapper(arm_, false), 0);
-    eventually([&] { return shared(GetParam().mailbox[0].count) == 1; });
-    EXPECT_EQ(shared(GetParam().mailbox[0].result), 1);
-}
-
-TEST_P(Setters, BlockTimesOutAfterThreeSeconds) {
+TEST_F(Forms, ABlockingFormTimesOutAfterThreeSeconds) {
     const int32_t start = Get_Program_Runtime();
     set_time_factor(100);
-    EXPECT_EQ(GetParam().block(arm_), 7);
+    EXPECT_EQ(Move_Stop_Cmd_Block(arm_), 7);
     EXPECT_GE(Get_Program_Runtime() - start, 3000);
 }
 
-TEST_P(Setters, AnUnknownSocketGives5AndNothingIsQueued) {
+TEST_F(Forms, AnUnknownSocketReturns5AndNothingIsQueued) {
     set_shared(IsSendFile, 1);  // holds the queue
-    for (const ArmSocket unknown : {arm_ + 1, 0, -1}) EXPECT_EQ(GetParam().block(unknown), 5) << unknown;
+    for (const ArmSocket unknown : {arm_ + 1, 0, -1}) EXPECT_EQ(Move_Stop_Cmd_Block(unknown), 5) << unknown;
     EXPECT_TRUE(ZK_Queue_Empty(&Socket_Tx_Buffer));
-    EXPECT_EQ(GetParam().nonblock(arm_ + 1), 0) << "forms that only send do not look";
+    EXPECT_EQ(Move_Stop_Cmd_NonBlock(arm_ + 1), 0) << "forms that only send do not check the socket";
+}
+
+// The pause comes before the check of the socket.
+TEST_F(Forms, SomeCommandsSleepFirst) {
+    const auto sleeps = [](auto call) {
+        const int64_t before = slept();
+        EXPECT_EQ(call(), 5);
+        return slept() - before;
+    };
+    EXPECT_EQ(sleeps([] { return Arm_Socket_State(0); }), 20);
+    EXPECT_EQ(sleeps([] { return Expand_Set_Pos(0, 1, 2, true); }), 20);
+    EXPECT_EQ(sleeps([] { return Set_Joint_Err_Clear(0, 1, true); }), 20);
+    EXPECT_EQ(sleeps([] { return Set_Joint_Zero_Pos(0, 1, true); }), 20);
+    EXPECT_EQ(sleeps([] { return Set_Car_Charge(0, 1, true); }), 20);
+    EXPECT_EQ(sleeps([] { return Set_Arm_Run_Mode(0, 1); }), 2);
+    int32_t total;
+    EXPECT_EQ(sleeps([&] { return Save_Trajectory(0, "a/b", &total); }), 2);
+    EXPECT_EQ(sleeps([] { return Move_Stop_Cmd(0, true); }), 0);
 }
 
 TEST_F(Forms, AnOldAcknowledgementIsNotTaken) {
@@ -243,34 +223,6 @@ TEST_F(Forms, WrappersThatSuspendRaiseTheFlagForTheirBlockingForm) {
               1);
     EXPECT_EQ(flag_during("get_joint_max_speed", speeds(1), [&] { return Arm_Socket_State(arm_); }), 1);
     EXPECT_EQ(flag_during("get_joint_max_speed", speeds(1), [&] { return Get_Joint_Speed(arm_, data); }), 0);
-}
-
-TEST_F(Forms, NullPointersGive19AfterTheGuardAndNothingIsSent) {
-    int32_t type;
-    float data[7];
-    Pose pose;
-    uint16_t word;
-    const std::function<int()> calls[] = {[&] { return Get_Current_Trajectory(arm_, nullptr, data); },
-                                          [&] { return Get_Current_Trajectory(arm_, &type, nullptr); },
-                                          [&] { return Add_Waypoint(arm_, nullptr, false); },
-                                          [&] { return Add_Waypoint(arm_, nullptr, true); },
-                                          [&] { return Get_Joint_Speed(arm_, nullptr); },
-                                          [&] { return Get_Joint_Acc(arm_, nullptr); },
-                                          [&] { return Get_Joint_Min_Pos(arm_, nullptr); },
-                                          [&] { return Get_Joint_Max_Pos(arm_, nullptr); },
-                                          [&] { return Get_Current_Arm_State(arm_, nullptr, &pose, &word, &word); },
-                                          [&] { return Get_Current_Arm_State(arm_, data, &pose, nullptr, &word); },
-                                          [&] { return Get_Current_Arm_State(arm_, data, &pose, &word, nullptr); },
-                                          [&] { return Get_Current_Tool_Frame(arm_, nullptr); },
-                                          [&] { return Get_Current_Work_Frame(arm_, nullptr); },
-                                          [&] { return Get_Arm_Software_Info(arm_, nullptr); },
-                                          [&] { return Get_Realtime_Push(arm_, nullptr); }};
-    for (size_t i = 0; i < std::size(calls); ++i) EXPECT_EQ(calls[i](), 19) << i;
-    set_shared(IsSendFile, 1);
-    for (size_t i = 0; i < std::size(calls); ++i) EXPECT_EQ(calls[i](), 18) << i;
-    EXPECT_EQ(Get_Install_Pose(arm_, nullptr, nullptr, nullptr), 18);
-    EXPECT_EQ(Set_Realtime_Push(arm_, {}), 18);
-    EXPECT_TRUE(ZK_Queue_Empty(&Socket_Tx_Buffer));
 }
 
 }  // namespace

@@ -12,6 +12,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+thread_local int64_t slept_ms = 0;
+
 constexpr Clock::duration kLongestStop = std::chrono::minutes(1);
 
 struct Scale {
@@ -43,6 +45,8 @@ void zk::test::set_time_factor(int factor) {
     time.factor = factor;
 }
 
+int64_t zk::test::slept() { return slept_ms; }
+
 ZK_API int32_t Get_Program_Runtime(void) {
     const std::lock_guard lock(scale().mutex);
     const auto passed = std::chrono::duration_cast<std::chrono::milliseconds>(scale().passed_before + scale().passed());
@@ -50,6 +54,7 @@ ZK_API int32_t Get_Program_Runtime(void) {
 }
 
 ZK_API void sleep_cp(int32_t milliseconds) {
+    slept_ms += milliseconds;
     std::chrono::nanoseconds real = std::chrono::milliseconds(milliseconds);
     {
         const std::lock_guard lock(scale().mutex);
