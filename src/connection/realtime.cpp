@@ -28,7 +28,7 @@ constexpr size_t kLongestDatagram = 1024;
 
 char sender_text[INET_ADDRSTRLEN];
 
-// Odd while robotstatus is being written, so that a poll never takes half a datagram.
+// Odd while the thread writes robotstatus, so that a poll never copies half a datagram.
 std::atomic<uint32_t> publication{0};
 
 void publish(const RobotStatus& status) {

@@ -14,8 +14,8 @@ namespace {
 
 constexpr double kIntegerTolerance = 2.220446049250313e-16;
 
-// A number by the rules of the wire, whatever the installed printer writes: integers of 32 bits as such, larger whole
-// numbers below 1e60 in full, all else with six decimals, in exponent form when very small or very large.
+// Formats a number by the rules of the wire, independent of the installed printer: integers of 32 bits as such, larger
+// whole numbers below 1e60 in full, others with six decimals, in exponent form when very small or very large.
 cJSON* number_item(double value) {
     if (!std::isfinite(value)) return cJSON_CreateRaw("null");
     if (std::fabs(value) <= kIntegerTolerance) return cJSON_CreateNumber(0);

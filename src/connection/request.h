@@ -1,5 +1,5 @@
-// Requests. A request is addressed, says what it means, and then its keys in the order of the wire. Scales exist once,
-// here: a single-precision product, truncated toward zero.
+// Requests: the socket, the command, then the keys in the order of the wire. All scales are defined here, as
+// single-precision products truncated toward zero.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ struct cJSON;
 
 namespace zk {
 
-// Truncation toward zero; what no 32-bit integer holds, or a NaN, becomes the lowest of them, as the processor does it.
+// Truncates toward zero; a NaN or a value beyond 32 bits becomes the lowest integer, as the processor does it.
 int32_t truncated(float value);
 
 inline int32_t thousandths(float value) { return truncated(value * 1000.0f); }
@@ -21,7 +21,7 @@ inline int32_t millionths(float value) { return truncated(value * 1000000.0f); }
 
 class Object;
 
-// Adders of one JSON object, each appending one key. `Self` is what a chain of them goes on with.
+// Each function appends one key to a JSON object and returns `Self` for the next call.
 template <class Self>
 class Fields {
  public:
@@ -96,7 +96,7 @@ class Request : public Fields<Request> {
  public:
     static constexpr int kUsualFrame = 300;
 
-    // A request without a command, from null, goes out without that key.
+    // A null command leaves that key out.
     Request(ArmSocket socket, const char* command, int frame_size = kUsualFrame);
 
     // Six angles in thousandths of a degree, seven when the connection's arm mode has seven joints.

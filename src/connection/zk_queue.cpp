@@ -28,8 +28,8 @@ class QueueLock {
 
 int32_t next(const TxQueue& queue, int32_t index) { return (index + 1) % queue.capacity; }
 
-// A frame is copied as bytes from `data` on, so that the few bytes by which a long one reaches past `data` keep their
-// place in the element; the socket, written last, overlays four of them.
+// Copies a frame as bytes from `data` on, so that a long frame keeps the bytes past `data`. The socket, written last,
+// replaces four of them.
 void copy_frame(TxFrame* to, const TxFrame* from) {
     constexpr size_t room = sizeof(TxFrame) - offsetof(TxFrame, data);
     const size_t length = from->length < 0 ? 0 : static_cast<size_t>(from->length);

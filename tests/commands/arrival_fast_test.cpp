@@ -47,7 +47,7 @@ class Arrival : public testing::Test {
     void wait_for_poll() { controller_.wait_for_request("get_arm_current_trajectory"); }
 
     // Says a report that does not end the move, and returns when the move has looked at it: the answer to the first
-    // poll from now comes behind the report, and the second poll goes out after both.
+    // poll from now comes after the report, and the second poll goes out after both.
     void say_in_vain(const char* report) {
         controller_.say(report);
         controller_.forget_requests();
@@ -168,39 +168,39 @@ const MoveType kMoveTypes[] = {{"movej", [](ArmSocket s) { return Movej_Cmd_Bloc
                                {"moves", [](ArmSocket s) { return Moves_Cmd_Block(s, {}, 20, 0, 0); }},
                                {"movej", [](ArmSocket s) { return Movej_P_Cmd_Block(s, {}, 20, 0, 0); }}};
 
-// An arm that was seen doing what it was asked and is idle then will say no more.
+// An arm that has run the requested motion and is idle sends no report any more.
 TEST_F(Arrival, AnArmThatWasSeenMovingAndIsIdleEndsIn14) {
     let_only_the_polls_run_fast();
     for (const MoveType& type : kMoveTypes) {
-        int looks = 0;
+        int polls = 0;
         controller_.answer_with("get_arm_current_trajectory", [&](const std::string&) {
-            return Pieces{line(trajectory(++looks == 2 ? type.name : "none"))};
+            return Pieces{line(trajectory(++polls == 2 ? type.name : "none"))};
         });
         EXPECT_EQ(type.move(arm_), 14) << type.name;
-        EXPECT_EQ(looks, 3) << type.name;
+        EXPECT_EQ(polls, 3) << type.name;
     }
     EXPECT_EQ(shared(SuspendQueue), 0);
 }
 
 TEST_F(Arrival, AnArmThatNeverStartsEndsIn14AfterFiftyLooks) {
     let_only_the_polls_run_fast();
-    int looks = 0;
+    int polls = 0;
     controller_.answer_with("get_arm_current_trajectory", [&](const std::string&) {
-        ++looks;
+        ++polls;
         return Pieces{line(trajectory("none"))};
     });
     EXPECT_EQ(move(), 14);
-    EXPECT_EQ(looks, 50);
+    EXPECT_EQ(polls, 50);
 }
 
 TEST_F(Arrival, ATrajectoryOfAnotherTypeIsNotTheMove) {
     let_only_the_polls_run_fast();
-    int looks = 0;
+    int polls = 0;
     controller_.answer_with("get_arm_current_trajectory", [&](const std::string&) {
-        return Pieces{line(trajectory(++looks <= 5 ? "movel" : "none"))};
+        return Pieces{line(trajectory(++polls <= 5 ? "movel" : "none"))};
     });
     EXPECT_EQ(move(), 14);
-    EXPECT_EQ(looks, 55);
+    EXPECT_EQ(polls, 55);
 }
 
 TEST_F(Arrival, SixFailedLooksEndTheMoveWithTheirStatus) {
@@ -211,12 +211,12 @@ TEST_F(Arrival, SixFailedLooksEndTheMoveWithTheirStatus) {
 
 TEST_F(Arrival, FailedLooksAddUp) {
     let_only_the_polls_run_fast();
-    int looks = 0;
+    int polls = 0;
     controller_.answer_with("get_arm_current_trajectory", [&](const std::string&) {
-        return Pieces{line(++looks % 2 ? R"({"state":"arm_current_trajectory","type":"movej"})" : trajectory("movej"))};
+        return Pieces{line(++polls % 2 ? R"({"state":"arm_current_trajectory","type":"movej"})" : trajectory("movej"))};
     });
     EXPECT_EQ(move(), 9);
-    EXPECT_EQ(looks, 11);
+    EXPECT_EQ(polls, 11);
 }
 
 TEST_F(Arrival, AFileTransferCountsAsAFailedLook) {

@@ -1,4 +1,4 @@
-// The commands about the real-time push on the wire, and what the controller says of it.
+// The commands of the real-time push on the wire.
 #include <gtest/gtest.h>
 
 #include "support/command_case.h"
@@ -27,7 +27,7 @@ const char* const kReplyTold = "5, on, 8089, 1, 192.168.1.10, 1 0 1 0 1 0";
 
 CommandCase adding(CommandCase row) { return row.adding(); }
 
-// What is negative, zero or too long is not said.
+// Values that are negative, zero or too long are not sent.
 const std::vector<CommandCase> kRows = {
     adding(acknowledged(
         "Set_Realtime_Push", [](ArmSocket s) { return set_push(Set_Realtime_Push, s, kFull, 1); },

@@ -28,18 +28,18 @@ class Stillness : public testing::Test {
         set_time_factor(20);
     }
 
-    // What a step gives when the controller tells these states in turn, the last one for ever.
+    // Returns the status of a step while the controller reports these states in turn, the last one again and again.
     int step_among(const std::vector<std::string>& states, int arm_mode = 65) {
         const ArmSocket arm = connect_arm(controller_, arm_mode);
-        looks_ = 0;
+        polls_ = 0;
         controller_.answer_with("get_current_arm_state", [&, states](const std::string&) {
-            return Pieces{line(states[std::min<size_t>(looks_++, states.size() - 1)])};
+            return Pieces{line(states[std::min<size_t>(polls_++, states.size() - 1)])};
         });
         return Joint_Step_Cmd(arm, 1, 20, 5, true);
     }
 
     ScriptedController controller_;
-    size_t looks_ = 0;
+    size_t polls_ = 0;
 };
 
 TEST_F(Stillness, AReportEndsTheWait) {
@@ -58,12 +58,12 @@ TEST_F(Stillness, AReportEndsTheWait) {
     }
 }
 
-// The first look is compared with zero, so an arm that stands elsewhere counts as moving once.
+// The first poll is compared with zero, so an arm at another position counts as moving once.
 TEST_F(Stillness, FiveLooksAtAnArmThatStandsStillEndIn14) {
     EXPECT_EQ(step_among({state({0, 0, 0, 0, 0, 0})}), 14);
-    EXPECT_EQ(looks_, 5u);
+    EXPECT_EQ(polls_, 5u);
     EXPECT_EQ(step_among({state({10000, 0, 0, 0, 0, 0})}), 14);
-    EXPECT_EQ(looks_, 6u);
+    EXPECT_EQ(polls_, 6u);
 }
 
 // Motion begins the limit anew.
@@ -81,24 +81,24 @@ TEST_F(Stillness, AnArmThatMovesIsWaitedFor) {
     EXPECT_EQ(step_among({state({0, 0, 0, 0, 0, 99}), state({0, 0, 0, 0, 0, 0}), state({0, 0, 0, 0, 0, 0}),
                           state({0, 0, 0, 0, 0, 0}), state({0, 0, 0, 0, 0, 101}), state({0, 0, 0, 0, 0, 0})}),
               14);
-    EXPECT_EQ(looks_, 4u + 2u + 5u);
+    EXPECT_EQ(polls_, 4u + 2u + 5u);
     EXPECT_EQ(step_among({state({0, 0, 0, 0, 0, 0, 101}), state({0, 0, 0, 0, 0, 0, 0})}, 75), 14);
-    EXPECT_EQ(looks_, 2u + 5u);
+    EXPECT_EQ(polls_, 2u + 5u);
 }
 
 TEST_F(Stillness, SevenFailedLooksEndTheWaitWithTheirStatus) {
     const std::string broken = R"({"state":"current_arm_state"})";
     EXPECT_EQ(step_among({broken}), 9);
-    EXPECT_EQ(looks_, 7u);
+    EXPECT_EQ(polls_, 7u);
     EXPECT_EQ(step_among({broken, broken, broken, state({0, 0, 0, 0, 0, 0}), broken}), 9);
-    EXPECT_EQ(looks_, 8u) << "they add up";
+    EXPECT_EQ(polls_, 8u) << "they add up";
 }
 
 // An answer that nobody took is looked at without being taken.
 TEST_F(Stillness, AnAnswerThatIsThereServes) {
     set_shared(Arm_Current_State_Cmd[0].count, 1);
     EXPECT_EQ(step_among({state({0, 0, 0, 0, 0, 0})}), 14);
-    EXPECT_EQ(looks_, 0u);
+    EXPECT_EQ(polls_, 0u);
     EXPECT_EQ(shared(Arm_Current_State_Cmd[0].count), 1);
 }
 

@@ -55,7 +55,7 @@ class LiveArm {
     ArmSocket socket_ = 0;
 };
 
-// The wire tells micrometres and milliradians.
+// The wire carries micrometres and milliradians.
 void expect_model_agrees(const LiveArm& arm) {
     float joint[7] = {};
     const Pose reported = arm.state(joint);
@@ -119,7 +119,7 @@ TEST(EndToEnd, ARefusedMoveGives1) {
     for (const bool block : {true, false}) {
         EXPECT_EQ(Movej_Cmd(arm.socket(), beyond, 20, 0, 0, block), 1);
         float joint[7] = {};
-        arm.state(joint);  // behind this answer there is no report of the refused move any more
+        arm.state(joint);  // after this reply the report of the refused move has arrived
     }
     const float target[6] = {1, 1, 1, 1, 1, 1};
     EXPECT_EQ(Movej_Cmd(arm.socket(), target, 100, 0, 0, true), 0) << "the arm works afterwards";

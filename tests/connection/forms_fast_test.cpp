@@ -1,4 +1,4 @@
-// The forms of waiting: what a reply that is early, late, double, broken or missing does to a command.
+// The forms of waiting, with a reply that is early, late, double, broken or missing.
 #include <gtest/gtest.h>
 
 #include <future>
@@ -33,7 +33,7 @@ class Forms : public testing::Test {
         arm_ = connect_arm(controller_);
     }
 
-    // Brings a message to its mailbox: the one behind it has been dispatched.
+    // Sends a message and waits until the next one has been dispatched.
     void say_and_wait(const std::string& message, int connection = 0) {
         const int32_t before = shared(Clear_All_Trajectory_Cmd[connection].count);
         EXPECT_EQ(before, 0);

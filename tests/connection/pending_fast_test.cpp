@@ -1,4 +1,4 @@
-// The pending list, and the commands that wait on it in vain.
+// The pending list, and the commands that wait on it until their limit.
 #include <gtest/gtest.h>
 
 #include <future>
@@ -86,7 +86,7 @@ TEST_P(PendingCommands, GoAheadOfTheQueue) {
     EXPECT_EQ(status.get(), 7);
 }
 
-// These commands clear the record behind the last one when they cannot write: their own stays.
+// After a failed write these commands clear the record past the last one, and their own stays.
 TEST_P(PendingCommands, AFailedWriteGives6) {
     EXPECT_EQ(GetParam().call(100000), 6);
     EXPECT_EQ(list_length(), 0) << "a list of one is cleared whatever the index";

@@ -145,7 +145,7 @@ TEST_F(Realtime, AStreamThatStoppedLeavesItsLastState) {
     EXPECT_EQ(status.hand_err, 25);
 }
 
-// Every field of a datagram tells the same number; a poll that sees two saw half a datagram.
+// Every field of a datagram holds the same number; a poll that finds two numbers copied half a datagram.
 TEST_F(Realtime, APollNeverSeesHalfADatagram) {
     start();
     const auto numbered = [](int number) {

@@ -167,7 +167,7 @@ TEST(RealtimeParser, TheFirstPartThatIsBrokenIsTheStatus) {
     }
 }
 
-// Of two broken parts the one that is looked at first decides; the parts before it are stored and those behind are not.
+// Of two broken parts the one that is parsed first sets the status; only the parts before it are stored.
 TEST(RealtimeParser, PartsAreReadInTheirOrder) {
     const char* order[] = {"hand",         "aloha_state",  "arm_current_status", "lift_state",
                            "expand_state", "joint_status", "waypoint",           "arm_err"};
@@ -232,7 +232,7 @@ TEST(RealtimeParser, OfTwoForceSensorsTheLastWins) {
     EXPECT_EQ(s.coordinate, 1);
 }
 
-// Arrays whose length nobody checks run on into the fields behind them, and end with the record.
+// Arrays without a length check continue into the next fields, up to the end of the record.
 TEST(RealtimeParser, OverlongArraysEndWithTheRecord) {
     struct Guarded {
         RobotStatus status;

@@ -85,7 +85,7 @@ TEST_F(SilentPeer, IsLeftAloneWhenItsConnectionCloses) {
     controller_.say_bytes({"half a message"}, 0);
     Arm_Socket_Close(dead_);
     EXPECT_EQ(Get_Socket_Idx(dead_), -1);
-    EXPECT_EQ(Init_Socket_Joint(65, live_), 0);  // the close has forgotten the connection behind it
+    EXPECT_EQ(Init_Socket_Joint(65, live_), 0);  // the close has forgotten the later connection
     EXPECT_EQ(Move_Stop_Cmd_Block(live_), 0);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }

@@ -219,12 +219,12 @@ const Row kRows[] = {
 constexpr int kCount = std::size(kRows);
 constexpr int kSlot = 3;
 
-// Calls `look(literal, row)` for every literal.
-template <class Look>
-void for_each_literal(Look look) {
+// Calls `visit(literal, row)` for every literal.
+template <class Visit>
+void for_each_literal(Visit visit) {
     for (const Row& row : kRows) {
         for (const char* literal : row.literals) {
-            if (literal) look(std::string(literal), row);
+            if (literal) visit(std::string(literal), row);
         }
     }
 }

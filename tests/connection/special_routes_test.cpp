@@ -104,7 +104,7 @@ TEST_F(SpecialRoutes, AMovesAcknowledgementTellsItsType) {
     }
 }
 
-// What a report does not tell is the arm's own, whatever the report before it said.
+// A missing device counts as the arm, whatever the last report contained.
 TEST_F(SpecialRoutes, AnArrivalTellsDeviceAndSegment) {
     struct Row {
         const char* rest;
@@ -146,7 +146,7 @@ TEST_F(SpecialRoutes, ReportsOfSetPointsReachTheCallback) {
     EXPECT_EQ(reports[1].joint[6], 7.0f);
     EXPECT_EQ(reports[1].pose.position.x, 0.0f) << "a pose has six elements";
     EXPECT_EQ(reports[2].result, 9);
-    EXPECT_EQ(reports[2].arm_err, 8) << "until a report told it";
+    EXPECT_EQ(reports[2].arm_err, 8) << "the report has none";
     EXPECT_EQ(reports[2].joint[0], 0.0f) << "nothing of an earlier report";
 }
 

@@ -1,4 +1,4 @@
-// The conversation that turns an address into an arm.
+// The start-up of a connection.
 #include "zk/startup.h"
 
 #include <fcntl.h>
@@ -61,7 +61,7 @@ TEST_F(StartUp, AsksItsQuestionsInTurn) {
     EXPECT_EQ(shared(m_nSockInfoLen), 1);
 }
 
-// What the controller told is what the local model holds.
+// The local model holds the limits that the controller reported.
 void expect_limits(const std::vector<float>& lowest, const std::vector<float>& highest) {
     float low[8] = {}, high[8] = {};
     Algo_Get_Joint_Min_Limit(low);

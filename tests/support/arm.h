@@ -1,4 +1,4 @@
-// A connection of the library to a scripted controller, and what tests need to watch the library's threads by.
+// A connection of the library to a scripted controller, and helpers to watch the threads of the library.
 #pragma once
 
 #include <atomic>
@@ -19,7 +19,7 @@ ArmSocket connect_arm(ScriptedController& controller, int arm_mode = 65);
 // Closes a connection and opens another under the same number and in the same slot.
 void reconnect_arm(ScriptedController& controller, ArmSocket arm);
 
-// The library's globals are read and written by its threads while a test looks.
+// Access to the library's globals while its threads use them.
 template <class T>
 T shared(const T& value) {
     return std::atomic_ref<T>(const_cast<T&>(value)).load();

@@ -23,7 +23,7 @@ inline KDL::Rotation kdl_rotation(const Matrix& a) {
 
 inline KDL::Frame to_kdl(const Matrix& a) { return {kdl_rotation(a), KDL::Vector(a.m[0][3], a.m[1][3], a.m[2][3])}; }
 
-// The frame that the position and the Euler angles of a pose tell.
+// The frame of the position and the Euler angles of a pose.
 inline KDL::Frame to_kdl(const Pose& p) { return {to_kdl(p.euler), to_kdl(p.position)}; }
 
 inline Matrix to_matrix(const KDL::Frame& f) {
@@ -56,7 +56,7 @@ inline void expect_near(const KDL::Frame& actual, const KDL::Frame& expected, do
     expect_near(actual.M, expected.M, tolerance);
 }
 
-// All three fields of a pose tell this frame.
+// Checks that all three fields of a pose describe this frame.
 inline void expect_pose_near(const Pose& actual, const KDL::Frame& expected, double tolerance) {
     EXPECT_LT((to_kdl(actual.position) - expected.p).Norm(), tolerance);
     expect_near(to_kdl(actual.euler), expected.M, tolerance);

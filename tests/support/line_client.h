@@ -14,7 +14,7 @@ class LineClient {
     LineClient(const LineClient&) = delete;
     LineClient& operator=(const LineClient&) = delete;
 
-    // Sends a text with the CRLF behind it, or bytes as they are.
+    // Sends a text and CRLF, or bytes as they are.
     void send_line(const std::string& text);
     void send_bytes(const std::string& bytes);
 

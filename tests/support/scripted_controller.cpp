@@ -18,7 +18,7 @@
 namespace zk::test {
 namespace {
 
-// The name behind the key "command", with whatever space the sender leaves; a request without one has no name.
+// The value of the key "command", after any space; empty without the key.
 std::string command_of(const std::string& request) {
     const std::string key = "\"command\"";
     size_t at = request.find(key);
@@ -98,7 +98,7 @@ void ScriptedController::ignore(const std::string& command) {
 void ScriptedController::say_bytes(const Pieces& pieces, int connection) {
     const std::lock_guard lock(mutex_);
     Connection* target = find(connection);
-    if (target == nullptr) throw std::logic_error("there is no connection to say this on");
+    if (target == nullptr) throw std::logic_error("there is no connection to send this on");
     target->to_send.insert(target->to_send.end(), pieces.begin(), pieces.end());
     wake();
 }

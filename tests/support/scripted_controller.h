@@ -1,8 +1,7 @@
-// A controller that says what a test tells it to, in this process, over a real TCP connection.
+// A controller in this process that sends what a test scripts, over a real TCP connection.
 //
-// It knows nothing of the protocol but where a request ends and how it names its command: all it says is bytes of the
-// test's, and all it hears is kept as it came. Nothing here waits for the clock; a deadline passes only when a test
-// fails.
+// Of the protocol it knows only where a request ends and how it names its command. It sends the bytes of the test and
+// keeps all bytes that it receives. Nothing here waits for the clock; a deadline passes only when a test fails.
 #pragma once
 
 #include <condition_variable>
@@ -35,22 +34,22 @@ class ScriptedController {
     // The port it listens on, on 127.0.0.1.
     int port() const { return port_; }
 
-    // What to say to a request from now on; the last word about a command holds. A request whose command has no answer
-    // is met with silence. A reply function runs on the controller's thread and must not call the controller.
+    // Sets the reply to a command; the last call for a command counts. A command without a reply gets none. A reply
+    // function runs on the controller's thread and must not call the controller.
     void answer(const std::string& command, const std::string& message);
     void answer_in_turn(const std::string& command, const std::vector<std::string>& messages);  // the last one stays
     void answer_bytes(const std::string& command, const Pieces& pieces);
     void answer_with(const std::string& command, std::function<Pieces(const std::string& request)> reply);
     void ignore(const std::string& command);
 
-    // Says something unasked, behind what is still to be said. Returns at once.
+    // Sends something unasked, after what is still to be sent. Returns at once.
     void say(const std::string& message, int connection = kLatest) { say_bytes({line(message)}, connection); }
     void say_bytes(const Pieces& pieces, int connection = kLatest);
 
-    // Waits until the peer has read all that was said on a connection.
+    // Waits until the peer has read all that was sent on a connection.
     void wait_until_read(int connection = kLatest);
 
-    // Closes a connection when the peer has read all that is to be said on it.
+    // Closes a connection when the peer has read all that is to be sent on it.
     void close(int connection = kLatest);
 
     // The first request of this command that no call has taken yet: its exact text, without the CRLF that ends it.
@@ -58,7 +57,7 @@ class ScriptedController {
     std::string wait_for_request(const std::string& command, int connection = kAny);
     // The same for a request of any command.
     std::string next_request(int connection = kAny) { return wait_for_request("", connection); }
-    // Takes all requests that are here; for what a finished exchange has left behind.
+    // Takes all requests that have arrived.
     void forget_requests();
 
     // Wait until so many connections have come in, and until the peer has closed one; they fail the test when that does

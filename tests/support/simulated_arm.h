@@ -8,7 +8,7 @@ namespace zk::test {
 
 class SimulatedArm {
  public:
-    // Model ZK65-B where the arguments do not say another; one with seven joints needs an arm mode that has them.
+    // Model ZK65-B unless the arguments name another; a model with seven joints needs an arm mode with seven.
     explicit SimulatedArm(const std::vector<std::string>& arguments = {}, int arm_mode = 65);
     operator ArmSocket() const { return arm_; }
 

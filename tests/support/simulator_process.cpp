@@ -14,10 +14,10 @@
 namespace zk::test {
 namespace {
 
-// The number behind " name=" in a line.
+// The number after " name=" in a line.
 int number_of(const std::string& text, const std::string& name) {
     const size_t at = text.find(" " + name + "=");
-    if (at == std::string::npos) throw std::runtime_error("the simulator told no " + name + ": " + text);
+    if (at == std::string::npos) throw std::runtime_error("the simulator printed no " + name + ": " + text);
     return std::stoi(text.substr(at + name.size() + 2));
 }
 
@@ -42,7 +42,7 @@ SimulatorProcess::SimulatorProcess(const std::vector<std::string>& arguments) {
     const pid_t parent = getpid();
     process_ = checked(fork(), "fork");
     if (process_ == 0) {
-        // Nothing is left behind when a test is killed; and it may have been killed before this line.
+        // The simulator ends when the test is killed, even before this line.
         prctl(PR_SET_PDEATHSIG, SIGKILL);
         if (getppid() != parent || dup2(output[1], STDOUT_FILENO) < 0) _exit(126);
         execv(argv[0], argv.data());

@@ -20,7 +20,7 @@ class SimulatorProcess {
     int port() const { return port_; }
     int push_port() const { return push_port_; }
 
-    // Its first line of output, which tells model and ports.
+    // Its first line of output, with model and ports.
     const std::string& first_line() const { return first_line_; }
 
     pid_t id() const { return process_; }

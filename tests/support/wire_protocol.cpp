@@ -59,7 +59,7 @@ std::vector<Entry> entries_of(const std::string& section) {
 }
 
 bool has_keys_of(const Entry& entry, const Json& request) {
-    auto key = std::next(request.items().begin());  // behind the command
+    auto key = std::next(request.items().begin());  // after the command
     for (const Key& expected : entry.request_keys) {
         if (key != request.items().end() && key.key() == expected.name) {
             ++key;
