@@ -8,6 +8,7 @@
 #include "zk/arm_state.h"
 #include "zk/attached_axes.h"
 #include "zk/file_transfer.h"
+#include "zk/force_control.h"
 #include "zk/queue.h"
 #include "zk/realtime.h"
 #include "zk/replies/frames.h"
@@ -79,7 +80,7 @@ TEST_F(Forms, SomeCommandsSleepFirst) {
     EXPECT_EQ(sleeps([] { return Expand_Set_Pos(0, 1, 2, true); }), 20);
     EXPECT_EQ(sleeps([] { return Set_Joint_Err_Clear(0, 1, true); }), 20);
     EXPECT_EQ(sleeps([] { return Set_Joint_Zero_Pos(0, 1, true); }), 20);
-    EXPECT_EQ(sleeps([] { return Set_Car_Charge(0, 1, true); }), 20);
+    EXPECT_EQ(sleeps([] { return Clear_Force_Data(0, true); }), 20);
     EXPECT_EQ(sleeps([] { return Set_Arm_Run_Mode(0, 1); }), 2);
     int32_t total;
     EXPECT_EQ(sleeps([&] { return Save_Trajectory(0, "a/b", &total); }), 2);
