@@ -1,5 +1,5 @@
 // Forward kinematics of the six-joint arm: the library, KDL's recursive solver for the same chain, and a bare closed
-// form (six sincosf and the products) to tell what the arithmetic itself costs.
+// form (six sincosf and the products) to show what the arithmetic itself costs.
 #include <benchmark/benchmark.h>
 #include <math.h>
 

@@ -91,7 +91,7 @@ class Tasks {
     KDL::ChainFkSolverPos_recursive forward_;
 };
 
-// `solve` gives the answer's status, 0 or above for a solution.
+// `solve` returns the answer's status, 0 or above for a solution.
 template <class Solve>
 void over_tasks(benchmark::State& state, Tasks& tasks, Solve solve) {
     int solved = 0;

@@ -33,7 +33,7 @@ ZK_API const char* Algo_Version(void);
 ZK_API void Algo_Init_Sys_Data(int model, int sensor);
 
 /* Mounting angles of the base, degrees: rotations about the fixed x, y, z of the world. The getter does nothing unless
- * all three pointers are given. */
+ * all three pointers are non-null. */
 ZK_API void Algo_Set_Angle(float x, float y, float z);
 ZK_API void Algo_Get_Angle(float* x, float* y, float* z);
 
@@ -123,7 +123,7 @@ ZK_API Euler Algo_Quaternion2Euler(Quat quaternion);
 
 /*
  * Fills the quaternion of *pose from its Euler angles (radians), as Algo_Euler2Quaternion does. Queries such as
- * Get_Current_Arm_State fill position and Euler angles alone: complete such a pose before streaming it or solving for
+ * Get_Current_Arm_State fill position and Euler angles only: complete such a pose before streaming it or solving for
  * it with flag 0. Returns 0; 19 for null. Any thread.
  */
 ZK_API int ZK_Complete_Pose(Pose* pose);
@@ -134,7 +134,7 @@ ZK_API Pose Algo_Base2WorkFrame(Matrix work_T_base, Pose pose);
 ZK_API Pose Algo_WorkFrame2Base(Matrix work_T_base, Pose pose);
 
 /*
- * From the pose of the arm's end to that of its tool, and back, with the frames last given to Algo_Set_ToolFrame and
+ * From the pose of the arm's end to that of its tool, and back, with the last frames of Algo_Set_ToolFrame and
  * Algo_Set_WorkFrame: Algo_End2Tool returns W T(pose) L, with W and L the transforms of work frame and tool, and
  * Algo_Tool2End undoes it, except for poses near the singular pitch. Note that W itself is the factor, and not its
  * inverse as elsewhere.

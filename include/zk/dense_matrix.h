@@ -83,11 +83,11 @@ ZK_API float mat_trace(Mat A);
 
 /*
  * A row or column of more than one element becomes the square diagonal matrix of it; a matrix with both counts above 1
- * the Vec of its diagonal. Anything else, a 1 by 1 included, gives the empty Mat.
+ * the Vec of its diagonal. For anything else, a 1 by 1 included, the empty Mat.
  */
 ZK_API Mat mat_diag(Mat A);
 
-/* The largest absolute value, 0 for an empty block; the smallest one below 1e10, which stands for an empty block. */
+/* The largest absolute value, 0 for an empty block; the smallest one below 1e10, and 1e10 for an empty block. */
 ZK_API float mat_find_abs_max(Mat A);
 ZK_API float mat_find_abs_min(Mat A);
 
@@ -98,8 +98,8 @@ ZK_API int mat_is_hermitian(Mat A);
 ZK_API int mat_is_equal(Mat A, Mat B);
 
 /* ---------------------------------------------------------------------------------------------------------------------
- * Vectors. The length is a's rows unless a comment says otherwise, and b's is not looked at. A Vec that comes out is a
- * copy of a with column 0 computed anew.
+ * Vectors. The length is a's rows unless a comment says otherwise, and b's is not read. A returned Vec is a copy of a
+ * with column 0 replaced.
  * ------------------------------------------------------------------------------------------------------------------ */
 
 ZK_API Mat vec_add(Mat a, Mat b);
@@ -163,7 +163,7 @@ ZK_API Mat vec_Tdiff(Mat T1, Mat T2);
 
 /*
  * The difference of T2 from T1 as a 6-element Vec in the base frame, translation first, then the axis of R2 R1' times
- * its angle. A half turn is told by its diagonal, which fits turns about the coordinate axes.
+ * its angle. A half turn is read from the diagonal: right for turns about the coordinate axes.
  * Method: Sugihara, Solvability-Unconcerned Inverse Kinematics by the Levenberg-Marquardt Method, IEEE Transactions on
  * Robotics 27 (2011).
  */
@@ -223,7 +223,7 @@ ZK_API int mat_rank(int flag, Mat A, float tol);
 /*
  * A = Q R by Householder reflections, Q rows by rows, R the size of A. The sign of a reflection is three-valued: a
  * column whose first element is exactly 0 is not cleared, and one of zeros, the last of a singular square matrix
- * included, gives NaN.
+ * included, returns NaN.
  * Method: Golub and Van Loan, Matrix Computations, section 5.2.
  */
 ZK_API void mat_qr(Mat* Q, Mat* R, Mat A);
@@ -250,7 +250,7 @@ ZK_API int mat_hermitian_eig(int max_iter, Mat* values, Mat* vectors, Mat A, flo
  *     equal or close singular values     wrong, since the iteration does not separate the vectors: an orthogonal matrix
  *                                        always, 10 % apart in most cases
  *     largest singular value of 10, 100  wrong in a quarter, in nearly all cases: a column of U changes sign where A v
- *                                        and s u differ by more than 0.00001, which rounding alone then reaches
+ *                                        and s u differ by more than 0.00001, which rounding then reaches
  *     condition number of 1000, 10000    an error above 0.1 % in some cases, up to half of them
  *     less than full rank                three to four digits; NaN where one of the products is exactly singular
  *     not square                         NaN in about one case of twenty; a single row or column is nearly always wrong
@@ -259,7 +259,7 @@ ZK_API void mat_svd(Mat* U, Mat* S, Mat* V, Mat A);
 
 /*
  * The pseudo-inverse by the normal equations: A' inv(A A'), inv(A) or inv(A' A) A' by shape. When the product to invert
- * is singular the inverse is taken for zeros and nothing tells of it.
+ * is singular, zeros replace the inverse, and no status reports it.
  */
 ZK_API Mat mat_pinv(Mat A);
 

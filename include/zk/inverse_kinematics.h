@@ -61,7 +61,7 @@ ZK_API int global_is_movl; /* the strategy, 1 at first */
  *     orb6        5, 6, 8    sum of absolute values  d1 d4 d5 d6 a2 a3 a4
  *
  * Joints 1 to 3 weigh 2.4 in the distance. zk6, zkl63_2 and orb6 return the nearest solution within the limits. zkl63_3
- * takes each joint the shorter way round, returns the nearest solution, and looks at the limits last: -2 does not mean
+ * takes each joint the shorter way round, returns the nearest solution, and checks the limits last: -2 does not mean
  * that no other solution lies within them. "Within" allows 0.0087 radians, half a degree, beyond each limit, so a
  * solution used as the next seed of Algo_Inverse_Kinematics may be refused with 19.
  *

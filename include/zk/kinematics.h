@@ -1,7 +1,7 @@
 /*
  * Forward kinematics of the arm that the model (zk/model.h) describes. Joint angles are radians, one for each joint of
  * the arm; lengths are metres; computation is in single precision. The functions take joint angles as they come: limits
- * are not looked at, NaN flows through. Degrees and argument checks are in zk/algorithm.h.
+ * are not checked, NaN passes through. Degrees and argument checks are in zk/algorithm.h.
  *
  * Frames: base is the arm's foot, flange its end, tool the tool of the model, world where the mounting rotation starts,
  * work the work frame. A name such as base_T_flange is the transform that takes coordinates of flange to coordinates of
@@ -32,12 +32,12 @@ ZK_API Matrix forward_kinematics_e(const float* joint);
 /* Flange in the world, mounting included: world_T_flange, 4 by 4. */
 ZK_API Matrix forward_kinematics_world_to_flange(const float* joint);
 
-/* Tool in the work frame: as pose, as rotation (3 by 3), as position. All three tell the same frame. */
+/* Tool in the work frame: as pose, as rotation (3 by 3), as position. All three describe the same frame. */
 ZK_API Pose forward_kinematics(const float* joint);
 ZK_API Matrix forward_kinematics_rotate(const float* joint);
 ZK_API Position forward_kinematics_pos(const float* joint);
 
-/* Flange in the work frame, rotation alone, 3 by 3. */
+/* Flange in the work frame, rotation only, 3 by 3. */
 ZK_API Matrix forward_kinematics_rotate_flange(const float* joint);
 
 /* Tool in the world, the work frame left out: as pose and matrix, and as position. */
@@ -59,10 +59,10 @@ ZK_API Position forward_kinematics_pos_calibration(const float* joint);
  *     orb6       5, 6, 8    d1 d4 d5 d6 a2 a3 a4
  *     tau7       7          d1 d3 d5 d7 a4 a5 a7
  *
- * `e` gives the transform, `rotate` a 4 by 4 transform of its rotation without translation, `pos` its translation; the
- * three agree to the last bit, and the latter two do less work.
- * Method: products of the link transforms, Craig, Introduction to Robotics, section 3.6; for zk75 the original
- * convention of Denavit and Hartenberg, A Kinematic Notation for Lower-Pair Mechanisms (1955).
+ * `e` returns the transform, `rotate` a 4 by 4 transform of its rotation without translation, `pos` its translation;
+ * the three agree to the last bit, and the latter two do less work. Method: products of the link transforms, Craig,
+ * Introduction to Robotics, section 3.6; for zk75 the original convention of Denavit and Hartenberg, A Kinematic
+ * Notation for Lower-Pair Mechanisms (1955).
  */
 ZK_API Matrix forward_kinematics_e_zk65(const float* joint);
 ZK_API Matrix forward_kinematics_rotate_zk65(const float* joint);

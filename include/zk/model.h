@@ -6,8 +6,8 @@
  *
  * All values are SI: metres, radians, seconds, kilograms. The Algo_ functions of zk/algorithm.h speak degrees.
  *
- * Arrays of n are pointers to n values of the caller's; none may be null. Values are stored as given unless a range is
- * told. Nothing is locked: change the model, and compute with it, from one thread at a time.
+ * Arrays of n are pointers to n values of the caller's; none may be null. Values are stored unchecked unless a range is
+ * stated. Nothing is locked: change the model, and compute with it, from one thread at a time.
  */
 #ifndef ZK_MODEL_H
 #define ZK_MODEL_H
@@ -24,7 +24,7 @@
 typedef struct DhParams {
     float d[8];      /* metres, along the joint's axis */
     float a[8];      /* metres */
-    float alpha[8];  /* radians; told for the record, the kinematics has the twists of each arm built in */
+    float alpha[8];  /* radians; for information, the kinematics has the twists of each arm built in */
     float offset[8]; /* radians, added to the joint angle */
     float d_comp[8]; /* compensation of each, same units */
     float a_comp[8];
@@ -149,7 +149,7 @@ ZK_API int libalgo_set_robot_and_sensor_type(int model, int sensor);
 ZK_API int libalgo_init(void);
 ZK_API int libalgo_clear(void);
 
-/* The numbers last given, valid or not; and the joints of the arm, 0 when there is none. */
+/* The last numbers set, valid or not; and the joints of the arm, 0 when there is none. */
 ZK_API int libalgo_get_robot_type(void);
 ZK_API int libalgo_get_sensor_type(void);
 ZK_API int libalgo_get_rbt_dof(void);
@@ -162,7 +162,7 @@ ZK_API int libalgo_get_rbt_dof(void);
  *
  *     tool      tool in the flange frame; its matrix is flange_T_tool
  *     work      work frame in the world; its matrix is work_T_world, the inverse of that frame
- *     install   mounting rotation of the base in the world, three angles; also gives the gravity in the base frame
+ *     install   mounting rotation of the base in the world, three angles; also sets the gravity in the base frame
  */
 ZK_API void libalgo_set_tool_cs_params(const float params[6]);
 ZK_API void libalgo_get_tool_cs_params(float params[6]);

@@ -5,8 +5,9 @@
  * allocates nothing, reports nothing, and may run on any thread. Lengths are metres, angles radians, and computation is
  * in single precision unless a comment says otherwise.
  *
- * The counts `rows` and `cols` are trusted: they are stored in results as given. A count below 1 leaves the block empty
- * and a count beyond the record reaches its end and not further. Elements of a result outside its used block are 0.
+ * The counts `rows` and `cols` are trusted: they are stored in results unchanged. A count below 1 leaves the block
+ * empty and a count beyond the record reaches its end and not further. Elements of a result outside its used block are
+ * 0.
  */
 #ifndef ZK_NUMERIC_H
 #define ZK_NUMERIC_H
@@ -20,14 +21,15 @@
 /* The rows by cols matrix of zeros. */
 ZK_API Matrix zero_matrix(int rows, int cols);
 
-/* The identity of size n, 1 to 4. An n below 1 gives zeros; an n above 4 sets all four ones and is stored as given. */
+/* The identity of size n, 1 to 4. Below 1 the result is zeros; above 4 all four ones are set, and n is stored
+ * unchanged. */
 ZK_API Matrix unit_matrix(int n);
 
 /* The transpose of A, rows and cols exchanged. */
 ZK_API Matrix matrix_t(Matrix A);
 
 /*
- * The product A B, with A's rows and B's cols. The inner count is A's cols alone; B's rows is not read. Products are
+ * The product A B, with A's rows and B's cols. The inner count is A's cols; B's rows is not read. Products are
  * formed in single precision, summed in double precision in ascending order, and rounded once.
  */
 ZK_API Matrix matrix_m(Matrix A, Matrix B);
@@ -53,7 +55,7 @@ ZK_API int zk_sign(float v);
 
 /*
  * The angle of the point (x, y) by the arc cosine: acos(x / r) when y is 0 or more (-0 included), else its negative.
- * Unlike atan2f it gives NaN at the origin, and pi at (-0.0, -1). Conversions of this library use atan2f.
+ * Unlike atan2f it returns NaN at the origin, and pi at (-0.0, -1). Conversions of this library use atan2f.
  */
 ZK_API float my_atan2f(float y, float x);
 
@@ -116,7 +118,7 @@ ZK_API Matrix pose_quat_to_transformation_matrix(Pose p);
 ZK_API Pose transformation_matrix_to_pose(Matrix T);
 
 /* ---------------------------------------------------------------------------------------------------------------------
- * Inverses of matrices of up to 4 by 4. A singular matrix gives infinities or NaN.
+ * Inverses of matrices of up to 4 by 4. The result for a singular matrix holds infinities or NaN.
  * ------------------------------------------------------------------------------------------------------------------ */
 
 /*
@@ -147,7 +149,7 @@ ZK_API Matrix7 matrix_inv_dim7(Matrix7 A);
 
 /*
  * The inverse, in closed form, of a 7 by 7 tridiagonal matrix whose first row is 1, 0, ... and whose last row is
- * ..., 0, 1: the system of a cubic spline through seven knots with given end values. Only the elements next to and on
+ * ..., 0, 1: the system of a cubic spline through seven knots with fixed end values. Only the elements next to and on
  * the diagonal of rows 1 to 5 are read; the counts are not. Not finite when the determinant is 0.
  * Method: Usmani, Inversion of a tridiagonal Jacobi matrix, Linear Algebra and its Applications 212 (1994).
  */

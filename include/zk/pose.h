@@ -2,7 +2,7 @@
  * Poses: to matrices and back, between the base frame and a work frame, and moved by small steps.
  *
  * Lengths are metres and the angles of a Pose radians. A Pose that goes in is read by its position and its Euler
- * angles; its quaternion has no effect. A Pose that comes out has all three fields filled, its Euler angles in the
+ * angles; its quaternion has no effect. A returned Pose has all three fields filled, its Euler angles in the
  * ranges of matrix_to_euler (zk/numeric.h), unless a comment says otherwise. Nothing here reports failure, and nothing
  * writes a global; a function that reads the arm's model (zk/model.h) does so without a lock and says so.
  */
@@ -31,10 +31,10 @@ ZK_API Matrix algo_euler_to_matrix(Euler e);
  * what libalgo_get_work_cs_to_base_matrix delivers.
  * ------------------------------------------------------------------------------------------------------------------ */
 
-/* A pose told in the base frame, told in the work frame: work_T_base T(p). */
+/* From the base frame to the work frame: work_T_base T(p). */
 ZK_API Pose algo_base_to_workframe(Matrix work_T_base, Pose p);
 
-/* A pose told in the work frame, told in the base frame. Not finite when work_T_base is singular. */
+/* From the work frame to the base frame. Not finite when work_T_base is singular. */
 ZK_API Pose algo_workframe_to_base(Matrix work_T_base, Pose p);
 
 /* ---------------------------------------------------------------------------------------------------------------------
@@ -50,7 +50,7 @@ ZK_API Pose algo_rotate_move(const float* joint, int axis, float angle, Pose fra
 
 /*
  * The pose in the work frame after moving the tool by dx, dy, dz (metres) along its own axes, at joint angles in
- * degrees (as many as the arm has). The mounting angles of the model are left out.
+ * degrees (as many as the arm has). Leaves the mounting angles of the model out: wrong for an arm not mounted upright.
  */
 ZK_API Pose algo_cartesian_tool(const float* joint, float dx, float dy, float dz);
 
@@ -90,8 +90,8 @@ ZK_API Pose dPosMoveTool(const float* delta, Pose p);
 ZK_API Pose rotateMove(const float* delta, int frame, Pose p);
 
 /*
- * The orientation e turned by theta radians about one axis: of the frame f in the first, which must be told in the
- * frame that e is told in; of e itself in the second, which does not read f. The axis is the last of the three elements
+ * The orientation e turned by theta radians about one axis: of the frame f in the first, where e and f must refer to
+ * the same frame; of e itself in the second, which does not read f. The axis is the last of the three elements
  * that is 1 or -1, the sign making no difference. With none set the axis is zero, and e comes back when cos(theta) is
  * above 0. Method: the rotation formula of Rodrigues.
  */

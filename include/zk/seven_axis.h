@@ -55,7 +55,7 @@ ZK_API int inverse_kinematics_tau7(const float* seed, float* out, Mat target);
 /*
  * Jacobian and pose of the 72's flange at seven joint angles. J becomes 6 by 7 and turns joint speeds (rad/s) into the
  * flange's velocity (m/s, rows 1 to 3) and angular velocity (rad/s, rows 4 to 6) in the flange's own frame; T becomes
- * base_T_flange, 4 by 4. Limits are not looked at. Neither pointer may be null.
+ * base_T_flange, 4 by 4. Limits are not checked. Neither pointer may be null.
  */
 ZK_API void ikine_jacobe_and_pose_tau72(const float* joint, Mat* J, Mat* T);
 

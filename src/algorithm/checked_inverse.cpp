@@ -1,5 +1,5 @@
-// Inverse kinematics that is checked, and refined where it misses. It stands on the functions that an application
-// calls, in their units, so what is checked is what the application gets. Numbers are the equations of
+// Inverse kinematics that is checked, and refined where it misses. It calls the functions that an application calls, in
+// their units, so it checks what the application gets. Numbers are the equations of
 // docs/kinematics.md.
 #include "zk/checked_inverse.h"
 
@@ -97,13 +97,13 @@ bool refined(const Limits& limits, const Matrix& target, Degrees& joints) {
     return meets(joints, target);
 }
 
-// Whichever is nearer to the target is where to go on from: an answer may be no more than close to nothing.
+// Refining starts from the answer or the seed, whichever is nearer to the target: an answer may be far off.
 Degrees start(const Degrees& seed, const Degrees& answer, const Matrix& target) {
     return damped::squared(miss(answer, target)) < damped::squared(miss(seed, target)) ? answer : seed;
 }
 
-// Closed forms of six joints look at every configuration there is; with seven, one place of the free axis.
-bool may_have_overlooked_one() { return libalgo_get_rbt_dof() == 7; }
+// The closed forms of six joints try every configuration; with seven they try one value of the free axis.
+bool may_have_missed_a_solution() { return libalgo_get_rbt_dof() == 7; }
 
 }  // namespace
 }  // namespace zk::checked
@@ -115,7 +115,7 @@ ZK_API int ZK_Inverse_Kinematics_Checked(const float* seed, const Pose* target, 
     Degrees from, answer;
     std::copy_n(seed, dof, from.joint);
     const int status = Algo_Inverse_Kinematics(from.joint, target, answer.joint, flag);
-    if (status != ZK_OK && !(status == ZK_NO_SOLUTION && may_have_overlooked_one())) return status;
+    if (status != ZK_OK && !(status == ZK_NO_SOLUTION && may_have_missed_a_solution())) return status;
 
     const Matrix goal =
         flag == 1 ? pose_euler_to_transformation_matrix(*target) : pose_quat_to_transformation_matrix(*target);

@@ -1,5 +1,5 @@
-// Degrees above, radians below. Each conversion is one operation in double precision, rounded once; the ones that look
-// like inverses of each other are not so to the bit.
+// Degrees above, radians below. Each conversion is one operation in double precision, rounded once. A round trip is not
+// exact to the bit.
 #pragma once
 
 #include <array>

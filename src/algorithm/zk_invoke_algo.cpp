@@ -1,4 +1,4 @@
-// The line at which units change: the model and the kinematics, spoken to in degrees.
+// The layer where units change: the model and the kinematics in degrees.
 #include "algorithm/units.h"
 #include "zk/algorithm.h"
 #include "zk/inverse_kinematics.h"
@@ -49,8 +49,8 @@ int solve(const float* seed, const Pose* pose, float* joint, uint8_t flag) {
     return 0;
 }
 
-// A new fastest solution is not looked at as a slowest one.
-void keep_account(double seconds) {
+// A new fastest solution is not tested as a slowest one.
+void record_time(double seconds) {
     const double milliseconds = seconds * 1000.0;
     if (milliseconds < invoke_inverse_time_total_min) {
         invoke_inverse_time_total_min = milliseconds;
@@ -140,8 +140,8 @@ ZK_API int invoke_inverse_kinematics_with_judgment_overspeed(const float* seed, 
     get_time_of_day(&begin);
     const int result = solve(seed, pose, joint, flag);
     get_time_of_day(&end);
-    keep_account(static_cast<double>(end.tv_usec - begin.tv_usec) / 1e6 +
-                 static_cast<double>(end.tv_sec - begin.tv_sec));
+    record_time(static_cast<double>(end.tv_usec - begin.tv_usec) / 1e6 +
+                static_cast<double>(end.tv_sec - begin.tv_sec));
     return result == 0 ? invoke_joint_overspeed_judgment(seed, joint, 1.0f) : result;
 }
 

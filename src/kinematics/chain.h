@@ -9,10 +9,10 @@
 
 namespace zk {
 
-// What is wanted of the transform. What is left out costs nothing, and what is computed comes out the same to the bit.
+// The part of the transform to compute. The rest costs nothing, and the part is the same to the bit.
 enum class Want { kTransform, kRotation, kPosition };
 
-// The transform from the base to where the chain has come so far. A step multiplies it on the right.
+// The transform from the base to the current link. A step multiplies it on the right.
 template <Want want>
 class Chain {
  public:
@@ -22,7 +22,7 @@ class Chain {
         x_ = turned;
         return *this;
     }
-    // Of the last joint, which turns the flange about its own axis: the position does not see it.
+    // The last joint turns the flange about its own axis, which does not change the position.
     Chain& last_rz(SineCosine theta) { return want == Want::kPosition ? *this : rz(theta); }
     Chain& rx_plus_90() {
         const Column y = y_;

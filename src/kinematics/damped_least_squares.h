@@ -63,7 +63,7 @@ inline void solve(std::array<Error, 6>& A, Error& b) {
     }
 }
 
-// (8.2) for the joints that are free; what the others do is taken off the error first.
+// (8.2) for the free joints; the contribution of the held ones is subtracted from the error first.
 inline Joints free_step(const Jacobian& J, Error e, double damping, const Joints& pull, const std::array<bool, 7>& held,
                         const Joints& of_held) {
     Joints step;
@@ -84,8 +84,8 @@ inline Joints free_step(const Jacobian& J, Error e, double damping, const Joints
     return step;
 }
 
-// The step that takes the error off, with the pull in what is left free. A joint that would go beyond its room goes to
-// the end of it, the worst one first, and the others make up for it (8.4).
+// The step that removes the error, with the pull in its null space. A joint that would leave its room goes to the end
+// of it, the worst one first, and the others compensate (8.4).
 inline Joints step_within(const Jacobian& J, const Error& e, const Joints& pull, const Room& room) {
     std::array<bool, 7> held{};
     Joints step{};
@@ -108,7 +108,7 @@ inline Joints step_within(const Jacobian& J, const Error& e, const Joints& pull,
     return step;
 }
 
-// Whether an iteration gets anywhere: in ten rounds the squared error has to fall by a fifth.
+// Whether an iteration converges: in ten rounds the squared error has to fall by a fifth.
 class Progress {
  public:
     bool made(double error) {
@@ -125,8 +125,8 @@ class Progress {
     double last_ = std::numeric_limits<double>::infinity();
 };
 
-// Moves q until at(q, J), which gives the error that is left and fills in its Jacobian, is below both. The pull belongs
-// to the call, not to the round: it moves a q that is a solution once. False when it gets nowhere.
+// Moves q until at(q, J), which returns the remaining error and fills in its Jacobian, is below both bounds. The pull
+// is applied once a call, not once a round. False when the iteration stops converging.
 template <class At>
 bool converge(At at, const Limits& limits, Joints pull, double metres, double radians, Joints& q) {
     constexpr int kRounds = 100;

@@ -24,7 +24,7 @@ template <class Real>
 using Jacobian = std::array<std::array<Real, 7>, 6>;
 
 // From the end back to the base: before link i is multiplied in, U takes the end's coordinates to the frame of joint i,
-// which turns about its z axis. So the axis seen from the end is U's third row, and the velocity that it gives the end
+// which turns about its z axis. So the axis seen from the end is U's third row, and the velocity of the end
 // is z x p, both in that frame, seen through U's rotation (7.2). Returns the transform from the base to the end.
 template <class Real, class LinkAt>
 Transform<Real> end_frame_jacobian(LinkAt link, Jacobian<Real>& J) {

@@ -50,7 +50,7 @@ Transform<double> jacobian_and_pose(const Arm& arm, const Joints& q, damped::Jac
     return end_frame_jacobian([&](int i) { return link(arm, q, i); }, J);
 }
 
-// What is left to the target, in the frame of the flange.
+// The remaining motion to the target, in the frame of the flange.
 Error error_in_end_frame(const Transform<double>& current, const Target& target) {
     const Mat3Of<double> to_end = transposed(rotation_of<double>(current));
     const Vec3Of<double> p = product(to_end, minus(target.p, translation_of<double>(current)));
@@ -85,8 +85,8 @@ damped::Limits no_limits() {
     return limits;
 }
 
-// The n-th of points that spread evenly over the joints' ranges, drawn towards the seed to a share of the way to the
-// limits. Method: Roberts, The Unreasonable Effectiveness of Quasirandom Sequences (2018), for seven dimensions.
+// The n-th of points that spread evenly over a share of the way from the seed to the limits of each joint. Method:
+// Roberts, The Unreasonable Effectiveness of Quasirandom Sequences (2018), for seven dimensions.
 Joints seed_about(const Arm& arm, const Joints& seed, int n, double share) {
     constexpr double kRoot = 1.0970017794609055;  // of x^8 = x + 1
     Joints q;
@@ -104,7 +104,7 @@ struct Restarts {
     double reach;  // how far around the seed, as a share of the joints' ranges
 };
 
-// (8.6): the farther the target, the wider the circle, so that a small motion does not come out as a jump.
+// (8.6): the farther the target, the farther the seeds, so that a small motion does not become a jump.
 Restarts restarts(const Arm& arm, const Joints& seed, const Target& target) {
     if (ikine_get_solution_range_zk75() > 1.0f) return {150, 1};
     damped::Jacobian J;
@@ -112,7 +112,7 @@ Restarts restarts(const Arm& arm, const Joints& seed, const Target& target) {
     return {40, std::min(1.0, 2 * distance)};
 }
 
-// 0 with a solution in q, -2 when only the limits stand in the way of the seed, -1 for none.
+// 0 with a solution in q, -2 when the seed leads to a solution beyond the limits, -1 for none.
 int solve(const Arm& arm, const Joints& seed, const Target& target, Joints& q) {
     q = seed;
     if (converge(arm, target, arm.limits, q)) return 0;

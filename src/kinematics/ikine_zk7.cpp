@@ -54,7 +54,7 @@ void wrap_into_limits(const Arm& arm, float* out) {
     }
 }
 
-// The step's result as it is: -2 at the first joint beyond its limits, and nothing is written after it.
+// Writes the step's result; -2 at the first joint beyond its limits, the last one written.
 int take_step(const Arm& arm, const Joints& q, float* out) {
     for (int i = 0; i < 7; ++i) {
         out[i] = q[i];
@@ -64,7 +64,7 @@ int take_step(const Arm& arm, const Joints& q, float* out) {
     return 0;
 }
 
-// From the angles of the DH model to those of the joints; -2 at the first one beyond its limits.
+// Converts DH angles to joint angles; -2 at the first one beyond its limits.
 int hand_over(const Arm& arm, float* out) {
     for (int i = 0; i < 7; ++i) {
         if (out[i] < arm.lo[i] || out[i] > arm.hi[i]) return -2;

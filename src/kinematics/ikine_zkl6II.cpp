@@ -1,4 +1,4 @@
-// Inverse kinematics of the 63: the shoulder stands a2 off the axis of joint 1, the forearm a4 off the elbow. Numbers
+// Inverse kinematics of the 63: the shoulder is a2 off the axis of joint 1, the forearm a4 off the elbow. Numbers
 // in brackets are the equations of docs/kinematics.md.
 #include <cmath>
 

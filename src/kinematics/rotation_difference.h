@@ -1,4 +1,4 @@
-// The rotation that is left to do, as axis times angle.
+// Rotations as axis times angle.
 #pragma once
 
 #include <cmath>
@@ -7,8 +7,8 @@
 
 namespace zk {
 
-// Axis times angle of R. is_zero tells a vector without a direction, angle_over(n, t) gives atan2(n, t) / n. A half
-// turn is told by its diagonal, which fits turns about the coordinate axes.
+// Axis times angle of R. is_zero(n) means a vector without a direction, angle_over(n, t) is atan2(n, t) / n. A half
+// turn is read from the diagonal, which is right for turns about the coordinate axes.
 // Method: Sugihara, Solvability-Unconcerned Inverse Kinematics by the Levenberg-Marquardt Method, IEEE Transactions on
 // Robotics 27 (2011).
 template <class IsZero, class AngleOver>
@@ -31,7 +31,7 @@ inline Vec3Of<double> axis_times_angle(const Mat3Of<double>& R) {
     const double n = norm(l), trace = R[0][0] + R[1][1] + R[2][2];
     if (n > kNoDirection) return scaled(std::atan2(n, trace - 1) / n, l);
     if (trace > 0) return scaled(0.5, l);
-    // R + I = 2 axis axis': its longest column tells the axis best.
+    // R + I = 2 axis axis': its longest column has the axis with the least rounding.
     const int k = R[0][0] > R[1][1] && R[0][0] > R[2][2] ? 0 : R[1][1] > R[2][2] ? 1 : 2;
     Vec3Of<double> axis = {R[0][k], R[1][k], R[2][k]};
     axis[k] += 1;

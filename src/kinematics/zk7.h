@@ -10,7 +10,7 @@ namespace zk::zk7 {
 
 using Joints = std::array<float, 7>;
 
-// What the model says, read once a call. Limits and joints count as the DH model does, offsets included.
+// The model's values, read once a call. Limits and joints are DH angles, offsets included.
 struct Arm {
     float d1, d3, d5, d7;  // base to shoulder, shoulder to elbow, elbow to wrist, wrist to flange; metres
     Joints lo, hi, offset, max_speed;
@@ -19,7 +19,7 @@ struct Arm {
     bool within(int joint, float q) const { return q >= lo[joint] && q <= hi[joint]; }
 };
 
-// base_T_flange as it shall become.
+// The target of base_T_flange.
 struct Target {
     Mat3 R;
     Vec3 p;
@@ -31,13 +31,12 @@ inline float clamped(float x) { return std::fabs(x) > 1.0f ? std::copysign(1.0f,
 // ----------------------------------------------------------------------------------------- The pseudo-inverse step --
 
 // One step of the pseudo-inverse from the seed to the target, with a null-space term towards mid-range where no joint
-// gets too fast by it.
+// becomes too fast.
 Joints pseudo_inverse_step(const Arm& arm, const Joints& seed, const Target& target);
 
-// --------------------------------------------------------------------------------------------------- The closed form
-// --
+// -------------------------------------------------------------------------------------------------- The closed form --
 
-// Which of two ways the shoulder, the elbow and the wrist are bent: the signs of joints 2, 4 and 6.
+// The directions in which shoulder, elbow and wrist are bent: the signs of joints 2, 4 and 6.
 struct Bends {
     float g2, g4, g6;
 };
@@ -88,15 +87,14 @@ struct OuterPair {
 OuterPair about_shoulder(const ElbowBranch& branch, ArmAngle psi, float g2);
 OuterPair about_wrist(const ElbowBranch& branch, ArmAngle psi, float g6);
 
-// ----------------------------------------------------------------------------------------------- Finding the arm angle
-// --
+// -------------------------------------------------------------------------------------------- Finding the arm angle --
 
-// The solution at the arm angle of q, joint 7 on the side of the seed's. Zeros where q has no arm angle, since its
-// elbow or that of the solution lies on the line.
+// The solution at the arm angle of q, joint 7 moved to the side of the seed's. Zeros where q has no arm angle, since
+// its elbow or that of the solution lies on the line.
 Joints follow(const Arm& arm, const Joints& q, const Target& target, float seed7);
 
-// The solution within the limits that is nearest to the seed, over the full turn of the arm angle and all
-// configurations, to out; where there is none, out stays.
+// Writes the solution within the limits that is nearest to the seed, over the full turn of the arm angle and all
+// configurations, to out; without one, out stays.
 void sweep(const Arm& arm, const Joints& seed, const Target& target, float* out);
 
 }  // namespace zk::zk7

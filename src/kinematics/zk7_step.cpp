@@ -17,7 +17,7 @@ struct Gram {
     float m[6][6];
 };
 
-// (7.1): the twist stands at the front of each link.
+// (7.1): the twist is at the front of each link.
 Transform<float> link(const Arm& arm, const Joints& q, int i) {
     const float d[] = {arm.d1, 0, arm.d3, 0, arm.d5, 0, arm.d7};
     const auto [s, c] = sine_cosine(q[i]);
@@ -29,7 +29,7 @@ float double_precision_angle_over(float n, float t) {
     return static_cast<float>(std::atan2(static_cast<double>(n), static_cast<double>(t)) / n);
 }
 
-// (7.3): what is left to the target, in the frame of the flange.
+// (7.3): the remaining motion to the target, in the frame of the flange.
 Vec6 error_in_end_frame(const Transform<float>& current, const Target& target) {
     const auto is_zero = [](float n) { return n < 1e-16f; };
     const Mat3 to_end = transposed(rotation_of<float>(current));
@@ -100,7 +100,7 @@ Joints pseudo_inverse_step(const Arm& arm, const Joints& seed, const Target& tar
     Jacobian<float> J;
     const Transform<float> current = end_frame_jacobian([&](int i) { return link(arm, seed, i); }, J);
     Gram inverse = gram(J);
-    // Fully singular: no motion is the one that is safe.
+    // Fully singular: only no motion is safe.
     if (!invert_by_exchange<float, AtZeroPivot::kGiveUp>(inverse, 6)) return seed;
     const Joints dq = pseudo_inverse_times(J, inverse, error_in_end_frame(current, target));  // (7.4)
 

@@ -11,7 +11,7 @@ class Nearest {
     Nearest(const Arm& arm, const Joints& seed, float* out) : arm_(arm), seed_(seed), out_(out) {}
 
     // Whether a candidate with this joint can still be the nearest one. A sum of squares in single precision does not
-    // fall when terms are added to it, so no candidate that is turned away could have been taken.
+    // fall when terms are added to it, so no rejected candidate could have been the nearest.
     bool may_have(int joint, float q, float distance_of_others) const {
         return arm_.within(joint, q) && distance_of_others + squared(joint, q) < distance_;
     }
@@ -35,7 +35,7 @@ class Nearest {
     float distance_ = 1000;
 };
 
-// The four ways to bend shoulder and wrist, those of the seed first. Joints 2, 4 and 6 come cheap, and decide most.
+// The four ways to bend shoulder and wrist, those of the seed first. Joints 2, 4 and 6 cost least and exclude most.
 void offer_bends(Nearest& nearest, const ElbowBranch& branch, ArmAngle psi, const Bends& seed) {
     if (!nearest.may_have(3, branch.q4, 0)) return;
     const float elbow = nearest.squared(3, branch.q4);

@@ -19,7 +19,7 @@ float at_full_turn(float angle) {
     return size > kFullTurn && size < kDrifted ? std::copysign(kFullTurn, angle) : angle;
 }
 
-// base_T_flange of a tool at world_T_tool, mounting and tool taken out.
+// base_T_flange of a tool at world_T_tool: without mounting and tool.
 Mat flange_target(const Matrix& world_T_tool) {
     Matrix world_T_base, flange_T_tool;
     libalgo_get_robot_install_angle_matrix(&world_T_base);

@@ -1,4 +1,4 @@
-// How the seven-joint solvers search. Range and strategy are two faces of one setting.
+// The search of the seven-joint solvers. Range and strategy are one setting.
 #include "zk/inverse_kinematics.h"
 
 namespace {

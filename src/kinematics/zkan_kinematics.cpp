@@ -63,7 +63,7 @@ Matrix world_T_tool(const float* joint) {
     return matrix_m(matrix_m(world_T_base(), base_T_flange(joint)), flange_T_tool());
 }
 
-// The translation of world_T_tool, and no more of it.
+// Only the translation of world_T_tool.
 Position tool_in_world(const float* joint) {
     return world_T_base() * (base_T_flange(joint) * translation(flange_T_tool()));
 }

@@ -1,4 +1,4 @@
-// Payload, link inertia and the values of the dynamics identification: kept for callers, computed with by nobody here.
+// Payload, link inertia and the values of the dynamics identification: stored for callers, unused by the library.
 #include <algorithm>
 #include <cmath>
 #include <cstring>

@@ -1,4 +1,4 @@
-// The model record: selection of an arm, feedback, and the values that stand on their own.
+// The model record: selection of an arm, feedback, and single values.
 #include <cstring>
 
 #include "model/model_tables.h"

@@ -162,7 +162,7 @@ constexpr float kMass[kModels][8] = {
     /* 9 */ {},
 };
 
-// The links whose inertia is known; of the others the record has the mass alone.
+// The links whose inertia is known; the record of the others has only the mass.
 constexpr LinkDynamics kFirstLinkOf0 =
     {{0.0029285f, -3.26e-05f, -5.8e-06f, 0.0025064f, 4.79e-05f,  0.001756f}, { 0.0007414f, 0.0117825f, -0.0162234f},  1.51f};
 constexpr LinkDynamics kFirstLinkOf7 =

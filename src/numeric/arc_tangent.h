@@ -22,9 +22,9 @@ inline float arc_tangent(float y, float x) {
     const double high = 0.010680719485844748 - 0.0017437011522270041 * u;
     const double octant = t * (low + (middle + high * u4) * u4);
     constexpr double sign[] = {1, -1}, right_angle[] = {0, M_PI / 2}, straight_angle[] = {0, M_PI};
-    const bool steep = height > width, behind = std::signbit(x);
+    const bool steep = height > width, backward = std::signbit(x);
     const double quadrant = right_angle[steep] + sign[steep] * octant;
-    const double half_plane = straight_angle[behind] + sign[behind] * quadrant;
+    const double half_plane = straight_angle[backward] + sign[backward] * quadrant;
     return static_cast<float>(std::copysign(half_plane, y));
 }
 

@@ -36,8 +36,8 @@ void exchange_cols(M& a, int n, int i, int j) {
 
 enum class AtZeroPivot { kCarryOn, kGiveUp };
 
-// Inverts the n by n block of a, computing in Real. Gives up, if told to, at the first quotient that is not finite,
-// with a half changed; carries on otherwise and leaves infinities and NaN in a.
+// Inverts the n by n block of a, computing in Real. With kGiveUp it returns false at the first quotient that is not
+// finite and leaves a half changed; with kCarryOn it leaves infinities and NaN in a.
 template <typename Real, AtZeroPivot policy, typename M>
 bool invert_by_exchange(M& a, int n) {
     Pivot pivot, chosen[kCapacity<M>];

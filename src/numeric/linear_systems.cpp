@@ -39,7 +39,7 @@ float laplace(const Mat& a, int n, float* minors) {
     return minors[all];
 }
 
-// Where the largest absolute value of column k stands, from row k down; the first one wins.
+// The row of the largest absolute value of column k, from row k down; the first one wins.
 int pivot_row(const Mat& a, int rows, int k) {
     int row = k;
     for (int i = k + 1; i < rows; ++i) {

@@ -43,7 +43,7 @@ ZK_API Pose algo_rotate_move(const float* joint, int axis, float angle, Pose fra
     return zk::oriented(r, Rodrigues_rotate_simplify(axes, r.euler, zk::radians(angle), frame));
 }
 
-// work_T_base base_T_flange flange_T_tool D, D the displacement. The mounting rotation is no part of it.
+// work_T_base base_T_flange flange_T_tool D, D the displacement. The mounting rotation is left out.
 ZK_API Pose algo_cartesian_tool(const float* joint, float dx, float dy, float dz) {
     Matrix flange_T_tool, work_T_base;
     libalgo_get_tool_cs_matrix(&flange_T_tool);

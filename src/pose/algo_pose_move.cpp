@@ -13,7 +13,7 @@ struct Axis {
     float x = 0, y = 0, z = 0;
 };
 
-// The number of the axis to turn about, -1 for none. The sign of an element plays no part, and the last one set wins.
+// The number of the axis to turn about, -1 for none. The last element of 1 or -1 counts, whatever its sign.
 int chosen(const int* axis) {
     int number = -1;
     for (int i = 0; i < 3; ++i) {
@@ -24,7 +24,7 @@ int chosen(const int* axis) {
 
 Axis column(const Matrix& a, int j) { return {a.m[0][j], a.m[1][j], a.m[2][j]}; }
 
-// The orientation C K, K the rotation by theta about k, an axis told in the frame of C:
+// The orientation C K, K the rotation by theta about k, an axis in the frame of C:
 //     K = cos(theta) I + (1 - cos(theta)) k k' + sin(theta) [k]x
 Euler turned(const Euler& e, const Axis& k, float theta) {
     const auto [s, c] = sine_cosine(theta);

@@ -230,7 +230,7 @@ TEST(ForwardKinematics, FamiliesWorkWithTheModelOfTheLastWholeArmCall) {
     EXPECT_FLOAT_EQ(forward_kinematics_pos_zk65(q).z, before + 0.5f);
 }
 
-TEST(ForwardKinematics, NanComesOutOfTheFunctionsItWentInto) {
+TEST(ForwardKinematics, NanPassesThrough) {
     for (const int model : {0, 1, 3, 4, 5, 7}) {
         libalgo_set_robot_and_sensor_type(model, 0);
         const float q[8] = {0.1f, 0.2f, NAN, 0.4f, 0.5f, 0.6f, 0.7f};

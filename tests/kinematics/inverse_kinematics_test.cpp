@@ -88,7 +88,7 @@ TEST(InverseKinematics, HasNoSolverForModelsThatAreNoArm) {
     }
 }
 
-TEST(InverseKinematics, TakesALastJointJustPastItsFullTurnForTheFullTurn) {
+TEST(InverseKinematics, LastJointJustPastItsFullTurnCountsAsTheFullTurn) {
     ASSERT_EQ(libalgo_init(), 0);
     // Almost half a turn away from the seed: the two degrees decide which way round is the shorter one.
     for (const float sign : {1.0f, -1.0f}) {
@@ -118,7 +118,7 @@ TEST(InverseKinematics, TheSeventhJointIsTheLastOfTheSevenAxisArm) {
     EXPECT_NE(solved_from(6.26f), at_full_turn);
 }
 
-TEST(InverseKinematics, TargetOfAPoseIsToldInTheWorld) {
+TEST(InverseKinematics, TargetOfAPoseIsInTheWorld) {
     ASSERT_EQ(libalgo_init(), 0);
     const float work[6] = {0.1f, -0.2f, 0.3f, 0.4f, -1.1f, 2.6f};
     libalgo_set_work_cs_params(work);

@@ -92,7 +92,7 @@ TEST_F(Tau7, JointsAtTheirLimitsStayAndTheOthersMakeUp) {
     }
 }
 
-TEST_F(Tau7, TellsWhatStandsInTheWay) {
+TEST_F(Tau7, StatusSeparatesLimitsFromReach) {
     const Joints untouched{1, 2, 3, 4, 5, 6, 7};
     Joints out = untouched, away = bent;
     for (float& joint : away) joint += 0.2f;

@@ -194,7 +194,7 @@ TEST_F(Zk75, NarrowPullsToMidRange) {
     EXPECT_LT(moved().norm(), 2e-6);
 }
 
-TEST_F(Zk75, OutOfReachAnswersWithinTheLimitsAndMisses) {
+TEST_F(Zk75, OutOfReachReturnsJointsThatMiss) {
     Joints out{};
     KDL::Frame target = arm.forward(bent);
     target.p = target.p * 3;

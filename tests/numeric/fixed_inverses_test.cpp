@@ -96,7 +96,7 @@ TEST(FixedInverse, ReadsTheRowCountAlone) {
     expect_inverse(matrix_inv(a), a, 4);
 }
 
-TEST(FixedInverse, CofactorsGiveTheInverseOfAnyFullRankMatrix) {
+TEST(FixedInverse, CofactorsInvertAnyFullRankMatrix) {
     for (int i = 0; i < 50; ++i) {
         Matrix a = random_matrix<Matrix>(4);
         a.rows = a.cols = 1;
@@ -124,7 +124,7 @@ TEST(FixedInverse, OfAnAffineTransformNeedsNoRotationAndNoLastRow) {
     }
 }
 
-TEST(FixedInverse, SingularMatricesGiveWhatIsNotFinite) {
+TEST(FixedInverse, SingularMatricesReturnValuesThatAreNotFinite) {
     EXPECT_TRUE(any_not_finite(matrix_inv(zero_matrix(4, 4))));
     EXPECT_TRUE(any_not_finite(matrix_inv({2, 2, {{1, 2}, {2, 4}}})));
     EXPECT_TRUE(any_not_finite(matrix_inv_full_rank(zero_matrix(4, 4))));

@@ -59,7 +59,7 @@ TEST(Determinant, ALaterZeroPivotExpandsTheHalfReducedRecord) {
     EXPECT_EQ(mat_det(a), -5);
 }
 
-TEST(Lu, FactorsGiveTheMatrixBack) {
+TEST(Lu, FactorsMultiplyToTheMatrix) {
     for (const auto& [rows, cols] : {std::pair(4, 4), std::pair(3, 5), std::pair(5, 3)}) {
         Mat a = random_dense(rows, cols), L, U;
         for (int i = 0; i < 3; ++i) a.m[i][i] += 5;
@@ -75,7 +75,7 @@ TEST(Lu, FactorsGiveTheMatrixBack) {
     }
 }
 
-TEST(Lu, StatusTellsTheLastPivotAlone) {
+TEST(Lu, StatusIsThatOfTheLastPivot) {
     Mat L, U;
     const Mat singular = dense(2, 2, {1, 2, 2, 4});
     EXPECT_EQ(mat_lu(&L, &U, singular, 1e-6f), 0);

@@ -39,7 +39,7 @@ TEST(MergeSort, LeavesWhatItCannotHoldAsItIs) {
     EXPECT_EQ(sorted, values);
 }
 
-TEST(MergeSort, IsStableAsTheSignsOfZerosTell) {
+TEST(MergeSort, IsStable) {
     const std::vector<bool> minus{true, false, false, true, true};
     for (int order : {0, 1}) {
         float zeros[] = {-0.0f, 0.0f, 0.0f, -0.0f, -0.0f};

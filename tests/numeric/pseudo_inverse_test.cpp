@@ -16,7 +16,7 @@ using zk::test::to_eigen;
 Mat regular() { return dense(3, 3, {4, 1, 0.5f, -1, 3, 0.25f, 0.5f, -0.5f, 1.5f}); }
 
 // The eigenvectors of the two products come with the same signs for a and for -a, so that one of them needs the repair.
-TEST(Svd, FactorsGiveASquareMatrixBack) {
+TEST(Svd, FactorsMultiplyToASquareMatrix) {
     for (const Mat& a : {regular(), mat_kM(-1, regular())}) {
         Mat U, S, V;
         mat_svd(&U, &S, &V, a);

@@ -62,7 +62,7 @@ TEST(Qr, AZeroHeadIsReflectedButNotCleared) {
     EXPECT_EQ(std::abs(R.m[1][1]), 1);
 }
 
-TEST(Qr, AZeroLastPivotGivesNan) {
+TEST(Qr, AZeroLastPivotReturnsNan) {
     Mat Q, R;
     mat_qr(&Q, &R, dense(2, 2, {1, 1, 0, 0}));
     EXPECT_TRUE(any_nan(R));

@@ -33,7 +33,7 @@ TEST(DenseMatrix, ProductSumsInSinglePrecision) {
     EXPECT_EQ(mat_mult(dense(1, 3, {1e8f, 1, -1e8f}), vec({1, 1, 1})).m[0][0], 0);
 }
 
-TEST(DenseMatrix, SizesThatDoNotMatchGiveTheEmptyMatrix) {
+TEST(DenseMatrix, SizesThatDoNotMatchReturnTheEmptyMatrix) {
     expect_empty(mat_mult(k2x3, k2x3));
     expect_empty(mat_add(k2x3, mat_init(2, 2)));
     expect_empty(mat_sub(k2x3, mat_init(3, 3)));

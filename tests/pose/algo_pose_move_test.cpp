@@ -112,7 +112,7 @@ TEST_F(PoseStep, InTheToolFrameTranslatesAlongTheAxesFromBefore) {
     expect_pose_near(algo_pose_move(delta, kTool, kPose), {expected, f * KDL::Vector(0.01, -0.02, 0.03)}, kTolerance);
 }
 
-TEST_F(PoseStep, InNoFrameGivesTheOriginAndKeepsTheOrientation) {
+TEST_F(PoseStep, InNoFrameReturnsTheOriginAndKeepsTheOrientation) {
     const float delta[] = {1, 2, 3, 40, 50, 60};
     expect_zero(dPosMove(delta, kOther, kPose));
     const Pose moved = algo_pose_move(delta, kOther, kPose);

@@ -66,7 +66,7 @@ TEST_F(ArmPose, RotateMoveTakesDegreesAndAFrameOfTheCallers) {
     expect_pose_near(algo_rotate_move(kDegrees, 1, 0, frame), at, kTolerance);
 }
 
-TEST_F(ArmPose, CartesianToolMovesAlongTheToolsAxesAndTellsItInTheWorkFrame) {
+TEST_F(ArmPose, CartesianToolMovesAlongTheToolsAxesInTheWorkFrame) {
     const KDL::Frame base_T_tool = to_kdl(forward_kinematics_e(radians_)) * flange_T_tool_;
     const KDL::Frame work_T_base = base_T_work_.Inverse();
     expect_pose_near(algo_cartesian_tool(kDegrees, 0, 0, 0), work_T_base * base_T_tool, kTolerance);
