@@ -178,7 +178,7 @@ void digital_input(int slot, char* message) {
     inputs.raise(slot, true);
 }
 
-// The replies of the two sensors' calibrations cannot be told apart: both mailboxes get each.
+// The replies of the two sensors' calibrations cannot be distinguished: both mailboxes get each.
 void force_sensor(int slot, char* message) {
     store<kSet, Set_Force_Sensor_Cmd, Parser_Set_Force_Sensor>(slot, message);
     store<kSet, Auto_Set_Fz_Cmd, Parser_Set_Force_Sensor>(slot, message);

@@ -14,7 +14,7 @@ float lwt = 0;
 
 namespace {
 
-// An integer whose type is not looked at.
+// An integer. Its type is not checked.
 int untyped_integer(const char* text, const char* key, int32_t* value) {
     Reply reply(text);
     const Item item = reply.find(key);
@@ -88,7 +88,7 @@ ZK_API int Parser_Arm_Angular_Speed(const char* text) {
 }
 ZK_TWIN(Parser_Arm_Angular_Speed);
 
-// The one of the four that tests no pointer.
+// Unlike the other three, it does not test its pointer.
 FloatReply Get_Arm_Max_Angular_Speed_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Angular_Speed(ArmSocket s, float* value) { return guarded(Get_Arm_Angular_Speed_Block, s, value); }
 ZK_API int Get_Arm_Angular_Speed_Block(ArmSocket s, float* value) {
@@ -102,7 +102,7 @@ ZK_TWIN(Parser_Get_Arm_Angular_Speed);
 static Request angular_acc(ArmSocket s, float value) {
     return Request(s, "set_arm_max_angular_acc").number("arm_angular_acc", thousandths(value));
 }
-// An old reply ends the wait at once.
+// The reply to an earlier call ends the wait at once.
 AckReply Set_Arm_Max_Angular_Acc_Cmd[ZK_SLOTS];
 ZK_API int Set_Arm_Angular_Acc(ArmSocket s, float value, bool block) {
     return guarded(block ? Set_Arm_Angular_Acc_Block : Set_Arm_Angular_Acc_NonBlock, s, value);
@@ -124,7 +124,7 @@ ZK_API int Parser_Get_Arm_Angular_Acc(const char* text, float* value) {
 }
 ZK_TWIN(Parser_Get_Arm_Angular_Acc);
 
-// An old reply ends the wait at once.
+// The reply to an earlier call ends the wait at once.
 AckReply Set_Arm_Tip_Init_Cmd[ZK_SLOTS];
 ZK_API int Set_Arm_Tip_Init(ArmSocket s, bool block) {
     return guarded(block ? Set_Arm_Tip_Init_Block : Set_Arm_Tip_Init_NonBlock, s);
@@ -160,8 +160,7 @@ ZK_API int Parser_Get_Collision_Stage(const char* text, int32_t* stage) {
 }
 ZK_TWIN(Parser_Get_Collision_Stage);
 
-// The fourth value is kept for the kinematics: at once in the non-blocking form, after the controller's consent in the
-// other.
+// The fourth value goes into lwt: at once in the non-blocking form, after an accepted reply in the blocking one.
 static Request dh_data(ArmSocket s, float first, float second, float third, float fourth, float fifth) {
     const auto tenths = [](float value) { return double(truncated(value * 10.0f)); };
     return Request(s, "set_DH_data")
@@ -221,7 +220,7 @@ ZK_API int Set_Joint_Zero_Offset_NonBlock(ArmSocket s, const float* offset) { re
 ZK_API int Parser_Set_Joint_Zero_Offset(const char* text) { return acknowledgement(text, "set_state"); }
 ZK_TWIN(Parser_Set_Joint_Zero_Offset);
 
-// Two values for each joint, a thousand times as large but not truncated.
+// Two values for each joint, times 1000, not truncated.
 static Request dynamic_parm(ArmSocket s, const float* parm) {
     float thousandfold[14];
     const int count = 2 * request_joint_count(s);
@@ -280,7 +279,7 @@ ZK_API int Set_Arm_Servo_State_NonBlock(ArmSocket s, uint8_t state) { return pos
 ZK_API int Parser_Arm_Servo_State(const char* text) { return acknowledgement(text, "arm_servo"); }
 ZK_TWIN(Parser_Arm_Servo_State);
 
-// Its reply does not reach the pending list: the blocking form ends in 7.
+// The reply never reaches the pending list, so the blocking form ends in 7.
 static Request system_servo(ArmSocket s, uint8_t state) {
     return Request(s, "set_system_state_servo").number("servo_state", state);
 }

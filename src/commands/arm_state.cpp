@@ -1,4 +1,4 @@
-// State of the arm as a whole: where it stands, what its joints measure, and the poses the controller keeps for it.
+// State of the arm as a whole: its pose, the measurements of its joints, and the poses that the controller stores.
 #include "zk/replies/arm_state.h"
 
 #include <algorithm>
@@ -16,7 +16,7 @@ using namespace zk;
 
 namespace {
 
-// Up to the connection's joints in thousandths; a longer array is of the wrong type.
+// Thousandths, at most one for each of the connection's joints; a longer array is a wrong type.
 int measured_joints(ArmSocket s, const char* text, const char* key, float* out) {
     Reply reply(text);
     const Item array = reply.array(reply.root(), key);
@@ -157,8 +157,8 @@ ZK_API int Parser_Get_Arm_Init_Pose(ArmSocket s, const char* text, float* joint)
 }
 ZK_TWIN(Parser_Get_Arm_Init_Pose);
 
-// The local model follows the mounting: at once in the non-blocking form, whatever the controller says; after its
-// consent in the other.
+// Puts the mounting into the local model: at once in the non-blocking form, after an accepted reply in the blocking
+// one.
 static Request install_pose(ArmSocket s, float x, float y, float z) {
     return Request(s, "set_install_pose").numbers("pose", {x, y, z});
 }

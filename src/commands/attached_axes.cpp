@@ -47,7 +47,7 @@ struct BaseCommand {
     }
 };
 
-// Required numbers, in their order.
+// Reads required numbers in order.
 struct Number {
     const char* key;
     int32_t* value;
@@ -66,7 +66,7 @@ int look_at_lift(ArmSocket s, MotionPoll& motion) {
     return status;
 }
 
-// The next report ends it, whoever sent it and whenever.
+// Any report ends the wait, even an old one of another device.
 int axis_arrived(const Request& request) {
     const Connection connection(request.socket());
     if (!connection.is_open()) return ZK_NOT_CONNECTED;
@@ -121,7 +121,7 @@ ZK_API int Set_Lift_Speed_Block(ArmSocket s, int32_t speed) {
 }
 ZK_API int Set_Lift_Speed_NonBlock(ArmSocket s, int32_t speed) { return post(lift_speed(s, speed)); }
 
-// The blank behind the name in the non-blocking form belongs to the protocol.
+// The trailing blank of the name in the non-blocking form belongs to the protocol.
 ZK_API int Set_Lift(ArmSocket s, int32_t height, int32_t speed, bool block) {
     return after_20_ms(block, Set_Lift_Block, Set_Lift_NonBlock, s, height, speed);
 }
@@ -171,7 +171,7 @@ ZK_API int Parser_Expand_Get_State(const char* text, int32_t* pos, int32_t* err_
     return numbers(text, {{"pos", pos}, {"current", current}, {"err_flag", err_flag}, {"mode", mode}});
 }
 
-// These two settings clear the count of another mailbox, not their own: an old reply ends the wait at once.
+// These two setters clear the count of another mailbox, not their own: the reply to an earlier call ends the wait.
 AckReply Expand_Set_Version_Cmd[ZK_SLOTS];
 ZK_API int Expand_Set_Version(ArmSocket s, int32_t version) { return guarded(Expand_Set_Version_BLock, s, version); }
 ZK_API int Expand_Set_Version_BLock(ArmSocket s, int32_t version) {
@@ -245,7 +245,7 @@ ZK_API int Set_Car_Move_NonBlock(ArmSocket s, int32_t linear, int32_t angular) {
     return post(kMove.request(s, linear, angular));
 }
 
-// On the wire the way to a station is called a speed.
+// On the wire the travel to a station is called a speed.
 static constexpr BaseCommand kGoTo = {
     "set_car_speed", {"station", "speed"}, ZK_KEY_CAR_STATION, Parser_Set_Car_Station};
 ZK_API int Set_Car_Station(ArmSocket s, int32_t station, int32_t speed, bool block) {

@@ -1,5 +1,5 @@
-// The replies about the controller's counters. A controller that cannot tell them says so instead, and then the
-// callers' outputs stay as they were: `told` says which it was.
+// The replies about the controller's counters. `told` is 0 when the controller does not know them; then the outputs
+// keep their values.
 #pragma once
 
 #include <cstdint>

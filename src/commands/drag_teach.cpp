@@ -73,10 +73,10 @@ ZK_API int Parser_Get_Drag_Teach_Sensitivity(const char* text, int32_t* grade) {
     return integer_value(text, "grade", grade);
 }
 
-// The replay. What the arm does decides whether its reply is looked at, and whether time runs.
+// The replay. The state of the arm decides whether the reply is read and whether the time limit counts.
 namespace {
 
-constexpr int32_t kReplayLimitMs = 29999;  // behind m_nOutTime, while nothing moves
+constexpr int32_t kReplayLimitMs = 29999;  // beyond m_nOutTime, while nothing moves
 
 enum class Doing : int32_t { kNothing = 0, kReplay = 4 };
 
@@ -147,7 +147,7 @@ ZK_API int Stop_Drag_Trajectory_NonBlock(ArmSocket s) { return post({s, "stop_dr
 ZK_API int Parser_Stop_Drag_Trajectory(const char* text) { return acknowledgement(text, "stop_state"); }
 ZK_TWIN(Parser_Stop_Drag_Trajectory);
 
-// The end of this motion is its report in Move_Cmd; its acknowledgement is waited for by nobody.
+// The report in Move_Cmd ends this motion. Nothing waits for its acknowledgement.
 DragOriginReply Drag_Trajectory_Origin_Cmd[ZK_SLOTS];
 ZK_API int Drag_Trajectory_Origin(ArmSocket s, bool block) {
     return guarded(block ? Drag_Trajectory_Origin_Block : Drag_Trajectory_Origin_NonBlock, s);

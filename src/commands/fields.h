@@ -1,4 +1,4 @@
-// Fields of records, on their way into requests and out of replies.
+// Text fields of records in requests and replies.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 
 namespace zk {
 
-// A text of a record, which need not be ended.
+// A text of a record, which may lack its end mark.
 template <size_t size>
 std::string ended(const char (&field)[size]) {
     return std::string(field, strnlen(field, size));

@@ -1,4 +1,4 @@
-// Numbers that go out with their fraction: a single-precision product, not truncated.
+// Numbers that are sent with their fraction: a single-precision product, not truncated.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@ namespace zk {
 
 inline double float_product(float value, float factor) { return static_cast<double>(value * factor); }
 
-// What is held in each of the six directions: the force in tenths, how, and the speed limit in thousandths.
+// For each of the six directions: the force in tenths, the kind of control, and the speed limit in thousandths.
 inline Request& held_directions(Request& request, const float* force, const int32_t* mode, const float* speed) {
     constexpr int directions = 6;
     double tenths[directions], thousandths[directions];

@@ -106,7 +106,7 @@ ZK_API int Clear_Force_Data_NonBlock(ArmSocket s) { return post({s, "clear_force
 ZK_API int Parser_Clear_Force_Data(const char* text) { return acknowledgement(text, "clear_state"); }
 ZK_TWIN(Parser_Clear_Force_Data);
 
-// Calibrations. Their replies are told apart by nobody: the mailboxes of both sensors get each.
+// Calibrations. The replies for the two sensors cannot be distinguished: both mailboxes get each.
 AckReply Set_Force_Sensor_Cmd[ZK_SLOTS];
 ZK_API int Set_Force_Sensor(ArmSocket s) { return guarded(Set_Force_Sensor_Block, s); }
 ZK_API int Set_Force_Sensor_Block(ArmSocket s) {
@@ -118,7 +118,7 @@ ZK_TWIN(Parser_Set_Force_Sensor);
 
 namespace {
 
-// Joint angles a thousandfold, but not truncated.
+// Joint angles times 1000, not truncated.
 struct PreciseJoints {
     double values[8];
     int count;
@@ -205,7 +205,7 @@ ZK_API int Auto_Set_Fz_NonBlock(ArmSocket s) { return post({s, "auto_set_Fz"}); 
 ZK_API int Manual_Set_Fz(ArmSocket s, const float* pose1, const float* pose2) {
     return checked(Manual_Set_Fz_Block, s, pose1, pose2);
 }
-// The seventh angle of the second pose goes out at the end of the first.
+// The seventh angle of the second pose is sent at the end of the first.
 ZK_API int Manual_Set_Fz_Block(ArmSocket s, const float* pose1, const float* pose2) {
     PreciseJoints first(s, pose1), second(s, pose2);
     if (second.count == 7) first.values[first.count++] = second.values[--second.count];

@@ -32,13 +32,13 @@ namespace {
 
 int sent(const Request& request) { return stream(request) < 1 ? int(ZK_SEND_FAILED) : int(ZK_OK); }
 
-// Not during a file transfer, no null pointer, and with SuspendQueue raised.
+// Tests for a file transfer and null pointers, and raises SuspendQueue.
 template <class Form, class... Arguments>
 int streamed(Form form, Arguments... arguments) {
     return checked([form](auto... values) { return suspended(form, values...); }, arguments...);
 }
 
-// Its reply goes to the callback, not to the pending list: the wait ends in 7.
+// The reply goes to the callback, not to the pending list, so the wait ends in 7.
 int waited_for(const Request& request) {
     return pending(request, ZK_KEY_FORCE_REPORT, [](const char*) { return int(ZK_OK); });
 }

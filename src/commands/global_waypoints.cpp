@@ -1,4 +1,4 @@
-// Global waypoints: places that the controller keeps by name.
+// Global waypoints: places that the controller stores by name.
 #include <algorithm>
 #include <cstring>
 
@@ -46,7 +46,7 @@ ZK_API int Delete_Global_Waypoint_Block(ArmSocket s, const char* name) {
     return set(Request(s, "delete_global_waypoint").text("point_name", name), Delete_Global_Waypoint_Cmd);
 }
 
-// The pose is held against the number of joints too.
+// The size of the pose is compared with the number of joints too.
 static void read_waypoint(ArmSocket s, Reply& reply, Item object, GlobalWaypoint* w) {
     const int joints = joint_count(s);
     cut_text(reply, object, "point_name", w->point_name);
@@ -80,7 +80,6 @@ ZK_API int Get_Global_Point_List(ArmSocket s, GlobalWaypointList* list) {
 ZK_API int Get_Global_Point_List_Block(ArmSocket s, GlobalWaypointList* list) {
     constexpr int32_t longer_ms = 100000;
     if (any_null(list)) return ZK_BAD_ARGUMENT;
-    // A reply need not tell its page and search.
     const auto deliver = [&](const GlobalWaypointListReply& reply) {
         const GlobalWaypointList& told = reply.waypoints;
         list->total_size = told.total_size;

@@ -26,7 +26,7 @@ int arrived(const Request& request, int32_t timeout) {
                        {.device = Device::kGripper, .limit = int64_t{timeout} * 1000});
 }
 
-// Without a timeout nothing is waited for; with one, the acknowledgement, though not for that long.
+// Waits for the acknowledgement unless the timeout is 0, but not for as long as the timeout.
 int accepted(const Request& request, int32_t timeout) {
     if (timeout == 0) return post(request);
     return set(request, Set_Gripper_Release_Cmd, {.keeps_count = true, .limit = read(m_nOutTime_max)});
@@ -89,7 +89,7 @@ ZK_API int Set_Gripper_Position_NonBlock(ArmSocket s, int32_t opening, int32_t t
     return accepted(position(s, opening), timeout);
 }
 
-// The status is that of another mailbox, whatever the reply was.
+// Returns the status of another mailbox, not of this reply.
 GripperStateReply Get_Gripper_State_Cmd[ZK_SLOTS];
 ZK_API int Get_Gripper_State(ArmSocket s, GripperState* state) { return checked(Get_Gripper_State_Block, s, state); }
 ZK_API int Get_Gripper_State_Block(ArmSocket s, GripperState* state) {

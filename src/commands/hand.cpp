@@ -25,7 +25,7 @@ int arrived(Request request, Mailbox acknowledgement, int32_t reply_ms) {
                         .outwaits_others = true});
 }
 
-// A stream's next values do not wait for a reply that is lost.
+// A stream of values must not stop at a lost reply, so the limit is short.
 int followed(const Request& request, Mailbox mailbox) {
     constexpr int32_t poll_ms = 5, limit_ms = 100;
     const Connection connection(request.socket());
@@ -115,7 +115,7 @@ ZK_API int Set_Hand_Force(ArmSocket s, int32_t force, bool block) {
 ZK_API int Set_Hand_Force_Block(ArmSocket s, int32_t force) { return set(hand_force(s, force), Set_Hand_Force_Cmd); }
 ZK_API int Set_Hand_Force_NonBlock(ArmSocket s, int32_t force) { return post(hand_force(s, force)); }
 
-// The reply does not reach the pending list: the blocking form ends in 7.
+// The reply never reaches the pending list, so the blocking form ends in 7.
 static Request pwm(ArmSocket s, int32_t frequency, int32_t duty) {
     return Request(s, "set_PWM").number("PWM_Frq", frequency).number("PWM_Dpulse", duty);
 }

@@ -115,7 +115,7 @@ ZK_API int Get_DO_State_Block(ArmSocket s, uint8_t number, uint8_t* state) {
 ZK_API int Parser_Get_DO_State(const char* text, int32_t* state) { return integer_value(text, "IO_state", state); }
 ZK_TWIN(Parser_Get_DO_State);
 
-// Nothing writes the value of this mailbox: the route puts it into that of the outputs.
+// The route stores the value in the mailbox of the outputs, so here it stays 0.
 IntReply Get_DI_State_Cmd[ZK_SLOTS];
 ZK_API int Get_DI_State(ArmSocket s, uint8_t number, uint8_t* state) { return Get_DI_State_Block(s, number, state); }
 ZK_API int Get_DI_State_Block(ArmSocket s, uint8_t number, uint8_t* state) {
@@ -274,7 +274,7 @@ ZK_API int Parser_Get_Tool_Voltage(const char* text, int32_t* type) {
 }
 ZK_TWIN(Parser_Get_Tool_Voltage);
 
-// Requests of above under other names. Their replies go to the mailboxes of above, so these end in 7.
+// The same requests under other names. Their replies go to the mailboxes above, so these end in 7.
 AckReply Set_IO_Mode_NC_Cmd[ZK_SLOTS];
 ZK_API int Set_IO_Mode_NC_E(ArmSocket s, uint8_t number, int32_t mode) {
     return after_2_ms(Set_IO_Mode_Block_NC_E, s, number, mode);

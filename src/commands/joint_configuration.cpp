@@ -50,7 +50,7 @@ int32_t thousandths_of_rpm(float degrees_per_second) { return thousandths(degree
 
 }  // namespace
 
-// The non-blocking forms of speed and acceleration send the number as it is, six times larger.
+// The non-blocking forms of speed and acceleration send the number undivided, six times as large.
 AckReply Set_Joint_Max_Speed_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Speed(ArmSocket s, uint8_t joint, float value, bool block) {
     return limit_of_connection(block ? Set_Joint_Speed_Block : Set_Joint_Speed_NonBlock, Get_Joint_Speed, s, joint,
@@ -156,7 +156,7 @@ ZK_API int Parser_Get_Max_Pos(ArmSocket s, const char* text, float* out) {
 }
 ZK_TWIN(Parser_Get_Max_Pos);
 
-// The drives' own limits, which the local model does not know.
+// The drives' own limits. The local model does not hold them.
 AckReply Set_Joint_Drive_Max_Speed_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Drive_Speed(ArmSocket s, uint8_t joint, float value) {
     return guarded(Set_Joint_Drive_Speed_Block, s, joint, value);
@@ -320,7 +320,7 @@ ZK_API int Set_Joint_Zero_Pos_NonBlock(ArmSocket s, uint8_t joint) { return post
 ZK_API int Parser_Joint_Zero_Pos(const char* text) { return acknowledgement(text, "joint_zero_pos", ZK_NOT_BOOLEAN); }
 ZK_TWIN(Parser_Joint_Zero_Pos);
 
-// The replies of calibration do not reach the pending list: the blocking forms end in 7.
+// The replies never reach the pending list, so the blocking forms end in 7.
 ZK_API int Start_Calibrate(ArmSocket s, bool block) {
     return after_20_ms(block, Start_Calibrate_Block, Start_Calibrate_NonBlock, s);
 }
@@ -353,13 +353,13 @@ ZK_API int Parser_Get_Calibrate_State(ArmSocket s, const char* text, float* stat
     for (int i = 0; i < states.size(); ++i) state[i] = static_cast<uint8_t>(states[i].integer());
     const Item errors = joints("err");
     for (int i = 0; i < errors.size(); ++i) err[i] = static_cast<uint16_t>(errors[i].integer());
-    // The same key is asked for a number, which an array is not: with both arrays filled the result is 11.
+    // The key of the array is also read as a number, which fails: a good reply ends in 11.
     reply.take("err", *value);
     return reply.status();
 }
 
-// Brings joints beyond a soft limit back. Once accepted, it waits for the report of the motion, without a limit. An
-// acceptance of an earlier call counts, so every poll looks for a refusal.
+// Moves joints that are beyond a soft limit back inside. After an accepted reply it waits without limit for the report.
+// The acceptance of an earlier call counts, so every poll looks for a refusal.
 AckReply Auto_Fix_Joint_Over_Soft_Limit_Cmd[ZK_SLOTS];
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit(ArmSocket s, bool block) {
     return guarded(block ? Auto_Fix_Joint_Over_Soft_Limit_Block : Auto_Fix_Joint_Over_Soft_Limit_NonBlock, s);

@@ -1,4 +1,4 @@
-// Modbus: the modes of the controller's ports, and the coils and registers of the devices behind them.
+// Modbus: the modes of the controller's ports, and the coils and registers of the devices on them.
 #include "zk/replies/modbus.h"
 
 #include <algorithm>
@@ -13,11 +13,11 @@ using namespace zk;
 
 namespace {
 
-// A time to wait. One that is over before it began gives 7 like any other, after one poll.
+// A time limit. A negative one ends in 7 after one poll.
 int32_t limit_of(int64_t ms) { return static_cast<int32_t>(std::clamp<int64_t>(ms, 1, INT32_MAX)); }
 int32_t bus_limit() { return limit_of(read(m_nmodbusrtu_OutTime)); }
 
-// What no frame holds may be left out: its text is too long already.
+// Values beyond a frame's room may be dropped: the text is too long already and ends the process.
 int sendable(int count) { return std::min(count, Request::kUsualFrame); }
 
 Request place(ArmSocket s, const char* command, int32_t port, int32_t address) {
@@ -67,7 +67,7 @@ ZK_API int Close_Modbus_Mode_Block(ArmSocket s, int32_t port) {
 }
 ZK_API int Close_Modbus_Mode_NonBlock(ArmSocket s, int32_t port) { return post(modbus_mode_end(s, port)); }
 
-// The acknowledgement comes when the controller has the server, or has given up.
+// The acknowledgement comes when the controller has reached the server or given up.
 AckReply Set_Modbustcp_Mode_Cmd[ZK_SLOTS];
 ZK_API int Set_Modbustcp_Mode(ArmSocket s, const char* ip, int32_t port, int32_t timeout) {
     return checked(Set_Modbustcp_Mode_Block, s, ip, port, timeout);
@@ -199,7 +199,7 @@ ZK_API int Write_Single_Coil_NonBlock(ArmSocket s, int32_t port, int32_t address
 }
 ZK_API int Parser_Write_single_coil(const char* text) { return acknowledgement(text, "write_state"); }
 
-// Eight coils in a byte. One byte goes out as a number, several as an array.
+// Eight coils in a byte. One byte is sent as a number, several as an array.
 static Request coils(ArmSocket s, int32_t port, int32_t address, int32_t num, const uint8_t* data, int32_t device) {
     Request request = place(s, "write_coils", port, address).number("num", num);
     if (num > 8) {

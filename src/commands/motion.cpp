@@ -1,4 +1,3 @@
-// Motion.
 #include "zk/replies/motion.h"
 
 #include <array>
@@ -123,7 +122,7 @@ ZK_API int Movec_Cmd_NonBlock(ArmSocket s, Pose via, Pose to, uint8_t v, uint8_t
     return move_accepted(movec(s, via, to, v, r, loop, trajectory_connect));
 }
 
-// A line to a target that the host computes from where the arm stands.
+// A line to a target that the host computes from the present pose.
 template <class Target>
 static int line_from_here(ArmSocket s, uint8_t v, uint8_t r, int32_t connect, bool block, Target target) {
     float joint[7] = {};

@@ -1,4 +1,4 @@
-// Lists of names, as controllers tell those of what they keep.
+// Lists of names in replies.
 #pragma once
 
 #include <algorithm>
@@ -10,7 +10,7 @@ namespace zk {
 
 constexpr size_t kNameBytes = 10;
 
-// Names up to the first "NULL", each at most ten bytes and ended, as many as the record holds.
+// Reads names up to the first "NULL", cut to ten bytes and ended, at most as many as the record holds.
 template <class Name>
 int name_list(const char* text, const char* key, Name* names, int capacity, int32_t* count) {
     Reply reply(text);

@@ -11,7 +11,7 @@
 
 using namespace zk;
 
-// A text of a reply into a field of the record, and from there, its length known to fit, to the caller.
+// Copies a text of a reply into a field of the record.
 static void text_field(Reply& reply, const char* key, char* field, size_t size) {
     copy_text(reply.text(reply.root(), key), key, field, size);
 }
@@ -114,7 +114,7 @@ ZK_API int Set_Net_Default(ArmSocket s) { return guarded(Set_Net_Default_Block, 
 ZK_API int Set_Net_Default_Block(ArmSocket s) { return set({s, "set_net_default"}, Set_Net_Default_Cmd); }
 ZK_API int Parser_Set_Net_Default_Cmd(const char* text) { return acknowledgement(text, "net_default_state"); }
 
-// The same request, waiting where no reply is put: it ends in 7.
+// The same request under another name. Nothing fills this mailbox, so it ends in 7.
 AckReply Set_Controller_ResetIP_NC_Cmd[ZK_SLOTS];
 ZK_API int Set_Controller_ResetIP_NC_E(ArmSocket s) { return after_2_ms(Set_Controller_ResetIP_Block_NC_E, s); }
 ZK_API int Set_Controller_ResetIP_Block_NC_E(ArmSocket s) {
@@ -159,7 +159,7 @@ ZK_API int Parser_Get_Tool_RS485_Mode(const char* text, int32_t* mode, int32_t* 
     return rs485_mode(text, "tool_RS485_mode", mode, baudrate, timeout);
 }
 
-// Requests without a reply, blocking by name only.
+// Requests without a reply; they block in name only.
 ZK_API int Set_WiFi_AP_Data(ArmSocket s, const char* name, const char* password) {
     return checked(Set_WiFi_AP_Data_Blcok, s, name, password);
 }

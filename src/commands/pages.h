@@ -1,4 +1,4 @@
-// Lists that the controller keeps, page by page.
+// Lists in the controller, read page by page.
 #pragma once
 
 #include <cstdint>
@@ -9,11 +9,11 @@
 
 namespace zk {
 
-// The parsers of lists, told also how many entries a reply held.
+// The parsers of lists, which also return the number of entries in the reply.
 int read_program_list(const char* text, int32_t* received, ProgramList* list);
 int read_waypoint_list(ArmSocket socket, const char* text, int32_t* received, GlobalWaypointList* list);
 
-// What the caller asks of a list; what it does not say is not sent.
+// The page and the search of a request; 0 and "" are not sent.
 template <class List>
 Request page_request(ArmSocket socket, const char* command, const List& list) {
     Request request(socket, command);

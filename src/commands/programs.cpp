@@ -1,4 +1,4 @@
-// Programs that the controller keeps: their list, and what runs.
+// Programs that the controller stores: their list, and the one in progress.
 #include "zk/replies/programs.h"
 
 #include <algorithm>
@@ -64,7 +64,7 @@ ZK_API int Get_Program_Run_State_Block(ArmSocket s, ProgramRunState* state) {
                  {.wipes_first = true, .limit = limit_beyond(longer_ms)});
 }
 
-// The rounds of the loops that the line in progress stands in.
+// The rounds of the loops around the line in progress.
 static void read_loops(Reply& reply, ProgramRunState* state) {
     const Item rounds = reply.array(reply.root(), "loop_num");
     const Item current = reply.array(reply.root(), "loop_cont", rounds.size());

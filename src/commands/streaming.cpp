@@ -31,7 +31,7 @@ ZK_TWIN(Parser_Movej_CANFD);
 
 namespace {
 
-// Written at once, whatever becomes of it.
+// Returns 0 even when nothing was written.
 int sent(const Request& request) {
     stream(request);
     return ZK_OK;
@@ -50,7 +50,7 @@ ZK_API int Movej_CANFD_NonBlock(ArmSocket s, const float* joint, uint8_t follow,
     std::fflush(stdout);
     return status;
 }
-// Its reply goes to the callback, not to the pending list: it ends in 7.
+// The reply goes to the callback, not to the pending list, so it ends in 7.
 ZK_API int Movej_CANFD_Block(ArmSocket s, const float* joint) {
     return pending(Request(s, "movej_canfd").joints("joint", joint), ZK_KEY_JOINT_REPORT,
                    [](const char*) { return int(ZK_OK); });
@@ -63,7 +63,7 @@ ZK_API int Movep_CANFD_NonBlock(ArmSocket s, uint8_t follow, Pose pose) {
     Request request(s, "movep_canfd");
     return sent(pose_or_quat(request, pose).boolean("follow", follow != 0));
 }
-// The blocking form sends the quaternion whatever it holds, in thousandths, and ends in 7 likewise.
+// The blocking form always sends the quaternion, in thousandths, and ends in 7 too.
 ZK_API int Movep_CANFD_Block(ArmSocket s, uint8_t follow, Pose pose) {
     Request request(s, "movep_canfd");
     return pending(quaternion_pose(request, pose, thousandths).boolean("follow", follow != 0), ZK_KEY_POSE_REPORT,

@@ -17,7 +17,7 @@ using namespace zk;
 
 namespace {
 
-// A word about the system's state stands where the controller has no numbers: the reply ends well, with nothing stored.
+// A reply with "sys_state" has no numbers: its status is 0, and nothing is stored.
 bool tells_numbers(Reply& reply) {
     const Item state = reply.find("sys_state");
     if (state) reply.require(state.is_text(), ZK_WRONG_TYPE);
@@ -26,7 +26,7 @@ bool tells_numbers(Reply& reply) {
 
 }  // namespace
 
-// 64 on the wire stands for off.
+// On the wire 64 means off.
 static Request power(ArmSocket s, uint8_t on) { return Request(s, "set_arm_power").number("arm_power", on ? 1 : 64); }
 AckReply Set_Arm_Power_Cmd[ZK_SLOTS];
 ZK_API int Set_Arm_Power(ArmSocket s, uint8_t on, bool block) {
@@ -82,7 +82,7 @@ ZK_API int Parser_Controller_State(const char* text, float* voltage, float* curr
 }
 ZK_TWIN(Parser_Controller_State);
 
-// The reply does not reach the pending list, and the parser delivers no text.
+// The reply never reaches the pending list, and the parser delivers no text.
 ZK_API int Get_Arm_Hardware_Version(ArmSocket s, char* version) {
     return query_after_20_ms(Get_Arm_Hardware_Version_Block, s, version);
 }
@@ -96,7 +96,7 @@ ZK_API int Parser_Get_Arm_Hardware_Version(const char* text, char*) {
     return reply.status();
 }
 
-// The numbers are versions, told to the caller in hexadecimal digits.
+// The versions are numbers; the caller gets them as hexadecimal digits.
 SoftwareVersionReply Get_Arm_Software_Version_Cmd[ZK_SLOTS];
 ZK_API int Get_Arm_Software_Version(ArmSocket s, char* plan, char* ctrl, char* kernel1, char* kernel2, char* product) {
     if (!sending_file() && any_null(plan, ctrl, kernel1, kernel2)) return ZK_BAD_ARGUMENT;
@@ -169,7 +169,7 @@ ZK_API int Parser_Get_Tool_Software_Version(const char* text, int32_t* version) 
 }
 ZK_TWIN(Parser_Get_Tool_Software_Version);
 
-// The reply does not reach the pending list: the blocking form ends in 7.
+// The reply never reaches the pending list, so the blocking form ends in 7.
 ZK_API int Get_Log_File(ArmSocket s, bool block) {
     return after_20_ms(block, Get_Log_File_Block, Get_Log_File_NonBlock, s);
 }

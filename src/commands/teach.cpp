@@ -1,4 +1,4 @@
-// Teaching and stepping: jogging an axis until told to stop, or by a fixed amount.
+// Teaching and stepping: jogs an axis until a stop, or moves it by a fixed amount.
 #include "zk/replies/motion.h"
 
 #include "commands/stillness.h"
@@ -12,7 +12,7 @@ using namespace zk;
 
 namespace {
 
-// The axis of a type argument: the x form, the y form, and the z form for every other number.
+// The axis of a type argument: 0 is x, 1 is y, any other number z.
 struct Axes {
     const char* names[3];
     const char* of(int32_t type) const { return names[type == 0 ? 0 : type == 1 ? 1 : 2]; }
@@ -102,7 +102,7 @@ ZK_API int Teach_Stop_Cmd_NonBlcok(ArmSocket s) { return post({s, "set_stop_teac
 ZK_API int Parser_Teach_Stop(const char* text) { return acknowledgement(text, "stop_teach"); }
 ZK_TWIN(Parser_Teach_Stop);
 
-// The step of a joint goes out a thousandfold, but not truncated.
+// The step of a joint is sent times 1000, not truncated.
 static Request joint_step(ArmSocket s, uint8_t joint, uint8_t v, float step) {
     return Request(s, "set_joint_step").numbers("joint_step", {double(joint), double(step * 1000.0f)}).number("v", v);
 }

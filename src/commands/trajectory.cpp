@@ -13,7 +13,6 @@
 
 using namespace zk;
 
-// Stop at once.
 AckReply Set_Arm_Stop_Cmd[ZK_SLOTS];
 ZK_API int Move_Stop_Cmd(ArmSocket s, bool block) {
     return guarded(block ? Move_Stop_Cmd_Block : Move_Stop_Cmd_NonBlock, s);
@@ -23,7 +22,7 @@ ZK_API int Move_Stop_Cmd_NonBlock(ArmSocket s) { return post({s, "set_arm_stop"}
 ZK_API int Parser_Move_Stop(const char* text) { return acknowledgement(text, "arm_stop"); }
 ZK_TWIN(Parser_Move_Stop);
 
-// Stop gently. The other stop's count is cleared, not its own: an old reply ends the wait at once.
+// It clears the count of the other stop, not its own: the reply to an earlier call ends the wait at once.
 AckReply Set_Arm_Slow_Stop_Cmd[ZK_SLOTS];
 ZK_API int Move_Slow_Stop_Cmd(ArmSocket s, bool block) {
     return guarded(block ? Move_Slow_Stop_Cmd_Block : Move_Slow_Stop_Cmd_NonBlock, s);
@@ -76,7 +75,7 @@ ZK_API int Clear_All_Trajectory_NonBlock(ArmSocket s) { return post({s, "set_arm
 ZK_API int Parser_Clear_All_Trajectory(const char* text) { return acknowledgement(text, "arm_delete_trajectory"); }
 ZK_TWIN(Parser_Clear_All_Trajectory);
 
-// The trajectory in progress. For a pose type on a seven-joint arm the seventh value is what the record held.
+// For a pose type on a seven-joint arm the seventh value is the one that the record held.
 TrajectoryReply Get_Arm_Current_Trajectory_Cmd[ZK_SLOTS];
 ZK_API int Get_Current_Trajectory(ArmSocket s, int32_t* type, float* data) {
     return query_after_20_ms(Get_Current_Trajectory_Block, s, type, data);
@@ -131,8 +130,7 @@ ZK_API int Parser_Get_Current_Trajectory(ArmSocket s, const char* text, int32_t*
 }
 ZK_TWIN(Parser_Get_Current_Trajectory);
 
-// The stream of waypoints. Its replies never reach the pending list, so the blocking forms end in 7 although the
-// controller did its work.
+// The stream of waypoints. The replies never reach the pending list, so the blocking forms end in 7.
 constexpr PendingForm kClearsPastEnd = {.clears_past_end = true};
 
 static Request add_waypoint(ArmSocket s, const float* joint) {

@@ -39,7 +39,7 @@ const std::vector<CommandCase> kRows = {
     WAITING(Set_Drag_Teach_Sensitivity, Set_Drag_Teach_Sensitivity_Cmd,
             R"({"command": "set_drag_teach_sensitivity", "grade": -4})", done("set_drag_teach_sensitivity"), -4),
     QUERY(Get_Drag_Teach_Sensitivity, Get_Drag_Teach_Sensitivity_Cmd, plain("get_drag_teach_sensitivity"),
-          R"({"state":"get_drag_teach_sensitivity","grade":70})", "70", .absorbing()),
+          R"({"state":"get_drag_teach_sensitivity","grade":70})", "70", .setting_the_count()),
 
     replayed(CALL(Run_Drag_Trajectory, (s, true))),
     replayed(CALL(Run_Drag_Trajectory_Block, (s))),
@@ -54,15 +54,7 @@ const std::vector<CommandCase> kRows = {
     SETTER(Drag_Trajectory_Origin, Move_Cmd, plain("drag_trajectory_origin"), report(0)),
 };
 
-class DragTeach : public testing::TestWithParam<CommandCase> {};
-TEST_P(DragTeach, OnTheWire) { run(GetParam()); }
-INSTANTIATE_TEST_SUITE_P(, DragTeach, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
-
-TEST(DragTeachGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("drag_teach.h", kRows), ""); }
-
-TEST(DragTeachGuards, ThePageTellsTheWire) { expect_documented("Drag teaching", kRows); }
-
-TEST(DragTeachGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+ZK_WIRE_TESTS(DragTeach, "drag_teach.h", "Drag teaching", kRows)
 
 TEST(DragTeachParsers, Sensitivity) { expect_number({parsing(Parser_Get_Drag_Teach_Sensitivity), "grade", "1234"}); }
 

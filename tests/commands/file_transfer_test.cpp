@@ -123,15 +123,15 @@ const std::vector<CommandCase> kRows = {
 
     FORMS(acknowledged, Set_Online_Next, (s), Set_Online_Start_Cmd, R"({"command": "online_next"})",
           R"({"command":"online_next","state":true})"),
-    FORMS(unheard, Set_Lift_Version, (s, -3), R"({"command": "set_lift_version", "lift_version": -3})",
+    FORMS(no_reply, Set_Lift_Version, (s, -3), R"({"command": "set_lift_version", "lift_version": -3})",
           R"({"command":"set_lift_version","lift_version":true})"),
-    FORMS(acknowledged, Set_Sale_Version, (s, 3), Set_Sale_Version_Cmd,
+    FORMS(acknowledged, Set_Sale_Version, (s, 3), of_any_type(Set_Sale_Version_Cmd),
           R"({"command": "set_sale_version", "sale_version": 3})",
           R"({"command":"set_sale_version","sale_version":true})"),
     answered(ASK(Get_Tool_Hardware_Version_E), Get_Tool_Hardware_Version_Cmd, kAskTool, kTool, "512"),
     answered(ASK(Get_Tool_Hardware_Version_Block_E), Get_Tool_Hardware_Version_Cmd, kAskTool, kTool, "512"),
-    unheard(CALL(Set_Controller_IP_NC_E, (s, "10.0.0.3")), kSetIp, kIpSet),
-    unheard(CALL(Set_Controller_IP_Block_NC_E, (s, "10.0.0.3")), kSetIp, kIpSet),
+    no_reply(CALL(Set_Controller_IP_NC_E, (s, "10.0.0.3")), kSetIp, kIpSet),
+    no_reply(CALL(Set_Controller_IP_Block_NC_E, (s, "10.0.0.3")), kSetIp, kIpSet),
 };
 
 // Without a guard of their own.

@@ -84,25 +84,7 @@ const std::vector<CommandCase> kRows = {
         .on(75),
 };
 
-class ForceControl : public testing::TestWithParam<CommandCase> {};
-TEST_P(ForceControl, OnTheWire) { run(GetParam()); }
-INSTANTIATE_TEST_SUITE_P(, ForceControl, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
-
-TEST(ForceControlGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("force_control.h", kRows), ""); }
-
-TEST(ForceControlGuards, ThePageTellsTheWire) { expect_documented("Force control", kRows); }
-
-TEST(ForceControlGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
-
-TEST(ForceControlGuards, NullPointersAreToldAndNothingIsSent) {
-    static float values[6];
-    expect_nothing_sent({{CALL(Get_Force_Data, (s, nullptr, values, values, values))},
-                         {CALL(Get_Fz, (s, nullptr, values, values, values))},
-                         {CALL(Manual_Set_Force, (s, 1, nullptr))},
-                         {CALL(Manual_Set_Force, (s, 4, nullptr))},
-                         {CALL(Manual_Set_Fz, (s, nullptr, values))},
-                         {CALL(Manual_Set_Fz, (s, values, nullptr))}});
-}
+ZK_WIRE_TESTS(ForceControl, "force_control.h", "Force control", kRows)
 
 TEST(ForceControlGuards, ClearingSuspendsWhileItWaits) {
     expect_suspension({{CALL(Clear_Force_Data, (s, true)), done("clear_force_data", "clear_state")}});

@@ -62,12 +62,12 @@ const std::vector<CommandCase> kRows = {
     queued("Beside_" CALL(Force_Position_Move_Pose, (s, 1, 255, -3, 0, kBeside, 0.25f)),
            wire(R"("pose_quat": [100000, -200000, 300000, 500000, 500000, 500000, 590000])", kSmooth)),
     queued(CALL(Force_Position_Move_Pose_NonBlock, (s, 1, 255, -3, 0, kByEuler, 0.25f)), wire(kPose, kSmooth)),
-    unheard(CALL(Force_Position_Move_Pose_Block, (s, 1, 255, -3, kByQuaternion, 0.25f)), wire(kPose, ""), kReport),
+    no_reply(CALL(Force_Position_Move_Pose_Block, (s, 1, 255, -3, kByQuaternion, 0.25f)), wire(kPose, ""), kReport),
     queued(CALL(Force_Position_Move_Joint, (s, kJoint, 1, 255, -3, 1, 0.25f)), wire(joints(kSix), kFollow)),
     queued("Seven_" CALL(Force_Position_Move_Joint, (s, kJoint, 1, 255, -3, 1, 0.25f)), wire(joints(kSeven), kFollow),
            75),
     queued(CALL(Force_Position_Move_Joint_NonBlock, (s, kJoint, 1, 255, -3, 0, 0.25f)), wire(joints(kSix), kSmooth)),
-    unheard(CALL(Force_Position_Move_Joint_Block, (s, kJoint, 1, 255, -3, 0.25f)), wire(joints(kSix), ""), kReport),
+    no_reply(CALL(Force_Position_Move_Joint_Block, (s, kJoint, 1, 255, -3, 0.25f)), wire(joints(kSix), ""), kReport),
     queued(CALL(Force_Position_Move, (s, move(0, kByEuler))), move_wire(joints(kSix))),
     queued("Seven_" CALL(Force_Position_Move, (s, move(2, kByEuler))),
            move_wire(joints("[1900, -2000, 3000, 4000, 5000, 6000, 1900]")), 72),
@@ -75,19 +75,7 @@ const std::vector<CommandCase> kRows = {
     queued(CALL(Force_Position_Move_NonBlock, (s, move(1, kByQuaternion))), move_wire(kPoseQuat)),
 };
 
-class ForcePosition : public testing::TestWithParam<CommandCase> {};
-TEST_P(ForcePosition, OnTheWire) { run(GetParam()); }
-INSTANTIATE_TEST_SUITE_P(, ForcePosition, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
-
-TEST(ForcePositionGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("force_position.h", kRows), ""); }
-
-TEST(ForcePositionGuards, ThePageTellsTheWire) { expect_documented("Force-position moves", kRows); }
-
-TEST(ForcePositionGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
-
-TEST(ForcePositionGuards, ANullArrayIsToldAndNothingIsSent) {
-    expect_nothing_sent({{CALL(Force_Position_Move_Joint, (s, nullptr, 1, 2, 3, 0, 5))}});
-}
+ZK_WIRE_TESTS(ForcePosition, "force_position.h", "Force-position moves", kRows)
 
 // Unlike the streaming of plain moves.
 TEST(ForcePositionGuards, ASetPointThatIsNotWrittenGives6) {

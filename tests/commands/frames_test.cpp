@@ -18,14 +18,14 @@ namespace {
 
 using namespace zk::test;
 
-// Of a pose only position and Euler angles go out.
+// Only position and Euler angles of a pose are sent.
 const Pose kPose{{0.123456f, -0.3f, 0.0000019f}, {1, 2, 3, 4}, {3.1415f, -1.5708f, 0.0015f}};
 
-const Exchange kTool{R"({"command": "get_current_tool_frame"})",
+const Exchange kTool{"get_current_tool_frame",
                      R"({"state":"current_tool_frame","tool_name":"grip","pose":[100000,-200000,1,3141,-1570,1],)"
                      R"("payload":1234.5,"position":[100000,-1500,1]})"};
 const char* const kToolTold = "grip, 0.1 -0.2 1e-06, 3.141 -1.57 0.001, 1.2345 0.1 -0.0015 1e-06";
-const Exchange kWork{R"({"command": "get_current_work_frame"})",
+const Exchange kWork{"get_current_work_frame",
                      R"({"state":"current_work_frame","frame_name":"table","pose":[100000,-200000,1,3141,-1570,1]})"};
 const char* const kWorkTold = "table, 0.1 -0.2 1e-06, 3.141 -1.57 0.001, 0 0 0 0";
 
@@ -43,7 +43,7 @@ const auto kAskGivenWork = [](auto form) {
 };
 
 #define CENTRE 0.1f, -0.0015f, 0.0000019f
-// A frame is selected or deleted, and what is in use then is asked for, also where nobody waits.
+// Selects or deletes a frame, then asks for the frame in use, even in the non-blocking form.
 #define SELECTION(command, mailbox, wire, reply, question, name)                                      \
     acknowledged(#command, ZK_FORM(command, name, true), mailbox, wire, reply).followed_by(question), \
         acknowledged(#command "_Block", ZK_FORM(command##_Block, name), mailbox, wire, reply),        \
@@ -64,7 +64,7 @@ const auto kAskGivenWork = [](auto form) {
 const std::vector<CommandCase> kRows = {
     // Tools: mass and centre of gravity have other scales in each form.
     SETTER(Auto_Set_Tool_Frame, Auto_Set_Tool_Frame_Cmd, R"({"command": "set_auto_tool_frame", "point_num": 6})",
-           R"({"command":"set_auto_tool_frame","auto_tool_frame":true})", 6),
+           "auto_tool_frame", 6),
     TWO_SCALES(Generate_Auto_Tool_Frame, Auto_Set_Tool_Frame_Cmd,
                R"({"command": "generate_auto_tool_frame", "tool_name": "grip", "payload": 1234.500000, )"
                R"("position": [100000, -1500, 1]})",
@@ -84,19 +84,17 @@ const std::vector<CommandCase> kRows = {
            R"("position": [100000, -1500, 1]})",
            R"({"command":"update_tool_frame","update_state":true})", "grip", kPose, 1.2345f, CENTRE),
     SELECTION(Change_Tool_Frame, Change_Tool_Frame_Cmd, R"({"command": "set_change_tool_frame", "tool_name": ""})",
-              R"({"command":"set_change_tool_frame","change_tool_frame":true})", kTool, ""),
+              "change_tool_frame", kTool, ""),
     SELECTION(Delete_Tool_Frame, Delete_Tool_Frame_Cmd, R"({"command": "set_delete_tool_frame", "tool_name": "grip"})",
-              R"({"command":"set_delete_tool_frame","delete_tool_frame":true})", kTool, "grip"),
+              "delete_tool_frame", kTool, "grip"),
 
     // The load: thousandths of a metre in both forms.
     acknowledged(CALL(Set_Payload_Block, (s, 2147483647, CENTRE)), Set_Payload_Cmd,
-                 R"({"command": "set_payload", "payload": 2147483647, "position": [100, -1, 0]})",
-                 R"({"command":"set_payload","set_state":true})"),
+                 R"({"command": "set_payload", "payload": 2147483647, "position": [100, -1, 0]})", "set_state"),
     queued(CALL(Set_Payload_NonBlock, (s, -5, CENTRE)),
            R"({"command": "set_payload", "payload": -5, "position": [100, -1, 0]})"),
-    acknowledged(CALL(Set_None_Payload_Block, (s)), Set_None_Payload_Cmd, R"({"command": "set_none_payload"})",
-                 R"({"command":"set_none_payload","set_state":true})"),
-    queued(CALL(Set_None_Payload_NonBlock, (s)), R"({"command": "set_none_payload"})"),
+    acknowledged(CALL(Set_None_Payload_Block, (s)), Set_None_Payload_Cmd, "set_none_payload", "set_state"),
+    queued(CALL(Set_None_Payload_NonBlock, (s)), "set_none_payload"),
 
     QUERY(Get_Current_Tool_Frame, Current_Tool_Cmd, kTool.wire, kTool.reply, kToolTold, .wiping()),
     GIVEN("Get_Given_Tool_Frame", kAskGivenTool(Get_Given_Tool_Frame), Given_Tool_Cmd,
@@ -109,13 +107,13 @@ const std::vector<CommandCase> kRows = {
           R"({"state":"get_tool_frame","get_state":true,"tool_name":"grip","pose":[1,2,3,4,5,6],"payload":0,)"
           R"("position":[0,0,0]})",
           "grip, 1e-06 2e-06 3e-06, 0.004 0.005 0.006, 0 0 0 0"),
-    QUERY(Get_All_Tool_Frame, Get_All_Tool_Frame_Cmd, R"({"command": "get_total_tool_frame"})",
+    QUERY(Get_All_Tool_Frame, Get_All_Tool_Frame_Cmd, "get_total_tool_frame",
           R"({"state":"total_tool_frame","tool_names":["a","tool_frame_long","NULL","c"]})", "a tool_frame; 2",
           .wiping()),
 
     SETTER(Auto_Set_Work_Frame, Auto_Set_Work_Frame_Cmd,
-           R"({"command": "set_auto_work_frame", "frame_name": "table", "point_num": 4})",
-           R"({"command":"set_auto_work_frame","auto_work_frame":true})", "table", 4),
+           R"({"command": "set_auto_work_frame", "frame_name": "table", "point_num": 4})", "auto_work_frame", "table",
+           4),
     SETTER(Manual_Set_Work_Frame, Manual_Set_Work_Frame_Cmd,
            R"({"command": "set_manual_work_frame", "frame_name": "table", )"
            R"("frame_pose": [123456, -300000, 1, 3141, -1570, 1]})",
@@ -125,11 +123,9 @@ const std::vector<CommandCase> kRows = {
            R"("frame_pose": [123456, -300000, 1, 3141, -1570, 1]})",
            R"({"command":"update_work_frame","update_state":true})", "table", kPose),
     SELECTION(Change_Work_Frame, Change_Work_Frame_Cmd,
-              R"({"command": "set_change_work_frame", "frame_name": "table"})",
-              R"({"command":"set_change_work_frame","change_work_frame":true})", kWork, "table"),
+              R"({"command": "set_change_work_frame", "frame_name": "table"})", "change_work_frame", kWork, "table"),
     SELECTION(Delete_Work_Frame, Delete_Work_Frame_Cmd,
-              R"({"command": "set_delete_work_frame", "frame_name": "table"})",
-              R"({"command":"set_delete_work_frame","delete_work_frame":true})", kWork, "table"),
+              R"({"command": "set_delete_work_frame", "frame_name": "table"})", "delete_work_frame", kWork, "table"),
 
     QUERY(Get_Current_Work_Frame, Current_Work_Cmd, kWork.wire, kWork.reply, kWorkTold, .wiping()),
     GIVEN("Get_Given_Work_Frame", kAskGivenWork(Get_Given_Work_Frame), Given_Work_Frame_Cmd,
@@ -140,10 +136,10 @@ const std::vector<CommandCase> kRows = {
           R"({"command": "get_work_frame", "frame_name": "table"})", R"({"state":"get_work_frame","get_state":false})",
           "; 0 0 0, 0 0 0")
         .giving(1),
-    answered(ASK(Get_All_Work_Frame), Get_All_Work_Frame_Cmd, R"({"command": "get_total_work_frame"})",
+    answered(ASK(Get_All_Work_Frame), Get_All_Work_Frame_Cmd, "get_total_work_frame",
              R"({"state":"total_work_frame","frame_names":["Base","table"]})", "Base table; 2")
         .wiping(),
-    answered(ASK(Get_All_Work_Frame_Blcok), Get_All_Work_Frame_Cmd, R"({"command": "get_total_work_frame"})",
+    answered(ASK(Get_All_Work_Frame_Blcok), Get_All_Work_Frame_Cmd, "get_total_work_frame",
              R"({"state":"total_work_frame","frame_names":["NULL","table"]})", "-; 0")
         .wiping(),
 };
@@ -165,7 +161,18 @@ INSTANTIATE_TEST_SUITE_P(, Frames, testing::ValuesIn(kRows), [](const auto& row)
 
 TEST(FramesGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("frames.h", kRows), ""); }
 
-TEST(FramesGuards, ThePageTellsTheWire) { expect_documented("Frames and payload", kRows); }
+TEST(FramesGuards, PlainNamesRefuseNullPointers) {
+    static FrameRec frame;
+    static Pose pose;
+    static char name[12];
+    expect_nulls_refused(kRows);
+    expect_nothing_sent({{CALL(Get_Given_Tool_Frame, (s, nullptr, &frame))},
+                         {CALL(Get_Given_Tool_Frame, (s, "grip", nullptr))},
+                         {CALL(Get_Given_Work_Frame, (s, nullptr, &pose))},
+                         {CALL(Get_Given_Work_Frame, (s, name, nullptr))}});
+}
+
+TEST(FramesGuards, ThePageDescribesTheWire) { expect_documented("Frames and payload", kRows); }
 
 TEST(FramesGuards, PlainNamesDoNothingDuringAFileTransfer) {
     std::vector<CommandCase> rows = kRows;
@@ -173,16 +180,7 @@ TEST(FramesGuards, PlainNamesDoNothingDuringAFileTransfer) {
     expect_nothing_during_a_file_transfer(rows);
 }
 
-TEST(FramesGuards, NullPointersAreToldAndNothingIsSent) {
-    expect_nulls_refused({NULLS(Generate_Auto_Tool_Frame), NULLS(Manual_Set_Tool_Frame), NULLS(Update_Tool_Frame),
-                          NULLS(Change_Tool_Frame), NULLS(Delete_Tool_Frame), NULLS(Get_Current_Tool_Frame),
-                          NULLS(Get_Given_Tool_Frame), nulls("Get_All_Tool_Frame", Get_All_Tool_Frame, 1),
-                          NULLS(Auto_Set_Work_Frame), NULLS(Manual_Set_Work_Frame), NULLS(Update_Work_Frame),
-                          NULLS(Change_Work_Frame), NULLS(Delete_Work_Frame), NULLS(Get_Current_Work_Frame),
-                          NULLS(Get_Given_Work_Frame), nulls("Get_All_Work_Frame", Get_All_Work_Frame, 1)});
-}
-
-// 299 bytes with the CRLF are the most that goes out.
+// A request has at most 299 bytes with its CRLF.
 TEST(FramesGuards, ANameThatIsTooLongEndsTheProcess) {
     const std::string frame_around_name =
         "{\n\t\"command\":\t\"set_change_tool_frame\",\n\t\"tool_name\":\t\"\"\n}\r\n";
@@ -357,7 +355,7 @@ TEST_P(LocalPicture, StaysWhenAnythingFails) {
     EXPECT_EQ(model(), "1 2 3");
 }
 
-// A good answer makes the matrix too, whoever asked: the tool's with its Euler angles in the place of the position.
+// A good answer also sets the matrix; that of the tool has the Euler angles in the place of the position.
 TEST(FrameMatrices, FollowTheAnswers) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
@@ -388,7 +386,7 @@ TEST(FrameMatrices, FollowTheAnswers) {
 
 const Pose kGrip{{0.1f, 0, 0.15f}, {}, {0, 0, 1.5f}};
 
-TEST(FramesOfASimulatedArm, ToolsAreGotBackAsSet) {
+TEST(FramesOfASimulatedArm, ToolsAreReadBackAsSet) {
     SimulatedArm arm;
     std::string told;
     EXPECT_EQ(Manual_Set_Tool_Frame(arm, "grip", kGrip, 1.5f, 0.01f, 0.02f, -0.03f, true), 0);
@@ -411,7 +409,7 @@ TEST(FramesOfASimulatedArm, ToolsAreGotBackAsSet) {
     EXPECT_EQ(Set_None_Payload_Block(arm), 0);
 }
 
-TEST(FramesOfASimulatedArm, WorkFramesAreGotBackAsSet) {
+TEST(FramesOfASimulatedArm, WorkFramesAreReadBackAsSet) {
     SimulatedArm arm;
     std::string told;
     char name[12] = "table";

@@ -61,7 +61,7 @@ const std::vector<CommandCase> kRows = {
     GRIPPING(Set_Gripper_Position, R"({"command": "set_gripper_position", "position": 300, "block": true})", 300),
     queued(CALL(Set_Gripper_Position_NonBlock, (s, 300, 0)), R"({"command": "set_gripper_position", "position": 300})"),
     QUERY(Get_Gripper_State, Get_Gripper_State_Cmd, plain("get_gripper_state"), kState, kStateTold,
-          .losing_its_status()),
+          .with_the_status_of_another()),
 
     acknowledged(CALL(Set_Hand_Posture, (s, 3, true)), {}, kPosture, posed("set_hand_posture")),
     acknowledged(CALL(Set_Hand_Posture_Block, (s, 3)), {}, kPosture, posed("set_hand_posture")),
@@ -82,8 +82,8 @@ const std::vector<CommandCase> kRows = {
     SETTER(Set_Hand_Force, Set_Hand_Force_Cmd, R"({"command": "set_hand_force", "hand_force": 800})",
            done("set_hand_force"), 800),
 
-    unheard(CALL(Set_PWM, (s, 1000, -5, true)), kPwm, done("set_PWM")),
-    unheard(CALL(Set_PWM_Block, (s, 1000, -5)), kPwm, done("set_PWM")),
+    no_reply(CALL(Set_PWM, (s, 1000, -5, true)), kPwm, done("set_PWM")),
+    no_reply(CALL(Set_PWM_Block, (s, 1000, -5)), kPwm, done("set_PWM")),
     queued(CALL(Set_PWM_NoBlock, (s, 1000, -5)), kPwm),
 };
 
@@ -104,8 +104,10 @@ std::vector<CommandCase> all_rows() {
 
 TEST(GripperGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("gripper_and_hand.h", all_rows()), ""); }
 
+TEST(GripperGuards, PlainNamesRefuseNullPointers) { expect_nulls_refused(all_rows()); }
+
 // Of a reply and a report the page tells the reply.
-TEST(GripperGuards, ThePageTellsTheWire) {
+TEST(GripperGuards, ThePageDescribesTheWire) {
     std::vector<CommandCase> rows = kRows;
     for (CommandCase& row : rows) row.reply = row.reply.substr(0, row.reply.find("\r\n"));
     expect_documented("Gripper and hand", rows);
@@ -117,12 +119,6 @@ TEST(GripperGuards, PlainNamesDoNothingDuringAFileTransfer) {
     expect_nothing_during_a_file_transfer(rows);
 }
 
-TEST(GripperGuards, NullPointersAreToldAndNothingIsSent) {
-    expect_nothing_sent({{CALL(Get_Gripper_State, (s, nullptr))},
-                         {CALL(Set_Hand_Angle, (s, nullptr, true))},
-                         {CALL(Set_Hand_Angle, (s, nullptr, false))}});
-}
-
 TEST(GripperGuards, PwmCannotBeStopped) {
     expect_nothing_sent({{CALL(Stop_PWM, (s, true))},
                          {CALL(Stop_PWM, (s, false))},
@@ -131,7 +127,7 @@ TEST(GripperGuards, PwmCannotBeStopped) {
                         8);
 }
 
-TEST(GripperGuards, SuspendWhileTheyWait) { expect_suspension({{CALL(Set_PWM, (s, 1000, 50, true))}}); }
+TEST(GripperGuards, RaiseSuspendQueueWhileTheyWait) { expect_suspension({{CALL(Set_PWM, (s, 1000, 50, true))}}); }
 
 // A broken reply is not seen: the status is that of the joint drives' upper limits.
 TEST(GripperState, HasTheStatusOfAnotherQuery) {

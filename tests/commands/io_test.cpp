@@ -27,10 +27,10 @@ Call asking_3(int (*query)(ArmSocket, uint8_t, Outs*...)) {
 std::string of_3(const std::string& command) { return R"({"command": ")" + command + R"(", "IO_Num": 3})"; }
 
 // The three forms whose mailbox nothing feeds, as calls that `call` makes of them.
-#define UNFED(command, call, wire, reply)                                         \
-    unheard(#command "_NC_E", call(command##_NC_E), wire, reply),                 \
-        unheard(#command "_Block_NC_E", call(command##_Block_NC_E), wire, reply), \
-        unheard(#command "_NC_Block_E", call(command##_NC_Block_E), wire, reply)
+#define UNFED(command, call, wire, reply)                                                                         \
+    no_reply(#command "_NC_E", Call(call(command##_NC_E), nulls(#command "_NC_E", command##_NC_E)), wire, reply), \
+        no_reply(#command "_Block_NC_E", call(command##_Block_NC_E), wire, reply),                                \
+        no_reply(#command "_NC_Block_E", call(command##_NC_Block_E), wire, reply)
 
 const char* const kOn = R"({"command": "set_DO_state", "IO_Num": 3, "state": 1})";
 const char* const kOff = R"({"command": "set_DO_state", "IO_Num": 3, "state": 0})";
@@ -87,10 +87,10 @@ const std::vector<CommandCase> kRows = {
 
     // Only 1 counts as on.
     UNFED(Set_IO_Mode, given(3, 2), R"({"command": "set_IO_mode", "IO_Num": 3, "IO_mode": 0})", done("set_IO_mode")),
-    unheard("One_" CALL(Set_IO_Mode_Block_NC_E, (s, 3, 1)), R"({"command": "set_IO_mode", "IO_Num": 3, "IO_mode": 1})",
-            done("set_IO_mode")),
+    no_reply("One_" CALL(Set_IO_Mode_Block_NC_E, (s, 3, 1)), R"({"command": "set_IO_mode", "IO_Num": 3, "IO_mode": 1})",
+             done("set_IO_mode")),
     UNFED(Set_IO_State, given(3, 2), kOff, done("set_DO_state")),
-    unheard("One_" CALL(Set_IO_State_Block_NC_E, (s, 3, 1)), kOn, done("set_DO_state")),
+    no_reply("One_" CALL(Set_IO_State_Block_NC_E, (s, 3, 1)), kOn, done("set_DO_state")),
     UNFED(Get_IO_State, asking_3, of_3("get_IO_state"), kState),
     UNFED(Get_Controller_Voltage, asking, plain("get_voltage"), kSupplyType),
     UNFED(Set_Controller_Voltage, given(3, 2), kSupply, done("set_voltage", "state")),
@@ -102,7 +102,9 @@ INSTANTIATE_TEST_SUITE_P(, Io, testing::ValuesIn(kRows), [](const auto& row) { r
 
 TEST(IoGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("io.h", kRows), ""); }
 
-TEST(IoGuards, ThePageTellsTheWire) { expect_documented("Inputs and outputs", kRows); }
+TEST(IoGuards, PlainNamesRefuseNullPointers) { expect_nulls_refused(kRows); }
+
+TEST(IoGuards, ThePageDescribesTheWire) { expect_documented("Inputs and outputs", kRows); }
 
 // They go on during a file transfer, as far as the queue that it holds.
 bool is_thin(const CommandCase& row) {
@@ -115,7 +117,7 @@ TEST(IoGuards, PlainNamesDoNothingDuringAFileTransfer) {
     expect_nothing_during_a_file_transfer(rows);
 }
 
-TEST(IoGuards, SingleInputsAndOutputsAreQueuedDuringAFileTransfer) {
+TEST(IoGuards, SingleInputsAndOutputsWaitInTheQueueDuringAFileTransfer) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
     set_shared(m_nOutTime, 1);
@@ -129,27 +131,11 @@ TEST(IoGuards, SingleInputsAndOutputsAreQueuedDuringAFileTransfer) {
     for (const CommandCase& row : rows) EXPECT_EQ(controller.next_request(), formatted(row.wire)) << row.name;
 }
 
-TEST(IoGuards, NullPointersAreToldAndNothingIsSent) {
-    static int32_t number[4];
-    static float value[4];
-    static uint8_t byte;
-    expect_nothing_sent({{CALL(Get_IO_Input, (s, nullptr, value))},
-                         {CALL(Get_IO_Input, (s, number, nullptr))},
-                         {CALL(Get_IO_Output, (s, nullptr, value))},
-                         {CALL(Get_IO_State, (s, 1, nullptr, &byte))},
-                         {CALL(Get_IO_State, (s, 1, &byte, nullptr))},
-                         {CALL(Get_Voltage, (s, nullptr))},
-                         {CALL(Get_Tool_IO_State, (s, value, nullptr))},
-                         {CALL(Get_Tool_Voltage, (s, nullptr))},
-                         {CALL(Get_IO_State_NC_E, (s, 1, nullptr, number))},
-                         {CALL(Get_Controller_Voltage_NC_E, (s, nullptr))}});
-}
-
-TEST(IoGuards, AnotherTypeThanDigitalAndAnalogueSendsNothing) {
+TEST(IoGuards, AnUnknownTypeSendsNothing) {
     expect_nothing_sent({{CALL(Set_IO_State, (s, 2, 1, 1, true))}, {CALL(Set_IO_State, (s, -1, 1, 1, false))}}, 11);
 }
 
-TEST(Inputs, LandWhereTheOutputsAreRead) {
+TEST(Inputs, AreStoredWithTheOutputs) {
     Init_Socket_Joint(65, 1000);
     char input[] = R"({"state":"DI_state","IO_state":1})", broken[] = R"({"state":"DI_state"})";
     handle_Recv_Json(0, input);

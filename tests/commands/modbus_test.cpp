@@ -16,7 +16,7 @@ using namespace zk::test;
 
 const uint8_t kBytes[] = {1, 2, 255, 0, 5};
 
-// Reads of several bits and of one register, as calls that tell what they read.
+// Reads of several bits and of one register, as calls that report the values read.
 const auto kSeveral = [](auto form) {
     return [form](ArmSocket s, std::string& told) { return with_outputs<int32_t>(told, form, s, 1, 40000, 9, 255); };
 };
@@ -101,22 +101,7 @@ INSTANTIATE_TEST_SUITE_P(, Modbus, testing::ValuesIn(kRows), [](const auto& row)
 
 // ------------------------------------------------------------------------------------------------------- Guards --
 
-TEST(ModbusGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("modbus.h", kRows), ""); }
-
-TEST(ModbusGuards, ThePageTellsTheWire) { expect_documented("Modbus", kRows); }
-
-TEST(ModbusGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
-
-TEST(ModbusGuards, NullPointersAreToldAndNothingIsSent) {
-    expect_nothing_sent({{CALL(Get_Read_Coils, (s, 0, 0, 1, 1, nullptr))},
-                         {CALL(Get_Read_Multiple_Coils, (s, 0, 0, 9, 1, nullptr))},
-                         {CALL(Get_Read_Input_Status, (s, 0, 0, 1, 1, nullptr))},
-                         {CALL(Get_Read_Holding_Registers, (s, 0, 0, 1, nullptr))},
-                         {CALL(Get_Read_Input_Registers, (s, 0, 0, 1, nullptr))},
-                         {CALL(Set_Modbustcp_Mode, (s, nullptr, 502, 0))},
-                         {CALL(Write_Coils, (s, 0, 0, 9, nullptr, 1, true))},
-                         {CALL(Write_Registers, (s, 0, 0, 1, nullptr, 1, false))}});
-}
+ZK_WIRE_GUARDS(Modbus, "modbus.h", "Modbus", kRows)
 
 TEST(ModbusGuards, RegistersAreDroppedWithoutAnArray) {
     ScriptedController controller;
@@ -166,8 +151,7 @@ TEST(ModbusParsers, OneValue) {
                                                    {R"({"read_state":false})", 1, ""},
                                                    {R"({"read_state":true})", 8, ""},
                                                    {R"({"data":[7]})", 8, ""},
-                                                   {R"({"data":true})", 8, ""},
-                                                   {R"({"data":7)", 9, ""}});
+                                                   {R"({"data":true})", 8, ""}});
 }
 
 TEST(ModbusParsers, SeveralValues) {
@@ -177,8 +161,7 @@ TEST(ModbusParsers, SeveralValues) {
                                         {R"({"data":[]})", 0, "-; 0"},
                                         {R"({"data":[1],"read_state":false})", 1, ""},
                                         {R"({"data":1})", 8, ""},
-                                        {R"({})", 8, ""},
-                                        {R"({"data":[1)", 9, ""}});
+                                        {R"({})", 8, ""}});
     }
 }
 
@@ -198,7 +181,7 @@ class Bus : public testing::Test {
  protected:
     void SetUp() override { ASSERT_EQ(Set_Modbus_Mode(arm_, 0, 115200, 600, true), 0); }
 
-    // What a read gives, or its status when it fails.
+    // The value that is read, or the status when it fails.
     template <class... Ins>
     std::string read(Ins... ins) {
         std::string told;
@@ -210,7 +193,7 @@ class Bus : public testing::Test {
     const ArmSocket s_ = arm_;
 };
 
-TEST_F(Bus, KeepsWhatIsWritten) {
+TEST_F(Bus, StoresWhatIsWritten) {
     const uint8_t coils[] = {0x0D, 0x03}, registers[] = {0x12, 0x34, 0xFF, 0x00};
     EXPECT_EQ(Write_Coils(arm_, 0, 100, 10, coils, 1, true), 0);
     EXPECT_EQ(read(Get_Read_Multiple_Coils, s_, 0, 98, 12, 1), "52 12");
@@ -229,7 +212,7 @@ TEST_F(Bus, KeepsWhatIsWritten) {
     EXPECT_EQ(read(Read_Multiple_Input_Registers, s_, 0, 300, 2, 1), "1 44 1 45");
 }
 
-TEST_F(Bus, EveryPortAndDeviceHasItsOwn) {
+TEST_F(Bus, KeepsPortsAndDevicesApart) {
     EXPECT_EQ(Set_Modbus_Mode(arm_, 1, 9600, 600, true), 0);
     EXPECT_EQ(Set_Modbustcp_Mode(arm_, "10.0.0.9", 502, 1000), 0);
     const std::pair<int, int> places[] = {{0, 1}, {0, 2}, {1, 1}, {2, 2}};
@@ -242,7 +225,7 @@ TEST_F(Bus, EveryPortAndDeviceHasItsOwn) {
     EXPECT_EQ(text_of({mode, baudrate, timeout}), "1 9600 600");
 }
 
-TEST_F(Bus, RefusesWhatNobodyAnswers) {
+TEST_F(Bus, RefusesWithoutADevice) {
     for (const auto& [port, address, device] :
          {std::array{0, 0, 3}, {0, 0, 0}, {0, 65536, 1}, {0, -1, 1}, {1, 0, 1}, {2, 0, 1}, {9, 0, 1}}) {
         SCOPED_TRACE(text_of({port, address, device}));

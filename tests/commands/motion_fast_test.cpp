@@ -29,10 +29,10 @@ const float kNoIntegers[6] = {NAN, INFINITY, -INFINITY, 3e6f, -3e6f, 2147483.5f}
 constexpr Pose kPose{{0.3f, -0.2f, 0.0000019f}, {9, 9, 9, 9}, {3.1415f, -0.5f, -0.0009f}};
 constexpr Pose kVia{{0.25f, 0.5f, -3000.0f}, {}, {0.5f, 0.25f, 1.0f}};
 
-// Its arrival comes behind the answer to the first look at what the arm does.
+// Its arrival comes after the answer to the first poll.
 CommandCase arriving(const std::string& name, Call call, const std::string& wire, const std::string& type) {
     return CommandCase{name, call, wire, R"({"command":")" + command_name(wire) + R"(","receive_state":true})"}
-        .followed_by({R"({"command": "get_arm_current_trajectory"})",
+        .followed_by({"get_arm_current_trajectory",
                       R"({"state":"arm_current_trajectory","type":")" + type + "\",\"data\":[0,0,0,0,0,0]}\r\n" +
                           R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,)"
                           R"("trajectory_connect":0})"});
@@ -83,10 +83,10 @@ const std::vector<CommandCase> kRows = {
            R"("trajectory_connect": -3})"),
 
     // An arm that does not say where it stands is not moved.
-    CommandCase{CALL(MoveCartesianTool_Cmd, (s, 20, 0, 0, true, 0.1f, 0, 0)), R"({"command": "get_current_arm_state"})",
+    CommandCase{CALL(MoveCartesianTool_Cmd, (s, 20, 0, 0, true, 0.1f, 0, 0)), "get_current_arm_state",
                 R"({"state":"current_arm_state","arm_state":7})"}
         .giving(11),
-    CommandCase{CALL(MoveRotate_Cmd, (s, 1, 20, 0, 0, true, kPose, 30)), R"({"command": "get_current_arm_state"})",
+    CommandCase{CALL(MoveRotate_Cmd, (s, 1, 20, 0, 0, true, kPose, 30)), "get_current_arm_state",
                 R"({"state":"current_arm_state"})"}
         .giving(9),
 };
@@ -103,7 +103,7 @@ INSTANTIATE_TEST_SUITE_P(, Motion, testing::ValuesIn(kRows), [](const auto& row)
 
 TEST(MotionGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("motion.h", kRows), ""); }
 
-TEST(MotionGuards, ThePageTellsTheWire) {
+TEST(MotionGuards, ThePageDescribesTheWire) {
     std::vector<CommandCase> moves;
     std::copy_if(kRows.begin(), kRows.end(), std::back_inserter(moves),
                  [](const CommandCase& row) { return command_name(row.wire) != "get_current_arm_state"; });
@@ -112,10 +112,7 @@ TEST(MotionGuards, ThePageTellsTheWire) {
 
 TEST(MotionGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 
-TEST(MotionGuards, NoMoveWithoutJoints) {
-    expect_nothing_sent(
-        {{CALL(Movej_Cmd, (s, nullptr, 20, 0, 0, true))}, {CALL(Movej_Cmd, (s, nullptr, 20, 0, 0, false))}});
-}
+TEST(MotionGuards, NoMoveWithoutJoints) { expect_nulls_refused(kRows); }
 
 TEST(MotionGuards, NoMoveWithoutAConnection) {
     expect_nothing_sent({{CALL(Movej_Cmd_Block, (s + 1, kJoints, 20, 0, 0))},
@@ -135,8 +132,7 @@ TEST(MotionParsers, Acceptance) {
                                                   {R"({"command":"moves"})", 9, "5"},
                                                   {R"({"command":"movejp","receive_state":true})", 11, ""},
                                                   {R"({"command":7,"also":"movej","receive_state":true})", 11, ""},
-                                                  {R"({"state":"movej","receive_state":true})", 9, ""},
-                                                  {R"({"command":"movej","receive_state":tr)", 9, ""}});
+                                                  {R"({"state":"movej","receive_state":true})", 9, ""}});
 }
 
 // Whether the report of a failure names a device does not count.
@@ -148,8 +144,7 @@ TEST(MotionParsers, Arrival) {
                    {R"({"trajectory_state":true,"trajectory_connect":0})", 9, ""},
                    {R"({"trajectory_state":false})", 1, ""},
                    {R"({"trajectory_state":0,"device":0})", 11, ""},
-                   {R"({"device":0,"trajectory_connect":0})", 9, ""},
-                   {R"({"trajectory_state":true,"device":0)", 9, ""}});
+                   {R"({"device":0,"trajectory_connect":0})", 9, ""}});
 }
 
 // ------------------------------------------------------------------------------------------------- Derived moves --
@@ -178,7 +173,7 @@ INSTANTIATE_TEST_SUITE_P(, DerivedMoves, testing::ValuesIn(kDerived),
                          [](const auto& row) { return std::string(row.param.name); });
 
 // The target comes from the joints of the answer, not from its pose.
-TEST_P(DerivedMoves, GoALineToTheComputedTarget) {
+TEST_P(DerivedMoves, MoveOnALineToTheComputedTarget) {
     ScriptedController controller;
     set_time_factor(0);
     ZK_API_Init(65, nullptr);

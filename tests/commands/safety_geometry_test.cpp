@@ -82,16 +82,16 @@ const std::vector<CommandCase> kRows = {
     BOTH(Set_Electronic_Fence_Enable, (s, 255, -1, 2),
          R"({"command": "set_electronic_fence_enable", "set_enable": true, "in_out_side": -1, "effective_region": 2})",
          "set_state"),
-    QUERY(Get_Electronic_Fence_Enable, Get_Electronic_Fence_Enable_Cmd, R"({"command": "get_electronic_fence_enable"})",
-          kEnableReply, "1; 1; 2", .wiping()),
+    QUERY(Get_Electronic_Fence_Enable, Get_Electronic_Fence_Enable_Cmd, "get_electronic_fence_enable", kEnableReply,
+          "1; 1; 2", .wiping()),
     BOTH(Set_Electronic_Fence_Config, (s, filled(1)),
          R"({"command": "set_electronic_fence_config", "form": 1, )" + kCuboid + "}", "set_config"),
     ONE("Of_A_Plane_", Set_Electronic_Fence_Config, Set_Electronic_Fence_Config, (s, filled(2)),
         R"({"command": "set_electronic_fence_config", "form": 2, )" + kPlane + "}", "set_config"),
     ONE("Of_No_Form_", Set_Electronic_Fence_Config, Set_Electronic_Fence_Config, (s, filled(4)),
         R"({"command": "set_electronic_fence_config", "form": 4})", "set_config"),
-    QUERY(Get_Electronic_Fence_Config, Get_Electronic_Fence_Config_Cmd, R"({"command": "get_electronic_fence_config"})",
-          kConfigReply, "1 '' 0:-1.5 1:0.001 3:2", .wiping()),
+    QUERY(Get_Electronic_Fence_Config, Get_Electronic_Fence_Config_Cmd, "get_electronic_fence_config", kConfigReply,
+          "1 '' 0:-1.5 1:0.001 3:2", .wiping()),
     BOTH(Add_Electronic_Fence_Config, (s, filled(2)),
          R"({"command": "add_electronic_fence_config", "form": 2, "form_name": "desk", )" + kPlane + "}", "add_config"),
     BOTH(Update_Electronic_Fence_Config, (s, filled(3, "twelve bytes")),
@@ -102,28 +102,27 @@ const std::vector<CommandCase> kRows = {
     NAMED(Given_Electronic_Fence_Config, "desk", Given_Electronic_Fence_Config_Cmd,
           R"({"command": "given_electronic_fence_config", "form_name": "desk"})", kGivenReply,
           "3 'desk' 15:0.5 16:0.001 17:0.002 18:0.003"),
-    QUERY(Get_Electronic_Fence_List_Names, Get_Electronic_Fence_List_Name_Cmd,
-          R"({"command": "get_electronic_fence_list_names"})", kNamesReply, "desk hall_and_m; 2", .wiping()),
-    QUERY(Get_Electronic_Fence_List_Info, Get_Electronic_Fence_List_Info_Cmd,
-          R"({"command": "get_electronic_fence_list_infos"})", kInfosReply, kInfosTold, .wiping()),
+    QUERY(Get_Electronic_Fence_List_Names, Get_Electronic_Fence_List_Name_Cmd, "get_electronic_fence_list_names",
+          kNamesReply, "desk hall_and_m; 2", .wiping()),
+    QUERY(Get_Electronic_Fence_List_Info, Get_Electronic_Fence_List_Info_Cmd, "get_electronic_fence_list_infos",
+          kInfosReply, kInfosTold, .wiping()),
 
     BOTH(Set_Virtual_Wall_Enable, (s, 0, 1, 2),
          R"({"command": "set_virtual_wall_enable", "set_enable": false, "in_out_side": 1, "effective_region": 2})",
          "set_state"),
-    QUERY(Get_Virtual_Wall_Enable, Get_Virtual_Wall_Enable_Cmd, R"({"command": "get_virtual_wall_enable"})",
-          kWallEnableReply, "0; 0; -2"),
+    QUERY(Get_Virtual_Wall_Enable, Get_Virtual_Wall_Enable_Cmd, "get_virtual_wall_enable", kWallEnableReply,
+          "0; 0; -2"),
     BOTH(Set_Virtual_Wall_Config, (s, filled(3)),
          R"({"command": "set_virtual_wall_config", "form": 3, )" + kSphere + "}", "set_config"),
     ONE("Of_A_Cuboid_", Set_Virtual_Wall_Config, Set_Virtual_Wall_Config, (s, filled(1)),
         R"({"command": "set_virtual_wall_config", "form": 1, )" + kCuboid + "}", "set_config"),
     ONE("Of_A_Plane_", Set_Virtual_Wall_Config, Set_Virtual_Wall_Config, (s, filled(2)),
         R"({"command": "set_virtual_wall_config", "form": 2})", "set_config"),
-    QUERY(Get_Virtual_Wall_Config, Get_Virtual_Wall_Config_Cmd, R"({"command": "get_virtual_wall_config"})", kWallReply,
-          "3 ''"),
+    QUERY(Get_Virtual_Wall_Config, Get_Virtual_Wall_Config_Cmd, "get_virtual_wall_config", kWallReply, "3 ''"),
 
     BOTH(Set_Self_Collision_Enable, (s, 2), R"({"command": "set_self_collision_enable", "set_enable": true})",
          "set_state"),
-    QUERY(Get_Self_Collision_Enable, Get_Self_Collision_Enable_Cmd, R"({"command": "get_self_collision_enable"})",
+    QUERY(Get_Self_Collision_Enable, Get_Self_Collision_Enable_Cmd, "get_self_collision_enable",
           R"({"state":"get_self_collision_enable","enable_state":-7})", "1"),
 
     // Objects in an array are printed on lines of their own.
@@ -136,26 +135,16 @@ const std::vector<CommandCase> kRows = {
     ONE("Empty_", Set_Tool_Envelope, Set_Tool_Envelope, (s, envelope(-1)),
         R"({"command": "set_tool_envelope", "tool_name": "grip", "list": []})", "set_state"),
     NAMED(Get_Tool_Envelope, "grip", Get_Tool_Envelope_Cmd, R"({"command": "get_tool_envelope", "tool_name": "grip"})",
-          kEnvelopeReply, "grip 1, tip 0.05 0.001 -0.002 1", .losing_its_status()),
+          kEnvelopeReply, "grip 1, tip 0.05 0.001 -0.002 1", .with_the_status_of_another()),
 };
 
-class SafetyGeometry : public testing::TestWithParam<CommandCase> {};
-TEST_P(SafetyGeometry, OnTheWire) { run(GetParam()); }
-INSTANTIATE_TEST_SUITE_P(, SafetyGeometry, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
+ZK_WIRE_TESTS(SafetyGeometry, "safety_geometry.h", "Safety geometry", kRows)
 
-// ------------------------------------------------------------------------------------------------------- Guards --
-
-TEST(SafetyGeometryGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("safety_geometry.h", kRows), ""); }
-
-TEST(SafetyGeometryGuards, ThePageTellsTheWire) { expect_documented("Safety geometry", kRows); }
-
-TEST(SafetyGeometryGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
-
-TEST(SafetyGeometryGuards, MoreSpheresThanFiveAreToldAndNothingIsSent) {
+TEST(SafetyGeometryGuards, MoreThanFiveSpheresSendNothing) {
     expect_nothing_sent({{CALL(Set_Tool_Envelope, (s, envelope(6)))}});
 }
 
-TEST(SafetyGeometryGuards, NullPointersAreNoHarm) {
+TEST(SafetyGeometryGuards, NullPointersAreDropped) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
     set_shared(m_nOutTime, 60000);
@@ -170,8 +159,8 @@ TEST(SafetyGeometryGuards, NullPointersAreNoHarm) {
     EXPECT_EQ(Get_Tool_Envelope(arm, nullptr, nullptr), 0);
 }
 
-// The status of the envelope's query is read behind the wipe of the first connection's record.
-TEST(SafetyGeometryGuards, ARefusedEnvelopeGivesZeroOnTheFirstConnectionAlone) {
+// The query reads its status after it has zeroed the record of the first connection.
+TEST(SafetyGeometryGuards, ARefusedEnvelopeReturnsZeroOnTheFirstConnectionOnly) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
     set_shared(m_nOutTime, 60000);
@@ -201,20 +190,6 @@ TEST(SafetyGeometryGuards, AnEnvelopeThatIsTooLongEndsTheProcess) {
 
 // ------------------------------------------------------------------------------------------------------ Parsers --
 
-TEST(SafetyGeometryParsers, Acknowledgements) {
-    for (const AckParser& parser : {
-             AckParser{Parser_Set_Electronic_Fence_Enable, "set_state"},
-             {Parser_Set_Electronic_Fence_Config, "set_config"},
-             {Parser_Add_Electronic_Fence_Config, "add_config"},
-             {Parser_Update_Electronic_Fence_Config, "update_config"},
-             {Parser_delete_Electronic_Fence_Config, "delete_config"},
-             {Parser_Set_Config, "set_config"},
-             {Parser_Set_Self_Collision_Enable, "set_state"},
-         }) {
-        expect_acknowledgement(parser);
-    }
-}
-
 TEST(SafetyGeometryParsers, Switches) {
     const Parse parse = parsing(Parser_Get_Electronic_Fence_Enable);
     expect_parsed(parse, {{R"({"enable_state":false,"effective_region":2,"in_out_side":1})", 0, "0; 1; 2"},
@@ -223,8 +198,7 @@ TEST(SafetyGeometryParsers, Switches) {
                           {R"({"enable_state":true,"in_out_side":1})", 9, "1; -; -"},
                           {R"({"enable_state":true,"effective_region":"2","in_out_side":1})", 11, "1; -; -"},
                           {R"({"enable_state":true,"effective_region":2})", 9, "1; -; 2"},
-                          {R"({"enable_state":true,"effective_region":2,"in_out_side":true})", 11, "1; -; 2"},
-                          {R"({"enable_state":true)", 9, ""}});
+                          {R"({"enable_state":true,"effective_region":2,"in_out_side":true})", 11, "1; -; 2"}});
     expect_number({parsing(Parser_Get_Self_Collision_Enable), "enable_state", "1"});
 }
 
@@ -243,8 +217,7 @@ TEST(SafetyGeometryParsers, TheFenceInUse) {
                    {R"({"form":3,"radius":1,"x":1,"y":1,"z":1})", 0, "3 ''"},
                    {R"({"form":-1})", 0, "-1 ''"},
                    {R"({"form":"1"})", 11, ""},
-                   {R"({"x_min_limit":1})", 9, ""},
-                   {R"({"form":1)", 9, ""}});
+                   {R"({"x_min_limit":1})", 9, ""}});
 }
 
 TEST(SafetyGeometryParsers, AFenceByName) {
@@ -264,8 +237,7 @@ TEST(SafetyGeometryParsers, AFenceByName) {
                    {R"({"form_name":"a"})", 9, "0 ''"},
                    {R"({"given_state":false})", 1, ""},
                    {R"({"given_state":true,"form":9,"form_name":"a"})", 11, ""},
-                   {R"({"given_state":null,"form":9,"form_name":"a"})", 11, ""},
-                   {R"({"form":9)", 9, ""}});
+                   {R"({"given_state":null,"form":9,"form_name":"a"})", 11, ""}});
 }
 
 TEST(SafetyGeometryParsers, Lists) {
@@ -287,8 +259,7 @@ TEST(SafetyGeometryParsers, Lists) {
          {R"({"info_list":[)" + named + R"(,{"form":3,"form_name":"b"},)" + named + "]}", 9, "9 'a' 3 'b'; 1"},
          {R"({"info_list":[)" + named + ",7]}", 9, "9 'a' 0 ''; 1"},
          {R"({"info_list":{}})", 11, ""},
-         {R"({"infos":[]})", 9, ""},
-         {R"({"info_list":[)", 9, ""}});
+         {R"({"infos":[]})", 9, ""}});
 }
 
 TEST(SafetyGeometryParsers, Envelopes) {
@@ -310,8 +281,7 @@ TEST(SafetyGeometryParsers, Envelopes) {
                    {R"({"tool_name":7,"list":[]})", 11, ""},
                    {R"({"list":[]})", 9, ""},
                    {R"({"get_state":false,"tool_name":"grip","list":[]})", 1, ""},
-                   {R"({"get_state":1,"tool_name":"grip","list":[]})", 0, "grip 0"},
-                   {R"({"tool_name":"grip","list":[)", 9, ""}});
+                   {R"({"get_state":1,"tool_name":"grip","list":[]})", 0, "grip 0"}});
 }
 
 // ----------------------------------------------------------------------------------------------- A simulated arm --
@@ -352,7 +322,7 @@ TEST(FencesOfASimulatedArm, AreKeptByName) {
     EXPECT_EQ(with_outputs<FenceConfig>(told, Given_Electronic_Fence_Config, arm, "ball"), 1);
 }
 
-TEST(FencesOfASimulatedArm, AreInUseApartFromTheWall) {
+TEST(FencesOfASimulatedArm, AreIndependentOfTheWall) {
     SimulatedArm simulated;
     const ArmSocket arm = simulated;
     std::string told;
@@ -372,7 +342,7 @@ TEST(FencesOfASimulatedArm, AreInUseApartFromTheWall) {
     EXPECT_EQ(told, "0; 0; 0");
 }
 
-TEST(FencesOfASimulatedArm, AndWhatTheArmIsKeptFrom) {
+TEST(FencesOfASimulatedArm, SwitchWithSelfCollisionAndEnvelopes) {
     SimulatedArm simulated;
     const ArmSocket arm = simulated;
     uint8_t enabled = 9;

@@ -17,14 +17,11 @@ const char* const kArrived = R"({"state":"current_trajectory_state","trajectory_
 
 const std::vector<CommandCase> kRows = {
     SETTER(Joint_Teach_Cmd, Joint_Teach_Cmd_Cmd,
-           R"({"command": "set_joint_teach", "teach_joint": 6, "direction": "pos", "v": 20})",
-           R"({"command":"set_joint_teach","joint_teach":true})", 6, 1, 20),
+           R"({"command": "set_joint_teach", "teach_joint": 6, "direction": "pos", "v": 20})", "joint_teach", 6, 1, 20),
     SETTER(Pos_Teach_Cmd, Pos_Teach_Cmd_Cmd,
-           R"({"command": "set_pos_teach", "teach_type": "x", "direction": "neg", "v": 255})",
-           R"({"command":"set_pos_teach","pos_teach":true})", 0, 0, 255),
+           R"({"command": "set_pos_teach", "teach_type": "x", "direction": "neg", "v": 255})", "pos_teach", 0, 0, 255),
     SETTER(Ort_Teach_Cmd, Ort_Teach_Cmd_Cmd,
-           R"({"command": "set_ort_teach", "teach_type": "ry", "direction": "pos", "v": 1})",
-           R"({"command":"set_ort_teach","ort_teach":true})", 1, 255, 1),
+           R"({"command": "set_ort_teach", "teach_type": "ry", "direction": "pos", "v": 1})", "ort_teach", 1, 255, 1),
     queued("Y_" CALL(Pos_Teach_Cmd, (s, 1, 1, 20, false)),
            R"({"command": "set_pos_teach", "teach_type": "y", "direction": "pos", "v": 20})"),
     queued("Z_" CALL(Pos_Teach_Cmd, (s, 7, 1, 20, false)),
@@ -34,14 +31,12 @@ const std::vector<CommandCase> kRows = {
     queued("Rz_" CALL(Ort_Teach_Cmd, (s, -1, 0, 20, false)),
            R"({"command": "set_ort_teach", "teach_type": "rz", "direction": "neg", "v": 20})"),
 
-    acknowledged(CALL(Teach_Stop_Cmd, (s, true)), Teach_Stop_Cmd_Cmd, R"({"command": "set_stop_teach"})",
-                 R"({"command":"set_stop_teach","stop_teach":true})"),
-    acknowledged(CALL(Teach_Stop_Cmd_Blcok, (s)), Teach_Stop_Cmd_Cmd, R"({"command": "set_stop_teach"})",
-                 R"({"command":"set_stop_teach","stop_teach":true})"),
-    queued("Unwaited_" CALL(Teach_Stop_Cmd, (s, false)), R"({"command": "set_stop_teach"})"),
-    queued(CALL(Teach_Stop_Cmd_NonBlcok, (s)), R"({"command": "set_stop_teach"})"),
+    acknowledged(CALL(Teach_Stop_Cmd, (s, true)), Teach_Stop_Cmd_Cmd, "set_stop_teach", "stop_teach"),
+    acknowledged(CALL(Teach_Stop_Cmd_Blcok, (s)), Teach_Stop_Cmd_Cmd, "set_stop_teach", "stop_teach"),
+    queued("Unwaited_" CALL(Teach_Stop_Cmd, (s, false)), "set_stop_teach"),
+    queued(CALL(Teach_Stop_Cmd_NonBlcok, (s)), "set_stop_teach"),
 
-    // A step is answered by the report of its end. That of a joint goes out untruncated.
+    // The reply to a step is the report of its end. The step of a joint is sent untruncated.
     SETTER(Joint_Step_Cmd, Move_Cmd, R"({"command": "set_joint_step", "joint_step": [2, 500], "v": 20})", kArrived, 2,
            20, 0.5f),
     queued("Untruncated_" CALL(Joint_Step_Cmd, (s, 7, 100, -0.0625f, false)),
@@ -67,13 +62,9 @@ class Teach : public testing::TestWithParam<CommandCase> {
 TEST_P(Teach, OnTheWire) { run(GetParam()); }
 INSTANTIATE_TEST_SUITE_P(, Teach, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
 
-TEST(TeachGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("teach.h", kRows), ""); }
+ZK_WIRE_GUARDS(Teach, "teach.h", "Teaching and steps", kRows)
 
-TEST(TeachGuards, ThePageTellsTheWire) { expect_documented("Teaching and steps", kRows); }
-
-TEST(TeachGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
-
-TEST(TeachGuards, WhoeverWaitsNeedsAConnection) {
+TEST(TeachGuards, BlockingFormsNeedAConnection) {
     expect_nothing_sent(
         {{CALL(Pos_Teach_Cmd_Block, (s + 1, 0, 1, 20))}, {CALL(Joint_Step_Cmd, (s + 1, 1, 20, 1, true))}}, 5);
 }

@@ -1,4 +1,4 @@
-// A command as one row: how it is called, what then goes over the wire, what the controller says, what the call gives.
+// A command as one row: its call, the request on the wire, the controller's reply, the status and the outputs.
 #pragma once
 
 #include <functional>
@@ -14,12 +14,48 @@
 
 namespace zk::test {
 
-// A call of a command, which may tell what it wrote through its pointers.
+// A call of the command with null for one of its pointers.
+struct NullCall {
+    std::string name;
+    std::function<int(ArmSocket)> call;
+};
+
+// A value for a parameter of a command; a pointer that is not to be null points to zeros.
+template <class Parameter>
+Parameter argument(bool null) {
+    if constexpr (std::is_pointer_v<Parameter>) {
+        alignas(8) static char zeros[4096];
+        return null ? nullptr : reinterpret_cast<Parameter>(zeros);
+    } else {
+        return Parameter{};
+    }
+}
+
+template <class... Parameters, size_t... at>
+int call_with_null(int (*command)(ArmSocket, Parameters...), ArmSocket s, size_t null, std::index_sequence<at...>) {
+    return command(s, argument<Parameters>(at == null)...);
+}
+
+// One call for each pointer of a command.
+template <class... Parameters>
+std::vector<NullCall> nulls(const std::string& name, int (*command)(ArmSocket, Parameters...)) {
+    std::vector<NullCall> calls;
+    constexpr bool pointers[] = {std::is_pointer_v<Parameters>..., false};
+    for (size_t i = 0; i < sizeof...(Parameters); ++i) {
+        const auto call = [command, i](ArmSocket s) {
+            return call_with_null(command, s, i, std::index_sequence_for<Parameters...>());
+        };
+        if (pointers[i]) calls.push_back({name, call});
+    }
+    return calls;
+}
+
+// A call of a command, which may report what it wrote through its pointers.
 class Call {
  public:
     template <class Function>
-    Call(Function function)
-        : call_([function](ArmSocket arm, std::string& told) {
+    Call(Function function, std::vector<NullCall> null_calls = {})
+        : with_nulls(std::move(null_calls)), call_([function](ArmSocket arm, std::string& told) {
               if constexpr (std::is_invocable_v<Function, ArmSocket>) {
                   return static_cast<void>(told), function(arm);
               } else {
@@ -28,6 +64,8 @@ class Call {
           }) {}
 
     int operator()(ArmSocket arm, std::string& told) const { return call_(arm, told); }
+
+    std::vector<NullCall> with_nulls;
 
  private:
     std::function<int(ArmSocket, std::string&)> call_;
@@ -40,15 +78,25 @@ struct FirstRecord {
     FirstRecord(Record (&table)[ZK_SLOTS]) : words(&table[0].count), size(sizeof(Record) / sizeof(int32_t)) {}
 
     int count() const { return shared(words[0]); }
+    int result() const { return shared(words[1]); }
     void put(int count, int result);
     void fill(int value);
 
     int32_t* words = nullptr;
     size_t size = 0;
+    int not_boolean = 11;  // the status of an acknowledgement that is neither true nor false; 0: it is not tested
 };
+inline FirstRecord or_8(FirstRecord mailbox) {
+    mailbox.not_boolean = 8;
+    return mailbox;
+}
+inline FirstRecord of_any_type(FirstRecord mailbox) {
+    mailbox.not_boolean = 0;
+    return mailbox;
+}
 
-// A request without its CRLF and the reply to it, "" for none. The request stands as it is on the wire or, for short,
-// on one line: {"command": "a", "b": [1, 2]}.
+// A request without its CRLF and the reply to it, "" for none. The request stands as it is on the wire; or on one line,
+// {"command": "a", "b": [1, 2]}; or is the name of a command without keys.
 struct Exchange {
     std::string wire;
     std::string reply;
@@ -73,41 +121,44 @@ struct CommandCase {
 
     CommandCase followed_by(const Exchange& exchange) const;
     CommandCase adding() const;
-    CommandCase absorbing() const;
+    CommandCase setting_the_count() const;
     CommandCase taking_old_replies() const;
     CommandCase clearing_old_replies() const;
     CommandCase wiping() const;
-    CommandCase losing_its_status() const;
+    CommandCase with_the_status_of_another() const;
     CommandCase on(int mode) const;
     CommandCase giving(int other_status) const;
 };
 
 // Rows of the usual kinds. A non-blocking form queues its request and gives 0.
 CommandCase queued(const std::string& name, Call call, const std::string& wire, int arm_mode = 65);
-// A blocking form of a setter gives what its acknowledgement says.
+// A blocking form of a setter returns the status of its acknowledgement: a whole reply, or its key alone.
 CommandCase acknowledged(const std::string& name, Call call, FirstRecord mailbox, const std::string& wire,
                          const std::string& reply);
 // A query tells what the reply holds.
 CommandCase answered(const std::string& name, Call call, FirstRecord mailbox, const std::string& wire,
                      const std::string& reply, const std::string& told);
-// A command whose reply reaches nobody.
-CommandCase unheard(const std::string& name, Call call, const std::string& wire, const std::string& reply);
+// A command whose reply does not reach it.
+CommandCase no_reply(const std::string& name, Call call, const std::string& wire, const std::string& reply);
 
 // A query whose parameters are the socket and its outputs.
 template <class... Outs>
-Call asking(int (*query)(ArmSocket, Outs*...)) {
-    return [query](ArmSocket arm, std::string& told) { return with_outputs<Outs...>(told, query, arm); };
+Call asking(int (*query)(ArmSocket, Outs*...), const std::string& name = "") {
+    const auto call = [query](ArmSocket arm, std::string& told) { return with_outputs<Outs...>(told, query, arm); };
+    return {call, name.empty() ? std::vector<NullCall>() : nulls(name, query)};
 }
 
 // Name and call of a row: CALL(Set_Joint_Err_Clear, (s, 3, true)), ASK(Get_Joint_Speed). A text before it makes a name
 // for a second row of the same command.
-#define CALL(command, arguments) #command, [](ArmSocket s) { return command arguments; }
-#define ASK(command) #command, asking(command)
+#define CALL(command, arguments) \
+#command, zk::test::Call([](ArmSocket s) { return command arguments; }, zk::test::nulls(#command, command))
+#define ASK(command) #command, asking(command, #command)
 
 // The rows of a command's forms, called with the same arguments. SETTER: the plain name with either flag, _Block and
 // _NonBlock; WAITING: the plain name without a flag and _Block; QUERY: likewise, told by their outputs, both rows with
-// the words behind, such as .wiping(); UNHEARD: as SETTER, for a reply that reaches nobody.
-#define ZK_FORM(form, ...) [](ArmSocket s) { return form(s __VA_OPT__(, ) __VA_ARGS__); }
+// the words behind, such as .wiping(); NO_REPLY: as SETTER, for a reply that reaches nobody.
+#define ZK_FORM(form, ...) \
+    zk::test::Call([](ArmSocket s) { return form(s __VA_OPT__(, ) __VA_ARGS__); }, zk::test::nulls(#form, form))
 #define SETTER(command, mailbox, wire, reply, ...)                                                    \
     acknowledged(#command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) true), mailbox, wire, reply),  \
         acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, wire, reply), \
@@ -119,9 +170,9 @@ Call asking(int (*query)(ArmSocket, Outs*...)) {
 #define QUERY(command, mailbox, wire, reply, told, ...)             \
     answered(ASK(command), mailbox, wire, reply, told) __VA_ARGS__, \
         answered(ASK(command##_Block), mailbox, wire, reply, told) __VA_ARGS__
-#define UNHEARD(command, wire, reply, ...)                                                      \
-    unheard(#command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) true), wire, reply),          \
-        unheard(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), wire, reply),         \
+#define NO_REPLY(command, wire, reply, ...)                                                     \
+    no_reply(#command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) true), wire, reply),         \
+        no_reply(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), wire, reply),        \
         queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) false), wire), \
         queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), wire)
 
@@ -146,37 +197,8 @@ struct BadCall {
 };
 void expect_nothing_sent(const std::vector<BadCall>& calls, int status = 19);
 
-// A value for a parameter of a command; a pointer that is not to be null points to zeros.
-template <class Parameter>
-Parameter argument(bool null) {
-    if constexpr (std::is_pointer_v<Parameter>) {
-        alignas(8) static char zeros[4096];
-        return null ? nullptr : reinterpret_cast<Parameter>(zeros);
-    } else {
-        return Parameter{};
-    }
-}
-
-template <class... Parameters, size_t... at>
-int call_with_null(int (*command)(ArmSocket, Parameters...), ArmSocket s, size_t null, std::index_sequence<at...>) {
-    return command(s, argument<Parameters>(at == null)...);
-}
-
-// A call for each of the first pointers of a command, in which that one is null and no other.
-template <class... Parameters>
-std::vector<BadCall> nulls(const std::string& name, int (*command)(ArmSocket, Parameters...), size_t first = 99) {
-    std::vector<BadCall> calls;
-    constexpr bool pointers[] = {std::is_pointer_v<Parameters>...};
-    for (size_t i = 0; i < sizeof...(Parameters) && calls.size() < first; ++i) {
-        const auto call = [command, i](ArmSocket s) {
-            return call_with_null(command, s, i, std::index_sequence_for<Parameters...>());
-        };
-        if (pointers[i]) calls.push_back({name + ", parameter " + std::to_string(i + 1), call});
-    }
-    return calls;
-}
-#define NULLS(command) nulls(#command, command)
-void expect_nulls_refused(const std::vector<std::vector<BadCall>>& commands);
+// Every pointer of the plain names among the rows that the library tests returns 19 for null, and sends nothing.
+void expect_nulls_refused(const std::vector<CommandCase>& rows);
 
 // What an arm keeps: a setting, its status, and what a question then tells.
 struct Setting {

@@ -98,7 +98,7 @@ void expect_reply(Entry& entry, const std::string& text) {
 void expect_documented(const std::string& section, const std::vector<CommandCase>& rows) {
     std::vector<Entry> entries = entries_of(section);
     for (const CommandCase& row : rows) {
-        Entry* const entry = entry_of(entries, Json::parse(row.wire));
+        Entry* const entry = entry_of(entries, Json::parse(formatted(row.wire)));
         EXPECT_NE(entry, nullptr) << row.wire << " is not in the section " << section;
         if (!entry) continue;
         entry->asked = true;

@@ -14,14 +14,18 @@ void expect_documented(const std::string& section, const std::vector<CommandCase
 
 }  // namespace zk::test
 
-// What the rows of every family have to pass: each on the wire; a row for each command of the header; a section of the
-// page for all of them; nothing but 18 during a file transfer.
+// What the rows of every family have to pass. ZK_WIRE_GUARDS: a row for each command of the header; a section of the
+// page for all of them; status 18 during a file transfer; status 19 for null pointers. ZK_WIRE_TESTS adds the exchange
+// of each row.
+#define ZK_WIRE_GUARDS(suite, header, section, rows)                                                          \
+    TEST(suite##Guards, EveryCommandHasARow) { EXPECT_EQ(zk::test::commands_without_row(header, rows), ""); } \
+    TEST(suite##Guards, ThePageDescribesTheWire) { zk::test::expect_documented(section, rows); }              \
+    TEST(suite##Guards, PlainNamesDoNothingDuringAFileTransfer) {                                             \
+        zk::test::expect_nothing_during_a_file_transfer(rows);                                                \
+    }                                                                                                         \
+    TEST(suite##Guards, PlainNamesRefuseNullPointers) { zk::test::expect_nulls_refused(rows); }
 #define ZK_WIRE_TESTS(suite, header, section, rows)                                                             \
     class suite : public testing::TestWithParam<zk::test::CommandCase> {};                                      \
     TEST_P(suite, OnTheWire) { zk::test::run(GetParam()); }                                                     \
     INSTANTIATE_TEST_SUITE_P(, suite, testing::ValuesIn(rows), [](const auto& row) { return row.param.name; }); \
-    TEST(suite##Guards, EveryCommandHasARow) { EXPECT_EQ(zk::test::commands_without_row(header, rows), ""); }   \
-    TEST(suite##Guards, ThePageTellsTheWire) { zk::test::expect_documented(section, rows); }                    \
-    TEST(suite##Guards, PlainNamesDoNothingDuringAFileTransfer) {                                               \
-        zk::test::expect_nothing_during_a_file_transfer(rows);                                                  \
-    }
+    ZK_WIRE_GUARDS(suite, header, section, rows)
