@@ -287,6 +287,7 @@ TEST(Motion, WaypointsRunInOrder) {
         return [&, turn](const Sample& sample) { return std::abs(sample.joints[2] - start[2] - turn) < 0.001; };
     };
     talk.samples_until(at(8));
+    EXPECT_EQ(talk.ask("get_arm_current_trajectory").at("type"), "re_trajectory");
     talk.samples_until(at(-4));
     talk.samples_until("idle");
     expect_near(talk.joints(), plus(start, -4));

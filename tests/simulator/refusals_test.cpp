@@ -93,6 +93,29 @@ TEST(Refusals, FramesWithInvalidNames) {
     EXPECT_FALSE(store("set_manual_work_frame", "manual_work_frame", "w11"));  // clients have room for eleven names
 }
 
+TEST(Refusals, SettingsThatMakeNoSense) {
+    Talk talk({"--quiet"});
+    const auto cuboid = [](int low, int high) {
+        Json fence{{"form", 1}};
+        for (const std::string axis : {"x", "y", "z"}) {
+            fence[axis + "_min_limit"] = low;
+            fence[axis + "_max_limit"] = high;
+        }
+        return fence;
+    };
+    Json flat = cuboid(-100, 100);
+    flat["z_max_limit"] = -100;
+    const std::tuple<const char*, Json, const char*, bool> rows[] = {
+        {"set_electronic_fence_config", cuboid(-100, 100), "set_config", true},
+        {"set_electronic_fence_config", cuboid(100, -100), "set_config", false},
+        {"set_electronic_fence_config", flat, "set_config", false},
+        {"set_arm_servo", {{"arm_servo", 0}}, "arm_servo", true},
+        {"set_arm_servo", {{"arm_servo", 2}}, "arm_servo", false},
+        {"get_tool_envelope", {{"tool_name", "Arm_Tip"}}, "get_state", false},  // it has none
+    };
+    for (const auto& [command, keys, key, good] : rows) EXPECT_EQ(talk.ask(command, keys).at(key), good) << keys;
+}
+
 TEST(Refusals, OnDemand) {
     Talk talk({"--quiet", "--refuse-on", "movej", "--silent-on", "get_joint_degree"});
     expect_refused(talk, kGoodMove, "--refuse-on");

@@ -180,6 +180,10 @@ TEST_P(ToolMotion, AJointMoveReachesItsPose) {
     EXPECT_EQ(current.at("type"), "movej");
     EXPECT_EQ(current.at("data").size(), joints);
     expect_at(talk.tool(), target, 1e-5);
+    const KDL::Frame back = on_wire(start);
+    ASSERT_TRUE(move_to(talk, "moves", back, 50));  // a spline of one pose
+    expect_report(talk, true);
+    expect_at(talk.tool(), back, 1e-5);
 }
 
 TEST_P(ToolMotion, JoinedMovesHaltOnlyWithoutABlend) {
@@ -231,6 +235,8 @@ TEST(ToolMotion, RefusesUnreachablePaths) {
     const Json straight{{"pose_via", away(0, 0.02, 0)}, {"pose_to", away(0, 0.04, 0)}};
     Json circle = to_pose(straight, 20);
     circle["loop"] = 0;
+    Json back = circle;
+    back["pose"]["pose_via"] = away(0, 0, 0);
     const std::tuple<const char*, Json, const char*> rows[] = {
         {"movel", to_pose(away(1, 0, 0), 20), "out of reach"},
         {"moves", to_pose(away(0, 0, 1), 20), "out of reach"},
@@ -240,6 +246,7 @@ TEST(ToolMotion, RefusesUnreachablePaths) {
         {"movel", to_pose(away(0, 0.02, 0), 0), "no speed"},
         {"movel", to_pose(away(0, 0.02, 0), 20, 0, 101), "too large a blend"},
         {"movec", circle, "three points on a line"},
+        {"movec", back, "a circle through its own start"},
         {"movec", to_pose(straight, 20), "no number of turns"},
     };
     for (const auto& [command, keys, why] : rows) {
