@@ -16,7 +16,7 @@
 namespace {
 
 using namespace std::chrono_literals;
-constexpr auto watched = 4s;
+constexpr auto kWatched = 4s;
 
 // Twenty connections of this process to itself.
 std::array<int, ZK_SLOTS> connections() {
@@ -48,7 +48,7 @@ double processor_seconds() {
 
 double cost_of_waiting() {
     const double before = processor_seconds();
-    std::this_thread::sleep_for(watched);
+    std::this_thread::sleep_for(kWatched);
     return processor_seconds() - before;
 }
 

@@ -127,23 +127,23 @@ void kdl_lma(benchmark::State& state, int model) {
     });
 }
 
-constexpr float narrow = 0.013f, wide = 3.14f;
-BENCHMARK_CAPTURE(library, model_0, 0, narrow);
+constexpr float kNarrow = 0.013f, kWide = 3.14f;
+BENCHMARK_CAPTURE(library, model_0, 0, kNarrow);
 BENCHMARK_CAPTURE(kdl_lma, model_0, 0);
-BENCHMARK_CAPTURE(library, model_3, 3, narrow);
+BENCHMARK_CAPTURE(library, model_3, 3, kNarrow);
 BENCHMARK_CAPTURE(kdl_lma, model_3, 3);
-BENCHMARK_CAPTURE(library, model_4, 4, narrow);
+BENCHMARK_CAPTURE(library, model_4, 4, kNarrow);
 BENCHMARK_CAPTURE(kdl_lma, model_4, 4);
-BENCHMARK_CAPTURE(library, model_5, 5, narrow);
+BENCHMARK_CAPTURE(library, model_5, 5, kNarrow);
 BENCHMARK_CAPTURE(kdl_lma, model_5, 5);
-BENCHMARK_CAPTURE(library, model_6, 6, narrow);
+BENCHMARK_CAPTURE(library, model_6, 6, kNarrow);
 BENCHMARK_CAPTURE(kdl_lma, model_6, 6);
-BENCHMARK_CAPTURE(library, model_8, 8, narrow);
+BENCHMARK_CAPTURE(library, model_8, 8, kNarrow);
 BENCHMARK_CAPTURE(kdl_lma, model_8, 8);
-BENCHMARK_CAPTURE(library, model_1_narrow, 1, narrow);
-BENCHMARK_CAPTURE(library, model_1_wide, 1, wide);
+BENCHMARK_CAPTURE(library, model_1_narrow, 1, kNarrow);
+BENCHMARK_CAPTURE(library, model_1_wide, 1, kWide);
 BENCHMARK_CAPTURE(kdl_lma, model_1, 1);
-BENCHMARK_CAPTURE(library, model_7, 7, narrow);
+BENCHMARK_CAPTURE(library, model_7, 7, kNarrow);
 BENCHMARK_CAPTURE(kdl_lma, model_7, 7);
 
 }  // namespace

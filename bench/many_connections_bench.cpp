@@ -1,5 +1,5 @@
-// All connections that there are, each with a thread of its own that asks one question after the other: how many
-// answers come in sum, and that everybody gets his own. The queue that they share sends one request each 20 ms.
+// All 20 connections, each with a thread that sends one query after the other: counts the replies, and checks that each
+// thread gets its own. The shared queue sends one request every 20 ms.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -17,7 +17,7 @@
 namespace {
 
 using namespace std::chrono_literals;
-constexpr auto watched = 15s;
+constexpr auto kWatched = 15s;
 
 // Tells its arm by the angle of joint 1.
 struct Asker {
@@ -41,7 +41,7 @@ void ask_for_a_while(std::vector<Asker>& askers) {
     std::atomic<bool> running{true};
     std::vector<std::thread> threads;
     for (Asker& asker : askers) threads.emplace_back([&] { asker.ask(running); });
-    std::this_thread::sleep_for(watched);
+    std::this_thread::sleep_for(kWatched);
     running = false;
     for (std::thread& thread : threads) thread.join();
 }

@@ -1,5 +1,5 @@
 // What one blocking command costs on an idle library, against the simulated controller on loopback. The 20 ms pace of
-// the queue and the 10 ms poll are the design; the rest is ours.
+// the queue and the 10 ms poll are the design; the rest is the library's cost.
 #include <benchmark/benchmark.h>
 
 #include <chrono>

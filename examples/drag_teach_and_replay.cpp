@@ -1,5 +1,5 @@
-// Teach by hand: let somebody drag the arm for a while, move it back to the start, and let it repeat the motion with a
-// pause in the middle.
+// Teach by hand: let an operator drag the arm for a while, move it back to the start, and let it repeat the motion with
+// a pause in the middle.
 #include <chrono>
 #include <cmath>
 #include <future>

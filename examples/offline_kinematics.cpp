@@ -1,5 +1,5 @@
 // The local model without an arm: degrees, metres, radians, and what comes of them. Every call of the algorithm front
-// is here once; the program checks what it shows and exits with 1 when something is not as it says.
+// is here once; the program checks what it shows and exits with 1 when a check fails.
 #include <cmath>
 #include <cstdio>
 #include <initializer_list>
@@ -139,7 +139,7 @@ void moves() {
     expect(near(Algo_PoseMove(step, 0, here).position.x, p.x + 0.01f), "Algo_PoseMove: a step in the work frame");
 }
 
-// Seven joints follow the seed; a seed far from the target wants the whole range of arm angles searched.
+// Seven joints are solved near the seed. For a seed far from the target, search the whole range of arm angles.
 void seven_joints() {
     Algo_Init_Sys_Data(1, 0);
     const float posture[7] = {20, 40, 30, -60, 25, 50, 10};

@@ -27,7 +27,7 @@ void Clock::wait() {
 void Clock::catch_up() {
     const auto now = std::chrono::steady_clock::now();
     if (now - due_ > kMostToCatchUp) {
-        note("halted for more than 2 s; simulated time goes on from where it stood");
+        note("halted for more than 2 s; simulated time skips the halt");
         due_ = now;
     }
     // Clients are served even when a step takes longer than the time that it simulates.

@@ -4,7 +4,7 @@
 
 namespace sim {
 
-// Keys keep the order in which a reply adds them, so that "command" or "state" stands first on the wire.
+// Keys keep the order in which a reply adds them, so that "command" or "state" is first on the wire.
 using Json = nlohmann::ordered_json;
 
 }  // namespace sim

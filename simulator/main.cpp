@@ -60,6 +60,6 @@ int run(int argc, char** argv) {
 }  // namespace sim
 
 int main(int argc, char** argv) {
-    std::signal(SIGPIPE, SIG_IGN);  // whoever reads the notes may leave
+    std::signal(SIGPIPE, SIG_IGN);  // the reader of standard error may close it
     return sim::run(argc, argv);
 }

@@ -196,7 +196,7 @@ std::string wrong_option(char** argv) {
     return optopt != 0 && last.substr(0, 2) != "--" ? std::string("-") + static_cast<char>(optopt) : last;
 }
 
-// Checks the values against the model, which may stand anywhere on the command line.
+// Checks the values against the model, which may be anywhere on the command line.
 void check_joints(const RobotModel& model, const std::string& option, const JointVector& joints) {
     if (joints.size() != model.joint_count())
         throw std::invalid_argument(option + ": needs " + std::to_string(model.joint_count()) + " joint angles");

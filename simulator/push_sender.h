@@ -21,7 +21,7 @@ class PushSender {
     asio::ip::udp::socket socket_;
 };
 
-// A UDP port that nobody uses at this moment.
+// A UDP port that is free at this moment.
 int free_udp_port(asio::io_context& io);
 
 }  // namespace sim

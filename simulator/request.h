@@ -9,7 +9,7 @@
 
 namespace sim {
 
-// A request that lacks a key, or holds the wrong type or a value out of range. The text tells which.
+// A request that lacks a key, or holds a wrong type or a value out of range. The text names the key.
 struct BadRequest : std::runtime_error {
     using std::runtime_error::runtime_error;
 };

@@ -20,11 +20,11 @@ struct JointRange {
 };
 
 struct RobotModel {
-    std::string name;  // as the controller tells it in "Product_version": "ZK65-B"
+    std::string name;  // in "Product_version", such as "ZK65-B"
     Sensor sensor;
     KDL::Chain chain;  // base to flange
     std::vector<JointRange> joints;
-    JointVector home;  // where the arm stands at start, away from limits and singularities
+    JointVector home;  // the joints at the start, away from limits and singularities
 
     size_t joint_count() const { return joints.size(); }
 };

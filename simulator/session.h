@@ -13,7 +13,7 @@
 
 namespace sim {
 
-// One connection. Cuts what comes at CRLF, which is the only end of a request: line feeds and tabs stand inside one.
+// One connection. Cuts the received bytes at CRLF, the only end of a request: line feeds and tabs may be inside one.
 // The bytes of a file are not cut.
 class Session : public Client, public std::enable_shared_from_this<Session> {
  public:

@@ -7,12 +7,12 @@
 
 namespace sim {
 
-// What a report tells of its set-point. Above all statuses that clients know, since they return it among those.
+// The result of a set-point in its report. The codes are above all statuses of clients, which return both.
 enum class Verdict { kFollowed = 0, kMalformed = 257, kBeyondLimit, kTooFar, kUnreachable, kNotNow };
 
 const char* reason(Verdict verdict);
 
-// The joints that a set-point asks for, in degrees; nothing when no joints reach it. Throw BadRequest. The joints of a
+// The joints of a set-point, in degrees; nothing when no joints reach it. Throw BadRequest. The joints of a
 // pose are solved from those of the set-point before, so that the arm keeps its posture.
 using Target = std::optional<JointVector> (*)(const Call&);
 std::optional<JointVector> joint_target(const Call& call);
@@ -29,7 +29,7 @@ struct Following {
 // Has the arm follow the set-point of a request, if it can. Throws BadRequest.
 Verdict follow_set_point(const Call& call, const Following& following);
 
-// Where the joints stand, in degrees, as rounded as the wire has them: clients take the numbers of reports as they are.
+// The current joints in degrees, rounded to the wire's resolution: clients do not scale the numbers of reports.
 std::vector<double> reported_joints(const Call& call);
 
 }  // namespace sim

@@ -33,7 +33,8 @@ class Trajectory {
  private:
     struct Leg {
         Move move;
-        bool to_joints;  // what the move tells as its target
+        bool to_joints;  // the reported target is in joints
+
         JointVector start;
         std::optional<Path> path;  // none where the path of the next leg runs through this one
         Profile profile;

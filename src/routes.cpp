@@ -2,7 +2,7 @@
 //
 // The order of the rows matters. A message belongs to the first row with a literal that occurs anywhere in it, so a
 // setter's literal precedes the query's that it contains, and a literal that contains an earlier one is never reached.
-// The last rows have codes that no literal leads to; commands wait for them all the same.
+// The last rows have no literal: the commands that wait for their mailboxes get no reply.
 #include <cstring>
 
 #include "commands/counters.h"
@@ -34,7 +34,7 @@
 
 namespace zk {
 
-// What each record takes from its reply, in the order of its parser's parameters.
+// The fields of each record that its parser fills, in the order of the parser's parameters.
 template <>
 constexpr auto kPayload<GlobalWaypointReply> = std::tuple{&GlobalWaypointReply::waypoint};
 template <>
@@ -86,10 +86,10 @@ constexpr auto kPayload<SoftwareVersionReply> =
                &SoftwareVersionReply::kernel2, &SoftwareVersionReply::product};
 template <>
 constexpr auto kPayload<SystemRuntimeReply> =
-    std::tuple{&SystemRuntimeReply::told, &SystemRuntimeReply::day, &SystemRuntimeReply::hour, &SystemRuntimeReply::min,
-               &SystemRuntimeReply::sec};
+    std::tuple{&SystemRuntimeReply::known, &SystemRuntimeReply::day, &SystemRuntimeReply::hour,
+               &SystemRuntimeReply::min, &SystemRuntimeReply::sec};
 template <>
-constexpr auto kPayload<JointOdomReply> = std::tuple{&JointOdomReply::told, &JointOdomReply::value};
+constexpr auto kPayload<JointOdomReply> = std::tuple{&JointOdomReply::known, &JointOdomReply::value};
 template <>
 constexpr auto kPayload<IoBankReply> = std::tuple{&IoBankReply::digital, &IoBankReply::analogue};
 template <>
@@ -146,7 +146,7 @@ namespace {
 
 using enum Counter;
 
-// The tool frame in use also becomes Tool_Matrix, with its Euler angles in the place of the position.
+// Also stores the tool frame in use in Tool_Matrix, with the Euler angles in place of the position.
 void tool_frame_in_use(int slot, char* message) {
     store_and_apply<kAdd, Current_Tool_Cmd, Parser_Get_Current_Tool_Frame>(slot, message, [](const FrameReply& reply) {
         Pose pose = reply.frame.pose;
@@ -160,7 +160,7 @@ void work_frame_in_use(int slot, char* message) {
         slot, message, [](const FrameReply& reply) { Frame_Matrix = Algo_Pos2Matrix(reply.frame.pose); });
 }
 
-// The local model follows the arm's mounting.
+// Also stores the mounting angles in the local model.
 void mounting(int slot, char* message) {
     store_and_apply<kAdd, Get_Install_Pose_Cmd, Parser_Get_Install_Pose>(
         slot, message, [](const InstallPoseReply& reply) { Algo_Set_Angle(reply.x, reply.y, reply.z); });

@@ -88,7 +88,7 @@ int learn_frames(ArmSocket s) {
     return ZK_OK;
 }
 
-// Returns -1 when the model does not return the angles that the controller has.
+// Returns -1 when an angle in the model differs from the controller's by more than 0.001 degrees.
 int learn_mounting(ArmSocket s) {
     float x = 0, y = 0, z = 0;
     return Get_Install_Pose(s, &x, &y, &z);
@@ -128,12 +128,8 @@ int start_afresh(const Connection& connection) {
     return ZK_OK;
 }
 
-// Everything up to a usable connection; on a failure the connection is closed.
-int converse(ArmSocket socket, const char* address, int32_t port) {
-    if (!connected(socket, address, port)) return ZK_NOT_CONNECTED;
-    // One at a time, since the process has one model.
-    static std::mutex one_at_a_time;
-    const std::lock_guard guard(one_at_a_time);
+// Everything from a connected socket to a usable connection, but the listener.
+int converse(ArmSocket socket) {
     if (Init_Socket_Joint(read(CUR_ARM_MODE), socket) != 0) return ZK_TABLE_FULL;
     if (const int status = start_afresh(Connection(socket))) return status;
     for (const auto learn : {learn_model, learn_frames, learn_mounting, learn_limits}) {
@@ -154,7 +150,14 @@ int tcp_socket() {
 ZK_API ArmSocket Arm_Socket_Start(const char* address, int32_t port, int32_t /*timeout*/) {
     const int descriptor = tcp_socket();
     if (descriptor <= 0 || descriptor > 100000) return ZK_NO_SOCKET;
-    if (const int status = converse(descriptor, address, port)) {
+    if (!connected(descriptor, address, port)) {
+        Arm_Socket_Close(descriptor);
+        return ZK_NOT_CONNECTED;
+    }
+    // One at a time, since the process has one model and one listener; and a close frees the slots after its own.
+    static std::mutex one_at_a_time;
+    const std::lock_guard guard(one_at_a_time);
+    if (const int status = converse(descriptor)) {
         Arm_Socket_Close(descriptor);
         return status;
     }

@@ -1,6 +1,7 @@
 /*
- * State of the arm as a whole: where it stands, what its joints measure, and the poses that the controller keeps for
- * it. zk/status.h describes the forms and their statuses. Joint arrays have room for the connection's joints (6 or 7).
+ * State of the arm as a whole: its position, the measurements of its joints, and the poses that the controller keeps
+ * for it. zk/status.h describes the forms and their statuses. Joint arrays have room for the connection's joints (6 or
+ * 7).
  */
 #ifndef ZK_ARM_STATE_H
 #define ZK_ARM_STATE_H

@@ -1,6 +1,6 @@
 /*
- * Devices beside the arm: the lift it stands on, an expansion axis, and a mobile base. Numbers go on the wire as they
- * are given; the device defines their units and ranges. zk/status.h describes the forms, their statuses and "no reply".
+ * Devices besides the arm: the lift that carries it, an expansion axis, and a mobile base. Numbers are sent unchanged;
+ * the device defines their units and ranges. zk/status.h describes the forms, their statuses and "no reply".
  */
 #ifndef ZK_ATTACHED_AXES_H
 #define ZK_ATTACHED_AXES_H
@@ -78,8 +78,8 @@ ZK_API int Set_Car_Move(ArmSocket socket, int32_t linear, int32_t angular, bool 
 ZK_API int Set_Car_Move_Block(ArmSocket socket, int32_t linear, int32_t angular);
 ZK_API int Set_Car_Move_NonBlock(ArmSocket socket, int32_t linear, int32_t angular);
 
-/* Send the base to a station, set the speed and the mode of its navigation, start charging, and set the station where
- * it stands. No reply: use the non-blocking forms. */
+/* Send the base to a station, set the speed and the mode of its navigation, start charging, and number the station at
+ * its present place. No reply: use the non-blocking forms. */
 ZK_API int Set_Car_Station(ArmSocket socket, int32_t station, int32_t speed, bool block);
 ZK_API int Set_Car_Station_Block(ArmSocket socket, int32_t station, int32_t speed);
 ZK_API int Set_Car_Station_NonBlock(ArmSocket socket, int32_t station, int32_t speed);

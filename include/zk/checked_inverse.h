@@ -21,13 +21,13 @@
  * seed, joint: degrees, one for each joint of the arm; they may be the same array. target: metres, radians; the tool in
  * the work frame. flag: 0 takes the target's quaternion for its orientation, 1 its Euler angles.
  *
- * Returns 0 when the tool stands within ZK_CHECKED_METRES and ZK_CHECKED_RADIANS of the target at the joints written to
- * joint; 19 (ZK_BAD_ARGUMENT) on null, a quaternion that is not unit, and a seed outside the limits; 21
+ * Returns 0 when the joints written to joint bring the tool to within ZK_CHECKED_METRES and ZK_CHECKED_RADIANS of the
+ * target; 19 (ZK_BAD_ARGUMENT) on null, a quaternion that is not unit, and a seed outside the limits; 21
  * (ZK_NO_SOLUTION) when no joints were found that meet the target. joint is written with 0 only.
  *
- * A refined answer lies within the limits. One that Algo_Inverse_Kinematics has right is returned as it is, and with
- * six joints that may exceed a limit by the half degree that those solvers allow: used as the next seed it is refused
- * with 19. zk_algo_judgment_overpos checks it. The check costs one more forward call. One thread at a time.
+ * A refined answer lies within the limits. A correct answer of Algo_Inverse_Kinematics is returned unchanged. With six
+ * joints it may exceed a limit by half a degree, as those solvers allow; used as the next seed it is refused with 19.
+ * zk_algo_judgment_overpos checks it. The check costs one more forward call. One thread at a time.
  *
  * Method: damped least squares on a Jacobian by central differences, Sugihara, Solvability-Unconcerned Inverse
  * Kinematics by the Levenberg-Marquardt Method, IEEE Transactions on Robotics 27 (2011).

@@ -22,8 +22,7 @@ typedef int32_t ArmSocket;
 
 /* ------------------------------------------------------------------------------------------------------- Records -- */
 
-/* One connection. The index of a record in SockInfo is the connection's slot; it selects its record in every mailbox.
- */
+/* One connection. Its index in SockInfo is its slot, which selects its record in every mailbox. */
 typedef struct SocketSlot {
     int32_t socket;      /* 0 when the slot is free */
     int32_t joint_count; /* 6 or 7, from the arm mode given to ZK_API_Init */
@@ -102,8 +101,7 @@ ZK_API int ZK_API_UnInit(void);
 /* Version of the interface, "4.3.6". Any thread. */
 ZK_API const char* API_Version(void);
 
-/* -------------------------------------------------------------------------------------------- Table of connections --
- */
+/* ------------------------------------------------------------------------------------------ Table of connections -- */
 
 /* Puts a connected socket into the first free slot. Returns 0, or -1 when all 20 slots are taken. Arm_Socket_Start does
  * this; applications need it only for sockets of their own. Any thread. */
@@ -150,7 +148,8 @@ ZK_API void ClearList(PendingReply* list, int32_t* count, int32_t index);
 /*
  * The library's clock and its only sleep: a monotonic count of milliseconds that wraps at 32 bits (take differences as
  * signed 32-bit numbers), and a sleep. Every limit and every pause of the library goes through these two, so a program
- * that defines both itself decides how fast time passes. Any thread.
+ * that defines both itself decides how fast time passes. Only waits of some microseconds for another thread, and for
+ * room on a socket, do not. Any thread.
  */
 ZK_API int32_t Get_Program_Runtime(void);
 ZK_API void sleep_cp(int32_t milliseconds);

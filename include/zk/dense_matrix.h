@@ -49,8 +49,7 @@ ZK_API void mat_set_value(Mat* A, const float* values);
 ZK_API Mat mat_get_Mrow_i(int i, Mat A);
 ZK_API Mat mat_get_Mcol_j(int j, Mat A);
 
-/* In place: row i takes the v.cols elements of v's first row; column j takes the v.rows elements of v's first column.
- */
+/* In place: row i gets the v.cols elements of v's first row; column j gets the v.rows elements of v's first column. */
 ZK_API void mat_set_Mrow_i(int i, Mat* A, Mat v);
 ZK_API void mat_set_Mcol_j(int j, Mat* A, Mat v);
 

@@ -1,6 +1,6 @@
 /*
- * ZK_API marks the names of the interface. It stands before every declaration and before every definition of a
- * function, so that a definition that differs from its header does not compile.
+ * ZK_API marks the names of the interface. It precedes every declaration and every definition of a function: a
+ * definition that differs from its header does not compile.
  */
 #ifndef ZK_EXPORT_H
 #define ZK_EXPORT_H
@@ -14,11 +14,13 @@
 #define ZK_STATIC_ASSERT(condition, text) extern char zk_static_assertion[(condition) ? 1 : -1]
 #endif
 
-/* Version of this library's build, beside the two version strings that API_Version and Algo_Version give. */
-#define ZK_VERSION_MAJOR 1
-#define ZK_VERSION_MINOR 0
-#define ZK_VERSION_PATCH 0
-#define ZK_VERSION_STRING "1.0.0"
+/* The version of the interface, the library and its packages. API_Version returns that of the library at run time. */
+#define ZK_VERSION_MAJOR 4
+#define ZK_VERSION_MINOR 3
+#define ZK_VERSION_PATCH 6
+#define ZK_VERSION_STRING ZK_TEXT_OF(ZK_VERSION_MAJOR) "." ZK_TEXT_OF(ZK_VERSION_MINOR) "." ZK_TEXT_OF(ZK_VERSION_PATCH)
+#define ZK_TEXT_OF(macro) ZK_TEXT_OF_TOKEN(macro)
+#define ZK_TEXT_OF_TOKEN(token) #token
 
 /* How many connections a process can hold, and so the length of every mailbox table. */
 #define ZK_SLOTS 20

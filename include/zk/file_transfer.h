@@ -1,12 +1,12 @@
 /*
- * File transfer: projects and software updates to the controller, recorded drag-teach trajectories from it; and the few
- * small commands that came with them.
+ * File transfer: projects and software updates to the controller, recorded drag-teach trajectories from it; and a few
+ * small commands.
  *
  * Files share the connection with all other requests. While a project is sent, IsSendFile is 1: no queued request is
- * written, and the plain names return 18 on all connections. An update holds nothing back: send no command until it has
- * ended, or the controller finds your requests in the file. One transfer per connection at a time. All calls block.
- * They share the statuses 5 not an open connection, 7 no reply in time, 9 or 11 a broken reply. Paths are bytes as the
- * system takes them, with a length that does not count the end mark. Application threads.
+ * written, and the plain names return 18 on all connections. An update does not pause the queue: send no command until
+ * it has ended, or the controller takes your requests for bytes of the file. One transfer per connection at a time. All
+ * calls block. They share the statuses 5 not an open connection, 7 no reply in time, 9 or 11 a broken reply. Paths are
+ * bytes as the system takes them, with a length that does not count the end mark. Application threads.
  */
 #ifndef ZK_FILE_TRANSFER_H
 #define ZK_FILE_TRANSFER_H
@@ -149,8 +149,8 @@ ZK_API int Set_Popup_NonBlock_E(ArmSocket socket);
  * The next line of a program that runs step by step; versions of the lift and the sale; the version of the tool's
  * hardware; the controller's address. The plain names wait 2 ms first and raise SuspendQueue.
  *
- * Set_Lift_Version_E and Set_Controller_IP_NC_E always end in 7: the controller executes them, but their replies go to
- * other mailboxes. Use Set_NetIP for the address.
+ * Set_Lift_Version_E and Set_Controller_IP_NC_E always end in 7: the controller executes them, but the reply of the
+ * first is dropped and that of the second goes to the mailbox of Set_NetIP. Use Set_NetIP for the address.
  */
 ZK_API int Set_Online_Next_E(ArmSocket socket);
 ZK_API int Set_Online_Next_Block_E(ArmSocket socket);

@@ -3,9 +3,8 @@
  * describes the forms and their statuses.
  *
  * Poses are metres and radians. Requests send the Euler angles; queries leave the quaternion of a pose as it was:
- * complete it with ZK_Complete_Pose before use.
- * Names have at most ten bytes. Keep the word "point" out of names:
- * a reply that contains it is taken for a recorded point, and the query ends in 7. A name that makes the request longer
+ * complete it with ZK_Complete_Pose before use. Names have at most ten bytes. Keep the word "point" out of names: a
+ * reply that contains it is taken for a recorded point, and the query ends in 7. A name that makes the request longer
  * than its frame of 299 bytes ends the process. Do not change the local model while another thread computes kinematics.
  */
 #ifndef ZK_FRAMES_H
@@ -25,8 +24,8 @@ typedef struct FrameName {
 
 /* --------------------------------------------------------------------------------------------------- Tool frames -- */
 
-/* Records one of the points that a tool frame is computed from; Generate_Auto_Tool_Frame then computes it, whose non-
- * blocking form sends the centre of gravity a thousand times smaller. */
+/* Records one of the points of a tool frame. Generate_Auto_Tool_Frame computes the frame from them; its non-blocking
+ * form sends the centre of gravity a thousand times smaller. */
 ZK_API int Auto_Set_Tool_Frame(ArmSocket socket, uint8_t number, bool block);
 ZK_API int Auto_Set_Tool_Frame_Block(ArmSocket socket, uint8_t number);
 ZK_API int Auto_Set_Tool_Frame_NonBlock(ArmSocket socket, uint8_t number);
@@ -83,7 +82,7 @@ ZK_API int Get_All_Tool_Frame_Block(ArmSocket socket, FrameName* names, int32_t*
 
 /* --------------------------------------------------------------------------------------------------- Work frames -- */
 
-/* Records one of the points that a work frame is computed from. */
+/* Records one of the points of a work frame. */
 ZK_API int Auto_Set_Work_Frame(ArmSocket socket, const char* name, uint8_t number, bool block);
 ZK_API int Auto_Set_Work_Frame_Block(ArmSocket socket, const char* name, uint8_t number);
 ZK_API int Auto_Set_Work_Frame_NonBlock(ArmSocket socket, const char* name, uint8_t number);

@@ -13,12 +13,13 @@
 /* ----------------------------------------------------------------------------------------------- The whole arm -- */
 
 /*
- * Solves for the tool at a pose of the work frame. With flag 1 the pose's Euler angles are its orientation, with any
- * other flag its quaternion, which is not normalised here. Each solver below says which of several solutions it
- * returns. A last joint of the seed that is up to two degrees past a full turn counts as standing at the full turn.
+ * Solves for the tool at a pose of the work frame. With flag 1 the orientation is that of the pose's Euler angles, with
+ * any other flag that of its quaternion, which is not normalised here. Each solver below states which of several
+ * solutions it returns. A last joint of the seed that is up to two degrees past a full turn counts as the full turn,
+ * except for model 7.
  *
- * Returns 0; -1 or -2 for no solution, as the model's solver below says, with the content of `joint`; -4 for a model
- * without a solver (2, 9 and unknown ones). One thread at a time.
+ * Returns 0; -1 or -2 for no solution: the comment of the model's solver defines both, and what `joint` holds then; -4
+ * for a model without a solver (2, 9 and unknown ones). One thread at a time.
  */
 ZK_API int inverse_kinematics(const float* seed, const Pose* pose, float* joint, uint8_t flag);
 
@@ -68,7 +69,7 @@ ZK_API int global_is_movl; /* the strategy, 1 at first */
  * seed and joint hold six values; they may be the same array. The seed of zkl63_3 holds seven: at the wrist's exact
  * singularity its seventh, 0 on a six-joint arm, replaces joint 6.
  *
- * orb6 takes an elbow whose cosine exceeds 1 by less than 0.01 for straight or folded: it returns 0 for a target up to
+ * orb6 treats an elbow whose cosine exceeds 1 by less than 0.01 as straight or folded: it returns 0 for a target up to
  * 2 mm out of reach, and the flange misses by that distance.
  *
  * Returns 0; -1 when the target is out of reach, or NaN, and from zk6 and zkl63_2 also when every solution lies beyond

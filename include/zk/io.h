@@ -96,7 +96,7 @@ ZK_API int Set_Tool_Voltage_NonBlock(ArmSocket socket, uint8_t type);
 ZK_API int Get_Tool_Voltage(ArmSocket socket, uint8_t* type);
 ZK_API int Get_Tool_Voltage_Block(ArmSocket socket, uint8_t* type);
 
-/* ----------------------------------------------------------------------------------- Waiting where nothing comes -- */
+/* ---------------------------------------------------------------------------------------- Commands that end in 7 -- */
 
 /*
  * Five of the requests above under other names. The controller executes them, but the reply goes to the mailbox of the

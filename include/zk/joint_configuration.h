@@ -39,7 +39,7 @@ ZK_API int Set_Joint_Max_Pos(ArmSocket socket, uint8_t joint, float value, bool 
 ZK_API int Set_Joint_Max_Pos_Block(ArmSocket socket, uint8_t joint, float value);
 ZK_API int Set_Joint_Max_Pos_NonBlock(ArmSocket socket, uint8_t joint, float value);
 
-/* ------------------------------------------------------------------------------------------------- Asking limits -- */
+/* ----------------------------------------------------------------------------------------------- Querying limits -- */
 
 /*
  * Query the joints' limits, in the units above. On success the plain names also put the limits into the local model,

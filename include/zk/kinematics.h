@@ -1,7 +1,7 @@
 /*
  * Forward kinematics of the arm that the model (zk/model.h) describes. Joint angles are radians, one for each joint of
- * the arm; lengths are metres; computation is in single precision. The functions take joint angles as they come: limits
- * are not checked, NaN passes through. Degrees and argument checks are in zk/algorithm.h.
+ * the arm; lengths are metres; computation is in single precision. Limits are not
+ * checked, and NaN passes through. Degrees and argument checks are in zk/algorithm.h.
  *
  * Frames: base is the arm's foot, flange its end, tool the tool of the model, world where the mounting rotation starts,
  * work the work frame. A name such as base_T_flange is the transform that takes coordinates of flange to coordinates of

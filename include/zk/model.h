@@ -4,7 +4,7 @@
  * connection's start-up selects the model and fills in frames, mounting angles and limits from the controller; a
  * program without a controller selects it itself.
  *
- * All values are SI: metres, radians, seconds, kilograms. The Algo_ functions of zk/algorithm.h speak degrees.
+ * All values are SI: metres, radians, seconds, kilograms. The Algo_ functions of zk/algorithm.h take degrees.
  *
  * Arrays of n are pointers to n values of the caller's; none may be null. Values are stored unchecked unless a range is
  * stated. Nothing is locked: change the model, and compute with it, from one thread at a time.
@@ -131,7 +131,7 @@ ZK_API DynamicsParams dyn_param_default; /* its link dynamics; only `link` is fi
 /* ----------------------------------------------------------------------------------------------------- Selection -- */
 
 /*
- * Selects the arm, and sets everything in `robot` to that arm's defaults: no tool, work frame at the base, standing
+ * Selects the arm, and sets everything in `robot` to that arm's defaults: no tool, work frame at the base, mounted
  * upright on the floor, a control period of 2 ms.
  *
  *     model    arm     joints   sensors                model    arm                         joints   sensors
@@ -246,8 +246,7 @@ ZK_API void libalgo_set_drag_regulation_factor(const float factors[14]);
 ZK_API void libalgo_set_dynamics_model_type(int type);
 ZK_API int libalgo_get_dynamics_model_type(void);
 
-/* ------------------------------------------------------------------------------------------- Control and feedback --
- */
+/* ------------------------------------------------------------------------------------------ Control and feedback -- */
 
 /* Stores a feedback record. The joints of the arm get dh.offset added in both joint vectors; the second vector is also
  * kept raw, for libalgo_get_trajectory_planning_joint_cur. */

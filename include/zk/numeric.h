@@ -73,8 +73,7 @@ ZK_API Matrix rotz(float angle);
 /* The rotation matrix of Euler angles, 3 by 3. */
 ZK_API Matrix euler_to_matrix(Euler e);
 
-/* The rotation matrix of a quaternion of any length, 3 by 3; one whose squared norm is 0.000001 or less: the identity.
- */
+/* The rotation matrix of a quaternion of any length, 3 by 3; the identity for a squared norm of 0.000001 or less. */
 ZK_API Matrix quat_to_matrix(Quat q);
 
 /*

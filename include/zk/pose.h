@@ -1,10 +1,10 @@
 /*
  * Poses: to matrices and back, between the base frame and a work frame, and moved by small steps.
  *
- * Lengths are metres and the angles of a Pose radians. A Pose that goes in is read by its position and its Euler
- * angles; its quaternion has no effect. A returned Pose has all three fields filled, its Euler angles in the
- * ranges of matrix_to_euler (zk/numeric.h), unless a comment says otherwise. Nothing here reports failure, and nothing
- * writes a global; a function that reads the arm's model (zk/model.h) does so without a lock and says so.
+ * Lengths are metres and the angles of a Pose radians. Functions read the position and the Euler angles of a Pose, not
+ * its quaternion. They return a Pose with all three fields filled, its Euler angles in the ranges of matrix_to_euler
+ * (zk/numeric.h), unless a comment says otherwise. No function reports a failure or writes a global. A function that
+ * reads the arm's model (zk/model.h) without a lock says so.
  */
 #ifndef ZK_POSE_H
 #define ZK_POSE_H
@@ -84,7 +84,7 @@ ZK_API Pose dPosMoveTool(const float* delta, Pose p);
 
 /*
  * p turned about x, then y, then z of the frame, each step from the orientation of the one before. An angle of exactly
- * 0 is passed over, and the position is kept. With any other frame the orientation is kept; its quaternion is always
+ * 0 is skipped, and the position is kept. With any other frame the orientation is kept; its quaternion is always
  * new.
  */
 ZK_API Pose rotateMove(const float* delta, int frame, Pose p);

@@ -54,9 +54,9 @@ ZK_API void ZK_Mutex_Lock(void); /* m_hMutex */
 ZK_API void ZK_Mutex_UnLock(void);
 
 /*
- * Queues a frame of `length` bytes for a socket. With the ring full the frame is dropped after a line on standard
- * output; a frame of more than 516 bytes, or a library that is not initialised, ends the process. In a frame of 501 to
- * 516 bytes bytes 501 to 504 go out as the socket's number. Any thread.
+ * Queues a frame of `length` bytes for a socket. If the ring is full, the frame is dropped and a line is printed on
+ * standard output. A frame of more than 516 bytes, or a library that is not initialised, ends the process. In a frame
+ * of 501 to 516 bytes the socket's number overwrites bytes 501 to 504. Any thread.
  */
 ZK_API void Add_Queue(int32_t socket, const char* frame, int32_t length);
 

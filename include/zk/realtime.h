@@ -118,7 +118,7 @@ ZK_API RealtimeListener listener;
 ZK_API void Realtime_Arm_Joint_State(RealtimeCallback callback);
 
 /*
- * Copies the last state, whole. Returns 0; 25 when no datagram comes in time within m_nOutTime_max (1000 ms). A
+ * Copies the last complete state. Returns 0; 25 when no datagram comes in time within m_nOutTime_max (1000 ms). A
  * datagram more than cycle * 100 + 199 ms after the one before is late and does not count. After the stream stops, the
  * call returns 25 if the last datagram was late; otherwise it returns 0 and the same state again and again, so compare
  * a field that changes. Any thread.
@@ -130,7 +130,7 @@ ZK_API int Get_Realtime_Arm_Joint_State(RobotStatus* status);
  * 14 tech_demonstration. Any thread. */
 ZK_API int get_arm_status_from_string(const char* text);
 
-/* Parses a datagram into a record, storing as it goes. Returns 0, 9, 10 or 11. Any thread. */
+/* Parses a datagram into a record; stores what it reads before an error. Returns 0, 9, 10 or 11. Any thread. */
 ZK_API int Parser_Realtime_Arm_Joint_State(const char* text, RobotStatus* status);
 
 /* ---------------------------------------------------------------------------------------- Configuring the stream -- */
@@ -146,9 +146,8 @@ ZK_API int Set_Realtime_Push_Block(ArmSocket socket, RealtimePushConfig config);
 ZK_API int Parser_Set_Realtime_Push(const char* text);
 
 /*
- * Asks the controller for its configuration; force_coordinate is -1 on an arm without a force sensor. Afterwards the
- * mailbox record of the first connection is wiped, whichever asked. Returns 0, 5, 7, 9, 11, 18, 19. Application
- * threads.
+ * Queries the configuration; force_coordinate is -1 on an arm without a force sensor. Zeroes the first record
+ * (zk/status.h). Returns 0, 5, 7, 9, 11, 18, 19. Application threads.
  */
 ZK_API int Get_Realtime_Push(ArmSocket socket, RealtimePushConfig* config);
 ZK_API int Get_Realtime_Push_Block(ArmSocket socket, RealtimePushConfig* config);

@@ -59,9 +59,7 @@ ZK_API int inverse_kinematics_tau7(const float* seed, float* out, Mat target);
  */
 ZK_API void ikine_jacobe_and_pose_tau72(const float* joint, Mat* J, Mat* T);
 
-/* ------------------------------------------------------------------------------------------------------- Helpers --
- *
- * Any thread. */
+/* ----------------------------------------------------------------------------------------- Helpers. Any thread. -- */
 
 /* out = a b for two transforms of three rows of four, the last row 0, 0, 0, 1 implied; out may be a or b. */
 ZK_API void marr_m(const float* a, const float* b, float* out);

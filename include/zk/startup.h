@@ -1,5 +1,5 @@
 /*
- * Connecting to an arm, and what the library learns of it.
+ * Connecting to an arm, and the data that the library reads from it.
  */
 #ifndef ZK_STARTUP_H
 #define ZK_STARTUP_H
@@ -20,11 +20,11 @@ ZK_API Matrix Tool_Matrix;
 ZK_API Matrix Frame_Matrix;
 
 /*
- * Connects to a controller and learns its arm: asks for the model, initialises the local kinematics for it, puts the
- * arm's tool frame, work frame, mounting angles and joint limits into the local model, and prepares the listener of the
- * real-time stream if the controller has it enabled. ZK_API_Init must have run, with the arm mode of this arm. After it
- * the local forward kinematics returns the pose that the controller reports. The registered real-time callback is
- * cleared.
+ * Connects to a controller and loads the data of its arm: queries the model, initialises the local kinematics for it,
+ * puts the arm's tool frame, work frame, mounting angles and joint limits into the local model, and prepares the
+ * listener of the real-time stream if the controller has it enabled. Call ZK_API_Init first, with the arm mode of this
+ * arm. Afterwards the local forward kinematics returns the pose that the controller reports. The registered real-time
+ * callback is cleared.
  *
  * address: dotted IPv4 text; host names are not resolved. timeout: without effect; a connect takes as long as the
  * system takes.
@@ -33,7 +33,8 @@ ZK_API Matrix Frame_Matrix;
  * start; -1 all 20 connections are taken, or a mounting angle read back from the local model differs by more than 0.001
  * degrees; 7 no reply; 9, 10, 11 a reply that is broken, has another joint count than the arm mode, or has a value of
  * the wrong type; 18 during a file transfer; 25 the listener could not be set up (the connection stays open). A failed
- * attempt closes as Arm_Socket_Close does. Application threads; starts on several threads connect one after the other.
+ * attempt closes as Arm_Socket_Close does. Application threads. Several threads may start connections: one at a time
+ * talks to its controller while the others wait.
  *
  * The socket is the lowest free number above that of the last connection or listener; above 1023 the search starts
  * again at ZK_LARGEST_STATUS + 1. So the number of a closed connection is not that of the next one.

@@ -22,7 +22,7 @@
  * The headers of the families say only what differs. Call all of this on application threads, not in callbacks, and
  * make one blocking call at a time on a connection.
  *
- * One list feeds the names, the numbers and the texts of the statuses.
+ * One list defines the names, the numbers and the texts of the statuses.
  */
 #ifndef ZK_STATUS_H
 #define ZK_STATUS_H
@@ -64,7 +64,7 @@ typedef enum ZK_Status {
 #undef X
 } ZK_Status;
 
-/* Statuses are this or less; descriptors of arm connections are more. */
+/* The largest status. Descriptors of arm connections are larger. */
 #define ZK_LARGEST_STATUS 25
 
 /* The cause of a status as one English sentence without a full stop; "unknown status" for a number of no meaning

@@ -40,7 +40,7 @@ ZK_API int Teach_Stop_Cmd_NonBlcok(ArmSocket socket);
  * sign of the step is the direction.
  *
  * The blocking forms wait for the report of the motion: its status (0 arrived, 1 not); 12 another device reported; 14
- * the arm stands still for m_nOutTime_max and some polls more; 5 the connection was closed; after failed polls of the
+ * the arm does not move for m_nOutTime_max and some polls more; 5 the connection was closed; after failed polls of the
  * joints, their status. The non-blocking forms return 0.
  */
 ZK_API int Joint_Step_Cmd(ArmSocket socket, uint8_t joint, uint8_t v, float step, bool block);

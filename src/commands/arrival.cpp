@@ -78,6 +78,7 @@ int await_report(const Connection& connection, Device device, const std::functio
         if (!connection.is_open()) return ZK_NOT_CONNECTED;
         if (arrived) {
             const MoveReport report = take_report(connection.slot());
+            if (!connection.is_open()) return ZK_NOT_CONNECTED;
             if (is_of(report, device) && report.trajectory_connect == 0) return report.result;
             continue;
         }
@@ -114,6 +115,7 @@ int move_device(const Request& request, Mailbox acknowledgement, const DeviceMov
                 acknowledgement.clear(slot);
                 if (refused) return refused;
                 const MoveReport report = take_report(slot);
+                if (!connection.is_open()) return ZK_NOT_CONNECTED;
                 if (is_of(report, form.device)) return report.result;
                 if (!form.outwaits_others) return ZK_OTHER_DEVICE;
             }

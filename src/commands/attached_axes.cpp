@@ -73,6 +73,7 @@ int axis_arrived(const Request& request) {
     post(request);
     if (const int status = await(Move_Cmd, connection, limit_beyond(kTravelMs))) return status;
     const MoveReport report = take_report(connection.slot());
+    if (!connection.is_open()) return ZK_NOT_CONNECTED;
     return is_of(report, Device::kExpansionAxis) ? report.result : int(ZK_OTHER_DEVICE);
 }
 

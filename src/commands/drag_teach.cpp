@@ -83,7 +83,7 @@ enum class Doing : int32_t { kNothing = 0, kReplay = 4 };
 int replay_status(const Connection& connection) {
     const int32_t start = Get_Program_Runtime();
     const Mailbox mailbox(Run_Drag_Trajectory_Cmd);
-    int32_t type = 0;  // stays what it was when the question fails
+    int32_t type = 0;  // keeps its value when the query fails
     float data[8];
     for (;;) {
         Get_Current_Trajectory(connection.socket(), &type, data);

@@ -15,7 +15,7 @@ int32_t m_popup_pos = 0;
 
 namespace {
 
-int told(const int32_t& word, int32_t* out) {
+int copy_number(const int32_t& word, int32_t* out) {
     if (any_null(out)) return ZK_BAD_ARGUMENT;
     *out = read(word);
     return ZK_OK;
@@ -26,16 +26,16 @@ int anything_but_false(const char* text, const char* key) { return acknowledgeme
 
 }  // namespace
 
-ZK_API int Get_Update_Scale_E(int32_t* scale) { return told(m_update_scale, scale); }
-ZK_API int Get_Save_Trajectory_Flag_E(int32_t* flag) { return told(drag_teach_flag, flag); }
+ZK_API int Get_Update_Scale_E(int32_t* scale) { return copy_number(m_update_scale, scale); }
+ZK_API int Get_Save_Trajectory_Flag_E(int32_t* flag) { return copy_number(drag_teach_flag, flag); }
 ZK_API int Cancle_Save_Trajectory_E() {
     write(drag_teach_flag, 0);
     return ZK_OK;
 }
 ZK_API int Get_Popup_State_E(int32_t* is_popup, int32_t* popup_pos) {
     if (any_null(is_popup, popup_pos)) return ZK_BAD_ARGUMENT;
-    told(m_is_popup, is_popup);
-    return told(m_popup_pos, popup_pos);
+    copy_number(m_is_popup, is_popup);
+    return copy_number(m_popup_pos, popup_pos);
 }
 ZK_API int Set_Popup_State_E(int32_t is_popup, int32_t popup_pos) {
     write(m_is_popup, is_popup);
@@ -52,7 +52,7 @@ ZK_API int Set_Online_Next_E(ArmSocket s) { return after_2_ms(Set_Online_Next_Bl
 ZK_API int Set_Online_Next_Block_E(ArmSocket s) { return set({s, "online_next"}, Set_Online_Start_Cmd); }
 ZK_API int Parser_Set_Online_Start(const char* text) { return acknowledgement(text, "state"); }
 
-// The reply is taken for another command's of the lift, so the call ends in 7.
+// The reply is classified as one to set_lift and dropped, so the call ends in 7.
 AckReply Set_Lift_Version_Cmd[ZK_SLOTS];
 ZK_API int Set_Lift_Version_E(ArmSocket s, int32_t lift_version) {
     return after_2_ms(Set_Lift_Version_Block_E, s, lift_version);

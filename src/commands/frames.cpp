@@ -25,7 +25,7 @@ struct FrameKind {
     void (*from_model)(FrameRec*);
     Pose& local_pose;
 
-    // Asks for the frame in use, and takes its pose from the model into the local variable.
+    // Queries the frame in use, then copies its pose from the model to the local variable.
     int in_use(ArmSocket s, FrameRec* frame) const {
         if (const int status = checked(ask, s, frame)) return status;
         take_from_model();
@@ -95,7 +95,7 @@ void payload(Reply& reply, FrameRec* frame, const FrameReading& reading) {
     frame->z = metres[2];
 }
 
-// Reads the pose of a frame that was asked for by name. Its elements count as 64-bit integers.
+// Reads the pose of a frame that was queried by its name. Its elements count as 64-bit integers.
 void given_pose(Reply& reply, Pose& pose, const FrameReading& reading) {
     const Item array = reply.array(reply.root(), "pose", 6, reading.wrong_pose_size);
     if (!array) return;
@@ -375,8 +375,8 @@ ZK_API int Parser_Get_Given_Work_Frame(const char* text, char* name, Pose* pose)
 int zk::read_given_work(const char* text, char* name, Pose* pose, const FrameReading& reading) {
     Reply reply(text);
     require_found(reply);
-    if (const Item told = reply.find("frame_name"); reply.good() && told.is_text())
-        copy_name(told.text(), name, kNameBytes);
+    if (const Item stored = reply.find("frame_name"); reply.good() && stored.is_text())
+        copy_name(stored.text(), name, kNameBytes);
     given_pose(reply, *pose, reading);
     return reply.status();
 }

@@ -81,12 +81,12 @@ ZK_API int Get_Global_Point_List_Block(ArmSocket s, GlobalWaypointList* list) {
     constexpr int32_t longer_ms = 100000;
     if (any_null(list)) return ZK_BAD_ARGUMENT;
     const auto deliver = [&](const GlobalWaypointListReply& reply) {
-        const GlobalWaypointList& told = reply.waypoints;
-        list->total_size = told.total_size;
-        if (told.page_num > 0) list->page_num = told.page_num;
-        if (told.page_size > 0) list->page_size = told.page_size;
-        if (told.vague_search[0]) std::memcpy(list->vague_search, told.vague_search, sizeof list->vague_search);
-        std::copy_n(told.list, reply.received, list->list);
+        const GlobalWaypointList& received = reply.waypoints;
+        list->total_size = received.total_size;
+        if (received.page_num > 0) list->page_num = received.page_num;
+        if (received.page_size > 0) list->page_size = received.page_size;
+        if (received.vague_search[0]) std::memcpy(list->vague_search, received.vague_search, sizeof list->vague_search);
+        std::copy_n(received.list, reply.received, list->list);
     };
     return query(page_request(s, "get_global_waypoints_list", *list), Get_Global_Waypoint_List_Cmd, deliver,
                  {.limit = limit_beyond(longer_ms)});

@@ -18,7 +18,7 @@ namespace {
 using JointQuery = int (*)(ArmSocket, float*);
 using JointLimit = int (*)(ArmSocket, uint8_t, float);
 
-// Asks for a limit and puts it into the local model. The model's arm may have more joints than the connection.
+// Queries a limit and puts it into the local model. The model's arm may have more joints than the connection.
 int limit_into_model(JointQuery query, void (*to_model)(const float*), ArmSocket s, float* out) {
     if (const int status = checked(query, s, out)) return status;
     float limit[8] = {};
@@ -27,7 +27,7 @@ int limit_into_model(JointQuery query, void (*to_model)(const float*), ArmSocket
     return ZK_OK;
 }
 
-// Sets a limit, then asks for it, which puts what the controller now holds into the model. Returns the query's status.
+// Sets a limit, then queries it, so that the model gets the controller's value. Returns the status of the query.
 int set_limit_and_refresh_model(JointLimit set, JointQuery query, ArmSocket s, uint8_t joint, float value) {
     if (const int status = guarded(set, s, joint, value)) return status;
     float held[8] = {};

@@ -55,7 +55,7 @@ int announce(ArmSocket s, const Program& program, const std::string& name, int32
     return set(request, Run_Project_Cmd, {.direct = true});
 }
 
-int write_in_chunks(ByteStream stream, const char* data, int32_t size, Progress& progress) {
+int write_in_chunks(ByteStream& stream, const char* data, int32_t size, Progress& progress) {
     progress.begin(size);
     for (int32_t at = 0; at < size; at += std::min(kChunk, size - at)) {
         const int32_t piece = std::min(kChunk, size - at);
@@ -70,7 +70,8 @@ int send_bytes(const Connection& connection, const char* data, int32_t size, int
     if (!connection.is_open()) return ZK_NOT_CONNECTED;
     Mailbox(Send_Project_Cmd).clear(connection.slot());
     write(Send_Project_Cmd[connection.slot()].value, 0);
-    return await_verdict(connection, write_in_chunks(file_stream(connection), data, size, progress), err_line);
+    ByteStream stream = file_stream(connection);
+    return await_verdict(connection, stream, write_in_chunks(stream, data, size, progress), err_line);
 }
 
 std::string project_name(std::string_view path) {
@@ -79,7 +80,8 @@ std::string project_name(std::string_view path) {
     return std::string(path.substr(0, path.rfind('.')));
 }
 
-// Copies a project with the header lines to a file of that name in its directory. The doubled separator is settled.
+// Copies a project with the header lines to a file of that name in its directory. The doubled separator is part of the
+// interface.
 bool add_header(ArmSocket s, std::string& path, const std::string& name) {
     std::printf("Save As: [%s]\n", name.c_str());
     const size_t slash = path.rfind('/');
@@ -156,8 +158,8 @@ ZK_API int Run_Project_Block(ArmSocket s, int32_t save_id, int32_t only_save, co
 }
 ZK_API int Send_Project_Block(ArmSocket s, const char* data, int32_t size, int32_t* err_line) {
     if (any_null(data)) return ZK_BAD_ARGUMENT;
-    Progress nobody(nullptr, nullptr);
-    return send_bytes(Connection(s), data, size, err_line, nobody);
+    Progress unreported(nullptr, nullptr);
+    return send_bytes(Connection(s), data, size, err_line, unreported);
 }
 
 ZK_API const char* zk_get_cur_time() {

@@ -83,16 +83,16 @@ Request enable_request(ArmSocket s, const char* command, uint8_t enable, int32_t
 
 // An output with a null pointer is dropped.
 template <class Value, class Out>
-void give(const Value& value, Out* out) {
+void copy_if_wanted(const Value& value, Out* out) {
     if (out) *out = static_cast<Out>(value);
 }
 
 int enable_query(ArmSocket s, const char* command, FenceEnableReply (&mailbox)[ZK_SLOTS], uint8_t* enable,
                  int32_t* in_out_side, int32_t* effective_region, const QueryForm& form = {}) {
     const auto deliver = [&](const FenceEnableReply& reply) {
-        give(reply.enable, enable);
-        give(reply.in_out_side, in_out_side);
-        give(reply.effective_region, effective_region);
+        copy_if_wanted(reply.enable, enable);
+        copy_if_wanted(reply.in_out_side, in_out_side);
+        copy_if_wanted(reply.effective_region, effective_region);
     };
     return query({s, command}, mailbox, deliver, form);
 }
@@ -100,7 +100,7 @@ int enable_query(ArmSocket s, const char* command, FenceEnableReply (&mailbox)[Z
 int fence_query(const Request& request, FenceConfigReply (&mailbox)[ZK_SLOTS], FenceConfig* fence,
                 const QueryForm& form = {}) {
     return query(
-        request, mailbox, [&](const FenceConfigReply& reply) { give(reply.fence, fence); }, form);
+        request, mailbox, [&](const FenceConfigReply& reply) { copy_if_wanted(reply.fence, fence); }, form);
 }
 
 // The query of a list: its entries and their number.
@@ -108,7 +108,7 @@ template <class Record, class Entry>
 int list_query(ArmSocket s, const char* command, Record (&mailbox)[ZK_SLOTS], int32_t Record::*received,
                Entry (Record::*entries)[ZK_FENCES], Entry* out, int32_t* count) {
     const auto deliver = [&](const Record& reply) {
-        give(reply.*received, count);
+        copy_if_wanted(reply.*received, count);
         if (out) std::copy_n(reply.*entries, reply.*received, out);
     };
     return query({s, command}, mailbox, deliver, {.wipes_first = true});
@@ -305,7 +305,7 @@ ZK_API int Get_Self_Collision_Enable(ArmSocket s, uint8_t* enable) {
 }
 ZK_API int Get_Self_Collision_Enable_Block(ArmSocket s, uint8_t* enable) {
     return query({s, "get_self_collision_enable"}, Get_Self_Collision_Enable_Cmd,
-                 [&](const IntReply& reply) { give(reply.value, enable); });
+                 [&](const IntReply& reply) { copy_if_wanted(reply.value, enable); });
 }
 ZK_API int Parser_Get_Self_Collision_Enable(const char* text, int32_t* enable) {
     Reply reply(text);
@@ -336,7 +336,7 @@ ZK_API int Get_Tool_Envelope(ArmSocket s, const char* name, ToolEnvelope* envelo
 }
 ZK_API int Get_Tool_Envelope_Block(ArmSocket s, const char* name, ToolEnvelope* envelope) {
     return query(Request(s, "get_tool_envelope").text("tool_name", name), Get_Tool_Envelope_Cmd,
-                 [&](const ToolEnvelopeReply& reply) { give(reply.envelope, envelope); },
+                 [&](const ToolEnvelopeReply& reply) { copy_if_wanted(reply.envelope, envelope); },
                  {.wipes_first = true, .result_last = true});
 }
 ZK_API int Parser_Get_Tool_Envelope(const char* text, ToolEnvelope* envelope) {

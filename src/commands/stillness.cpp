@@ -18,7 +18,7 @@ constexpr double kStillDegrees = 0.1;
 constexpr int kMostFailedReads = 5;
 constexpr int kMostStillPolls = 4;
 
-// Uses a reply that is in the mailbox without taking it; otherwise asks the arm.
+// Copies a reply that is already in the mailbox and leaves it there; otherwise queries the arm.
 int read_angles(const Connection& connection, Angles& angles) {
     Mailbox mailbox(Arm_Current_State_Cmd);
     if (has_arrived(mailbox, connection)) {
@@ -46,7 +46,10 @@ class StallDetector {
         for (;;) {
             const bool reported = has_arrived(Move_Cmd, connection_);
             if (!connection_.is_open()) return ZK_NOT_CONNECTED;
-            if (reported) return report(connection_.slot());
+            if (reported) {
+                const int status = report(connection_.slot());
+                return connection_.is_open() ? status : int(ZK_NOT_CONNECTED);
+            }
             if (elapsed_since(since_) >= read(m_nOutTime_max)) {
                 Angles angles{};
                 if (const int status = read_angles(connection_, angles)) {

@@ -18,7 +18,7 @@ using namespace zk;
 namespace {
 
 // A reply with "sys_state" has no numbers: its status is 0, and nothing is stored.
-bool tells_numbers(Reply& reply) {
+bool has_numbers(Reply& reply) {
     const Item state = reply.find("sys_state");
     if (state) reply.require(state.is_text(), ZK_WRONG_TYPE);
     return !state;
@@ -182,7 +182,7 @@ ZK_API int Get_System_Runtime(ArmSocket s, int32_t* day, int32_t* hour, int32_t*
 }
 ZK_API int Get_System_Runtime_Block(ArmSocket s, int32_t* day, int32_t* hour, int32_t* min, int32_t* sec) {
     return query({s, "get_system_runtime"}, Get_System_Runtime_Cmd, [&](const SystemRuntimeReply& reply) {
-        if (!reply.told) return;
+        if (!reply.known) return;
         *day = reply.day;
         *hour = reply.hour;
         *min = reply.min;
@@ -190,14 +190,14 @@ ZK_API int Get_System_Runtime_Block(ArmSocket s, int32_t* day, int32_t* hour, in
     });
 }
 ZK_API int Parser_Get_System_Runtime(const char* text, int32_t* day, int32_t* hour, int32_t* min, int32_t* sec) {
-    int32_t told;
-    return read_system_runtime(text, &told, day, hour, min, sec);
+    int32_t known;
+    return read_system_runtime(text, &known, day, hour, min, sec);
 }
 ZK_TWIN(Parser_Get_System_Runtime);
-int zk::read_system_runtime(const char* text, int32_t* told, int32_t* day, int32_t* hour, int32_t* min, int32_t* sec) {
+int zk::read_system_runtime(const char* text, int32_t* known, int32_t* day, int32_t* hour, int32_t* min, int32_t* sec) {
     Reply reply(text);
-    *told = tells_numbers(reply);
-    if (!*told) return reply.status();
+    *known = has_numbers(reply);
+    if (!*known) return reply.status();
     reply.take("day", *day);
     reply.take("hour", *hour);
     reply.take("min", *min);
@@ -218,18 +218,18 @@ JointOdomReply Get_Joint_Odom_Cmd[ZK_SLOTS];
 ZK_API int Get_Joint_Odom(ArmSocket s, float* odom) { return checked(Get_Joint_Odom_Block, s, odom); }
 ZK_API int Get_Joint_Odom_Block(ArmSocket s, float* odom) {
     return query({s, "get_joint_odom"}, Get_Joint_Odom_Cmd, [&](const JointOdomReply& reply) {
-        if (reply.told) copy_joints(s, reply.value, odom);
+        if (reply.known) copy_joints(s, reply.value, odom);
     });
 }
 ZK_API int Parser_Get_Joint_Odom(const char* text, float* odom) {
-    int32_t told;
-    return read_joint_odom(text, &told, odom);
+    int32_t known;
+    return read_joint_odom(text, &known, odom);
 }
 ZK_TWIN(Parser_Get_Joint_Odom);
-int zk::read_joint_odom(const char* text, int32_t* told, float* odom) {
+int zk::read_joint_odom(const char* text, int32_t* known, float* odom) {
     Reply reply(text);
-    *told = tells_numbers(reply);
-    if (!*told) return reply.status();
+    *known = has_numbers(reply);
+    if (!*known) return reply.status();
     const Item array = reply.array(reply.root(), "odom");
     for (int i = 0; i < array.size() && i < 8; ++i) odom[i] = static_cast<float>(array[i].integer());
     return reply.status();

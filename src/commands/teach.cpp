@@ -58,7 +58,7 @@ AckReply Pos_Teach_Cmd_Cmd[ZK_SLOTS];
 ZK_API int Pos_Teach_Cmd(ArmSocket s, int32_t type, uint8_t direction, uint8_t v, bool block) {
     return guarded(block ? Pos_Teach_Cmd_Block : Pos_Teach_Cmd_NonBlock, s, type, direction, v);
 }
-// The one wait that looks without a pause, until the same limit.
+// Unlike all other waits, this one polls without a pause. The limit is the same.
 ZK_API int Pos_Teach_Cmd_Block(ArmSocket s, int32_t type, uint8_t direction, uint8_t v) {
     Mailbox mailbox(Pos_Teach_Cmd_Cmd);
     const Connection connection(s);

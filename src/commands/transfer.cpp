@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "connection/elapsed.h"
 #include "connection/exchange.h"
 #include "zk/replies/file_transfer.h"
 
@@ -40,15 +41,26 @@ void Progress::sent(int64_t bytes) {
 
 ByteStream file_stream(const Connection& connection) { return {connection, limit_beyond(kVerdictMs)}; }
 
-static int32_t verdict_limit(int written) {
-    if (written == ZK_TIMEOUT) return 0;
-    return written == ZK_SEND_FAILED ? kLastVerdictMs : limit_beyond(kVerdictMs);
+// Waits for at most `limit` ms, and at most kLastVerdictMs once the controller has closed the connection.
+static int await_message(Mailbox mailbox, const Connection& connection, const ByteStream& stream, int32_t limit) {
+    int32_t start = Get_Program_Runtime();
+    for (bool closed = false;;) {
+        if (!closed && stream.is_closed_by_peer()) {
+            closed = true;
+            start = Get_Program_Runtime();
+            limit = std::min(limit, kLastVerdictMs);
+        }
+        const int32_t left = limit - elapsed_since(start);
+        const int status = await(mailbox, connection, std::clamp(left, 0, kPollMs));
+        if (status != ZK_TIMEOUT || left <= 0) return status;
+    }
 }
 
-int await_verdict(const Connection& connection, int written, int32_t* err_line) {
+int await_verdict(const Connection& connection, const ByteStream& stream, int written, int32_t* err_line) {
     if (written == ZK_NOT_CONNECTED) return ZK_NOT_CONNECTED;
     Mailbox mailbox(Send_Project_Cmd);
-    if (const int status = await(mailbox, connection, verdict_limit(written))) return status;
+    const int32_t limit = written == ZK_TIMEOUT ? 0 : limit_beyond(kVerdictMs);
+    if (const int status = await_message(mailbox, connection, stream, limit)) return status;
     IntReply reply;
     mailbox.clear(connection.slot());
     mailbox.copy(connection.slot(), &reply);

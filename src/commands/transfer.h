@@ -46,9 +46,9 @@ class Progress {
 // A stream for a file. It gives up when the controller reads nothing for as long as its verdict may take.
 ByteStream file_stream(const Connection& connection);
 
-// Waits for the controller's verdict on a file. `written` is the status of the writing: after a failed write only a
-// verdict counts that the controller sent before it closed, after a timeout only one that is there. `err_line` may be
-// null.
-int await_verdict(const Connection& connection, int written, int32_t* err_line);
+// Waits for the controller's verdict on a file. `written` is the status of the writing: after a timeout only a verdict
+// counts that is there. Once the controller has closed the connection, only one counts that it sent before. `err_line`
+// may be null.
+int await_verdict(const Connection& connection, const ByteStream& stream, int written, int32_t* err_line);
 
 }  // namespace zk

@@ -41,7 +41,7 @@ int announce(ArmSocket s, const std::string& name, int32_t file_size) {
     return set(s, frame, Run_Update_Software_Project_Cmd);
 }
 
-int write_in_chunks(ByteStream stream, FILE* file, Progress& progress) {
+int write_in_chunks(ByteStream& stream, FILE* file, Progress& progress) {
     progress.begin(size_of(file));
     std::array<char, kChunk> piece;
     int64_t sent = 0;
@@ -57,7 +57,8 @@ int send_bytes(const Connection& connection, const std::string& path, Progress& 
     Mailbox(Send_Project_Cmd).clear(connection.slot());
     const File file(std::fopen(path.c_str(), "rb+"));
     if (!file) return ZK_FILE_UNREADABLE;
-    return await_verdict(connection, write_in_chunks(file_stream(connection), file.get(), progress), nullptr);
+    ByteStream stream = file_stream(connection);
+    return await_verdict(connection, stream, write_in_chunks(stream, file.get(), progress), nullptr);
 }
 
 int send_update(ArmSocket s, const char* given_path, int32_t length, Progress progress) {
@@ -92,6 +93,6 @@ ZK_API int Run_Update_Software_Block_E(ArmSocket s, const char* name, int32_t na
 }
 ZK_API int Send_Update_Software_Block_E(ArmSocket s, const char* path, int32_t path_len) {
     if (any_null(path)) return ZK_BAD_ARGUMENT;
-    Progress nobody(nullptr, nullptr);
-    return send_bytes(Connection(s), bounded(path, path_len, kLongestPath), nobody);
+    Progress unreported(nullptr, nullptr);
+    return send_bytes(Connection(s), bounded(path, path_len, kLongestPath), unreported);
 }

@@ -44,7 +44,12 @@ int ByteStream::write(const char* bytes, size_t size) {
     return ZK_OK;
 }
 
-// Polls, since a close at this end wakes nobody.
+bool ByteStream::is_closed_by_peer() const {
+    pollfd peer{descriptor_, POLLRDHUP, 0};
+    return poll(&peer, 1, 0) > 0;
+}
+
+// Polls, since a close at this end does not wake a waiting thread.
 int ByteStream::wait_for_room() const {
     const int32_t start = Get_Program_Runtime();
     pollfd room{descriptor_, POLLOUT, 0};

@@ -20,6 +20,9 @@ class ByteStream {
     // Returns 0; 5 when this end has closed the connection, 6 when the controller has, 7 when it read nothing.
     int write(const char* bytes, size_t size);
 
+    // The controller has closed its end.
+    bool is_closed_by_peer() const;
+
  private:
     int wait_for_room() const;
 

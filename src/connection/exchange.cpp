@@ -11,7 +11,7 @@
 namespace zk {
 namespace {
 
-constexpr size_t kHead = 2 * sizeof(int32_t);  // count and result stand before the payload
+constexpr size_t kHead = 2 * sizeof(int32_t);  // count and result precede the payload
 constexpr Word kNoWord = 0;
 
 }  // namespace
@@ -30,7 +30,7 @@ void Mailbox::lower(int slot) {
 }
 
 void Mailbox::wipe(int slot) {
-    // The count last: a reply that comes meanwhile is lost whole.
+    // The count last: a reply that arrives now is lost as a whole.
     for (size_t end = size_; end > 0; end -= sizeof(Word))
         write_words(at(slot) + end - sizeof(Word), &kNoWord, sizeof kNoWord);
 }

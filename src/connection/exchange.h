@@ -62,7 +62,7 @@ struct QueryForm {
     bool clears_before = false;  // ignores a late reply to an earlier request
     bool clears_after = false;   // takes all replies, not one
     bool wipes_first = false;    // wipes the record of slot 0 after use, whichever slot asked
-    bool result_last = false;    // reads the status after that
+    bool result_last = false;    // reads the status after the wipe
     int32_t limit = 0;
 };
 

@@ -1,5 +1,5 @@
-// Shows what a thread of the library is using at the moment, so that another can wait until it has left. A descriptor
-// must not be closed during a system call on it, since its number could come back as somebody else's file.
+// The descriptor or slot that a thread of the library is using now, so that another thread can wait until it is unused.
+// A descriptor must not be closed during a system call on it: its number could become that of another file.
 #pragma once
 
 #include <atomic>

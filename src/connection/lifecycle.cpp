@@ -69,4 +69,4 @@ ZK_API void Arm_Socket_Close(ArmSocket socket) {
     close_unused(socket);
 }
 
-ZK_API const char* API_Version() { return ZK_VERSION; }
+ZK_API const char* API_Version() { return ZK_VERSION_STRING; }

@@ -1,6 +1,6 @@
 // The thread that reads every connection, one slot after the other. It joins reads until a line feed, cuts the text
-// into messages at CRLF and dispatches them. Between two turns of a slot it keeps only whether the rest of a message
-// that is too long is still to be dropped.
+// into messages at CRLF and dispatches them. Between two turns of a slot it keeps one flag: whether to drop
+// the rest of a message that is too long.
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -21,7 +21,7 @@ namespace {
 
 constexpr int kLongestMessage = 10240;  // exclusive; the terminating zero needs the last place
 constexpr int kChunk = 2048;
-constexpr int kShortestText = 7;  // what is shorter cannot be a reply
+constexpr int kShortestText = 7;  // a shorter text cannot be a reply
 constexpr int kFirstCut = 5;
 constexpr int32_t kSilenceMs = 3000;
 constexpr int kMostDroppedReads = 5;  // in one turn: about a message, so that the other arms have theirs

@@ -1,5 +1,5 @@
-// The parts of a route. A row of the table names the literals that identify a message, its code and its handler: mostly
-// a parser fills the payload of a mailbox, and the mailbox's count rises.
+// The parts of a route. A row of the table has the literals that identify a message, its code and its handler. Most
+// handlers parse the message into the payload of a mailbox and raise its count.
 #pragma once
 
 #include <array>
@@ -10,8 +10,7 @@
 
 namespace zk {
 
-// Without a message a handler clears its mailbox: a new connection has taken the slot, and replies to the old one no
-// longer count.
+// A null message clears the mailbox: a new connection has the slot, and replies to the old one no longer count.
 using Handler = void (*)(int slot, char* message);
 
 struct Route {
@@ -20,7 +19,7 @@ struct Route {
     Handler handle;
 };
 
-// No mailbox waits for the message, only perhaps the pending list, which it does not reach.
+// Ignores the message: no mailbox waits for it, and replies do not reach the pending list.
 inline void dropped(int, char*) {}
 
 template <class T>
@@ -36,8 +35,8 @@ T* address(T (&values)[size]) {
 template <class Record>
 constexpr std::tuple<> kPayload;
 
-// A reply parsed into a copy of the slot's record, ready to be published there. Parsers of joint arrays take the socket
-// first.
+// A reply, parsed into a copy of the slot's record, which `publish` then stores. Parsers of joint arrays take the
+// socket as first argument.
 template <auto& table, auto parse>
 class Parsed {
  public:
@@ -71,11 +70,11 @@ class Parsed {
     int status_;
 };
 
-// What a reply does to the count of its mailbox: set it to 1, or raise it by 1. With ...First the count rises before
-// the result is stored, so a caller that polls at that very moment may take the previous result.
+// How a reply changes the count of its mailbox: kSet sets it to 1, kAdd adds 1. kSetFirst and kAddFirst do so before
+// the result is stored, so a caller that polls in between takes the previous result.
 enum class Counter { kSet, kAdd, kSetFirst, kAddFirst };
 
-// `apply` gets the record of a good reply before any caller can take it from the mailbox.
+// `apply` gets the record of a good reply. Without ...First no caller can take it from the mailbox before.
 template <Counter counter, auto& table, auto parse, class Apply>
 void store_and_apply(int slot, char* message, Apply apply) {
     constexpr bool adds = counter == Counter::kAdd || counter == Counter::kAddFirst;

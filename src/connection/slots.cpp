@@ -20,16 +20,16 @@ namespace {
 constexpr int kLowestNumber = ZK_LARGEST_STATUS + 1;
 constexpr int kHighestNumber = 1023;
 
-std::mutex table_lock;  // held by those who take and free slots; readers do without it
+std::mutex table_lock;  // held while a slot is taken or freed; readers need no lock
 std::atomic<unsigned> generations[ZK_SLOTS];
 
 bool has_seven_joints(int32_t arm_mode) { return arm_mode == 75 || arm_mode == 72; }
 
-// Whoever finds the socket gone finds a slot that is zero throughout.
+// The socket first: a call that finds the connection open also finds its joint count. The lock keeps starts out.
 void free_slot(SocketSlot& slot) {
+    write(slot.socket, 0, std::memory_order_seq_cst);
     write(slot.joint_count, 0);
     write(slot.arm_mode, 0);
-    write(slot.socket, 0, std::memory_order_seq_cst);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What the rest of the library asks the table of connections.
+// Lookups and changes of the table of connections.
 #pragma once
 
 #include "connection/shared_memory.h"
@@ -20,7 +20,7 @@ class Connection {
     int slot() const { return slot_; }  // -1 when the socket was in no slot
     bool is_open() const { return slot_ >= 0 && !has_changed(); }
     bool has_changed()
-        const;  // whether the socket is in another slot now, or in none, or stands for a later connection
+        const;  // whether the socket is in another slot now, or in none, or belongs to a later connection
 
  private:
     Connection(ArmSocket socket, int slot, unsigned generation)

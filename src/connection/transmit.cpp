@@ -21,7 +21,7 @@ constexpr size_t kLongestFrame = sizeof(TxFrame) - offsetof(TxFrame, data);
 
 char* bytes_of(TxFrame& frame) { return reinterpret_cast<char*>(&frame) + offsetof(TxFrame, data); }
 
-// The value of "command" in a request, which stands in it first; empty when the text is no request.
+// The value of "command", the first key of a request; empty when the text is no request.
 std::string command_of(const char* text, size_t bytes) {
     const std::string_view request(text, bytes), key = "\"command\"";
     const size_t colon = request.find(key);

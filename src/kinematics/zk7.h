@@ -80,7 +80,7 @@ ElbowBranch elbow_branch(float q4, const WristLine& line, const ReferencePlane& 
 float shoulder_bend(const ElbowBranch& branch, ArmAngle psi);
 float wrist_bend(const ElbowBranch& branch, ArmAngle psi);
 
-// Joints 1 and 3, and 5 and 7, with the shoulder or the wrist bent the way g says.
+// Joints 1 and 3, and 5 and 7, with the shoulder or the wrist bent to the side of the sign g.
 struct OuterPair {
     float first, last;
 };

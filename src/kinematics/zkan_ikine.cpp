@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kNoSolver = -4;
 
-// A last joint that drifted up to two degrees past its full turn counts as standing at it.
+// A last joint that is up to two degrees past a full turn counts as the full turn.
 float at_full_turn(float angle) {
     constexpr float kFullTurn = 6.2831850f, kDrifted = 6.3180919f;
     const float size = std::fabs(angle);

@@ -47,7 +47,7 @@ constexpr float kFlange[kModels][3] = {
     /* 9 */ {},
 };
 
-constexpr float kBaseOfBareModel4 = 0.162f;  // d of joint 1; with a sensor the arm stands on the higher base of model 3
+constexpr float kBaseOfBareModel4 = 0.162f;  // d of joint 1; with a sensor the arm has the higher base of model 3
 
 constexpr float kA[kModels][8] = {
     /* 0 */ {0,       0, 0.256f,      0,       0, 0},

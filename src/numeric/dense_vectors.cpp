@@ -10,7 +10,7 @@ namespace {
 constexpr float kNullVector = 1e-16f;
 constexpr float kHalfPi = 1.5707964f;
 
-// Norms and products go down column 0 as far as the longer count says, so a row vector is not one to them.
+// Norms and products run down column 0, over the larger of both counts. They do not work for a row vector.
 int length(const Mat& a) { return used<Mat>(std::max(a.rows, a.cols)); }
 
 // A copy of a with the elements of column 0 computed anew.

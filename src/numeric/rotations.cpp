@@ -80,7 +80,7 @@ ZK_API Euler matrix_to_euler(Matrix R) {
 }
 
 // With q of unit length, 4 w^2 = 1 + m00 + m11 + m22 and 4 x^2 = 1 + m00 - m11 - m22, y and z alike; the off-diagonal
-// elements give the products of two components, which the root found first divides.
+// elements are products of two components: divided by the component found first, they yield the others.
 ZK_API Quat matrix_to_quat(Matrix R) {
     const auto& m = R.m;
     const float trace = (m[0][0] + m[1][1]) + m[2][2];

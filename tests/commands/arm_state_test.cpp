@@ -155,7 +155,7 @@ TEST(ArmStateParsers, Mounting) {
                                                      {R"({"pose":[0,0)", 9, ""}});
 }
 
-// Every key in its order: what stands before the failure is stored.
+// The keys are read in order: those before the failure are stored.
 TEST(ArmStateParsers, AllState) {
     const std::string t = "0.001 0.001 0.001 0.001 0.001 0.001, ", v = "0.003 0.003 0.003 0.003 0.003 0.003, ",
                       c = "0.002 0.002 0.002 0.002 0.002 0.002, ", tvc = t + v + c, e = "4 4 4 4 4 4, ",
@@ -217,7 +217,7 @@ TEST_F(Mounting, GoesIntoTheModelAtOnceOrAfterConsent) {
     set_shared(IsSendFile, 0);
 }
 
-// The answer itself does it, whoever asked.
+// The answer sets the mounting, whichever form asked.
 TEST_F(Mounting, FollowsTheAnswer) {
     controller_.answer("get_install_pose", R"({"state":"install_pose","pose":[90,0,45]})");
     EXPECT_EQ(Get_Install_Pose_Block(arm_, &x_, &y_, &z_), 0);
@@ -227,7 +227,7 @@ TEST_F(Mounting, FollowsTheAnswer) {
     EXPECT_EQ(model(), "90 0 45");
 }
 
-// A failure is told where the outputs happen to be what the model holds, and is -1 elsewhere.
+// A failed query returns its status if the outputs happen to agree with the model, and -1 otherwise.
 TEST_F(Mounting, AFailedQueryIsMostlyADifference) {
     controller_.answer("get_install_pose", R"({"state":"install_pose","angles":[0,0,0]})");
     EXPECT_EQ(Get_Install_Pose(arm_, &x_, &y_, &z_), -1);

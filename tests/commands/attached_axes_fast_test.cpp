@@ -160,8 +160,8 @@ TEST(AttachedAxesGuards, WaitOnThePendingListByTheCodeOfTheirReply) {
     const ArmSocket arm = connect_arm(controller);
     for (const auto& [code, call] : calls) {
         set_time_factor(0);
-        std::string told;
-        std::future<int> status = std::async(std::launch::async, [&, &call = call] { return call(arm, told); });
+        std::string outputs;
+        std::future<int> status = std::async(std::launch::async, [&, &call = call] { return call(arm, outputs); });
         controller.next_request();
         ZK_Mutex_Lock();
         EXPECT_EQ(SockeRIinfos[0].key_code, code);
@@ -183,8 +183,8 @@ class Moves : public testing::Test {
 
     std::future<int> start(const CommandCase& move) {
         std::future<int> status = std::async(std::launch::async, [this, &move] {
-            std::string told;
-            return move.call(arm_, told);
+            std::string outputs;
+            return move.call(arm_, outputs);
         });
         EXPECT_EQ(controller_.wait_for_request(command_name(move.wire)), formatted(move.wire)) << move.name;
         return status;
@@ -297,8 +297,8 @@ TEST_F(Moves, OfTheLiftAskForItsStateWithoutTheMode) {
 
 // ------------------------------------------------------------------------------------------------------- Parsers --
 
-// Required numbers, told one after the other: each may be missing or of the wrong type.
-void expect_numbers(const Parse& parse, const std::vector<std::string>& keys, const std::string& told) {
+// Required numbers, stored one after the other: each may be missing or of the wrong type.
+void expect_numbers(const Parse& parse, const std::vector<std::string>& keys, const std::string& outputs) {
     const auto text = [&](size_t odd, const std::string& value) {
         std::string members;
         for (size_t i = 0; i < keys.size(); ++i) {
@@ -309,7 +309,7 @@ void expect_numbers(const Parse& parse, const std::vector<std::string>& keys, co
     };
     std::string all;
     EXPECT_EQ(parse(-1, text(keys.size(), "").c_str(), all), 0);
-    EXPECT_EQ(all, told);
+    EXPECT_EQ(all, outputs);
     for (size_t i = 0; i < keys.size(); ++i) {
         std::string ignored;
         EXPECT_EQ(parse(-1, text(i, "").c_str(), ignored), 9) << keys[i];

@@ -24,7 +24,7 @@ struct Failure {
     const char* name;
     std::vector<std::string> options;  // of the simulator
     int status;
-    int32_t line;  // told
+    int32_t line;  // reported
 };
 
 class FailingTransfer : public testing::TestWithParam<Failure> {};
@@ -42,8 +42,8 @@ TEST_P(FailingTransfer, EndsInItsStatusAndFreesTheLine) {
     const Failure& failure = GetParam();
     const TemporaryDirectory source;
     const std::string name = failure.name;
-    const bool stalls = name == "Stall", ignored = name == "Ignored", closes = name == "Close";
-    const std::string path = source.file("a.txt", program_of_size(stalls || closes ? kLarge : 2000));
+    const bool stalls = name == "Stall", ignored = name == "Ignored", closes = name.rfind("Close", 0) == 0;
+    const std::string path = source.file("a.txt", program_of_size(stalls || name == "Close" ? kLarge : 2000));
     const ZK_TransferProgress progress = failure.status == 7 && !closes ? hurry : nullptr;
     for (const bool update : {false, true}) {
         SCOPED_TRACE(update ? "update" : "project");
@@ -71,6 +71,7 @@ const Failure kFailures[] = {{"Refused", {BOTH_WAYS("--refuse-on")}, 16, -1},
                              {"ErrorLine", {"--quiet", "--transfer-fault", "error_line:17"}, 16, 17},
                              {"Silence", {"--quiet", "--transfer-fault", "silent"}, 7, -1},
                              {"Close", {"--quiet", "--transfer-fault", "close:500"}, 7, -1},
+                             {"CloseAfterTheWrite", {"--quiet", "--transfer-fault", "close:500"}, 7, -1},
                              {"Stall", {"--quiet", "--transfer-fault", "stall:500"}, 7, -1}};
 INSTANTIATE_TEST_SUITE_P(, FailingTransfer, testing::ValuesIn(kFailures),
                          [](const auto& row) { return row.param.name; });

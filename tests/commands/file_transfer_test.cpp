@@ -42,9 +42,9 @@ const char* const kRunKnown =
     R"("step_flag": 255, "save_id": 7, "only_save": 2})";
 const char* const kUpdate = "{\"command\":\"update_software\",\"file_size\":27,\"update_name\":\"u\\n.bin\"}";
 
-int send_trajectory(ArmSocket s, std::string& told) {
+int send_trajectory(ArmSocket s, std::string& outputs) {
     return with_outputs<int32_t>(
-        told, [s](int32_t* line) { return Send_TrajectoryFile(s, line, project(file_named("a.b.txt"), 20)); });
+        outputs, [s](int32_t* line) { return Send_TrajectoryFile(s, line, project(file_named("a.b.txt"), 20)); });
 }
 int send_block(ArmSocket s) {
     const std::string path = file_named("a.b.txt");
@@ -55,9 +55,9 @@ int run_known(ArmSocket s) {
     g_is_robot_type_i = 1;
     return Run_Project_Block(s, 7, 2, "pq", 1, -1, 50, 1, 255);
 }
-int send_data(ArmSocket s, std::string& told) {
+int send_data(ArmSocket s, std::string& outputs) {
     const std::string data = formatted(kContent) + "\r\n";
-    return with_outputs<int32_t>(told, [&](int32_t* line) {
+    return with_outputs<int32_t>(outputs, [&](int32_t* line) {
         return Send_Project_Block(s, data.data(), static_cast<int32_t>(data.size()), line);
     });
 }
@@ -68,8 +68,8 @@ int update(Function function, ArmSocket s, More... more) {
 }
 template <class Function>
 Call saving(Function function, const char* name) {
-    return [=](ArmSocket s, std::string& told) {
-        return with_outputs<int32_t>(told,
+    return [=](ArmSocket s, std::string& outputs) {
+        return with_outputs<int32_t>(outputs,
                                      [=](int32_t* total) { return function(s, (directory() / name).c_str(), total); });
     };
 }
@@ -81,14 +81,14 @@ CommandCase transfer(const std::string& name, Call call, const std::string& wire
     row.mailbox = mailbox;
     return row.followed_by({kContent, kDone});
 }
-CommandCase telling(CommandCase row, const std::string& told) {
-    row.told = told;
+CommandCase telling(CommandCase row, const std::string& outputs) {
+    row.outputs = outputs;
     return row;
 }
 
 const char* const kSave = R"({"command": "save_trajectory", "trajectory_name": "drag.txt"})";
-CommandCase save(const std::string& name, Call call, const std::string& reply, int status, const std::string& told) {
-    return telling(CommandCase{name, call, kSave, reply, status}, told);
+CommandCase save(const std::string& name, Call call, const std::string& reply, int status, const std::string& outputs) {
+    return telling(CommandCase{name, call, kSave, reply, status}, outputs);
 }
 const char* const kTwoPoints = R"({"command":"save_trajectory","total_num":2,"save_state":true})";
 
@@ -173,8 +173,8 @@ TEST(Update, GoesOverTheWire) {
         controller.answer("update_software", kUpdateAccepted);
         controller.answer("content", kDone);
         set_shared(m_update_scale, 50);
-        std::string told;
-        EXPECT_EQ(row.call(arm, told), 0);
+        std::string outputs;
+        EXPECT_EQ(row.call(arm, outputs), 0);
         EXPECT_EQ(shared(m_update_scale), row.announces && row.sends ? 0 : 50);
         if (row.announces) {
             EXPECT_EQ(controller.next_request(), kUpdate);
@@ -184,7 +184,7 @@ TEST(Update, GoesOverTheWire) {
         }
         controller.answer("update_software", R"({"command":"run_update_software","update_state":false})");
         controller.answer("content", R"({"command":"download_project","project_state":false})");
-        EXPECT_EQ(row.call(arm, told), 16);
+        EXPECT_EQ(row.call(arm, outputs), 16);
         Arm_Socket_Close(arm);
     }
 }
@@ -193,17 +193,17 @@ TEST(Update, GoesOverTheWire) {
 const char* const kNumbers[] = {"Set_Popup_State_E",        "Get_Popup_State_E",          "Get_Update_Scale_E",
                                 "Cancle_Save_Trajectory_E", "Get_Save_Trajectory_Flag_E", "countLinesInFile"};
 TEST(FileTransferNumbers, AreKept) {
-    std::string told;
+    std::string outputs;
     EXPECT_EQ(Set_Popup_State_E(1, 7), 0);
-    EXPECT_EQ((with_outputs<int32_t, int32_t>(told, Get_Popup_State_E)), 0);
-    EXPECT_EQ(told, "1; 7");
+    EXPECT_EQ((with_outputs<int32_t, int32_t>(outputs, Get_Popup_State_E)), 0);
+    EXPECT_EQ(outputs, "1; 7");
     EXPECT_EQ(Get_Popup_State_E(nullptr, nullptr), 19);
-    EXPECT_EQ(with_outputs<int32_t>(told, Get_Update_Scale_E), 0);
-    EXPECT_EQ(told, "0");
+    EXPECT_EQ(with_outputs<int32_t>(outputs, Get_Update_Scale_E), 0);
+    EXPECT_EQ(outputs, "0");
     drag_teach_flag = 1;
     EXPECT_EQ(Cancle_Save_Trajectory_E(), 0);
-    EXPECT_EQ(with_outputs<int32_t>(told, Get_Save_Trajectory_Flag_E), 0);
-    EXPECT_EQ(told, "0");
+    EXPECT_EQ(with_outputs<int32_t>(outputs, Get_Save_Trajectory_Flag_E), 0);
+    EXPECT_EQ(outputs, "0");
     const std::string lines = "1\n" + std::string(1023, 'x') + "\n" + std::string(2046, 'y') + "\nlast";
     EXPECT_EQ(countLinesInFile(directory().file("lines", lines).c_str()), 7);
 }
@@ -242,7 +242,7 @@ ProjectSendParams project_of_length(int32_t length) {
     return params;
 }
 
-// A call that gives this status: the difference is 0.
+// A call that returns this status: the difference is 0.
 #define REJECTED(status, command, arguments)                                          \
     {                                                                                 \
 #command #arguments, [](ArmSocket s) { return command arguments - (status); } \
@@ -369,21 +369,21 @@ TEST(ProjectDeathTest, WithItsHeaderEndsTheProcessWithoutASource) {
     EXPECT_EXIT(add_lines_to_file(-1, "/nowhere/at/all", "/nowhere/too"), testing::ExitedWithCode(1), "打开文件失败");
 }
 
-struct Told {
+struct Progress {
     ArmSocket arm;
     std::vector<int64_t> sent = {};
     int64_t total = 0;
     int other_transfer = 0, other_command = 0;
 
     static void progress(int64_t sent, int64_t total, void* user) {
-        Told& told = *static_cast<Told*>(user);
+        Progress& outputs = *static_cast<Progress*>(user);
         if (sent == 0) {
-            told.other_transfer = Send_TrajectoryFile(told.arm, nullptr, project("/tmp/x"));
-            told.other_command = Clear_System_Err(told.arm, true);
-            Set_Ethernet_Block(told.arm);  // waits in the queue for the end of the transfer
+            outputs.other_transfer = Send_TrajectoryFile(outputs.arm, nullptr, project("/tmp/x"));
+            outputs.other_command = Clear_System_Err(outputs.arm, true);
+            Set_Ethernet_Block(outputs.arm);  // waits in the queue for the end of the transfer
         }
-        told.sent.push_back(sent);
-        told.total = total;
+        outputs.sent.push_back(sent);
+        outputs.total = total;
     }
 };
 
@@ -412,15 +412,15 @@ TEST(Transfer, OfAProjectOfFiveMegabytesArrivesWholeAndHoldsTheLine) {
     const std::string content = program_of_size(5'000'000), path = source.file("large.txt", content);
     ProjectSendParams params = project(path);
     params.only_save = 1;
-    Told told{arm};
-    ASSERT_EQ(ZK_Send_TrajectoryFile_With_Progress(arm, nullptr, params, Told::progress, &told), 0);
+    Progress outputs{arm};
+    ASSERT_EQ(ZK_Send_TrajectoryFile_With_Progress(arm, nullptr, params, Progress::progress, &outputs), 0);
     EXPECT_TRUE(is_content(kept / "large", content));
-    EXPECT_EQ(told.other_transfer, 18);
-    EXPECT_EQ(told.other_command, 18);
-    EXPECT_EQ(told.sent.size(), 101u);
-    EXPECT_TRUE(std::is_sorted(told.sent.begin(), told.sent.end()));
-    EXPECT_EQ(told.sent.back(), static_cast<int64_t>(content.size()));
-    EXPECT_EQ(told.total, static_cast<int64_t>(content.size()));
+    EXPECT_EQ(outputs.other_transfer, 18);
+    EXPECT_EQ(outputs.other_command, 18);
+    EXPECT_EQ(outputs.sent.size(), 101u);
+    EXPECT_TRUE(std::is_sorted(outputs.sent.begin(), outputs.sent.end()));
+    EXPECT_EQ(outputs.sent.back(), static_cast<int64_t>(content.size()));
+    EXPECT_EQ(outputs.total, static_cast<int64_t>(content.size()));
     EXPECT_EQ(shared(IsSendFile), 0);
     EXPECT_EQ(Clear_System_Err(arm, true), 0);
 }

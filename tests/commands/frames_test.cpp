@@ -31,13 +31,13 @@ const char* const kWorkTold = "table, 0.1 -0.2 1e-06, 3.141 -1.57 0.001, 0 0 0 0
 
 // A name that goes in and comes back.
 const auto kAskGivenTool = [](auto form) {
-    return [form](ArmSocket s, std::string& told) { return with_outputs<FrameRec>(told, form, s, "grip"); };
+    return [form](ArmSocket s, std::string& outputs) { return with_outputs<FrameRec>(outputs, form, s, "grip"); };
 };
 const auto kAskGivenWork = [](auto form) {
-    return [form](ArmSocket s, std::string& told) {
+    return [form](ArmSocket s, std::string& outputs) {
         char name[12] = "table";
-        const int status = with_outputs<Pose>(told, form, s, name);
-        if (!told.empty()) told = std::string(name, strnlen(name, 10)) + "; " + told;
+        const int status = with_outputs<Pose>(outputs, form, s, name);
+        if (!outputs.empty()) outputs = std::string(name, strnlen(name, 10)) + "; " + outputs;
         return status;
     };
 };
@@ -58,8 +58,8 @@ const auto kAskGivenWork = [](auto form) {
         acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, waited, reply), \
         queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__, false), unwaited),                   \
         queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), unwaited)
-#define GIVEN(name, call, mailbox, wire, reply, told) \
-    answered(name, call, mailbox, wire, reply, told).clearing_old_replies().wiping()
+#define GIVEN(name, call, mailbox, wire, reply, outputs) \
+    answered(name, call, mailbox, wire, reply, outputs).clearing_old_replies().wiping()
 
 const std::vector<CommandCase> kRows = {
     // Tools: mass and centre of gravity have other scales in each form.
@@ -388,13 +388,13 @@ const Pose kGrip{{0.1f, 0, 0.15f}, {}, {0, 0, 1.5f}};
 
 TEST(FramesOfASimulatedArm, ToolsAreReadBackAsSet) {
     SimulatedArm arm;
-    std::string told;
+    std::string outputs;
     EXPECT_EQ(Manual_Set_Tool_Frame(arm, "grip", kGrip, 1.5f, 0.01f, 0.02f, -0.03f, true), 0);
-    EXPECT_EQ(with_outputs<FrameRec>(told, Get_Given_Tool_Frame, ArmSocket(arm), "grip"), 0);
-    EXPECT_EQ(told, "grip, 0.1 0 0.15, 0 0 1.5, 1.5 0.01 0.02 -0.03");
+    EXPECT_EQ(with_outputs<FrameRec>(outputs, Get_Given_Tool_Frame, ArmSocket(arm), "grip"), 0);
+    EXPECT_EQ(outputs, "grip, 0.1 0 0.15, 0 0 1.5, 1.5 0.01 0.02 -0.03");
     EXPECT_EQ(Update_Tool_Frame(arm, "grip", kGrip, 2.5f, 0, 0, 0), 0);
-    EXPECT_EQ((with_outputs<FrameName, int32_t>(told, Get_All_Tool_Frame, ArmSocket(arm))), 0);
-    EXPECT_EQ(told, "Arm_Tip grip; 2");
+    EXPECT_EQ((with_outputs<FrameName, int32_t>(outputs, Get_All_Tool_Frame, ArmSocket(arm))), 0);
+    EXPECT_EQ(outputs, "Arm_Tip grip; 2");
 
     EXPECT_EQ(Change_Tool_Frame(arm, "none", true), 1);
     EXPECT_EQ(Change_Tool_Frame(arm, "grip", true), 0);
@@ -411,14 +411,14 @@ TEST(FramesOfASimulatedArm, ToolsAreReadBackAsSet) {
 
 TEST(FramesOfASimulatedArm, WorkFramesAreReadBackAsSet) {
     SimulatedArm arm;
-    std::string told;
+    std::string outputs;
     char name[12] = "table";
     EXPECT_EQ(Manual_Set_Work_Frame(arm, "table", kGrip, true), 0);
-    EXPECT_EQ(with_outputs<Pose>(told, Get_Given_Work_Frame, ArmSocket(arm), name), 0);
-    EXPECT_EQ(name + ("; " + told), "table; 0.1 0 0.15, 0 0 1.5");
+    EXPECT_EQ(with_outputs<Pose>(outputs, Get_Given_Work_Frame, ArmSocket(arm), name), 0);
+    EXPECT_EQ(name + ("; " + outputs), "table; 0.1 0 0.15, 0 0 1.5");
     EXPECT_EQ(Update_Work_Frame(arm, "table", kPose), 0);
-    EXPECT_EQ((with_outputs<FrameName, int32_t>(told, Get_All_Work_Frame, ArmSocket(arm))), 0);
-    EXPECT_EQ(told, "Base table; 2");
+    EXPECT_EQ((with_outputs<FrameName, int32_t>(outputs, Get_All_Work_Frame, ArmSocket(arm))), 0);
+    EXPECT_EQ(outputs, "Base table; 2");
 
     EXPECT_EQ(Change_Work_Frame(arm, "table", true), 0);
     EXPECT_EQ(g_work_pose.position.y, -0.3f);

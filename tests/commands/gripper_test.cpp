@@ -16,7 +16,7 @@ using namespace zk::test;
 
 const int32_t kFingers[6] = {0, 1000, -1, 2147483647, -2147483647 - 1, 5};
 
-// An acknowledgement, and the report of the device's arrival right behind it.
+// An acknowledgement, immediately followed by the report of the device's arrival.
 const std::string kAccepted = done("set_gripper", "state");
 const std::string kGripped = kAccepted + "\r\n" + report(1);
 std::string posed(const std::string& command) { return done(command) + "\r\n" + report(2); }
@@ -106,7 +106,7 @@ TEST(GripperGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("gripp
 
 TEST(GripperGuards, PlainNamesRefuseNullPointers) { expect_nulls_refused(all_rows()); }
 
-// Of a reply and a report the page tells the reply.
+// The page lists the acknowledgement, not the report.
 TEST(GripperGuards, ThePageDescribesTheWire) {
     std::vector<CommandCase> rows = kRows;
     for (CommandCase& row : rows) row.reply = row.reply.substr(0, row.reply.find("\r\n"));

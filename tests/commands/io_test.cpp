@@ -19,8 +19,8 @@ using namespace zk::test;
 // A query of the input or output 3.
 template <class... Outs>
 Call asking_3(int (*query)(ArmSocket, uint8_t, Outs*...)) {
-    return [query](ArmSocket arm, std::string& told) {
-        return with_outputs<Outs...>(told, query, arm, static_cast<uint8_t>(3));
+    return [query](ArmSocket arm, std::string& outputs) {
+        return with_outputs<Outs...>(outputs, query, arm, static_cast<uint8_t>(3));
     };
 }
 
@@ -125,8 +125,8 @@ TEST(IoGuards, SingleInputsAndOutputsWaitInTheQueueDuringAFileTransfer) {
     std::vector<CommandCase> rows = kRows;
     std::erase_if(rows, std::not_fn(is_thin));
     set_shared(IsSendFile, 1);
-    std::string told;
-    for (const CommandCase& row : rows) EXPECT_EQ(row.call(arm, told), row.reply.empty() ? 0 : 7) << row.name;
+    std::string outputs;
+    for (const CommandCase& row : rows) EXPECT_EQ(row.call(arm, outputs), row.reply.empty() ? 0 : 7) << row.name;
     set_shared(IsSendFile, 0);
     for (const CommandCase& row : rows) EXPECT_EQ(controller.next_request(), formatted(row.wire)) << row.name;
 }

@@ -169,7 +169,7 @@ TEST(JointConfigurationParsers, JointArrays) {
     for (const JointArrayParser& parser : parsers) expect_joint_array(parser);
 }
 
-// An array of another size leaves the outputs alone; the second array may fail after a good first.
+// An array of another size leaves the outputs unchanged; the second array may fail after a good first.
 TEST(JointConfigurationParsers, TwoArrays) {
     expect_keys(parsing(Parser_Get_Joint_Err_Flag),
                 {{"err_flag", "[1,2,3,4,5,6]", "1 2 3 4 5 6; -", {{"true", 11}, {"[1,2,3,4,5,6,7]", 10}}},
@@ -227,18 +227,18 @@ TEST_F(LimitsInTheModel, FollowTheAnswers) {
         int (*set)(ArmSocket, uint8_t, float, bool);
         bool waits;
         void (*limit)(float*);
-        const char* told;
+        const char* outputs;
     } rows[] = {{Get_Joint_Speed, Set_Joint_Speed, true, Algo_Get_Joint_Max_Speed, kTurns},
                 {Get_Joint_Acc, Set_Joint_Acc, false, Algo_Get_Joint_Max_Acc, kTurns},
                 {Get_Joint_Min_Pos, Set_Joint_Min_Pos, true, Algo_Get_Joint_Min_Limit, kLowestDegrees},
                 {Get_Joint_Max_Pos, Set_Joint_Max_Pos, false, Algo_Get_Joint_Max_Limit, kHighestDegrees}};
     for (const auto& row : rows) {
-        EXPECT_NE(model(row.limit), row.told);
+        EXPECT_NE(model(row.limit), row.outputs);
         EXPECT_EQ(row.ask(arm_, out_), 0);
-        EXPECT_EQ(model(row.limit), row.told);
+        EXPECT_EQ(model(row.limit), row.outputs);
         Algo_Init_Sys_Data(0, 0);
         EXPECT_EQ(row.set(arm_, 1, 1.0f, row.waits), 0);
-        EXPECT_EQ(model(row.limit), row.told);
+        EXPECT_EQ(model(row.limit), row.outputs);
     }
 }
 

@@ -18,10 +18,11 @@ const uint8_t kBytes[] = {1, 2, 255, 0, 5};
 
 // Reads of several bits and of one register, as calls that report the values read.
 const auto kSeveral = [](auto form) {
-    return [form](ArmSocket s, std::string& told) { return with_outputs<int32_t>(told, form, s, 1, 40000, 9, 255); };
+    return
+        [form](ArmSocket s, std::string& outputs) { return with_outputs<int32_t>(outputs, form, s, 1, 40000, 9, 255); };
 };
 const auto kOne = [](auto form) {
-    return [form](ArmSocket s, std::string& told) { return with_outputs<int32_t>(told, form, s, 1, 40000, 255); };
+    return [form](ArmSocket s, std::string& outputs) { return with_outputs<int32_t>(outputs, form, s, 1, 40000, 255); };
 };
 std::string several(const std::string& command) {
     return R"({"command": ")" + command + R"(", "port": 1, "address": 40000, "num": 9, "device": 255})";
@@ -184,9 +185,9 @@ class Bus : public testing::Test {
     // The value that is read, or the status when it fails.
     template <class... Ins>
     std::string read(Ins... ins) {
-        std::string told;
-        const int status = with_outputs<int32_t>(told, ins...);
-        return status == 0 ? told : "status " + std::to_string(status);
+        std::string outputs;
+        const int status = with_outputs<int32_t>(outputs, ins...);
+        return status == 0 ? outputs : "status " + std::to_string(status);
     }
 
     const SimulatedArm arm_;

@@ -1,5 +1,5 @@
-// Motion: every command on the wire, its guards and its parsers. The clock stands still, since an acknowledgement is
-// waited for a hundred milliseconds only. How the waits end is the subject of arrival_fast_test.
+// Motion: every command on the wire, its guards and its parsers. The clock is stopped, since the commands wait only a
+// hundred milliseconds for an acknowledgement. arrival_fast_test covers how the waits end.
 #include "zk/replies/motion.h"
 
 #include <gtest/gtest.h>
@@ -82,7 +82,7 @@ const std::vector<CommandCase> kRows = {
            R"({"command": "movel", "pose": [300000, -200000, 1, 3141, -500, 0], "v": 20, "r": 0, )"
            R"("trajectory_connect": -3})"),
 
-    // An arm that does not say where it stands is not moved.
+    // An arm with an unknown position is not moved.
     CommandCase{CALL(MoveCartesianTool_Cmd, (s, 20, 0, 0, true, 0.1f, 0, 0)), "get_current_arm_state",
                 R"({"state":"current_arm_state","arm_state":7})"}
         .giving(11),

@@ -39,18 +39,18 @@ List asked(int32_t page_num, int32_t page_size, const char* search) {
 template <class List, class Entry>
 std::string list_text(const List& list, std::string (*text)(const Entry&)) {
     if (is_unwritten(list.total_size)) return "";
-    std::string told = text_of({list.page_num, list.page_size, list.total_size}) + " [" + list.vague_search + "]";
+    std::string outputs = text_of({list.page_num, list.page_size, list.total_size}) + " [" + list.vague_search + "]";
     for (const Entry& entry : list.list) {
-        if (!is_unwritten(entry)) told += " / " + text(entry);
+        if (!is_unwritten(entry)) outputs += " / " + text(entry);
     }
-    return told;
+    return outputs;
 }
 template <class List, class Entry>
 Call listing(int (*command)(ArmSocket, List*), const List& list, std::string (*text)(const Entry&)) {
-    return [=](ArmSocket s, std::string& told) {
+    return [=](ArmSocket s, std::string& outputs) {
         List out = list;
         const int status = command(s, &out);
-        told = list_text(out, text);
+        outputs = list_text(out, text);
         return status;
     };
 }
@@ -62,19 +62,19 @@ std::string state_text(const ProgramRunState& state) {
     return text;
 }
 Call running(int (*command)(ArmSocket, ProgramRunState*)) {
-    return [=](ArmSocket s, std::string& told) {
+    return [=](ArmSocket s, std::string& outputs) {
         ProgramRunState state;
         std::memset(&state, kUnwritten, sizeof state);
         const int status = command(s, &state);
-        told = is_unwritten(state) ? "" : state_text(state);
+        outputs = is_unwritten(state) ? "" : state_text(state);
         return status;
     };
 }
 Call given(int (*command)(ArmSocket, const char*, GlobalWaypoint*)) {
-    return [=](ArmSocket s, std::string& told) {
+    return [=](ArmSocket s, std::string& outputs) {
         GlobalWaypoint waypoint{};
         const int status = command(s, "w1", &waypoint);
-        told = waypoint.point_name[0] ? waypoint_text(waypoint) : "";
+        outputs = waypoint.point_name[0] ? waypoint_text(waypoint) : "";
         return status;
     };
 }
@@ -119,13 +119,14 @@ CommandCase programs(const char* name, int (*command)(ArmSocket, ProgramList*), 
                              kProgramsTold));
 }
 CommandCase waypoints(const char* name, int (*command)(ArmSocket, GlobalWaypointList*), const GlobalWaypointList& list,
-                      const char* wire, const std::string& told) {
+                      const char* wire, const std::string& outputs) {
     return answered(name, listing(command, list, waypoint_text), Get_Global_Waypoint_List_Cmd, wire, kWaypoints,
-                    told + kWaypointTold);
+                    outputs + kWaypointTold);
 }
 CommandCase run_state(const char* name, int (*command)(ArmSocket, ProgramRunState*), const char* reply,
-                      const char* told) {
-    return set_rule(answered(name, running(command), Get_Program_Run_State_Cmd, "get_program_run_state", reply, told));
+                      const char* outputs) {
+    return set_rule(
+        answered(name, running(command), Get_Program_Run_State_Cmd, "get_program_run_state", reply, outputs));
 }
 CommandCase named(const char* name, int (*command)(ArmSocket, const char*, GlobalWaypoint*)) {
     return answered(name, given(command), Given_Global_Waypoint_Cmd,
@@ -257,16 +258,16 @@ TEST(ProgramParsers, ReadTheirReplies) {
                           {R"({"point_name":1})", 11, ""}});
     constexpr ArmSocket kSevenJoints = 1000;
     Init_Socket_Joint(75, kSevenJoints);
-    std::string told;
+    std::string outputs;
     const std::string seven = R"({"point_name":"w","joint":[1,2,3,4,5,6,7],"pose":[1,2,3,4,5,6)";
-    EXPECT_EQ(given(kSevenJoints, (seven + "]}").c_str(), told), 10) << "a pose of six on a connection of seven";
+    EXPECT_EQ(given(kSevenJoints, (seven + "]}").c_str(), outputs), 10) << "a pose of six on a connection of seven";
     const std::string texts = R"("work_frame":"","tool_frame":"","time":""})";
-    EXPECT_EQ(given(kSevenJoints, (seven + ",7]," + texts).c_str(), told), 0);
+    EXPECT_EQ(given(kSevenJoints, (seven + ",7]," + texts).c_str(), outputs), 0);
 
-    const Parse points = [](ArmSocket arm, const char* text, std::string& told) {
+    const Parse points = [](ArmSocket arm, const char* text, std::string& outputs) {
         GlobalWaypointList list = asked<GlobalWaypointList>(0, 0, "");
         const int status = Parser_Get_Global_Waypoints_List(arm, text, &list);
-        told = text_of(list.total_size);
+        outputs = text_of(list.total_size);
         return status;
     };
     expect_parsed(points, {{R"({"total_size":0,"list":[],"get_state":true})", 0, "0"},

@@ -51,11 +51,11 @@ std::string accepted(const std::string& wire, const std::string& key) {
 // The query of a record by its name, with either form.
 template <class Record>
 Call asking_for(const char* name, int (*form)(ArmSocket, const char*, Record*)) {
-    return [=](ArmSocket s, std::string& told) { return with_outputs<Record>(told, form, s, name); };
+    return [=](ArmSocket s, std::string& outputs) { return with_outputs<Record>(outputs, form, s, name); };
 }
-#define NAMED(command, name, mailbox, wire, reply, told, ...)                                       \
-    answered(#command, asking_for(name, command), mailbox, wire, reply, told).wiping() __VA_ARGS__, \
-        answered(#command "_Block", asking_for(name, command##_Block), mailbox, wire, reply, told)  \
+#define NAMED(command, name, mailbox, wire, reply, outputs, ...)                                       \
+    answered(#command, asking_for(name, command), mailbox, wire, reply, outputs).wiping() __VA_ARGS__, \
+        answered(#command "_Block", asking_for(name, command##_Block), mailbox, wire, reply, outputs)  \
             .wiping() __VA_ARGS__
 
 const char* const kEnableReply =
@@ -166,10 +166,10 @@ TEST(SafetyGeometryGuards, ARefusedEnvelopeReturnsZeroOnTheFirstConnectionOnly) 
     set_shared(m_nOutTime, 60000);
     const ArmSocket first = connect_arm(controller), second = connect_arm(controller);
     controller.answer("get_tool_envelope", R"({"state":"get_tool_envelope","get_state":false})");
-    ToolEnvelope told{};
-    EXPECT_EQ(Get_Tool_Envelope(first, "grip", &told), 0);
-    EXPECT_STREQ(told.tool_name, "");
-    EXPECT_EQ(Get_Tool_Envelope(second, "grip", &told), 1);
+    ToolEnvelope outputs{};
+    EXPECT_EQ(Get_Tool_Envelope(first, "grip", &outputs), 0);
+    EXPECT_STREQ(outputs.tool_name, "");
+    EXPECT_EQ(Get_Tool_Envelope(second, "grip", &outputs), 1);
 }
 
 // Five spheres with names of one letter fit the frame of 500 bytes; longer ones end the process.
@@ -310,36 +310,36 @@ TEST(FencesOfASimulatedArm, AreKeptByName) {
     EXPECT_EQ(Add_Electronic_Fence_Config(arm, fence(4, "four")), 1);
     EXPECT_EQ(Update_Electronic_Fence_Config(arm, ball("ball", 0.75f)), 0);
     EXPECT_EQ(Update_Electronic_Fence_Config(arm, ball("none", 0.75f)), 1);
-    std::string told;
-    EXPECT_EQ(with_outputs<FenceConfig>(told, Given_Electronic_Fence_Config, arm, "ball"), 0);
-    EXPECT_EQ(told, "3 'ball' 15:0.75 16:0.25");
-    EXPECT_EQ((with_outputs<FenceName, int32_t>(told, Get_Electronic_Fence_List_Names, arm)), 0);
-    EXPECT_EQ(told, "ball box; 2");
-    EXPECT_EQ((with_outputs<FenceConfig, int32_t>(told, Get_Electronic_Fence_List_Info, arm)), 0);
-    EXPECT_EQ(told, "3 'ball' 15:0.75 16:0.25 1 'box' 0:-1 1:1 2:-1 3:1 4:-1 5:1; 2");
+    std::string outputs;
+    EXPECT_EQ(with_outputs<FenceConfig>(outputs, Given_Electronic_Fence_Config, arm, "ball"), 0);
+    EXPECT_EQ(outputs, "3 'ball' 15:0.75 16:0.25");
+    EXPECT_EQ((with_outputs<FenceName, int32_t>(outputs, Get_Electronic_Fence_List_Names, arm)), 0);
+    EXPECT_EQ(outputs, "ball box; 2");
+    EXPECT_EQ((with_outputs<FenceConfig, int32_t>(outputs, Get_Electronic_Fence_List_Info, arm)), 0);
+    EXPECT_EQ(outputs, "3 'ball' 15:0.75 16:0.25 1 'box' 0:-1 1:1 2:-1 3:1 4:-1 5:1; 2");
     EXPECT_EQ(Delete_Electronic_Fence_Config(arm, "ball"), 0);
     EXPECT_EQ(Delete_Electronic_Fence_Config(arm, "ball"), 1);
-    EXPECT_EQ(with_outputs<FenceConfig>(told, Given_Electronic_Fence_Config, arm, "ball"), 1);
+    EXPECT_EQ(with_outputs<FenceConfig>(outputs, Given_Electronic_Fence_Config, arm, "ball"), 1);
 }
 
 TEST(FencesOfASimulatedArm, AreIndependentOfTheWall) {
     SimulatedArm simulated;
     const ArmSocket arm = simulated;
-    std::string told;
-    EXPECT_EQ(with_outputs<FenceConfig>(told, Get_Electronic_Fence_Config, arm), 0);
-    EXPECT_EQ(told, "0 ''") << "none yet";
+    std::string outputs;
+    EXPECT_EQ(with_outputs<FenceConfig>(outputs, Get_Electronic_Fence_Config, arm), 0);
+    EXPECT_EQ(outputs, "0 ''") << "none yet";
     EXPECT_EQ(Set_Electronic_Fence_Config(arm, box("", 1)), 0);
     EXPECT_EQ(Set_Virtual_Wall_Config(arm, ball("", 1)), 0);
     EXPECT_EQ(Set_Virtual_Wall_Config(arm, filled(2)), 1) << "a plane is no wall";
-    EXPECT_EQ(with_outputs<FenceConfig>(told, Get_Electronic_Fence_Config, arm), 0);
-    EXPECT_EQ(told, "1 '' 0:-1 1:1 2:-1 3:1 4:-1 5:1");
-    EXPECT_EQ(with_outputs<FenceConfig>(told, Get_Virtual_Wall_Config, arm), 0);
-    EXPECT_EQ(told, "3 ''");
+    EXPECT_EQ(with_outputs<FenceConfig>(outputs, Get_Electronic_Fence_Config, arm), 0);
+    EXPECT_EQ(outputs, "1 '' 0:-1 1:1 2:-1 3:1 4:-1 5:1");
+    EXPECT_EQ(with_outputs<FenceConfig>(outputs, Get_Virtual_Wall_Config, arm), 0);
+    EXPECT_EQ(outputs, "3 ''");
     EXPECT_EQ(Set_Electronic_Fence_Enable(arm, 1, 1, 2), 0);
-    EXPECT_EQ((with_outputs<uint8_t, int32_t, int32_t>(told, Get_Electronic_Fence_Enable, arm)), 0);
-    EXPECT_EQ(told, "1; 1; 2");
-    EXPECT_EQ((with_outputs<uint8_t, int32_t, int32_t>(told, Get_Virtual_Wall_Enable, arm)), 0);
-    EXPECT_EQ(told, "0; 0; 0");
+    EXPECT_EQ((with_outputs<uint8_t, int32_t, int32_t>(outputs, Get_Electronic_Fence_Enable, arm)), 0);
+    EXPECT_EQ(outputs, "1; 1; 2");
+    EXPECT_EQ((with_outputs<uint8_t, int32_t, int32_t>(outputs, Get_Virtual_Wall_Enable, arm)), 0);
+    EXPECT_EQ(outputs, "0; 0; 0");
 }
 
 TEST(FencesOfASimulatedArm, SwitchWithSelfCollisionAndEnvelopes) {
@@ -356,9 +356,9 @@ TEST(FencesOfASimulatedArm, SwitchWithSelfCollisionAndEnvelopes) {
     EXPECT_EQ(Set_Tool_Envelope(arm, tip), 1) << "no such tool";
     std::strcpy(tip.tool_name, "Arm_Tip");
     EXPECT_EQ(Set_Tool_Envelope(arm, tip), 0);
-    std::string told;
-    EXPECT_EQ(with_outputs<ToolEnvelope>(told, Get_Tool_Envelope, arm, "Arm_Tip"), 0);
-    EXPECT_EQ(told, "Arm_Tip 2, a 0.05 0.001 -0.001 1, b 1 2 3 4");
+    std::string outputs;
+    EXPECT_EQ(with_outputs<ToolEnvelope>(outputs, Get_Tool_Envelope, arm, "Arm_Tip"), 0);
+    EXPECT_EQ(outputs, "Arm_Tip 2, a 0.05 0.001 -0.001 1, b 1 2 3 4");
 }
 
 TEST(SafetyGeometryOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }

@@ -59,13 +59,13 @@ TEST(SecondParsers, Tools) {
     const std::string centre = R"(,"payload":1500,"position":[1000000,0,0]})";
     const std::string ten = R"({"tool_name":"0123456789","pose":)";
     for (const Parse& parse : {parsing(Parser_Get_Current_Tool_Frame_E), parsing(Parser_Get_Given_Tool_Frame_E)}) {
-        std::string told;
-        EXPECT_EQ(parse(-1, (ten + "[1000000,0,0,1000,0,0]" + centre).c_str(), told), 0);
-        EXPECT_EQ(told.substr(0, 9), "012345678");
-        EXPECT_NE(told[9], '9') << "nine bytes of the name";
-        EXPECT_EQ(told.substr(10), ", 1 0 0, 1 0 0, 1500 1 0 0");
-        EXPECT_EQ(parse(-1, (ten + "[1,2,3,4,5]" + centre).c_str(), told), 12);
-        EXPECT_EQ(parse(-1, (ten + "7" + centre).c_str(), told), 11);
+        std::string outputs;
+        EXPECT_EQ(parse(-1, (ten + "[1000000,0,0,1000,0,0]" + centre).c_str(), outputs), 0);
+        EXPECT_EQ(outputs.substr(0, 9), "012345678");
+        EXPECT_NE(outputs[9], '9') << "nine bytes of the name";
+        EXPECT_EQ(outputs.substr(10), ", 1 0 0, 1 0 0, 1500 1 0 0");
+        EXPECT_EQ(parse(-1, (ten + "[1,2,3,4,5]" + centre).c_str(), outputs), 12);
+        EXPECT_EQ(parse(-1, (ten + "7" + centre).c_str(), outputs), 11);
     }
 }
 

@@ -73,7 +73,7 @@ TEST(StreamedSetPoints, AreFollowedAndReportedToTheCallback) {
 
     joints[0] = 179;
     EXPECT_EQ(Movej_CANFD(arm, joints.data(), 1, 0), 0);
-    EXPECT_EQ(log.wait_for(61).back().result, 258) << "beyond the limit, as the simulator tells it";
+    EXPECT_EQ(log.wait_for(61).back().result, 258) << "beyond the limit";
 }
 
 TEST(Steps, MoveByTheirAmount) {

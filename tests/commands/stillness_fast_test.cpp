@@ -1,4 +1,4 @@
-// How the wait of a step ends: with its report, or with an arm that stands still.
+// How the wait of a step ends: by its report, or by an arm at rest.
 #include <gtest/gtest.h>
 
 #include <future>

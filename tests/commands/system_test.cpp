@@ -32,11 +32,11 @@ const char* const kGetMode = "get_arm_run_mode";
 const char* const kMode = R"({"state":"get_arm_run_mode","mode":1})";
 
 // Versions without a buffer for the product.
-const auto kWithoutProduct = [](ArmSocket s, std::string& told) {
+const auto kWithoutProduct = [](ArmSocket s, std::string& outputs) {
     const auto call = [](ArmSocket arm, char* plan, char* ctrl, char* kernel1, char* kernel2) {
         return Get_Arm_Software_Version(arm, plan, ctrl, kernel1, kernel2, nullptr);
     };
-    return with_outputs<char, char, char, char>(told, call, s);
+    return with_outputs<char, char, char, char>(outputs, call, s);
 };
 
 const std::vector<CommandCase> kRows = {
@@ -156,7 +156,7 @@ TEST(SoftwareInfo, FailsOnOtherConnectionsOnly) {
     EXPECT_EQ(Get_Arm_Software_Info(second, &info), 9);
 }
 
-// A reply without numbers leaves the outputs alone also when an earlier one had some.
+// A reply without numbers leaves the outputs unchanged, even after an earlier reply with numbers.
 TEST(Counters, AreNotRepeatedWhenTheControllerDoesNotKnow) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
@@ -215,7 +215,7 @@ TEST(SystemParsers, Versions) {
                  {"plan_info", R"({"build_time":"5","version":"6"})", "ZK65-B, 1, 2, 3, 4, 5, 6", {{"{}", 9}}}});
 }
 
-// A word about the state stands in the place of the numbers.
+// The reply may hold a state instead of the numbers.
 TEST(SystemParsers, Counters) {
     expect_keys(parsing(Parser_Get_System_Runtime), {{"day", "1", "1; -; -; -"},
                                                      {"hour", "2", "1; 2; -; -", {{"\"2\"", 11}}},
@@ -253,10 +253,10 @@ TEST(SystemParsers, Network) {
 }
 
 // A text that does not fit its field, its end included, ends the process.
-void expect_room(const Parse& parse, const std::string& before, const std::string& behind, size_t size) {
+void expect_room(const Parse& parse, const std::string& before, const std::string& after, size_t size) {
     const auto status = [&](size_t length) {
-        std::string told;
-        return parse(-1, (before + std::string(length, 'x') + behind).c_str(), told);
+        std::string outputs;
+        return parse(-1, (before + std::string(length, 'x') + after).c_str(), outputs);
     };
     EXPECT_EQ(status(size - 1), 0) << before;
     EXPECT_DEATH(status(size), "takes " + std::to_string(size) + " bytes, its field holds") << before;

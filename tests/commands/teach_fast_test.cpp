@@ -1,5 +1,5 @@
-// Teaching and stepping: every command on the wire, and its guards. The clock stands still, so that a step's report is
-// never late. How the wait of a step ends is the subject of stillness_fast_test.
+// Teaching and stepping: every command on the wire, and its guards. The clock is stopped, so that a step's report is
+// never late. stillness_fast_test covers how the wait of a step ends.
 #include "zk/replies/motion.h"
 
 #include <gtest/gtest.h>

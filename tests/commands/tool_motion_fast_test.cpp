@@ -68,7 +68,7 @@ KDL::Frame tool_of(ArmSocket arm) {
     return to_kdl(pose);
 }
 
-bool stands(ArmSocket arm) {
+bool at_rest(ArmSocket arm) {
     int type = -1;
     float data[7] = {};
     EXPECT_EQ(Get_Current_Trajectory(arm, &type, data), 0);
@@ -94,7 +94,7 @@ TEST_P(ToolMotion, BringsTheToolToWhereItIsTold) {
         for (const bool block : {true, false}) {
             const KDL::Frame target = row.target(tool_of(arm));
             EXPECT_EQ(row.move(arm, target, block), 0) << row.call;
-            EXPECT_TRUE(block || eventually([&] { return stands(arm); })) << row.call;
+            EXPECT_TRUE(block || eventually([&] { return at_rest(arm); })) << row.call;
             const KDL::Frame tool = tool_of(arm);
             // The wire truncates to micrometres and milliradians, and joints to thousandths of a degree.
             EXPECT_LT((tool.p - target.p).Norm(), 3e-5) << row.call << (block ? " block" : "");

@@ -28,8 +28,8 @@ auto given(Values... values) {
 }
 
 // The rows of a query whose two forms `call` makes calls of.
-#define QUERY_BY(call, command, mailbox, wire, reply, told)                                        \
-    answered(#command, Call(call(command), nulls(#command, command)), mailbox, wire, reply, told), \
-        answered(#command "_Block", call(command##_Block), mailbox, wire, reply, told)
+#define QUERY_BY(call, command, mailbox, wire, reply, outputs)                                        \
+    answered(#command, Call(call(command), nulls(#command, command)), mailbox, wire, reply, outputs), \
+        answered(#command "_Block", call(command##_Block), mailbox, wire, reply, outputs)
 
 }  // namespace zk::test

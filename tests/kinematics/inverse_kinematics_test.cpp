@@ -1,4 +1,4 @@
-// The entry of the inverse kinematics: targets, seeds, the choice of a solver; and what stands beside it.
+// The entry of the inverse kinematics: targets, seeds, the choice of a solver, and its helpers.
 #include <gtest/gtest.h>
 
 #include <cmath>

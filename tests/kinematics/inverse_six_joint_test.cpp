@@ -424,7 +424,7 @@ TEST_F(Zkl63_2, HoldsTheWristOnlyWithJoint5NearMinusHalfATurn) {
     EXPECT_TRUE(same_joints(solved_, q, 1e-4));
 }
 
-// Half of what t4 + t6, or t6 - t4, is more than the seed's goes to either joint. The seed's seventh value stands for
+// Each joint gets half of the difference of t4 + t6, or t6 - t4, from the seed's. The seed's seventh value is that of
 // joint 6.
 TEST_F(Zkl63_3, SplitsTheTurnOfASingularWristByTheSeed) {
     set_limits(4, -3.2f, 3.2f);
@@ -495,7 +495,7 @@ TEST_F(Orb6, RightAnglesKeepTheirSide) {
 }
 
 TEST_F(Orb6, StraightArmHasSlack) {
-    // Reaching backwards, so that the other shoulder, which stands forward of the axis, does not reach further.
+    // Reaching backwards, so that the other shoulder, which is in front of the axis, does not reach farther.
     for (const float q2 : {-0.3f, -0.8f}) {
         const Joints q = {0.2f, q2, 0, 0.4f, 1.0f, 0.1f};
         const Matrix at = target(q);

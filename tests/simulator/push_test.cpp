@@ -103,8 +103,8 @@ TEST(Push, FollowsItsSettingsForDestinationAndEnable) {
     ASSERT_EQ(talk.ask("set_realtime_push", settings).at("state"), true);
     int64_t last = 0;
     for (int i = 0; i < 10; ++i) EXPECT_EQ((last = time()) % 15, 0);
-    const Json told = talk.ask("get_realtime_push");
-    for (const auto& [key, value] : settings.items()) EXPECT_EQ(told.at(key), value);
+    const Json outputs = talk.ask("get_realtime_push");
+    for (const auto& [key, value] : settings.items()) EXPECT_EQ(outputs.at(key), value);
 
     // Off during a move and on again after it: the samples have a gap as long as the move.
     ASSERT_EQ(talk.ask("set_realtime_push", {{"enable", false}}).at("state"), true);

@@ -59,9 +59,9 @@ void expect_acknowledgement(const CommandCase& row) {
 }
 
 void expect_exchange(const CommandCase& row, ScriptedController& controller, ArmSocket arm) {
-    std::string told;
-    EXPECT_EQ(row.call(arm, told), row.status);
-    EXPECT_EQ(told, row.told);
+    std::string outputs;
+    EXPECT_EQ(row.call(arm, outputs), row.status);
+    EXPECT_EQ(outputs, row.outputs);
     EXPECT_EQ(controller.next_request(), formatted(row.wire));
     if (!row.then.wire.empty()) {
         EXPECT_EQ(controller.next_request(), formatted(row.then.wire));
@@ -74,8 +74,8 @@ void expect_exchange(const CommandCase& row, ScriptedController& controller, Arm
 void expect_refusal(const CommandCase& row, ScriptedController& controller, ArmSocket arm) {
     const int before = request_count(controller);
     controller.answer(command_name(row.wire), std::regex_replace(row.reply, std::regex(":true"), ":false"));
-    std::string told;
-    EXPECT_EQ(row.call(arm, told), 1) << "refused";
+    std::string outputs;
+    EXPECT_EQ(row.call(arm, outputs), 1) << "refused";
     EXPECT_EQ(request_count(controller), before + 1) << "nothing follows a refusal";
     controller.forget_requests();
     controller.answer(command_name(row.wire), row.reply);
@@ -84,8 +84,8 @@ void expect_refusal(const CommandCase& row, ScriptedController& controller, ArmS
 // A reply that came when nobody waited any more.
 void expect_old_reply(const CommandCase& row, ScriptedController& controller, ArmSocket arm) {
     FirstRecord(row.mailbox).put(1, kOldResult);
-    std::string told;
-    EXPECT_EQ(row.call(arm, told), row.takes_old && !row.status_lost ? kOldResult : row.status) << "an old reply";
+    std::string outputs;
+    EXPECT_EQ(row.call(arm, outputs), row.takes_old && !row.status_lost ? kOldResult : row.status) << "an old reply";
     EXPECT_EQ(controller.next_request(), formatted(row.wire));
     if (row.takes_old) eventually([&] { return row.mailbox.count() == 1; });
 }
@@ -94,9 +94,9 @@ void expect_old_reply(const CommandCase& row, ScriptedController& controller, Ar
 void expect_first_record(const CommandCase& row, ScriptedController& controller) {
     const ArmSocket second = connect_arm(controller, row.arm_mode);
     FirstRecord(row.mailbox).fill(7);
-    std::string told;
-    EXPECT_EQ(row.call(second, told), row.status) << "on the second connection";
-    EXPECT_EQ(told, row.told) << "on the second connection";
+    std::string outputs;
+    EXPECT_EQ(row.call(second, outputs), row.status) << "on the second connection";
+    EXPECT_EQ(outputs, row.outputs) << "on the second connection";
     for (size_t i = 0; i < row.mailbox.size; ++i) EXPECT_EQ(shared(row.mailbox.words[i]), row.wipes ? 0 : 7) << i;
 }
 
@@ -176,10 +176,10 @@ CommandCase acknowledged(const std::string& name, Call call, FirstRecord mailbox
 }
 
 CommandCase answered(const std::string& name, Call call, FirstRecord mailbox, const std::string& wire,
-                     const std::string& reply, const std::string& told) {
+                     const std::string& reply, const std::string& outputs) {
     CommandCase row{name, call, wire, reply};
     row.mailbox = mailbox;
-    row.told = told;
+    row.outputs = outputs;
     row.adds = row.takes_old = true;
     return row;
 }
@@ -237,7 +237,7 @@ void run(const CommandCase& row) {
     expect_exchange(row, controller, arm);
     if (row.refusable) expect_refusal(row, controller, arm);
     if (row.mailbox.words) expect_old_reply(row, controller, arm);
-    if (row.mailbox.words && !row.told.empty()) expect_first_record(row, controller);
+    if (row.mailbox.words && !row.outputs.empty()) expect_first_record(row, controller);
 }
 
 void expect_nothing_during_a_file_transfer(const std::vector<CommandCase>& rows) {
@@ -247,9 +247,9 @@ void expect_nothing_during_a_file_transfer(const std::vector<CommandCase>& rows)
     set_shared(IsSendFile, 1);
     for (const CommandCase& row : rows) {
         if (!is_plain(row.name)) continue;
-        std::string told;
-        EXPECT_EQ(row.call(arm, told), 18) << row.name;
-        EXPECT_EQ(told, "") << row.name;
+        std::string outputs;
+        EXPECT_EQ(row.call(arm, outputs), 18) << row.name;
+        EXPECT_EQ(outputs, "") << row.name;
     }
     set_shared(IsSendFile, 0);
     expect_silence(controller, arm);
@@ -259,8 +259,8 @@ void expect_nothing_sent(const std::vector<BadCall>& calls, int status) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
     const ArmSocket arm = connect_arm(controller);
-    std::string told;
-    for (const BadCall& bad : calls) EXPECT_EQ(bad.call(arm, told), status) << bad.name;
+    std::string outputs;
+    for (const BadCall& bad : calls) EXPECT_EQ(bad.call(arm, outputs), status) << bad.name;
     expect_silence(controller, arm);
 }
 
@@ -286,10 +286,10 @@ void expect_nulls_refused(const std::vector<CommandCase>& rows) {
 
 void expect_kept(ArmSocket arm, const std::vector<Setting>& settings) {
     for (const Setting& setting : settings) {
-        std::string told;
-        EXPECT_EQ(setting.set(arm, told), setting.status) << setting.name;
-        EXPECT_EQ(setting.ask(arm, told), 0) << setting.name;
-        EXPECT_EQ(told, setting.told) << setting.name;
+        std::string outputs;
+        EXPECT_EQ(setting.set(arm, outputs), setting.status) << setting.name;
+        EXPECT_EQ(setting.ask(arm, outputs), 0) << setting.name;
+        EXPECT_EQ(outputs, setting.outputs) << setting.name;
     }
 }
 
@@ -300,8 +300,8 @@ void expect_suspension(const std::vector<SuspendedCall>& calls) {
     for (const SuspendedCall& call : calls) {
         SCOPED_TRACE(call.name);
         set_shared(m_nOutTime, 60000);
-        std::string told;
-        std::future<int> status = std::async(std::launch::async, [&] { return call.call(arm, told); });
+        std::string outputs;
+        std::future<int> status = std::async(std::launch::async, [&] { return call.call(arm, outputs); });
         EXPECT_NE(controller.next_request(), "");
         EXPECT_EQ(shared(SuspendQueue), 1);
         if (call.reply.empty()) set_shared(m_nOutTime, 1);

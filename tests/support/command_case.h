@@ -55,15 +55,15 @@ class Call {
  public:
     template <class Function>
     Call(Function function, std::vector<NullCall> null_calls = {})
-        : with_nulls(std::move(null_calls)), call_([function](ArmSocket arm, std::string& told) {
+        : with_nulls(std::move(null_calls)), call_([function](ArmSocket arm, std::string& outputs) {
               if constexpr (std::is_invocable_v<Function, ArmSocket>) {
-                  return static_cast<void>(told), function(arm);
+                  return static_cast<void>(outputs), function(arm);
               } else {
-                  return function(arm, told);
+                  return function(arm, outputs);
               }
           }) {}
 
-    int operator()(ArmSocket arm, std::string& told) const { return call_(arm, told); }
+    int operator()(ArmSocket arm, std::string& outputs) const { return call_(arm, outputs); }
 
     std::vector<NullCall> with_nulls;
 
@@ -95,8 +95,9 @@ inline FirstRecord of_any_type(FirstRecord mailbox) {
     return mailbox;
 }
 
-// A request without its CRLF and the reply to it, "" for none. The request stands as it is on the wire; or on one line,
-// {"command": "a", "b": [1, 2]}; or is the name of a command without keys.
+// A request without its CRLF and the reply to it, "" for none. The request is written as on the wire; or on one line,
+// as
+// {"command": "a", "b": [1, 2]}; or as the name of a command without keys.
 struct Exchange {
     std::string wire;
     std::string reply;
@@ -109,14 +110,14 @@ struct CommandCase {
     std::string reply;
     int status = 0;
     int arm_mode = 65;
-    std::string told = {};  // what the call writes through its pointers
+    std::string outputs = {};  // what the call writes through its pointers
     FirstRecord mailbox = {};
-    Exchange then = {};        // what goes over the wire next, once the first reply was good
-    bool refusable = false;    // the same reply with false for true gives 1, and ends the call
+    Exchange then = {};        // the next exchange after a good first reply
+    bool refusable = false;    // the same reply with false for true ends the call in 1
     bool adds = false;         // a second reply makes the mailbox's count 2
-    bool takes_old = false;    // a reply that is there before the request is taken for its own
-    bool wipes = false;        // the first connection's record is wiped, whichever asked
-    bool status_lost = false;  // the status of the mailbox is not the call's
+    bool takes_old = false;    // a reply from before the request is taken for its own
+    bool wipes = false;        // the first connection's record is wiped after a query on any connection
+    bool status_lost = false;  // the call does not return the status of the mailbox
     int limit = 60000;         // of waiting for a reply, ms
 
     CommandCase followed_by(const Exchange& exchange) const;
@@ -130,21 +131,23 @@ struct CommandCase {
     CommandCase giving(int other_status) const;
 };
 
-// Rows of the usual kinds. A non-blocking form queues its request and gives 0.
+// Rows of the usual kinds. A non-blocking form queues its request and returns 0.
 CommandCase queued(const std::string& name, Call call, const std::string& wire, int arm_mode = 65);
 // A blocking form of a setter returns the status of its acknowledgement: a whole reply, or its key alone.
 CommandCase acknowledged(const std::string& name, Call call, FirstRecord mailbox, const std::string& wire,
                          const std::string& reply);
-// A query tells what the reply holds.
+// A query writes the reply's values to its outputs.
 CommandCase answered(const std::string& name, Call call, FirstRecord mailbox, const std::string& wire,
-                     const std::string& reply, const std::string& told);
+                     const std::string& reply, const std::string& outputs);
 // A command whose reply does not reach it.
 CommandCase no_reply(const std::string& name, Call call, const std::string& wire, const std::string& reply);
 
 // A query whose parameters are the socket and its outputs.
 template <class... Outs>
 Call asking(int (*query)(ArmSocket, Outs*...), const std::string& name = "") {
-    const auto call = [query](ArmSocket arm, std::string& told) { return with_outputs<Outs...>(told, query, arm); };
+    const auto call = [query](ArmSocket arm, std::string& outputs) {
+        return with_outputs<Outs...>(outputs, query, arm);
+    };
     return {call, name.empty() ? std::vector<NullCall>() : nulls(name, query)};
 }
 
@@ -155,8 +158,8 @@ Call asking(int (*query)(ArmSocket, Outs*...), const std::string& name = "") {
 #define ASK(command) #command, asking(command, #command)
 
 // The rows of a command's forms, called with the same arguments. SETTER: the plain name with either flag, _Block and
-// _NonBlock; WAITING: the plain name without a flag and _Block; QUERY: likewise, told by their outputs, both rows with
-// the words behind, such as .wiping(); NO_REPLY: as SETTER, for a reply that reaches nobody.
+// _NonBlock; WAITING: the plain name without a flag and _Block; QUERY: the same two forms with their outputs and the
+// words that follow, such as .wiping(); NO_REPLY: as SETTER, for a reply that does not reach the caller.
 #define ZK_FORM(form, ...) \
     zk::test::Call([](ArmSocket s) { return form(s __VA_OPT__(, ) __VA_ARGS__); }, zk::test::nulls(#form, form))
 #define SETTER(command, mailbox, wire, reply, ...)                                                    \
@@ -167,9 +170,9 @@ Call asking(int (*query)(ArmSocket, Outs*...), const std::string& name = "") {
 #define WAITING(command, mailbox, wire, reply, ...)                              \
     acknowledged(#command, ZK_FORM(command, __VA_ARGS__), mailbox, wire, reply), \
         acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, wire, reply)
-#define QUERY(command, mailbox, wire, reply, told, ...)             \
-    answered(ASK(command), mailbox, wire, reply, told) __VA_ARGS__, \
-        answered(ASK(command##_Block), mailbox, wire, reply, told) __VA_ARGS__
+#define QUERY(command, mailbox, wire, reply, outputs, ...)             \
+    answered(ASK(command), mailbox, wire, reply, outputs) __VA_ARGS__, \
+        answered(ASK(command##_Block), mailbox, wire, reply, outputs) __VA_ARGS__
 #define NO_REPLY(command, wire, reply, ...)                                                     \
     no_reply(#command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) true), wire, reply),         \
         no_reply(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), wire, reply),        \
@@ -178,7 +181,7 @@ Call asking(int (*query)(ArmSocket, Outs*...), const std::string& name = "") {
 
 inline std::ostream& operator<<(std::ostream& out, const CommandCase& row) { return out << row.name; }
 
-// A request of one line as it stands on the wire.
+// A request of one line as it is on the wire.
 std::string formatted(const std::string& request);
 
 // The name of a request's command.
@@ -187,10 +190,10 @@ std::string command_name(const std::string& wire);
 // Runs a row against a controller of its own.
 void run(const CommandCase& row);
 
-// The plain names among the rows give 18 during a file transfer, and send nothing.
+// The plain names among the rows return 18 during a file transfer and send nothing.
 void expect_nothing_during_a_file_transfer(const std::vector<CommandCase>& rows);
 
-// Calls that must give 19, or another status, and send nothing.
+// Calls that return 19, or another status, and send nothing.
 struct BadCall {
     std::string name;
     Call call;
@@ -200,13 +203,13 @@ void expect_nothing_sent(const std::vector<BadCall>& calls, int status = 19);
 // Every pointer of the plain names among the rows that the library tests returns 19 for null, and sends nothing.
 void expect_nulls_refused(const std::vector<CommandCase>& rows);
 
-// What an arm keeps: a setting, its status, and what a question then tells.
+// A setting that an arm keeps: the call, its status, the query and its outputs.
 struct Setting {
     std::string name;
     Call set;
     int status;
     Call ask;
-    std::string told;
+    std::string outputs;
 };
 void expect_kept(ArmSocket arm, const std::vector<Setting>& settings);
 

@@ -47,7 +47,7 @@ std::string text_of(const char (&text)[size]) {
 
 inline std::string text_of(const FrameName& name) { return text_of(name.text); }
 
-// Position, Euler angles; no reply tells a quaternion.
+// Position and Euler angles; no reply holds a quaternion.
 inline std::string text_of(const Pose& pose) {
     const auto& [x, y, z] = pose.position;
     const auto& [rx, ry, rz] = pose.euler;
@@ -138,7 +138,7 @@ class Output {
     T values_[std::is_same_v<T, char> ? 64 : 12];
 };
 
-// All outputs; nothing when none was written.
+// All outputs; empty if none was written.
 template <class... Outs>
 std::string text_of(const std::tuple<Output<Outs>...>& outputs) {
     std::string text;
@@ -151,12 +151,12 @@ std::string text_of(const std::tuple<Output<Outs>...>& outputs) {
     return written ? text : "";
 }
 
-// Calls with an output for each of the function's last parameters, and tells what it wrote.
+// Calls the function with an output for each of its last parameters. `text` is that of what it wrote.
 template <class... Outs, class Function, class... Ins>
-int with_outputs(std::string& told, Function function, Ins... ins) {
+int with_outputs(std::string& text, Function function, Ins... ins) {
     std::tuple<Output<Outs>...> outputs;
     const int status = std::apply([&](auto&... output) { return function(ins..., output.address()...); }, outputs);
-    told = text_of(outputs);
+    text = text_of(outputs);
     return status;
 }
 

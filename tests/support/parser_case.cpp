@@ -21,14 +21,14 @@ std::vector<ParserCase> without_key(const std::string& key) {
 
 void expect_parsed(const Parse& parse, const std::vector<ParserCase>& cases) {
     for (const ParserCase& row : cases) {
-        std::string told;
-        EXPECT_EQ(parse(-1, row.text.c_str(), told), row.status) << row.text;
-        EXPECT_EQ(told, row.told) << row.text;
+        std::string outputs;
+        EXPECT_EQ(parse(-1, row.text.c_str(), outputs), row.status) << row.text;
+        EXPECT_EQ(outputs, row.outputs) << row.text;
     }
 }
 
 void expect_keys(const Parse& parse, const std::vector<KeyInOrder>& keys, const std::string& before,
-                 const std::string& behind) {
+                 const std::string& after) {
     // The reply in which one key has another value, or none.
     const auto reply = [&](size_t changed, const std::string& value) {
         std::string text;
@@ -36,14 +36,14 @@ void expect_keys(const Parse& parse, const std::vector<KeyInOrder>& keys, const 
             const std::string& its = i == changed ? value : keys[i].value;
             if (!its.empty()) text += (text.empty() ? "" : ",") + ("\"" + keys[i].key + "\":") + its;
         }
-        return before + text + behind;
+        return before + text + after;
     };
     const std::string whole = reply(keys.size(), "");
-    expect_parsed(parse, {{whole, 0, keys.back().told}, {whole.substr(0, whole.size() - 1), 9, ""}, {"{}", 9, ""}});
+    expect_parsed(parse, {{whole, 0, keys.back().outputs}, {whole.substr(0, whole.size() - 1), 9, ""}, {"{}", 9, ""}});
     for (size_t i = 0; i < keys.size(); ++i) {
-        const std::string told = i > 0 ? keys[i - 1].told : "";
-        expect_parsed(parse, {{reply(i, ""), 9, told}});
-        for (const auto& [value, status] : keys[i].wrong) expect_parsed(parse, {{reply(i, value), status, told}});
+        const std::string outputs = i > 0 ? keys[i - 1].outputs : "";
+        expect_parsed(parse, {{reply(i, ""), 9, outputs}});
+        for (const auto& [value, status] : keys[i].wrong) expect_parsed(parse, {{reply(i, value), status, outputs}});
     }
 }
 
@@ -58,7 +58,7 @@ void expect_acknowledgement(const AckParser& parser) {
 
 void expect_number(const NumberParser& parser) {
     expect_parsed(parser.parse, without_key(parser.key));
-    expect_parsed(parser.parse, {{object(parser.key, "1234"), 0, parser.told}});
+    expect_parsed(parser.parse, {{object(parser.key, "1234"), 0, parser.outputs}});
     for (const char* other : {"true", "\"1234\"", "null", "[1234]"}) {
         expect_parsed(parser.parse, {{object(parser.key, other), parser.wrong, ""}});
     }
@@ -67,7 +67,7 @@ void expect_number(const NumberParser& parser) {
 void expect_joint_array(const JointArrayParser& parser) {
     const std::string six = "[1000,-2000,1,0,166,1234]", seven = "[1000,-2000,1,0,166,1234,0]";
     expect_parsed(parser.parse, without_key(parser.key));
-    expect_parsed(parser.parse, {{object(parser.key, six), 0, parser.told},
+    expect_parsed(parser.parse, {{object(parser.key, six), 0, parser.outputs},
                                  {object(parser.key, seven), parser.wrong_size, ""},
                                  {object(parser.key, "[1,2,3,4,5]"), parser.wrong_size, ""},
                                  {object(parser.key, "[]"), parser.wrong_size, ""},
@@ -77,11 +77,11 @@ void expect_joint_array(const JointArrayParser& parser) {
 
     constexpr ArmSocket kSevenJoints = 1000;
     if (Get_Socket_Idx(kSevenJoints) < 0) Init_Socket_Joint(75, kSevenJoints);
-    std::string told;
-    EXPECT_EQ(parser.parse(kSevenJoints, object(parser.key, seven).c_str(), told), 0) << parser.key;
-    EXPECT_EQ(told, std::string(parser.told) + " 0") << parser.key;
-    EXPECT_EQ(parser.parse(kSevenJoints, object(parser.key, six).c_str(), told), parser.wrong_size) << parser.key;
-    EXPECT_EQ(told, "") << parser.key;
+    std::string outputs;
+    EXPECT_EQ(parser.parse(kSevenJoints, object(parser.key, seven).c_str(), outputs), 0) << parser.key;
+    EXPECT_EQ(outputs, std::string(parser.outputs) + " 0") << parser.key;
+    EXPECT_EQ(parser.parse(kSevenJoints, object(parser.key, six).c_str(), outputs), parser.wrong_size) << parser.key;
+    EXPECT_EQ(outputs, "") << parser.key;
 }
 
 }  // namespace zk::test

@@ -1,5 +1,5 @@
-// Parsers of replies, without a connection: text in, status and outputs out. A parser of joint arrays gets the socket
-// of no connection, which counts as six joints, where not told otherwise.
+// Parsers of replies, without a connection: text in, status and outputs out. By default a parser of joint arrays gets
+// the socket of no connection, which counts as six joints.
 #pragma once
 
 #include <functional>
@@ -11,40 +11,41 @@
 
 namespace zk::test {
 
-// A parser that tells what it stored.
-using Parse = std::function<int(ArmSocket arm, const char* text, std::string& told)>;
+// A parser and the text of its outputs.
+using Parse = std::function<int(ArmSocket arm, const char* text, std::string& outputs)>;
 
 template <class... Outs>
 Parse parsing(int (*parser)(const char*, Outs*...)) {
-    return
-        [parser](ArmSocket, const char* text, std::string& told) { return with_outputs<Outs...>(told, parser, text); };
+    return [parser](ArmSocket, const char* text, std::string& outputs) {
+        return with_outputs<Outs...>(outputs, parser, text);
+    };
 }
 template <class... Outs>
 Parse parsing(int (*parser)(ArmSocket, const char*, Outs*...)) {
-    return [parser](ArmSocket arm, const char* text, std::string& told) {
-        return with_outputs<Outs...>(told, parser, arm, text);
+    return [parser](ArmSocket arm, const char* text, std::string& outputs) {
+        return with_outputs<Outs...>(outputs, parser, arm, text);
     };
 }
 
 struct ParserCase {
     std::string text;
     int status;
-    std::string told;
+    std::string outputs;
 };
 void expect_parsed(const Parse& parse, const std::vector<ParserCase>& cases);
 
-// A reply whose keys are read in their order, each required: the value, what is told once it was read, and values that
-// end the reading. A reply without the key ends it with 9.
+// A reply whose keys are read in order, each required: the value, the outputs after it was read, and values that end
+// the reading. A missing key ends it with 9.
 struct KeyInOrder {
     std::string key;
     std::string value;
-    std::string told;
+    std::string outputs;
     std::vector<std::pair<std::string, int>> wrong = {{"null", 11}};
 };
 void expect_keys(const Parse& parse, const std::vector<KeyInOrder>& keys, const std::string& before = "{",
-                 const std::string& behind = "}");
+                 const std::string& after = "}");
 
-// An acknowledgement: `other` is what a key gives that is neither true nor false.
+// An acknowledgement: `other` is the status for a key that is neither true nor false.
 struct AckParser {
     int (*parse)(const char* text);
     const char* key;
@@ -52,20 +53,20 @@ struct AckParser {
 };
 void expect_acknowledgement(const AckParser& parser);
 
-// One number: `told` is what 1234 gives, `wrong` what a key gives that is no number.
+// One number: `outputs` is the output for 1234, `wrong` the status for a key that is not a number.
 struct NumberParser {
     Parse parse;
     const char* key;
-    const char* told;
+    const char* outputs;
     int wrong = 11;
 };
 void expect_number(const NumberParser& parser);
 
-// One integer for each joint: `told` is what [1000, -2000, 1, 0, 166, 1234] gives.
+// One integer for each joint: `outputs` are those for [1000, -2000, 1, 0, 166, 1234].
 struct JointArrayParser {
     Parse parse;
     const char* key;
-    const char* told;
+    const char* outputs;
     int not_array = 11;
     int wrong_size = 10;
 };

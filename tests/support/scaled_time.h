@@ -7,8 +7,8 @@
 namespace zk::test {
 
 // Sets how many milliseconds of library time pass in one millisecond; 1 at the start. Raise it to let a limit run out.
-// With 0 the library's clock stands still and its sleeps last as usual: for what must happen within a limit under any
-// load. After a minute it runs again, so that a lost reply fails the test instead of hanging it.
+// With 0 the library's clock is stopped and its sleeps last as usual: for what must happen within a limit under any
+// load. After a minute the clock runs again, so that a lost reply fails the test instead of hanging it.
 void set_time_factor(int factor);
 
 // The milliseconds that this thread has slept in the library.

@@ -28,8 +28,8 @@ std::string command_of(const std::string& request) {
     return request.substr(at + 1, request.find('"', at + 1) - at - 1);
 }
 
-// Whether all that was written to a loopback connection has left the peer's receive buffer. The kernel tells the fill
-// of both ends in /proc/net/tcp: a row has the address and port of its own end, those of the other, a state, tx:rx.
+// Whether the peer has read all bytes written to a loopback connection. /proc/net/tcp lists the fill of both ends: a
+// row has the address and port of its own end, those of the other, a state, tx:rx.
 bool is_read(int descriptor, int own_port, int peer_port) {
     int unsent = 0;
     if (ioctl(descriptor, SIOCOUTQ, &unsent) != 0) return true;

@@ -26,7 +26,7 @@ struct Entry {
     std::string command;
     std::vector<Key> words, request_keys, reply_keys;
     bool asked = false, answered = false;
-    std::set<std::string> told = {};
+    std::set<std::string> outputs = {};
 };
 
 std::vector<Key> keys_of(const std::string& cell) {
@@ -89,7 +89,7 @@ void expect_reply(Entry& entry, const std::string& text) {
         const auto is_it = [&](const Key& key) { return key.name == item.key(); };
         EXPECT_TRUE(std::any_of(entry.reply_keys.begin(), entry.reply_keys.end(), is_it))
             << entry.command << " is answered with " << item.key();
-        entry.told.insert(item.key());
+        entry.outputs.insert(item.key());
     }
 }
 
@@ -109,7 +109,7 @@ void expect_documented(const std::string& section, const std::vector<CommandCase
         EXPECT_TRUE(entry.asked) << entry.command << " is sent by no command";
         if (!entry.answered) continue;
         for (const Key& key : entry.reply_keys) {
-            EXPECT_TRUE(key.optional || entry.told.count(key.name))
+            EXPECT_TRUE(key.optional || entry.outputs.count(key.name))
                 << entry.command << " is not answered with " << key.name;
         }
     }

@@ -1,4 +1,4 @@
-/* Replies: state of the arm. What mailboxes and parsers share stands in zk/mailboxes.h. */
+/* Replies: state of the arm. zk/mailboxes.h describes mailboxes and parsers. */
 #ifndef ZK_REPLIES_ARM_STATE_H
 #define ZK_REPLIES_ARM_STATE_H
 

@@ -1,4 +1,4 @@
-/* Replies: lift, expansion axis and mobile base. What mailboxes and parsers share stands in zk/mailboxes.h. */
+/* Replies: lift, expansion axis and mobile base. zk/mailboxes.h describes mailboxes and parsers. */
 #ifndef ZK_REPLIES_ATTACHED_AXES_H
 #define ZK_REPLIES_ATTACHED_AXES_H
 

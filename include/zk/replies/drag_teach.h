@@ -1,4 +1,4 @@
-/* Replies: drag teaching. What mailboxes and parsers share stands in zk/mailboxes.h. */
+/* Replies: drag teaching. zk/mailboxes.h describes mailboxes and parsers. */
 #ifndef ZK_REPLIES_DRAG_TEACH_H
 #define ZK_REPLIES_DRAG_TEACH_H
 

@@ -1,4 +1,4 @@
-/* Replies: file transfer. What mailboxes and parsers share stands in zk/mailboxes.h. */
+/* Replies: file transfer. zk/mailboxes.h describes mailboxes and parsers. */
 #ifndef ZK_REPLIES_FILE_TRANSFER_H
 #define ZK_REPLIES_FILE_TRANSFER_H
 

@@ -1,4 +1,4 @@
-/* Replies: force sensors and force control. What mailboxes and parsers share stands in zk/mailboxes.h. */
+/* Replies: force sensors and force control. zk/mailboxes.h describes mailboxes and parsers. */
 #ifndef ZK_REPLIES_FORCE_CONTROL_H
 #define ZK_REPLIES_FORCE_CONTROL_H
 

@@ -1,4 +1,4 @@
-/* Replies: frames and payload. What mailboxes and parsers share stands in zk/mailboxes.h. */
+/* Replies: frames and payload. zk/mailboxes.h describes mailboxes and parsers. */
 #ifndef ZK_REPLIES_FRAMES_H
 #define ZK_REPLIES_FRAMES_H
 

@@ -1,4 +1,4 @@
-/* Replies: gripper and hand. What mailboxes and parsers share stands in zk/mailboxes.h. */
+/* Replies: gripper and hand. zk/mailboxes.h describes mailboxes and parsers. */
 #ifndef ZK_REPLIES_GRIPPER_AND_HAND_H
 #define ZK_REPLIES_GRIPPER_AND_HAND_H
 

@@ -1,4 +1,4 @@
-/* Replies: inputs, outputs and supply voltages. What mailboxes and parsers share stands in zk/mailboxes.h. */
+/* Replies: inputs, outputs and supply voltages. zk/mailboxes.h describes mailboxes and parsers. */
 #ifndef ZK_REPLIES_IO_H
 #define ZK_REPLIES_IO_H
 

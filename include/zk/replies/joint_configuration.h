@@ -1,4 +1,4 @@
-/* Replies: joint configuration. What mailboxes and parsers share stands in zk/mailboxes.h. */
+/* Replies: joint configuration. zk/mailboxes.h describes mailboxes and parsers. */
 #ifndef ZK_REPLIES_JOINT_CONFIGURATION_H
 #define ZK_REPLIES_JOINT_CONFIGURATION_H
 

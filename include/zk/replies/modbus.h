@@ -1,4 +1,4 @@
-/* Replies: Modbus. What mailboxes and parsers share stands in zk/mailboxes.h. */
+/* Replies: Modbus. zk/mailboxes.h describes mailboxes and parsers. */
 #ifndef ZK_REPLIES_MODBUS_H
 #define ZK_REPLIES_MODBUS_H
 

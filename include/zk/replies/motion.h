@@ -1,4 +1,4 @@
-/* Replies: motion, teaching and streamed set-points. What mailboxes and parsers share stands in zk/mailboxes.h. */
+/* Replies: motion, teaching and streamed set-points. zk/mailboxes.h describes mailboxes and parsers. */
 #ifndef ZK_REPLIES_MOTION_H
 #define ZK_REPLIES_MOTION_H
 

@@ -1,4 +1,4 @@
-/* Replies: programs and global waypoints. What mailboxes and parsers share stands in zk/mailboxes.h. */
+/* Replies: programs and global waypoints. zk/mailboxes.h describes mailboxes and parsers. */
 #ifndef ZK_REPLIES_PROGRAMS_H
 #define ZK_REPLIES_PROGRAMS_H
 

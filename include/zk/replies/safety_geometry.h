@@ -1,4 +1,4 @@
-/* Replies: fences, virtual walls and tool envelopes. What mailboxes and parsers share stands in zk/mailboxes.h. */
+/* Replies: fences, virtual walls and tool envelopes. zk/mailboxes.h describes mailboxes and parsers. */
 #ifndef ZK_REPLIES_SAFETY_GEOMETRY_H
 #define ZK_REPLIES_SAFETY_GEOMETRY_H
 

@@ -1,4 +1,4 @@
-/* Replies: system and network. What mailboxes and parsers share stands in zk/mailboxes.h. */
+/* Replies: system and network. zk/mailboxes.h describes mailboxes and parsers. */
 #ifndef ZK_REPLIES_SYSTEM_H
 #define ZK_REPLIES_SYSTEM_H
 
@@ -60,14 +60,14 @@ typedef struct SystemRuntimeReply {
     int32_t count;
     int32_t result;
     int32_t day, hour, min, sec;
-    int32_t told; /* 0 when the controller did not know */
+    int32_t known; /* 0 when the controller did not know */
 } SystemRuntimeReply;
 
 typedef struct JointOdomReply {
     int32_t count;
     int32_t result;
     float value[8];
-    int32_t told; /* 0 when the controller did not know */
+    int32_t known; /* 0 when the controller did not know */
 } JointOdomReply;
 
 typedef struct Rs485Reply {

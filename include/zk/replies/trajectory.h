@@ -1,4 +1,4 @@
-/* Replies: trajectory control. What mailboxes and parsers share stands in zk/mailboxes.h. */
+/* Replies: trajectory control. zk/mailboxes.h describes mailboxes and parsers. */
 #ifndef ZK_REPLIES_TRAJECTORY_H
 #define ZK_REPLIES_TRAJECTORY_H
 

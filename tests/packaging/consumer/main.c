@@ -1,4 +1,5 @@
-/* A program of somebody else's: it asks for versions, computes with the local model, and uses the cJSON that comes
+/* A program of another project: it queries versions, computes with the local model, and uses the cJSON that comes
+
  * along. */
 #include <cJSON.h>
 #include <math.h>
@@ -22,7 +23,8 @@ int main(void) {
     cJSON* request = cJSON_Parse("{\"command\":\"movej\"}");
     Pose pose;
 
-    expect(strcmp(API_Version(), PACKAGE_VERSION) == 0, "library and package have one version");
+    expect(strcmp(API_Version(), PACKAGE_VERSION) == 0 && strcmp(API_Version(), ZK_VERSION_STRING) == 0,
+           "library, header and package have one version");
     expect(strcmp(Algo_Version(), "1.4.8") == 0, "the algorithms are 1.4.8");
     expect(Get_Json_KeyCode("{\"state\":\"joint_degree\"}") == 58, "joint degrees have code 58");
     expect(strcmp(cJSON_GetObjectItem(request, "command")->valuestring, "movej") == 0, "cJSON reads what it is given");
