@@ -5,16 +5,7 @@
 
 #include "support/arm.h"
 #include "support/scaled_time.h"
-#include "zk/arm_state.h"
-#include "zk/attached_axes.h"
-#include "zk/file_transfer.h"
-#include "zk/force_control.h"
-#include "zk/queue.h"
-#include "zk/realtime.h"
-#include "zk/replies/frames.h"
-#include "zk/replies/joint_configuration.h"
-#include "zk/replies/trajectory.h"
-#include "zk/system.h"
+#include "zk_base.h"
 
 namespace {
 
@@ -87,21 +78,6 @@ TEST_F(Forms, SomeCommandsSleepFirst) {
     EXPECT_EQ(sleeps([] { return Move_Stop_Cmd(0, true); }), 0);
 }
 
-TEST_F(Forms, AnOldAcknowledgementIsNotTaken) {
-    say_and_wait(R"({"command":"set_arm_stop","arm_stop":false})");
-    controller_.answer("set_arm_stop", R"({"command":"set_arm_stop","arm_stop":true})");
-    EXPECT_EQ(Move_Stop_Cmd_Block(arm_), 0);
-}
-
-TEST_F(Forms, TwoAcknowledgementsAreOne) {
-    controller_.answer_bytes("set_arm_stop", {line(R"({"command":"set_arm_stop","arm_stop":true})") +
-                                              line(R"({"command":"set_arm_stop","arm_stop":true})")});
-    EXPECT_EQ(Move_Stop_Cmd_Block(arm_), 0);
-    say_and_wait("{\"nobody\":0}");
-    EXPECT_LE(shared(Set_Arm_Stop_Cmd[0].count), 1);
-    EXPECT_EQ(Move_Stop_Cmd_Block(arm_), 0);
-}
-
 TEST_F(Forms, AGentleStopTakesAnOldReplyAndClearsTheOtherStops) {
     say_and_wait(R"({"command":"set_arm_slow_stop","arm_slow_stop":false})");
     say_and_wait(R"({"command":"set_arm_stop","arm_stop":true})");
@@ -149,51 +125,6 @@ TEST_F(Forms, APayloadIsHandedOverWithABadStatus) {
     EXPECT_FLOAT_EQ(value, 6.0f) << "what the mailbox held";
 }
 
-TEST_F(Forms, TheTrajectoryQueryTakesNoOldReplyAndLeavesNone) {
-    const auto reply = [](const char* type) {
-        return std::string(R"({"state":"arm_current_trajectory","type":")") + type + R"(","data":[0,0,0,0,0,0]})";
-    };
-    say_and_wait(reply("movec"));
-    controller_.answer_bytes("get_arm_current_trajectory", {line(reply("movel"))});
-    int32_t type = -1;
-    float data[7];
-    EXPECT_EQ(Get_Current_Trajectory_Block(arm_, &type, data), 0);
-    EXPECT_EQ(type, 2);
-    EXPECT_EQ(shared(Get_Arm_Current_Trajectory_Cmd[0].count), 0);
-}
-
-// What a clearing query clears is the record of the first connection, whichever asked.
-TEST_F(Forms, ClearingQueriesClearTheFirstConnection) {
-    const ArmSocket second = connect_arm(controller_);
-    const std::string frame = R"({"state":"current_work_frame","frame_name":"w","pose":[1,2,3,4,5,6]})";
-    controller_.answer("get_current_work_frame", frame);
-    controller_.answer("get_realtime_push",
-                       R"({"state":"get_realtime_push","cycle":3,"enable":true,"port":2,"ip":"1.2.3.4","custom":)"
-                       R"({"joint_speed":true,"lift_state":true,"expand_state":true,"hand":true,)"
-                       R"("arm_current_status":true,"aloha_state":true}})");
-    say_and_wait(frame, 0);
-    FrameRec record{};
-    EXPECT_EQ(Get_Current_Work_Frame_Block(second, &record), 0);
-    EXPECT_EQ(shared(Current_Work_Cmd[0].count), 0) << "its reply is lost";
-    EXPECT_EQ(shared(Current_Work_Cmd[1].frame.pose.euler.rz), 0.006f) << "the one in use stays";
-
-    RealtimePushConfig config{};
-    EXPECT_EQ(Get_Realtime_Push_Block(second, &config), 0);
-    EXPECT_EQ(config.cycle, 3);
-    EXPECT_EQ(shared(Get_Realtime_Push_Cmd[1].config.cycle), 3);
-    EXPECT_EQ(Get_Realtime_Push_Block(arm_, &config), 0);
-    EXPECT_EQ(shared(Get_Realtime_Push_Cmd[0].config.cycle), 0);
-}
-
-// The status of this query is read after its record was wiped: the first connection always sees 0.
-TEST_F(Forms, TheSoftwareQueryOfTheFirstConnectionAlwaysSucceeds) {
-    const ArmSocket second = connect_arm(controller_);
-    controller_.answer("get_arm_software_info", R"({"state":"arm_software_info","Product_version":7})");
-    ArmSoftwareInfo info{};
-    EXPECT_EQ(Get_Arm_Software_Info(arm_, &info), 0);
-    EXPECT_EQ(Get_Arm_Software_Info(second, &info), 11);
-}
-
 TEST_F(Forms, EachConnectionGetsItsOwnReply) {
     const ArmSocket second = connect_arm(controller_);
     controller_.answer("set_arm_stop", R"({"command":"set_arm_stop","arm_stop":true})");
@@ -203,27 +134,6 @@ TEST_F(Forms, EachConnectionGetsItsOwnReply) {
     EXPECT_EQ(stop.get(), 0);
     EXPECT_NE(controller_.wait_for_request("set_arm_stop", 1), "");
     EXPECT_NE(controller_.wait_for_request("set_arm_pause", 0), "");
-}
-
-TEST_F(Forms, WrappersThatSuspendRaiseTheFlagForTheirBlockingForm) {
-    const auto flag_during = [&](const std::string& command, const std::string& reply, auto call) {
-        int during = -1;
-        controller_.answer_with(command, [&, reply](const std::string&) {
-            during = shared(SuspendQueue);
-            return Pieces{line(reply)};
-        });
-        EXPECT_EQ(call(), 0);
-        EXPECT_EQ(shared(SuspendQueue), 0);
-        return during;
-    };
-    int32_t type;
-    float data[7];
-    EXPECT_EQ(flag_during("get_arm_current_trajectory",
-                          R"({"state":"arm_current_trajectory","type":"none","data":[0,0,0,0,0,0]})",
-                          [&] { return Get_Current_Trajectory(arm_, &type, data); }),
-              1);
-    EXPECT_EQ(flag_during("get_joint_max_speed", speeds(1), [&] { return Arm_Socket_State(arm_); }), 1);
-    EXPECT_EQ(flag_during("get_joint_max_speed", speeds(1), [&] { return Get_Joint_Speed(arm_, data); }), 0);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // The probe of a connection.
 #include <gtest/gtest.h>
 
-#include "support/arm.h"
+#include "support/command_case.h"
 #include "support/scaled_time.h"
 #include "zk/replies/joint_configuration.h"
 #include "zk/trajectory.h"
@@ -38,6 +38,11 @@ TEST_F(Liveness, AnAnswerOfAnyKindIsTheStatus) {
     set_shared(IsSendFile, 1);
     EXPECT_EQ(Arm_Socket_State_Block(arm_), 10) << "has no guard";
     set_shared(IsSendFile, 0);
+}
+
+TEST(LivenessGuards, TheProbeSuspendsTheQueueWhileItWaits) {
+    set_time_factor(0);
+    expect_suspension({{CALL(Arm_Socket_State, (s)), kSpeeds}});
 }
 
 TEST_F(Liveness, SilenceGives5AfterHalfASecond) {

@@ -3,9 +3,10 @@
 
 #include <future>
 
-#include "support/command_case.h"
+#include "support/arm.h"
 #include "support/scaled_time.h"
 #include "zk/queue.h"
+#include "zk/replies/key_codes.h"
 #include "zk/trajectory.h"
 
 namespace {
@@ -13,28 +14,19 @@ namespace {
 using namespace zk::test;
 
 struct PendingCommand {
-    const char* name;
+    const char* request;
     int (*call)(ArmSocket);
-    const char* wire;
-    const char* reply;
     int code;
 };
 
 const float kJoints[6] = {1, 2, 3, 4, 5, 6};
 
 const PendingCommand kCommands[] = {
-    {"AddWaypoint", [](ArmSocket s) { return Add_Waypoint(s, kJoints, true); },
-     "{\n\t\"command\":\t\"add_waypoint\",\n\t\"joint\":\t[1000, 2000, 3000, 4000, 5000, 6000]\n}",
-     R"({"command":"add_waypoint","waypoint_state":true})", 73},
-    {"StartWaypoint", [](ArmSocket s) { return Start_Waypoint(s, 50, true); },
-     "{\n\t\"command\":\t\"start_waypoint\",\n\t\"frequency\":\t50\n}",
-     R"({"command":"start_waypoint","waypoint_state":true})", 74},
-    {"ClearWaypoint", [](ArmSocket s) { return Clear_Waypoint(s, true); }, "{\n\t\"command\":\t\"clear_waypoint\"\n}",
-     R"({"command":"clear_waypoint","waypoint_state":true})", 75},
-    {"StopWaypoint", [](ArmSocket s) { return Stop_Waypoint(s, true); }, "{\n\t\"command\":\t\"stop_waypoint\"\n}",
-     R"({"command":"stop_waypoint","waypoint_state":true})", 76},
-    {"Timer", [](ArmSocket s) { return Timer(s, 10, true); }, "{\n\t\"command\":\t\"timer\",\n\t\"wait_time\":\t10\n}",
-     R"({"command":"timer","wait_time":true})", 77}};
+    {"add_waypoint", [](ArmSocket s) { return Add_Waypoint(s, kJoints, true); }, ZK_KEY_ADD_WAYPOINT},
+    {"start_waypoint", [](ArmSocket s) { return Start_Waypoint(s, 50, true); }, ZK_KEY_START_WAYPOINT},
+    {"clear_waypoint", [](ArmSocket s) { return Clear_Waypoint(s, true); }, ZK_KEY_CLEAR_WAYPOINT},
+    {"stop_waypoint", [](ArmSocket s) { return Stop_Waypoint(s, true); }, ZK_KEY_STOP_WAYPOINT},
+    {"timer", [](ArmSocket s) { return Timer(s, 10, true); }, ZK_KEY_TIMER}};
 
 int32_t list_length() {
     ZK_Mutex_Lock();
@@ -43,7 +35,7 @@ int32_t list_length() {
     return length;
 }
 
-class PendingCommands : public testing::TestWithParam<PendingCommand> {
+class PendingCommands : public testing::Test {
  protected:
     void SetUp() override {
         ZK_API_Init(65, nullptr);
@@ -53,55 +45,44 @@ class PendingCommands : public testing::TestWithParam<PendingCommand> {
     ScriptedController controller_;
     ArmSocket arm_ = 0;
 };
-INSTANTIATE_TEST_SUITE_P(, PendingCommands, testing::ValuesIn(kCommands),
-                         [](const auto& row) { return std::string(row.param.name); });
 
-TEST_P(PendingCommands, ReachTheControllerAndTimeOutWithTheirRecordRemoved) {
-    const PendingCommand& row = GetParam();
-    int code = 0, flag = 0;
-    controller_.answer_with(command_name(row.wire), [&, row](const std::string&) {
-        ZK_Mutex_Lock();
-        code = m_nSockeRIinfosLen == 1 ? SockeRIinfos[0].key_code : -1;
-        ZK_Mutex_UnLock();
-        flag = shared(SuspendQueue);
-        return Pieces{line(row.reply)};
-    });
-    const int32_t start = Get_Program_Runtime();
-    set_time_factor(50);
-    EXPECT_EQ(row.call(arm_), 7);
-    EXPECT_GE(Get_Program_Runtime() - start, 3000);
-    EXPECT_EQ(controller_.next_request(), row.wire);
-    EXPECT_EQ(code, row.code);
-    EXPECT_EQ(flag, 1);
-    EXPECT_EQ(shared(SuspendQueue), 0);
-    EXPECT_EQ(list_length(), 0);
-}
-
-TEST_P(PendingCommands, GoAheadOfTheQueue) {
-    for (int i = 0; i < 400; ++i) Move_Stop_Cmd_NonBlock(arm_);  // eight seconds' worth
-    std::future<int> status = std::async(std::launch::async, [&] { return GetParam().call(arm_); });
-    EXPECT_EQ(controller_.wait_for_request(command_name(GetParam().wire)), GetParam().wire);
-    EXPECT_FALSE(ZK_Queue_Empty(&Socket_Tx_Buffer));
-    set_time_factor(100);
-    EXPECT_EQ(status.get(), 7);
+TEST_F(PendingCommands, KeepTheirRecordUntilTheyTimeOut) {
+    for (const auto& [request, call, code] : kCommands) {
+        int seen = 0;
+        controller_.answer_with(request, [&](const std::string&) {
+            ZK_Mutex_Lock();
+            seen = m_nSockeRIinfosLen == 1 ? SockeRIinfos[0].key_code : -1;
+            ZK_Mutex_UnLock();
+            return Pieces{};
+        });
+        const int32_t start = Get_Program_Runtime();
+        set_time_factor(50);
+        EXPECT_EQ(call(arm_), 7) << request;
+        EXPECT_GE(Get_Program_Runtime() - start, 3000) << request;
+        EXPECT_EQ(seen, code) << request;
+        EXPECT_EQ(list_length(), 0) << request;
+    }
 }
 
 // After a failed write these commands clear the record past the last one, and their own stays.
-TEST_P(PendingCommands, AFailedWriteGives6) {
-    EXPECT_EQ(GetParam().call(100000), 6);
-    EXPECT_EQ(list_length(), 0) << "a list of one is cleared whatever the index";
-    EXPECT_EQ(Add_List(SockeRIinfos, 0, 1, 1, 0, 1), 0);
-    m_nSockeRIinfosLen = 1;
-    EXPECT_EQ(GetParam().call(100000), 6);
-    EXPECT_EQ(list_length(), 2);
-    EXPECT_EQ(SockeRIinfos[1].key_code, GetParam().code);
+TEST_F(PendingCommands, AFailedWriteGives6) {
+    for (const auto& [request, call, code] : kCommands) {
+        m_nSockeRIinfosLen = 0;
+        EXPECT_EQ(call(100000), 6) << request;
+        EXPECT_EQ(list_length(), 0) << "a list of one is cleared whatever the index";
+        EXPECT_EQ(Add_List(SockeRIinfos, 0, 1, 1, 0, 1), 0);
+        m_nSockeRIinfosLen = 1;
+        EXPECT_EQ(call(100000), 6) << request;
+        EXPECT_EQ(list_length(), 2) << request;
+        EXPECT_EQ(SockeRIinfos[1].key_code, code) << request;
+    }
 }
 
-TEST_P(PendingCommands, The201stRecordGives20) {
+TEST_F(PendingCommands, The201stRecordGives20) {
     m_nSockeRIinfosLen = 199;
-    std::future<int> last = std::async(std::launch::async, [&] { return GetParam().call(arm_); });
+    std::future<int> last = std::async(std::launch::async, [&] { return Timer(arm_, 10, true); });
     eventually([] { return list_length() == 200; });
-    EXPECT_EQ(GetParam().call(arm_), 20);
+    EXPECT_EQ(Timer(arm_, 10, true), 20);
     EXPECT_EQ(list_length(), 200);
     set_time_factor(100);
     EXPECT_EQ(last.get(), 7);

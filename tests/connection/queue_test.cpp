@@ -82,18 +82,6 @@ TEST_F(Ring, OfNoCapacityIsFullAndEmpty) {
     }
 }
 
-TEST_F(Ring, DeletedIsEmptyAndCanBeDeletedAgain) {
-    ASSERT_EQ(ZK_Queue_Create(&queue_, 4), 1);
-    enqueue(1);
-    ZK_Queue_Deleate(&queue_);
-    ZK_Queue_Deleate(&queue_);
-    TxFrame frame = numbered(1);
-    EXPECT_EQ(queue_.base, nullptr);
-    EXPECT_EQ(queue_.capacity, 4);
-    EXPECT_EQ(ZK_Dequeue(&queue_, &frame), 0);
-    EXPECT_EQ(ZK_Enqueu(&queue_, &frame), 0);
-}
-
 TEST_F(Ring, AFrameOfNoLengthPassesWithoutBytes) {
     ASSERT_EQ(ZK_Queue_Create(&queue_, 4), 1);
     for (const int length : {0, -3}) {

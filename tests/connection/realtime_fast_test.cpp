@@ -55,7 +55,7 @@ class Realtime : public testing::Test {
 
     ScriptedController controller_;
     ArmSocket arm_ = 0;
-    int port_ = free_udp_port();
+    int port_ = reserve_udp_port();
     static inline std::mutex mutex_;
     static inline RobotStatus latest_;
     static inline std::atomic<int> calls_{0};

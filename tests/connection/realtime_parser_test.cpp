@@ -71,121 +71,101 @@ TEST(RealtimeParser, NamesWhatTheArmDoes) {
     for (const char* text : {"", "Idle", "move", "move_L ", "stopped"}) EXPECT_EQ(get_arm_status_from_string(text), 0);
 }
 
-struct Break {
-    const char* path;   // of the part that is replaced, or removed
-    const char* value;  // JSON; null pointer for removed
-    int status;
+// A part of a datagram: the status when it is missing, of another type, or has a key that is missing or of another
+// type.
+struct Part {
+    const char* key;
+    int missing, wrong, key_missing = 0, key_wrong = 0;
 };
+constexpr Part kParts[] = {{"hand", 0, 9, 9, 9},
+                           {"aloha_state", 0, 11, 11, 11},
+                           {"arm_current_status", 0, 11},
+                           {"lift_state", 0, 9, 9, 11},
+                           {"expand_state", 0, 9, 9, 11},
+                           {"joint_status", 9, 11, 9, 11},
+                           {"waypoint", 9, 11, 9, 11},
+                           {"arm_err", 9, 11},
+                           {"sys_err", 9, 11},
+                           {"six_force_sensor", 0, 9, 9, 11}};
 
-constexpr const char* kGone = nullptr;
-constexpr Break kBreaks[] = {
-    {"/hand/hand_pos", kGone, 9},
-    {"/hand/hand_angle", "1", 9},
-    {"/hand/hand_force", "{}", 9},
-    {"/hand/hand_state", "null", 9},
-    {"/hand/hand_err", kGone, 9},
-    {"/hand/hand_err", "true", 9},
-    {"/hand", "5", 9},
-    {"/hand", kGone, 0},
-    {"/aloha_state/io1_state", kGone, 11},
-    {"/aloha_state/io2_state", "\"1\"", 11},
-    {"/aloha_state", kGone, 0},
-    {"/arm_current_status", "1", 11},
-    {"/arm_current_status", "\"no such\"", 0},
-    {"/arm_current_status", kGone, 0},
-    {"/lift_state/pos", kGone, 9},
-    {"/lift_state/height", "\"1\"", 11},
-    {"/lift_state/current", kGone, 9},
-    {"/lift_state/err_flag", "[]", 11},
-    {"/lift_state/en_flag", kGone, 9},
-    {"/lift_state", kGone, 0},
-    {"/expand_state/joint_id", kGone, 9},
-    {"/expand_state/mode", "false", 11},
-    {"/expand_state/pos", "\"\"", 11},
-    {"/expand_state/current", kGone, 9},
-    {"/expand_state/err_flag", kGone, 9},
-    {"/expand_state/en_flag", "null", 11},
-    {"/expand_state", kGone, 0},
-    {"/joint_status", kGone, 9},
-    {"/joint_status", "[1]", 11},
-    {"/joint_status/joint_speed", kGone, 0},
-    {"/joint_status/joint_speed", "1", 11},
-    {"/joint_status/joint_speed", "[1,2,3,4,5]", 10},
-    {"/joint_status/joint_current", kGone, 9},
-    {"/joint_status/joint_current", "{}", 11},
-    {"/joint_status/joint_current", "[1,2,3,4,5]", 10},
-    {"/joint_status/joint_current", "[1,2,3,4,5,6,7,8]", 10},
-    {"/joint_status/joint_current", "[]", 10},
-    {"/joint_status/joint_en_flag", kGone, 9},
-    {"/joint_status/joint_err_code", "1", 11},
-    {"/joint_status/joint_position", "[1]", 10},
-    {"/joint_status/joint_temperature", kGone, 9},
-    {"/joint_status/joint_voltage", "null", 11},
-    {"/waypoint", kGone, 9},
-    {"/waypoint", "1", 11},
-    {"/waypoint/quat", kGone, 9},
-    {"/waypoint/quat", "[1,2,3]", 10},
-    {"/waypoint/quat", "1", 11},
-    {"/waypoint/euler", "[1,2,3,4]", 10},
-    {"/waypoint/position", kGone, 9},
-    {"/waypoint/position", "[]", 10},
-    {"/arm_err", kGone, 9},
-    {"/arm_err", "\"1\"", 11},
-    {"/sys_err", kGone, 9},
-    {"/sys_err", "true", 11},
-    {"/six_force_sensor", kGone, 0},
-    {"/six_force_sensor/force", kGone, 9},
-    {"/six_force_sensor/force", "1", 11},
-    {"/six_force_sensor/force", "[1]", 0},
-    {"/six_force_sensor/zero_force", kGone, 9},
-    {"/six_force_sensor/zero_force", "{}", 11},
-    {"/six_force_sensor/coordinate", kGone, 9},
-    {"/six_force_sensor/coordinate", "[]", 11},
-    {"/one_force_sensor", R"({"force":[1],"zero_force":[2],"coordinate":1})", 0},
-    {"/one_force_sensor", R"({"force":1,"zero_force":{},"coordinate":1})", 0},
-    {"/one_force_sensor", R"({"zero_force":[2],"coordinate":1})", 9},
-    {"/one_force_sensor", R"({"force":[2],"coordinate":1})", 9},
-    {"/one_force_sensor", R"({"force":[1],"zero_force":[2]})", 9},
-    {"/one_force_sensor", R"({"force":[1],"zero_force":[2],"coordinate":"1"})", 11},
-};
+bool same_type(const json& a, const json& b) { return a.type() == b.type() || (a.is_number() && b.is_number()); }
 
-TEST(RealtimeParser, TheFirstPartThatIsBrokenIsTheStatus) {
-    for (const Break& row : kBreaks) {
-        json datagram = full_datagram();
-        const json::json_pointer path(row.path);
-        if (row.value) {
-            datagram[path] = json::parse(row.value);
-        } else {
-            datagram[path.parent_pointer()].erase(path.back());
-        }
-        RobotStatus status{};
-        EXPECT_EQ(parse(datagram, status), row.status) << row.path << " " << (row.value ? row.value : "removed");
+void expect_status(const json& datagram, int status) {
+    RobotStatus record{};
+    EXPECT_EQ(parse(datagram, record), status) << datagram;
+}
+
+void expect_refused(const json::json_pointer& path, int missing, int wrong) {
+    json datagram = full_datagram();
+    const json good = datagram[path];
+    datagram[path.parent_pointer()].erase(path.back());
+    expect_status(datagram, missing);
+    for (const json& other : {json(nullptr), json(true), json(1), json("1"), json::array(), json{{"key", 1}}}) {
+        datagram[path] = other;
+        if (!same_type(other, good)) expect_status(datagram, wrong);
     }
-    RobotStatus status{};
+}
+
+TEST(RealtimeParser, AKeyThatIsMissingOrOfAnotherTypeIsRefused) {
+    for (const auto& [part, missing, wrong, key_missing, key_wrong] : kParts) {
+        const json::json_pointer path = json::json_pointer() / part;
+        expect_refused(path, missing, wrong);
+        const json datagram = full_datagram();
+        if (!datagram[path].is_object()) continue;
+        for (const auto& [key, value] : datagram[path].items()) {
+            expect_refused(path / key, key == "joint_speed" ? 0 : key_missing, key_wrong);
+        }
+    }
     for (const char* text : {"", "nonsense", "{\"hand\":", "[]", "7"}) {
+        RobotStatus status{};
         EXPECT_EQ(Parser_Realtime_Arm_Joint_State(text, &status), 9) << text;
+    }
+}
+
+TEST(RealtimeParser, AnArrayOfAnotherSizeIsRefused) {
+    for (const char* part : {"joint_status", "waypoint"}) {
+        json datagram = full_datagram();
+        for (auto& [key, good] : datagram[part].items()) {
+            const json before = good;
+            for (const int size : {0, 2, 5, 8}) {
+                good = std::vector<int>(size);
+                expect_status(datagram, 10);
+            }
+            good = before;
+        }
+    }
+}
+
+// The forces of a one-axis sensor may be of any type.
+TEST(RealtimeParser, AOneAxisSensorNeedsAllItsKeys) {
+    for (const auto& [sensor, status] : {std::pair{R"({"force":[1],"zero_force":[2],"coordinate":1})", 0},
+                                         {R"({"force":1,"zero_force":{},"coordinate":1})", 0},
+                                         {R"({"zero_force":[2],"coordinate":1})", 9},
+                                         {R"({"force":[2],"coordinate":1})", 9},
+                                         {R"({"force":[1],"zero_force":[2]})", 9},
+                                         {R"({"force":[1],"zero_force":[2],"coordinate":"1"})", 11}}) {
+        json datagram = full_datagram();
+        datagram["one_force_sensor"] = json::parse(sensor);
+        expect_status(datagram, status);
     }
 }
 
 // Of two broken parts the one that is parsed first sets the status; only the parts before it are stored.
 TEST(RealtimeParser, PartsAreReadInTheirOrder) {
-    const char* order[] = {"hand",         "aloha_state",  "arm_current_status", "lift_state",
-                           "expand_state", "joint_status", "waypoint",           "arm_err"};
-    const int statuses[] = {9, 11, 11, 9, 9, 11, 11, 11};
-    const json broken[] = {5, 5, 5, json::object(), json::object(), 5, 5, "5"};
-    for (size_t i = 0; i < std::size(order); ++i) {
+    for (size_t i = 0; i < 8; ++i) {
         json datagram = full_datagram();
-        for (size_t j = i; j < std::size(order); ++j) datagram[order[j]] = broken[j];
+        for (size_t j = i; j < std::size(kParts); ++j) datagram[kParts[j].key] = true;
         RobotStatus s{};
-        EXPECT_EQ(parse(datagram, s), statuses[i]) << order[i];
-        EXPECT_EQ(s.hand_err, i > 0 ? 25 : 0) << order[i];
-        EXPECT_EQ(s.io2_state, i > 1 ? 27 : 0) << order[i];
-        EXPECT_EQ(s.arm_current_status, i > 2 ? 1 : 0) << order[i];
-        EXPECT_EQ(s.lift_en_flag, i > 3 ? 32 : 0) << order[i];
-        EXPECT_EQ(s.expand_en_flag, i > 4 ? 38 : 0) << order[i];
-        EXPECT_EQ(s.joint_voltage[0], i > 5 ? 24.0f : 0.0f) << order[i];
-        EXPECT_EQ(s.position[0], i > 6 ? 0.5f : 0.0f) << order[i];
-        EXPECT_EQ(s.sys_err, 0) << order[i];
+        const char* const part = kParts[i].key;
+        EXPECT_EQ(parse(datagram, s), kParts[i].wrong) << part;
+        EXPECT_EQ(s.hand_err, i > 0 ? 25 : 0) << part;
+        EXPECT_EQ(s.io2_state, i > 1 ? 27 : 0) << part;
+        EXPECT_EQ(s.arm_current_status, i > 2 ? 1 : 0) << part;
+        EXPECT_EQ(s.lift_en_flag, i > 3 ? 32 : 0) << part;
+        EXPECT_EQ(s.expand_en_flag, i > 4 ? 38 : 0) << part;
+        EXPECT_EQ(s.joint_voltage[0], i > 5 ? 24.0f : 0.0f) << part;
+        EXPECT_EQ(s.position[0], i > 6 ? 0.5f : 0.0f) << part;
+        EXPECT_EQ(s.sys_err, 0) << part;
     }
 }
 

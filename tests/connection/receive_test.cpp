@@ -28,28 +28,10 @@ class Receive : public testing::Test {
 
 using Results = std::vector<int>;
 
-TEST_F(Receive, TwoMessagesOfOneReadComeInOrder) {
-    controller_.say_bytes({report_message(1) + report_message(2)});
-    EXPECT_EQ(log_.results(2), (Results{1, 2}));
-}
-
-TEST_F(Receive, AMessageInThreePiecesIsJoined) {
-    const std::string message = report_message(7, 5000);
-    controller_.say_bytes({message.substr(0, 2000), message.substr(2000, 1000), message.substr(3000)});
-    EXPECT_EQ(log_.results(1), Results{7});
-}
-
 TEST_F(Receive, ACutInsideTheLineEndIsJoined) {
     const std::string message = report_message(7);
     controller_.say_bytes({message.substr(0, message.size() - 1), message.substr(message.size() - 1)});
     EXPECT_EQ(log_.results(1), Results{7});
-}
-
-TEST_F(Receive, WholeMessagesWaitForTheOneThatIsCut) {
-    const std::string second = report_message(2);
-    controller_.say_bytes({report_message(1) + second.substr(0, 10)});
-    controller_.say_bytes({second.substr(10) + report_message(3)});
-    EXPECT_EQ(log_.results(3), (Results{1, 2, 3}));
 }
 
 // What an earlier, longer message left in the buffer must never join a later one, wherever that one ends.
@@ -123,17 +105,6 @@ TEST_F(Receive, AMessageThatIsTooLongTakesNoOtherWithIt) {
     EXPECT_EQ(Move_Stop_Cmd_Block(arm_), 0);
     const std::string said = testing::internal::GetCapturedStderr();
     EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 8) << said;
-}
-
-TEST_F(Receive, ABurstLongerThanTheBufferArrivesWhole) {
-    std::string burst;
-    Results expected;
-    for (int i = 0; i < 40; ++i) {
-        burst += report_message(i, 1000);
-        expected.push_back(i);
-    }
-    controller_.say_bytes({burst});
-    EXPECT_EQ(log_.results(expected.size()), expected);
 }
 
 // Messages of every length, cut anywhere: each arrives once and in order, and the ones that are too long do not arrive.

@@ -9,6 +9,7 @@
 #include <set>
 #include <thread>
 
+#include "commands/wire.h"
 #include "support/arm.h"
 #include "support/scaled_time.h"
 #include "support/start_up.h"
@@ -35,86 +36,59 @@ struct Wait {
     const char* trajectory = kMoving;
 };
 
+int ask_speed(ArmSocket s) {
+    float joint[7];
+    return Get_Joint_Speed_Block(s, joint);
+}
+
+int send_project(ArmSocket s) {
+    char line[] = "{\"command\":\"file\"}\r\n";
+    return Send_Project_Block(s, line, sizeof line - 1, nullptr);
+}
+
+#define WAITING_IN(command, ...) #command, [](ArmSocket s) { return command(s __VA_OPT__(, ) __VA_ARGS__); }
+
 const Wait kWaits[] = {
-    {"Acknowledgement",
-     Move_Stop_Cmd_Block,
-     "set_arm_stop",
-     {R"({"command":"set_arm_stop","arm_stop":true})"},
-     &Set_Arm_Stop_Cmd[0].count},
-    {"Query",
-     [](ArmSocket s) {
-         float joint[7];
-         return Get_Joint_Speed_Block(s, joint);
-     },
-     "get_joint_max_speed",
-     {kSpeeds},
-     &Joint_Max_Speed_Cmd[0].count},
-    {"Probe", Arm_Socket_State_Block, "get_joint_max_speed", {kSpeeds}, &Joint_Max_Speed_Cmd[0].count},
-    {"Arrival",
-     [](ArmSocket s) { return Movej_Cmd(s, kJoints, 20, 0, 0, true); },
-     "get_arm_current_trajectory",
-     {kReport},
-     &Move_Cmd[0].count},
-    {"Stillness",
-     [](ArmSocket s) { return Pos_Step_Cmd_Block(s, 0, 20, 0.1f); },
-     "set_pos_step",
-     {kReport},
-     &Move_Cmd[0].count},
-    {"Device",
-     [](ArmSocket s) { return Set_Gripper_Pick(s, 500, 200, true, 30); },
+    {WAITING_IN(Move_Stop_Cmd_Block), "set_arm_stop", {done("set_arm_stop", "arm_stop")}, &Set_Arm_Stop_Cmd[0].count},
+    {WAITING_IN(ask_speed), "get_joint_max_speed", {kSpeeds}, &Joint_Max_Speed_Cmd[0].count},
+    {WAITING_IN(Arm_Socket_State_Block), "get_joint_max_speed", {kSpeeds}, &Joint_Max_Speed_Cmd[0].count},
+    {WAITING_IN(Movej_Cmd, kJoints, 20, 0, 0, true), "get_arm_current_trajectory", {kReport}, &Move_Cmd[0].count},
+    {WAITING_IN(Pos_Step_Cmd_Block, 0, 20, 0.1f), "set_pos_step", {kReport}, &Move_Cmd[0].count},
+    {WAITING_IN(Set_Gripper_Pick, 500, 200, true, 30),
      "set_gripper_pick",
-     {R"({"command":"set_gripper_pick","set_state":false})"},
+     {done("set_gripper_pick")},
      &Set_Gripper_Release_Cmd[0].count},
-    {"Lift",
-     [](ArmSocket s) { return Set_Lift_Height(s, 300, 20, true); },
+    {WAITING_IN(Set_Lift_Height, 300, 20, true),
      "get_lift_state",
      {R"({"state":"current_trajectory_state","trajectory_state":true,"device":3})"},
      &Move_Cmd[0].count},
-    {"Axis",
-     [](ArmSocket s) { return Expand_Set_Pos(s, 20, 300, true); },
-     "expand_set_pos",
-     {kReport},
-     &Move_Cmd[0].count},
-    {"HandStream",
-     [](ArmSocket s) { return Set_Hand_Follow_Angle(s, kFingers, true); },
+    {WAITING_IN(Expand_Set_Pos, 20, 300, true), "expand_set_pos", {kReport}, &Move_Cmd[0].count},
+    {WAITING_IN(Set_Hand_Follow_Angle, kFingers, true),
      "hand_follow_angle",
-     {R"({"command":"hand_follow_angle","set_state":true})"},
+     {done("hand_follow_angle")},
      &Set_Hand_Follow_Angle_Cmd[0].count},
-    {"Program",
-     [](ArmSocket s) { return Set_Program_ID_Start(s, 3, 20, true); },
+    {WAITING_IN(Set_Program_ID_Start, 3, 20, true),
      "get_program_run_state",
      {R"({"state":"program_run_finish","finish_id":3})"},
      &Run_Finish_Cmd[0].count},
-    {"Replay",
-     [](ArmSocket s) { return Run_Drag_Trajectory(s, true); },
+    {WAITING_IN(Run_Drag_Trajectory, true),
      "get_arm_current_trajectory",
-     {R"({"command":"run_drag_trajectory","run_state":true})"},
+     {done("run_drag_trajectory", "run_state")},
      &Run_Drag_Trajectory_Cmd[0].count,
      kReplaying},
-    {"Teaching",
-     [](ArmSocket s) { return Pos_Teach_Cmd(s, 0, 1, 20, true); },
+    {WAITING_IN(Pos_Teach_Cmd, 0, 1, 20, true),
      "set_pos_teach",
-     {R"({"command":"set_pos_teach","pos_teach":true})"},
+     {done("set_pos_teach", "pos_teach")},
      &Pos_Teach_Cmd_Cmd[0].count},
-    {"SoftLimits",
-     [](ArmSocket s) { return Auto_Fix_Joint_Over_Soft_Limit(s, true); },
+    {WAITING_IN(Auto_Fix_Joint_Over_Soft_Limit, true),
      "auto_fix_joint_over_soft_limit",
-     {R"({"command":"auto_fix_joint_over_soft_limit","set_state":true})", kReport},
+     {done("auto_fix_joint_over_soft_limit"), kReport},
      &Move_Cmd[0].count},
-    {"Project",
-     [](ArmSocket s) {
-         char line[] = "{\"command\":\"file\"}\r\n";
-         return Send_Project_Block(s, line, sizeof line - 1, nullptr);
-     },
-     "file",
-     {R"({"command":"download_project","project_state":true})"},
-     &Send_Project_Cmd[0].count},
-    {"PendingList",
-     [](ArmSocket s) { return Set_Lift(s, 300, 20, true); },
-     "set_lift",
-     {kSpeeds},
-     &Joint_Max_Speed_Cmd[0].count},
+    {WAITING_IN(send_project), "file", {done("download_project", "project_state")}, &Send_Project_Cmd[0].count},
+    {WAITING_IN(Set_Lift, 300, 20, true), "set_lift", {kSpeeds}, &Joint_Max_Speed_Cmd[0].count},
 };
+
+void PrintTo(const Wait& wait, std::ostream* out) { *out << wait.name; }
 
 class Waits : public testing::TestWithParam<Wait> {
  protected:
@@ -224,7 +198,7 @@ TEST_F(Starts, ANumberComesBackOnlyAfterAllOthers) {
 TEST_F(Starts, TheStreamIsHeardAfterARefusedTry) {
     const int nobody = ScriptedController().port();
     EXPECT_EQ(Arm_Socket_Start("127.0.0.1", nobody, 1000), 5);  // closes descriptor 0
-    const int port = free_udp_port();
+    const int port = reserve_udp_port();
     controller_.answer("get_realtime_push", realtime_push_on(port));
     ASSERT_GT(start(), ZK_LARGEST_STATUS);
     EXPECT_GT(shared(listener.socket), ZK_LARGEST_STATUS);
@@ -232,12 +206,20 @@ TEST_F(Starts, TheStreamIsHeardAfterARefusedTry) {
     eventually([] { return shared(listener.receiving) == 1; });
 }
 
-TEST_F(Starts, FromTwoThreadsGetSlotsOfTheirOwn) {
+// One talks to its controller while the other waits, so that the first one sets up the listener for both.
+TEST_F(Starts, FromTwoThreadsGetSlotsOfTheirOwnAndTheStream) {
+    const int port = reserve_udp_port();
+    controller_.answer("get_realtime_push", realtime_push_on(port));
     std::future<ArmSocket> other = std::async(std::launch::async, [this] { return start(); });
     const ArmSocket first = start(), second = other.get();
     ASSERT_GT(first, ZK_LARGEST_STATUS);
     ASSERT_GT(second, ZK_LARGEST_STATUS);
     EXPECT_EQ(Get_Socket_Idx(first) + Get_Socket_Idx(second), 1);
+    const std::string first_question = controller_.next_request();
+    for (int questions = 1; questions < 9; ++questions) EXPECT_NE(controller_.next_request(), first_question);
+    EXPECT_EQ(controller_.next_request(), first_question);
+    send_datagram(port, "{}");
+    eventually([] { return shared(listener.receiving) == 1; });
 }
 
 // Sockets are only numbers to the table.

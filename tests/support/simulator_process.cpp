@@ -10,6 +10,7 @@
 
 #include "support/paths.h"
 #include "support/socket.h"
+#include "support/udp.h"
 
 namespace zk::test {
 namespace {
@@ -31,7 +32,7 @@ std::string read_first_line(int descriptor) {
 }  // namespace
 
 SimulatorProcess::SimulatorProcess(const std::vector<std::string>& arguments) {
-    std::vector<std::string> words{kSimulator, "--port", "0", "--push-port", "0"};
+    std::vector<std::string> words{kSimulator, "--port", "0", "--push-port", std::to_string(reserve_udp_port())};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
     for (std::string& word : words) argv.push_back(word.data());

@@ -4,6 +4,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <stdexcept>
+
 #include "support/socket.h"
 
 namespace zk::test {
@@ -42,6 +44,17 @@ void send_datagram(int port, const std::string& text) {
     checked(static_cast<int>(sent), "sendto");
 }
 
-int free_udp_port() { return UdpReceiver().port(); }
+int reserve_udp_port() {
+    constexpr int kLowest = 16384, kHighest = 32767;
+    static int next = kLowest + getpid() % (kHighest - kLowest);
+    const int guard = checked(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket");
+    for (int tries = kLowest; tries < kHighest; ++tries) {
+        const int port = next;
+        next = next == kHighest ? kLowest : next + 1;
+        const sockaddr_in address = loopback(port);
+        if (bind(guard, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) return port;
+    }
+    throw std::runtime_error("no port is free");
+}
 
 }  // namespace zk::test

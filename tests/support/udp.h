@@ -29,7 +29,8 @@ class UdpReceiver {
 // Sends one datagram to a port of 127.0.0.1.
 void send_datagram(int port, const std::string& text);
 
-// A UDP port that nobody has right now.
-int free_udp_port();
+// A UDP port that is free until this process ends, for a receiver that binds it later. It lies below the ports that the
+// system assigns, and a TCP socket on the same number keeps it from other tests.
+int reserve_udp_port();
 
 }  // namespace zk::test
