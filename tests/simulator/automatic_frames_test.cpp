@@ -6,11 +6,6 @@
 namespace zk::test {
 namespace {
 
-void move_to(Talk& talk, const std::vector<double>& joints) {
-    ASSERT_TRUE(talk.movej(joints, 100));
-    ASSERT_TRUE(talk.read_arrival());
-}
-
 // The axes of the wrist joints meet 144 mm before the flange: a tool with its tip there stays in place while they
 // rotate.
 TEST(AutomaticTool, TipIsWhereTheFlangePosesMeet) {
@@ -19,7 +14,7 @@ TEST(AutomaticTool, TipIsWhereTheFlangePosesMeet) {
     int point = 0;
     for (const auto& [wrist, bend, turn] : {std::array{10.0, -40.0, 20.0}, {-60.0, 50.0, 90.0}, {80.0, 20.0, -120.0}}) {
         EXPECT_FALSE(talk.ask("generate_auto_tool_frame", keys).at("auto_tool_frame"));  // too few points
-        move_to(talk, {15, -20, -60, wrist, bend, turn});
+        talk.move_to({15, -20, -60, wrist, bend, turn});
         EXPECT_TRUE(talk.ask("set_auto_tool_frame", {{"point_num", ++point}}).at("auto_tool_frame"));
     }
     ASSERT_TRUE(talk.ask("generate_auto_tool_frame", keys).at("auto_tool_frame"));
@@ -47,15 +42,15 @@ TEST(AutomaticWork, IsInThePlaneOfItsPoints) {
     };
     EXPECT_FALSE(ask(4));
     for (int point = 0; point < 3; ++point) {
-        move_to(talk, points[point]);
+        talk.move_to(points[point]);
         EXPECT_TRUE(ask(point + 1));
     }
     EXPECT_TRUE(ask(4));
     ASSERT_TRUE(talk.ask("set_change_work_frame", {{"frame_name", "table"}}).at("change_work_frame"));
     std::vector<std::vector<int>> seen;
     for (const auto& point : points) {
-        move_to(talk, point);
-        seen.push_back(talk.ask("get_current_arm_state").at("arm_state").at("pose"));
+        talk.move_to(point);
+        seen.push_back(talk.pose());
     }
     // The frame's angles are rounded to a thousandth of a radian, which is half a millimetre at a metre.
     constexpr int kRounding = 600;

@@ -6,8 +6,6 @@
 namespace zk::test {
 namespace {
 
-Json next_state(Talk& talk) { return Json::parse(talk.push.receive()); }
-
 Json arrival(int device, bool arrived) {
     return {{"state", "current_trajectory_state"},
             {"trajectory_state", arrived},
@@ -18,15 +16,15 @@ Json arrival(int device, bool arrived) {
 void push_all(Talk& talk) {
     const Json custom{{"lift_state", true}, {"expand_state", true}, {"hand", true}};
     ASSERT_EQ(talk.ask("set_realtime_push", {{"enable", true}, {"custom", custom}}).at("state"), true);
-    while (!next_state(talk).contains("hand")) continue;
+    while (!talk.state().contains("hand")) continue;
 }
 
 // A moving value in the push never reverses and takes at least `samples` different values.
 void expect_steady_way(Talk& talk, const Json::json_pointer& where, int to, int samples) {
-    int last = next_state(talk).at(where), different = 0;
+    int last = talk.state().at(where), different = 0;
     const bool up = to > last;
     while (last != to) {
-        const int now = next_state(talk).at(where);
+        const int now = talk.state().at(where);
         EXPECT_TRUE(up ? now >= last : now <= last) << where << ": " << last << " then " << now;
         different += now != last;
         last = now;
@@ -52,7 +50,7 @@ TEST(Devices, MoveInTheirOwnTimeAndReportWhoMoved) {
     EXPECT_EQ(talk.read(), arrival(2, true));
     Json hand;
     do {
-        hand = next_state(talk).at("hand");
+        hand = talk.state().at("hand");
     } while (hand.at("hand_state") != Json({0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(hand.at("hand_angle"), Json({0, 0, 0, 600, 600, 1000}));
 

@@ -10,13 +10,6 @@
 namespace zk::test {
 namespace {
 
-using Joints = std::vector<double>;
-
-Joints plus(Joints joints, double turn) {
-    for (double& joint : joints) joint += turn;
-    return joints;
-}
-
 double distance(const Joints& a, const Joints& b) {
     double most = 0;
     for (size_t i = 0; i < a.size(); ++i) most = std::max(most, std::abs(a[i] - b[i]));

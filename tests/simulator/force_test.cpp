@@ -25,13 +25,8 @@ std::vector<double> forces(Talk& talk, const char* key) {
 
 // Of the flange, in the room: the simulator's tool and work frames are the built-in ones.
 KDL::Rotation orientation(Talk& talk) {
-    const std::vector<double> pose = talk.ask("get_current_arm_state").at("arm_state").at("pose");
-    return KDL::Rotation::RPY(pose[3] / 1000, pose[4] / 1000, pose[5] / 1000);
-}
-
-void move_to(Talk& talk, const std::vector<double>& joints) {
-    ASSERT_TRUE(talk.movej(joints, 100));
-    ASSERT_TRUE(talk.read_arrival());
+    const std::vector<int> pose = talk.pose();
+    return KDL::Rotation::RPY(pose[3] / 1e3, pose[4] / 1e3, pose[5] / 1e3);
 }
 
 double most_of(const std::vector<double>& values) {
@@ -47,7 +42,7 @@ TEST(ForceSensor, WeightTurnsWithTheFlange) {
     const auto weight = [&] { return orientation(talk).Inverse(KDL::Vector(0, 0, -kMass * kGravity)); };
     const std::vector<double> at_home = forces(talk, "force_data");
     const KDL::Vector weight_at_home = weight();
-    move_to(talk, {40, 30, -60, 80, 50, -100});
+    talk.move_to({40, 30, -60, 80, 50, -100});
     const std::vector<double> turned = forces(talk, "force_data");
     // The difference between two orientations does not contain the sensor's zero.
     const KDL::Vector change = weight() - weight_at_home, moment = centre * change;
@@ -64,12 +59,12 @@ TEST(ForceSensor, IsZeroAtTheZeroingPoseAndEverywhereAfterCalibration) {
     EXPECT_GT(most_of(forces(talk, "zero_force_data")), 1);
     ASSERT_TRUE(talk.ask("clear_force_data").at("clear_state"));
     EXPECT_LT(most_of(forces(talk, "zero_force_data")), 0.01);
-    move_to(talk, elsewhere);
+    talk.move_to(elsewhere);
     EXPECT_GT(most_of(forces(talk, "zero_force_data")), 1) << "the weight has turned";
 
     EXPECT_TRUE(talk.ask("set_force_sensor").at("set_state"));
     EXPECT_LT(most_of(forces(talk, "zero_force_data")), 0.01);
-    move_to(talk, home);
+    talk.move_to(home);
     for (const char* key : {"zero_force_data", "work_zero_force_data", "tool_zero_force_data"})
         EXPECT_LT(most_of(forces(talk, key)), 0.01) << key;
 }
@@ -81,12 +76,10 @@ TEST(ForceSensor, IsCalibratedAtFourPosesOfTheClient) {
                                                  {10, -20, -60, 15, 40, 110},
                                                  {10, -20, -60, 80, -30, 0}};
     for (size_t i = 0; i < poses.size(); ++i) {
-        std::vector<double> wire = poses[i];
-        for (double& joint : wire) joint *= 1000;
-        talk.send("manual_set_force_pose" + std::to_string(i + 1), {{"joint", wire}});
+        talk.send("manual_set_force_pose" + std::to_string(i + 1), {{"joint", thousandths(poses[i])}});
     }
     EXPECT_TRUE(talk.read().at("set_state"));
-    move_to(talk, {40, 30, -60, 80, 50, -100});
+    talk.move_to({40, 30, -60, 80, 50, -100});
     EXPECT_LT(most_of(forces(talk, "zero_force_data")), 0.3) << "noise alone";
 }
 
@@ -109,7 +102,7 @@ TEST(ForceSensor, OneAxisSensorMeasuresItsAxisOnly) {
     const double before = fz("Fz"), weight_before = orientation(talk).Inverse(KDL::Vector(0, 0, -kGravity)).z();
     std::vector<double> joints = talk.joints();
     joints[5] += 60;
-    move_to(talk, joints);
+    talk.move_to(joints);
     const double weight = orientation(talk).Inverse(KDL::Vector(0, 0, -kGravity)).z();
     EXPECT_NEAR(fz("Fz") - before, weight - weight_before, 0.03);
     EXPECT_EQ(talk.ask("get_Fz").at("set_state"), false);
@@ -123,7 +116,7 @@ TEST(ForceSensor, OneAxisSensorMeasuresItsAxisOnly) {
                      {"pose2", {10000, -30000, 15000, -60000, 20000, 50000}}};
     EXPECT_TRUE(talk.ask("manual_set_Fz", poses).at("set_state"));
     EXPECT_EQ(talk.joints()[6], 10);
-    move_to(talk, joints);
+    talk.move_to(joints);
     EXPECT_NEAR(fz("zero_Fz"), 0, 0.01);
     talk.send("get_force_data");  // no such sensor: no answer
     EXPECT_EQ(talk.ask("get_joint_degree").at("state"), "joint_degree");
@@ -134,7 +127,7 @@ TEST(ForceSensor, NoiseIsReproducible) {
     const auto force_at = [](const char* seed, int64_t time) {
         Talk talk({"--quiet", "--model", "ZK65-6F", "--force-noise", "0.5", "--seed", seed});
         for (;;) {
-            const Json state = Json::parse(talk.push.receive());
+            const Json state = talk.state();
             if (state.at("time") < time) continue;
             EXPECT_EQ(state.at("time"), time);
             return state.at("six_force_sensor").at("force").get<std::vector<int>>();
@@ -150,11 +143,11 @@ class Table : public testing::Test {
  protected:
     static std::vector<std::string> arguments() {
         Talk talk(kSixAxes);
-        const std::vector<int> pose = talk.ask("get_current_arm_state").at("arm_state").at("pose");
+        const std::vector<int> pose = talk.pose();
         const std::string height = std::to_string(pose[2] / 1e6 - 0.002);
         return with(kSixAxes, {"--wall", "0,0," + height + ",0,0,1,8000", "--load", "1,0,0,0.05"});
     }
-    double height() { return talk.ask("get_current_arm_state").at("arm_state").at("pose").at(2).get<double>() / 1e6; }
+    double height() { return talk.pose()[2] / 1e6; }
     double felt() { return forces(talk, "work_zero_force_data")[2]; }
     // Waits until the table presses with this force for a while.
     void press(double newtons) {
@@ -193,10 +186,9 @@ TEST_F(Table, IsPressedByAStreamOfSetPoints) {
     std::vector<double> joints = talk.joints();
     const double start = joints[0];
     const auto stream = [&] {
-        std::vector<int> wire;
-        for (const double joint : joints) wire.push_back(static_cast<int>(std::lround(joint * 1000)));
-        return talk.ask("Force_Position_Move",
-                        {{"joint", wire}, {"sensor", 1}, {"mode", 0}, {"dir", 2}, {"force", -80}, {"follow", true}});
+        return talk.ask(
+            "Force_Position_Move",
+            {{"joint", thousandths(joints)}, {"sensor", 1}, {"mode", 0}, {"dir", 2}, {"force", -80}, {"follow", true}});
     };
     EXPECT_EQ(stream().at("arm_err"), 261) << "not begun";
     ASSERT_TRUE(talk.ask("Start_Force_Position_Move").at("set_state"));

@@ -58,13 +58,13 @@ TEST(Jogging, TheToolJogsStraightToTheEndOfItsReach) {
     for (const auto& [model, command, key, axis, fixed] : rows) {
         Talk talk(arguments(model));
         const Limits limits = limits_of(talk);
-        const Json start = talk.ask("get_current_arm_state").at("arm_state").at("pose");
+        const std::vector<int> start = talk.pose();
         ASSERT_TRUE(talk.ask(command, {{"teach_type", axis}, {"direction", "pos"}, {"v", 100}}).at(key));
         talk.samples_until(kJogging);
         expect_within_limits(talk.samples_until(is_idle), limits, 1);
-        const Json end = talk.ask("get_current_arm_state").at("arm_state").at("pose");
+        const std::vector<int> end = talk.pose();
         EXPECT_NE(start, end);
-        for (const int i : fixed) EXPECT_NEAR(start[i].get<int>(), end[i].get<int>(), 100) << command;
+        for (const int i : fixed) EXPECT_NEAR(start[i], end[i], 100) << command;
     }
 }
 

@@ -20,11 +20,6 @@ std::vector<Sample> moved_samples(Talk& talk) {
 
 double seconds_of(const std::vector<Sample>& samples) { return (samples.back().time - samples.front().time) / 1000.0; }
 
-std::vector<double> plus(std::vector<double> joints, double turn) {
-    for (double& joint : joints) joint += turn;
-    return joints;
-}
-
 class EveryArm : public testing::TestWithParam<const char*> {};
 INSTANTIATE_TEST_SUITE_P(Simulator, EveryArm, testing::Values("ZK65-B", "ZK75-6F", "72-B"));
 
@@ -189,18 +184,6 @@ TEST(Motion, MovesQueueAndEachReportsItsArrival) {
     expect_near(talk.joints(), plus(start, -5));
 }
 
-TEST(Motion, AJoinedMoveIsNotReported) {
-    Talk talk(kCycleOption);
-    const std::vector<double> start = talk.joints();
-    ASSERT_TRUE(talk.movej(plus(start, 10), 100, 1));
-    ASSERT_TRUE(talk.movej(plus(start, 5), 100, 0));
-    const Json report = talk.read();
-    EXPECT_EQ(report.at("trajectory_connect"), 0);
-    EXPECT_EQ(report.at("trajectory_state"), true);
-    expect_near(talk.joints(), plus(start, 5));
-    EXPECT_EQ(talk.ask("get_arm_plan_num").at("plan_num"), 0);
-}
-
 // Moves to the current position arrive, up to the maximum number of joined ones.
 TEST(Motion, TooManyMovesAreRefused) {
     Talk talk(kCycleOption);
@@ -212,17 +195,6 @@ TEST(Motion, TooManyMovesAreRefused) {
     ASSERT_TRUE(talk.movej(here, 20));
     EXPECT_TRUE(talk.read_arrival());
     EXPECT_EQ(talk.ask("get_arm_plan_num").at("plan_num"), 0);
-}
-
-TEST(Motion, DeletingTheCurrentTrajectoryStartsTheNext) {
-    Talk talk(kCycleOption);
-    start_long_move(talk);
-    const std::vector<double> next = plus(talk.joints(), -3);
-    ASSERT_TRUE(talk.movej(next, 100));
-    ASSERT_TRUE(talk.ask("set_delete_current_trajectory").at("delete_current_trajectory"));
-    EXPECT_FALSE(talk.read_arrival());
-    EXPECT_TRUE(talk.read_arrival());
-    expect_near(talk.joints(), next);
 }
 
 TEST(Motion, DeletingAllTrajectoriesReportsEachOfThem) {
@@ -278,9 +250,7 @@ TEST(Motion, WaypointsRunInOrder) {
     const std::vector<double> start = talk.joints();
     EXPECT_FALSE(talk.ask("start_waypoint", {{"frequency", 10}}).at("waypoint_state"));
     for (const double turn : {8.0, -4.0}) {
-        std::vector<int> wire;
-        for (const double joint : plus(start, turn)) wire.push_back(static_cast<int>(std::lround(joint * 1000)));
-        ASSERT_TRUE(talk.ask("add_waypoint", {{"joint", wire}}).at("waypoint_state"));
+        ASSERT_TRUE(talk.ask("add_waypoint", {{"joint", thousandths(plus(start, turn))}}).at("waypoint_state"));
     }
     ASSERT_TRUE(talk.ask("start_waypoint", {{"frequency", 10}}).at("waypoint_state"));
     const auto at = [&](double turn) {

@@ -1,11 +1,8 @@
-// The simulator as a program: its options, its first line, its exit status, and its independence of the library.
+// The simulator as a program: its options, its first line, its exit status.
 #include <gtest/gtest.h>
 #include <signal.h>
 
-#include <filesystem>
-#include <fstream>
 #include <regex>
-#include <set>
 
 #include "simulator/talk.h"
 #include "support/paths.h"
@@ -69,32 +66,6 @@ TEST(Program, APortInUseIsAnError) {
     const Finished run = run_simulator("--port " + std::to_string(talk.simulator.port()));
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(run.output, "");
-}
-
-// Agreement between simulator and library proves something only if they share no code.
-TEST(Program, IncludesNothingOfTheLibrary) {
-    const std::filesystem::path folder = std::filesystem::path(kSourceFolder) / "simulator";
-    const std::regex include(R"re(\s*#\s*include\s*([<"])([^>"]+)[>"].*)re");
-    std::set<std::string> sources;
-    for (const auto& file : std::filesystem::recursive_directory_iterator(folder)) {
-        const std::string extension = file.path().extension();
-        if (extension != ".cpp" && extension != ".h") continue;
-        sources.insert(extension);
-        std::ifstream text(file.path());
-        for (std::string line; std::getline(text, line);) {
-            std::smatch parts;
-            if (!std::regex_match(line, parts, include)) continue;
-            const std::string name = parts[2];
-            if (parts[1] == "\"") {
-                EXPECT_TRUE(std::filesystem::exists(folder / name)) << file.path() << ": " << line;
-                EXPECT_EQ(name.find(".."), std::string::npos) << file.path() << ": " << line;
-            } else {
-                EXPECT_NE(name.rfind("zk", 0), 0u) << file.path() << ": " << line;
-                EXPECT_EQ(name.find("cJSON"), std::string::npos) << file.path() << ": " << line;
-            }
-        }
-    }
-    EXPECT_EQ(sources, (std::set<std::string>{".cpp", ".h"}));
 }
 
 }  // namespace

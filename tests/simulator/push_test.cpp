@@ -6,13 +6,11 @@
 namespace zk::test {
 namespace {
 
-Json next_state(Talk& talk) { return Json::parse(talk.push.receive()); }
-
 // The first state that satisfies a condition. Settings take effect within a few datagrams.
 template <typename Condition>
 Json state_when(Talk& talk, Condition condition) {
     for (;;) {
-        const Json state = next_state(talk);
+        const Json state = talk.state();
         if (condition(state)) return state;
     }
 }
@@ -25,7 +23,7 @@ void expect_status_arrays(const Json& state, size_t joints) {
 
 TEST(Push, ReportsTheArmAtRest) {
     Talk talk({"--quiet"});
-    const Json state = next_state(talk);
+    const Json state = talk.state();
     expect_status_arrays(state, 6);
     EXPECT_EQ(state.at("waypoint").at("quat").size(), 4u);
     EXPECT_EQ(state.at("arm_current_status"), "idle");
@@ -44,7 +42,7 @@ TEST(Push, ReportsTheArmAtRest) {
 
 TEST(Push, HasTheSensorOfTheModel) {
     Talk six({"--quiet", "--model", "ZK75-6F"});
-    const Json state = next_state(six);
+    const Json state = six.state();
     expect_status_arrays(state, 7);
     EXPECT_EQ(state.at("six_force_sensor").at("force").size(), 6u);
     EXPECT_EQ(state.at("six_force_sensor").at("zero_force").size(), 6u);
@@ -54,7 +52,7 @@ TEST(Push, HasTheSensorOfTheModel) {
     EXPECT_EQ(six.ask("get_realtime_push").at("force_coordinate"), 2);
 
     Talk one({"--quiet", "--model", "63-ZF"});
-    EXPECT_TRUE(next_state(one).at("one_force_sensor").at("force").is_array());
+    EXPECT_TRUE(one.state().at("one_force_sensor").at("force").is_array());
 }
 
 // The longest datagram: every part is on, and the arm has seven joints.

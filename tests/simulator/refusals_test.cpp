@@ -64,6 +64,13 @@ TEST(Refusals, MovesOfAnArmThatMayNotMove) {
     }
 }
 
+TEST(Refusals, ARefusedReturnIntoTheLimitsHasNoReport) {
+    Talk talk({"--quiet"});
+    talk.ask("set_arm_power", {{"arm_power", 64}});
+    EXPECT_FALSE(talk.ask("auto_fix_joint_over_soft_limit").at("set_state"));
+    EXPECT_TRUE(talk.ask("get_arm_plan_num").contains("plan_num")) << "the next message";
+}
+
 TEST(Refusals, FramesWithInvalidNames) {
     Talk talk({"--quiet"});
     const auto store = [&](const std::string& command, const std::string& key, const std::string& name) {

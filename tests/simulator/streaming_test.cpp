@@ -7,22 +7,13 @@
 namespace zk::test {
 namespace {
 
-Json joints(const std::vector<double>& degrees) {
-    Json wire = Json::array();
-    for (const double joint : degrees) wire.push_back(std::lround(joint * 1000));
-    return {{"joint", wire}};
-}
+Json joints(const Joints& degrees) { return {{"joint", thousandths(degrees)}}; }
 
-Json joints(const std::vector<double>& degrees, bool follow) {
+Json joints(const Joints& degrees, bool follow) {
     Json keys = joints(degrees);
     keys["follow"] = follow;
     keys["expand"] = 0;
     return keys;
-}
-
-std::vector<double> plus(std::vector<double> joints, double turn) {
-    for (double& joint : joints) joint += turn;
-    return joints;
 }
 
 // The samples up to the first one at rest at these joints.
@@ -141,8 +132,6 @@ TEST(Streaming, AStopBrakesAndOutlastsTheStream) {
     samples_to(talk, target);
 }
 
-std::vector<int> pose_of(Talk& talk) { return talk.ask("get_current_arm_state").at("arm_state").at("pose"); }
-
 TEST(Streaming, PosesAreFollowedAsEulerAnglesAndAsQuaternionsOfEitherScale) {
     Talk talk({"--quiet", "--tool", "0.02,-0.03,0.15,0,0,0"});
     const Json waypoint = Json::parse(talk.push.receive()).at("waypoint");
@@ -168,14 +157,14 @@ TEST(Streaming, PosesAreFollowedAsEulerAnglesAndAsQuaternionsOfEitherScale) {
     talk.send("movep_follow", by_angles());
     talk.samples_until([](const Sample& sample) { return sample.status == "move_through_pose"; });
     talk.samples_until("idle");
-    const std::vector<int> reached = pose_of(talk);
+    const std::vector<int> reached = talk.pose();
     for (int i = 0; i < 3; ++i) EXPECT_NEAR(reached[i], pose[i], 5) << i;
     for (int i = 3; i < 6; ++i) EXPECT_NEAR(reached[i], euler[i - 3], 1) << i;
 }
 
 TEST(Streaming, InvalidPosesAreRefused) {
     Talk talk({"--quiet"});
-    const std::vector<int> start = pose_of(talk);
+    const std::vector<int> start = talk.pose();
     const std::pair<Json, int> rows[] = {
         {{{"pose", {3000000, 0, 0, 0, 0, 0}}}, 260},
         {{{"pose", {0, 0, 0}}}, 257},
@@ -185,7 +174,7 @@ TEST(Streaming, InvalidPosesAreRefused) {
     for (const char* command : {"movep_canfd", "movep_follow"}) {
         for (const auto& [keys, error] : rows) EXPECT_EQ(talk.ask(command, keys).at("arm_err"), error) << keys;
     }
-    EXPECT_EQ(pose_of(talk), start);
+    EXPECT_EQ(talk.pose(), start);
 }
 
 }  // namespace

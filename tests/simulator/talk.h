@@ -22,6 +22,20 @@ namespace zk::test {
 
 using Json = nlohmann::json;
 
+using Joints = std::vector<double>;  // degrees
+
+inline Joints plus(Joints joints, double turn) {
+    for (double& joint : joints) joint += turn;
+    return joints;
+}
+
+// As on the wire.
+inline std::vector<int> thousandths(const Joints& joints) {
+    std::vector<int> wire;
+    for (const double joint : joints) wire.push_back(static_cast<int>(std::lround(joint * 1000)));
+    return wire;
+}
+
 // One datagram of the real-time push.
 struct Sample {
     int64_t time;                // simulated milliseconds
@@ -40,14 +54,22 @@ class Talk {
     Json ask(const std::string& name, const Json& keys = Json::object());
 
     // Orders a joint move to a target in degrees; true when it was accepted.
-    bool movej(const std::vector<double>& target, int percent, int connect = 0);
+    bool movej(const Joints& target, int percent, int connect = 0);
+
+    // Moves at full speed and waits for the arrival.
+    void move_to(const Joints& target);
 
     // Reads an arrival report. True if the arm arrived.
     bool read_arrival();
 
     // The joints in degrees, by query.
-    std::vector<double> joints();
+    Joints joints();
 
+    // The pose by query, in the units of the wire.
+    std::vector<int> pose() { return ask("get_current_arm_state").at("arm_state").at("pose"); }
+
+    // The next datagram, whole or as a sample.
+    Json state() { return Json::parse(push.receive()); }
     Sample sample();
 
     // The pose of the tool at rest.
@@ -81,11 +103,14 @@ inline Json Talk::ask(const std::string& name, const Json& keys) {
     return read();
 }
 
-inline bool Talk::movej(const std::vector<double>& target, int percent, int connect) {
-    std::vector<int> wire;
-    for (const double joint : target) wire.push_back(static_cast<int>(std::lround(joint * 1000)));
-    return ask("movej", {{"joint", wire}, {"v", percent}, {"r", 0}, {"trajectory_connect", connect}})
+inline bool Talk::movej(const Joints& target, int percent, int connect) {
+    return ask("movej", {{"joint", thousandths(target)}, {"v", percent}, {"r", 0}, {"trajectory_connect", connect}})
         .at("receive_state");
+}
+
+inline void Talk::move_to(const Joints& target) {
+    ASSERT_TRUE(movej(target, 100));
+    ASSERT_TRUE(read_arrival());
 }
 
 inline bool Talk::read_arrival() {
@@ -94,14 +119,14 @@ inline bool Talk::read_arrival() {
     return report.at("trajectory_state");
 }
 
-inline std::vector<double> Talk::joints() {
-    std::vector<double> joints = ask("get_joint_degree").at("joint");
+inline Joints Talk::joints() {
+    Joints joints = ask("get_joint_degree").at("joint");
     for (double& joint : joints) joint /= 1000;
     return joints;
 }
 
 inline Sample Talk::sample() {
-    const Json state = Json::parse(push.receive());
+    const Json state = this->state();
     const std::vector<double> p = state.at("waypoint").at("position"), q = state.at("waypoint").at("quat");
     Sample sample{state.at("time"), state.at("joint_status").at("joint_position"), state.at("arm_current_status"),
                   KDL::Frame(KDL::Rotation::Quaternion(q[1] / 1e6, q[2] / 1e6, q[3] / 1e6, q[0] / 1e6),
