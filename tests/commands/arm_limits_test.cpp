@@ -6,7 +6,6 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
-#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 
 namespace {
@@ -16,15 +15,6 @@ using namespace zk::test;
 const float kOffsets[7] = {0.251f, -90.0f, 1.5f, -0.0009f, 178.0f, 12.3456f, -7.25f};
 const float kDynamics[14] = {0.0123456f, 1.5f, -2.0f, 0.001f, 1e-10f, 123456.7f, -0.0f, 3e6f, 0, 0, 0, -1.25f, 7, 8};
 
-// A setter that takes an old reply for its own.
-#define STALE_SETTER(command, mailbox, wire, reply, ...)                                             \
-    acknowledged(#command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) true), mailbox, wire, reply)  \
-        .taking_old_replies(),                                                                       \
-        acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, wire, reply) \
-            .taking_old_replies(),                                                                   \
-        queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) false), wire),      \
-        queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), wire)
-
 const std::vector<CommandCase> kRows = {
     // Metres, radians and seconds in thousandths.
     SETTER(Set_Arm_Line_Speed, or_8(Set_Arm_Max_Line_Speed_Cmd),
@@ -33,8 +23,8 @@ const std::vector<CommandCase> kRows = {
            R"({"command": "set_arm_max_line_acc", "arm_line_acc": -1500})", "arm_line_acc", -1.5f),
     SETTER(Set_Arm_Angular_Speed, or_8(Set_Arm_Max_Angular_Speed_Cmd),
            R"({"command": "set_arm_max_angular_speed", "arm_angular_speed": 3141})", "arm_angular_speed", 3.1415f),
-    STALE_SETTER(Set_Arm_Angular_Acc, or_8(Set_Arm_Max_Angular_Acc_Cmd),
-                 R"({"command": "set_arm_max_angular_acc", "arm_angular_acc": -2147483648})", "arm_angular_acc", 3e6f),
+    SETTER_WITH(.taking_old_replies(), Set_Arm_Angular_Acc, or_8(Set_Arm_Max_Angular_Acc_Cmd),
+                R"({"command": "set_arm_max_angular_acc", "arm_angular_acc": -2147483648})", "arm_angular_acc", 3e6f),
     QUERY(Get_Arm_Line_Speed, Get_Arm_Max_Line_Speed_Cmd, "get_arm_max_line_speed",
           R"({"state":"arm_max_line_speed","arm_line_speed":251})", "0.251"),
     QUERY(Get_Arm_Line_Acc, Get_Arm_Max_Line_Acc_Cmd, "get_arm_max_line_acc",
@@ -44,16 +34,17 @@ const std::vector<CommandCase> kRows = {
     QUERY(Get_Arm_Angular_Acc, Get_Arm_Max_Angular_Acc_Cmd, "get_arm_max_angular_acc",
           R"({"state":"arm_max_angular_acc","arm_angular_acc":4000})", "4"),
 
-    STALE_SETTER(Set_Arm_Tip_Init, Set_Arm_Tip_Init_Cmd, "set_arm_init", "arm_init"),
+    SETTER_WITH(.taking_old_replies(), Set_Arm_Tip_Init, Set_Arm_Tip_Init_Cmd, "set_arm_init", "arm_init"),
     // The controller answers "state" to "stage".
     SETTER(Set_Collision_Stage, Set_Collision_Stage_Cmd, R"({"command": "set_collision_stage", "collision_stage": 8})",
            R"({"command":"set_collision_state","collision_state":true})", 8),
     QUERY(Get_Collision_Stage, Get_Collision_Stage_Cmd, "get_collision_stage",
-          R"({"state":"get_collision_stage","collision_stage":8})", "8"),
+          R"({"state":"get_collision_stage","collision_stage":8})", "8", .reads({{9, 0}})),
 
     // DH lengths in tenths.
-    STALE_SETTER(Set_DH_Data, Set_DH_Data_Cmd, R"({"command": "set_DH_data", "data": [1234, 0, 23, 100, -19]})",
-                 "set_state", 123.45f, -0.07f, 2.35f, 10, -1.99f),
+    SETTER_WITH(.taking_old_replies(), Set_DH_Data, Set_DH_Data_Cmd,
+                R"({"command": "set_DH_data", "data": [1234, 0, 23, 100, -19]})", "set_state", 123.45f, -0.07f, 2.35f,
+                10, -1.99f),
     QUERY(Get_DH_Data, Get_DH_Data_Cmd, "get_DH_data", R"({"state":"DH_data","data":[2405,0,-1,2560,1440]})",
           "240.5; 0; -0.1; 256; 144"),
     acknowledged(CALL(Set_Joint_Zero_Offset, (s, kOffsets, true)), Set_Joint_Zero_OffSet_Cmd,
@@ -84,7 +75,7 @@ const std::vector<CommandCase> kRows = {
     SETTER(Set_Teach_Frame, or_8(Set_Teach_Frame_Cmd), R"({"command": "set_teach_frame", "frame_type": 1})",
            "set_state", 1),
     QUERY(Get_Teach_Frame, Get_Teach_Frame_Cmd, "get_teach_frame", R"({"state":"get_teach_frame","frame_type":1})", "1",
-          .setting_the_count()),
+          .setting_the_count().reads({{9, 0}})),
     SETTER(Set_Arm_Servo_State, Set_Arm_Servo_State_Cmd, R"({"command": "set_arm_servo", "arm_servo": 1})", "arm_servo",
            200),
     queued("Off_" CALL(Set_Arm_Servo_State, (s, 0, false)), R"({"command": "set_arm_servo", "arm_servo": 0})"),
@@ -92,58 +83,15 @@ const std::vector<CommandCase> kRows = {
     NO_REPLY(Set_System_State_Servo, R"({"command": "set_system_state_servo", "servo_state": 3})", "servo_state", 3),
 };
 
-class ArmLimits : public testing::TestWithParam<CommandCase> {};
-TEST_P(ArmLimits, OnTheWire) { run(GetParam()); }
-INSTANTIATE_TEST_SUITE_P(, ArmLimits, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
+ZK_WIRE_TESTS(ArmLimits, "arm_limits.h", "Limits of the arm", kRows)
 
-TEST(ArmLimitsGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("arm_limits.h", kRows), ""); }
-
-TEST(ArmLimitsGuards, PlainNamesRefuseNullPointers) { expect_nulls_refused(kRows); }
-
-TEST(ArmLimitsGuards, ThePageTellsTheWire) { expect_documented("Limits of the arm", kRows); }
-
-TEST(ArmLimitsGuards, PlainNamesDoNothingDuringAFileTransfer) {
-    lwt = 3;
-    expect_nothing_during_a_file_transfer(kRows);
-    EXPECT_EQ(Set_DH_Data(77, 1, 2, 3, 4, 5, true), 5);
-    EXPECT_EQ(lwt, 3);
+TEST(ArmLimitsParsers, TruncateNumbersToThousandths) {
+    expect_parsed(parsing(Parser_Get_Arm_Line_Speed),
+                  {{R"({"arm_line_speed":1.9e3})", 0, "1.9"}, {R"({"arm_line_speed":-1500.9})", 0, "-1.5"}});
+    expect_parsed(parsing(Parser_Get_DH_Data), {{R"({"data":[1,2,3,4,5,6,7]})", 0, "0.1 0.2 0.3 0.4 0.5"}});
 }
 
-TEST(ArmLimitsGuards, SuspendWhileTheyWait) { expect_suspension({{CALL(Set_System_State_Servo, (s, 1, true))}}); }
-
-TEST(ArmLimitsParsers, Numbers) {
-    expect_number({parsing(Parser_Get_Arm_Line_Speed), "arm_line_speed", "1.234"});
-    expect_number({parsing(Parser_Get_Arm_Line_Acc), "arm_line_acc", "1.234"});
-    expect_number({parsing(Parser_Get_Arm_Angular_Speed), "arm_angular_speed", "1.234"});
-    expect_number({parsing(Parser_Get_Arm_Angular_Acc), "arm_angular_acc", "1.234"});
-    expect_parsed(parsing(Parser_Get_Arm_Line_Speed), {{R"({"arm_line_speed":1.9e3})", 0, "1.9"},
-                                                       {R"({"arm_line_speed":1500.9})", 0, "1.5"},
-                                                       {R"({"arm_line_speed":-1500.9})", 0, "-1.5"}});
-}
-
-// Nobody looks at the type of these two: what is no number counts as the integer the parser holds for it.
-TEST(ArmLimitsParsers, NumbersOfAnyType) {
-    expect_parsed(parsing(Parser_Get_Collision_Stage), {{R"({"collision_stage":8})", 0, "8"},
-                                                        {R"({"collision_stage":"8"})", 0, "0"},
-                                                        {R"({"collision_stage":true})", 0, "1"},
-                                                        {R"({"stage":8})", 9, ""},
-                                                        {R"({"collision_stage":8)", 9, ""}});
-    expect_parsed(parsing(Parser_Get_Teach_Frame), {{R"({"frame_type":1})", 0, "1"},
-                                                    {R"({"frame_type":null})", 0, "0"},
-                                                    {R"({"frame":1})", 9, ""},
-                                                    {R"(frame_type)", 9, ""}});
-}
-
-TEST(ArmLimitsParsers, DhLengths) {
-    expect_parsed(parsing(Parser_Get_DH_Data), {{R"({"data":[2405,0,-1,2560,1440]})", 0, "240.5 0 -0.1 256 144"},
-                                                {R"({"data":[1,2,3,4,5,6,7]})", 0, "0.1 0.2 0.3 0.4 0.5"},
-                                                {R"({"data":1})", 11, ""},
-                                                {R"({"dh":[1,2,3,4,5]})", 9, ""},
-                                                {R"({"data":[1,2)", 9, ""}});
-}
-
-// The fourth length is kept at once where nobody waits, after the controller's consent elsewhere, and with every
-// answer.
+// The fourth length is kept at once where nobody waits, after an acknowledgement elsewhere, and with every answer.
 TEST(KeptLength, FollowsSettingsAndAnswers) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
@@ -172,6 +120,11 @@ TEST(KeptLength, FollowsSettingsAndAnswers) {
     EXPECT_EQ(Get_DH_Data_Block(arm, &out[0], &out[1], &out[2], &out[3], &out[4]), 0);
     EXPECT_EQ(lwt, 6);
     EXPECT_EQ(ask(), 0);
+    EXPECT_EQ(lwt, 8);
+    EXPECT_EQ(Set_DH_Data(arm + 1, 1, 2, 3, 4, 5, true), 5);
+    set_shared(IsSendFile, 1);
+    EXPECT_EQ(Set_DH_Data(arm, 1, 2, 3, 4, 5, false), 18);
+    set_shared(IsSendFile, 0);
     EXPECT_EQ(lwt, 8);
     controller.answer("get_DH_data", R"({"state":"DH_data","data":7})");
     lwt = 0;
@@ -204,11 +157,6 @@ TEST(ArmLimitsOfASimulatedArm, AreGotBackAsSet) {
                       {CALL(Set_Joint_Zero_Offset, (s, kOffsets, true)), 0, angular_speed, "0.6"},
                       {CALL(Set_Arm_Dynamic_Parm, (s, kDynamics, true)), 0, angular_acc, "4"},
                       {CALL(Set_Arm_Servo_State, (s, 1, true)), 0, frame, "1"}});
-}
-
-TEST(ArmLimitsOnASimulatedArm, EveryRowIsAnswered) {
-    expect_simulated(kRows);
-    expect_simulated(kRows, "ZK75-6F");
 }
 
 }  // namespace

@@ -9,7 +9,6 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
-#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/algorithm.h"
 
@@ -34,34 +33,40 @@ const char* const kAllStateTold =
 
 const std::vector<CommandCase> kRows = {
     QUERY(Get_Current_Arm_State, Arm_Current_State_Cmd, "get_current_arm_state", kState,
-          "1 -90.001 0.001 0 0.005 0.006; 0.1 -0.2 1e-06, 3.141 -1.57 0.001; 7; 0"),
+          "1 -90.001 0.001 0 0.005 0.006; 0.1 -0.2 1e-06, 3.141 -1.57 0.001; 7; 0",
+          .reads({{}, {{"/arm_state/joint", {9, 11, 11}}}})),
     answered("Incomplete_" ASK(Get_Current_Arm_State), Arm_Current_State_Cmd, "get_current_arm_state",
              kStateWithoutErrors, "1 -90.001 0.001 0 0.005 0.006 7; 0.1 -0.2 1e-06, 3.141 -1.57 0.001; 0; 0")
         .on(75)
         .giving(9),
     answered(ASK(Get_Joint_Temperature), Get_Joint_Temperature_Cmd, "get_current_joint_temperature",
              R"({"state":"current_joint_temperature","joint_temperature":[30000,30250,0,-1,5,6]})",
-             "30 30.25 0 -0.001 0.005 0.006"),
+             "30 30.25 0 -0.001 0.005 0.006")
+        .reads({{9, 11, 0, 11}}),
     answered(ASK(Get_Joint_Temperature_Block), Get_Joint_Temperature_Cmd, "get_current_joint_temperature",
              R"({"state":"current_joint_temperature","joint_temperature":[30000,30250,0,-1,5]})",
              "30 30.25 0 -0.001 0.005 0"),
     answered(ASK(Get_Joint_Current), Get_Joint_Current_Cmd, "get_current_joint_current",
              R"({"state":"current_joint_current","joint_current":[100,2,3,4,5,6,7]})",
              "0.1 0.002 0.003 0.004 0.005 0.006 0.007")
-        .on(72),
+        .on(72)
+        .reads({{9, 11, 0, 11}}),
     answered(ASK(Get_Joint_Current_Block), Get_Joint_Current_Cmd, "get_current_joint_current",
              R"({"state":"current_joint_current","joint_current":[1,2,3,4,5,6,7]})", "0 0 0 0 0 0")
         .giving(11),
     answered(ASK(Get_Joint_Voltage), Get_Joint_Voltage_Cmd, "get_current_joint_voltage",
              R"({"state":"current_joint_voltage","joint_voltage":[24000,1,2,3,4,5]})",
-             "24 0.001 0.002 0.003 0.004 0.005"),
+             "24 0.001 0.002 0.003 0.004 0.005")
+        .reads({{9, 11, 0, 11}}),
     answered(ASK(Get_Joint_Voltage_Blcok), Get_Joint_Voltage_Cmd, "get_current_joint_voltage",
              R"({"state":"current_joint_voltage","joint_voltage":[]})", "0 0 0 0 0 0"),
     answered(ASK(Get_Joint_Degree), Get_Joint_Degree_Cmd, "get_joint_degree",
-             R"({"state":"joint_degree","joint":[1000,-90001,1,0,5,6]})", "1 -90.001 0.001 0 0.005 0.006"),
+             R"({"state":"joint_degree","joint":[1000,-90001,1,0,5,6]})", "1 -90.001 0.001 0 0.005 0.006")
+        .reads({{9, 11, 0}}),
     answered(ASK(Get_Joint_Degree_Block), Get_Joint_Degree_Cmd, "get_joint_degree",
              R"({"state":"joint_degree","joint":[1,2,3]})", "0.001 0.002 0.003 0 0 0"),
-    QUERY(Get_Arm_All_State, Get_Joint_All_State_Cmd, "get_arm_all_state", kAllState, kAllStateTold),
+    QUERY(Get_Arm_All_State, Get_Joint_All_State_Cmd, "get_arm_all_state", kAllState, kAllStateTold,
+          .reads({{9, 11, 11}, {{"/all_state", {9, 9}}}})),
     QUERY(Get_Arm_Plan_Num, Get_Arm_Plan_Num_Cmd, "get_arm_plan_num", R"({"state":"arm_plan_num","plan_num":3})", "3"),
 
     acknowledged(CALL(Set_Arm_Init_Pose, (s, kJoints, true)), Set_Arm_Init_Pose_Cmd,
@@ -75,7 +80,8 @@ const std::vector<CommandCase> kRows = {
     queued("OtherMode_" CALL(Set_Arm_Init_Pose_NonBlock, (s, kJoints)),
            R"({"command": "set_init_pose", "init_pose": [250, -90000, 1500, 0, 178000, 12345]})", 634),
     answered(ASK(Get_Arm_Init_Pose), Get_Arm_Init_Pose_Cmd, "get_init_pose",
-             R"({"state":"init_pose","init_pose":[1000,-90001,1,0,5,6]})", "1 -90.001 0.001 0 0.005 0.006"),
+             R"({"state":"init_pose","init_pose":[1000,-90001,1,0,5,6]})", "1 -90.001 0.001 0 0.005 0.006")
+        .reads({{9, 11, 11}}),
     answered(ASK(Get_Arm_Init_Pose_Block), Get_Arm_Init_Pose_Cmd, "get_init_pose",
              R"({"state":"init_pose","init_pose":[1,2,3,4,5,6,7]})", "0 0 0 0 0 0")
         .giving(11),
@@ -103,74 +109,10 @@ TEST(ArmStateGuards, TheStateNeedsItsErrorWords) {
                          {CALL(Get_Current_Arm_State, (s, joints, &pose, &word, nullptr))}});
 }
 
-// ------------------------------------------------------------------------------------------------------- Parsers --
-
-TEST(ArmStateParsers, State) {
-    const std::string pose = "1e-06 2e-06 3e-06, 0.004 0.005 0.006", joints = "0.001 0 0 0 0 0; " + pose;
-    expect_keys(parsing(Parser_Arm_State),
-                {{"pose", "[1,2,3,4,5,6]", "-; " + pose + "; -; -", {{"1", 11}, {"[1,2,3,4,5]", 10}}},
-                 {"joint", "[1,0,0,0,0,0]", joints + "; -; -", {{"1", 11}, {"[1,2,3,4,5,6,7]", 11}}},
-                 {"arm_err", "7", joints + "; 7; -", {{"\"7\"", 11}}},
-                 {"sys_err", "8", joints + "; 7; 8"}},
-                R"({"arm_state":{)", "}}");
-    expect_parsed(parsing(Parser_Arm_State),
-                  {{R"({"pose":[1,2,3,4,5,6]})", 9, ""}, {R"({"arm_state":[1,2,3,4,5,6]})", 11, ""}});
-}
-
-TEST(ArmStateParsers, MeasurementsOfAsManyJointsAsTold) {
-    const std::pair<Parse, std::string> parsers[] = {{parsing(Parser_Joint_Temperature), "joint_temperature"},
-                                                     {parsing(Parser_Joint_Current), "joint_current"},
-                                                     {parsing(Parser_Joint_Voltage), "joint_voltage"}};
-    for (const auto& [parse, key] : parsers) {
-        expect_parsed(parse, {{"{\"" + key + "\":[1,2,3,4,5,6]}", 0, "0.001 0.002 0.003 0.004 0.005 0.006"},
-                              {"{\"" + key + "\":[1,2,3,4,5]}", 0, "0.001 0.002 0.003 0.004 0.005"},
-                              {"{\"" + key + "\":[]}", 0, ""},
-                              {"{\"" + key + "\":[1,2,3,4,5,6,7]}", 11, ""},
-                              {"{\"" + key + "\":1}", 11, ""},
-                              {"{\"joint\":[1,2,3,4,5,6]}", 9, ""},
-                              {"{\"" + key + "\":[1,2", 9, ""}});
-    }
-}
-
-// Seven at most, whatever the reply holds.
-TEST(ArmStateParsers, AnglesOfAnyNumber) {
+// Seven angles at most, whatever the reply holds.
+TEST(ArmStateParsers, ReadSevenAnglesAtMost) {
     expect_parsed(parsing(Paser_Get_Joint_Degree),
-                  {{R"({"joint":[1,2,3,4,5,6]})", 0, "0.001 0.002 0.003 0.004 0.005 0.006"},
-                   {R"({"joint":[1,2,3,4,5,6,7,8,9]})", 0, "0.001 0.002 0.003 0.004 0.005 0.006 0.007"},
-                   {R"({"joint":[]})", 0, ""},
-                   {R"({"joint":{}})", 11, ""},
-                   {R"({"joints":[1]})", 9, ""},
-                   {"", 9, ""}});
-}
-
-TEST(ArmStateParsers, InitialPose) {
-    expect_joint_array({parsing(Parser_Get_Arm_Init_Pose), "init_pose", "1 -2 0.001 0 0.166 1.234", 11, 11});
-    expect_number({parsing(Parser_Get_Arm_Plan_Num), "plan_num", "1234"});
-}
-
-TEST(ArmStateParsers, Mounting) {
-    expect_parsed(parsing(Parser_Get_Install_Pose), {{R"({"pose":[0.5,-1.25,3]})", 0, "0.5; -1.25; 3"},
-                                                     {R"({"pose":"up"})", 11, ""},
-                                                     {R"({"angles":[0,0,0]})", 9, ""},
-                                                     {R"({"pose":[0,0)", 9, ""}});
-}
-
-// The keys are read in order: those before the failure are stored.
-TEST(ArmStateParsers, AllState) {
-    const std::string t = "0.001 0.001 0.001 0.001 0.001 0.001, ", v = "0.003 0.003 0.003 0.003 0.003 0.003, ",
-                      c = "0.002 0.002 0.002 0.002 0.002 0.002, ", tvc = t + v + c, e = "4 4 4 4 4 4, ",
-                      w = "5 5 5 5 5 5, ";
-    const std::vector<std::pair<std::string, int>> wrong = {{"1", 11}, {"[1,1,1,1,1]", 11}, {"[1,1,1,1,1,1,1]", 11}};
-    expect_keys(parsing(Parser_Arm_All_State),
-                {{"temperature", "[1,1,1,1,1,1]", t + ", , , , -", wrong},
-                 {"current", "[2,2,2,2,2,2]", t + ", " + c + ", , -", wrong},
-                 {"voltage", "[3,3,3,3,3,3]", tvc + ", , -", wrong},
-                 {"en_flag", "[4,4,4,4,4,4]", tvc + e + ", -", wrong},
-                 {"err_flag", "[5,5,5,5,5,5]", tvc + e + w + "-", wrong},
-                 {"sys_err", "6", tvc + e + w + "6", {{"[]", 11}}}},
-                R"({"all_state":{)", "}}");
-    expect_parsed(parsing(Parser_Arm_All_State),
-                  {{R"({"temperature":[1,1,1,1,1,1]})", 9, ""}, {R"({"all_state":7})", 9, ""}});
+                  {{R"({"joint":[1,2,3,4,5,6,7,8,9]})", 0, "0.001 0.002 0.003 0.004 0.005 0.006 0.007"}});
 }
 
 // ------------------------------------------------------------------------------------------------------ Mounting --
@@ -277,11 +219,6 @@ TEST(ArmStateOfASimulatedArm, IsMeasuredAndKept) {
               {CALL(Set_Arm_Init_Pose, (s, kJoints, true)), 0, asking(Get_Arm_Init_Pose), "0.25 -90 1.5 0 178 12.345"},
               {CALL(Set_Install_Pose, (s, true, 180, 0.5f, 90)), 0, asking(Get_Install_Pose), "180; 0.5; 90"},
               {CALL(Set_Install_Pose, (s, true, NAN, 0, 0)), 1, asking(Get_Install_Pose), "180; 0.5; 90"}});
-}
-
-TEST(ArmStateOnASimulatedArm, EveryRowIsAnswered) {
-    expect_simulated(kRows);
-    expect_simulated(kRows, "ZK75-6F");
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include "commands/wire.h"
 #include "support/command_case.h"
 #include "support/parser_case.h"
-#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 
 namespace {
@@ -52,10 +51,8 @@ std::string move_wire(const std::string& set_point) {
 }
 
 const std::vector<CommandCase> kRows = {
-    SETTER(Start_Force_Position_Move, Start_Force_Position_Move_Cmd, plain("Start_Force_Position_Move"),
-           done("Start_Force_Position_Move")),
-    SETTER(Stop_Force_Position_Move, Stop_Force_Position_Move_Cmd, plain("Stop_Force_Position_Move"),
-           done("Stop_Force_Position_Move")),
+    SETTER(Start_Force_Position_Move, Start_Force_Position_Move_Cmd, "Start_Force_Position_Move", "set_state"),
+    SETTER(Stop_Force_Position_Move, Stop_Force_Position_Move_Cmd, "Stop_Force_Position_Move", "set_state"),
 
     queued(CALL(Force_Position_Move_Pose, (s, 1, 255, -3, 9, kByQuaternion, 0.25f)), wire(kPoseQuat, kFollow)),
     queued("Euler_" CALL(Force_Position_Move_Pose, (s, 1, 255, -3, 0, kByEuler, 0.25f)), wire(kPose, kSmooth)),
@@ -107,7 +104,5 @@ TEST(ForcePositionParsers, Report) {
                    {"{" + six + "}", 9, ""},
                    {R"({"state":true,)" + six, 9, ""}});
 }
-
-TEST(ForcePositionOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

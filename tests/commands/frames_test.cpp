@@ -9,7 +9,6 @@
 #include "support/kdl_frames.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
-#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/algorithm.h"
 #include "zk/startup.h"
@@ -25,6 +24,7 @@ const Exchange kTool{"get_current_tool_frame",
                      R"({"state":"current_tool_frame","tool_name":"grip","pose":[100000,-200000,1,3141,-1570,1],)"
                      R"("payload":1234.5,"position":[100000,-1500,1]})"};
 const char* const kToolTold = "grip, 0.1 -0.2 1e-06, 3.141 -1.57 0.001, 1.2345 0.1 -0.0015 1e-06";
+const Reading kToolRead{{}, {{"/tool_name", {9, 0}}}};
 const Exchange kWork{"get_current_work_frame",
                      R"({"state":"current_work_frame","frame_name":"table","pose":[100000,-200000,1,3141,-1570,1]})"};
 const char* const kWorkTold = "table, 0.1 -0.2 1e-06, 3.141 -1.57 0.001, 0 0 0 0";
@@ -44,20 +44,8 @@ const auto kAskGivenWork = [](auto form) {
 
 #define CENTRE 0.1f, -0.0015f, 0.0000019f
 // Selects or deletes a frame, then asks for the frame in use, even in the non-blocking form.
-#define SELECTION(command, mailbox, wire, reply, question, name)                                      \
-    acknowledged(#command, ZK_FORM(command, name, true), mailbox, wire, reply).followed_by(question), \
-        acknowledged(#command "_Block", ZK_FORM(command##_Block, name), mailbox, wire, reply),        \
-        queued("Unwaited_" #command, ZK_FORM(command, name, false), wire).followed_by(question),      \
-        queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, name), wire)
-#define UPDATE(command, mailbox, wire, reply, ...)                                        \
-    acknowledged(#command, ZK_FORM(command, __VA_ARGS__), mailbox, wire, reply).adding(), \
-        acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, wire, reply).adding()
-// Whose non-blocking form sends another text.
-#define TWO_SCALES(command, mailbox, waited, unwaited, reply, ...)                                      \
-    acknowledged(#command, ZK_FORM(command, __VA_ARGS__, true), mailbox, waited, reply),                \
-        acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, waited, reply), \
-        queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__, false), unwaited),                   \
-        queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), unwaited)
+#define SELECTION(command, mailbox, wire, reply, question, name) \
+    FOLLOWED(command, mailbox, wire, wire, reply, question, name)
 #define GIVEN(name, call, mailbox, wire, reply, outputs) \
     answered(name, call, mailbox, wire, reply, outputs).clearing_old_replies().wiping()
 
@@ -65,24 +53,24 @@ const std::vector<CommandCase> kRows = {
     // Tools: mass and centre of gravity have other scales in each form.
     SETTER(Auto_Set_Tool_Frame, Auto_Set_Tool_Frame_Cmd, R"({"command": "set_auto_tool_frame", "point_num": 6})",
            "auto_tool_frame", 6),
-    TWO_SCALES(Generate_Auto_Tool_Frame, Auto_Set_Tool_Frame_Cmd,
-               R"({"command": "generate_auto_tool_frame", "tool_name": "grip", "payload": 1234.500000, )"
-               R"("position": [100000, -1500, 1]})",
-               R"({"command": "generate_auto_tool_frame", "tool_name": "grip", "payload": 1234.500000, )"
-               R"("position": [100, -1, 0]})",
-               R"({"command":"generate_auto_tool_frame","auto_tool_frame":true})", "grip", 1.2345f, CENTRE),
-    TWO_SCALES(Manual_Set_Tool_Frame, Manual_Set_Tool_Frame_Cmd,
-               R"({"command": "set_manual_tool_frame", "tool_name": "a \"b\"", )"
-               R"("tool_pose": [123456, -300000, 1, 3141, -1570, 1], "payload": 333.299988, )"
-               R"("position": [100000, -1500, 1]})",
-               R"({"command": "set_manual_tool_frame", "tool_name": "a \"b\"", )"
-               R"("tool_pose": [123456, -300000, 1, 3141, -1570, 1], "payload": 0.333300, "position": [100, -1, 0]})",
-               R"({"command":"set_manual_tool_frame","manual_tool_frame":true})", "a \"b\"", kPose, 0.3333f, CENTRE),
-    UPDATE(Update_Tool_Frame, Update_Tool_Frame_Cmd,
-           R"({"command": "update_tool_frame", "tool_name": "grip", )"
-           R"("tool_pose": [123456, -300000, 1, 3141, -1570, 1], "payload": 1234.500000, )"
-           R"("position": [100000, -1500, 1]})",
-           R"({"command":"update_tool_frame","update_state":true})", "grip", kPose, 1.2345f, CENTRE),
+    FOLLOWED(Generate_Auto_Tool_Frame, Auto_Set_Tool_Frame_Cmd,
+             R"({"command": "generate_auto_tool_frame", "tool_name": "grip", "payload": 1234.500000, )"
+             R"("position": [100000, -1500, 1]})",
+             R"({"command": "generate_auto_tool_frame", "tool_name": "grip", "payload": 1234.500000, )"
+             R"("position": [100, -1, 0]})",
+             "auto_tool_frame", {}, "grip", 1.2345f, CENTRE),
+    FOLLOWED(Manual_Set_Tool_Frame, Manual_Set_Tool_Frame_Cmd,
+             R"({"command": "set_manual_tool_frame", "tool_name": "a \"b\"", )"
+             R"("tool_pose": [123456, -300000, 1, 3141, -1570, 1], "payload": 333.299988, )"
+             R"("position": [100000, -1500, 1]})",
+             R"({"command": "set_manual_tool_frame", "tool_name": "a \"b\"", )"
+             R"("tool_pose": [123456, -300000, 1, 3141, -1570, 1], "payload": 0.333300, "position": [100, -1, 0]})",
+             "manual_tool_frame", {}, "a \"b\"", kPose, 0.3333f, CENTRE),
+    WAITING_WITH(.adding(), Update_Tool_Frame, Update_Tool_Frame_Cmd,
+                 R"({"command": "update_tool_frame", "tool_name": "grip", )"
+                 R"("tool_pose": [123456, -300000, 1, 3141, -1570, 1], "payload": 1234.500000, )"
+                 R"("position": [100000, -1500, 1]})",
+                 "update_state", "grip", kPose, 1.2345f, CENTRE),
     SELECTION(Change_Tool_Frame, Change_Tool_Frame_Cmd, R"({"command": "set_change_tool_frame", "tool_name": ""})",
               "change_tool_frame", kTool, ""),
     SELECTION(Delete_Tool_Frame, Delete_Tool_Frame_Cmd, R"({"command": "set_delete_tool_frame", "tool_name": "grip"})",
@@ -96,12 +84,13 @@ const std::vector<CommandCase> kRows = {
     acknowledged(CALL(Set_None_Payload_Block, (s)), Set_None_Payload_Cmd, "set_none_payload", "set_state"),
     queued(CALL(Set_None_Payload_NonBlock, (s)), "set_none_payload"),
 
-    QUERY(Get_Current_Tool_Frame, Current_Tool_Cmd, kTool.wire, kTool.reply, kToolTold, .wiping()),
+    QUERY(Get_Current_Tool_Frame, Current_Tool_Cmd, kTool.wire, kTool.reply, kToolTold, .wiping().reads(kToolRead)),
     GIVEN("Get_Given_Tool_Frame", kAskGivenTool(Get_Given_Tool_Frame), Given_Tool_Cmd,
           R"({"command": "get_tool_frame", "tool_name": "grip"})",
           R"({"state":"given_tool_frame","tool_name":"tool_frame_long","pose":[1.9,2,3e0,4,5,6],"payload":2.5,)"
           R"("position":[1,2,3]})",
-          "tool_frame, 1e-06 2e-06 3e-06, 0.004 0.005 0.006, 0.0025 1e-06 2e-06 3e-06"),
+          "tool_frame, 1e-06 2e-06 3e-06, 0.004 0.005 0.006, 0.0025 1e-06 2e-06 3e-06")
+        .reads(kToolRead),
     GIVEN("Get_Given_Tool_Frame_Block", kAskGivenTool(Get_Given_Tool_Frame_Block), Given_Tool_Cmd,
           R"({"command": "get_tool_frame", "tool_name": "grip"})",
           R"({"state":"get_tool_frame","get_state":true,"tool_name":"grip","pose":[1,2,3,4,5,6],"payload":0,)"
@@ -117,21 +106,23 @@ const std::vector<CommandCase> kRows = {
     SETTER(Manual_Set_Work_Frame, Manual_Set_Work_Frame_Cmd,
            R"({"command": "set_manual_work_frame", "frame_name": "table", )"
            R"("frame_pose": [123456, -300000, 1, 3141, -1570, 1]})",
-           R"({"command":"set_manual_work_frame","manual_work_frame":true})", "table", kPose),
-    UPDATE(Update_Work_Frame, Update_Work_Frame_Cmd,
-           R"({"command": "update_work_frame", "frame_name": "table", )"
-           R"("frame_pose": [123456, -300000, 1, 3141, -1570, 1]})",
-           R"({"command":"update_work_frame","update_state":true})", "table", kPose),
+           "manual_work_frame", "table", kPose),
+    WAITING_WITH(.adding(), Update_Work_Frame, Update_Work_Frame_Cmd,
+                 R"({"command": "update_work_frame", "frame_name": "table", )"
+                 R"("frame_pose": [123456, -300000, 1, 3141, -1570, 1]})",
+                 "update_state", "table", kPose),
     SELECTION(Change_Work_Frame, Change_Work_Frame_Cmd,
               R"({"command": "set_change_work_frame", "frame_name": "table"})", "change_work_frame", kWork, "table"),
     SELECTION(Delete_Work_Frame, Delete_Work_Frame_Cmd,
               R"({"command": "set_delete_work_frame", "frame_name": "table"})", "delete_work_frame", kWork, "table"),
 
-    QUERY(Get_Current_Work_Frame, Current_Work_Cmd, kWork.wire, kWork.reply, kWorkTold, .wiping()),
+    QUERY(Get_Current_Work_Frame, Current_Work_Cmd, kWork.wire, kWork.reply, kWorkTold,
+          .wiping().reads({{}, {{"/frame_name", {9, 0}}}})),
     GIVEN("Get_Given_Work_Frame", kAskGivenWork(Get_Given_Work_Frame), Given_Work_Frame_Cmd,
           R"({"command": "get_work_frame", "frame_name": "table"})",
           R"({"state":"given_work_frame","frame_name":"work_frame_long","pose":[1.9,2,3,4,5,6]})",
-          "work_frame; 1e-06 2e-06 3e-06, 0.004 0.005 0.006"),
+          "work_frame; 1e-06 2e-06 3e-06, 0.004 0.005 0.006")
+        .reads({{}, {{"/frame_name", {0, 0}}}}),
     GIVEN("Get_Given_Work_Frame_Block", kAskGivenWork(Get_Given_Work_Frame_Block), Given_Work_Frame_Cmd,
           R"({"command": "get_work_frame", "frame_name": "table"})", R"({"state":"get_work_frame","get_state":false})",
           "; 0 0 0, 0 0 0")
@@ -159,25 +150,18 @@ TEST_P(Frames, OnTheWire) {
 }
 INSTANTIATE_TEST_SUITE_P(, Frames, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
 
-TEST(FramesGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("frames.h", kRows), ""); }
+ZK_WIRE_GUARDS(Frames, "frames.h", "Frames and payload", kRows)
 
-TEST(FramesGuards, PlainNamesRefuseNullPointers) {
+TEST(FramesOnASimulatedArm, AnswersEveryRow) { expect_simulated(kRows); }
+
+TEST(FramesGuards, QueriesByNameRefuseNullPointers) {
     static FrameRec frame;
     static Pose pose;
     static char name[12];
-    expect_nulls_refused(kRows);
     expect_nothing_sent({{CALL(Get_Given_Tool_Frame, (s, nullptr, &frame))},
                          {CALL(Get_Given_Tool_Frame, (s, "grip", nullptr))},
                          {CALL(Get_Given_Work_Frame, (s, nullptr, &pose))},
                          {CALL(Get_Given_Work_Frame, (s, name, nullptr))}});
-}
-
-TEST(FramesGuards, ThePageDescribesTheWire) { expect_documented("Frames and payload", kRows); }
-
-TEST(FramesGuards, PlainNamesDoNothingDuringAFileTransfer) {
-    std::vector<CommandCase> rows = kRows;
-    std::erase_if(rows, [](const CommandCase& row) { return row.name.find("Set_Payload") == 0; });
-    expect_nothing_during_a_file_transfer(rows);
 }
 
 // A request has at most 299 bytes with its CRLF.
@@ -196,20 +180,14 @@ TEST(FramesGuards, ANameThatIsTooLongEndsTheProcess) {
 
 // ------------------------------------------------------------------------------------------------------- Parsers --
 
-TEST(FramesParsers, ToolFrames) {
-    const std::string posed = "grip, 1 0 0, 0 0 1, ";
-    for (const auto parser : {Parser_Get_Current_Tool_Frame, Parser_Get_Given_Tool_Frame}) {
-        expect_keys(
-            parsing(parser),
-            {{"tool_name", "\"grip\"", "grip, , , ", {}},
-             {"pose", "[1000000,0,0,0,0,1000]", posed, {{"true", 11}, {"[1,2,3,4,5,6,7]", 10}}},
-             {"payload", "500", posed + "0.5", {{"\"500\"", 11}}},
-             {"position", "[0,0,1000]", posed + "0.5 0 0 0.001", {{"0", 11}, {"[0,0]", 11}, {"[0,0,0,0]", 11}}}});
-    }
+TEST(FramesParsers, RefuseAFrameThatIsNotThere) {
     expect_parsed(parsing(Parser_Get_Given_Tool_Frame),
-                  {{R"({"get_state":false})", 1, ""},
-                   {R"({"tool_name":"grip","get_state":false,"pose":[0,0,0,0,0,0]})", 1, ""},
-                   {R"({"get_state":true})", 9, ""}});
+                  {{R"({"tool_name":"grip","get_state":false,"pose":[0,0,0,0,0,0]})", 1, ""},
+                   {R"({"tool_name":"grip","pose":[1000000,0,0,0,0,0],"payload":0,"position":[0,0]})", 11,
+                    "grip, 1 0 0, 0 0 0, 0"}});
+    expect_parsed(parsing(Parser_Get_Given_Work_Frame),
+                  {{R"({"get_state":false,"frame_name":"table","pose":[0,0,0,0,0,0]})", 1, ""},
+                   {R"({"get_state":null,"pose":[1000000,0,0,0,0,1000]})", 0, "-; 1 0 0, 0 0 1"}});
 }
 
 // Ten bytes of name at most, the eleventh left alone.
@@ -221,35 +199,12 @@ TEST(FramesParsers, NamesAreCut) {
     EXPECT_EQ(std::string(frame.frame_name, 12), "0123456789zz");
 }
 
-TEST(FramesParsers, WorkFrames) {
-    const std::string pose = R"(,"pose":[1000000,0,0,0,0,1000]})";
-    expect_keys(parsing(Parser_Get_Current_Work_Frame),
-                {{"frame_name", "\"table\"", "table, , , ", {}},
-                 {"pose", "[1000000,0,0,0,0,1000]", "table, 1 0 0, 0 0 1, ", {{"7", 11}, {"[1,2,3]", 10}}}});
-    expect_parsed(parsing(Parser_Get_Given_Work_Frame), {{R"({"frame_name":"table")" + pose, 0, "table; 1 0 0, 0 0 1"},
-                                                         {R"({"frame_name":7)" + pose, 0, "-; 1 0 0, 0 0 1"},
-                                                         {R"({"get_state":null)" + pose, 0, "-; 1 0 0, 0 0 1"},
-                                                         {R"({"get_state":false,"frame_name":"table")" + pose, 1, ""},
-                                                         {R"({"frame_name":"table"})", 9, "table; -"},
-                                                         {R"({"pose":{}})", 11, ""},
-                                                         {R"({"pose":[]})", 10, ""},
-                                                         {"", 9, ""}});
-}
-
-TEST(FramesParsers, Names) {
-    const std::pair<Parse, std::string> parsers[] = {{parsing(Parser_Get_All_Tool_Frame), "tool_names"},
-                                                     {parsing(Parser_Get_All_Work_Frame), "frame_names"}};
-    for (const auto& [parse, key] : parsers) {
-        const auto reply = [&list = key](const std::string& names) { return "{\"" + list + "\":" + names + "}"; };
-        expect_parsed(parse, {{reply(R"(["a","NULL","b"])"), 0, "a; 1"},
-                              {reply(R"(["a","null","NULLx"])"), 0, "a null NULLx; 3"},
-                              {reply("[]"), 0, "-; 0"},
-                              {reply(R"(["1","2","3","4","5","6","7","8","9","10","11","12","13"])"), 0,
-                               "1 2 3 4 5 6 7 8 9 10 11; 11"},
-                              {reply(R"("a")"), 11, ""},
-                              {R"({"names":["a"]})", 9, ""},
-                              {reply("[\"a\""), 9, ""}});
-    }
+TEST(FramesParsers, ReadTheNamesUpToNullOrTheEndOfTheRecord) {
+    expect_parsed(parsing(Parser_Get_All_Tool_Frame),
+                  {{R"({"tool_names":["a","null","NULLx","NULL","b"]})", 0, "a null NULLx; 3"},
+                   {R"({"tool_names":[]})", 0, "-; 0"},
+                   {R"({"tool_names":["1","2","3","4","5","6","7","8","9","10","11","12","13"]})", 0,
+                    "1 2 3 4 5 6 7 8 9 10 11; 11"}});
 }
 
 // -------------------------------------------------------------------------------------------- The local picture --
@@ -427,7 +382,5 @@ TEST(FramesOfASimulatedArm, WorkFramesAreReadBackAsSet) {
     Pose pose{};
     EXPECT_EQ(Get_Given_Work_Frame(arm, name, &pose), 1);
 }
-
-TEST(FramesOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

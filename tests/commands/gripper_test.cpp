@@ -3,9 +3,7 @@
 
 #include "commands/wire.h"
 #include "support/command_case.h"
-#include "support/parser_case.h"
 #include "support/simulated_arm.h"
-#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/replies/gripper_and_hand.h"
 #include "zk/replies/joint_configuration.h"
@@ -41,7 +39,7 @@ const char* const kPwm = R"({"command": "set_PWM", "PWM_Frq": 1000, "PWM_Dpulse"
 
 const std::vector<CommandCase> kRows = {
     SETTER(Set_Gripper_Route, Set_Gripper_Route_Cmd, R"({"command": "set_gripper_route", "min": -1, "max": 1000})",
-           done("set_gripper_route", "state"), -1, 1000),
+           "state", -1, 1000),
 
     GRIPPING(Set_Gripper_Release, R"({"command": "set_gripper_release", "speed": -1, "block": true})", -1),
     acknowledged(CALL(Set_Gripper_Release_NonBlock, (s, 500, 1)), Set_Gripper_Release_Cmd,
@@ -60,36 +58,32 @@ const std::vector<CommandCase> kRows = {
         .taking_old_replies(),
     GRIPPING(Set_Gripper_Position, R"({"command": "set_gripper_position", "position": 300, "block": true})", 300),
     queued(CALL(Set_Gripper_Position_NonBlock, (s, 300, 0)), R"({"command": "set_gripper_position", "position": 300})"),
-    QUERY(Get_Gripper_State, Get_Gripper_State_Cmd, plain("get_gripper_state"), kState, kStateTold,
+    QUERY(Get_Gripper_State, Get_Gripper_State_Cmd, "get_gripper_state", kState, kStateTold,
           .with_the_status_of_another()),
 
     acknowledged(CALL(Set_Hand_Posture, (s, 3, true)), {}, kPosture, posed("set_hand_posture")),
     acknowledged(CALL(Set_Hand_Posture_Block, (s, 3)), {}, kPosture, posed("set_hand_posture")),
     acknowledged(CALL(Set_Hand_Posture_NonBlock, (s, 3)), Set_Hand_Posture_Cmd,
-                 R"({"command": "set_hand_posture", "posture_num": 3})", done("set_hand_posture")),
+                 R"({"command": "set_hand_posture", "posture_num": 3})", "set_state"),
     acknowledged(CALL(Set_Hand_Seq, (s, 4, true)), {}, kSequence, posed("set_hand_seq")),
     acknowledged(CALL(Set_Hand_Seq_Block, (s, 4)), {}, kSequence, posed("set_hand_seq")),
     acknowledged(CALL(Set_Hand_Seq_NonBlock, (s, 4)), Set_Hand_Seq_Cmd, R"({"command": "set_hand_seq", "seq_num": 4})",
-                 done("set_hand_seq")),
+                 "set_state"),
 
-    SETTER(Set_Hand_Angle, Set_Hand_Angle_Cmd, kAngles, done("set_hand_angle"), kFingers),
+    SETTER(Set_Hand_Angle, Set_Hand_Angle_Cmd, kAngles, "set_state", kFingers),
     queued(CALL(Set_Hand_Follow_Angle, (s, kFingers, false)), kNextAngles),
     queued(CALL(Set_Hand_Follow_Angle_NonBlock, (s, kFingers)), kNextAngles),
     queued(CALL(Set_Hand_Follow_Pos, (s, kFingers, false)), kNextPositions),
     queued(CALL(Set_Hand_Follow_Pos_NonBlock, (s, kFingers)), kNextPositions),
-    SETTER(Set_Hand_Speed, Set_Hand_Speed_Cmd, R"({"command": "set_hand_speed", "hand_speed": -8})",
-           done("set_hand_speed"), -8),
-    SETTER(Set_Hand_Force, Set_Hand_Force_Cmd, R"({"command": "set_hand_force", "hand_force": 800})",
-           done("set_hand_force"), 800),
+    SETTER(Set_Hand_Speed, Set_Hand_Speed_Cmd, R"({"command": "set_hand_speed", "hand_speed": -8})", "set_state", -8),
+    SETTER(Set_Hand_Force, Set_Hand_Force_Cmd, R"({"command": "set_hand_force", "hand_force": 800})", "set_state", 800),
 
-    no_reply(CALL(Set_PWM, (s, 1000, -5, true)), kPwm, done("set_PWM")),
-    no_reply(CALL(Set_PWM_Block, (s, 1000, -5)), kPwm, done("set_PWM")),
+    no_reply(CALL(Set_PWM, (s, 1000, -5, true)), kPwm, "set_state"),
+    no_reply(CALL(Set_PWM_Block, (s, 1000, -5)), kPwm, "set_state"),
     queued(CALL(Set_PWM_NoBlock, (s, 1000, -5)), kPwm),
 };
 
-class Gripper : public testing::TestWithParam<CommandCase> {};
-TEST_P(Gripper, OnTheWire) { run(GetParam()); }
-INSTANTIATE_TEST_SUITE_P(, Gripper, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
+ZK_WIRE_ROWS(Gripper, kRows, static_cast<void>(0));
 
 // Those that send nothing, and those of gripper_fast_test.cpp, whose limit cannot be raised.
 std::vector<CommandCase> all_rows() {
@@ -102,22 +96,7 @@ std::vector<CommandCase> all_rows() {
     return rows;
 }
 
-TEST(GripperGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("gripper_and_hand.h", all_rows()), ""); }
-
-TEST(GripperGuards, PlainNamesRefuseNullPointers) { expect_nulls_refused(all_rows()); }
-
-// The page lists the acknowledgement, not the report.
-TEST(GripperGuards, ThePageDescribesTheWire) {
-    std::vector<CommandCase> rows = kRows;
-    for (CommandCase& row : rows) row.reply = row.reply.substr(0, row.reply.find("\r\n"));
-    expect_documented("Gripper and hand", rows);
-}
-
-TEST(GripperGuards, PlainNamesDoNothingDuringAFileTransfer) {
-    std::vector<CommandCase> rows = all_rows();
-    std::erase_if(rows, [](const CommandCase& row) { return row.name == "Set_PWM_NoBlock"; });
-    expect_nothing_during_a_file_transfer(rows);
-}
+ZK_WIRE_GUARDS(Gripper, "gripper_and_hand.h", "Gripper and hand", all_rows())
 
 TEST(GripperGuards, PwmCannotBeStopped) {
     expect_nothing_sent({{CALL(Stop_PWM, (s, true))},
@@ -126,8 +105,6 @@ TEST(GripperGuards, PwmCannotBeStopped) {
                          {CALL(Stop_PWM_NonBlock, (s))}},
                         8);
 }
-
-TEST(GripperGuards, RaiseSuspendQueueWhileTheyWait) { expect_suspension({{CALL(Set_PWM, (s, 1000, 50, true))}}); }
 
 // A broken reply is not seen: the status is that of the joint drives' upper limits.
 TEST(GripperState, HasTheStatusOfAnotherQuery) {
@@ -140,18 +117,6 @@ TEST(GripperState, HasTheStatusOfAnotherQuery) {
     EXPECT_EQ(Get_Gripper_State(arm, &state), 0);
     set_shared(Get_Joint_Drive_Max_Pos_Cmd[0].result, int32_t{10});
     EXPECT_EQ(Get_Gripper_State(arm, &state), 10);
-}
-
-TEST(GripperParsers, State) {
-    const std::string start = R"({"status":0,"enable":-7,"error":3,)", rest = R"("temperature":6,"actpos":7})";
-    expect_parsed(parsing(Parser_Get_Gripper_State),
-                  {{start + R"("mode":4,"current_force":5,)" + rest, 0, "1 0, 3 4 5 6 7"},
-                   {start + R"("mode":4,)" + rest, 9, "1 0, 3 4 - - -"},
-                   {start + R"("mode":4,"current_force":"5",)" + rest, 11, "1 0, 3 4 - - -"},
-                   {R"({"status":true,"enable":1})", 11, ""},
-                   {R"({"enable":1,"error":3})", 9, ""},
-                   {R"({"status":1,"error":3})", 9, "- 1, - - - - -"},
-                   {start, 9, ""}});
 }
 
 // ------------------------------------------------------------------------------------------------- A simulated arm --
@@ -184,6 +149,6 @@ TEST(GripperOfASimulatedArm, GripsWhatThereIs) {
     EXPECT_EQ(Set_PWM(arm, 1000, 50, false), 0);
 }
 
-TEST(GripperOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
+TEST(GripperOnASimulatedArm, AnswersEveryRow) { expect_simulated(kRows); }
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include "commands/wire.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
-#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/dispatch.h"
 
@@ -39,14 +38,14 @@ const char* const kSupplyType = R"({"state":"voltage_state","voltage_type":3})";
 const char* const kState = R"({"state":"IO_state","IO_state":1,"IO_Mode":3})";
 
 const std::vector<CommandCase> kRows = {
-    SETTER(Set_DO_State, Set_DO_State_Cmd, kOn, done("set_DO_state"), 3, 200),
+    SETTER(Set_DO_State, Set_DO_State_Cmd, kOn, "set_state", 3, 200),
     queued("Off_" CALL(Set_DO_State_NonBlock, (s, 3, 0)), kOff),
     // A single-precision product, truncated.
-    SETTER(Set_AO_State, Set_AO_State_Cmd, R"({"command": "set_AO_state", "IO_Num": 255, "voltage": 250})",
-           done("set_AO_state", "state"), 255, 0.251f),
+    SETTER(Set_AO_State, Set_AO_State_Cmd, R"({"command": "set_AO_state", "IO_Num": 255, "voltage": 250})", "state",
+           255, 0.251f),
     queued("Negative_" CALL(Set_AO_State_NonBlock, (s, 0, -1.5f)),
            R"({"command": "set_AO_state", "IO_Num": 0, "voltage": -1500})"),
-    acknowledged(CALL(Set_IO_State, (s, 0, 3, 7, true)), Set_DO_State_Cmd, kOn, done("set_DO_state")),
+    acknowledged(CALL(Set_IO_State, (s, 0, 3, 7, true)), Set_DO_State_Cmd, kOn, "set_state"),
     queued("Analogue_" CALL(Set_IO_State, (s, 1, 4, 7, false)),
            R"({"command": "set_AO_state", "IO_Num": 4, "voltage": 7000})"),
 
@@ -60,70 +59,55 @@ const std::vector<CommandCase> kRows = {
              R"({"state":"AI_state","voltage":2500})", "2"),
     answered("Get_AI_State_Blcok", asking_3(Get_AI_State_Blcok), Get_AI_State_Cmd, of_3("get_AI_state"),
              R"({"state":"AI_state","voltage":256000})", "0"),
-    QUERY(Get_IO_Input, Get_IO_State_Cmd, plain("get_IO_input"),
+    QUERY(Get_IO_Input, Get_IO_State_Cmd, "get_IO_input",
           R"({"state":"IO_input","DI":[1,0,1,-1],"AI":[2500,0,1,10000]})", "1 0 1 -1; 2.5 0 0.001 10"),
-    QUERY(Get_IO_Output, Get_IO_Output_State_Cmd, plain("get_IO_output"),
+    QUERY(Get_IO_Output, Get_IO_Output_State_Cmd, "get_IO_output",
           R"({"state":"IO_output","DO":[0,1,0,1],"AO":[1,2500,0,10000]})", "0 1 0 1; 0.001 2.5 0 10"),
-    QUERY_BY(asking_3, Get_IO_State, Get_DIO_State_Cmd, of_3("get_IO_state"), kState, "1; 3"),
-    WAITING(Set_IO_Mode, Set_IO_Mode_Cmd, R"({"command": "set_IO_mode", "IO_Num": 3, "IO_mode": 255})",
-            done("set_IO_mode"), 3, 255),
+    QUERY_BY(asking_3, Get_IO_State, Get_DIO_State_Cmd, of_3("get_IO_state"), kState, "1; 3",
+             .reads({{}, {{"/IO_Mode", {0, 0}}}})),
+    WAITING(Set_IO_Mode, Set_IO_Mode_Cmd, R"({"command": "set_IO_mode", "IO_Num": 3, "IO_mode": 255})", "set_state", 3,
+            255),
 
-    WAITING(Set_Voltage, Set_Voltage_Cmd, kSupply, done("set_voltage", "state"), 3, 2),
+    WAITING(Set_Voltage, Set_Voltage_Cmd, kSupply, "state", 3, 2),
     acknowledged("AtOnce_" CALL(Set_Voltage_Block, (s, 0, 0)), Set_Voltage_Cmd,
-                 R"({"command": "set_voltage", "voltage_type": 0, "start_enable": false})",
-                 done("set_voltage", "state")),
-    QUERY(Get_Voltage, Get_Voltage_Cmd, plain("get_voltage"), kSupplyType, "3"),
+                 R"({"command": "set_voltage", "voltage_type": 0, "start_enable": false})", "state"),
+    QUERY(Get_Voltage, Get_Voltage_Cmd, "get_voltage", kSupplyType, "3"),
 
     SETTER(Set_Tool_DO_State, Set_Tool_DO_State_Cmd, R"({"command": "set_tool_DO_state", "IO_Num": 1, "state": 1})",
-           done("set_tool_DO_state"), 1, 9),
+           "set_state", 1, 9),
     SETTER(Set_Tool_IO_Mode, Set_Tool_IO_Mode_Cmd, R"({"command": "set_tool_IO_mode", "IO_Num": 2, "state": 0})",
-           done("set_tool_IO_mode"), 2, 0),
-    QUERY(Get_Tool_IO_State, Get_Tool_IO_State_Cmd, plain("get_tool_IO_state"),
+           "set_state", 2, 0),
+    QUERY(Get_Tool_IO_State, Get_Tool_IO_State_Cmd, "get_tool_IO_state",
           R"({"state":"tool_IO_state","IO_Mode":[0,1],"IO_State":[1,1234]})", "0 1; 1 1234"),
-    SETTER(Set_Tool_Voltage, Set_Tool_Voltage_Cmd, R"({"command": "set_tool_voltage", "voltage_type": 255})",
-           done("set_tool_voltage", "state"), 255),
-    QUERY(Get_Tool_Voltage, Get_Tool_Voltage_Cmd, plain("get_tool_voltage"),
-          R"({"state":"tool_voltage","voltage_type":2})", "2"),
+    SETTER(Set_Tool_Voltage, Set_Tool_Voltage_Cmd, R"({"command": "set_tool_voltage", "voltage_type": 255})", "state",
+           255),
+    QUERY(Get_Tool_Voltage, Get_Tool_Voltage_Cmd, "get_tool_voltage", R"({"state":"tool_voltage","voltage_type":2})",
+          "2"),
 
     // Only 1 counts as on.
-    UNFED(Set_IO_Mode, given(3, 2), R"({"command": "set_IO_mode", "IO_Num": 3, "IO_mode": 0})", done("set_IO_mode")),
+    UNFED(Set_IO_Mode, given(3, 2), R"({"command": "set_IO_mode", "IO_Num": 3, "IO_mode": 0})", "set_state"),
     no_reply("One_" CALL(Set_IO_Mode_Block_NC_E, (s, 3, 1)), R"({"command": "set_IO_mode", "IO_Num": 3, "IO_mode": 1})",
-             done("set_IO_mode")),
-    UNFED(Set_IO_State, given(3, 2), kOff, done("set_DO_state")),
-    no_reply("One_" CALL(Set_IO_State_Block_NC_E, (s, 3, 1)), kOn, done("set_DO_state")),
+             "set_state"),
+    UNFED(Set_IO_State, given(3, 2), kOff, "set_state"),
+    no_reply("One_" CALL(Set_IO_State_Block_NC_E, (s, 3, 1)), kOn, "set_state"),
     UNFED(Get_IO_State, asking_3, of_3("get_IO_state"), kState),
-    UNFED(Get_Controller_Voltage, asking, plain("get_voltage"), kSupplyType),
-    UNFED(Set_Controller_Voltage, given(3, 2), kSupply, done("set_voltage", "state")),
+    UNFED(Get_Controller_Voltage, asking, "get_voltage", kSupplyType),
+    UNFED(Set_Controller_Voltage, given(3, 2), kSupply, "state"),
 };
 
-class Io : public testing::TestWithParam<CommandCase> {};
-TEST_P(Io, OnTheWire) { run(GetParam()); }
-INSTANTIATE_TEST_SUITE_P(, Io, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
-
-TEST(IoGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("io.h", kRows), ""); }
-
-TEST(IoGuards, PlainNamesRefuseNullPointers) { expect_nulls_refused(kRows); }
-
-TEST(IoGuards, ThePageDescribesTheWire) { expect_documented("Inputs and outputs", kRows); }
+ZK_WIRE_TESTS(Io, "io.h", "Inputs and outputs", kRows)
 
 // They go on during a file transfer, as far as the queue that it holds.
-bool is_thin(const CommandCase& row) {
-    return std::regex_match(row.name, std::regex("(Unwaited_)?(Set_[DA]O|Get_[DA][IO])_State"));
-}
-
-TEST(IoGuards, PlainNamesDoNothingDuringAFileTransfer) {
-    std::vector<CommandCase> rows = kRows;
-    EXPECT_EQ(std::erase_if(rows, is_thin), 8u);
-    expect_nothing_during_a_file_transfer(rows);
-}
-
 TEST(IoGuards, SingleInputsAndOutputsWaitInTheQueueDuringAFileTransfer) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
     set_shared(m_nOutTime, 1);
     const ArmSocket arm = connect_arm(controller);
     std::vector<CommandCase> rows = kRows;
-    std::erase_if(rows, std::not_fn(is_thin));
+    std::erase_if(rows, [](const CommandCase& row) {
+        return !std::regex_match(row.name, std::regex("(Unwaited_)?(Set_[DA]O|Get_[DA][IO])_State"));
+    });
+    EXPECT_EQ(rows.size(), 8u);
     set_shared(IsSendFile, 1);
     std::string outputs;
     for (const CommandCase& row : rows) EXPECT_EQ(row.call(arm, outputs), row.reply.empty() ? 0 : 7) << row.name;
@@ -145,49 +129,12 @@ TEST(Inputs, AreStoredWithTheOutputs) {
     EXPECT_EQ(text_of({out.count, out.result, out.value}), "0 0 1");
 }
 
-// ------------------------------------------------------------------------------------------------------- Parsers --
-
-TEST(IoParsers, Numbers) {
-    for (const auto& parser : {Parser_Get_DO_State, Parser_Get_DI_State})
-        expect_number({parsing(parser), "IO_state", "1234"});
-    for (const auto& parser : {Parser_Get_AO_State, Parser_Get_AI_State})
-        expect_number({parsing(parser), "voltage", "1.234"});
-    for (const auto& parser : {Parser_Get_Voltage, Parser_Get_Tool_Voltage})
-        expect_number({parsing(parser), "voltage_type", "1234"});
-}
-
-TEST(IoParsers, States) {
-    for (const Parse& parse : {parsing(Parser_Get_IO_State), parsing(Parser_Get_IO_State_NC_E)}) {
-        expect_parsed(parse, {{R"({"IO_state":1,"IO_Mode":3})", 0, "1; 3"},
-                              {R"({"IO_state":1,"IO_Mode":"3"})", 0, "1; -"},
-                              {R"({"IO_Mode":3})", 9, ""},
-                              {R"({"IO_state":true,"IO_Mode":3})", 11, ""},
-                              {"", 9, ""}});
-    }
-}
-
 // Shorter arrays fill what they hold, longer ones no more than there is room for.
 TEST(IoParsers, Banks) {
-    for (const auto& [parse, digital, analogue] :
-         {std::tuple{parsing(Parser_IO_Input), "DI", "AI"}, {parsing(Parser_IO_Output), "DO", "AO"}}) {
-        const auto text = [&, digital = digital, analogue = analogue](const char* first, const char* second) {
-            return std::string(R"({")") + digital + "\":" + first + ",\"" + analogue + "\":" + second + "}";
-        };
-        expect_parsed(parse, {{text("[1,2,3,4,5]", "[1,2,3,4,5]"), 0, "1 2 3 4; 0.001 0.002 0.003 0.004"},
-                              {text("[1]", "[]"), 0, "1; -"},
-                              {text("1", "[]"), 11, ""},
-                              {text("[1]", "1"), 11, "1; -"},
-                              {std::string(R"({")") + digital + R"(":[1]})", 9, "1; -"},
-                              {std::string(R"({")") + analogue + R"(":[1]})", 9, ""}});
-    }
-}
-
-TEST(IoParsers, Tool) {
-    expect_parsed(parsing(Parser_Get_Tool_IO_State), {{R"({"IO_Mode":[1,0,1],"IO_State":[1]})", 0, "1 0; 1"},
-                                                      {R"({"IO_Mode":[1,0]})", 9, "1 0; -"},
-                                                      {R"({"IO_State":[1,0]})", 9, ""},
-                                                      {R"({"IO_Mode":1,"IO_State":[1,0]})", 11, ""},
-                                                      {R"({"IO_Mode":[1],"IO_State":{}})", 11, "1; -"}});
+    expect_parsed(parsing(Parser_IO_Input),
+                  {{R"({"DI":[1,2,3,4,5],"AI":[1,2,3,4,5]})", 0, "1 2 3 4; 0.001 0.002 0.003 0.004"},
+                   {R"({"DI":[1],"AI":[]})", 0, "1; -"}});
+    expect_parsed(parsing(Parser_Get_Tool_IO_State), {{R"({"IO_Mode":[1,0,1],"IO_State":[1]})", 0, "1 0; 1"}});
 }
 
 // ------------------------------------------------------------------------------------------------- A simulated arm --
@@ -228,7 +175,5 @@ TEST(IoOfASimulatedArm, TheToolHasTwoPortsAndASupply) {
     EXPECT_EQ(Get_Voltage(arm, &type), 0);
     EXPECT_EQ(type, 2);
 }
-
-TEST(IoOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include "support/command_case.h"
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
-#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/algorithm.h"
 #include "zk/replies/motion.h"
@@ -31,13 +30,6 @@ const char* const kTurns = "180 225 6 0.006 0 -6";  // 6 degrees per second for 
 const char* const kLowestDegrees = "-178 -130.001 0 0.001 0.002 0.003";
 const char* const kHighestDegrees = "178 130.001 0 0.001 0.002 0.003";
 
-// The forms of a limit's setter, of which those that wait and those that do not may send different texts. The plain
-// name goes on with the question, also where it does not wait.
-#define LIMIT(command, mailbox, waited, unwaited, reply, question, ...)                                        \
-    acknowledged(#command, ZK_FORM(command, __VA_ARGS__, true), mailbox, waited, reply).followed_by(question), \
-        acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, waited, reply),        \
-        queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__, false), unwaited).followed_by(question),    \
-        queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), unwaited)
 // A drive's setter, whose reply may have either of two names.
 #define DRIVE_LIMIT(command, mailbox, wire, reply, other_reply, ...)                      \
     acknowledged(#command, ZK_FORM(command, __VA_ARGS__), mailbox, wire, reply).adding(), \
@@ -46,22 +38,23 @@ const char* const kHighestDegrees = "178 130.001 0 0.001 0.002 0.003";
 const std::vector<CommandCase> kRows = {
     // Speed and acceleration go out in thousandths of a revolution per minute, without the division by 6 where nobody
     // waits.
-    LIMIT(Set_Joint_Speed, or_8(Set_Joint_Max_Speed_Cmd),
-          R"({"command": "set_joint_max_speed", "joint_max_speed": [3, 30083]})",
-          R"({"command": "set_joint_max_speed", "joint_max_speed": [3, 180500]})", "joint_max_speed", kSpeeds, 3,
-          180.5f),
-    LIMIT(Set_Joint_Acc, or_8(Set_Joint_Max_Acc_Cmd),
-          R"({"command": "set_joint_max_acc", "joint_max_acc": [255, -1283]})",
-          R"({"command": "set_joint_max_acc", "joint_max_acc": [255, -7700]})", "joint_max_acc", kAccelerations, 255,
-          -7.7f),
-    LIMIT(Set_Joint_Min_Pos, or_8(Set_Joint_Min_Pos_Cmd),
-          R"({"command": "set_joint_min_pos", "joint_min_pos": [1, -178500]})",
-          R"({"command": "set_joint_min_pos", "joint_min_pos": [1, -178500]})", "joint_min_pos", kLowest, 1, -178.5f),
-    LIMIT(Set_Joint_Max_Pos, or_8(Set_Joint_Max_Pos_Cmd),
-          R"({"command": "set_joint_max_pos", "joint_max_pos": [6, 250]})",
-          R"({"command": "set_joint_max_pos", "joint_max_pos": [6, 250]})", "joint_max_pos", kHighest, 6, 0.251f),
+    FOLLOWED(Set_Joint_Speed, or_8(Set_Joint_Max_Speed_Cmd),
+             R"({"command": "set_joint_max_speed", "joint_max_speed": [3, 30083]})",
+             R"({"command": "set_joint_max_speed", "joint_max_speed": [3, 180500]})", "joint_max_speed", kSpeeds, 3,
+             180.5f),
+    FOLLOWED(Set_Joint_Acc, or_8(Set_Joint_Max_Acc_Cmd),
+             R"({"command": "set_joint_max_acc", "joint_max_acc": [255, -1283]})",
+             R"({"command": "set_joint_max_acc", "joint_max_acc": [255, -7700]})", "joint_max_acc", kAccelerations, 255,
+             -7.7f),
+    FOLLOWED(Set_Joint_Min_Pos, or_8(Set_Joint_Min_Pos_Cmd),
+             R"({"command": "set_joint_min_pos", "joint_min_pos": [1, -178500]})",
+             R"({"command": "set_joint_min_pos", "joint_min_pos": [1, -178500]})", "joint_min_pos", kLowest, 1,
+             -178.5f),
+    FOLLOWED(Set_Joint_Max_Pos, or_8(Set_Joint_Max_Pos_Cmd),
+             R"({"command": "set_joint_max_pos", "joint_max_pos": [6, 250]})",
+             R"({"command": "set_joint_max_pos", "joint_max_pos": [6, 250]})", "joint_max_pos", kHighest, 6, 0.251f),
 
-    QUERY(Get_Joint_Speed, Joint_Max_Speed_Cmd, kSpeeds.wire, kSpeeds.reply, kTurns),
+    QUERY(Get_Joint_Speed, Joint_Max_Speed_Cmd, kSpeeds.wire, kSpeeds.reply, kTurns, .reads({{9, 10}})),
     answered("SevenJoints_" ASK(Get_Joint_Speed_Block), Joint_Max_Speed_Cmd, kSpeeds.wire,
              R"({"state":"joint_max_speed","joint_speed":[1000,2000,3000,4000,5000,6000,7000]})", "6 12 18 24 30 36 42")
         .on(75),
@@ -83,7 +76,8 @@ const std::vector<CommandCase> kRows = {
                 R"({"command": "set_joint_drive_max_pos", "joint_max_pos": [2, 250]})", "joint_max_pos",
                 R"({"command":"set_joint_drive_max_pos","joint_max_pos":true})", 2, 0.251f),
     QUERY(Get_Joint_Drive_Speed, Get_Joint_Drive_Max_Speed_Cmd, "get_joint_drive_max_speed",
-          R"({"state":"get_joint_drive_max_speed","joint_speed":[30000,37500,1000,1,0,-1000]})", kTurns),
+          R"({"state":"get_joint_drive_max_speed","joint_speed":[30000,37500,1000,1,0,-1000]})", kTurns,
+          .reads({{9, 10}})),
     QUERY(Get_Joint_Drive_Acc, Get_Joint_Drive_Max_Acc_Cmd, "get_joint_drive_max_acc",
           R"({"state":"get_joint_drive_max_acc","joint_acc":[30000,37500,1000,1,0,-1000]})", kTurns),
     QUERY(Get_Joint_Drive_Min_Pos, Get_Joint_Drive_Min_Pos_Cmd, "get_joint_drive_min_pos",
@@ -132,13 +126,6 @@ const std::vector<CommandCase> kRows = {
 
 ZK_WIRE_TESTS(JointConfiguration, "joint_configuration.h", "Joint configuration", kRows)
 
-TEST(JointConfigurationGuards, RaiseSuspendQueueWhileTheyWait) {
-    expect_suspension({{CALL(Start_Calibrate, (s, true))},
-                       {CALL(Stop_Calibrate, (s, true))},
-                       {ASK(Get_Calibrate_State)},
-                       {CALL(Auto_Set_Joint_Limit, (s, 1)), kLimitModeSet}});
-}
-
 // The three that look at the connection: first whether there is one, then whether the library runs.
 TEST(JointConfigurationGuards, NoConnectionNoThreads) {
     EXPECT_EQ(Set_Joint_Speed(0, 1, 1, false), 5);
@@ -153,40 +140,13 @@ TEST(JointConfigurationGuards, NoConnectionNoThreads) {
     EXPECT_EQ(Set_Joint_Zero_Pos(0, 1, false), 18);
 }
 
-TEST(JointConfigurationParsers, JointArrays) {
-    const JointArrayParser parsers[] = {
-        {parsing(Parser_Get_Joint_Speed), "joint_speed", "6 -12 0.006 0 0.996 7.404", 10},
-        {parsing(Parser_Get_Joint_Acc), "joint_acc", "6 -12 0.006 0 0.996 7.404"},
-        {parsing(Parser_Get_Min_Pos), "min_pos", "1 -2 0.001 0 0.166 1.234"},
-        {parsing(Parser_Get_Max_Pos), "max_pos", "1 -2 0.001 0 0.166 1.234"},
-        {parsing(Parser_Get_Joint_Drive_Max_Speed), "joint_speed", "6 -12 0.006 0 0.996 7.404", 10},
-        {parsing(Parser_Get_Joint_Drive_Max_Acc), "joint_acc", "6 -12 0.006 0 0.996 7.404"},
-        {parsing(Parser_Get_Joint_Drive_Min_Pos), "min_pos", "1 -2 0.001 0 0.166 1.234"},
-        {parsing(Parser_Get_Joint_Drive_Max_Pos), "max_pos", "1 -2 0.001 0 0.166 1.234"},
-        {parsing(Parser_Get_Joint_EN_State), "en_state", "1000 -2000 1 0 166 1234"},
-        {parsing(Parser_Get_Joint_Software_Version), "version", "1000 -2000 1 0 166 1234"},
-    };
-    for (const JointArrayParser& parser : parsers) expect_joint_array(parser);
-}
-
-// An array of another size leaves the outputs unchanged; the second array may fail after a good first.
-TEST(JointConfigurationParsers, TwoArrays) {
-    expect_keys(parsing(Parser_Get_Joint_Err_Flag),
-                {{"err_flag", "[1,2,3,4,5,6]", "1 2 3 4 5 6; -", {{"true", 11}, {"[1,2,3,4,5,6,7]", 10}}},
-                 {"brake_state", "[0,1,0,1,0,1]", "1 2 3 4 5 6; 0 1 0 1 0 1", {{"1", 11}, {"[0,1]", 10}}}});
-}
-
 // The key of the errors is also read as a number, which fails: a good reply fills the arrays and returns 11.
 TEST(JointConfigurationParsers, CalibrationNeverSucceeds) {
     const auto state = parsing(Parser_Get_Calibrate_State);
     expect_parsed(state,
                   {{R"({"joint_state":[1,2,3,4,255,256],"err":[0,1,2,3,4,5]})", 11, "1 2 3 4 255 0; 0 1 2 3 4 5; -"},
                    {R"({"joint_state":[1,2,3,4,5,6],"err":7})", 9, "1 2 3 4 5 6; -; -"},
-                   {R"({"joint_state":[1,2,3,4,5,6],"err":[0]})", 10, "1 2 3 4 5 6; -; -"},
-                   {R"({"joint_state":[1,2,3,4,5,6]})", 9, "1 2 3 4 5 6; -; -"},
-                   {R"({"joint_state":[1,2,3,4,5],"err":[0,1,2,3,4,5]})", 10, ""},
-                   {R"({"joint_state":1,"err":[0,1,2,3,4,5]})", 9, ""},
-                   {R"({"err":[0,1,2,3,4,5]})", 9, ""}});
+                   {R"({"joint_state":[1,2,3,4,5,6],"err":[0]})", 10, "1 2 3 4 5 6; -; -"}});
 }
 
 // ------------------------------------------------------------------------------------------------ The local model --
@@ -384,11 +344,6 @@ TEST(JointConfigurationOfASimulatedArm, SoftLimitsAreReachedAgain) {
     float joints[6];
     EXPECT_EQ(Get_Joint_Degree(arm, joints), 0);
     EXPECT_EQ(joints[2], 89.5f);
-}
-
-TEST(JointConfigurationOnASimulatedArm, EveryRowIsAnswered) {
-    expect_simulated(kRows);
-    expect_simulated(kRows, "ZK75-6F");
 }
 
 }  // namespace

@@ -4,9 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
-#include <iterator>
 
 #include <nlohmann/json.hpp>
 
@@ -14,7 +12,6 @@
 #include "support/kdl_frames.h"
 #include "support/parser_case.h"
 #include "support/scaled_time.h"
-#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/algorithm.h"
 #include "zk/startup.h"
@@ -91,28 +88,17 @@ const std::vector<CommandCase> kRows = {
         .giving(9),
 };
 
-class Motion : public testing::TestWithParam<CommandCase> {
- protected:
-    void SetUp() override {
-        set_time_factor(0);
-        set_shared(g_is_robot_type_i, uint8_t{1});
+ZK_WIRE_ROWS(Motion, kRows, set_time_factor(0); set_shared(g_is_robot_type_i, uint8_t{1}));
+
+// The page lists the query under the state of the arm.
+std::vector<CommandCase> moves() {
+    std::vector<CommandCase> rows = kRows;
+    for (CommandCase& row : rows) {
+        if (row.wire == "get_current_arm_state") row.wire = "";
     }
-};
-TEST_P(Motion, OnTheWire) { run(GetParam()); }
-INSTANTIATE_TEST_SUITE_P(, Motion, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
-
-TEST(MotionGuards, EveryCommandHasARow) { EXPECT_EQ(commands_without_row("motion.h", kRows), ""); }
-
-TEST(MotionGuards, ThePageDescribesTheWire) {
-    std::vector<CommandCase> moves;
-    std::copy_if(kRows.begin(), kRows.end(), std::back_inserter(moves),
-                 [](const CommandCase& row) { return command_name(row.wire) != "get_current_arm_state"; });
-    expect_documented("Motion", moves);
+    return rows;
 }
-
-TEST(MotionGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
-
-TEST(MotionGuards, NoMoveWithoutJoints) { expect_nulls_refused(kRows); }
+ZK_WIRE_GUARDS(Motion, "motion.h", "Motion", moves())
 
 TEST(MotionGuards, NoMoveWithoutAConnection) {
     expect_nothing_sent({{CALL(Movej_Cmd_Block, (s + 1, kJoints, 20, 0, 0))},
@@ -202,6 +188,6 @@ TEST_P(DerivedMoves, MoveOnALineToTheComputedTarget) {
     for (int i = 0; i < 6; ++i) EXPECT_NEAR(request["pose"][i].get<int>(), expected[i], 2) << i;
 }
 
-TEST(MotionOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
+TEST(MotionOnASimulatedArm, AnswersEveryRow) { expect_simulated(kRows); }
 
 }  // namespace

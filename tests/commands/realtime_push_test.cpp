@@ -48,15 +48,14 @@ const std::vector<CommandCase> kRows = {
         "{\n\t\"command\":\t\"set_realtime_push\",\n\t\"enable\":\tfalse,\n\t\"custom\":\t{\n\t}\n}",
         R"({"command":"set_realtime_push","state":true})")),
     answered(ASK(Get_Realtime_Push), Get_Realtime_Push_Cmd, R"({"command": "get_realtime_push"})", kReply, kReplyTold)
-        .wiping(),
+        .wiping()
+        .reads({{}, {{"/force_coordinate", {0}}}}),
     answered(ASK(Get_Realtime_Push_Block), Get_Realtime_Push_Cmd, R"({"command": "get_realtime_push"})", kReply,
              kReplyTold)
         .wiping(),
 };
 
-class RealtimePush : public testing::TestWithParam<CommandCase> {};
-TEST_P(RealtimePush, OnTheWire) { run(GetParam()); }
-INSTANTIATE_TEST_SUITE_P(, RealtimePush, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
+ZK_WIRE_ROWS(RealtimePush, kRows, static_cast<void>(0));
 
 TEST(RealtimePushGuards, ThePageTellsTheWire) { expect_documented("Real-time push", kRows); }
 

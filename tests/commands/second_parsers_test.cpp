@@ -43,15 +43,26 @@ TEST(SecondParsers, AreTheirNamesakes) {
 
 // Parsers of acknowledgements that no row runs: their replies reach no mailbox, or no command asks for them.
 TEST(AcknowledgementParsers, WithoutARow) {
-    for (const AckParser& parser : {AckParser{Parser_Start_Calibrate, "calibrate_state", 8},
-                                    {Parser_Set_System_State_Servo, "servo_state"},
-                                    {Parser_Set_Gripper, "waypoint_state"},
-                                    {Paser_Timer, "wait_time"},
-                                    {Parser_Set_Car_Station, "navigation_state"},
-                                    {Parser_Set_Net_State_E, "status"},
-                                    {Parser_Set_Popup, "popup_result"},
-                                    {Parser_init_force_drag_threshold, "init_state"}}) {
-        expect_acknowledgement(parser);
+    struct AckParser {
+        int (*parse)(const char* text);
+        const char* key;
+        int other = 11;
+    };
+    for (const auto& [parse, key, other] : {AckParser{Parser_Start_Calibrate, "calibrate_state", 8},
+                                            {Parser_Set_System_State_Servo, "servo_state"},
+                                            {Parser_Set_Gripper, "waypoint_state"},
+                                            {Paser_Timer, "wait_time"},
+                                            {Parser_Set_Car_Station, "navigation_state"},
+                                            {Parser_Set_Net_State_E, "status"},
+                                            {Parser_Set_Popup, "popup_result"},
+                                            {Parser_Set_Sale_Version_E, "sale_version", 0},
+                                            {Parser_Set_Lift_Version_E, "lift_version", 0},
+                                            {Parser_init_force_drag_threshold, "init_state"}}) {
+        const std::string start = std::string("{\"") + key + "\":";
+        EXPECT_EQ(parse((start + "true}").c_str()), 0) << key;
+        EXPECT_EQ(parse((start + "false}").c_str()), 1) << key;
+        EXPECT_EQ(parse((start + "null}").c_str()), other) << key;
+        EXPECT_EQ(parse("{}"), 9) << key;
     }
 }
 

@@ -7,7 +7,6 @@
 
 #include "support/command_case.h"
 #include "support/parser_case.h"
-#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 #include "zk/queue.h"
 #include "zk/trajectory.h"
@@ -134,7 +133,5 @@ TEST(Reports, ComeBackWhileSetPointsGoOut) {
     EXPECT_EQ(reports[1].result, 4097);
     EXPECT_EQ(reports[1].pose.position.x, 0.25f);
 }
-
-TEST(StreamingOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
 
 }  // namespace

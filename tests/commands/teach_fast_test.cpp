@@ -6,7 +6,6 @@
 
 #include "support/command_case.h"
 #include "support/scaled_time.h"
-#include "support/simulated_rows.h"
 #include "support/wire_protocol.h"
 
 namespace {
@@ -55,13 +54,7 @@ const std::vector<CommandCase> kRows = {
            R"({"command": "set_ort_step", "step_type": "ry_step", "step": -500, "v": 20})"),
 };
 
-class Teach : public testing::TestWithParam<CommandCase> {
- protected:
-    void SetUp() override { set_time_factor(0); }
-};
-TEST_P(Teach, OnTheWire) { run(GetParam()); }
-INSTANTIATE_TEST_SUITE_P(, Teach, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
-
+ZK_WIRE_ROWS(Teach, kRows, set_time_factor(0));
 ZK_WIRE_GUARDS(Teach, "teach.h", "Teaching and steps", kRows)
 
 TEST(TeachGuards, BlockingFormsNeedAConnection) {
@@ -81,6 +74,6 @@ TEST(TeachGuards, JoggingWithoutAnAnswerEndsIn7) {
     }
 }
 
-TEST(TeachOnASimulatedArm, EveryRowIsAnswered) { expect_simulated(kRows); }
+TEST(TeachOnASimulatedArm, AnswersEveryRow) { expect_simulated(kRows); }
 
 }  // namespace

@@ -7,9 +7,6 @@
 
 namespace zk::test {
 
-// A request without further keys.
-inline std::string plain(const std::string& command) { return R"({"command": ")" + command + "\"}"; }
-
 // A good acknowledgement.
 inline std::string done(const std::string& command, const std::string& key = "set_state") {
     return R"({"command":")" + command + R"(",")" + key + R"(":true})";
@@ -26,10 +23,5 @@ template <class... Values>
 auto given(Values... values) {
     return [=](auto form) { return [=](ArmSocket s) { return form(s, values...); }; };
 }
-
-// The rows of a query whose two forms `call` makes calls of.
-#define QUERY_BY(call, command, mailbox, wire, reply, outputs)                                        \
-    answered(#command, Call(call(command), nulls(#command, command)), mailbox, wire, reply, outputs), \
-        answered(#command "_Block", call(command##_Block), mailbox, wire, reply, outputs)
 
 }  // namespace zk::test

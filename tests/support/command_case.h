@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <ostream>
 #include <string>
 #include <type_traits>
@@ -95,12 +96,21 @@ inline FirstRecord of_any_type(FirstRecord mailbox) {
     return mailbox;
 }
 
-// A request without its CRLF and the reply to it, "" for none. The request is written as on the wire; or on one line,
-// as
-// {"command": "a", "b": [1, 2]}; or as the name of a command without keys.
+// A request without its CRLF and the reply to it, "" for none. The request is written as on the wire, or on one line as
+// {"command": "a", "b": [1, 2]}, or as the name of a command without keys.
 struct Exchange {
     std::string wire;
     std::string reply;
+};
+
+// The statuses of a query when its reply lacks a key, when the key is null, and when its array of six or seven numbers
+// is shorter or longer; 0: the reply is taken all the same.
+struct Strictness {
+    int missing = 9, wrong = 11, shorter = 10, longer = shorter;
+};
+struct Reading {
+    Strictness of_most = {};
+    std::map<std::string, Strictness> of = {};  // by path, as in "/arm_state/pose"
 };
 
 struct CommandCase {
@@ -120,15 +130,24 @@ struct CommandCase {
     bool status_lost = false;  // the call does not return the status of the mailbox
     int limit = 60000;         // of waiting for a reply, ms
 
-    CommandCase followed_by(const Exchange& exchange) const;
-    CommandCase adding() const;
-    CommandCase setting_the_count() const;
-    CommandCase taking_old_replies() const;
-    CommandCase clearing_old_replies() const;
-    CommandCase wiping() const;
-    CommandCase with_the_status_of_another() const;
-    CommandCase on(int mode) const;
-    CommandCase giving(int other_status) const;
+    Reading reading = {};
+
+    template <class Value>
+    CommandCase with(Value CommandCase::*member, Value value) const {
+        CommandCase row = *this;
+        row.*member = std::move(value);
+        return row;
+    }
+    CommandCase followed_by(const Exchange& exchange) const { return with(&CommandCase::then, exchange); }
+    CommandCase adding() const { return with(&CommandCase::adds, true); }
+    CommandCase setting_the_count() const { return with(&CommandCase::adds, false); }
+    CommandCase taking_old_replies() const { return with(&CommandCase::takes_old, true); }
+    CommandCase clearing_old_replies() const { return with(&CommandCase::takes_old, false); }
+    CommandCase wiping() const { return with(&CommandCase::wipes, true); }
+    CommandCase with_the_status_of_another() const { return with(&CommandCase::status_lost, true); }
+    CommandCase on(int mode) const { return with(&CommandCase::arm_mode, mode); }
+    CommandCase giving(int other_status) const { return with(&CommandCase::status, other_status); }
+    CommandCase reads(const Reading& as) const { return with(&CommandCase::reading, as); }
 };
 
 // Rows of the usual kinds. A non-blocking form queues its request and returns 0.
@@ -159,25 +178,36 @@ Call asking(int (*query)(ArmSocket, Outs*...), const std::string& name = "") {
 
 // The rows of a command's forms, called with the same arguments. SETTER: the plain name with either flag, _Block and
 // _NonBlock; WAITING: the plain name without a flag and _Block; QUERY: the same two forms with their outputs and the
-// words that follow, such as .wiping(); NO_REPLY: as SETTER, for a reply that does not reach the caller.
+// words that follow, such as .wiping(); QUERY_BY: with other arguments, through `call`; NO_REPLY: as SETTER, for a
+// reply that does not reach the caller; FOLLOWED: as SETTER, but the forms that do not wait may send another text, and
+// the plain name goes on with `next`. _WITH: with words that follow the rows of an acknowledgement.
 #define ZK_FORM(form, ...) \
     zk::test::Call([](ArmSocket s) { return form(s __VA_OPT__(, ) __VA_ARGS__); }, zk::test::nulls(#form, form))
-#define SETTER(command, mailbox, wire, reply, ...)                                                    \
-    acknowledged(#command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) true), mailbox, wire, reply),  \
-        acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, wire, reply), \
-        queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) false), wire),       \
+#define ZK_UNWAITED(command, wire, ...)                                                     \
+    queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) false), wire), \
         queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), wire)
-#define WAITING(command, mailbox, wire, reply, ...)                              \
-    acknowledged(#command, ZK_FORM(command, __VA_ARGS__), mailbox, wire, reply), \
-        acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, wire, reply)
-#define QUERY(command, mailbox, wire, reply, outputs, ...)             \
-    answered(ASK(command), mailbox, wire, reply, outputs) __VA_ARGS__, \
-        answered(ASK(command##_Block), mailbox, wire, reply, outputs) __VA_ARGS__
-#define NO_REPLY(command, wire, reply, ...)                                                     \
-    no_reply(#command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) true), wire, reply),         \
-        no_reply(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), wire, reply),        \
-        queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) false), wire), \
-        queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), wire)
+#define SETTER_WITH(words, command, mailbox, wire, reply, ...)                                              \
+    acknowledged(#command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) true), mailbox, wire, reply) words,  \
+        acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, wire, reply) words, \
+        ZK_UNWAITED(command, wire, __VA_ARGS__)
+#define SETTER(...) SETTER_WITH(, __VA_ARGS__)
+#define WAITING_WITH(words, command, mailbox, wire, reply, ...)                        \
+    acknowledged(#command, ZK_FORM(command, __VA_ARGS__), mailbox, wire, reply) words, \
+        acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, wire, reply) words
+#define WAITING(...) WAITING_WITH(, __VA_ARGS__)
+#define QUERY(command, ...) QUERY_BY(asking, command, __VA_ARGS__)
+#define QUERY_BY(call, command, mailbox, wire, reply, outputs, ...)                                               \
+    answered(#command, Call(call(command), nulls(#command, command)), mailbox, wire, reply, outputs) __VA_ARGS__, \
+        answered(#command "_Block", call(command##_Block), mailbox, wire, reply, outputs) __VA_ARGS__
+#define NO_REPLY(command, wire, reply, ...)                                              \
+    no_reply(#command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) true), wire, reply),  \
+        no_reply(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), wire, reply), \
+        ZK_UNWAITED(command, wire, __VA_ARGS__)
+#define FOLLOWED(command, mailbox, waited, unwaited, reply, next, ...)                                     \
+    acknowledged(#command, ZK_FORM(command, __VA_ARGS__, true), mailbox, waited, reply).followed_by(next), \
+        acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, waited, reply),    \
+        queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__, false), unwaited).followed_by(next),    \
+        queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), unwaited)
 
 inline std::ostream& operator<<(std::ostream& out, const CommandCase& row) { return out << row.name; }
 
@@ -212,14 +242,6 @@ struct Setting {
     std::string outputs;
 };
 void expect_kept(ArmSocket arm, const std::vector<Setting>& settings);
-
-// Calls that hold SuspendQueue at 1 while they wait. They end by a reply, or by their limit where none reaches them.
-struct SuspendedCall {
-    std::string name;
-    Call call;
-    std::string reply = {};
-};
-void expect_suspension(const std::vector<SuspendedCall>& calls);
 
 // The commands that a header of include/zk declares and no row is named after. Parsers are no commands.
 std::string commands_without_row(const std::string& header, const std::vector<CommandCase>& rows);

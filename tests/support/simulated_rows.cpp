@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <regex>
 
 #include "support/simulated_arm.h"
@@ -32,6 +33,10 @@ void expect_simulated(const std::vector<CommandCase>& rows, const std::string& m
         if (row.refusable) {
             EXPECT_EQ(row.call(unwilling, outputs), ZK_REFUSED) << row.name;
         }
+    }
+    const auto of_seven_joints = [](const CommandCase& row) { return row.arm_mode == 75; };
+    if (model == "ZK65-6F" && omitted.empty() && std::any_of(rows.begin(), rows.end(), of_seven_joints)) {
+        expect_simulated(rows, "ZK75-6F", omitted);
     }
 }
 

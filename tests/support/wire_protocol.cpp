@@ -98,12 +98,14 @@ void expect_reply(Entry& entry, const std::string& text) {
 void expect_documented(const std::string& section, const std::vector<CommandCase>& rows) {
     std::vector<Entry> entries = entries_of(section);
     for (const CommandCase& row : rows) {
+        if (row.wire.empty()) continue;
         Entry* const entry = entry_of(entries, Json::parse(formatted(row.wire)));
         EXPECT_NE(entry, nullptr) << row.wire << " is not in the section " << section;
         if (!entry) continue;
         entry->asked = true;
         const bool is_good = row.status == 0 || row.status == 7;
-        if (is_good && !row.reply.empty()) expect_reply(*entry, row.reply);
+        const std::string first_reply = row.reply.substr(0, row.reply.find("\r\n"));
+        if (is_good && !row.reply.empty()) expect_reply(*entry, first_reply);
     }
     for (const Entry& entry : entries) {
         EXPECT_TRUE(entry.asked) << entry.command << " is sent by no command";
