@@ -7,7 +7,7 @@
 #include <kdl/chainiksolverpos_lma.hpp>
 #include <random>
 
-#include "kinematics/kdl_arm.h"
+#include "support/kdl_arm.h"
 #include "support/kdl_frames.h"
 #include "zk_base.h"
 

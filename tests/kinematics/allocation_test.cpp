@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <random>
 
-#include "kinematics/seven_axis_arm.h"
+#include "support/kdl_arm.h"
 #include "zk/algorithm.h"
 #include "zk/checked_inverse.h"
 #include "zk/inverse_kinematics.h"

@@ -2,80 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <kdl/chainfksolverpos_recursive.hpp>
-#include <string>
+#include <utility>
 
-#include "kinematics/kdl_arm.h"
+#include "support/kdl_arm.h"
 #include "support/kdl_frames.h"
 #include "zk/inverse_kinematics.h"
 #include "zk/kinematics.h"
 
 namespace zk::test {
 namespace {
-
-class EveryModel : public testing::TestWithParam<int> {
- protected:
-    void SetUp() override { ASSERT_EQ(libalgo_set_robot_and_sensor_type(GetParam(), 0), 0); }
-
-    const Arm& arm_ = arm_of(GetParam(), 0);
-    const KDL::Chain chain_ = kdl_chain(arm_);
-    std::mt19937 generator_{7};
-
-    KDL::Frame base_T_flange(const Joints& q) const {
-        KDL::JntArray joints(chain_.getNrOfJoints());
-        for (unsigned i = 0; i < joints.rows(); ++i) joints(i) = q[i];
-        KDL::Frame f;
-        EXPECT_GE(KDL::ChainFkSolverPos_recursive(chain_).JntToCart(joints, f), 0);
-        return f;
-    }
-    // Well away from limits and from every arm's singular postures.
-    Joints posture() {
-        std::uniform_real_distribution<float> away(-0.15f, 0.15f);
-        Joints q = {0.3f, 0.6f, 0.8f, -0.9f, 0.7f, 0.6f, 0.4f};
-        for (float& angle : q) angle += away(generator_);
-        return q;
-    }
-};
-
-TEST_P(EveryModel, BringsTheToolToAPoseOfTheWorkFrame) {
-    std::uniform_real_distribution<float> metres(-0.3f, 0.3f), angle(-1.5f, 1.5f), near(-0.005f, 0.005f);
-    for (int round = 0; round < 100; ++round) {
-        float tool[6], work[6], mounting[3];
-        for (int i = 0; i < 6; ++i) {
-            tool[i] = i < 3 ? metres(generator_) : angle(generator_);
-            work[i] = i < 3 ? metres(generator_) : angle(generator_);
-        }
-        for (float& m : mounting) m = angle(generator_);
-        libalgo_set_tool_cs_params(tool);
-        libalgo_set_work_cs_params(work);
-        libalgo_set_robot_install_angle(mounting);
-        const auto frame = [](const float* p) {
-            return KDL::Frame(KDL::Rotation::RPY(p[3], p[4], p[5]), KDL::Vector(p[0], p[1], p[2]));
-        };
-        const KDL::Frame work_T_base =
-            frame(work).Inverse() * KDL::Frame(KDL::Rotation::RPY(mounting[0], mounting[1], mounting[2]));
-
-        const Joints q = posture();
-        const KDL::Frame target = work_T_base * base_T_flange(q) * frame(tool);
-        Joints seed = q;
-        for (int i = 0; i < arm_.joints; ++i) seed[i] += near(generator_);
-        const Joints given = seed;
-        // Only what the flag names is looked at.
-        for (const int flag : {0, 1, 2}) {
-            Pose pose = to_pose(target);
-            flag == 1 ? void(pose.quaternion = {}) : void(pose.euler = {9, 9, 9});
-            Joints solved{};
-            ASSERT_EQ(inverse_kinematics(seed.data(), &pose, solved.data(), flag), 0) << "round " << round;
-            EXPECT_EQ(seed, given);
-            expect_near(work_T_base * base_T_flange(solved) * frame(tool), target, 1e-4);
-            for (int i = 0; i < arm_.joints; ++i) EXPECT_NEAR(solved[i], q[i], 0.02);
-            if (HasFailure()) FAIL() << "round " << round << " flag " << flag;
-        }
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(, EveryModel, testing::Values(0, 1, 3, 4, 5, 6, 7, 8),
-                         [](const auto& model) { return "Model" + std::to_string(model.param); });
 
 TEST(InverseKinematics, HasNoSolverForModelsThatAreNoArm) {
     const float seed[8] = {};

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <vector>
 
-#include "kinematics/kdl_arm.h"
+#include "support/kdl_arm.h"
 #include "zk/model.h"
 
 namespace zk::test {
