@@ -6,23 +6,17 @@
 #include "numeric/dense.h"
 #include "zk/dense_matrix.h"
 
+namespace zk::test {
 namespace {
 
-using zk::test::dense;
-using zk::test::expect_near;
-using zk::test::random_dense;
-using zk::test::to_eigen;
-
-bool any_nan(const Mat& a) { return to_eigen(a).hasNaN(); }
-
 // A symmetric matrix with the given eigenvalues and no axis of its own along a coordinate axis.
-Mat symmetric(const std::vector<double>& values) {
+Mat symmetric(const std::vector<float>& values) {
     const int n = static_cast<int>(values.size());
-    const Eigen::MatrixXd Q = Eigen::HouseholderQR<Eigen::MatrixXd>(to_eigen(random_dense(n, n))).householderQ();
-    const Eigen::MatrixXd A = Q * Eigen::Map<const Eigen::VectorXd>(values.data(), n).asDiagonal() * Q.transpose();
-    Mat a = mat_init(n, n);
+    Mat Q, R;
+    mat_qr(&Q, &R, random_dense(n, n));
+    Mat a = product(product(Q, mat_diag(vec(values))), mat_T(Q));
     for (int i = 0; i < n; ++i) {
-        for (int j = 0; j <= i; ++j) a.m[i][j] = a.m[j][i] = static_cast<float>(A(i, j));
+        for (int j = 0; j < i; ++j) a.m[j][i] = a.m[i][j];
     }
     return a;
 }
@@ -39,8 +33,8 @@ TEST(Qr, ReflectsToAnUpperTriangle) {
         const Mat a = random_dense(rows, cols);
         Mat Q, R;
         mat_qr(&Q, &R, a);
-        expect_near(mat_mult(Q, R), to_eigen(a), 2e-5);
-        expect_near(mat_mult(Q, mat_T(Q)), Eigen::MatrixXd::Identity(rows, rows), 1e-5);
+        expect_near(product(Q, R), a, 2e-5);
+        expect_orthogonal(Q);
         for (int i = 0; i < rows; ++i) {
             for (int j = 0; j < std::min(i, cols); ++j) EXPECT_NEAR(R.m[i][j], 0, 1e-5);
         }
@@ -65,8 +59,8 @@ TEST(Qr, AZeroHeadIsReflectedButNotCleared) {
 TEST(Qr, AZeroLastPivotReturnsNan) {
     Mat Q, R;
     mat_qr(&Q, &R, dense(2, 2, {1, 1, 0, 0}));
-    EXPECT_TRUE(any_nan(R));
-    EXPECT_TRUE(any_nan(Q));
+    EXPECT_TRUE(std::isnan(norm(R)));
+    EXPECT_TRUE(std::isnan(norm(Q)));
 }
 
 TEST(Eigenvalues, ComeAsMagnitudesOfASymmetricMatrix) {
@@ -104,9 +98,8 @@ TEST(Eigenvectors, DiagonaliseAPositiveMatrix) {
     const Mat a = symmetric({8, 5, 3, 1});
     Mat values, vectors;
     ASSERT_EQ(mat_hermitian_eig(1000, &values, &vectors, a, 1e-6f), 0);
-    const Eigen::MatrixXd V = to_eigen(vectors), D = to_eigen(mat_diag(values));
-    EXPECT_LT((to_eigen(a) * V - V * D).norm(), 1e-4);
-    EXPECT_LT((V * V.transpose() - Eigen::MatrixXd::Identity(4, 4)).norm(), 1e-4);
+    expect_near(product(a, vectors), product(vectors, mat_diag(values)), 1e-4);
+    expect_orthogonal(vectors);
 }
 
 TEST(Eigenvectors, AMatrixThatIsNotSquareIsNotRefused) {
@@ -126,3 +119,4 @@ TEST(Eigenvectors, TheDeterminantDecidesTheSign) {
 }
 
 }  // namespace
+}  // namespace zk::test

@@ -4,11 +4,14 @@
 
 #include <array>
 #include <iosfwd>
-#include <kdl/chain.hpp>
 #include <kdl/frames.hpp>
 #include <memory>
 #include <random>
 #include <vector>
+
+namespace KDL {
+class Chain;
+}
 
 namespace zk::test {
 
