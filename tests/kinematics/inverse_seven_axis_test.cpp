@@ -310,10 +310,15 @@ TEST_F(Tau7, StatusSeparatesLimitsFromReach) {
 }
 
 TEST_F(Tau7, ASeedBeyondTheLimitsCountsAsStandingThere) {
-    Joints seed = bent;
-    seed[3] = 2;
-    ASSERT_EQ(solve(seed, bent), 0);
-    expect_reached(arm.forward(bent));
+    for (int i = 0; i < 7; ++i) {
+        Joints seed = bent, at_limit = bent;
+        seed[i] = arm.upper(i) + 0.3f;
+        at_limit[i] = arm.upper(i);
+        ASSERT_EQ(solve(at_limit, bent), 0);
+        const Joints expected = out;
+        ASSERT_EQ(solve(seed, bent), 0);
+        EXPECT_LT(largest_difference(out, expected), 1e-6) << i;
+    }
 }
 
 TEST_F(Tau7, JacobianAndPoseAreThoseOfTheFlangeInItsOwnFrame) {

@@ -1,13 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
-#include <limits>
+#include <cstring>
 
+#include "numeric/dense.h"
+#include "zk/dense_matrix.h"
 #include "zk/numeric.h"
 
+namespace zk::test {
 namespace {
-
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
 // Distinct elements everywhere, so that a wrong index shows and so does an element taken from outside the block.
 Matrix numbered(int16_t rows, int16_t cols, float first) {
@@ -89,12 +91,67 @@ TEST(FixedMatrix, CrossProductIsRightHandedAndReadsTheFirstColumn) {
     expect_equal(cross({3, 1, {{1}, {2}, {3}}}, {3, 1, {{-4}, {6}, {5}}}), {3, 1, {{-8}, {-17}, {14}}});
 }
 
+Matrix7 widened(const Matrix& a) {
+    Matrix7 wide{a.rows, a.cols, {}};
+    for (int i = 0; i < 4; ++i) std::copy_n(a.m[i], 4, wide.m[i]);
+    return wide;
+}
+
+void expect_same(const Matrix7& actual, const Matrix7& expected) {
+    EXPECT_EQ(std::memcmp(&actual, &expected, sizeof actual), 0) << actual.rows << " by " << actual.cols;
+}
+
+TEST(Dim7, AgreesWithTheSmallerRecord) {
+    const Matrix a = numbered(3, 4, 1), b = numbered(4, 2, 20);
+    expect_same(matrix_m_dim7(widened(a), widened(b)), widened(matrix_m(a, b)));
+    expect_same(matrix_t_dim7(widened(a)), widened(matrix_t(a)));
+    expect_same(matrix_m_num_dim7(widened(a), 3), widened(matrix_m_num(a, 3)));
+    for (int flag : {-1, 0, 1, 9}) {
+        expect_same(matrix_a_dim7(widened(a), widened(b), flag), widened(matrix_a(a, b, flag)));
+    }
+    expect_same(unit_matrix_dim7(3), widened(unit_matrix(3)));
+    expect_same(unit_matrix_dim7(-2), widened(unit_matrix(-2)));
+}
+
+TEST(Dim7, HoldsSevenByAnyCounts) {
+    const Mat a = random_dense(7, 7);
+    Matrix7 full = mat_to_matrix_more(a);
+    full.rows = full.cols = 100;
+    Mat squared = matrix_more_to_mat(matrix_m_dim7(full, full));
+    EXPECT_EQ(squared.rows, 100);
+    squared.rows = squared.cols = 7;
+    expect_near(squared, product(a, a), 1e-5);
+    EXPECT_EQ(unit_matrix_dim7(90).m[6][6], 1);
+    EXPECT_EQ(unit_matrix_dim7(90).rows, 90);
+}
+
+// A spline's system with unequal intervals, and one with unequal sides.
+TEST(Dim7, ClosedFormInvertsATridiagonalWithUnitEndRows) {
+    const auto interval = [] { return 1.25f + 0.375f * random_element(); };
+    for (int round = 0; round < 20; ++round) {
+        Matrix7 a = unit_matrix_dim7(7);
+        for (int i = 1; i <= 5; ++i) {
+            a.m[i][i - 1] = interval();
+            a.m[i][i + 1] = interval();
+            a.m[i][i] = 2 * (a.m[i][i - 1] + a.m[i][i + 1]);
+        }
+        Matrix7 unread = a;  // elements off the pattern and the counts play no part
+        unread.m[0][6] = unread.m[4][1] = unread.m[6][0] = 99;
+        unread.rows = unread.cols = 0;
+        const Matrix7 inverse = simp_matrix_inv77(unread);
+        EXPECT_EQ(inverse.rows, 7);
+        EXPECT_EQ(inverse.cols, 7);
+        EXPECT_EQ(inverse.m[6][6], 1);
+        for (int j = 0; j < 7; ++j) EXPECT_EQ(inverse.m[0][j], j == 0);
+        expect_near(product(matrix_more_to_mat(a), matrix_more_to_mat(inverse)), mat_eye(7, 7), 1e-6);
+    }
+}
+
 TEST(Scalars, SignHasThreeValues) {
     EXPECT_EQ(zk_sign(1e-40f), 1);
     EXPECT_EQ(zk_sign(-1e-40f), -1);
-    EXPECT_EQ(zk_sign(0.0f), 0);
     EXPECT_EQ(zk_sign(-0.0f), 0);
-    EXPECT_EQ(zk_sign(kNan), 0);
+    EXPECT_EQ(zk_sign(NAN), 0);
 }
 
 TEST(Scalars, ArcOfAPointIsThatOfAtan2ButAtTheOriginAndAtMinusZero) {
@@ -102,8 +159,9 @@ TEST(Scalars, ArcOfAPointIsThatOfAtan2ButAtTheOriginAndAtMinusZero) {
         EXPECT_NEAR(my_atan2f(2 * std::sin(angle), 2 * std::cos(angle)), angle, 1e-3);
     }
     EXPECT_TRUE(std::isnan(my_atan2f(0, 0)));
-    EXPECT_TRUE(std::isnan(my_atan2f(kNan, 1)));
+    EXPECT_TRUE(std::isnan(my_atan2f(NAN, 1)));
     EXPECT_FLOAT_EQ(my_atan2f(-0.0f, -1), 3.1415927f);
 }
 
 }  // namespace
+}  // namespace zk::test

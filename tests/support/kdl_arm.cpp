@@ -1,33 +1,47 @@
 #include "support/kdl_arm.h"
 
-#include <Eigen/Dense>
 #include <algorithm>
 #include <cmath>
 #include <kdl/chainfksolverpos_recursive.hpp>
 #include <kdl/chainiksolverpos_lma.hpp>
 #include <kdl/chainjnttojacsolver.hpp>
+#include <kdl/utilities/svd_eigen_HH.hpp>
 #include <ostream>
 #include <stdexcept>
 
 namespace zk::test {
 namespace {
 
-using Vector6 = Eigen::Matrix<double, 6, 1>;
-using Matrix66 = Eigen::Matrix<double, 6, 6>;
-using Matrix6N = Eigen::Matrix<double, 6, Eigen::Dynamic>;
+using Vector = std::vector<double>;
 
 double radians(double degrees) { return degrees * M_PI / 180; }
 
-double smallest_singular_value_of(const Matrix6N& J) {
-    const Matrix66 squared = J * J.transpose();
-    const Eigen::SelfAdjointEigenSolver<Matrix66> eigen(squared, Eigen::EigenvaluesOnly);
-    return std::sqrt(std::max(0.0, eigen.eigenvalues()[0]));
-}
+// J = U diag(s) V', by KDL, whose compiled code needs no template of Eigen here.
+struct Svd {
+    explicit Svd(const KDL::Jacobian& J)
+        : u(6, J.columns()), v(J.columns(), J.columns()), s(J.columns()), scratch(J.columns()) {
+        if (KDL::svd_eigen_HH(J.data, u, s, v, scratch) != 0) throw std::runtime_error("no singular values");
+    }
+    double sixth() const {
+        Vector sorted(s.data(), s.data() + s.size());
+        std::sort(sorted.rbegin(), sorted.rend());
+        return sorted[5];
+    }
+    // The least joint steps for a motion of the flange.
+    Vector pseudo_inverse_times(const KDL::Twist& motion) const {
+        Vector step(static_cast<std::size_t>(s.size()));
+        for (int k = 0; k < s.size(); ++k) {
+            if (s(k) < 1e-9) continue;
+            double along = 0;
+            for (int i = 0; i < 6; ++i) along += u(i, k) * motion(i);
+            for (int j = 0; j < s.size(); ++j) step[j] += v(j, k) * along / s(k);
+        }
+        return step;
+    }
 
-Eigen::VectorXd pseudo_inverse_times(const Matrix6N& J, const Vector6& v) {
-    const Matrix66 squared = J * J.transpose();
-    return J.transpose() * squared.ldlt().solve(v);
-}
+    Eigen::MatrixXd u, v;
+    Eigen::VectorXd s, scratch;
+};
 
 }  // namespace
 
@@ -135,16 +149,16 @@ struct KdlArm::Solvers {
         for (unsigned i = 0; i < angles.rows(); ++i) angles(i) = q[i];
         return angles;
     }
-    Matrix6N jacobian_at(const Joints& q) {
+    KDL::Jacobian jacobian_at(const Joints& q) {
         KDL::Jacobian J(chain.getNrOfJoints());
         if (jacobian.JntToJac(array(q), J) < 0) throw std::runtime_error("no Jacobian");
-        return J.data;
+        return J;
     }
 
     const KDL::Chain chain;
     KDL::ChainFkSolverPos_recursive forward{chain};
     KDL::ChainJntToJacSolver jacobian{chain};
-    KDL::ChainIkSolverPos_LMA inverse{chain, Vector6(Vector6::Ones()), 1e-5, 100};
+    KDL::ChainIkSolverPos_LMA inverse{chain, Eigen::Matrix<double, 6, 1>::Ones(), 1e-5, 100};
 };
 
 KdlArm::KdlArm(const Arm& arm) : arm(arm), solvers_(std::make_unique<Solvers>(arm)) {}
@@ -158,46 +172,41 @@ KDL::Frame KdlArm::forward(const Joints& q) const {
 
 std::vector<KDL::Twist> KdlArm::jacobian(const Joints& q) const {
     std::vector<KDL::Twist> columns;
-    const Matrix6N J = solvers_->jacobian_at(q);
-    for (int i = 0; i < J.cols(); ++i) {
-        columns.push_back({KDL::Vector(J(0, i), J(1, i), J(2, i)), KDL::Vector(J(3, i), J(4, i), J(5, i))});
-    }
+    const KDL::Jacobian J = solvers_->jacobian_at(q);
+    for (unsigned i = 0; i < J.columns(); ++i) columns.push_back(J.getColumn(i));
     return columns;
 }
 
-double KdlArm::smallest_singular_value(const Joints& q) const {
-    return smallest_singular_value_of(solvers_->jacobian_at(q));
-}
+double KdlArm::smallest_singular_value(const Joints& q) const { return Svd(solvers_->jacobian_at(q)).sixth(); }
 
 double KdlArm::smallest_free_singular_value(const Joints& q) const {
     constexpr float kClose = 2e-3f;  // a pull to mid-range away
-    Matrix6N J = solvers_->jacobian_at(q);
-    for (int i = 0; i < J.cols(); ++i) {
-        if (q[i] < lower(i) + kClose || q[i] > upper(i) - kClose) J.col(i).setZero();
+    KDL::Jacobian J = solvers_->jacobian_at(q);
+    for (int i = 0; i < arm.joints; ++i) {
+        if (q[i] < lower(i) + kClose || q[i] > upper(i) - kClose) J.setColumn(i, KDL::Twist::Zero());
     }
-    return smallest_singular_value_of(J);
+    return Svd(J).sixth();
 }
 
 Joints KdlArm::pseudo_inverse_step(const Joints& q, const KDL::Frame& target) const {
-    const KDL::Twist t = KDL::diff(forward(q), target);
-    Vector6 error;
-    for (int k = 0; k < 6; ++k) error[k] = t(k);
-    const Eigen::VectorXd step = pseudo_inverse_times(solvers_->jacobian_at(q), error);
+    const Vector step = Svd(solvers_->jacobian_at(q)).pseudo_inverse_times(KDL::diff(forward(q), target));
     Joints moved = q;
-    for (int i = 0; i < step.size(); ++i) moved[i] = static_cast<float>(q[i] + step[i]);
+    for (int i = 0; i < arm.joints; ++i) moved[i] = static_cast<float>(q[i] + step[i]);
     return moved;
 }
 
 Joints KdlArm::pull_to_mid_range(const Joints& q) const {
-    const Matrix6N J = solvers_->jacobian_at(q);
-    Eigen::VectorXd pull(J.cols());
-    for (int i = 0; i < pull.size(); ++i) {
+    const KDL::Jacobian J = solvers_->jacobian_at(q);
+    Vector pull(arm.joints);
+    KDL::Twist moves;
+    for (int i = 0; i < arm.joints; ++i) {
         const double range = static_cast<double>(upper(i)) - lower(i);
         pull[i] = -(q[i] - (static_cast<double>(upper(i)) + lower(i)) / 2) / 70 / (range * range);
+        moves += J.getColumn(i) * pull[i];
     }
-    pull -= pseudo_inverse_times(J, J * pull);
+    const Vector back = Svd(J).pseudo_inverse_times(moves);
     Joints moved{};
-    for (int i = 0; i < pull.size(); ++i) moved[i] = static_cast<float>(pull[i]);
+    for (int i = 0; i < arm.joints; ++i) moved[i] = static_cast<float>(pull[i] - back[i]);
     return moved;
 }
 
