@@ -17,7 +17,6 @@
 /* Starting, connecting, watching */
 #include "zk/connection.h"
 #include "zk/realtime.h"
-#include "zk/startup.h"
 #include "zk/status.h"
 
 /* Commands to the arm */
@@ -57,7 +56,6 @@
 #include "zk/seven_axis.h"
 
 /* The library's own machinery */
-#include "zk/dispatch.h"
 #include "zk/mailboxes.h"
 #include "zk/queue.h"
 
@@ -72,10 +70,11 @@
 #include "zk/replies/gripper_and_hand.h"
 #include "zk/replies/io.h"
 #include "zk/replies/joint_configuration.h"
-#include "zk/replies/key_codes.h"
 #include "zk/replies/modbus.h"
 #include "zk/replies/motion.h"
+#include "zk/replies/pending.h"
 #include "zk/replies/programs.h"
+#include "zk/replies/realtime.h"
 #include "zk/replies/safety_geometry.h"
 #include "zk/replies/second_parsers.h"
 #include "zk/replies/system.h"

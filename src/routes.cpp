@@ -12,8 +12,8 @@
 #include "connection/routing.h"
 #include "routes.h"
 #include "zk/algorithm.h"
-#include "zk/dispatch.h"
-#include "zk/realtime.h"
+#include "zk/connection.h"
+#include "zk/mailboxes.h"
 #include "zk/replies/arm_limits.h"
 #include "zk/replies/arm_state.h"
 #include "zk/replies/attached_axes.h"
@@ -27,10 +27,10 @@
 #include "zk/replies/modbus.h"
 #include "zk/replies/motion.h"
 #include "zk/replies/programs.h"
+#include "zk/replies/realtime.h"
 #include "zk/replies/safety_geometry.h"
 #include "zk/replies/system.h"
 #include "zk/replies/trajectory.h"
-#include "zk/startup.h"
 
 namespace zk {
 

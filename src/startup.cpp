@@ -1,6 +1,6 @@
 // The start-up: connects to a controller, asks for the arm's model, frames, mounting and limits, and puts the replies
 // into the local model.
-#include "zk/startup.h"
+#include "zk/connection.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

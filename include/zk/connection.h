@@ -1,5 +1,5 @@
 /*
- * Lifecycle of the library, the table of connections, the settings, and the list of pending replies.
+ * Starting and ending the library and its connections; the table of connections; the settings.
  *
  * An ArmSocket, the descriptor of the TCP connection, is the handle of an arm. All state is process-wide. The library
  * runs three threads from the first ZK_API_Init to the end of the process: one writes queued requests (one every 20 ms
@@ -30,20 +30,11 @@ typedef struct SocketSlot {
     uint8_t reserved[184];
 } SocketSlot;
 
-/* A request whose reply is waited for on the list SockeRIinfos. */
-typedef struct PendingReply {
-    int32_t socket;
-    char reply_text[300];
-    int32_t key_code;
-    int32_t arrived;
-    int32_t in_use;
-} PendingReply;
-
 /* Result of the streamed motions, passed by value to the callback of ZK_API_Init. */
 typedef struct ArmMotionReport {
     int32_t socket;
-    int32_t report_type;          /* 1 joint set-points, 2 pose set-points, 3 force-position moves */
-    int32_t result;               /* status of the report; for 1 and 2 the controller's error number */
+    int32_t report_type;          /* ZK_ReportType (zk/streaming.h) */
+    int32_t result;               /* for 1 and 2 a ZK_SetPointResult, or 9; for 3 the status of the report */
     Pose pose;                    /* for 2; as the controller sends it, unscaled */
     float joint[7];               /* for 1 and 3; as the controller sends it, unscaled */
     float all_direction_force[7]; /* for 3 */
@@ -52,7 +43,6 @@ typedef struct ArmMotionReport {
 } ArmMotionReport;
 
 ZK_STATIC_ASSERT(sizeof(SocketSlot) == 196 && offsetof(SocketSlot, arm_mode) == 8, "layout of SocketSlot");
-ZK_STATIC_ASSERT(sizeof(PendingReply) == 316 && offsetof(PendingReply, key_code) == 304, "layout of PendingReply");
 ZK_STATIC_ASSERT(sizeof(ArmMotionReport) == 116 && offsetof(ArmMotionReport, pose) == 12 &&
                      offsetof(ArmMotionReport, joint) == 52 && offsetof(ArmMotionReport, force) == 108 &&
                      offsetof(ArmMotionReport, arm_err) == 112,
@@ -72,10 +62,19 @@ ZK_API int32_t IsSendFile;             /* 1 while a file transfer holds the line
 ZK_API int32_t SuspendQueue;           /* raised around some blocking calls; nothing reads it */
 ZK_API MotionReportCallback callback1; /* the callback of ZK_API_Init */
 
-ZK_API SocketSlot SockInfo[ZK_SLOTS];  /* the connections */
-ZK_API int32_t m_nSockInfoLen;         /* how many slots are taken */
-ZK_API PendingReply SockeRIinfos[200]; /* the pending replies */
-ZK_API int32_t m_nSockeRIinfosLen;     /* how many of them are in use */
+ZK_API SocketSlot SockInfo[ZK_SLOTS]; /* the connections */
+ZK_API int32_t m_nSockInfoLen;        /* how many slots are taken */
+
+/* Of the arm connected last: the model number (0 ZK65, 1 ZK75, 3 63, 5 ORB65, 6 62, 7 72, 8 ORB63) and the end sensor
+ * (0 -B, 1 -ZF, 2 -6F). The flag is 1 once a controller has reported its model. */
+ZK_API int32_t Curr_Robot_Type;
+ZK_API int32_t Curr_Senser_Type;
+ZK_API uint8_t g_is_robot_type_i;
+
+/* The tool and the work frame in use as transforms, 4 by 4. A reply with the tool frame in use sets Tool_Matrix with
+ * the Euler angles in the place of the position; the start-up stores the true transform. */
+ZK_API Matrix Tool_Matrix;
+ZK_API Matrix Frame_Matrix;
 
 ZK_API pthread_t m_hWThread;     /* transmit thread */
 ZK_API pthread_t m_hRThread;     /* receive thread */
@@ -101,7 +100,7 @@ ZK_API int ZK_API_UnInit(void);
 /* Version of the interface, "4.3.6". Any thread. */
 ZK_API const char* API_Version(void);
 
-/* ------------------------------------------------------------------------------------------ Table of connections -- */
+/* --------------------------------------------------------------------------------------------------- Connections -- */
 
 /* Puts a connected socket into the first free slot. Returns 0, or -1 when all 20 slots are taken. Arm_Socket_Start does
  * this; applications need it only for sockets of their own. Any thread. */
@@ -111,8 +110,35 @@ ZK_API int Init_Socket_Joint(int32_t arm_mode, int32_t socket);
 ZK_API int Get_Socket_Idx(int32_t socket);
 
 /*
+ * Connects to a controller and loads the data of its arm: queries the model, initialises the local kinematics for it,
+ * puts the arm's tool frame, work frame, mounting angles and joint limits into the local model, and prepares the
+ * listener of the real-time stream if the controller has it enabled. Call ZK_API_Init first, with the arm mode of this
+ * arm. Afterwards the local forward kinematics returns the pose that the controller reports. The registered real-time
+ * callback is cleared.
+ *
+ * address: dotted IPv4 text; host names are not resolved. timeout: without effect; a connect takes as long as the
+ * system takes.
+ *
+ * Returns the socket, always above ZK_LARGEST_STATUS, or a status: 4 no socket; 5 no connection, or closed during the
+ * start; -1 all 20 connections are taken, or a mounting angle read back from the local model differs by more than 0.001
+ * degrees; 7 no reply; 9, 10, 11 a reply that is broken, has another joint count than the arm mode, or has a value of
+ * the wrong type; 18 during a file transfer; 25 the listener could not be set up (the connection stays open). A failed
+ * attempt closes as Arm_Socket_Close does. Application threads. Several threads may start connections: one at a time
+ * talks to its controller while the others wait.
+ *
+ * The socket is the lowest free number above that of the last connection or listener; above 1023 the search starts
+ * again at ZK_LARGEST_STATUS + 1. So the number of a closed connection is not that of the next one.
+ *
+ * A second arm replaces the model, the frames and the limits of the first. A controller that reports an unknown model
+ * keeps the model of the arm before; one that reports a combination of arm and sensor that does not exist leaves a
+ * model without joints (libalgo_get_rbt_dof() is 0). A tool or work frame in use whose name contains "point" makes the
+ * start end in 7, since its reply counts as that of a recorded point.
+ */
+ZK_API ArmSocket Arm_Socket_Start(const char* address, int32_t port, int32_t timeout);
+
+/*
  * Closes a connection. Calls that wait on it return 5, also when another connection gets its slot or its number; the
- * number comes back only after the numbers above it (see Arm_Socket_Start).
+ * number comes back only after the numbers above it.
  *
  * It also closes the one real-time stream of the process, and forgets every connection in a higher slot: their
  * descriptors stay open, but the library no longer reads them. With several arms open, close them all, last opened
@@ -131,17 +157,6 @@ ZK_API void Arm_Socket_Close(ArmSocket socket);
 ZK_API int Arm_Socket_State(ArmSocket socket);
 ZK_API int Arm_Socket_State_Block(ArmSocket socket);
 ZK_API int Arm_Socket_State_nBlock(ArmSocket socket);
-
-/* -------------------------------------------------------------------------------------------------- Pending list -- */
-
-/* Fills record `index` of a pending list, its text cleared. Returns 0, or 20 for an index above 199. The caller holds
- * m_hMutex and raises the count. */
-ZK_API int Add_List(PendingReply* list, int32_t index, int32_t socket, int32_t key_code, int32_t arrived,
-                    int32_t in_use);
-
-/* Removes record `index` of a list of *count records and moves the later ones down; a list of one record is cleared
- * whatever the index. Takes m_hMutex. */
-ZK_API void ClearList(PendingReply* list, int32_t* count, int32_t index);
 
 /* ---------------------------------------------------------------------------------------------------------- Time -- */
 

@@ -11,7 +11,6 @@
 #include <stdint.h>
 
 #include "zk/connection.h"
-#include "zk/mailboxes.h"
 
 /* ------------------------------------------------------------------------------------------------------- Records -- */
 
@@ -84,12 +83,6 @@ typedef struct RealtimePushConfig {
     int32_t aloha_state;
 } RealtimePushConfig;
 
-typedef struct RealtimePushReply {
-    int32_t count;
-    int32_t result;
-    RealtimePushConfig config;
-} RealtimePushReply;
-
 /* 55 64-bit words. A platform with narrower pointers keeps the fields, not the size. */
 ZK_STATIC_ASSERT(sizeof(void*) != 8 ||
                      (sizeof(RobotStatus) == 440 && offsetof(RobotStatus, arm_ip) == 8 &&
@@ -130,20 +123,14 @@ ZK_API int Get_Realtime_Arm_Joint_State(RobotStatus* status);
  * 14 tech_demonstration. Any thread. */
 ZK_API int get_arm_status_from_string(const char* text);
 
-/* Parses a datagram into a record; stores what it reads before an error. Returns 0, 9, 10 or 11. Any thread. */
-ZK_API int Parser_Realtime_Arm_Joint_State(const char* text, RobotStatus* status);
-
 /* ---------------------------------------------------------------------------------------- Configuring the stream -- */
 
 /*
  * Sets what the controller sends, how often and where. The listener of this process stays on the port it was bound
  * to at connection time. Returns 0, 1 refused, 5, 7, 9, 11, 18. Application threads.
  */
-ZK_API RealtimePushReply Get_Realtime_Push_Cmd[ZK_SLOTS];
-ZK_API AckReply Set_Realtime_Push_Cmd[ZK_SLOTS];
 ZK_API int Set_Realtime_Push(ArmSocket socket, RealtimePushConfig config);
 ZK_API int Set_Realtime_Push_Block(ArmSocket socket, RealtimePushConfig config);
-ZK_API int Parser_Set_Realtime_Push(const char* text);
 
 /*
  * Queries the configuration; force_coordinate is -1 on an arm without a force sensor. Zeroes the first record
@@ -151,7 +138,6 @@ ZK_API int Parser_Set_Realtime_Push(const char* text);
  */
 ZK_API int Get_Realtime_Push(ArmSocket socket, RealtimePushConfig* config);
 ZK_API int Get_Realtime_Push_Block(ArmSocket socket, RealtimePushConfig* config);
-ZK_API int Parser_Get_Realtime_Push(const char* text, RealtimePushConfig* config);
 
 /* The real-time thread's function. Started by ZK_API_Init; not to be called. */
 ZK_API void* threadFunction(void* unused);

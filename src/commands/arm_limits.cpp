@@ -6,7 +6,7 @@
 #include "connection/pending.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
-#include "zk/replies/key_codes.h"
+#include "zk/replies/pending.h"
 
 using namespace zk;
 

@@ -1,7 +1,7 @@
 #include "commands/arrival.h"
 
 #include "connection/elapsed.h"
-#include "zk/startup.h"
+#include "zk/connection.h"
 #include "zk/trajectory.h"
 
 namespace zk {

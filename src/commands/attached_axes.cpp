@@ -7,7 +7,7 @@
 #include "connection/reply.h"
 #include "connection/wrappers.h"
 #include "zk/replies/arm_limits.h"
-#include "zk/replies/key_codes.h"
+#include "zk/replies/pending.h"
 #include "zk/replies/system.h"
 
 using namespace zk;

@@ -4,7 +4,7 @@
 #include "connection/wrappers.h"
 #include "zk/replies/arm_limits.h"
 #include "zk/replies/gripper_and_hand.h"
-#include "zk/replies/key_codes.h"
+#include "zk/replies/pending.h"
 
 using namespace zk;
 

@@ -8,8 +8,8 @@
 #include "connection/reply.h"
 #include "connection/wrappers.h"
 #include "zk/algorithm.h"
-#include "zk/replies/key_codes.h"
 #include "zk/replies/motion.h"
+#include "zk/replies/pending.h"
 
 using namespace zk;
 

@@ -11,8 +11,8 @@
 #include "connection/reply.h"
 #include "connection/transmit.h"
 #include "connection/wrappers.h"
+#include "zk/connection.h"
 #include "zk/replies/file_transfer.h"
-#include "zk/startup.h"
 
 using namespace zk;
 

@@ -4,9 +4,9 @@
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
-#include "zk/realtime.h"
+#include "zk/connection.h"
 #include "zk/replies/file_transfer.h"
-#include "zk/startup.h"
+#include "zk/replies/realtime.h"
 
 using namespace zk;
 

@@ -11,7 +11,7 @@
 #include "connection/reply.h"
 #include "connection/wrappers.h"
 #include "zk/replies/arm_limits.h"
-#include "zk/replies/key_codes.h"
+#include "zk/replies/pending.h"
 
 using namespace zk;
 

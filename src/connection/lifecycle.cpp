@@ -3,7 +3,7 @@
 #include "connection/slots.h"
 #include "connection/transmit.h"
 #include "zk/connection.h"
-#include "zk/dispatch.h"
+#include "zk/mailboxes.h"
 #include "zk/queue.h"
 
 int32_t m_nOutTime = 200;

@@ -6,6 +6,7 @@
 #include "connection/elapsed.h"
 #include "connection/exchange.h"
 #include "zk/queue.h"
+#include "zk/replies/pending.h"
 
 PendingReply SockeRIinfos[200];
 int32_t m_nSockeRIinfosLen = 0;

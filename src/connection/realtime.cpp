@@ -14,6 +14,7 @@
 #include "connection/in_use.h"
 #include "connection/shared_memory.h"
 #include "connection/slots.h"
+#include "zk/replies/realtime.h"
 #include "zk/status.h"
 
 RobotStatus robotstatus;

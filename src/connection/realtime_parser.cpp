@@ -3,7 +3,7 @@
 #include <iterator>
 
 #include "connection/reply.h"
-#include "zk/realtime.h"
+#include "zk/replies/realtime.h"
 
 namespace zk {
 namespace {

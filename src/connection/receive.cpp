@@ -14,7 +14,7 @@
 #include "connection/elapsed.h"
 #include "connection/in_use.h"
 #include "connection/slots.h"
-#include "zk/dispatch.h"
+#include "zk/mailboxes.h"
 
 namespace zk {
 namespace {

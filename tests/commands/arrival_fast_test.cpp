@@ -7,7 +7,7 @@
 
 #include "support/arm.h"
 #include "support/scaled_time.h"
-#include "zk/startup.h"
+#include "zk/connection.h"
 #include "zk/trajectory.h"
 
 namespace {

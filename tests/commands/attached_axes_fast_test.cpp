@@ -14,6 +14,7 @@
 #include "zk/gripper_and_hand.h"
 #include "zk/queue.h"
 #include "zk/replies/motion.h"
+#include "zk/replies/pending.h"
 #include "zk/replies/system.h"
 
 namespace {

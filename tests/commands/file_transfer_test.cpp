@@ -16,8 +16,8 @@
 #include "support/temporary_file.h"
 #include "support/wire_protocol.h"
 #include "zk/arm_state.h"
+#include "zk/connection.h"
 #include "zk/drag_teach.h"
-#include "zk/startup.h"
 #include "zk/system.h"
 
 namespace {

@@ -1,5 +1,6 @@
 // Force-position moves: every command on the wire, its guards, and the parser of its reports.
 #include "zk/replies/motion.h"
+#include "zk/replies/pending.h"
 
 #include <gtest/gtest.h>
 

@@ -11,7 +11,7 @@
 #include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
 #include "zk/algorithm.h"
-#include "zk/startup.h"
+#include "zk/connection.h"
 
 namespace {
 

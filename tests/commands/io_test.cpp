@@ -9,7 +9,7 @@
 #include "support/parser_case.h"
 #include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
-#include "zk/dispatch.h"
+#include "zk/mailboxes.h"
 
 namespace {
 

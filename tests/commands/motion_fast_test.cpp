@@ -14,7 +14,7 @@
 #include "support/scaled_time.h"
 #include "support/wire_protocol.h"
 #include "zk/algorithm.h"
-#include "zk/startup.h"
+#include "zk/connection.h"
 
 namespace {
 

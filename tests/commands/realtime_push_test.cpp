@@ -3,8 +3,8 @@
 
 #include "support/command_case.h"
 #include "support/wire_protocol.h"
-#include "zk/realtime.h"
-#include "zk/startup.h"
+#include "zk/connection.h"
+#include "zk/replies/realtime.h"
 
 namespace {
 

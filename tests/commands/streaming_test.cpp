@@ -1,5 +1,6 @@
 // Streamed motion: every command on the wire, its guards, and the reports that come back.
 #include "zk/replies/motion.h"
+#include "zk/replies/pending.h"
 
 #include <gtest/gtest.h>
 

@@ -10,9 +10,9 @@
 #include "support/simulator_process.h"
 #include "zk/algorithm.h"
 #include "zk/arm_state.h"
+#include "zk/connection.h"
 #include "zk/motion.h"
 #include "zk/realtime.h"
-#include "zk/startup.h"
 #include "zk/status.h"
 #include "zk/trajectory.h"
 

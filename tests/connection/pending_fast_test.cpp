@@ -6,7 +6,7 @@
 #include "support/arm.h"
 #include "support/scaled_time.h"
 #include "zk/queue.h"
-#include "zk/replies/key_codes.h"
+#include "zk/replies/pending.h"
 #include "zk/trajectory.h"
 
 namespace {

@@ -9,8 +9,8 @@
 #include "support/scaled_time.h"
 #include "support/start_up.h"
 #include "support/udp.h"
+#include "zk/connection.h"
 #include "zk/realtime.h"
-#include "zk/startup.h"
 #include "zk/status.h"
 
 namespace {

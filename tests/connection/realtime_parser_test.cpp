@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "support/datagram.h"
-#include "zk/realtime.h"
+#include "zk/replies/realtime.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include "support/arm.h"
 #include "support/scaled_time.h"
 #include "support/start_up.h"
+#include "zk/connection.h"
 #include "zk/realtime.h"
-#include "zk/startup.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The start-up of a connection.
-#include "zk/startup.h"
+#include "zk/connection.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -7,7 +7,7 @@
 
 #include "simulator/talk.h"
 #include "support/paths.h"
-#include "zk/dispatch.h"
+#include "zk/mailboxes.h"
 
 namespace zk::test {
 namespace {

@@ -10,7 +10,7 @@
 #include <sstream>
 
 #include "support/paths.h"
-#include "zk/dispatch.h"
+#include "zk/mailboxes.h"
 #include "zk/status.h"
 #include "zk/system.h"
 

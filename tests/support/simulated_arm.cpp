@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "support/arm.h"
-#include "zk/startup.h"
+#include "zk/connection.h"
 #include "zk/status.h"
 
 namespace zk::test {
