@@ -1,17 +1,15 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 
 #include "support/kdl_frames.h"
 #include "zk/model.h"
 #include "zk/numeric.h"
 #include "zk/pose.h"
 
+namespace zk::test {
 namespace {
-
-using zk::test::expect_near;
-using zk::test::expect_pose_near;
-using zk::test::to_kdl;
 
 constexpr int kWork = 0, kTool = 1, kOther = 2;
 constexpr float kPi = 3.1415927f;
@@ -22,16 +20,12 @@ const Pose kPose{{0.3f, -0.5f, 0.7f}, {0, 1, 0, 0}, {0.4f, -0.9f, 2.5f}};
 const Pose kFrame{{9, 9, 9}, {0, 0, 1, 0}, {-0.2f, 0.6f, -1.1f}};
 
 void expect_zero(const Pose& p) {
-    for (float v : {p.position.x, p.position.y, p.position.z, p.quaternion.w, p.quaternion.x, p.quaternion.y,
-                    p.quaternion.z, p.euler.rx, p.euler.ry, p.euler.rz}) {
-        EXPECT_EQ(v, 0);
-    }
+    const Pose zero{};
+    EXPECT_EQ(std::memcmp(&p, &zero, sizeof p), 0);
 }
 
 void expect_equal(const Euler& actual, const Euler& expected) {
-    EXPECT_EQ(actual.rx, expected.rx);
-    EXPECT_EQ(actual.ry, expected.ry);
-    EXPECT_EQ(actual.rz, expected.rz);
+    EXPECT_EQ(std::memcmp(&actual, &expected, sizeof actual), 0) << actual.rx << ' ' << actual.ry << ' ' << actual.rz;
 }
 
 class PoseStep : public testing::Test {
@@ -45,29 +39,20 @@ class PoseStep : public testing::Test {
     }
 };
 
-TEST(Rodrigues, TurnsAboutTheAxesOfTheFrame) {
-    const KDL::Rotation F = to_kdl(kFrame.euler), C = to_kdl(kPose.euler);
-    const KDL::Vector axes[] = {F.UnitX(), F.UnitY(), F.UnitZ()};
+TEST(Rodrigues, TurnsAboutTheAxesOfTheFrameOrTheEndsOwn) {
+    const KDL::Rotation F = to_kdl(kFrame.euler), C = to_kdl(kPose.euler), eye;
+    const KDL::Vector of_frame[] = {F.UnitX(), F.UnitY(), F.UnitZ()}, own[] = {eye.UnitX(), eye.UnitY(), eye.UnitZ()};
     for (int i = 0; i < 3; ++i) {
         for (float theta : {-2.8f, -0.3f, 0.0f, 1.0f, 3.0f}) {
             for (int sign : {1, -1}) {  // the sign of the element plays no part
                 int axis[3] = {};
                 axis[i] = sign;
                 expect_near(to_kdl(Rodrigues_rotate_simplify(axis, kPose.euler, theta, kFrame)),
-                            KDL::Rotation::Rot(axes[i], theta) * C, kTolerance);
+                            KDL::Rotation::Rot(of_frame[i], theta) * C, kTolerance);
+                expect_near(to_kdl(Rodrigues_rotate_simplify_tool(axis, kPose.euler, theta, kFrame)),
+                            C * KDL::Rotation::Rot(own[i], theta), kTolerance);
             }
         }
-    }
-}
-
-TEST(Rodrigues, ToolFormTurnsAboutTheEndsOwnAxes) {
-    const KDL::Rotation C = to_kdl(kPose.euler);
-    const float theta = 0.8f;
-    const KDL::Rotation turns[] = {KDL::Rotation::RotX(theta), KDL::Rotation::RotY(theta), KDL::Rotation::RotZ(theta)};
-    for (int i = 0; i < 3; ++i) {
-        int axis[3] = {};
-        axis[i] = 1;
-        expect_near(to_kdl(Rodrigues_rotate_simplify_tool(axis, kPose.euler, theta, kFrame)), C * turns[i], kTolerance);
     }
 }
 
@@ -94,22 +79,17 @@ TEST(Rodrigues, TurnsRightlyIntoTheSingularPitch) {
     }
 }
 
-TEST_F(PoseStep, InTheWorkFrame) {
+TEST_F(PoseStep, TurnsAboutOneAxisAfterTheOther) {
     const float delta[] = {0.01f, -0.02f, 0.03f, 5, -10, 20};
     const KDL::Rotation F = to_kdl(kFrame.euler);
-    const KDL::Rotation expected = KDL::Rotation::Rot(F.UnitZ(), 20 * M_PI / 180) *
-                                   KDL::Rotation::Rot(F.UnitY(), -10 * M_PI / 180) *
-                                   KDL::Rotation::Rot(F.UnitX(), 5 * M_PI / 180) * to_kdl(kPose.euler);
-    expect_pose_near(algo_pose_move(delta, kWork, kPose),
-                     {expected, to_kdl(kPose.position) + KDL::Vector(0.01, -0.02, 0.03)}, kTolerance);
-}
-
-TEST_F(PoseStep, InTheToolFrameTranslatesAlongTheAxesFromBefore) {
-    const float delta[] = {0.01f, -0.02f, 0.03f, 5, -10, 20};
-    const KDL::Frame f = to_kdl(kPose);
-    const KDL::Rotation expected = f.M * KDL::Rotation::RotX(5 * M_PI / 180) * KDL::Rotation::RotY(-10 * M_PI / 180) *
-                                   KDL::Rotation::RotZ(20 * M_PI / 180);
-    expect_pose_near(algo_pose_move(delta, kTool, kPose), {expected, f * KDL::Vector(0.01, -0.02, 0.03)}, kTolerance);
+    const KDL::Vector step(0.01, -0.02, 0.03);
+    const KDL::Frame at = to_kdl(kPose);
+    const KDL::Rotation x = KDL::Rotation::RotX(5 * M_PI / 180), y = KDL::Rotation::RotY(-10 * M_PI / 180),
+                        z = KDL::Rotation::RotZ(20 * M_PI / 180);
+    expect_pose_near(algo_pose_move(delta, kWork, kPose), {F * z * y * x * F.Inverse() * at.M, at.p + step},
+                     kTolerance);
+    // Along the tool's axes from before the turn.
+    expect_pose_near(algo_pose_move(delta, kTool, kPose), {at.M * x * y * z, at * step}, kTolerance);
 }
 
 TEST_F(PoseStep, InNoFrameReturnsTheOriginAndKeepsTheOrientation) {
@@ -156,3 +136,4 @@ TEST_F(PoseStep, TranslationAlongTheToolDoesNotWrap) {
 }
 
 }  // namespace
+}  // namespace zk::test
