@@ -112,16 +112,6 @@ class CheckedInverse75 : public ::testing::Test {
     const Joints untouched{1, 2, 3, 4, 5, 6, 7, 8};
 };
 
-TEST_F(CheckedInverse75, OutOfReachIsNoSolution) {
-    KDL::Frame target = at_bent;
-    target.p = target.p + KDL::Vector(1, 1, 1);
-    Joints out = untouched;
-    EXPECT_EQ(unchecked(bent, target, out), ZK_OK);
-    out = untouched;
-    EXPECT_EQ(checked(bent, target, out), ZK_NO_SOLUTION);
-    EXPECT_EQ(out, untouched);
-}
-
 // The arm angle of the first step takes joint 5 beyond its limit; others do not.
 TEST_F(CheckedInverse75, LooksFurtherWhereTheNarrowSearchGivesUp) {
     const KDL::Frame target = cell.tool_at(in_degrees({-1.042f, 1.176f, -2.441f, 1.571f, 2.922f, -0.033f, -4.443f}));
@@ -141,21 +131,16 @@ TEST_F(CheckedInverse75, ReachesAStraightElbow) {
 }
 
 TEST_F(CheckedInverse75, TakesEitherOrientationOfThePose) {
-    Pose euler_only = to_pose(at_bent), quaternion_only = euler_only;
-    euler_only.quaternion = {};
-    quaternion_only.euler = {};
-    Joints out{};
-    EXPECT_EQ(ZK_Inverse_Kinematics_Checked(bent.data(), &euler_only, out.data(), 1), ZK_OK);
-    cell.expect_met(out, at_bent);
-    out = bent;  // in place
-    EXPECT_EQ(ZK_Inverse_Kinematics_Checked(out.data(), &quaternion_only, out.data(), 0), ZK_OK);
-    cell.expect_met(out, at_bent);
-    out = untouched;
-    EXPECT_EQ(ZK_Inverse_Kinematics_Checked(bent.data(), &euler_only, out.data(), 0), ZK_BAD_ARGUMENT);
-    EXPECT_EQ(out, untouched);
+    for (const uint8_t flag : {0, 1}) {
+        Pose pose = to_pose(at_bent);
+        flag == 0 ? void(pose.euler = {}) : void(pose.quaternion = {});
+        Joints in_place = bent;
+        EXPECT_EQ(ZK_Inverse_Kinematics_Checked(in_place.data(), &pose, in_place.data(), flag), ZK_OK);
+        cell.expect_met(in_place, at_bent);
+    }
 }
 
-TEST_F(CheckedInverse75, BadArguments) {
+TEST_F(CheckedInverse75, RefusesBadArgumentsAndTargetsOutOfReach) {
     const Pose pose = to_pose(at_bent);
     Joints out = untouched, beyond = bent;
     beyond[1] = 131;
@@ -163,6 +148,7 @@ TEST_F(CheckedInverse75, BadArguments) {
     EXPECT_EQ(ZK_Inverse_Kinematics_Checked(bent.data(), nullptr, out.data(), 0), ZK_BAD_ARGUMENT);
     EXPECT_EQ(ZK_Inverse_Kinematics_Checked(bent.data(), &pose, nullptr, 0), ZK_BAD_ARGUMENT);
     EXPECT_EQ(checked(beyond, at_bent, out), ZK_BAD_ARGUMENT);
+    EXPECT_EQ(checked(bent, {at_bent.M, at_bent.p + KDL::Vector(1, 1, 1)}, out), ZK_NO_SOLUTION);
     libalgo_set_robot_and_sensor_type(2, 0);
     EXPECT_EQ(checked(bent, at_bent, out), ZK_NO_SOLUTION);
     EXPECT_EQ(out, untouched);

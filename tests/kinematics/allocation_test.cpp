@@ -18,7 +18,7 @@ namespace {
 thread_local long allocations = 0;
 }
 
-#if ZK_UNDER_SANITIZER
+#ifdef ZK_UNDER_SANITIZER
 constexpr bool kCounting = false;
 #else
 constexpr bool kCounting = true;

@@ -65,24 +65,21 @@ TEST(Qr, AZeroLastPivotReturnsNan) {
 
 TEST(Eigenvalues, ComeAsMagnitudesOfASymmetricMatrix) {
     Mat values;
-    ASSERT_EQ(mat_eig(1000, &values, symmetric({9, 4, 2, 1}), 1e-6f), 1);
-    EXPECT_EQ(values.rows, 4);
+    ASSERT_EQ(mat_eig(1000, &values, symmetric({9, -4, 2, 1}), 1e-6f), 1);
     EXPECT_EQ(values.cols, 1);
     const std::vector<float> v = sorted_values(values), expected{1, 2, 4, 9};
+    ASSERT_EQ(v.size(), expected.size());
     for (int i = 0; i < 4; ++i) EXPECT_NEAR(v[i], expected[i], 1e-4);
-
-    ASSERT_EQ(mat_eig(1000, &values, symmetric({5, -3, 1}), 1e-6f), 1);
-    EXPECT_NEAR(sorted_values(values)[1], 3, 1e-4);
 }
 
-TEST(Eigenvalues, IterationEndsAtItsCount) {
+TEST(Eigenvalues, IterationEndsAtItsCountOrTolerance) {
     Mat once, Q, R;
     const Mat a = symmetric({5, 4, 3});
-    mat_eig(1, &once, a, 1e-6f);
     mat_qr(&Q, &R, a);
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(once.m[i][0], std::fabs(R.m[i][i]));
-    mat_eig(5, &once, a, 100.0f);  // a tolerance that the first round meets
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(once.m[i][0], std::fabs(R.m[i][i]));
+    for (const auto& [count, tolerance] : {std::pair(1, 1e-6f), {5, 100.0f}}) {
+        mat_eig(count, &once, a, tolerance);
+        for (int i = 0; i < 3; ++i) EXPECT_EQ(once.m[i][0], std::fabs(R.m[i][i]));
+    }
 }
 
 TEST(Eigenvalues, RefuseWithoutTouchingTheOutput) {

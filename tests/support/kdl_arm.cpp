@@ -179,15 +179,6 @@ std::vector<KDL::Twist> KdlArm::jacobian(const Joints& q) const {
 
 double KdlArm::smallest_singular_value(const Joints& q) const { return Svd(solvers_->jacobian_at(q)).sixth(); }
 
-double KdlArm::smallest_free_singular_value(const Joints& q) const {
-    constexpr float kClose = 2e-3f;  // a pull to mid-range away
-    KDL::Jacobian J = solvers_->jacobian_at(q);
-    for (int i = 0; i < arm.joints; ++i) {
-        if (q[i] < lower(i) + kClose || q[i] > upper(i) - kClose) J.setColumn(i, KDL::Twist::Zero());
-    }
-    return Svd(J).sixth();
-}
-
 Joints KdlArm::pseudo_inverse_step(const Joints& q, const KDL::Frame& target) const {
     const Vector step = Svd(solvers_->jacobian_at(q)).pseudo_inverse_times(KDL::diff(forward(q), target));
     Joints moved = q;

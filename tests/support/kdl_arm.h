@@ -15,19 +15,12 @@ class Chain;
 
 namespace zk::test {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define ZK_UNDER_SANITIZER 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define ZK_UNDER_SANITIZER 1
-#endif
-#endif
-#ifndef ZK_UNDER_SANITIZER
-#define ZK_UNDER_SANITIZER 0
-#endif
-
 // Sanitizers are slow: they get a share of the postures.
-inline constexpr int kShare = ZK_UNDER_SANITIZER ? 10 : 1;
+#ifdef ZK_UNDER_SANITIZER
+inline constexpr int kShare = 10;
+#else
+inline constexpr int kShare = 1;
+#endif
 
 using Joints = std::array<float, 8>;
 
@@ -70,8 +63,6 @@ class KdlArm {
     // A column for each joint, in the base frame.
     std::vector<KDL::Twist> jacobian(const Joints& q) const;
     double smallest_singular_value(const Joints& q) const;
-    // Of the joints that are not at their limits.
-    double smallest_free_singular_value(const Joints& q) const;
     // The angles after one step of the pseudo-inverse towards the target.
     Joints pseudo_inverse_step(const Joints& q, const KDL::Frame& target) const;
     // A pull to mid-range, a 70th of the distance over the squared range, less the part that moves the flange.
