@@ -23,7 +23,7 @@ Mat to_mat(const KDL::Frame& f) { return matrix_to_mat(to_matrix(f)); }
 
 class SevenJoints : public testing::Test {
  protected:
-    SevenJoints(int model, const Joints& bent) : arm(arm_of(model, 0)), bent(bent) {
+    explicit SevenJoints(int model) : arm(arm_of(model, 0)) {
         libalgo_set_robot_and_sensor_type(model, 0);
         ikine_set_solution_range_zk75(kNarrow);
     }
@@ -47,7 +47,7 @@ class SevenJoints : public testing::Test {
     }
 
     const KdlArm arm;
-    const Joints bent;
+    const Joints bent{0.3f, 0.7f, -0.5f, arm.arm.model == 7 ? -1.1f : 1.1f, 0.4f, 0.8f, 0.2f};
     Joints out{};
 };
 
@@ -58,8 +58,7 @@ bool near_alignment(const Joints& seed) {
 
 class EverySevenJoints : public SevenJoints, public testing::WithParamInterface<int> {
  protected:
-    EverySevenJoints()
-        : SevenJoints(GetParam(), {0.3f, 0.7f, -0.5f, GetParam() == 7 ? -1.1f : 1.1f, 0.4f, 0.8f, 0.2f}) {}
+    EverySevenJoints() : SevenJoints(GetParam()) {}
 };
 INSTANTIATE_TEST_SUITE_P(, EverySevenJoints, testing::Values(1, 7),
                          [](const auto& model) { return "Model" + std::to_string(model.param); });
@@ -98,9 +97,8 @@ TEST_P(EverySevenJoints, ArePulledToMidRangeWithoutMovingTheFlange) {
     for (int i = 0; i < 7; ++i) EXPECT_NEAR(out[i] - bent[i], expected[i], 2e-6) << i;
 }
 
-class Zk75 : public SevenJoints {
- protected:
-    Zk75() : SevenJoints(1, {0.3f, 0.7f, -0.5f, 1.1f, 0.4f, 0.8f, 0.2f}) {}
+struct Zk75 : SevenJoints {
+    Zk75() : SevenJoints(1) {}
 };
 
 double turned_into_range(double angle) { return std::remainder(angle, 2 * M_PI); }
@@ -260,9 +258,8 @@ TEST_F(Zk75, OffsetsOfTheModelAreAddedToTheSeedAndTakenOutOfTheAnswer) {
     EXPECT_LT(largest_difference(seed, bent), 1e-6);
 }
 
-class Tau7 : public SevenJoints {
- protected:
-    Tau7() : SevenJoints(7, {0.3f, 0.7f, -0.5f, -1.1f, 0.4f, 0.8f, 0.2f}) {}
+struct Tau7 : SevenJoints {
+    Tau7() : SevenJoints(7) {}
 };
 
 // What the arm with a closed form does: a target anywhere, from a seed anywhere.

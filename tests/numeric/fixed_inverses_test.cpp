@@ -20,16 +20,6 @@ M random_matrix(int n) {
     return a;
 }
 
-template <typename M>
-bool any_not_finite(const M& a) {
-    for (const auto& row : a.m) {
-        for (float element : row) {
-            if (!std::isfinite(element)) return true;
-        }
-    }
-    return false;
-}
-
 Matrix affine() {
     Matrix t = random_matrix<Matrix>(4);
     t.m[3][0] = t.m[3][1] = t.m[3][2] = 0;
@@ -48,12 +38,6 @@ TEST(FixedInverse, ExchangeFormIsTheInverseOfEverySize) {
             expect_inverse(matrix_more_to_mat(matrix_inv_dim7(a)), matrix_more_to_mat(a));
         }
     }
-}
-
-TEST(FixedInverse, PivotsOffTheDiagonalAreExchangedBack) {
-    const Mat cyclic = dense(4, 4, {0, 2, 0, 0, 0, 0, 4, 0, 0, 0, 0, 8, 16, 0, 0, 0});
-    expect_equal(matrix_to_mat(matrix_inv(mat_to_matrix(cyclic))),
-                 dense(4, 4, {0, 0, 0, 0.0625f, 0.5f, 0, 0, 0, 0, 0.25f, 0, 0, 0, 0, 0.125f, 0}));
 }
 
 TEST(FixedInverse, ReadsTheRowCountAlone) {
@@ -97,13 +81,13 @@ TEST(FixedInverse, OfAnAffineTransformNeedsNoRotationAndNoLastRow) {
 }
 
 TEST(FixedInverse, SingularMatricesReturnValuesThatAreNotFinite) {
-    EXPECT_TRUE(any_not_finite(matrix_inv(zero_matrix(4, 4))));
-    EXPECT_TRUE(any_not_finite(matrix_inv({2, 2, {{1, 2}, {2, 4}}})));
-    EXPECT_TRUE(any_not_finite(matrix_inv_full_rank(zero_matrix(4, 4))));
     Matrix flat = affine();
     for (int i = 0; i < 3; ++i) flat.m[i][2] = 0;
-    EXPECT_TRUE(any_not_finite(matrix_inv_coordinate_system(flat)));
-    EXPECT_TRUE(any_not_finite(matrix_inv_dim7({7, 7, {}})));
+    for (const Matrix& inverse : {matrix_inv(zero_matrix(4, 4)), matrix_inv({2, 2, {{1, 2}, {2, 4}}}),
+                                  matrix_inv_full_rank(zero_matrix(4, 4)), matrix_inv_coordinate_system(flat)}) {
+        EXPECT_FALSE(std::isfinite(norm(matrix_to_mat(inverse))));
+    }
+    EXPECT_FALSE(std::isfinite(norm(matrix_more_to_mat(matrix_inv_dim7({7, 7, {}})))));
 }
 
 }  // namespace

@@ -89,14 +89,6 @@ TEST(DenseInverse, OfEverySizeMultipliesToTheIdentity) {
     }
 }
 
-TEST(DenseInverse, ExchangesRowsAndColumnsBack) {
-    Mat inverse;
-    ASSERT_EQ(mat_inv(&inverse, dense(3, 3, {0, 2, 0, 0, 0, 4, 8, 0, 0})), 1);
-    expect_equal(inverse, dense(3, 3, {0, 0, 0.125f, 0.5f, 0, 0, 0, 0.25f, 0}));
-    ASSERT_EQ(mat_inv(&inverse, mat_eye(4, 4)), 1);
-    expect_equal(inverse, mat_eye(4, 4));
-}
-
 TEST(DenseInverse, RefusesWithoutTouchingTheOutput) {
     const Mat before = dense(2, 2, {1, 2, 3, 4});
     Mat out = before;
@@ -106,11 +98,7 @@ TEST(DenseInverse, RefusesWithoutTouchingTheOutput) {
     EXPECT_EQ(mat_inv(&out, dense(2, 2, {NAN, 0, 0, 0})), -1);
     EXPECT_EQ(mat_inv(&out, mat_init(2, 3)), 0);
     EXPECT_EQ(mat_is_equal(out, before), 1);
-}
-
-TEST(DenseInverse, KnowsNoTolerance) {
-    Mat out;
-    EXPECT_EQ(mat_inv(&out, dense(2, 2, {1, 1, 1, 1.0000001f})), 1);
+    EXPECT_EQ(mat_inv(&out, dense(2, 2, {1, 1, 1, 1.0000001f})), 1);  // there is no tolerance
     EXPECT_GT(mat_find_abs_max(out), 1e6f);
 }
 
@@ -123,10 +111,7 @@ TEST(Rank, EliminatesWithPartialPivoting) {
     EXPECT_EQ(mat_rank(0, two, 1e-6f), 1);
     EXPECT_EQ(mat_rank(1, two, 1e-6f), 2);
     EXPECT_EQ(mat_rank(0, dense(2, 3, {0, 1, 2, 0, 3, 4}), 1e-6f), 0);
-}
-
-TEST(Rank, APivotHasToBeAboveTheTolerance) {
-    EXPECT_EQ(mat_rank(0, mat_eye(3, 3), 1), 0);
+    EXPECT_EQ(mat_rank(0, mat_eye(3, 3), 1), 0);  // a pivot has to be above the tolerance
     EXPECT_EQ(mat_rank(0, mat_eye(3, 3), 0.5f), 3);
 }
 
