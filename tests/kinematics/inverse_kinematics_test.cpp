@@ -98,13 +98,12 @@ TEST(OverspeedJudgment, NamesTheFirstJointThatOnePeriodDoesNotAllow) {
         {{0, 0, 0, 0, 0, -fast - 0.0003f, 0}, 1, 6},
         {{0, 0, slow / 2 + 0.001f, fast / 2 + 0.001f, 0, 0, 0}, 0.5f, 4},
         {{0, 0, 0, 0, 0, 0, 9}, 0, 0},
-        {{0, 0, 1e-6f, 0, 0, 0, 0}, 0, 3},
         {{0, 0, 1e-6f, 0, 0, 0, 0}, -2, 3},
         {{NAN, NAN, 0, 0, 9, 0, 0}, 1, 5},
     };
     const float from[7] = {};
     for (const auto& c : cases) {
-        EXPECT_EQ(joint_overspeed_judgment(from, c.to, c.scale), c.expected) << c.to[2] << ' ' << c.scale;
+        EXPECT_EQ(joint_overspeed_judgment(from, c.to, c.scale), c.expected) << c.expected;
     }
     libalgo_set_robot_and_sensor_type(2, 0);
     EXPECT_EQ(joint_overspeed_judgment(from, cases[1].to, 1), 0);

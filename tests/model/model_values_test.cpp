@@ -104,29 +104,24 @@ TEST_F(Values, FramesAreRigidTransforms) {
 }
 
 TEST_F(Values, DhSettersLeaveTheEighthColumn) {
-    const std::vector<float> ones_and_0 = {1, 1, 1, 1, 1, 1, 1, 0}, zeros(8);
-    DhParams ones, held, compensation{};
+    DhParams ones, expected = robot.dh, compensation{}, expected_compensation{};
     std::fill_n(reinterpret_cast<float*>(&ones), sizeof ones / sizeof(float), 1.0f);
     libalgo_set_dh_params(&ones);
-    libalgo_get_dh_value(&held);
-    for (const auto& set : {held.d, held.a, held.alpha, held.offset}) {
-        EXPECT_EQ(std::vector<float>(set, set + 8), ones_and_0);
-    }
-    for (const auto& kept : {held.d_comp, held.a_comp, held.alpha_comp, held.offset_comp}) {
-        EXPECT_EQ(std::vector<float>(kept, kept + 8), zeros);
-    }
+    for (const auto set : {expected.d, expected.a, expected.alpha, expected.offset}) std::fill_n(set, 7, 1);
+    EXPECT_EQ(std::memcmp(&robot.dh, &expected, sizeof expected), 0);
+
     libalgo_set_dh_compensation_value(&ones);
     libalgo_get_dh_compensation_value(&compensation);
-    for (const auto& set :
-         {compensation.d_comp, compensation.a_comp, compensation.alpha_comp, compensation.offset_comp}) {
-        EXPECT_EQ(std::vector<float>(set, set + 8), ones_and_0);
+    for (DhParams* dh : {&expected, &expected_compensation}) {
+        for (const auto set : {dh->d_comp, dh->a_comp, dh->alpha_comp, dh->offset_comp}) std::fill_n(set, 7, 1);
     }
-    EXPECT_EQ(row(compensation.a), zeros);
+    EXPECT_EQ(std::memcmp(&robot.dh, &expected, sizeof expected), 0);
+    EXPECT_EQ(std::memcmp(&compensation, &expected_compensation, sizeof compensation), 0);
 
-    robot.dh.d[7] = 5;
     libalgo_set_dh_params_default();
     libalgo_get_dh_params_default(&compensation);
     EXPECT_EQ(std::memcmp(&robot.dh, &compensation, sizeof compensation), 0);
+    EXPECT_EQ(robot.dh.d[0], 0.2405f);
 }
 
 TEST_F(Values, DhParametersAreDefaultUntilOneOfTheArmsJointsDiffers) {
