@@ -50,7 +50,7 @@ Action clear(Sensor sensor) {
     };
 }
 
-// ------------------------------------------------------------------------------------------------ Calibration --
+// ------------------------------------------------------------------------------------------------------ Calibration --
 
 // A calibration in progress: the arm moves from pose to pose, and the sensor measures at each.
 struct Calibration {
@@ -220,7 +220,7 @@ void add_calibrations(CommandTable& table) {
     });
 }
 
-// ------------------------------------------------------------------------------------------------ Holding --
+// ---------------------------------------------------------------------------------------------------------- Holding --
 
 bool set_force_position(Call& call) {
     Controller& controller = call.controller;

@@ -46,7 +46,7 @@ bool stop_jog(Call& call) {
     return true;
 }
 
-// ------------------------------------------------------------------------------------------------------ One joint --
+// -------------------------------------------------------------------------------------------------------- One joint --
 
 // `end` maps the current position of the joint to its target.
 Move joint_move(const Call& call, int number, const std::function<double(double)>& end) {
@@ -84,7 +84,7 @@ bool step_joint(Call& call) {
     return start_step(call, joint_move(call, number, [=](double joint) { return joint + step[1] / 1000; }));
 }
 
-// ------------------------------------------------------------------------------------------------------- The tool --
+// --------------------------------------------------------------------------------------------------------- The tool --
 
 // An axis of the work frame or of the tool itself.
 struct Axis {

@@ -11,7 +11,7 @@ constexpr double kChargeRate = 1;          // percent of the battery per second
 
 }  // namespace
 
-// ---------------------------------------------------------------------------------------------------------- Slide --
+// ------------------------------------------------------------------------------------------------------------ Slide --
 
 void Slide::go(double target, double speed) {
     start_ = position_;
@@ -36,7 +36,7 @@ void Slide::step(double seconds) {
     position_ = start_ + direction_ * profile_.distance(time_);
 }
 
-// ------------------------------------------------------------------------------------------------------- Audience --
+// --------------------------------------------------------------------------------------------------------- Audience --
 
 void Audience::expect(const std::shared_ptr<Client>& client, bool report) {
     const std::shared_ptr<Client> former = client_.lock();
@@ -49,7 +49,7 @@ void Audience::tell_arrival() {
     client_.reset();
 }
 
-// -------------------------------------------------------------------------------------------------------- Gripper --
+// ---------------------------------------------------------------------------------------------------------- Gripper --
 
 // The object is always between the closing fingers.
 void Gripper::go(int opening, int speed, int force, Mode mode) {
@@ -71,7 +71,7 @@ int Gripper::opening() const { return static_cast<int>(std::lround(fingers_.posi
 
 bool Gripper::holds_object() const { return object_ > 0 && !moving() && opening() == object_; }
 
-// ----------------------------------------------------------------------------------------------------------- Hand --
+// ------------------------------------------------------------------------------------------------------------- Hand --
 
 void Hand::go(const std::deque<Posture>& postures) {
     waiting_ = postures;
@@ -108,7 +108,7 @@ Hand::Posture Hand::moving() const {
     return moving;
 }
 
-// ----------------------------------------------------------------------------------------------------- Linear axis --
+// ------------------------------------------------------------------------------------------------------ Linear axis --
 
 void LinearAxis::go(double target, double percent) {
     slide_.go(target, speed * percent / 100);
@@ -133,7 +133,7 @@ void LinearAxis::step(double seconds) {
 
 int LinearAxis::position() const { return static_cast<int>(std::lround(slide_.position())); }
 
-// ----------------------------------------------------------------------------------------------------- Mobile base --
+// ------------------------------------------------------------------------------------------------------ Mobile base --
 
 void MobileBase::drive(int linear, int angular) {
     linear_ = linear;
@@ -177,7 +177,7 @@ void MobileBase::step(double seconds) {
     if (!way_.moving()) stand_at(target_);
 }
 
-// -------------------------------------------------------------------------------------------------------- Devices --
+// ---------------------------------------------------------------------------------------------------------- Devices --
 
 void Devices::configure_expansion(const ExpansionConfig& config) {
     constexpr double kSecondsPerMinute = 60;

@@ -20,7 +20,7 @@
 #include "zk/export.h"
 #include "zk/transform_types.h"
 
-/* -------------------------------------------------------------------------------------------------- The model -- */
+/* ----------------------------------------------------------------------------------------------------- The model -- */
 
 /* Version of the algorithm layer, "1.4.8". The text is constant. Any thread. */
 ZK_API const char* Algo_Version(void);
@@ -66,7 +66,7 @@ ZK_API float angleH;
 ZK_API Pose g_tool_pose; /* pose of the last Algo_Set_ToolFrame */
 ZK_API Pose g_work_pose; /* pose of the last Algo_Set_WorkFrame */
 
-/* ----------------------------------------------------------------------------------------- Forward kinematics -- */
+/* -------------------------------------------------------------------------------------------- Forward kinematics -- */
 
 /* Tool in the work frame at joint angles in degrees, mounting included: as pose, and as 4 by 4 transform. Null returns
  * a pose of ten zeros, which is no orientation. */
@@ -77,7 +77,7 @@ ZK_API Matrix Forward_Kinematics_e(const float* joint);
  * count as outside, since limits are kept in radians. */
 ZK_API int zk_algo_judgment_overpos(const float* joint);
 
-/* ----------------------------------------------------------------------------------------- Inverse kinematics -- */
+/* -------------------------------------------------------------------------------------------- Inverse kinematics -- */
 
 /* The arguments of Algo_Inverse_Kinematics as one record. */
 typedef struct InverseKinematicsCall {
@@ -109,7 +109,7 @@ ZK_API int Algo_Inverse_Kinematics_Wrap(InverseKinematicsCall* call);
  * the first call the search is near the seed whatever ikine_set_solution_range_zk75 says; no call restores that. */
 ZK_API void Algo_Set_Redundant_Parameter_Traversal_Mode(bool whole_range);
 
-/* ------------------------------------------------------------------------------------------- Poses and frames -- */
+/* ---------------------------------------------------------------------------------------------- Poses and frames -- */
 
 /*
  * Conversions. Those of a Pose read its position and Euler angles and fill all three fields of a result. Euler angles
@@ -142,7 +142,7 @@ ZK_API Pose Algo_WorkFrame2Base(Matrix work_T_base, Pose pose);
 ZK_API Pose Algo_End2Tool(Pose pose);
 ZK_API Pose Algo_Tool2End(Pose pose);
 
-/* ----------------------------------------------------------------------------------------------- Moving a pose -- */
+/* ------------------------------------------------------------------------------------------------- Moving a pose -- */
 
 /*
  * The pose of the tool in the work frame after a move from these joints (degrees): a straight displacement of dx, dy,
@@ -159,7 +159,7 @@ ZK_API Pose Algo_RotateMove(const float* joint, int axis, float angle, Pose fram
  * along the tool's own axes (frame 1); see algo_pose_move. */
 ZK_API Pose Algo_PoseMove(const float* delta, int frame, Pose pose);
 
-/* -------------------------------------------------------------------------------------------- The layer below -- */
+/* ----------------------------------------------------------------------------------------------- The layer below -- */
 
 /*
  * The model and the kinematics in the units of this header; the functions above call these. The frame and limit

@@ -10,7 +10,7 @@
 #include "zk/model.h"
 #include "zk/transform_types.h"
 
-/* ----------------------------------------------------------------------------------------------- The whole arm -- */
+/* ------------------------------------------------------------------------------------------------- The whole arm -- */
 
 /*
  * Solves for the tool at a pose of the work frame. With flag 1 the orientation is that of the pose's Euler angles, with
@@ -33,7 +33,7 @@ ZK_API void calc_Tbase2tool_from_Pose(Matrix* world_T_tool, const Pose* pose, in
  */
 ZK_API int joint_overspeed_judgment(const float* from, const float* to, float scale);
 
-/* ------------------------------------------------------------------------------ Search of the seven-joint arms -- */
+/* -------------------------------------------------------------------------------- Search of the seven-joint arms -- */
 
 /*
  * Whether the solvers of models 1 and 7 search near the seed (narrow) or over the whole range of the free axis (wide).
@@ -49,7 +49,7 @@ ZK_API float ikine_get_solution_range_zk75(void);
 ZK_API float theta_v;      /* the range, 0.013 at first */
 ZK_API int global_is_movl; /* the strategy, 1 at first */
 
-/* --------------------------------------------------------------------------- The solvers of the six-joint arms -- */
+/* ----------------------------------------------------------------------------- The solvers of the six-joint arms -- */
 
 /*
  * Each solves for the tool at world_T_tool, whatever model is selected, with the lengths, offsets, limits, tool and

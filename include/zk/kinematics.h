@@ -24,7 +24,7 @@ typedef struct PoseAndMatrix {
 
 ZK_STATIC_ASSERT(sizeof(PoseAndMatrix) == 108 && offsetof(PoseAndMatrix, matrix) == 40, "layout of PoseAndMatrix");
 
-/* --------------------------------------------------------------------------------------------- The whole arm -- */
+/* ------------------------------------------------------------------------------------------------- The whole arm -- */
 
 /* Flange in the base: base_T_flange, 4 by 4. */
 ZK_API Matrix forward_kinematics_e(const float* joint);
@@ -44,7 +44,7 @@ ZK_API Matrix forward_kinematics_rotate_flange(const float* joint);
 ZK_API PoseAndMatrix forward_kinematics_for_unity(const float* joint);
 ZK_API Position forward_kinematics_pos_calibration(const float* joint);
 
-/* ------------------------------------------------------------------------------------------ Family by family -- */
+/* ---------------------------------------------------------------------------------------------- Family by family -- */
 
 /*
  * Flange in the base for one family of arms, whatever model is selected. The twists of each family are built in; of the

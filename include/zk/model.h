@@ -177,7 +177,7 @@ ZK_API void libalgo_get_robot_install_angle_matrix(Matrix* world_T_base);
 /* Gravity in the base frame, m/s^2: (0, 0, -9.81) for an upright arm. */
 ZK_API void libalgo_get_robot_gravity_acc(float gravity[3]);
 
-/* ------------------------------------------------------------------------------------------------ DH parameters -- */
+/* ------------------------------------------------------------------------------------------------- DH parameters -- */
 
 /* Writes d, a, alpha and offset of joints 1 to 7. */
 ZK_API void libalgo_set_dh_params(const DhParams* params);

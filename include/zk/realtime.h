@@ -102,7 +102,7 @@ ZK_STATIC_ASSERT(sizeof(void*) != 8 || (sizeof(RealtimeListener) == 32 && offset
 ZK_API RobotStatus robotstatus;
 ZK_API RealtimeListener listener;
 
-/* -------------------------------------------------------------------------------------------- Taking the state -- */
+/* ---------------------------------------------------------------------------------------------- Taking the state -- */
 
 /*
  * Registers the callback that receives the state of every datagram; null removes it. Arm_Socket_Start clears the

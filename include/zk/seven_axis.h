@@ -11,7 +11,7 @@
 
 #include "zk/dense_matrix.h"
 
-/* ---------------------------------------------------------------------------------------------- The 75, model 1 -- */
+/* ----------------------------------------------------------------------------------------------- The 75, model 1 -- */
 
 /*
  * Joints that bring the flange of the 75 to the target: reads seven values of the seed, writes seven to out. The
@@ -35,7 +35,7 @@
  */
 ZK_API int inverse_kinematics_zk_75(float* seed, float* out, Mat target);
 
-/* ---------------------------------------------------------------------------------------------- The 72, model 7 -- */
+/* ----------------------------------------------------------------------------------------------- The 72, model 7 -- */
 
 /*
  * Joints that bring the flange of the 72 to the target, to 1e-6 m and rad before rounding: the solution that the
@@ -59,7 +59,7 @@ ZK_API int inverse_kinematics_tau7(const float* seed, float* out, Mat target);
  */
 ZK_API void ikine_jacobe_and_pose_tau72(const float* joint, Mat* J, Mat* T);
 
-/* ----------------------------------------------------------------------------------------- Helpers. Any thread. -- */
+/* ------------------------------------------------------------------------------------------ Helpers. Any thread. -- */
 
 /* out = a b for two transforms of three rows of four, the last row 0, 0, 0, 1 implied; out may be a or b. */
 ZK_API void marr_m(const float* a, const float* b, float* out);

@@ -79,7 +79,7 @@ int axis_arrived(const Request& request) {
 
 }  // namespace
 
-// ---------------------------------------------------------------------------------------------------------- Lift --
+// ------------------------------------------------------------------------------------------------------------- Lift --
 
 ZK_API int Set_Lift_Height(ArmSocket s, int32_t height, int32_t speed, bool block) {
     return guarded(block ? Set_Lift_Height_BLock : Set_Lift_Height_NonBLock, s, height, speed);
@@ -133,7 +133,7 @@ ZK_API int Set_Lift_NonBlock(ArmSocket s, int32_t height, int32_t speed) {
     return post(lift(s, "set_lift ", height, speed));
 }
 
-// ------------------------------------------------------------------------------------------------ Expansion axis --
+// --------------------------------------------------------------------------------------------------- Expansion axis --
 
 static Request axis_speed(ArmSocket s, int32_t speed) { return one(s, "expand_set_speed", "speed", speed); }
 ZK_API int Expand_Set_Speed(ArmSocket s, int32_t speed, bool block) {
@@ -225,7 +225,7 @@ ZK_API int Parser_Expand_Get_Config(const char* text, int32_t* rpm_max, int32_t*
                           {"limit_max", limit_max}});
 }
 
-// --------------------------------------------------------------------------------------------------- Mobile base --
+// ------------------------------------------------------------------------------------------------------ Mobile base --
 
 static constexpr BaseCommand kVehicle = {"set_vehicle", {"speed", "angular"}, ZK_KEY_VEHICLE, Parser_Set_Hand};
 ZK_API int Set_Vehicle(ArmSocket s, int32_t speed, int32_t angular, bool block) {

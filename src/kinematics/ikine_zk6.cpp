@@ -14,7 +14,7 @@ struct Zk6 {
 
     const float a3 = robot.dh.a[2], d4 = robot.dh.d[3];
 
-    // (S9) r^2 + z^2 = a3^2 + d4^2 + 2 a3 d4 sin t3. The straight arm may be a little too short, the folded one may
+    // (S8) r^2 + z^2 = a3^2 + d4^2 + 2 a3 d4 sin t3. The straight arm may be a little too short, the folded one may
     // not.
     Elbows elbows(float r, float z) const {
         float sine = (r * r + z * z - d4 * d4 - a3 * a3) / (2 * d4 * a3);
@@ -24,14 +24,14 @@ struct Zk6 {
         return {{up, {sine, cosine}}, {mirrored(up), {sine, -cosine}}};
     }
 
-    // (S10), (S11) With a = a3 sin t3 + d4 and c = a3 cos t3 the wrist point is r = c cos t23 + a sin t23, z = c sin
+    // (S9), (S10) With a = a3 sin t3 + d4 and c = a3 cos t3 the wrist point is r = c cos t23 + a sin t23, z = c sin
     // t23 - a cos t23: t23 is the angle of (r, z) plus that of (c, a).
     Point toward_t23(float r, float z, SineCosine t3) const {
         const float a = a3 * t3.s + d4, c = a3 * t3.c;
         return {z * c + r * a, r * c - z * a};
     }
 
-    // (S12)
+    // (S11)
     static Axes forearm(SineCosine t1, SineCosine t23) {
         return {{t1.c * t23.c, t1.s * t23.c, t23.s}, {t1.s, -t1.c, 0}, {t1.c * t23.s, t1.s * t23.s, -t23.c}};
     }

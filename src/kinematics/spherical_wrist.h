@@ -148,7 +148,7 @@ class SphericalWrist {
         const SineCosine t1 = sine_cosine(best_.theta[0]);
         const auto& m = wrist_.m;
         const float s4 = seed_.theta[3], s6 = seed_.theta[5];
-        // (S8)
+        // (S12)
         float p = arc_tangent(t1.s * m[0][0] - t1.c * m[1][0], t1.s * m[0][1] - t1.c * m[1][1]);
         const float e = Arm::kSumFromSeed ? p - (s4 + s6) : p;
         const auto within_half_turn = [](float angle) { return -kHalfTurn < angle && angle < kHalfTurn; };

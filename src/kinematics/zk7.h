@@ -28,7 +28,7 @@ struct Target {
 // The arc cosine's argument, which rounding or a target out of reach can take beyond 1.
 inline float clamped(float x) { return std::fabs(x) > 1.0f ? std::copysign(1.0f, x) : x; }
 
-// ----------------------------------------------------------------------------------------- The pseudo-inverse step --
+// ------------------------------------------------------------------------------------------ The pseudo-inverse step --
 
 // One step of the pseudo-inverse from the seed to the target, with a null-space term towards mid-range where no joint
 // becomes too fast.

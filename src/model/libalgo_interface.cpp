@@ -12,7 +12,7 @@ DynamicsParams dyn_param_default;
 
 using namespace zk;
 
-// ------------------------------------------------------------------------------------------------------ Selection --
+// -------------------------------------------------------------------------------------------------------- Selection --
 
 ZK_API int libalgo_set_robot_and_sensor_type(int model, int sensor) {
     std::memset(&robot, 0, sizeof robot);
@@ -31,7 +31,7 @@ ZK_API int libalgo_get_robot_type(void) { return robot.robot_type; }
 ZK_API int libalgo_get_sensor_type(void) { return robot.sensor_type; }
 ZK_API int libalgo_get_rbt_dof(void) { return robot.dof; }
 
-// ----------------------------------------------------------------------------------------------- Control, feedback --
+// ------------------------------------------------------------------------------------------------ Control, feedback --
 
 ZK_API void libalgo_update_feedback_data(const RobotFeedback* feedback) {
     robot.feedback = *feedback;

@@ -132,7 +132,7 @@ TEST(KeptLength, FollowsSettingsAndAnswers) {
     EXPECT_EQ(lwt, 0);
 }
 
-// ------------------------------------------------------------------------------------------------- A simulated arm --
+// -------------------------------------------------------------------------------------------------- A simulated arm --
 
 TEST(ArmLimitsOfASimulatedArm, AreGotBackAsSet) {
     const SimulatedArm arm;

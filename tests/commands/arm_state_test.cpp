@@ -115,7 +115,7 @@ TEST(ArmStateParsers, ReadSevenAnglesAtMost) {
                   {{R"({"joint":[1,2,3,4,5,6,7,8,9]})", 0, "0.001 0.002 0.003 0.004 0.005 0.006 0.007"}});
 }
 
-// ------------------------------------------------------------------------------------------------------ Mounting --
+// --------------------------------------------------------------------------------------------------------- Mounting --
 
 class Mounting : public testing::Test {
  protected:
@@ -183,7 +183,7 @@ TEST_F(Mounting, AFailedQueryIsMostlyADifference) {
     EXPECT_EQ(Get_Install_Pose(arm_, &x_, &y_, &z_), -1);
 }
 
-// ------------------------------------------------------------------------------------------------- A simulated arm --
+// -------------------------------------------------------------------------------------------------- A simulated arm --
 
 TEST(ArmStateOfASimulatedArm, IsWhatTheLocalModelComputes) {
     SimulatedArm arm({"--joints", "10,-20,30,-40,50,-60", "--install", "90,0,0"});

@@ -264,7 +264,7 @@ TEST_F(Moves, OfTheLiftAskForItsStateWithoutTheMode) {
     EXPECT_EQ(Get_Lift_State(arm_, &height, &current, &err_flag, nullptr), 0);
 }
 
-// ------------------------------------------------------------------------------------------------- A simulated arm --
+// -------------------------------------------------------------------------------------------------- A simulated arm --
 
 // What the example of these devices does not show.
 TEST(AxesOfASimulatedArm, KeepToTheirSettingsAndRanges) {

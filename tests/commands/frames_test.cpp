@@ -178,7 +178,7 @@ TEST(FramesGuards, ANameThatIsTooLongEndsTheProcess) {
     EXPECT_DEATH(Change_Tool_Frame_NonBlock(77, (longest + "x").c_str()), "set_change_tool_frame.*300.*299");
 }
 
-// ------------------------------------------------------------------------------------------------------- Parsers --
+// ---------------------------------------------------------------------------------------------------------- Parsers --
 
 TEST(FramesParsers, RefuseAFrameThatIsNotThere) {
     expect_parsed(parsing(Parser_Get_Given_Tool_Frame),
@@ -207,7 +207,7 @@ TEST(FramesParsers, ReadTheNamesUpToNullOrTheEndOfTheRecord) {
                     "1 2 3 4 5 6 7 8 9 10 11; 11"}});
 }
 
-// -------------------------------------------------------------------------------------------- The local picture --
+// ------------------------------------------------------------------------------------------------ The local picture --
 
 // Tool and work frame alike, with what they are called in each case.
 struct Kind {
@@ -337,7 +337,7 @@ TEST(FrameMatrices, FollowTheAnswers) {
     EXPECT_EQ(Tool_Matrix.rows + Frame_Matrix.rows, 0);
 }
 
-// ------------------------------------------------------------------------------------------------- A simulated arm --
+// -------------------------------------------------------------------------------------------------- A simulated arm --
 
 const Pose kGrip{{0.1f, 0, 0.15f}, {}, {0, 0, 1.5f}};
 

@@ -119,7 +119,7 @@ TEST(GripperState, HasTheStatusOfAnotherQuery) {
     EXPECT_EQ(Get_Gripper_State(arm, &state), 10);
 }
 
-// ------------------------------------------------------------------------------------------------- A simulated arm --
+// -------------------------------------------------------------------------------------------------- A simulated arm --
 
 int opening(ArmSocket arm) {
     GripperState state{};

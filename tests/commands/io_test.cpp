@@ -137,7 +137,7 @@ TEST(IoParsers, Banks) {
     expect_parsed(parsing(Parser_Get_Tool_IO_State), {{R"({"IO_Mode":[1,0,1],"IO_State":[1]})", 0, "1 0; 1"}});
 }
 
-// ------------------------------------------------------------------------------------------------- A simulated arm --
+// -------------------------------------------------------------------------------------------------- A simulated arm --
 
 TEST(IoOfASimulatedArm, OutputsAreReadBackAndAtTheInputsTheyAreWiredTo) {
     SimulatedArm arm;

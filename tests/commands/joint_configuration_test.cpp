@@ -149,7 +149,7 @@ TEST(JointConfigurationParsers, CalibrationNeverSucceeds) {
                    {R"({"joint_state":[1,2,3,4,5,6],"err":[0]})", 10, "1 2 3 4 5 6; -; -"}});
 }
 
-// ------------------------------------------------------------------------------------------------ The local model --
+// -------------------------------------------------------------------------------------------------- The local model --
 
 class LimitsInTheModel : public testing::Test {
  protected:
@@ -228,7 +228,7 @@ TEST_F(LimitsInTheModel, AnArrayOfAnotherSizeDeliversTheLastOne) {
     EXPECT_EQ(text_of(out_), std::string(kHighestDegrees) + " -1");
 }
 
-// --------------------------------------------------------------------------------------- Joints beyond soft limits --
+// ---------------------------------------------------------------------------------------- Joints beyond soft limits --
 
 const char* const kAccepted = R"({"command":"auto_fix_joint_over_soft_limit","set_state":true})";
 const char* const kArrived = R"({"state":"current_trajectory_state","trajectory_state":true,"device":0})";
@@ -271,7 +271,7 @@ TEST_F(SoftLimits, WaitForTheAcknowledgementWithOne) {
     EXPECT_EQ(Auto_Fix_Joint_Over_Soft_Limit(arm_, false), 7);
 }
 
-// ------------------------------------------------------------------------------------------------- A simulated arm --
+// -------------------------------------------------------------------------------------------------- A simulated arm --
 
 // Limits: set, refused, and read back from the controller and from the model.
 TEST(JointConfigurationOfASimulatedArm, LimitsAreReadBackAsSet) {

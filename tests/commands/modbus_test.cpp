@@ -125,7 +125,7 @@ TEST(ModbusGuards, DataThatDoesNotFitTheFrameEndsTheProcess) {
     EXPECT_DEATH(Write_Registers_NonBlock(77, 0, 0, 0x7FFFFFFF, many.data(), 1), "write_registers.*frame holds 299");
 }
 
-// ------------------------------------------------------------------------------------------------------ Parsers --
+// ---------------------------------------------------------------------------------------------------------- Parsers --
 
 TEST(ModbusParsers, ReadWhatIsNotRefused) {
     expect_parsed(parsing(Parser_Get_read_coils),
@@ -147,7 +147,7 @@ TEST(ModbusParsers, MoreValuesThanTheRecordHolds) {
     EXPECT_EQ(values[ZK_MODBUS_VALUES], 0);
 }
 
-// ----------------------------------------------------------------------------------------------- A simulated arm --
+// -------------------------------------------------------------------------------------------------- A simulated arm --
 
 class Bus : public testing::Test {
  protected:

@@ -107,7 +107,7 @@ TEST(MotionGuards, NoMoveWithoutAConnection) {
                         5);
 }
 
-// ------------------------------------------------------------------------------------------------------- Parsers --
+// ---------------------------------------------------------------------------------------------------------- Parsers --
 
 TEST(MotionParsers, Acceptance) {
     expect_parsed(parsing(Parser_Receive_State), {{R"({"command":"movej","receive_state":true})", 0, "1"},
@@ -133,7 +133,7 @@ TEST(MotionParsers, Arrival) {
                    {R"({"device":0,"trajectory_connect":0})", 9, ""}});
 }
 
-// ------------------------------------------------------------------------------------------------- Derived moves --
+// ---------------------------------------------------------------------------------------------------- Derived moves --
 
 struct DerivedMove {
     const char* name;

@@ -187,7 +187,7 @@ TEST(SafetyGeometryGuards, AnEnvelopeThatIsTooLongEndsTheProcess) {
     EXPECT_DEATH(Set_Tool_Envelope(arm, five), "set_tool_envelope.*frame holds 499");
 }
 
-// ------------------------------------------------------------------------------------------------------ Parsers --
+// ---------------------------------------------------------------------------------------------------------- Parsers --
 
 TEST(SafetyGeometryParsers, ReadTheLengthsOfEveryForm) {
     expect_parsed(parsing(Parser_Get_Electronic_Fence_Config),
@@ -227,7 +227,7 @@ TEST(SafetyGeometryParsers, StopAtTheEndOfTheirRecords) {
                    {R"({"get_state":false,"tool_name":"grip","list":[]})", 1, ""}});
 }
 
-// ----------------------------------------------------------------------------------------------- A simulated arm --
+// -------------------------------------------------------------------------------------------------- A simulated arm --
 
 FenceConfig ball(const char* name, float radius) {
     FenceConfig config = fence(3, name);

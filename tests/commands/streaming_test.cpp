@@ -100,7 +100,7 @@ TEST(StreamingGuards, SetPointsGoPastTheQueueAlsoDuringAFileTransfer) {
     EXPECT_EQ(command_name(controller.next_request()), "set_arm_stop");
 }
 
-// --------------------------------------------------------------------------------------------------------- Reports --
+// ---------------------------------------------------------------------------------------------------------- Reports --
 
 TEST(StreamingParsers, SetPoints) {
     expect_parsed(

@@ -169,7 +169,7 @@ TEST(Counters, AreNotRepeatedWhenTheControllerDoesNotKnow) {
     EXPECT_EQ(text_of({day, hour, min, sec}), "9 9 9 9");
 }
 
-// ------------------------------------------------------------------------------------------------------- Parsers --
+// ---------------------------------------------------------------------------------------------------------- Parsers --
 
 // Only false is a refusal.
 TEST(SystemParsers, RunMode) {
@@ -225,7 +225,7 @@ TEST(SystemParsers, TextsFitTheirFields) {
     in(kWifi, R"("ssid":")", wifi, 33);
 }
 
-// ------------------------------------------------------------------------------------------------- A simulated arm --
+// -------------------------------------------------------------------------------------------------- A simulated arm --
 
 TEST(SystemOfASimulatedArm, ReportsItsStateAndKeepsItsSettings) {
     const SimulatedArm arm;

@@ -231,6 +231,7 @@ TEST(Lifecycle, StartsFromItsSettings) {
     EXPECT_EQ(m_nmodbusrtu_OutTime, 1000);
     EXPECT_EQ(CUR_ARM_MODE, 65);
     EXPECT_EQ(m_nThreadIsRun, 0);
+    EXPECT_EQ(g_is_robot_type_i, 0);
     EXPECT_STREQ(API_Version(), "4.3.6");
     EXPECT_EQ(Get_Socket_Idx(77), -1);
     EXPECT_EQ(Get_Socket_Idx(0), 0) << "the first free slot";
