@@ -75,7 +75,7 @@ INSTANTIATE_TEST_SUITE_P(, EveryModel,
                              return name;
                          });
 
-TEST_P(EveryModel, TheLocalModelGivesThePoseThatTheControllerReports) {
+TEST_P(EveryModel, TheLocalModelReturnsThePoseThatTheControllerReports) {
     const std::string model = GetParam();
     const bool seven = model.find("75") != model.npos || model.find("72") != model.npos;
     const LiveArm arm(model, {"--joints", seven ? "10,20,30,40,50,60,70" : "10,20,30,40,50,60", "--tool",
@@ -113,7 +113,7 @@ TEST(EndToEnd, AStopFromASecondThreadEndsTheMoveThatThePollSees) {
     EXPECT_GT(joint[0], start);
 }
 
-TEST(EndToEnd, ARefusedMoveGives1) {
+TEST(EndToEnd, ARefusedMoveReturns1) {
     const LiveArm arm("ZK65-B");
     const float beyond[6] = {500, 0, 0, 0, 0, 0};
     for (const bool block : {true, false}) {
@@ -123,20 +123,6 @@ TEST(EndToEnd, ARefusedMoveGives1) {
     }
     const float target[6] = {1, 1, 1, 1, 1, 1};
     EXPECT_EQ(Movej_Cmd(arm.socket(), target, 100, 0, 0, true), 0) << "the arm works afterwards";
-}
-
-TEST(EndToEnd, AConnectionCanBeMadeAgainAndAgain) {
-    SimulatorProcess simulator({"--quiet"});
-    set_time_factor(0);
-    ZK_API_Init(65, nullptr);
-    for (int i = 0; i < 5; ++i) {
-        const ArmSocket arm = Arm_Socket_Start("127.0.0.1", simulator.port(), 1000);
-        ASSERT_GT(arm, ZK_LARGEST_STATUS) << i;
-        EXPECT_EQ(Arm_Socket_State(arm), 0);
-        RobotStatus status{};
-        eventually([&] { return Get_Realtime_Arm_Joint_State(&status) == 0 && status.errCode == 0; });
-        Arm_Socket_Close(arm);
-    }
 }
 
 }  // namespace

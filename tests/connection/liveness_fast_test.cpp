@@ -24,13 +24,13 @@ class Liveness : public testing::Test {
     ArmSocket arm_ = 0;
 };
 
-TEST(LivenessBeforeInit, TellsThatNothingRuns) {
+TEST(LivenessBeforeInit, ReturnsThatNothingRuns) {
     EXPECT_EQ(Arm_Socket_State(0), 5);
     EXPECT_EQ(Arm_Socket_State(-1), 5);
     EXPECT_EQ(Arm_Socket_State(100), 2);
 }
 
-TEST_F(Liveness, AnAnswerOfAnyKindIsTheStatus) {
+TEST_F(Liveness, TheStatusIsThatOfTheReply) {
     controller_.answer("get_joint_max_speed", kSpeeds);
     EXPECT_EQ(Arm_Socket_State(arm_), 0);
     EXPECT_EQ(shared(Joint_Max_Speed_Cmd[0].count), 0);
@@ -45,7 +45,7 @@ TEST(LivenessGuards, TheProbeSuspendsTheQueueWhileItWaits) {
     run({CALL(Arm_Socket_State, (s)), "get_joint_max_speed", kSpeeds});
 }
 
-TEST_F(Liveness, SilenceGives5AfterHalfASecond) {
+TEST_F(Liveness, SilenceReturns5AfterHalfASecond) {
     const int32_t start = Get_Program_Runtime();
     set_time_factor(20);
     EXPECT_EQ(Arm_Socket_State(arm_), 5);
@@ -60,7 +60,7 @@ TEST_F(Liveness, AnOldReplySatisfiesIt) {
     EXPECT_EQ(Arm_Socket_State(arm_), 0);
 }
 
-TEST_F(Liveness, TheProbeGoesAheadOfTheQueue) {
+TEST_F(Liveness, TheProbeIsSentAheadOfTheQueue) {
     set_shared(IsSendFile, 1);  // holds the queue
     Move_Stop_Cmd_NonBlock(arm_);
     EXPECT_EQ(Arm_Socket_State_nBlock(arm_), 0);
@@ -70,7 +70,7 @@ TEST_F(Liveness, TheProbeGoesAheadOfTheQueue) {
     EXPECT_EQ(controller_.next_request(), "{\n\t\"command\":\t\"set_arm_stop\"\n}");
 }
 
-TEST_F(Liveness, AFailedWriteGives6) {
+TEST_F(Liveness, AFailedWriteReturns6) {
     EXPECT_EQ(Arm_Socket_State_nBlock(100000), 6);
     EXPECT_EQ(Init_Socket_Joint(65, 100000), 0);
     EXPECT_EQ(Arm_Socket_State(100000), 6);

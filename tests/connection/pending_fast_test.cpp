@@ -65,7 +65,7 @@ TEST_F(PendingCommands, KeepTheirRecordUntilTheyTimeOut) {
 }
 
 // After a failed write these commands clear the record past the last one, and their own stays.
-TEST_F(PendingCommands, AFailedWriteGives6) {
+TEST_F(PendingCommands, AFailedWriteReturns6) {
     for (const auto& [request, call, code] : kCommands) {
         m_nSockeRIinfosLen = 0;
         EXPECT_EQ(call(100000), 6) << request;
@@ -78,7 +78,7 @@ TEST_F(PendingCommands, AFailedWriteGives6) {
     }
 }
 
-TEST_F(PendingCommands, The201stRecordGives20) {
+TEST_F(PendingCommands, The201stRecordReturns20) {
     m_nSockeRIinfosLen = 199;
     std::future<int> last = std::async(std::launch::async, [&] { return Timer(arm_, 10, true); });
     eventually([] { return list_length() == 200; });
@@ -125,7 +125,7 @@ TEST_F(ListOfThree, TheLaterRecordsMoveDown) {
     EXPECT_EQ(row(1), "12 22 2 2 c");
 }
 
-TEST_F(ListOfThree, OfTheLastOnlyTheCountFalls) {
+TEST_F(ListOfThree, RemovingTheLastRecordLowersTheCount) {
     ClearList(list_, &count_, 2);
     EXPECT_EQ(count_, 2);
     EXPECT_EQ(row(1), "11 21 1 1 bb");

@@ -69,7 +69,7 @@ TEST_F(Ring, ClearDropsAllFrames) {
     expect_next(queue_, 3);
 }
 
-TEST_F(Ring, OfNoCapacityIsFullAndEmpty) {
+TEST_F(Ring, IsFullAndEmptyWithoutCapacity) {
     TxFrame frame = numbered(1);
     for (const int capacity : {0, -5}) {
         EXPECT_EQ(ZK_Queue_Create(&queue_, capacity), 1);
@@ -82,7 +82,7 @@ TEST_F(Ring, OfNoCapacityIsFullAndEmpty) {
     }
 }
 
-TEST_F(Ring, AFrameOfNoLengthPassesWithoutBytes) {
+TEST_F(Ring, AnEmptyFrameKeepsItsSocket) {
     ASSERT_EQ(ZK_Queue_Create(&queue_, 4), 1);
     for (const int length : {0, -3}) {
         TxFrame frame = numbered(9), out = numbered(8);
@@ -156,7 +156,7 @@ TEST_F(Transmit, AFullQueueDropsTheFrameWithALine) {
     ZK_Queue_Clear(&Socket_Tx_Buffer);
 }
 
-TEST_F(Transmit, ALongFrameGoesOutWithTheSocketsNumberInIt) {
+TEST_F(Transmit, ALongFrameContainsTheSocketsNumber) {
     for (const size_t length : {500, 501, 504, 505, 516}) {
         std::string frame(length, '.');
         for (size_t i = 0; i < length; ++i) frame[i] = static_cast<char>('a' + i % 26);
@@ -171,7 +171,7 @@ TEST_F(Transmit, ALongFrameGoesOutWithTheSocketsNumberInIt) {
     }
 }
 
-TEST_F(Transmit, AFrameOfNoLengthHarmsNothing) {
+TEST_F(Transmit, FramesAfterAnEmptyOneAreSent) {
     add("");
     Add_Queue(arm_, nullptr, 0);
     Add_Queue(arm_, "abc", -1);

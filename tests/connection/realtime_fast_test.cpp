@@ -97,7 +97,7 @@ TEST_F(Realtime, BrokenDatagramsAreHandedOnWithTheirStatus) {
     EXPECT_EQ(polled.errCode, 9);
 }
 
-TEST_F(Realtime, APollWithoutAStreamGives25AfterASecond) {
+TEST_F(Realtime, APollWithoutAStreamReturns25AfterASecond) {
     RobotStatus status{};
     EXPECT_EQ(Get_Realtime_Arm_Joint_State(nullptr), 19);
     start();

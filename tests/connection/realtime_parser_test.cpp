@@ -202,7 +202,7 @@ TEST(RealtimeParser, SevenJointsFillSevenEntriesAndSixLeaveTheSeventh) {
     EXPECT_EQ(s.joint_speed[6], 42.0f);
 }
 
-TEST(RealtimeParser, OfTwoForceSensorsTheLastWins) {
+TEST(RealtimeParser, TheSecondOfTwoForceSensorsIsStored) {
     RobotStatus s{};
     json both = full_datagram();
     both["one_force_sensor"] = {{"force", {7000}}, {"zero_force", {8000, 9000}}, {"coordinate", 1}};

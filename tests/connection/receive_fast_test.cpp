@@ -67,7 +67,7 @@ TEST_F(SilentPeer, AStreamWithoutEndIsDroppedWhileTheOtherArmsWork) {
     EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 2) << said;
 }
 
-TEST_F(SilentPeer, OneThatGoesOnInTimeLosesNothing) {
+TEST_F(SilentPeer, ThatContinuesInTimeLosesNothing) {
     const std::string message = report_message(1);
     for (int i = 0; i < 4; ++i) {
         controller_.say_bytes({message.substr(i * 5, 5)}, 0);

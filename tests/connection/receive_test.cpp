@@ -44,7 +44,7 @@ TEST_F(Receive, NothingOfALongMessageStays) {
     EXPECT_EQ(log_.results(expected.size()), expected);
 }
 
-TEST_F(Receive, AVisitOfSixBytesIsDroppedAndOneOfSevenIsNot) {
+TEST_F(Receive, AReadOfSixBytesIsDroppedAndOneOfSevenIsNot) {
     controller_.say_bytes({"movej\n"});
     controller_.say_bytes({"popup\r\n"});
     eventually([] { return shared(Set_Popup_Cmd[0].count) == 1; });
@@ -65,7 +65,7 @@ TEST_F(Receive, ABrokenMessageDoesNotHarmTheNext) {
     EXPECT_EQ(log_.results(4), (Results{9, 2, 9, 3}));
 }
 
-TEST_F(Receive, AZeroByteEndsWhatCountsOfARead) {
+TEST_F(Receive, AZeroByteEndsARead) {
     controller_.say_bytes({report_message(1) + std::string(1, '\0') + report_message(2)});
     controller_.say_bytes({report_message(3)});
     EXPECT_EQ(log_.results(2), (Results{1, 3}));
@@ -108,7 +108,7 @@ TEST_F(Receive, AMessageThatIsTooLongTakesNoOtherWithIt) {
 }
 
 // Messages of every length, cut anywhere: each arrives once and in order, and the ones that are too long do not arrive.
-TEST_F(Receive, AnyStreamCutAnywhereGivesItsMessages) {
+TEST_F(Receive, AStreamCutAnywhereArrivesAsItsMessages) {
     std::mt19937 random(20);
     const auto below = [&](size_t limit) { return std::uniform_int_distribution<size_t>(0, limit - 1)(random); };
     std::string stream;

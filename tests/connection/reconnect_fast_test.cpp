@@ -195,7 +195,7 @@ TEST_F(Starts, ANumberComesBackOnlyAfterAllOthers) {
     EXPECT_GT(start(), ZK_LARGEST_STATUS) << "the search has started again";
 }
 
-TEST_F(Starts, TheStreamIsHeardAfterARefusedTry) {
+TEST_F(Starts, TheStreamArrivesAfterARefusedStart) {
     const int nobody = ScriptedController().port();
     EXPECT_EQ(Arm_Socket_Start("127.0.0.1", nobody, 1000), 5);  // closes descriptor 0
     const int port = reserve_udp_port();

@@ -36,7 +36,7 @@ TEST(SilentController, EachQuestionCanTimeOutAndTheConnectionCloses) {
     }
 }
 
-TEST(SilentController, CostsThreeSeconds) {
+TEST(SilentController, EndsTheStartAfterThreeSeconds) {
     ZK_API_Init(65, nullptr);
     ScriptedController controller;
     const int32_t start = Get_Program_Runtime();

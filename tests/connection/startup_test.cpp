@@ -112,7 +112,7 @@ TEST_F(StartUp, PutsTheArmIntoTheModel) {
     expect_limits({-10, -20, -30, -40.5, -50, -60}, {11, 22, 33, 44.5, 55, 66});
 }
 
-TEST_F(StartUp, LearnsASevenJointArm) {
+TEST_F(StartUp, StoresTheDataOfASevenJointArm) {
     init(75, 7);
     const ArmSocket arm = start();
     ASSERT_GT(arm, ZK_LARGEST_STATUS);
@@ -162,7 +162,7 @@ TEST_F(StartUp, NothingOfTheLastConnectionReachesTheNext) {
     EXPECT_EQ(Move_Slow_Stop_Cmd_Block(arm), 0);
 }
 
-TEST_F(StartUp, KnowsTheArmByItsModelText) {
+TEST_F(StartUp, SetsModelAndSensorFromTheModelText) {
     struct Row {
         const char* text;
         int robot, sensor;
@@ -182,7 +182,7 @@ TEST_F(StartUp, KnowsTheArmByItsModelText) {
     }
 }
 
-TEST_F(StartUp, ARefusedConnectionGives5AndClosesTheListener) {
+TEST_F(StartUp, ARefusedConnectionReturns5AndClosesTheListener) {
     ASSERT_TRUE(is_open(0));
     const int port = ScriptedController().port();  // gone by now
     EXPECT_EQ(Arm_Socket_Start("127.0.0.1", port, 1000), 5);
@@ -201,7 +201,7 @@ TEST_F(StartUp, OnlyDottedAddressesAreAccepted) {
     EXPECT_EQ(Arm_Socket_Start(nullptr, controller_.port(), 1000), 5);
 }
 
-TEST_F(StartUp, AFullTableGivesMinus1) {
+TEST_F(StartUp, AFullTableReturnsMinus1) {
     for (int i = 0; i < 20; ++i) EXPECT_EQ(Init_Socket_Joint(65, 90000 + i), 0);
     EXPECT_EQ(Init_Socket_Joint(65, 91000), -1);
     EXPECT_EQ(start(), -1);
@@ -210,7 +210,7 @@ TEST_F(StartUp, AFullTableGivesMinus1) {
     for (int i = 0; i < 20; ++i) EXPECT_EQ(Get_Socket_Idx(90000 + i), i);
 }
 
-TEST_F(StartUp, AnArmOfAnotherJointCountGives10) {
+TEST_F(StartUp, AnArmOfAnotherJointCountReturns10) {
     answer_start_up(controller_, 7);
     EXPECT_EQ(start(), 10);
     controller_.wait_for_close();
