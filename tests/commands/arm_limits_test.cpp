@@ -35,7 +35,7 @@ const std::vector<CommandCase> kRows = {
           R"({"state":"arm_max_angular_acc","arm_angular_acc":4000})", "4"),
 
     SETTER_WITH(.taking_old_replies(), Set_Arm_Tip_Init, Set_Arm_Tip_Init_Cmd, "set_arm_init", "arm_init"),
-    // The controller answers "state" to "stage".
+    // The reply has "state" for "stage".
     SETTER(Set_Collision_Stage, Set_Collision_Stage_Cmd, R"({"command": "set_collision_stage", "collision_stage": 8})",
            R"({"command":"set_collision_state","collision_state":true})", 8),
     QUERY(Get_Collision_Stage, Get_Collision_Stage_Cmd, "get_collision_stage",
@@ -79,7 +79,7 @@ const std::vector<CommandCase> kRows = {
     SETTER(Set_Arm_Servo_State, Set_Arm_Servo_State_Cmd, R"({"command": "set_arm_servo", "arm_servo": 1})", "arm_servo",
            200),
     queued("Off_" CALL(Set_Arm_Servo_State, (s, 0, false)), R"({"command": "set_arm_servo", "arm_servo": 0})"),
-    // Its reply reaches nobody.
+    // Its reply reaches no mailbox.
     NO_REPLY(Set_System_State_Servo, R"({"command": "set_system_state_servo", "servo_state": 3})", "servo_state", 3),
 };
 
@@ -91,8 +91,8 @@ TEST(ArmLimitsParsers, TruncateNumbersToThousandths) {
     expect_parsed(parsing(Parser_Get_DH_Data), {{R"({"data":[1,2,3,4,5,6,7]})", 0, "0.1 0.2 0.3 0.4 0.5"}});
 }
 
-// The fourth length is kept at once where nobody waits, after an acknowledgement elsewhere, and with every answer.
-TEST(KeptLength, FollowsSettingsAndAnswers) {
+// The non-blocking form stores the fourth length at once, the blocking one after its acknowledgement.
+TEST(KeptLength, ChangesWithSettingsAndReplies) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
     set_shared(m_nOutTime, 60000);
@@ -134,7 +134,7 @@ TEST(KeptLength, FollowsSettingsAndAnswers) {
 
 // -------------------------------------------------------------------------------------------------- A simulated arm --
 
-TEST(ArmLimitsOfASimulatedArm, AreGotBackAsSet) {
+TEST(ArmLimitsOfASimulatedArm, ReturnsItsSettings) {
     const SimulatedArm arm;
     const Call line_speed = asking(Get_Arm_Line_Speed), line_acc = asking(Get_Arm_Line_Acc),
                angular_speed = asking(Get_Arm_Angular_Speed), angular_acc = asking(Get_Arm_Angular_Acc),

@@ -27,7 +27,7 @@ const char* const kStateWithoutErrors =
 const char* const kAllState =
     R"({"state":"arm_all_state","all_state":{"temperature":[30000,30250,3,4,5,6],"current":[100,200,3,4,5,6],)"
     R"("voltage":[24000,24001,3,4,5,6],"en_flag":[1,0,1,true,0,257],"err_flag":[0,1,2,3,4,65537],"sys_err":9}})";
-const char* const kAllStateTold =
+const char* const kAllStateOutputs =
     "30 30.25 0.003 0.004 0.005 0.006 0, 24 24.001 0.003 0.004 0.005 0.006 0, 0.1 0.2 0.003 0.004 0.005 0.006 0, "
     "1 0 1 1 0 1 0, 0 1 2 3 4 1 0, 9";
 
@@ -65,7 +65,7 @@ const std::vector<CommandCase> kRows = {
         .reads({{9, 11, 0}}),
     answered(ASK(Get_Joint_Degree_Block), Get_Joint_Degree_Cmd, "get_joint_degree",
              R"({"state":"joint_degree","joint":[1,2,3]})", "0.001 0.002 0.003 0 0 0"),
-    QUERY(Get_Arm_All_State, Get_Joint_All_State_Cmd, "get_arm_all_state", kAllState, kAllStateTold,
+    QUERY(Get_Arm_All_State, Get_Joint_All_State_Cmd, "get_arm_all_state", kAllState, kAllStateOutputs,
           .reads({{9, 11, 11}, {{"/all_state", {9, 9}}}})),
     QUERY(Get_Arm_Plan_Num, Get_Arm_Plan_Num_Cmd, "get_arm_plan_num", R"({"state":"arm_plan_num","plan_num":3})", "3"),
 
@@ -101,7 +101,7 @@ const std::vector<CommandCase> kRows = {
 
 ZK_WIRE_TESTS(ArmState, "arm_state.h", "State of the arm", kRows)
 
-TEST(ArmStateGuards, TheStateNeedsItsErrorWords) {
+TEST(ArmStateGuards, TheStateRefusesNullErrorWords) {
     static float joints[7];
     static Pose pose;
     static uint16_t word;
@@ -109,7 +109,6 @@ TEST(ArmStateGuards, TheStateNeedsItsErrorWords) {
                          {CALL(Get_Current_Arm_State, (s, joints, &pose, &word, nullptr))}});
 }
 
-// Seven angles at most, whatever the reply holds.
 TEST(ArmStateParsers, ReadSevenAnglesAtMost) {
     expect_parsed(parsing(Paser_Get_Joint_Degree),
                   {{R"({"joint":[1,2,3,4,5,6,7,8,9]})", 0, "0.001 0.002 0.003 0.004 0.005 0.006 0.007"}});
@@ -141,7 +140,7 @@ class Mounting : public testing::Test {
     float x_ = 0, y_ = 0, z_ = 0;
 };
 
-TEST_F(Mounting, GoesIntoTheModelAtOnceOrAfterConsent) {
+TEST_F(Mounting, ChangesTheModelAtOnceOrAfterTheAcknowledgement) {
     let_the_setting_give("false");
     EXPECT_EQ(Set_Install_Pose(arm_, true, 90, 0, 45), 1);
     EXPECT_EQ(model(), "1 2 3");
@@ -159,8 +158,7 @@ TEST_F(Mounting, GoesIntoTheModelAtOnceOrAfterConsent) {
     set_shared(IsSendFile, 0);
 }
 
-// The answer sets the mounting, whichever form asked.
-TEST_F(Mounting, FollowsTheAnswer) {
+TEST_F(Mounting, ChangesTheModelWithEveryReply) {
     controller_.answer("get_install_pose", R"({"state":"install_pose","pose":[90,0,45]})");
     EXPECT_EQ(Get_Install_Pose_Block(arm_, &x_, &y_, &z_), 0);
     EXPECT_EQ(model(), "90 0 45");
@@ -169,8 +167,7 @@ TEST_F(Mounting, FollowsTheAnswer) {
     EXPECT_EQ(model(), "90 0 45");
 }
 
-// A failed query returns its status if the outputs happen to agree with the model, and -1 otherwise.
-TEST_F(Mounting, AFailedQueryIsMostlyADifference) {
+TEST_F(Mounting, ReturnsMinusOneWhenAFailedQueryDiffersFromTheModel) {
     controller_.answer("get_install_pose", R"({"state":"install_pose","angles":[0,0,0]})");
     EXPECT_EQ(Get_Install_Pose(arm_, &x_, &y_, &z_), -1);
     Algo_Set_Angle(0, 0, 0);
@@ -185,7 +182,7 @@ TEST_F(Mounting, AFailedQueryIsMostlyADifference) {
 
 // -------------------------------------------------------------------------------------------------- A simulated arm --
 
-TEST(ArmStateOfASimulatedArm, IsWhatTheLocalModelComputes) {
+TEST(ArmStateOfASimulatedArm, AgreesWithTheLocalModel) {
     SimulatedArm arm({"--joints", "10,-20,30,-40,50,-60", "--install", "90,0,0"});
     float joints[6], degrees[6];
     Pose pose{};
@@ -204,7 +201,7 @@ TEST(ArmStateOfASimulatedArm, IsWhatTheLocalModelComputes) {
     EXPECT_NEAR(pose.euler.rz, computed.euler.rz, 1e-3);
 }
 
-TEST(ArmStateOfASimulatedArm, IsMeasuredAndKept) {
+TEST(ArmStateOfASimulatedArm, ReportsMeasurementsAndSettings) {
     const SimulatedArm arm;
     const auto nothing = [](ArmSocket) { return 0; };
     const std::string temperatures = "32 32.25 32.5 32.75 33 33.25", voltages = "24 24 24 24 24 24",

@@ -33,7 +33,7 @@ class Arrival : public testing::Test {
         controller_.answer("movej", kAccepted);
     }
 
-    // Polls run fast, yet no answer can come too late.
+    // Polls run fast, and no reply is too late.
     void let_only_the_polls_run_fast() {
         m_nOutTime = 2000000000;
         set_time_factor(20);
@@ -46,8 +46,8 @@ class Arrival : public testing::Test {
     }
     void wait_for_poll() { controller_.wait_for_request("get_arm_current_trajectory"); }
 
-    // Says a report that does not end the move, and returns when the move has looked at it: the answer to the first
-    // poll from now comes after the report, and the second poll goes out after both.
+    // Says a report that does not end the move, and returns when the move has read it: the answer to the next poll
+    // comes after the report, and the poll after that goes out after both.
     void say_in_vain(const char* report) {
         controller_.say(report);
         controller_.forget_requests();
@@ -59,7 +59,7 @@ class Arrival : public testing::Test {
     ArmSocket arm_ = 0;
 };
 
-TEST_F(Arrival, ANonBlockingMoveWaitsAHundredMilliseconds) {
+TEST_F(Arrival, WaitsAHundredMillisecondsForTheAcknowledgement) {
     controller_.ignore("movej");
     const int32_t start = Get_Program_Runtime();
     set_time_factor(5);
@@ -68,14 +68,14 @@ TEST_F(Arrival, ANonBlockingMoveWaitsAHundredMilliseconds) {
     EXPECT_LT(Get_Program_Runtime() - start, 3000) << "the limit of other commands";
 }
 
-TEST_F(Arrival, AnUnknownArmIsNotAskedForItsAcknowledgement) {
+TEST_F(Arrival, DoesNotWaitForTheAcknowledgementOfAnUnknownArm) {
     set_shared(g_is_robot_type_i, uint8_t{0});
     controller_.ignore("movej");
     EXPECT_EQ(move_nonblock(), 0);
     EXPECT_NE(controller_.wait_for_request("movej"), "");
 }
 
-TEST_F(Arrival, AJoinedMoveOfAnUnknownArmWaitsForItsArrival) {
+TEST_F(Arrival, WaitsForTheArrivalOfAJoinedMoveOfAnUnknownArm) {
     set_shared(g_is_robot_type_i, uint8_t{0});
     controller_.answer("get_arm_current_trajectory", trajectory("movej"));
     std::future<int> status = start_move(1);
@@ -85,17 +85,7 @@ TEST_F(Arrival, AJoinedMoveOfAnUnknownArmWaitsForItsArrival) {
     EXPECT_EQ(status.get(), 0);
 }
 
-TEST_F(Arrival, AMoveEndsWithTheReportOfItsArrival) {
-    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
-    std::future<int> status = start_move();
-    wait_for_poll();
-    wait_for_poll();
-    controller_.say(kArrived);
-    EXPECT_EQ(status.get(), 0);
-    EXPECT_EQ(shared(Move_Cmd[0].count), 0);
-}
-
-TEST_F(Arrival, AReportOfAnEarlierMoveIsNotTaken) {
+TEST_F(Arrival, IgnoresTheReportOfAnEarlierMove) {
     controller_.say(R"({"state":"current_trajectory_state","trajectory_state":false,"device":0})");
     eventually([] { return shared(Move_Cmd[0].count) == 1; });
     controller_.answer("get_arm_current_trajectory", trajectory("movej"));
@@ -105,56 +95,31 @@ TEST_F(Arrival, AReportOfAnEarlierMoveIsNotTaken) {
     EXPECT_EQ(status.get(), 0);
 }
 
-TEST_F(Arrival, ReportsThatAreNotItsOwnAreIgnored) {
+TEST_F(Arrival, EndsWithItsOwnReportAndIgnoresOthers) {
     controller_.answer("get_arm_current_trajectory", trajectory("movej"));
-    std::future<int> status = start_move();
-    wait_for_poll();
-    for (const char* report :
-         {R"({"state":"current_trajectory_state","trajectory_state":true,"device":1,"trajectory_connect":0})",
-          R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,"trajectory_connect":1})",
-          R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,"trajectory_connect":"0"})",
-          R"({"state":"current_trajectory_state","trajectory_state":true,"device":0})"}) {
-        say_in_vain(report);
-        EXPECT_EQ(status.wait_for(std::chrono::seconds(0)), std::future_status::timeout) << report;
+    const std::string report = R"({"state":"current_trajectory_state","trajectory_state":)";
+    for (const auto& [last, expected_status] :
+         {std::pair{std::string(kArrived), 0}, {report + "false}", 1}, {report + R"(true,"devi)", 9}}) {
+        std::future<int> status = start_move();
+        wait_for_poll();
+        for (const char* other :
+             {R"(true,"device":1,"trajectory_connect":0})", R"(true,"device":0,"trajectory_connect":1})",
+              R"(true,"device":0,"trajectory_connect":"0"})", R"(true,"device":0})"}) {
+            say_in_vain((report + other).c_str());
+            EXPECT_EQ(status.wait_for(std::chrono::seconds(0)), std::future_status::timeout) << other;
+        }
+        controller_.say(last);
+        EXPECT_EQ(status.get(), expected_status);
+        EXPECT_EQ(shared(Move_Cmd[0].count), 0);
     }
-    controller_.say(kArrived);
-    EXPECT_EQ(status.get(), 0);
 }
 
-TEST_F(Arrival, ARefusalIsToldByTheReport) {
+TEST_F(Arrival, ReturnsOneAfterTheReportOfARefusal) {
     controller_.answer_bytes("movej",
                              {line(R"({"command":"movej","receive_state":false})") +
                               line(R"({"state":"current_trajectory_state","trajectory_state":false,"device":0})")});
     controller_.answer("get_arm_current_trajectory", trajectory("none"));
     EXPECT_EQ(move(), 1);
-}
-
-TEST_F(Arrival, ARefusalCountsAfterAReportOfAnotherDevice) {
-    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
-    std::future<int> status = start_move();
-    wait_for_poll();
-    say_in_vain(R"({"state":"current_trajectory_state","trajectory_state":true,"device":3,"trajectory_connect":0})");
-    controller_.say(R"({"state":"current_trajectory_state","trajectory_state":false})");
-    EXPECT_EQ(status.get(), 1);
-}
-
-TEST_F(Arrival, ABrokenReportEndsTheMove) {
-    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
-    std::future<int> status = start_move();
-    wait_for_poll();
-    controller_.say(R"({"state":"current_trajectory_state","trajectory_state":true,"devi)");
-    EXPECT_EQ(status.get(), 9);
-}
-
-TEST_F(Arrival, AStopFromASecondThreadEndsTheMove) {
-    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
-    controller_.answer_bytes("set_arm_stop",
-                             {line(R"({"command":"set_arm_stop","arm_stop":true})") +
-                              line(R"({"state":"current_trajectory_state","trajectory_state":false,"device":0})")});
-    std::future<int> status = start_move();
-    wait_for_poll();
-    EXPECT_EQ(Move_Stop_Cmd(arm_, true), 0);
-    EXPECT_EQ(status.get(), 1);
 }
 
 struct MoveType {
@@ -168,8 +133,7 @@ const MoveType kMoveTypes[] = {{"movej", [](ArmSocket s) { return Movej_Cmd_Bloc
                                {"moves", [](ArmSocket s) { return Moves_Cmd_Block(s, {}, 20, 0, 0); }},
                                {"movej", [](ArmSocket s) { return Movej_P_Cmd_Block(s, {}, 20, 0, 0); }}};
 
-// An arm that has run the requested motion and is idle sends no report any more.
-TEST_F(Arrival, AnArmThatWasSeenMovingAndIsIdleEndsIn14) {
+TEST_F(Arrival, Returns14WhenTheArmMovedAndIsIdle) {
     let_only_the_polls_run_fast();
     for (const MoveType& type : kMoveTypes) {
         int polls = 0;
@@ -182,7 +146,7 @@ TEST_F(Arrival, AnArmThatWasSeenMovingAndIsIdleEndsIn14) {
     EXPECT_EQ(shared(SuspendQueue), 0);
 }
 
-TEST_F(Arrival, AnArmThatNeverStartsEndsIn14AfterFiftyLooks) {
+TEST_F(Arrival, Returns14WhenTheArmIsIdleInFiftyPolls) {
     let_only_the_polls_run_fast();
     int polls = 0;
     controller_.answer_with("get_arm_current_trajectory", [&](const std::string&) {
@@ -193,7 +157,7 @@ TEST_F(Arrival, AnArmThatNeverStartsEndsIn14AfterFiftyLooks) {
     EXPECT_EQ(polls, 50);
 }
 
-TEST_F(Arrival, ATrajectoryOfAnotherTypeIsNotTheMove) {
+TEST_F(Arrival, IgnoresATrajectoryOfAnotherType) {
     let_only_the_polls_run_fast();
     int polls = 0;
     controller_.answer_with("get_arm_current_trajectory", [&](const std::string&) {
@@ -203,13 +167,13 @@ TEST_F(Arrival, ATrajectoryOfAnotherTypeIsNotTheMove) {
     EXPECT_EQ(polls, 55);
 }
 
-TEST_F(Arrival, SixFailedLooksEndTheMoveWithTheirStatus) {
+TEST_F(Arrival, ReturnsTheStatusOfTheSixthFailedPoll) {
     set_time_factor(200);
     EXPECT_EQ(move(), 7);
     for (int i = 0; i < 6; ++i) wait_for_poll();
 }
 
-TEST_F(Arrival, FailedLooksAddUp) {
+TEST_F(Arrival, CountsFailedPollsThatAreNotInARow) {
     let_only_the_polls_run_fast();
     int polls = 0;
     controller_.answer_with("get_arm_current_trajectory", [&](const std::string&) {
@@ -219,7 +183,7 @@ TEST_F(Arrival, FailedLooksAddUp) {
     EXPECT_EQ(polls, 11);
 }
 
-TEST_F(Arrival, AFileTransferCountsAsAFailedLook) {
+TEST_F(Arrival, CountsAPollDuringAFileTransferAsFailed) {
     controller_.answer("get_arm_current_trajectory", trajectory("movej"));
     std::future<int> status = start_move();
     wait_for_poll();

@@ -80,10 +80,10 @@ const std::vector<CommandCase> kRows = {
     no_reply(ASK(Get_Car_State_Block), "get_car_state", kCar),
 };
 
-// What ends in 7 only gets there by the clock; anything else has all the time it needs.
+// The clock runs only where the call ends at its limit.
 ZK_WIRE_ROWS(AttachedAxes, kRows, set_time_factor(GetParam().status == 7 ? 500 : 0));
 
-// The moves that end by a report. Rows of their own kind: `reply` is what the device reports of itself.
+// The moves that end with a report. `reply` is the number of the device in it.
 const std::vector<CommandCase> kMoves = {
     {CALL(Set_Lift_Height, (s, 300, 20, true)), R"({"command": "set_lift_height", "height": 300, "speed": 20})", "3"},
     {CALL(Set_Lift_Height_BLock, (s, -1, 20)), R"({"command": "set_lift_height", "height": -1, "speed": 20})", "3"},
@@ -93,7 +93,7 @@ const std::vector<CommandCase> kMoves = {
     {CALL(Expand_Set_Pos_Block, (s, -9000, 30)), R"({"command": "expand_set_pos", "pos": -9000, "speed": 30})", "4"},
 };
 
-// The page lists the lift's own misspelling only here: "set_lift " with a space.
+// The page does not list "set_lift " with its space.
 std::vector<CommandCase> all_rows() {
     std::vector<CommandCase> rows = kRows;
     std::erase_if(rows, [](const CommandCase& row) { return row.name == "Set_Lift_NonBlock"; });
@@ -108,8 +108,7 @@ std::string lift_state(int mode) {
     return R"({"state":"lift_state","height":0,"current":0,"err_flag":0,"mode":)" + std::to_string(mode) + "}";
 }
 
-// A reply that reached the list would be found by its code.
-TEST(AttachedAxesGuards, WaitOnThePendingListByTheCodeOfTheirReply) {
+TEST(AttachedAxesGuards, PutTheCodeOfTheirReplyOnThePendingList) {
     const std::pair<int, Call> calls[] = {
         {132, [](ArmSocket s) { return Set_PWM_Block(s, 1, 1); }},
         {147, [](ArmSocket s) { return Set_Vehicle_Block(s, 1, 1); }},
@@ -164,7 +163,7 @@ class Moves : public testing::Test {
     ArmSocket arm_ = 0;
 };
 
-TEST_F(Moves, EndByTheReportOfTheirDevice) {
+TEST_F(Moves, EndWithTheReportOfTheirDevice) {
     for (const CommandCase& move : kMoves) {
         for (const bool arrived : {true, false}) {
             std::future<int> status = start(move);
@@ -175,7 +174,7 @@ TEST_F(Moves, EndByTheReportOfTheirDevice) {
     }
 }
 
-TEST_F(Moves, OfTheAxisEndByAnyReportWheneverItCame) {
+TEST_F(Moves, OfTheAxisEndWithAnyReportEvenAnEarlierOne) {
     for (const CommandCase& move : kMoves) {
         if (move.reply != "4") continue;
         std::future<int> status = start(move);
@@ -187,12 +186,12 @@ TEST_F(Moves, OfTheAxisEndByAnyReportWheneverItCame) {
     }
 }
 
-TEST_F(Moves, OfTheAxisAreWaitedForForTwoMinutes) {
+TEST_F(Moves, OfTheAxisEndAfterTwoMinutes) {
     set_shared(m_nOutTime, 1000);
     EXPECT_GE(time_to_give_up(500, [this] { return Expand_Set_Pos(arm_, 1, 1, true); }), 121000);
 }
 
-TEST_F(Moves, OfTheLiftTakeItsOwnReportAlone) {
+TEST_F(Moves, OfTheLiftIgnoreOtherReports) {
     controller_.say(report(3, false));
     eventually([] { return shared(Move_Cmd[0].count) == 1; });
     std::future<int> status = start(kMoves[0]);
@@ -209,35 +208,34 @@ TEST_F(Moves, OfTheLiftTakeItsOwnReportAlone) {
     EXPECT_EQ(status.get(), 0);
 }
 
-TEST_F(Moves, OfALiftThatRestsEndIn14) {
+TEST_F(Moves, OfTheLiftReturn14WhenItRests) {
     set_time_factor(20);
     set_shared(m_nOutTime, 2000000000);
-    int looks = 0;
+    int polls = 0;
     controller_.answer_with("get_lift_state", [&](const std::string&) {
-        ++looks;
+        ++polls;
         return Pieces{line(lift_state(0))};
     });
     EXPECT_EQ(lift(), 14);
-    EXPECT_EQ(looks, 50);
+    EXPECT_EQ(polls, 50);
     controller_.answer_in_turn("get_lift_state", {lift_state(0), lift_state(1), lift_state(0), lift_state(1)});
     EXPECT_EQ(lift(), 14) << "it was seen moving";
 }
 
-TEST_F(Moves, OfALiftThatTellsNothingEndWithTheSixthFailure) {
-    int looks = 0;
+TEST_F(Moves, OfTheLiftReturnTheStatusOfTheSixthFailedPoll) {
+    int polls = 0;
     controller_.answer_with("get_lift_state", [&](const std::string&) {
-        ++looks;
+        ++polls;
         return Pieces{line(R"({"state":"lift_state","height":0})")};
     });
     EXPECT_EQ(lift(), 9);
-    EXPECT_EQ(looks, 6);
+    EXPECT_EQ(polls, 6);
     Arm_Socket_Close(arm_);
     EXPECT_EQ(lift(), 5);
     EXPECT_EQ(Expand_Set_Speed(arm_, 1, true), 5);
 }
 
-// Its limit is not that of the others, and the queue is held meanwhile.
-TEST_F(Moves, ByTheOlderLiftCommandAreWaitedForForTwoMinutes) {
+TEST_F(Moves, OfTheOlderLiftCommandEndAfterTwoMinutes) {
     set_shared(m_nOutTime, 1000);
     std::future<int> status = std::async(std::launch::async, [this] { return Set_Lift(arm_, 300, 20, true); });
     EXPECT_NE(controller_.wait_for_request("set_lift"), "");
@@ -246,8 +244,7 @@ TEST_F(Moves, ByTheOlderLiftCommandAreWaitedForForTwoMinutes) {
     EXPECT_EQ(shared(SuspendQueue), 0);
 }
 
-// These two clear the count of another command's mailbox.
-TEST_F(Moves, SettingsOfTheAxisForgetARepliedPowerCommand) {
+TEST_F(Moves, SettingsOfTheAxisClearTheReplyToAPowerCommand) {
     controller_.answer("expand_config", done("expand_config", "config_state"));
     controller_.answer("expand_set_version", done("expand_set_version", "expand_version"));
     set_shared(Set_Arm_Power_Cmd[0].count, 1);
@@ -258,7 +255,7 @@ TEST_F(Moves, SettingsOfTheAxisForgetARepliedPowerCommand) {
     EXPECT_EQ(shared(Set_Arm_Power_Cmd[0].count), 0);
 }
 
-TEST_F(Moves, OfTheLiftAskForItsStateWithoutTheMode) {
+TEST_F(Moves, TheStateOfTheLiftIsReadWithoutItsMode) {
     int32_t height = 0, current = 0;
     uint16_t err_flag = 0;
     EXPECT_EQ(Get_Lift_State(arm_, &height, &current, &err_flag, nullptr), 0);
@@ -266,8 +263,7 @@ TEST_F(Moves, OfTheLiftAskForItsStateWithoutTheMode) {
 
 // -------------------------------------------------------------------------------------------------- A simulated arm --
 
-// What the example of these devices does not show.
-TEST(AxesOfASimulatedArm, KeepToTheirSettingsAndRanges) {
+TEST(AxesOfASimulatedArm, RefuseValuesBeyondTheirRanges) {
     set_time_factor(0);
     SimulatedArm arm;
     int32_t value = 0, pos = 0, height = 0, low = 0, high = 0, version = 0;

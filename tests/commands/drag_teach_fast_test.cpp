@@ -30,7 +30,7 @@ class Waits : public testing::Test {
     std::future<int> start_replay() {
         return std::async(std::launch::async, [this] { return Run_Drag_Trajectory(arm_, true); });
     }
-    void wait_for_looks(int count) {
+    void wait_for_polls(int count) {
         controller_.forget_requests();
         for (int i = 0; i < count; ++i) controller_.wait_for_request("get_arm_current_trajectory");
     }
@@ -42,7 +42,7 @@ class Waits : public testing::Test {
 TEST_F(Waits, AReplayHasNoLimitWhileItRuns) {
     controller_.answer("get_arm_current_trajectory", trajectory("re_trajectory"));
     std::future<int> status = start_replay();
-    wait_for_looks(2);
+    wait_for_polls(2);
     const int32_t start = Get_Program_Runtime();
     set_time_factor(1000);
     while (Get_Program_Runtime() - start < 2 * (3000 + 29999)) sleep_cp(1000);
@@ -52,25 +52,24 @@ TEST_F(Waits, AReplayHasNoLimitWhileItRuns) {
     EXPECT_EQ(shared(Run_Drag_Trajectory_Cmd[0].count), 0);
 }
 
-// A reply is not looked at while the arm does something else.
-TEST_F(Waits, AMoveBeforeTheReplayIsWaitedOut) {
+TEST_F(Waits, AReplayWaitsForTheMoveBeforeIt) {
     controller_.answer("run_drag_trajectory", replayed(true));
     controller_.answer("get_arm_current_trajectory", trajectory("movej"));
     std::future<int> status = start_replay();
-    wait_for_looks(3);
+    wait_for_polls(3);
     EXPECT_EQ(shared(Run_Drag_Trajectory_Cmd[0].count), 1);
     EXPECT_EQ(status.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
     controller_.answer("get_arm_current_trajectory", trajectory("none"));
     EXPECT_EQ(status.get(), 0);
 }
 
-TEST_F(Waits, AReplayThatNeverStartsEndsIn7) {
+TEST_F(Waits, AReplayThatNeverStartsReturns7) {
     controller_.answer("get_arm_current_trajectory", trajectory("none"));
     m_nOutTime = 5000;
     EXPECT_GT(time_to_give_up(200, [this] { return Run_Drag_Trajectory(arm_, true); }), 5000 + 29999);
 }
 
-TEST_F(Waits, TheWayToTheOriginEndsWithItsReport) {
+TEST_F(Waits, TheMoveToTheOriginEndsWithItsReport) {
     for (const auto& [message, status] :
          {std::pair(report(0, true), 0), std::pair(report(0, false), 1), std::pair(report(2, true), 12)}) {
         std::future<int> way = std::async(std::launch::async, [this] { return Drag_Trajectory_Origin(arm_, true); });

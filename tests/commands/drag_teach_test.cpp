@@ -17,7 +17,7 @@ const MultiDragTeachParam kParam{{1, 0, 1, 0, 0, 1}, 2, 1};
 const char* const kParamWire =
     R"({"command": "start_multi_drag_teach", "frame": 2, "singular_wall": 1, "free_axes": [1, 0, 1, 0, 0, 1]})";
 
-// The replay is asked after, whatever its reply says.
+// The replay is polled, whatever its reply.
 CommandCase replayed(const std::string& name, Call call) {
     CommandCase row = acknowledged(name, call, Run_Drag_Trajectory_Cmd, "run_drag_trajectory", "run_state");
     row.refusable = false;
@@ -50,7 +50,7 @@ const std::vector<CommandCase> kRows = {
 
 ZK_WIRE_TESTS(DragTeach, "drag_teach.h", "Drag teaching", kRows)
 
-TEST(DragTeachParsers, Origin) {
+TEST(DragTeachParsers, ReadTheReportOfTheOrigin) {
     expect_parsed(parsing(Parser_Drag_Trajectory_Origin), {{R"({"trajectory_state":true,"device":3})", 0, "3"},
                                                            {R"({"trajectory_state":true})", 0, ""},
                                                            {R"({"trajectory_state":true,"device":"3"})", 0, ""},

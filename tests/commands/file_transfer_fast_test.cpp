@@ -38,7 +38,7 @@ size_t open_descriptors() {
     return static_cast<size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
 }
 
-TEST_P(FailingTransfer, EndsInItsStatusAndFreesTheLine) {
+TEST_P(FailingTransfer, ReturnsItsStatusAndFreesTheLine) {
     const Failure& failure = GetParam();
     const TemporaryDirectory source;
     const std::string name = failure.name;
@@ -95,7 +95,7 @@ TEST(StalledTransfer, EndsWhenItsConnectionIsClosed) {
     EXPECT_EQ(shared(IsSendFile), 0);
 }
 
-TEST(SavedPoints, AreWaitedForAsLongAsTheirFormWaits) {
+TEST(SavedPoints, AreAwaitedUpToTheLimitOfTheForm) {
     const TemporaryDirectory directory;
     ScriptedController controller;
     ZK_API_Init(65, nullptr);

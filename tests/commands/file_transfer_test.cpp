@@ -132,18 +132,10 @@ const std::vector<CommandCase> kRows = {
     answered(ASK(Get_Tool_Hardware_Version_Block_E), Get_Tool_Hardware_Version_Cmd, kAskTool, kTool, "512"),
     no_reply(CALL(Set_Controller_IP_NC_E, (s, "10.0.0.3")), kSetIp, kIpSet),
     no_reply(CALL(Set_Controller_IP_Block_NC_E, (s, "10.0.0.3")), kSetIp, kIpSet),
-};
-
-// Without a guard of their own.
-const std::vector<CommandCase> kUnguarded = {
     queued(CALL(Set_Popup_NonBlock_E, (s)), R"({"command": "popup", "popup_result": true})"),
 };
 
-class FileTransfer : public testing::TestWithParam<CommandCase> {};
-TEST_P(FileTransfer, OnTheWire) { run(GetParam()); }
-const auto kName = [](const auto& row) { return row.param.name; };
-INSTANTIATE_TEST_SUITE_P(, FileTransfer, testing::ValuesIn(kRows), kName);
-INSTANTIATE_TEST_SUITE_P(Unguarded, FileTransfer, testing::ValuesIn(kUnguarded), kName);
+ZK_WIRE_ROWS(FileTransfer, kRows, static_cast<void>(0));
 
 // The update's request is the one that is not formatted.
 struct UpdateRow {
@@ -208,25 +200,23 @@ TEST(FileTransferNumbers, AreKept) {
     EXPECT_EQ(countLinesInFile(directory().file("lines", lines).c_str()), 7);
 }
 
-TEST(FileTransferGuards, EveryCommandHasARow) {
+// The page lists requests, not the bytes of files.
+std::vector<CommandCase> all_rows() {
     std::vector<CommandCase> rows = kRows;
-    rows.insert(rows.end(), kUnguarded.begin(), kUnguarded.end());
+    for (CommandCase& row : rows) {
+        if (row.wire == kContent) row.wire = "";
+    }
     for (const UpdateRow& row : kUpdates) rows.push_back({row.name, row.call, "", ""});
+    rows.push_back({"update", kUpdates[0].call, R"({"command": "update_software", "file_size": 1, "update_name": "u"})",
+                    kUpdateAccepted});
+    return rows;
+}
+TEST(FileTransferGuards, EveryCommandHasARow) {
+    std::vector<CommandCase> rows = all_rows();
     for (const char* name : kNumbers) rows.push_back({name, kUpdates[0].call, "", ""});
     EXPECT_EQ(commands_without_row("file_transfer.h", rows), "");
 }
-
-// All requests, without the bytes of files.
-TEST(FileTransferGuards, ThePageTellsTheWire) {
-    std::vector<CommandCase> rows = kUnguarded;
-    for (const CommandCase& row : kRows) {
-        if (row.wire != kContent) rows.push_back(row);
-    }
-    rows.push_back({"update", kUpdates[0].call, R"({"command": "update_software", "file_size": 1, "update_name": "u"})",
-                    kUpdateAccepted});
-    expect_documented("File transfer", rows);
-}
-
+TEST(FileTransferGuards, ThePageDescribesTheWire) { expect_documented("File transfer", all_rows()); }
 TEST(FileTransferGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 
 int update_at(ArmSocket s, const std::string& path) {
@@ -249,7 +239,7 @@ ProjectSendParams project_of_length(int32_t length) {
     }
 
 // In a directory of their own: a name without a separator is one of the current directory.
-TEST(FileTransferGuards, WhatCannotBeIsToldAndNothingIsSent) {
+TEST(FileTransferGuards, BadArgumentsSendNothing) {
     std::filesystem::current_path(directory().path());
     directory().file("empty", "");
     expect_nothing_sent(
@@ -379,18 +369,6 @@ struct Progress {
     }
 };
 
-// Less where the thread sanitizer looks at every byte.
-#if defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-#define ZK_THREADS_ARE_WATCHED
-#endif
-#endif
-#ifdef ZK_THREADS_ARE_WATCHED
-constexpr size_t kUpdateSize = 1'000'000;
-#else
-constexpr size_t kUpdateSize = 100'000'000;
-#endif
-
 bool is_content(const std::string& path, const std::string& content) {
     std::string kept(std::filesystem::file_size(path), '\0');
     std::ifstream(path, std::ios::binary).read(kept.data(), static_cast<std::streamsize>(kept.size()));
@@ -417,13 +395,11 @@ TEST(Transfer, OfAProjectOfFiveMegabytesArrivesWholeAndHoldsTheLine) {
     EXPECT_EQ(Clear_System_Err(arm, true), 0);
 }
 
-TEST(Transfer, OfAnUpdateOfAHundredMegabytesArrivesWholeWhateverItsBytes) {
-    const TemporaryDirectory kept;
+TEST(Transfer, OfAnUpdateArrivesWholeWhateverItsBytes) {
+    const TemporaryDirectory kept, source;
     SimulatedArm arm({"--quiet", "--files", kept.path()});
-    const TemporaryDirectory source;
     std::string content = "{\"command\":\"set_arm_stop\"}\r\n";
-    content.reserve(kUpdateSize);
-    for (uint32_t i = 0; content.size() < kUpdateSize; ++i) content += static_cast<char>(i * 2654435761u >> 24);
+    for (uint32_t i = 0; content.size() < 5'000'000; ++i) content += static_cast<char>(i * 2654435761u >> 24);
     const std::string path = source.file("image.bin", content);
     ASSERT_EQ(UpdataSoftWare_Block_E(arm, path.c_str(), static_cast<int32_t>(path.size())), 0);
     EXPECT_TRUE(is_content(kept / "image.bin", content));
@@ -456,7 +432,7 @@ std::string announcement(int total) {
 }
 std::string point(int number) { return line(R"({"point":[)" + std::to_string(number) + "]}"); }
 
-TEST_F(Saving, WritesThePointsAndClosesTheFileBehindTheLast) {
+TEST_F(Saving, WritesThePointsAndClosesTheFileAfterTheLast) {
     EXPECT_EQ(save({announcement(2), point(1), point(2), point(3)}), 0);
     EXPECT_EQ(total_, 2);
     wait_for_close();
@@ -464,7 +440,7 @@ TEST_F(Saving, WritesThePointsAndClosesTheFileBehindTheLast) {
     EXPECT_EQ(shared(drag_teach_count), 0);
 }
 
-TEST_F(Saving, ThatWasCutOffShortensTheNext) {
+TEST_F(Saving, AfterAnIncompleteOneEndsEarly) {
     EXPECT_EQ(save({announcement(3), point(1)}), 0);
     eventually([] { return shared(drag_teach_count) == 1; });
     EXPECT_EQ(save({announcement(3), point(4), point(5), point(6)}), 0);
@@ -472,7 +448,7 @@ TEST_F(Saving, ThatWasCutOffShortensTheNext) {
     EXPECT_EQ(content_of(path_), "{\"point\":[4]}\n{\"point\":[5]}\n");
 }
 
-TEST(Save, TakesTheWayThatTheSimulatedArmWasLed) {
+TEST(Save, StoresThePathOfTheSimulatedArm) {
     SimulatedArm arm({"--quiet", "--hand", directory().file("hand.txt", "0.3  20 -20 -60 15 -40 20\n")});
     int32_t total = 0;
     const std::string path = directory() / "way.txt";

@@ -10,7 +10,7 @@ namespace {
 
 using namespace zk::test;
 
-TEST(ForceControl, CalibrationsAndTheStopHaveLimitsOfTheirOwn) {
+TEST(ForceControl, CalibrationsAndTheStopHaveTheirOwnLimits) {
     static const float joint[7] = {};
     ScriptedController controller;
     ZK_API_Init(65, nullptr);

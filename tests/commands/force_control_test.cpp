@@ -26,7 +26,7 @@ const char* const kNewWire =
 const char* const kForces =
     R"({"state":"get_force_data","force_data":[1000,2,-3.5,0,5,6],"zero_force_data":[1,2,3,4,5,6],)"
     R"("work_zero_force_data":[7,8,9,10,11,12],"tool_zero_force_data":[0,0,0,0,0,1]})";
-const char* const kForcesTold =
+const char* const kForcesOutputs =
     "1 0.002 -0.0035 0 0.005 0.006; 0.001 0.002 0.003 0.004 0.005 0.006; 0.007 0.008 0.009 0.01 0.011 0.012; "
     "0 0 0 0 0 0.001";
 const Reading kForcesRead{{0, 0, 0}, {{"/force_data", {9, 11, 0}}}};
@@ -53,11 +53,11 @@ const std::vector<CommandCase> kRows = {
     WAITING(Set_Force_Postion_New, Set_Force_Postion_Cmd, kNewWire, "set_state", kNew),
     SETTER(Stop_Force_Postion, Stop_Force_Postion_Cmd, "stop_force_position", "stop_state"),
 
-    QUERY(Get_Force_Data, Get_Force_Data_Cmd, "get_force_data", kForces, kForcesTold, .wiping().reads(kForcesRead)),
+    QUERY(Get_Force_Data, Get_Force_Data_Cmd, "get_force_data", kForces, kForcesOutputs, .wiping().reads(kForcesRead)),
     SETTER(Clear_Force_Data, Clear_Force_Data_Cmd, "clear_force_data", "clear_state"),
     WAITING(Set_Force_Sensor, Set_Force_Sensor_Cmd, "set_force_sensor", kCalibrated),
     queued(CALL(Set_Force_Sensor_NonBlock, (s)), "set_force_sensor"),
-    // Only the fourth pose is waited for.
+    // Only the fourth pose waits for a reply.
     queued("First_" CALL(Manual_Set_Force, (s, 1, kJoint)), manual(1, kSix)),
     queued("Second_" CALL(Manual_Set_Force, (s, 2, kJoint)), manual(2, kSix)),
     queued("Third_" CALL(Manual_Set_Force, (s, 3, kJoint)), manual(3, kSeven), 72),
@@ -88,8 +88,7 @@ TEST(Calibration, AnUnknownPoseIsSentWithoutACommand) {
     run(queued(CALL(Manual_Set_Force, (s, 5, kJoint)), std::string(R"({"joint": )") + kSix + "}"));
 }
 
-// A reply of an earlier pose does not end the wait for the fourth.
-TEST(Calibration, EveryPoseForgetsTheRepliesBeforeIt) {
+TEST(Calibration, EveryPoseClearsEarlierReplies) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
     const ArmSocket arm = connect_arm(controller);
@@ -99,7 +98,7 @@ TEST(Calibration, EveryPoseForgetsTheRepliesBeforeIt) {
     EXPECT_EQ(Manual_Set_Force(arm + 1, 2, kJoint), 0) << "whoever waits for nothing needs no connection";
 }
 
-TEST(ForceControlParsers, TakeWhatTheArraysHold) {
+TEST(ForceControlParsers, ReadArraysOfAnySize) {
     expect_parsed(parsing(Parser_Get_Force_Data),
                   {{R"({"force_data":[1,2,3,4,5,6,7,8],"zero_force_data":{},"tool_zero_force_data":[1]})", 0,
                     "0.001 0.002 0.003 0.004 0.005 0.006; -; -; 0.001"},

@@ -76,7 +76,7 @@ const std::vector<CommandCase> kRows = {
 ZK_WIRE_TESTS(ForcePosition, "force_position.h", "Force-position moves", kRows)
 
 // Unlike the streaming of plain moves.
-TEST(ForcePositionGuards, ASetPointThatIsNotWrittenGives6) {
+TEST(ForcePositionGuards, ReturnSixWhenTheSetPointIsNotWritten) {
     ZK_API_Init(65, nullptr);
     expect_nothing_sent({{CALL(Force_Position_Move, (-s, move(0, kByEuler)))},
                          {CALL(Force_Position_Move_Pose, (-s, 1, 2, 3, 0, kByEuler, 5))},
@@ -94,7 +94,7 @@ TEST(ForcePositionDeathTest, ARequestThatDoesNotFitEndsTheProcess) {
     EXPECT_DEATH(Force_Position_Move_NonBlock(-1, longest), "Force_Position_Move.*bytes");
 }
 
-TEST(ForcePositionParsers, Report) {
+TEST(ForcePositionParsers, ReadReports) {
     const std::string six = R"("joint":[1.5,2,3,4,5,6,7])", forces = R"("all_direction_force":[1,2,3,4,5,6.5,7])";
     expect_parsed(parsing(Parser_Force_Position_Move),
                   {{R"({"state":"Force_Position_State",)" + six + "," + forces + R"(,"force":-19,"arm_err":65539})", 0,

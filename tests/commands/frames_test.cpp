@@ -23,11 +23,11 @@ const Pose kPose{{0.123456f, -0.3f, 0.0000019f}, {1, 2, 3, 4}, {3.1415f, -1.5708
 const Exchange kTool{"get_current_tool_frame",
                      R"({"state":"current_tool_frame","tool_name":"grip","pose":[100000,-200000,1,3141,-1570,1],)"
                      R"("payload":1234.5,"position":[100000,-1500,1]})"};
-const char* const kToolTold = "grip, 0.1 -0.2 1e-06, 3.141 -1.57 0.001, 1.2345 0.1 -0.0015 1e-06";
+const char* const kToolOutputs = "grip, 0.1 -0.2 1e-06, 3.141 -1.57 0.001, 1.2345 0.1 -0.0015 1e-06";
 const Reading kToolRead{{}, {{"/tool_name", {9, 0}}}};
 const Exchange kWork{"get_current_work_frame",
                      R"({"state":"current_work_frame","frame_name":"table","pose":[100000,-200000,1,3141,-1570,1]})"};
-const char* const kWorkTold = "table, 0.1 -0.2 1e-06, 3.141 -1.57 0.001, 0 0 0 0";
+const char* const kWorkOutputs = "table, 0.1 -0.2 1e-06, 3.141 -1.57 0.001, 0 0 0 0";
 
 // A name that goes in and comes back.
 const auto kAskGivenTool = [](auto form) {
@@ -84,7 +84,7 @@ const std::vector<CommandCase> kRows = {
     acknowledged(CALL(Set_None_Payload_Block, (s)), Set_None_Payload_Cmd, "set_none_payload", "set_state"),
     queued(CALL(Set_None_Payload_NonBlock, (s)), "set_none_payload"),
 
-    QUERY(Get_Current_Tool_Frame, Current_Tool_Cmd, kTool.wire, kTool.reply, kToolTold, .wiping().reads(kToolRead)),
+    QUERY(Get_Current_Tool_Frame, Current_Tool_Cmd, kTool.wire, kTool.reply, kToolOutputs, .wiping().reads(kToolRead)),
     GIVEN("Get_Given_Tool_Frame", kAskGivenTool(Get_Given_Tool_Frame), Given_Tool_Cmd,
           R"({"command": "get_tool_frame", "tool_name": "grip"})",
           R"({"state":"given_tool_frame","tool_name":"tool_frame_long","pose":[1.9,2,3e0,4,5,6],"payload":2.5,)"
@@ -116,7 +116,7 @@ const std::vector<CommandCase> kRows = {
     SELECTION(Delete_Work_Frame, Delete_Work_Frame_Cmd,
               R"({"command": "set_delete_work_frame", "frame_name": "table"})", "delete_work_frame", kWork, "table"),
 
-    QUERY(Get_Current_Work_Frame, Current_Work_Cmd, kWork.wire, kWork.reply, kWorkTold,
+    QUERY(Get_Current_Work_Frame, Current_Work_Cmd, kWork.wire, kWork.reply, kWorkOutputs,
           .wiping().reads({{}, {{"/frame_name", {9, 0}}}})),
     GIVEN("Get_Given_Work_Frame", kAskGivenWork(Get_Given_Work_Frame), Given_Work_Frame_Cmd,
           R"({"command": "get_work_frame", "frame_name": "table"})",
@@ -311,7 +311,7 @@ TEST_P(LocalPicture, StaysWhenAnythingFails) {
 }
 
 // A good answer also sets the matrix; that of the tool has the Euler angles in the place of the position.
-TEST(FrameMatrices, FollowTheAnswers) {
+TEST(FrameMatrices, ChangeWithTheReplies) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
     set_shared(m_nOutTime, 60000);

@@ -1,4 +1,4 @@
-// How long gripper and hand are waited for, and by which reports they are known.
+// The waits for gripper and hand: their limits and the reports that end them.
 #include <gtest/gtest.h>
 
 #include <future>
@@ -48,7 +48,7 @@ class DeviceWaits : public testing::Test {
     ArmSocket arm_ = 0;
 };
 
-TEST_F(DeviceWaits, AGripperEndsByTheNextReport) {
+TEST_F(DeviceWaits, TheGripperEndsWithTheNextReport) {
     const auto call = [this] { return pick(60); };
     EXPECT_EQ(status_after(1, true, "set_gripper_pick", call), 0);
     EXPECT_EQ(status_after(1, false, "set_gripper_pick", call), 1);
@@ -60,7 +60,7 @@ TEST_F(DeviceWaits, AGripperEndsByTheNextReport) {
     EXPECT_EQ(shared(Set_Gripper_Release_Cmd[0].count), 0);
 }
 
-TEST_F(DeviceWaits, AGripperIsWaitedForAsLongAsItsTimeoutSays) {
+TEST_F(DeviceWaits, TheGripperHasTheLimitOfItsArgument) {
     EXPECT_GE(time_to_give_up(100, [this] { return pick(30); }), 30000);
     controller_.ignore("set_gripper_pick");
     EXPECT_EQ(pick(0), 7) << "at the first look";
@@ -69,7 +69,7 @@ TEST_F(DeviceWaits, AGripperIsWaitedForAsLongAsItsTimeoutSays) {
     EXPECT_GE(time_to_give_up(20, [this] { return Set_Gripper_Pick(arm_, 500, 200, false, 1); }), 5000);
 }
 
-TEST_F(DeviceWaits, AHandEndsByItsOwnReportAlone) {
+TEST_F(DeviceWaits, TheHandIgnoresOtherReports) {
     const auto posture = [this] { return Set_Hand_Posture(arm_, 1, true); };
     const auto sequence = [this] { return Set_Hand_Seq(arm_, 1, true); };
     EXPECT_EQ(status_after(2, true, "set_hand_posture", posture), 0);
@@ -87,7 +87,7 @@ TEST_F(DeviceWaits, AHandEndsByItsOwnReportAlone) {
     }
 }
 
-TEST_F(DeviceWaits, AStreamIsNotHeldUpByAReplyThatIsLost) {
+TEST_F(DeviceWaits, SetPointsOfTheHandHaveAShortLimit) {
     const auto angle = [this] { return Set_Hand_Follow_Angle(arm_, kFingers, true); };
     const auto position = [this] { return Set_Hand_Follow_Pos(arm_, kFingers, true); };
     for (const auto& [state, status] : {std::pair{"true", 0}, {"false", 1}, {"7", 11}}) {

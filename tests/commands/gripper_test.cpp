@@ -22,7 +22,7 @@ std::string posed(const std::string& command) { return done(command) + "\r\n" + 
 const char* const kState =
     R"({"state":"get_gripper_state","enable":2,"status":0,"error":-1,"mode":3,"current_force":4,"temperature":5,)"
     R"("actpos":1000})";
-const char* const kStateTold = "1 0, -1 3 4 5 1000";
+const char* const kStateOutputs = "1 0, -1 3 4 5 1000";
 const char* const kPosture = R"({"command": "set_hand_posture", "posture_num": 3, "block": true})";
 const char* const kSequence = R"({"command": "set_hand_seq", "seq_num": 4, "block": true})";
 const char* const kAngles = R"({"command": "set_hand_angle", "hand_angle": [0, 1000, -1, 2147483647, -2147483648, 5]})";
@@ -58,7 +58,7 @@ const std::vector<CommandCase> kRows = {
         .taking_old_replies(),
     GRIPPING(Set_Gripper_Position, R"({"command": "set_gripper_position", "position": 300, "block": true})", 300),
     queued(CALL(Set_Gripper_Position_NonBlock, (s, 300, 0)), R"({"command": "set_gripper_position", "position": 300})"),
-    QUERY(Get_Gripper_State, Get_Gripper_State_Cmd, "get_gripper_state", kState, kStateTold,
+    QUERY(Get_Gripper_State, Get_Gripper_State_Cmd, "get_gripper_state", kState, kStateOutputs,
           .with_the_status_of_another()),
 
     acknowledged(CALL(Set_Hand_Posture, (s, 3, true)), {}, kPosture, posed("set_hand_posture")),
@@ -139,7 +139,7 @@ TEST(GripperOfASimulatedArm, GripsWhatThereIs) {
     EXPECT_EQ(opening(arm), 900);
     EXPECT_EQ(Set_Gripper_Position(arm, 950, true, 60), 1) << "beyond the route";
     EXPECT_EQ(Set_Gripper_Pick_On(arm, 1000, 5, true, 60), 1) << "no such force";
-    // A motion that is not waited for is not reported either, so the hand's wait meets no report of the gripper.
+    // The non-blocking motion sends no report, so the hand's wait meets none of the gripper.
     EXPECT_EQ(Set_Gripper_Position(arm, 500, false, 1), 0);
     eventually([&] { return opening(arm) == 500; });
     EXPECT_EQ(Set_Hand_Posture(arm, 2, true), 0);

@@ -139,41 +139,23 @@ TEST(IoParsers, Banks) {
 
 // -------------------------------------------------------------------------------------------------- A simulated arm --
 
-TEST(IoOfASimulatedArm, OutputsAreReadBackAndAtTheInputsTheyAreWiredTo) {
-    SimulatedArm arm;
-    EXPECT_EQ(Set_DO_State(arm, 2, 1, true), 0);
-    EXPECT_EQ(Set_AO_State(arm, 4, 2.5f, true), 0);
-    EXPECT_EQ(Set_AO_State(arm, 4, 10.5f, true), 1) << "more than ten volts";
-    EXPECT_EQ(Set_DO_State(arm, 5, 1, true), 1) << "there are four";
-    int32_t digital[4];
-    float analogue[4];
-    EXPECT_EQ(Get_IO_Output(arm, digital, analogue), 0);
-    EXPECT_EQ(text_of(digital) + ", " + text_of(analogue), "0 1 0 0, 0 0 0 2.5");
-    EXPECT_EQ(Get_IO_Input(arm, digital, analogue), 0);
-    EXPECT_EQ(text_of(digital) + ", " + text_of(analogue), "0 1 0 0, 0 0 0 2.5");
-
-    uint8_t state = 9, mode = 9;
-    EXPECT_EQ(Set_IO_Mode(arm, 2, 0), 0);
-    EXPECT_EQ(Set_DO_State(arm, 2, 0, true), 1) << "an input now";
-    EXPECT_EQ(Get_IO_State(arm, 2, &state, &mode), 0);
-    EXPECT_EQ(text_of({state, mode}), "1 0");
-}
-
-TEST(IoOfASimulatedArm, TheToolHasTwoPortsAndASupply) {
-    SimulatedArm arm;
-    EXPECT_EQ(Set_Tool_IO_Mode(arm, 1, 0, true), 0);
-    EXPECT_EQ(Set_Tool_DO_State(arm, 1, 1, true), 1) << "an input";
-    EXPECT_EQ(Set_Tool_DO_State(arm, 2, 1, true), 0);
-    float mode[2], state[2];
-    EXPECT_EQ(Get_Tool_IO_State(arm, mode, state), 0);
-    EXPECT_EQ(text_of(mode) + ", " + text_of(state), "0 1, 0 1");
-    uint8_t type = 9;
-    EXPECT_EQ(Set_Tool_Voltage(arm, 3, true), 0);
-    EXPECT_EQ(Get_Tool_Voltage(arm, &type), 0);
-    EXPECT_EQ(type, 3);
-    EXPECT_EQ(Set_Voltage(arm, 2, 1), 0);
-    EXPECT_EQ(Get_Voltage(arm, &type), 0);
-    EXPECT_EQ(type, 2);
+TEST(IoOfASimulatedArm, OutputsAreReadBackAndAppearAtTheirInputs) {
+    const Call outputs = asking(Get_IO_Output), inputs = asking(Get_IO_Input), tool = asking(Get_Tool_IO_State);
+    const std::string second_on = "0 1 0 0; 0 0 0 2.5";
+    const SimulatedArm arm;
+    expect_kept(
+        arm,
+        {{CALL(Set_DO_State, (s, 2, 1, true)), 0, outputs, "0 1 0 0; 0 0 0 0"},
+         {CALL(Set_AO_State, (s, 4, 2.5f, true)), 0, inputs, second_on},
+         {"more than ten volts", [](ArmSocket s) { return Set_AO_State(s, 4, 10.5f, true); }, 1, outputs, second_on},
+         {"there are four", [](ArmSocket s) { return Set_DO_State(s, 5, 1, true); }, 1, outputs, second_on},
+         {CALL(Set_IO_Mode, (s, 3, 0)), 0, asking_3(Get_IO_State), "0; 0"},
+         {"an input", [](ArmSocket s) { return Set_DO_State(s, 3, 1, true); }, 1, asking_3(Get_IO_State), "0; 0"},
+         {CALL(Set_Tool_IO_Mode, (s, 1, 0, true)), 0, tool, "0 1; 0 0"},
+         {"an input of the tool", [](ArmSocket s) { return Set_Tool_DO_State(s, 1, 1, true); }, 1, tool, "0 1; 0 0"},
+         {CALL(Set_Tool_DO_State, (s, 2, 1, true)), 0, tool, "0 1; 0 1"},
+         {CALL(Set_Tool_Voltage, (s, 3, true)), 0, asking(Get_Tool_Voltage), "3"},
+         {CALL(Set_Voltage, (s, 2, 1)), 0, asking(Get_Voltage), "2"}});
 }
 
 }  // namespace

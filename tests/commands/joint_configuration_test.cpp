@@ -127,7 +127,7 @@ const std::vector<CommandCase> kRows = {
 ZK_WIRE_TESTS(JointConfiguration, "joint_configuration.h", "Joint configuration", kRows)
 
 // The three that look at the connection: first whether there is one, then whether the library runs.
-TEST(JointConfigurationGuards, NoConnectionNoThreads) {
+TEST(JointConfigurationGuards, ThreeCommandsCheckTheConnectionThenTheThreads) {
     EXPECT_EQ(Set_Joint_Speed(0, 1, 1, false), 5);
     EXPECT_EQ(Set_Joint_Acc(-1, 1, 1, false), 5);
     EXPECT_EQ(Set_Joint_Zero_Pos(0, 1, false), 5);
@@ -177,9 +177,8 @@ class LimitsInTheModel : public testing::Test {
     float out_[7] = {};
 };
 
-// An answer goes there, whether it was asked for or follows a setting: not what was sent counts, but what the
-// controller then holds.
-TEST_F(LimitsInTheModel, FollowTheAnswers) {
+// The reply changes the model, not the argument of the setting.
+TEST_F(LimitsInTheModel, ChangeWithTheReplies) {
     controller_.answer("set_joint_max_speed", R"({"command":"set_joint_max_speed","joint_max_speed":true})");
     controller_.answer("set_joint_min_pos", R"({"command":"set_joint_min_pos","joint_min_pos":true})");
     const struct {
@@ -317,27 +316,23 @@ TEST(JointConfigurationOfASimulatedArm, LimitsAreReadBackAsSet) {
 }
 
 TEST(JointConfigurationOfASimulatedArm, ReportsItsJoints) {
-    SimulatedArm arm;
-    uint8_t enabled[6];
-    EXPECT_EQ(Set_Joint_EN_State(arm, 4, 0, true), 0);
-    EXPECT_EQ(Set_Joint_EN_State(arm, 0, 1, true), 1);
-    EXPECT_EQ(Get_Joint_EN_State(arm, enabled), 0);
-    EXPECT_EQ(text_of(enabled), "1 1 1 0 1 1");
-    uint16_t errors[6], brakes[6];
-    EXPECT_EQ(Get_Joint_Err_Flag(arm, errors, brakes), 0);
-    EXPECT_EQ(text_of(brakes), "0 0 0 1 0 0");
-    EXPECT_EQ(Set_Joint_Err_Clear(arm, 4, true), 0);
-    EXPECT_EQ(Set_Joint_Err_Clear(arm, 9, true), 1);
-    int32_t versions[6];
-    EXPECT_EQ(Get_Joint_Software_Version(arm, versions), 0);
-    EXPECT_EQ(versions[5], 0x20005);
-    EXPECT_EQ(Set_Joint_Zero_Pos(arm, 2, true), 0);
-    EXPECT_EQ(Auto_Fix_Joint_Over_Soft_Limit(arm, true), 1) << "a disabled joint does not move";
-    EXPECT_EQ(Set_Joint_EN_State(arm, 4, 1, true), 0);
-    EXPECT_EQ(Auto_Fix_Joint_Over_Soft_Limit(arm, false), 0);
+    const Call enabled = asking(Get_Joint_EN_State), errors = asking(Get_Joint_Err_Flag),
+               versions = asking(Get_Joint_Software_Version);
+    const std::string fourth_braked = "0 0 0 0 0 0; 0 0 0 1 0 0";
+    const SimulatedArm arm;
+    expect_kept(arm,
+                {{CALL(Set_Joint_EN_State, (s, 4, 0, true)), 0, enabled, "1 1 1 0 1 1"},
+                 {CALL(Set_Joint_EN_State, (s, 0, 1, true)), 1, errors, fourth_braked},
+                 {CALL(Set_Joint_Err_Clear, (s, 4, true)), 0, errors, fourth_braked},
+                 {CALL(Set_Joint_Err_Clear, (s, 9, true)), 1, versions, "131072 131073 131074 131075 131076 131077"},
+                 {"a disabled joint", [](ArmSocket s) { return Auto_Fix_Joint_Over_Soft_Limit(s, true); }, 1, enabled,
+                  "1 1 1 0 1 1"},
+                 {CALL(Set_Joint_Zero_Pos, (s, 2, true)), 0, enabled, "1 1 1 0 1 1"},
+                 {CALL(Set_Joint_EN_State, (s, 4, 1, true)), 0, enabled, "1 1 1 1 1 1"},
+                 {CALL(Auto_Fix_Joint_Over_Soft_Limit, (s, false)), 0, enabled, "1 1 1 1 1 1"}});
 }
 
-TEST(JointConfigurationOfASimulatedArm, SoftLimitsAreReachedAgain) {
+TEST(JointConfigurationOfASimulatedArm, ReturnsIntoItsSoftLimits) {
     SimulatedArm arm({"--joints", "0,0,90,0,90,0"});
     EXPECT_EQ(Set_Joint_Max_Pos(arm, 3, 89.5f, true), 0);
     EXPECT_EQ(Auto_Fix_Joint_Over_Soft_Limit(arm, true), 0);

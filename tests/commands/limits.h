@@ -1,4 +1,4 @@
-// How long calls wait that nothing ends but their limit.
+// The limits of calls that get no reply.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 
 namespace zk::test {
 
-// What such a call takes of the library's time, in milliseconds, when that runs so many times faster.
+// The library's time that such a call takes, in milliseconds, with the clock `factor` times faster.
 template <class Call>
 int32_t time_to_give_up(int factor, Call call) {
     const int32_t start = Get_Program_Runtime();

@@ -1,4 +1,4 @@
-// How long the commands of Modbus wait for a reply that does not come.
+// The limits of the Modbus commands.
 #include "zk/modbus.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +19,6 @@ class ModbusLimits : public testing::Test {
         arm_ = connect_arm(controller_);
     }
 
-    // A call that waits for another limit never ends.
     template <class Form, class... Arguments>
     void expect_limit(int32_t limit, Form form, Arguments... arguments) {
         EXPECT_GE(time_to_give_up(50, [&] { return form(arm_, arguments...); }), limit);

@@ -26,7 +26,7 @@ const float kNoIntegers[6] = {NAN, INFINITY, -INFINITY, 3e6f, -3e6f, 2147483.5f}
 constexpr Pose kPose{{0.3f, -0.2f, 0.0000019f}, {9, 9, 9, 9}, {3.1415f, -0.5f, -0.0009f}};
 constexpr Pose kVia{{0.25f, 0.5f, -3000.0f}, {}, {0.5f, 0.25f, 1.0f}};
 
-// Its arrival comes after the answer to the first poll.
+// The report of its arrival follows the reply to the first poll.
 CommandCase arriving(const std::string& name, Call call, const std::string& wire, const std::string& type) {
     return CommandCase{name, call, wire, R"({"command":")" + command_name(wire) + R"(","receive_state":true})"}
         .followed_by({"get_arm_current_trajectory",
@@ -74,7 +74,7 @@ const std::vector<CommandCase> kRows = {
     accepted("OfWhatNoIntegerHolds_" CALL(Movej_Cmd_NonBlock, (s, kNoIntegers, 0, 0, 0)),
              R"({"command": "movej", "joint": [-2147483648, -2147483648, -2147483648, -2147483648, -2147483648, )"
              R"(2147483520], "v": 0, "r": 0, "trajectory_connect": 0})"),
-    // A move that is joined to the next is not waited for.
+    // A move that is joined to the next does not wait.
     queued("Joined_" CALL(Movel_Cmd, (s, kPose, 20, 0, -3, true)),
            R"({"command": "movel", "pose": [300000, -200000, 1, 3141, -500, 0], "v": 20, "r": 0, )"
            R"("trajectory_connect": -3})"),
@@ -100,7 +100,7 @@ std::vector<CommandCase> moves() {
 }
 ZK_WIRE_GUARDS(Motion, "motion.h", "Motion", moves())
 
-TEST(MotionGuards, NoMoveWithoutAConnection) {
+TEST(MotionGuards, MovesWithoutAConnectionReturnFive) {
     expect_nothing_sent({{CALL(Movej_Cmd_Block, (s + 1, kJoints, 20, 0, 0))},
                          {CALL(Movel_Cmd_NonBlock, (s + 1, kPose, 20, 0, 0))},
                          {CALL(MoveCartesianTool_Cmd, (s + 1, 20, 0, 0, true, 0, 0, 0))}},
@@ -109,7 +109,7 @@ TEST(MotionGuards, NoMoveWithoutAConnection) {
 
 // ---------------------------------------------------------------------------------------------------------- Parsers --
 
-TEST(MotionParsers, Acceptance) {
+TEST(MotionParsers, ReadAcknowledgements) {
     expect_parsed(parsing(Parser_Receive_State), {{R"({"command":"movej","receive_state":true})", 0, "1"},
                                                   {R"({"command":"movel","receive_state":false})", 1, "2"},
                                                   {R"({"command":"movec","receive_state":true})", 0, "3"},
@@ -121,8 +121,8 @@ TEST(MotionParsers, Acceptance) {
                                                   {R"({"state":"movej","receive_state":true})", 9, ""}});
 }
 
-// Whether the report of a failure names a device does not count.
-TEST(MotionParsers, Arrival) {
+// The report of a failure needs no device.
+TEST(MotionParsers, ReadReportsOfArrival) {
     expect_parsed(parsing(Parser_Plan_Feedback),
                   {{R"({"trajectory_state":true,"device":1,"trajectory_connect":2})", 0, "1; 2"},
                    {R"({"trajectory_state":true,"device":3})", 0, "3; -1"},
@@ -151,6 +151,8 @@ const DerivedMove kDerived[] = {
      [](const KDL::Frame& here) { return here * KDL::Frame(KDL::Vector(0.05, -0.02, 0.01)); }},
     {"AboutX", [](ArmSocket s) { return MoveRotate_Cmd(s, 1, 33, 7, 5, false, kReference, 30); },
      [](const KDL::Frame& here) { return turned(here, &KDL::Rotation::UnitX); }},
+    {"AboutY", [](ArmSocket s) { return MoveRotate_Cmd(s, 2, 33, 7, 5, false, kReference, 30); },
+     [](const KDL::Frame& here) { return turned(here, &KDL::Rotation::UnitY); }},
     {"AboutZ", [](ArmSocket s) { return MoveRotate_Cmd(s, 3, 33, 7, 5, false, kReference, 30); },
      [](const KDL::Frame& here) { return turned(here, &KDL::Rotation::UnitZ); }}};
 

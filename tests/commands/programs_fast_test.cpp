@@ -20,14 +20,14 @@ std::string runs(int state) {
 
 struct Watch {
     const char* name;
-    std::vector<std::string> looks;  // what the controller says of its state in turn
-    std::string finish;              // said with the last of them
+    std::vector<std::string> states;  // the replies to the polls in turn
+    std::string finish;               // sent with the last of them
     int status;
     int asked;  // times
 };
 
 class ProgramWatch : public testing::TestWithParam<Watch> {};
-TEST_P(ProgramWatch, EndsAsItShould) {
+TEST_P(ProgramWatch, ReturnsItsStatus) {
     const Watch& watch = GetParam();
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
@@ -42,7 +42,7 @@ TEST_P(ProgramWatch, EndsAsItShould) {
             last_asked = Get_Program_Runtime();
             set_time_factor(50);
         }
-        zk::test::Pieces pieces{line(watch.looks[std::min(asked, watch.looks.size()) - 1])};
+        zk::test::Pieces pieces{line(watch.states[std::min(asked, watch.states.size()) - 1])};
         if (last && !watch.finish.empty()) pieces.insert(pieces.begin(), line(watch.finish));
         return pieces;
     });
@@ -55,10 +55,10 @@ TEST_P(ProgramWatch, EndsAsItShould) {
 INSTANTIATE_TEST_SUITE_P(
     , ProgramWatch,
     testing::Values(Watch{"FinishWhileRunning", {runs(1), runs(2), runs(1)}, kFinished, 0, 3},
-                    Watch{"FinishBehindTheRun", {runs(1), kIdle}, kFinished, 0, 2},
+                    Watch{"FinishAfterTheRun", {runs(1), kIdle}, kFinished, 0, 2},
                     Watch{"BrokenFinish", {runs(1), kIdle}, R"({"state":"program_run_finish"})", 9, 2},
                     Watch{"NeverSeenRunning", {kIdle}, kFinished, 0, 15}, Watch{"NoFinish", {kIdle}, "", 7, 15},
-                    Watch{"FailedLooks", {"{\"state\":\"get_program_run_state\"}"}, kFinished, 9, 6}),
+                    Watch{"FailedPolls", {"{\"state\":\"get_program_run_state\"}"}, kFinished, 9, 6}),
     [](const auto& row) { return row.param.name; });
 
 }  // namespace

@@ -82,7 +82,7 @@ const char* const kPrograms =
     R"({"state":"get_program_trajectory_list","page_num":2,"page_size":3,"total_size":8,"vague_search":"a",)"
     R"("list":[{"id":4,"size":100,"speed":20,"trajectory_name":"ab"},)"
     R"({"id":5,"size":7,"speed":100,"trajectory_name":"0123456789012345678901234567890123"}]})";
-const char* const kProgramsTold = "2 3 8 [a] / 4 100 20 ab / 5 7 100 0123456789012345678901234567890";
+const char* const kProgramsOutputs = "2 3 8 [a] / 4 100 20 ab / 5 7 100 0123456789012345678901234567890";
 const char* const kRunning =
     R"({"state":"get_program_run_state","run_state":1,"id":7,"plan_num":3,"loop_num":[5,2],"loop_cont":[1,2],)"
     R"("plan_speed":20,"step_mode":0,"edit_id":9})";
@@ -102,7 +102,7 @@ GlobalWaypoint full_waypoint() {
 #define WAYPOINT_REPLY                                                                                        \
     R"("point_name":"w1","joint":[1000,-2500,3000,0,5000,6000],"pose":[100000,-200000,300000,3141,0,-1500],)" \
     R"("work_frame":"Base","tool_frame":"Arm_Tip","time":"2024-05-17"})"
-const char* const kWaypointTold =
+const char* const kWaypointOutputs =
     "w1, 1 -2.5 3 0 5 6 0, 0.1 -0.2 0.3, 3.141 0 -1.5, quaternion!, Base, Arm_Tip, 2024-05-17";
 const char* const kGiven = R"({"state":"given_global_waypoint",)" WAYPOINT_REPLY;
 const char* const kWaypoints =
@@ -115,12 +115,12 @@ CommandCase set_rule(const CommandCase& row) { return row.setting_the_count().wi
 CommandCase programs(const char* name, int (*command)(ArmSocket, ProgramList*), const ProgramList& list,
                      const char* wire) {
     return set_rule(answered(name, listing(command, list, entry_text), Get_Program_Trajectory_List_Cmd, wire, kPrograms,
-                             kProgramsTold));
+                             kProgramsOutputs));
 }
 CommandCase waypoints(const char* name, int (*command)(ArmSocket, GlobalWaypointList*), const GlobalWaypointList& list,
                       const char* wire, const std::string& outputs) {
     return answered(name, listing(command, list, waypoint_text), Get_Global_Waypoint_List_Cmd, wire, kWaypoints,
-                    outputs + kWaypointTold);
+                    outputs + kWaypointOutputs);
 }
 CommandCase run_state(const char* name, int (*command)(ArmSocket, ProgramRunState*), const char* reply,
                       const char* outputs) {
@@ -129,7 +129,7 @@ CommandCase run_state(const char* name, int (*command)(ArmSocket, ProgramRunStat
 }
 CommandCase named(const char* name, int (*command)(ArmSocket, const char*, GlobalWaypoint*)) {
     return answered(name, given(command), Given_Global_Waypoint_Cmd,
-                    R"({"command": "given_global_waypoint", "point_name": "w1"})", kGiven, kWaypointTold);
+                    R"({"command": "given_global_waypoint", "point_name": "w1"})", kGiven, kWaypointOutputs);
 }
 
 // A row of a setter whose replies add up, acknowledged under `key`, and the same one for both of its forms.
@@ -141,7 +141,7 @@ CommandCase named(const char* name, int (*command)(ArmSocket, const char*, Globa
 const char* const kStart = R"({"command": "set_program_id_start", "id": 3, "speed": 20})";
 const char* const kStarted = R"({"command":"set_program_id_start","start_state":true})";
 const char* const kDefault = "get_default_run_program";
-const char* const kDefaultTold = R"({"state":"get_default_run_program","id":3})";
+const char* const kDefaultOutputs = R"({"state":"get_default_run_program","id":3})";
 
 // A start that ends with its reply, without a query of the program.
 CommandCase turned_down(const std::string& name, Call call, const std::string& state, int status) {
@@ -171,8 +171,8 @@ const std::vector<CommandCase> kRows = {
          "update_state"),
     BOTH(Set_Default_Run_Program, Set_Default_run_program_Block, (s, 3),
          R"({"command": "set_default_run_program", "id": 3})", "set_state"),
-    answered(ASK(Get_Default_Run_Program), Get_Default_Run_Program_Cmd, kDefault, kDefaultTold, "3"),
-    answered(ASK(Get_Default_run_program_Block), Get_Default_Run_Program_Cmd, kDefault, kDefaultTold, "3"),
+    answered(ASK(Get_Default_Run_Program), Get_Default_Run_Program_Cmd, kDefault, kDefaultOutputs, "3"),
+    answered(ASK(Get_Default_run_program_Block), Get_Default_Run_Program_Cmd, kDefault, kDefaultOutputs, "3"),
 
     ADDING(Add_Global_Waypoint, Add_Global_Waypoint, (s, waypoint()),
            R"({"command": "add_global_waypoint")" WAYPOINT_KEYS("w1", ""), "add_state"),
@@ -251,11 +251,11 @@ TEST(ProgramParsers, StopAtTheEndOfTheirRecord) {
     }
     struct {
         ProgramList list;
-        int32_t behind = 42;
+        int32_t after = 42;
     } record;
     EXPECT_EQ(Parser_Get_Program_Trajectory_List((text + "]}").c_str(), &record.list), 0);
     EXPECT_EQ(record.list.list[ZK_PROGRAMS - 1].id, ZK_PROGRAMS - 1);
-    EXPECT_EQ(record.behind, 42);
+    EXPECT_EQ(record.after, 42);
 }
 
 class SimulatedPrograms : public testing::Test {

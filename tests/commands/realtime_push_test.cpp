@@ -23,7 +23,7 @@ const std::string kReply =
     R"({"state":"get_realtime_push","cycle":5,"enable":true,"port":8089,"force_coordinate":1,"ip":"192.168.1.10",)"
     R"("custom":{"joint_speed":true,"lift_state":false,"expand_state":true,"hand":false,"arm_current_status":true,)"
     R"("aloha_state":false}})";
-const char* const kReplyTold = "5, on, 8089, 1, 192.168.1.10, 1 0 1 0 1 0";
+const char* const kReplyOutputs = "5, on, 8089, 1, 192.168.1.10, 1 0 1 0 1 0";
 
 CommandCase adding(CommandCase row) { return row.adding(); }
 
@@ -47,20 +47,21 @@ const std::vector<CommandCase> kRows = {
         Set_Realtime_Push_Cmd,
         "{\n\t\"command\":\t\"set_realtime_push\",\n\t\"enable\":\tfalse,\n\t\"custom\":\t{\n\t}\n}",
         R"({"command":"set_realtime_push","state":true})")),
-    answered(ASK(Get_Realtime_Push), Get_Realtime_Push_Cmd, R"({"command": "get_realtime_push"})", kReply, kReplyTold)
+    answered(ASK(Get_Realtime_Push), Get_Realtime_Push_Cmd, R"({"command": "get_realtime_push"})", kReply,
+             kReplyOutputs)
         .wiping()
         .reads({{}, {{"/force_coordinate", {0}}}}),
     answered(ASK(Get_Realtime_Push_Block), Get_Realtime_Push_Cmd, R"({"command": "get_realtime_push"})", kReply,
-             kReplyTold)
+             kReplyOutputs)
         .wiping(),
 };
 
 ZK_WIRE_ROWS(RealtimePush, kRows, static_cast<void>(0));
 
-TEST(RealtimePushGuards, ThePageTellsTheWire) { expect_documented("Real-time push", kRows); }
+TEST(RealtimePushGuards, ThePageDescribesTheWire) { expect_documented("Real-time push", kRows); }
 
 TEST(RealtimePushGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
 
-TEST(RealtimePushGuards, NoRecordNoQuestion) { expect_nothing_sent({{CALL(Get_Realtime_Push, (s, nullptr))}}); }
+TEST(RealtimePushGuards, TheQueryRefusesANullRecord) { expect_nothing_sent({{CALL(Get_Realtime_Push, (s, nullptr))}}); }
 
 }  // namespace

@@ -65,7 +65,7 @@ const char* const kNamesReply =
 const char* const kInfosReply =
     R"({"state":"get_electronic_fence_list_infos","info_list":[{"form_name":"desk","form":3,"radius":500,"x":1,)"
     R"("y":2,"z":3},{"form_name":"other","form":4}]})";
-const char* const kInfosTold = "3 'desk' 15:0.5 16:0.001 17:0.002 18:0.003 4 'other'; 2";
+const char* const kInfosOutputs = "3 'desk' 15:0.5 16:0.001 17:0.002 18:0.003 4 'other'; 2";
 const char* const kEnvelopeReply =
     R"({"state":"get_tool_envelope","get_state":true,"tool_name":"grip","list":[{"name":"tip","radius":50,"x":1,)"
     R"("y":-2,"z":1000}]})";
@@ -100,7 +100,7 @@ const std::vector<CommandCase> kRows = {
     QUERY(Get_Electronic_Fence_List_Names, Get_Electronic_Fence_List_Name_Cmd, "get_electronic_fence_list_names",
           kNamesReply, "desk hall_and_m; 2", .wiping()),
     QUERY(Get_Electronic_Fence_List_Info, Get_Electronic_Fence_List_Info_Cmd, "get_electronic_fence_list_infos",
-          kInfosReply, kInfosTold, .wiping()),
+          kInfosReply, kInfosOutputs, .wiping()),
 
     WAITING_WITH(
             .adding(), Set_Virtual_Wall_Enable, Set_Virtual_Wall_Enable_Cmd,
@@ -266,42 +266,24 @@ TEST(FencesOfASimulatedArm, AreKeptByName) {
 }
 
 TEST(FencesOfASimulatedArm, AreIndependentOfTheWall) {
-    SimulatedArm simulated;
-    const ArmSocket arm = simulated;
-    std::string outputs;
-    EXPECT_EQ(with_outputs<FenceConfig>(outputs, Get_Electronic_Fence_Config, arm), 0);
-    EXPECT_EQ(outputs, "0 ''") << "none yet";
-    EXPECT_EQ(Set_Electronic_Fence_Config(arm, box("", 1)), 0);
-    EXPECT_EQ(Set_Virtual_Wall_Config(arm, ball("", 1)), 0);
-    EXPECT_EQ(Set_Virtual_Wall_Config(arm, filled(2)), 1) << "a plane is no wall";
-    EXPECT_EQ(with_outputs<FenceConfig>(outputs, Get_Electronic_Fence_Config, arm), 0);
-    EXPECT_EQ(outputs, "1 '' 0:-1 1:1 2:-1 3:1 4:-1 5:1");
-    EXPECT_EQ(with_outputs<FenceConfig>(outputs, Get_Virtual_Wall_Config, arm), 0);
-    EXPECT_EQ(outputs, "3 ''");
-    EXPECT_EQ(Set_Electronic_Fence_Enable(arm, 1, 1, 2), 0);
-    EXPECT_EQ((with_outputs<uint8_t, int32_t, int32_t>(outputs, Get_Electronic_Fence_Enable, arm)), 0);
-    EXPECT_EQ(outputs, "1; 1; 2");
-    EXPECT_EQ((with_outputs<uint8_t, int32_t, int32_t>(outputs, Get_Virtual_Wall_Enable, arm)), 0);
-    EXPECT_EQ(outputs, "0; 0; 0");
-}
-
-TEST(FencesOfASimulatedArm, SwitchWithSelfCollisionAndEnvelopes) {
-    SimulatedArm simulated;
-    const ArmSocket arm = simulated;
-    uint8_t enabled = 9;
-    EXPECT_EQ(Get_Self_Collision_Enable(arm, &enabled), 0);
-    EXPECT_EQ(enabled, 0);
-    EXPECT_EQ(Set_Self_Collision_Enable(arm, 1), 0);
-    EXPECT_EQ(Get_Self_Collision_Enable(arm, &enabled), 0);
-    EXPECT_EQ(enabled, 1);
-
     ToolEnvelope tip = envelope(2);
-    EXPECT_EQ(Set_Tool_Envelope(arm, tip), 1) << "no such tool";
     std::strcpy(tip.tool_name, "Arm_Tip");
-    EXPECT_EQ(Set_Tool_Envelope(arm, tip), 0);
-    std::string outputs;
-    EXPECT_EQ(with_outputs<ToolEnvelope>(outputs, Get_Tool_Envelope, arm, "Arm_Tip"), 0);
-    EXPECT_EQ(outputs, "Arm_Tip 2, a 0.05 0.001 -0.001 1, b 1 2 3 4");
+    const Call in_use = asking(Get_Electronic_Fence_Config), wall = asking(Get_Virtual_Wall_Config),
+               enabled = asking(Get_Electronic_Fence_Enable), wall_enabled = asking(Get_Virtual_Wall_Enable),
+               self = asking(Get_Self_Collision_Enable), tool = asking_for("Arm_Tip", Get_Tool_Envelope);
+    const std::string one_metre = "1 '' 0:-1 1:1 2:-1 3:1 4:-1 5:1";
+    const SimulatedArm arm;
+    expect_kept(arm, {{CALL(Set_Virtual_Wall_Config, (s, ball("", 1))), 0, in_use, "0 ''"},
+                      {CALL(Set_Electronic_Fence_Config, (s, box("", 1))), 0, in_use, one_metre},
+                      {"a plane is no wall", [](ArmSocket s) { return Set_Virtual_Wall_Config(s, filled(2)); }, 1, wall,
+                       "3 ''"},
+                      {CALL(Set_Electronic_Fence_Enable, (s, 1, 1, 2)), 0, enabled, "1; 1; 2"},
+                      {CALL(Set_Self_Collision_Enable, (s, 0)), 0, wall_enabled, "0; 0; 0"},
+                      {CALL(Set_Self_Collision_Enable, (s, 0)), 0, self, "0"},
+                      {CALL(Set_Self_Collision_Enable, (s, 1)), 0, self, "1"},
+                      {"no such tool", [](ArmSocket s) { return Set_Tool_Envelope(s, envelope(2)); }, 1, self, "1"},
+                      {"a tool", [=](ArmSocket s) { return Set_Tool_Envelope(s, tip); }, 0, tool,
+                       "Arm_Tip 2, a 0.05 0.001 -0.001 1, b 1 2 3 4"}});
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ class Stillness : public testing::Test {
     size_t polls_ = 0;
 };
 
-TEST_F(Stillness, AReportEndsTheWait) {
+TEST_F(Stillness, EndsWithAReport) {
     const std::pair<const char*, int> rows[] = {{R"("trajectory_state":true,"device":0,"trajectory_connect":1)", 0},
                                                 {R"("trajectory_state":true,"device":1)", 12},
                                                 {R"("trajectory_state":false,"device":1)", 12},
@@ -59,7 +59,7 @@ TEST_F(Stillness, AReportEndsTheWait) {
 }
 
 // The first poll is compared with zero, so an arm at another position counts as moving once.
-TEST_F(Stillness, FiveLooksAtAnArmThatStandsStillEndIn14) {
+TEST_F(Stillness, Returns14AfterFivePollsOfAnArmAtRest) {
     EXPECT_EQ(step_among({state({0, 0, 0, 0, 0, 0})}), 14);
     EXPECT_EQ(polls_, 5u);
     EXPECT_EQ(step_among({state({10000, 0, 0, 0, 0, 0})}), 14);
@@ -67,7 +67,7 @@ TEST_F(Stillness, FiveLooksAtAnArmThatStandsStillEndIn14) {
 }
 
 // Motion begins the limit anew.
-TEST_F(Stillness, LooksBeginAfterTheLimit) {
+TEST_F(Stillness, PollsAfterTheLimitOfTheReport) {
     m_nOutTime_max = 1000;
     for (const auto& [angle, limits] : {std::pair{0, 1}, {10000, 2}}) {
         const int32_t start = Get_Program_Runtime();
@@ -77,7 +77,7 @@ TEST_F(Stillness, LooksBeginAfterTheLimit) {
 }
 
 // Motion begins the count anew, whichever joint moves; a tenth of a degree is none.
-TEST_F(Stillness, AnArmThatMovesIsWaitedFor) {
+TEST_F(Stillness, WaitsForAnArmThatMoves) {
     EXPECT_EQ(step_among({state({0, 0, 0, 0, 0, 99}), state({0, 0, 0, 0, 0, 0}), state({0, 0, 0, 0, 0, 0}),
                           state({0, 0, 0, 0, 0, 0}), state({0, 0, 0, 0, 0, 101}), state({0, 0, 0, 0, 0, 0})}),
               14);
@@ -86,7 +86,7 @@ TEST_F(Stillness, AnArmThatMovesIsWaitedFor) {
     EXPECT_EQ(polls_, 2u + 5u);
 }
 
-TEST_F(Stillness, SevenFailedLooksEndTheWaitWithTheirStatus) {
+TEST_F(Stillness, ReturnsTheStatusOfTheSeventhFailedPoll) {
     const std::string broken = R"({"state":"current_arm_state"})";
     EXPECT_EQ(step_among({broken}), 9);
     EXPECT_EQ(polls_, 7u);
@@ -94,8 +94,7 @@ TEST_F(Stillness, SevenFailedLooksEndTheWaitWithTheirStatus) {
     EXPECT_EQ(polls_, 8u) << "they add up";
 }
 
-// An answer that nobody took is looked at without being taken.
-TEST_F(Stillness, AnAnswerThatIsThereServes) {
+TEST_F(Stillness, ReadsAnEarlierReplyWithoutTakingIt) {
     set_shared(Arm_Current_State_Cmd[0].count, 1);
     EXPECT_EQ(step_among({state({0, 0, 0, 0, 0, 0})}), 14);
     EXPECT_EQ(polls_, 0u);

@@ -74,7 +74,6 @@ const std::vector<CommandCase> kRows = {
 
 ZK_WIRE_TESTS(Streaming, "streaming.h", "Streamed motion", kRows)
 
-// Nobody looks whether a set-point could be written, but the two that wait.
 TEST(StreamingGuards, SetPointsWithoutAConnectionReturnZero) {
     ZK_API_Init(65, nullptr);
     constexpr ArmSocket kNobody = 100000;
@@ -87,7 +86,7 @@ TEST(StreamingGuards, SetPointsWithoutAConnectionReturnZero) {
     EXPECT_EQ(m_nSockeRIinfosLen, 0);
 }
 
-TEST(StreamingGuards, SetPointsGoPastTheQueueAlsoDuringAFileTransfer) {
+TEST(StreamingGuards, SetPointsBypassTheQueueDuringAFileTransfer) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
     const ArmSocket arm = connect_arm(controller);
@@ -115,7 +114,7 @@ TEST(StreamingParsers, SetPoints) {
 }
 
 // Reports on a stream come to the application's callback, on every connection.
-TEST(Reports, ComeBackWhileSetPointsGoOut) {
+TEST(Reports, ReachTheCallbackDuringAStream) {
     ReportLog log;
     ScriptedController controller;
     ZK_API_Init(75, ReportLog::callback);

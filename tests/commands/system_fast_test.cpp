@@ -1,4 +1,4 @@
-// What takes a second of the library's time.
+// The pause of a second after Set_High_Speed_Eth.
 #include "zk/system.h"
 
 #include <gtest/gtest.h>
@@ -10,8 +10,7 @@ namespace {
 
 using namespace zk::test;
 
-// The interface comes up, or does not; the wait is the same.
-TEST(HighSpeedEthernet, WaitsASecondBehindTheBlockingForm) {
+TEST(HighSpeedEthernet, WaitsASecondAfterTheBlockingForm) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
     m_nOutTime = 2000000000;

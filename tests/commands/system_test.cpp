@@ -16,14 +16,14 @@ const char* const kSoftwareInfo =
     R"({"state":"arm_software_info","Product_version":"ZK65-6F","algorithm_info":{"version":"1.4.8"},)"
     R"("ctrl_info":{"build_time":"2024/05/17 10:12:13","version":"V1.6.5"},"dynamic_info":{"model_version":"2"},)"
     R"("plan_info":{"build_time":"2024/05/17 10:14:15","version":"V1.6.6"}})";
-const char* const kSoftwareInfoTold = "ZK65-6F, 1.4.8, 2024/05/17 10:12:13, V1.6.5, 2, 2024/05/17 10:14:15, V1.6.6";
+const char* const kSoftwareInfoOutputs = "ZK65-6F, 1.4.8, 2024/05/17 10:12:13, V1.6.5, 2, 2024/05/17 10:14:15, V1.6.6";
 const char* const kVersions =
     R"({"state":"arm_software_version","Plan_version":1048576,"Ctrl_version":43981,"Real-time_Kernal1":0,)"
     R"("Real-time_Kernal2":-1,"Product_version":"ZK65-B"})";
 const char* const kWifi =
     R"({"state":"get_wifi_net","channel":6,"ip":"192.168.10.18","mac":"02:00:00:00:00:18","mask":"255.255.255.0",)"
     R"("mode":"sta","password":"secret","ssid":"hall"})";
-const char* const kWifiTold = "6, 192.168.10.18, 02:00:00:00:00:18, 255.255.255.0, sta, secret, hall";
+const char* const kWifiOutputs = "6, 192.168.10.18, 02:00:00:00:00:18, 255.255.255.0, sta, secret, hall";
 
 const char* const kSetMode = R"({"command": "set_arm_run_mode", "mode": -1})";
 const char* const kModeSet = R"({"command":"set_arm_run_mode","mode":true})";
@@ -63,8 +63,8 @@ const std::vector<CommandCase> kRows = {
         .reads(kProductOptional),
     answered(ASK(Get_Arm_Software_Version_Block), Get_Arm_Software_Version_Cmd, "get_arm_software_version", kVersions,
              "100000; ABCD; 0; FFFFFFFF; ZK65-B"),
-    QUERY(Get_Arm_Software_Info, Get_Arm_Software_Info_Cmd, "get_arm_software_info", kSoftwareInfo, kSoftwareInfoTold,
-          .wiping().with_the_status_of_another()),
+    QUERY(Get_Arm_Software_Info, Get_Arm_Software_Info_Cmd, "get_arm_software_info", kSoftwareInfo,
+          kSoftwareInfoOutputs, .wiping().with_the_status_of_another()),
     QUERY(Get_Tool_Software_Version, Get_Tool_SoftWare_Version_Cmd, "get_tool_software_version",
           R"({"state":"tool_software_version","version":256})", "256"),
 
@@ -78,7 +78,7 @@ const std::vector<CommandCase> kRows = {
     answered(ASK(Get_Joint_Odom_Block), Get_Joint_Odom_Cmd, "get_joint_odom",
              R"({"state":"get_joint_odom","odom":[100,2,3,4,5,6,7]})", "100 2 3 4 5 6 7")
         .on(75),
-    answered("Untold_" ASK(Get_Joint_Odom), Get_Joint_Odom_Cmd, "get_joint_odom",
+    answered("WithoutNumbers_" ASK(Get_Joint_Odom), Get_Joint_Odom_Cmd, "get_joint_odom",
              R"({"state":"get_joint_odom","sys_state":"error"})", ""),
     SETTER(Clear_Joint_Odom, Clear_Joint_Odom_Cmd, "clear_joint_odom", "clear_state"),
 
@@ -97,7 +97,7 @@ const std::vector<CommandCase> kRows = {
     QUERY(Get_Wired_Net, Get_Wired_Net_Cmd, "get_wired_net",
           R"({"state":"get_wired_net","ip":"192.168.1.18","mask":"255.255.255.0","mac":"02:00:00:00:00:18"})",
           "192.168.1.18; 255.255.255.0; 02:00:00:00:00:18", .wiping()),
-    QUERY(Get_Wifi_Net, Get_Wifi_Net_Cmd, "get_wifi_net", kWifi, kWifiTold, .wiping()),
+    QUERY(Get_Wifi_Net, Get_Wifi_Net_Cmd, "get_wifi_net", kWifi, kWifiOutputs, .wiping()),
     WAITING(Set_NetIP, Set_NetIP_Cmd, R"({"command": "set_NetIP", "ip": "192.168.1.19"})", "status", "192.168.1.19"),
     WAITING(Set_Net_Default, Set_Net_Default_Cmd, "set_net_default", "net_default_state"),
     // The same request under other names, whose mailbox nothing feeds.
@@ -132,7 +132,6 @@ const std::vector<CommandCase> kRows = {
 
 ZK_WIRE_TESTS(System, "system.h", "System and network", kRows)
 
-// Whoever waits for nothing does not look at the connection.
 TEST(SystemGuards, NonBlockingFormsNeedNoConnection) {
     ZK_API_Init(65, nullptr);
     EXPECT_EQ(Set_RS485(77, 9600), 0);
@@ -140,7 +139,7 @@ TEST(SystemGuards, NonBlockingFormsNeedNoConnection) {
     EXPECT_EQ(Clear_System_Err(77, true), 5);
 }
 
-// The record of the first connection is wiped before the status is read: there a broken reply looks good.
+// The record of the first connection is wiped before the status is read: there a broken reply returns 0.
 TEST(SoftwareInfo, FailsOnOtherConnectionsOnly) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
@@ -154,7 +153,7 @@ TEST(SoftwareInfo, FailsOnOtherConnectionsOnly) {
 }
 
 // A reply without numbers leaves the outputs unchanged, even after an earlier reply with numbers.
-TEST(Counters, AreNotRepeatedWhenTheControllerDoesNotKnow) {
+TEST(Counters, AreNotRepeatedWhenTheReplyHasNone) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
     set_shared(m_nOutTime, 60000);

@@ -62,7 +62,7 @@ TEST(TeachGuards, BlockingFormsNeedAConnection) {
         {{CALL(Pos_Teach_Cmd_Block, (s + 1, 0, 1, 20))}, {CALL(Joint_Step_Cmd, (s + 1, 1, 20, 1, true))}}, 5);
 }
 
-TEST(TeachGuards, JoggingWithoutAnAnswerEndsIn7) {
+TEST(TeachGuards, JoggingWithoutAReplyReturns7) {
     ScriptedController controller;
     ZK_API_Init(65, nullptr);
     const ArmSocket arm = connect_arm(controller);

@@ -38,7 +38,7 @@ const std::vector<CommandCase> kRows = {
         .clearing_old_replies()
         .on(75),
 
-    // The reply to a waypoint command is taken for a streamed point, and that of the timer is waited for on the list.
+    // A reply to a waypoint command is routed as a streamed point; the timer waits on the pending list.
     NO_REPLY(Add_Waypoint, R"({"command": "add_waypoint", "joint": [250, -90000, 1500, 0, 178000, 12345]})",
              "waypoint_state", kJoints),
     queued("OfSevenJoints_" CALL(Add_Waypoint, (s, kJoints, false)),

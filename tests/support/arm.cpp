@@ -41,7 +41,7 @@ bool eventually(const std::function<bool()>& condition) {
     const auto start = std::chrono::steady_clock::now();
     while (!condition()) {
         if (std::chrono::steady_clock::now() - start > kDeadline) {
-            ADD_FAILURE() << "what was waited for did not happen";
+            ADD_FAILURE() << "the condition did not become true";
             return false;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(1));

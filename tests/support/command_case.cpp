@@ -223,7 +223,7 @@ std::string formatted(const std::string& request) {
             text += new_line() + c;
         } else if (structure && (c == ',' || c == ':')) {
             text += c + (c == ',' ? new_line() : "\t");
-            ++i;  // the space behind it
+            ++i;  // the space after it
         } else {
             text += c;
         }

@@ -2,6 +2,8 @@
 // the socket of no connection, which counts as six joints.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <string>
 #include <utility>
@@ -32,6 +34,12 @@ struct ParserCase {
     int status;
     std::string outputs;
 };
-void expect_parsed(const Parse& parse, const std::vector<ParserCase>& cases);
+inline void expect_parsed(const Parse& parse, const std::vector<ParserCase>& cases) {
+    for (const ParserCase& row : cases) {
+        std::string outputs;
+        EXPECT_EQ(parse(-1, row.text.c_str(), outputs), row.status) << row.text;
+        EXPECT_EQ(outputs, row.outputs) << row.text;
+    }
+}
 
 }  // namespace zk::test

@@ -218,7 +218,7 @@ void ScriptedController::run() {
     }
 }
 
-// Returns whether the connection has to be looked at again although nothing may come from it.
+// Returns whether the connection needs another poll although nothing may come from it.
 bool ScriptedController::serve(int index, short events) {
     Connection& connection = connections_[index];
     if (connection.descriptor < 0) return false;

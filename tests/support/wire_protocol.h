@@ -1,11 +1,10 @@
-// The tables of docs/wire-protocol.md, checked against the commands' own.
+// What the rows of every family have to pass.
 #pragma once
 
 #include <string>
 #include <vector>
 
 #include "support/command_case.h"
-#include "support/simulated_rows.h"
 
 namespace zk::test {
 
@@ -13,9 +12,15 @@ namespace zk::test {
 // the words and the keys of their replies.
 void expect_documented(const std::string& section, const std::vector<CommandCase>& rows);
 
+// Calls every row that gets a reply, in order, on one simulated arm. Each returns 0 or 1: then the reply has the
+// literal, the keys and the types that the library expects. Each acknowledgement returns 1 on an arm that refuses
+// it. Rows whose name matches `omitted` are not called. Rows of arm mode 75 are called on an arm of seven joints.
+void expect_simulated(const std::vector<CommandCase>& rows, const std::string& model = "ZK65-6F",
+                      const std::string& omitted = "");
+
 }  // namespace zk::test
 
-// What the rows of every family have to pass. ZK_WIRE_ROWS: the exchange of each row, after `set_up`. ZK_WIRE_GUARDS: a
+// ZK_WIRE_ROWS: the exchange of each row, after `set_up`. ZK_WIRE_GUARDS: a
 // row for each command of the header; a section of the page for all of them; status 18 during a file transfer; status
 // 19 for null pointers. ZK_WIRE_TESTS: both, and the rows on a simulated arm.
 #define ZK_WIRE_ROWS(suite, rows, set_up)                                  \

@@ -1,4 +1,4 @@
-// What streamed set-points and steps do to an arm, and what the caller learns of it.
+// Steps of a simulated arm: joints, and the tool in the work and the tool frame.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,7 +10,6 @@
 #include "support/simulated_arm.h"
 #include "zk/arm_limits.h"
 #include "zk/arm_state.h"
-#include "zk/streaming.h"
 #include "zk/teach.h"
 
 namespace {
@@ -38,42 +37,6 @@ bool comes_to(ArmSocket arm, const Joints& target) {
         return std::equal(now.begin(), now.end(), target.begin(),
                           [](float a, float b) { return std::abs(a - b) < 0.0011f; });
     });
-}
-
-TEST(StreamedSetPoints, AreFollowedAndReportedToTheCallback) {
-    ReportLog log;
-    const SimulatedArm arm;
-    set_shared(callback1, MotionReportCallback{ReportLog::callback});
-    Joints joints = joints_of(arm);
-    for (int i = 0; i < 40; ++i) {
-        joints[0] += 0.1f;
-        EXPECT_EQ(Movej_CANFD(arm, joints.data(), i % 2, 0), 0);
-    }
-    for (const ArmMotionReport& report : log.wait_for(40)) {
-        EXPECT_EQ(report.socket, ArmSocket(arm));
-        EXPECT_EQ(report.report_type, 1);
-        EXPECT_EQ(report.result, 0);
-        EXPECT_FLOAT_EQ(report.joint[5], joints[5]);
-    }
-    EXPECT_TRUE(comes_to(arm, joints));
-    joints[2] -= 20;
-    EXPECT_EQ(Movej_Follow(arm, joints.data()), 0);
-    EXPECT_TRUE(comes_to(arm, joints));
-
-    Pose pose = pose_of(arm);
-    for (int i = 0; i < 20; ++i) {
-        pose.position.z -= 0.001f;
-        EXPECT_EQ(Movep_CANFD(arm, 1, pose), 0);
-    }
-    const ArmMotionReport last = log.wait_for(60).back();
-    EXPECT_EQ(last.report_type, 2);
-    EXPECT_EQ(last.result, 0);
-    EXPECT_NEAR(last.pose.position.x, pose.position.x, 2e-3);
-    EXPECT_TRUE(eventually([&] { return std::abs(pose_of(arm).position.z - pose.position.z) < 5e-6f; }));
-
-    joints[0] = 179;
-    EXPECT_EQ(Movej_CANFD(arm, joints.data(), 1, 0), 0);
-    EXPECT_EQ(log.wait_for(61).back().result, 258) << "beyond the limit";
 }
 
 TEST(Steps, MoveByTheirAmount) {
