@@ -1,4 +1,4 @@
-// The front in degrees: what reaches the model in radians, and comes back.
+// The front in degrees: it stores radians in the model and reads them back.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -30,7 +30,7 @@ TEST_F(Front, SelectsAModel) {
     EXPECT_EQ(libalgo_get_control_loop_period(), 0.01f);
 }
 
-TEST_F(Front, LimitsAreStoredInRadiansForTheArmsJointsAndZeroBeyond) {
+TEST_F(Front, LimitsAreStoredInRadians) {
     const struct {
         void (*set)(const float*);
         void (*get)(float*);
@@ -66,7 +66,7 @@ TEST_F(Front, LimitsAreStoredInRadiansForTheArmsJointsAndZeroBeyond) {
 }
 
 TEST_F(Front, ConversionsAreSingleOperationsRoundedOnce) {
-    // Values at which a multiplication in single precision, or by the inverse factor, rounds otherwise.
+    // At some of these values single precision, or the inverse factor, rounds differently.
     float limits[8] = {};
     for (int i = 1; i < 2000; ++i) {
         limits[0] = i * 0.173f;
@@ -120,7 +120,7 @@ class FrontFrames : public Front {
     }
 };
 
-TEST_F(FrontFrames, AreStoredAndComeBackWithoutNameAndQuaternion) {
+TEST_F(FrontFrames, KeepPositionAndEulerAngles) {
     Algo_Set_ToolFrame(nullptr);
     Algo_Set_WorkFrame(nullptr);
     Algo_Get_Curr_ToolFrame(nullptr);
@@ -195,12 +195,12 @@ TEST_F(Front, ConvertsPoses) {
     expect_pose_near(Algo_Base2WorkFrame(work_T_base, pose), work.Inverse() * f, 1e-6);
     expect_pose_near(Algo_WorkFrame2Base(work_T_base, pose), work * f, 1e-6);
 
-    Matrix stretched = to_matrix(KDL::Frame::Identity());  // not a transform, and inverted as it is
+    Matrix stretched = to_matrix(KDL::Frame::Identity());  // not a transform: inverted all the same
     stretched.m[0][0] = 2;
     EXPECT_FLOAT_EQ(Algo_WorkFrame2Base(stretched, pose).position.x, 0.05f);
 }
 
-TEST_F(Front, TimeOfDayIsTheSystems) {
+TEST_F(Front, TimeOfDayIsThatOfTheSystem) {
     timeval before, now, after;
     gettimeofday(&before, nullptr);
     get_time_of_day(&now);

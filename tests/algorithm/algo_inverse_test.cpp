@@ -1,4 +1,4 @@
-// The inverse kinematics in degrees: what is refused before solving, what comes out, and the setting of the search.
+// The inverse kinematics in degrees: refusals, results and the search mode.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -61,7 +61,7 @@ TEST_F(Inverse, RefusesMissingArgumentsAndASeedOutsideTheLimits) {
     EXPECT_EQ(Algo_Inverse_Kinematics(beyond, &pose_, solved_, 1), kBadArgument);
 }
 
-TEST_F(Inverse, WantsAUnitQuaternionWhereItIsTheOrientation) {
+TEST_F(Inverse, RefusesAQuaternionThatIsNotOfUnitLength) {
     const struct {
         float squared_norm;
         int with_quaternion;
@@ -94,7 +94,7 @@ TEST_F(Inverse, TargetThatIsNotFiniteHasNoSolution) {
     }
 }
 
-// Without a candidate the sweep leaves its output as it was; zeros there are not an answer.
+// Without a candidate the sweep does not write its output: zeros there are no answer.
 TEST_F(Inverse, WideSearchWritesTheJointsOnlyOnSuccess) {
     select(1);
     Algo_Set_Redundant_Parameter_Traversal_Mode(true);
@@ -122,7 +122,7 @@ TEST(CompletePose, FillsTheQuaternionFromTheEulerAngles) {
     EXPECT_EQ(std::memcmp(&pose, &whole, sizeof pose), 0);
 }
 
-TEST_F(Inverse, FoldsEveryFailureOfTheSolver) {
+TEST_F(Inverse, ReportsEveryFailureOfTheSolverAs21) {
     EXPECT_EQ(invoke_inverse_kinematics(seed_, &far_, solved_, 1), -1);
     EXPECT_NEAR(solved_[1], -M_PI_2, 1e-6);  // not converted
     EXPECT_EQ(solve(far_), kNoSolution);
@@ -147,7 +147,7 @@ TEST_F(Inverse, FollowsTheSeedUntilASearchModeIsChosen) {
     }
 }
 
-TEST_F(Inverse, JudgesTheWayFromTheSeed) {
+TEST_F(Inverse, JudgesTheSpeedFromTheSeed) {
     const float from[7] = {}, joint_4_fast[7] = {0.3f, 0, 0, 0.5f, 9, 0, 0};
     EXPECT_EQ(invoke_joint_overspeed_judgment(from, joint_4_fast, 1), 4);
     EXPECT_EQ(invoke_joint_overspeed_judgment(from, joint_4_fast, 2), 5);
@@ -161,7 +161,7 @@ TEST_F(Inverse, JudgesTheWayFromTheSeed) {
     EXPECT_EQ(judged(seed_, far_), -1);
 }
 
-TEST_F(Inverse, KeepsAccountOfTheTimeOfJudgedSolutions) {
+TEST_F(Inverse, RecordsTheFastestAndTheSlowestSolution) {
     invoke_inverse_time_total_min = 10000.0;
     invoke_inverse_time_total_max = 0;
     judged(seed_, pose_);

@@ -1,4 +1,4 @@
-// The checked inverse kinematics, for every arm, judged by KDL.
+// The checked inverse kinematics of every arm, against KDL.
 #include "zk/checked_inverse.h"
 
 #include <gtest/gtest.h>
@@ -91,7 +91,7 @@ TEST_P(CheckedInverse, MeetsTheTarget) {
             continue;
         }
         cell.expect_met(out, target);
-        // A right answer stays as it is.
+        // An answer that meets the target is not changed.
         if (off < 5e-6 && !align) {
             EXPECT_EQ(out, plain);
         }
@@ -112,7 +112,7 @@ class CheckedInverse75 : public ::testing::Test {
     const Joints untouched{1, 2, 3, 4, 5, 6, 7, 8};
 };
 
-// The arm angle of the first step takes joint 5 beyond its limit; others do not.
+// The arm angle of the narrow search takes joint 5 beyond its limit; others do not.
 TEST_F(CheckedInverse75, LooksFurtherWhereTheNarrowSearchGivesUp) {
     const KDL::Frame target = cell.tool_at(in_degrees({-1.042f, 1.176f, -2.441f, 1.571f, 2.922f, -0.033f, -4.443f}));
     const Joints seed = in_degrees({-1.109f, 1.090f, -2.392f, 1.533f, 3.020f, -0.116f, -4.428f});

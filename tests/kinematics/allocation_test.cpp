@@ -1,6 +1,5 @@
-// Nothing on the way of forward or inverse kinematics asks for memory. This program's malloc and its kin stand before
-// the C library's and count, for the library as well. Under a sanitizer, which has a malloc of its own, there is
-// nothing to see.
+// Forward and inverse kinematics allocate nothing. This program's malloc replaces the C library's, for the library too,
+// and counts. A sanitizer has a malloc of its own, so nothing is tested there.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -58,8 +57,8 @@ long allocations_of(Call call) {
     return allocations - before;
 }
 
-// The library's own call of malloc ends up in the same place.
-TEST(Allocation, IsCounted) {
+// The library calls the same malloc.
+TEST(Allocation, CounterSeesMalloc) {
     if (!kCounting) GTEST_SKIP() << "the sanitizer has taken malloc";
     EXPECT_EQ(dlsym(RTLD_DEFAULT, "malloc"), reinterpret_cast<void*>(&malloc));
     void* volatile block = nullptr;
@@ -67,7 +66,7 @@ TEST(Allocation, IsCounted) {
     std::free(block);
 }
 
-TEST(Allocation, ForwardAndInverseKinematicsHaveNone) {
+TEST(Allocation, KinematicsAllocateNothing) {
     if (!kCounting) GTEST_SKIP() << "the sanitizer has taken malloc";
     std::mt19937 generator(17);
     for (const Arm& arm : arms()) {

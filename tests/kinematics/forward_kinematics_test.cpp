@@ -28,7 +28,7 @@ void expect_close(const Matrix& actual, const KDL::Frame& expected) {
 
 void expect_close(const Pose& actual, const KDL::Frame& expected) {
     expect_close({to_kdl(actual.quaternion), to_kdl(actual.position)}, expected);
-    // Close to the singular pitch Euler angles have no six digits.
+    // Near the singular pitch Euler angles are less exact.
     if (std::fabs(std::cos(actual.euler.ry)) > 0.1) expect_close(to_kdl(actual), expected);
 }
 
@@ -138,11 +138,11 @@ TEST_P(EveryArm, ReadsOnlyTheDhParametersOfItsFamily) {
     }
 }
 
-// A sensor changes nothing but the DH record.
+// A sensor changes only the DH record.
 INSTANTIATE_TEST_SUITE_P(, EveryArm, testing::ValuesIn(families),
                          [](const auto& f) { return "Model" + std::to_string(f.param.model); });
 
-TEST(ForwardKinematics, WithoutAnArmIsThePureRotationOfTheFirstFamily) {
+TEST(ForwardKinematics, UnknownModelHasTheRotationsOfTheFirstFamily) {
     for (const int model : {2, 10, 256 + 7, -1}) {
         libalgo_init();
         ASSERT_EQ(libalgo_set_robot_and_sensor_type(model, 0), -1);
@@ -151,13 +151,13 @@ TEST(ForwardKinematics, WithoutAnArmIsThePureRotationOfTheFirstFamily) {
         none.offset = {};
         const Joints joints = {0.3f, 0.5f, -0.7f, 0.9f, 1.1f, -1.3f};
         const float* q = joints.data();
-        // The model number counts as a byte, so 263 is read as 7; its lengths are zero all the same.
+        // The model number is read as a byte: 263 is the family of 7, with lengths of zero.
         if (static_cast<uint8_t>(model) != 7) expect_close(forward_kinematics_e(q), KdlArm(none).forward(joints));
         for (int i = 0; i < 3; ++i) EXPECT_EQ(forward_kinematics_e(q).m[i][3], 0);
     }
 }
 
-TEST(ForwardKinematics, FamiliesWorkWithTheModelOfTheLastWholeArmCall) {
+TEST(ForwardKinematics, FamiliesReadTheModelOfTheLastWholeArmCall) {
     libalgo_init();
     const float q[8] = {};
     const float before = forward_kinematics_e(q).m[2][3];

@@ -1,5 +1,5 @@
-// The names of the kinematics' statics are common ones. This program has variables of its own by those names, which the
-// dynamic linker puts before the library's; neither side may notice the other.
+// The kinematics' statics have common names. This program defines variables of the same names, and the dynamic linker
+// prefers them to the library's. Neither side may change the other's.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ int T_1N = 1, T_1N_rotate = 2, T_BE = 3, T_BE_rotate_flange = 4, T_BE_rotate_too
 namespace zk::test {
 namespace {
 
-// What the library itself exports under a name.
+// The library's own variable of this name.
 template <class T>
 const T& of_library(const char* name) {
     static void* const library = dlopen("libZK_Base.so.1", RTLD_NOW | RTLD_NOLOAD);
@@ -34,7 +34,7 @@ bool same(const T& a, const T& b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-TEST(Statics, OfAnApplicationAreNotTouched) {
+TEST(Statics, ApplicationsVariablesAreNotTouched) {
     const float q[8] = {0.1f, 0.2f, 0.3f, 0.4f, 0.5f, 0.6f, 0.7f};
     for (const int model : {0, 1}) {
         libalgo_set_robot_and_sensor_type(model, 0);
@@ -51,7 +51,7 @@ TEST(Statics, OfAnApplicationAreNotTouched) {
     for (int i = 0; i < 9; ++i) EXPECT_EQ(values[i], i + 1);
 }
 
-TEST(Statics, OfTheLibraryHoldTheLastResults) {
+TEST(Statics, LibrarysVariablesHoldTheLastResults) {
     const float q[8] = {0.1f, 0.2f, 0.3f, 0.4f, 0.5f, 0.6f, 0.7f};
     libalgo_set_robot_and_sensor_type(4, 0);
     const Matrix flange = forward_kinematics_e(q);
@@ -64,7 +64,7 @@ TEST(Statics, OfTheLibraryHoldTheLastResults) {
     EXPECT_TRUE(same(forward_kinematics_pos(q), of_library<Position>("position")));
     EXPECT_TRUE(same(forward_kinematics_pos_zkl63_3(q), of_library<Position>("position_0")));
 
-    // The rotation of this family is built where its transform was, that of the others beside it.
+    // This family writes its rotation to T_1N, the others to T_1N_rotate.
     EXPECT_TRUE(same(forward_kinematics_rotate_zkl63_3(q), of_library<Matrix>("T_1N")));
     EXPECT_TRUE(same(forward_kinematics_rotate_zk65(q), of_library<Matrix>("T_1N_rotate")));
     forward_kinematics_e_zk75(q);

@@ -1,4 +1,4 @@
-// The entry of the inverse kinematics: targets, seeds, the choice of a solver, and its helpers.
+// The entry of the inverse kinematics: target, seed, choice of the solver; and its helpers.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -25,7 +25,7 @@ TEST(InverseKinematics, HasNoSolverForModelsThatAreNoArm) {
 }
 
 TEST(InverseKinematics, LastJointJustPastItsFullTurnCountsAsTheFullTurn) {
-    // Almost half a turn away from the seed: the two degrees decide which way round is the shorter one.
+    // The pose is almost half a turn from the seed: the two degrees decide which way is shorter.
     ASSERT_EQ(libalgo_init(), 0);
     for (const float sign : {1.0f, -1.0f}) {
         const float q[8] = {0.4f, -0.6f, 1.1f, 0.3f, 0.8f, sign * 3.15f};
@@ -86,7 +86,7 @@ TEST(InverseKinematics, FiniteTargetFarAwayIsOutOfReach) {
 TEST(OverspeedJudgment, NamesTheFirstJointThatOnePeriodDoesNotAllow) {
     ASSERT_EQ(libalgo_init(), 0);
     libalgo_set_control_loop_period(0.01f);
-    // 180 degrees per second allow joints 1 and 2, and 225 allow the others, so much:
+    // The steps that 180 degrees per second allow joints 1 and 2, and 225 the others.
     const float slow = 0.0314f, fast = 0.0392f;
     const struct {
         float to[7];
@@ -109,7 +109,7 @@ TEST(OverspeedJudgment, NamesTheFirstJointThatOnePeriodDoesNotAllow) {
     EXPECT_EQ(joint_overspeed_judgment(from, cases[1].to, 1), 0);
 }
 
-TEST(SolutionRange, AndStrategyKeepInStep) {
+TEST(SolutionRange, SetsTheStrategyAndIsSetByIt) {
     EXPECT_EQ(theta_v, 0.013f);
     EXPECT_EQ(global_is_movl, 1);
     for (const auto& [range, strategy] : {std::pair(1.0f, 1), {1.0001f, 0}, {3.14f, 0}, {0.5f, 1}, {NAN, 1}}) {

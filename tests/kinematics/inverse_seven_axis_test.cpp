@@ -51,19 +51,19 @@ class SevenJoints : public testing::Test {
     Joints out{};
 };
 
-// Next to these postures the 75 takes a single step, which is exact for small motions only.
+// Near these postures the 75 takes one step of the pseudo-inverse, which is exact for small motions only.
 bool near_alignment(const Joints& seed) {
     return std::fabs(seed[1]) < 5 * kDegree || std::fabs(seed[2]) < 8 * kDegree || std::fabs(seed[5]) < 5 * kDegree;
 }
 
-class EverySevenJoints : public SevenJoints, public testing::WithParamInterface<int> {
+class EverySevenAxisArm : public SevenJoints, public testing::WithParamInterface<int> {
  protected:
-    EverySevenJoints() : SevenJoints(GetParam()) {}
+    EverySevenAxisArm() : SevenJoints(GetParam()) {}
 };
-INSTANTIATE_TEST_SUITE_P(, EverySevenJoints, testing::Values(1, 7),
+INSTANTIATE_TEST_SUITE_P(, EverySevenAxisArm, testing::Values(1, 7),
                          [](const auto& model) { return "Model" + std::to_string(model.param); });
 
-TEST_P(EverySevenJoints, FindPosturesNearTheSeed) {
+TEST_P(EverySevenAxisArm, FindsPosturesNearTheSeed) {
     constexpr int kTimes = 10000 / kShare;
     std::mt19937 generator(7);
     int asked = 0, unsolved = 0;
@@ -84,13 +84,12 @@ TEST_P(EverySevenJoints, FindPosturesNearTheSeed) {
         }
     }
     EXPECT_GT(asked, 0.95 * kTimes);
-    // The arm angle of the 75 is that of one step: where a joint is close to its limit it can come out beyond, and no
-    // other arm angle is looked for.
+    // The 75 tries one arm angle only: near a limit it can take a joint beyond.
     EXPECT_LE(unsolved, GetParam() == 1 ? 1 + 3e-4 * asked : 0);
     EXPECT_LT(farthest, 2e-3);  // the pull to mid-range
 }
 
-TEST_P(EverySevenJoints, ArePulledToMidRangeWithoutMovingTheFlange) {
+TEST_P(EverySevenAxisArm, IsPulledToMidRangeWithoutMovingTheFlange) {
     const Joints expected = arm.pull_to_mid_range(bent);
     EXPECT_GT(largest_difference(expected, {}), 2e-5);
     ASSERT_EQ(solve(bent, bent), 0);
@@ -147,13 +146,13 @@ double squared_distance(const Joints& a, const Joints& b) {
     return sum;
 }
 
-TEST_F(Zk75, WideFindsTheNearestOfAll) {
+TEST_F(Zk75, WideReturnsTheNearestSolution) {
     ikine_set_solution_range_zk75(kWide);
     std::mt19937 generator(3);
     int solved = 0;
     for (int i = 0; i < 1000 / kShare; ++i) {
         Joints q = random_joints(arm.arm, generator, 0.95);
-        q[6] /= 2;  // joint 7 is looked for in one turn
+        q[6] /= 2;  // the search covers one turn of joint 7
         const Joints seed = i % 2 == 0 ? random_joints(arm.arm, generator, 0.95) : arm.seed_near(q, 0.1, generator);
         if (arm.smallest_singular_value(q) < 0.006) continue;
         const KDL::Frame target = arm.forward(q);
@@ -169,7 +168,7 @@ TEST_F(Zk75, WideFindsTheNearestOfAll) {
     EXPECT_GT(solved, 900 / kShare);
 }
 
-TEST_F(Zk75, WideWithNothingWithinTheLimitsTestsWhatOutHeld) {
+TEST_F(Zk75, WideWithoutACandidateChecksTheCallersArray) {
     ikine_set_solution_range_zk75(kWide);
     set_limits(3, -0.1f, 0.1f);  // the elbow cannot bend that far
     Joints held = out = {0.1f, 0.2f, 3.3f, 0.05f, 0.5f, 0.6f, 0.7f};
@@ -223,7 +222,7 @@ TEST_F(Zk75, OutOfReachReturnsJointsThatMiss) {
     EXPECT_EQ(out[3], 0);
 }
 
-TEST_F(Zk75, JointSevenIsTakenToTheSeedsSideInNarrowModeOnly) {
+TEST_F(Zk75, NarrowMovesJoint7ToTheSeedsSide) {
     Joints seed = bent, q = bent;
     seed[6] = 3.1f;
     q[6] = 3.2f;  // 3.1 and the principal angle of 3.2 are 6.18 apart
@@ -235,10 +234,10 @@ TEST_F(Zk75, JointSevenIsTakenToTheSeedsSideInNarrowModeOnly) {
     EXPECT_LT(out[6], 3.1416f);
 }
 
-TEST_F(Zk75, BelowItsLimitAJointGetsATurn) {
+TEST_F(Zk75, JointBelowItsLimitIsMovedByATurn) {
     Joints q = bent, seed = bent;
     q[6] = 3.2f;
-    seed[6] = 2.9f;  // 5.98 from the principal angle of 3.2, so it is not taken to the seed's side
+    seed[6] = 2.9f;  // 5.98 from the principal angle of 3.2, so it is not moved to the seed's side
     set_limits(6, 0, 6);
     ASSERT_EQ(solve(seed, q), 0);
     EXPECT_GT(out[6], 3.1416f);
@@ -247,7 +246,7 @@ TEST_F(Zk75, BelowItsLimitAJointGetsATurn) {
     EXPECT_EQ(solve(seed, q), -2);
 }
 
-TEST_F(Zk75, OffsetsOfTheModelAreAddedToTheSeedAndTakenOutOfTheAnswer) {
+TEST_F(Zk75, AddsTheOffsetsToTheSeedAndSubtractsThemFromTheAnswer) {
     const float offset[7] = {0.1f, -0.2f, 0.3f, -0.1f, 0.2f, -0.3f, 0.4f};
     std::copy_n(offset, 7, robot.dh.offset);
     Joints seed = bent;
@@ -262,7 +261,7 @@ struct Tau7 : SevenJoints {
     Tau7() : SevenJoints(7) {}
 };
 
-// What the arm with a closed form does: a target anywhere, from a seed anywhere.
+// Any target from any seed, as the arm with a closed form.
 TEST_F(Tau7, FindsPosturesFarFromTheSeed) {
     for (const float range : {kNarrow, kWide}) {
         ikine_set_solution_range_zk75(range);
@@ -306,7 +305,7 @@ TEST_F(Tau7, StatusSeparatesLimitsFromReach) {
     EXPECT_EQ(out, untouched);
 }
 
-TEST_F(Tau7, ASeedBeyondTheLimitsCountsAsStandingThere) {
+TEST_F(Tau7, SeedIsClampedToTheLimits) {
     for (int i = 0; i < 7; ++i) {
         Joints seed = bent, at_limit = bent;
         seed[i] = arm.upper(i) + 0.3f;

@@ -43,7 +43,7 @@ testing::AssertionResult same_joints(const Joints& actual, const Joints& expecte
     return testing::AssertionSuccess();
 }
 
-// An arm in the model, its solver, and an output that shows what was written. Targets are frames of the flange.
+// An arm in the model and its solver. Targets are frames of the flange.
 class SixJoints : public KdlArm {
  public:
     explicit SixJoints(const Case& c) : KdlArm(arm_of(c.model, 0)), solver(c) {
@@ -68,12 +68,12 @@ class SixJoints : public KdlArm {
         if (metres < kMetres * times && turn < kRadians * times) return testing::AssertionSuccess();
         return testing::AssertionFailure() << metres << " m and " << turn << " rad off";
     }
-    // How far the point d6 before the flange on its axis is from that of the target.
+    // The distance of the wrist point, d6 before the flange, from the target's.
     double wrist_off(const KDL::Frame& flange) const {
         const KDL::Vector before_flange(0, 0, -arm.d[5]);
         return (forward(solved) * before_flange - flange * before_flange).Norm();
     }
-    // Where the parallel-axis arms take joint 6 from the seed, or stretch the elbow, they keep the wrist point at best.
+    // An arm with parallel axes misses the target where it takes joint 6 from the seed or straightens the elbow.
     bool bends_the_target() const {
         return !solver.meets_at_singularity && (std::fabs(std::sin(solved[4])) < kTwoDegrees + 1e-5 || solved[2] == 0);
     }
@@ -93,7 +93,7 @@ class SixJoints : public KdlArm {
 
 class EverySolver : public testing::TestWithParam<Case> {
  protected:
-    // Model 4 counts the way round that is shorter, within the limits or not.
+    // Model 4 counts the shorter way round, within the limits or not.
     double distance(const Joints& q, const Joints& seed) const {
         double sum = 0;
         for (int j = 0; j < 6; ++j) {
@@ -103,8 +103,8 @@ class EverySolver : public testing::TestWithParam<Case> {
         return sum;
     }
 
-    // A regular solution within the limits that KDL finds from this posture, each joint less than half a turn from the
-    // seed; false when it finds none.
+    // A regular solution that KDL finds from this posture, within the limits and half a turn of the seed. False for
+    // none.
     bool find_solution(const KDL::Frame& flange, const Joints& from, const Joints& seed, Joints& q) const {
         Joints found{};
         if (!arm_.KdlArm::solve(flange, from, found)) return false;
@@ -131,7 +131,7 @@ TEST_P(EverySolver, ReachesTheTargetAndStaysAtTheSeed) {
         const int status = arm_.solve(arm_.seed_near(q, 0.1, arm_.generator), at);
         const bool regular = arm_.smallest_singular_value(q) >= case_.singular && !arm_.bends_the_target();
         singular += !regular;
-        // Close to the wrist's singularity single precision does not resolve joint 5 better.
+        // Near the wrist's singularity single precision resolves joint 5 no better.
         const double times = std::fabs(std::sin(q[4])) < 0.003 ? 10 : 1;
         EXPECT_TRUE(status != 0 || arm_.bends_the_target() || arm_.meets(at, times));
         if (!regular || std::fabs(std::sin(q[4])) < kTwoDegrees) continue;
@@ -155,7 +155,7 @@ TEST_P(EverySolver, ReturnsTheNearestSolution) {
         for (int start = 0; start < 20; ++start) {
             if (!find_solution(at, random_joints(arm_.arm, arm_.generator), seed, other)) continue;
             ++compared;
-            EXPECT_TRUE(status == 0 || case_.model == 4);  // which looks at limits last
+            EXPECT_TRUE(status == 0 || case_.model == 4);  // model 4 tests limits last
             if (status != 0) continue;
             EXPECT_TRUE(arm_.meets(at));
             EXPECT_LT(distance(arm_.solved, seed), distance(other, seed) + 0.02);
@@ -175,7 +175,7 @@ TEST_P(EverySolver, LimitsHaveHalfADegreeOfSlack) {
                 sign > 0 ? arm_.set_limits(joint, -3, limit) : arm_.set_limits(joint, limit, 3);
                 arm_.solved.fill(kUntouched);
                 EXPECT_EQ(arm_.solve(kPose, kPose), beyond < 0.0087f ? 0 : case_.beyond_limit) << joint;
-                // The joints after the one beyond its limit are written or not.
+                // Some solvers stop at the joint beyond its limit.
                 const bool writes_all = beyond < 0.0087f || case_.writes_without_solution;
                 EXPECT_EQ(std::count(arm_.solved.begin(), arm_.solved.begin() + 6, kUntouched),
                           writes_all ? 0 : 5 - joint);
@@ -248,7 +248,7 @@ TEST_P(EverySolver, ReadsTheLengthsAndOffsetsOfTheModel) {
 INSTANTIATE_TEST_SUITE_P(, EverySolver, testing::Values(kZk6, kZkl63_2, kZkl63_3, kOrb6),
                          [](const auto& c) { return "Model" + std::to_string(c.param.model); });
 
-TEST(SixJointWrist, TakesWhatIsNotDefinedFromTheSeed) {
+TEST(SixJointWrist, SingularWristFollowsTheSeed) {
     constexpr float pi = 3.1415927f;
     using Angles = std::array<float, 4>;  // joints 4 to 6, and the seed's seventh value
     const struct {
@@ -256,7 +256,7 @@ TEST(SixJointWrist, TakesWhatIsNotDefinedFromTheSeed) {
         unsigned avoid;  // singularities
         Angles q, seed, solved;
     } rows[] = {
-        // The sum of joints 4 and 6 keeps the pose, their difference that of the seed.
+        // The sum of joints 4 and 6 is that of the pose, their difference that of the seed.
         {kZk6, 1, {0.5f, 0, 0.3f}, {0.1f, 0, 0.2f}, {0.35f, 0, 0.45f}},
         {kZk6, 1, {0.4f, 0, 0.4f}, {0.1f, 0, 0.2f}, {0.35f, 0, 0.45f}},
         {kZk6, 1, {2.9f, 0, 2.9f}, {2.8f, 0, 2.8f}, {2.9f, 0, 2.9f}},        // the sum is a turn up
@@ -268,14 +268,14 @@ TEST(SixJointWrist, TakesWhatIsNotDefinedFromTheSeed) {
         {kZkl63_2, 0, {0.3f, 3.1f, 0.2f}, {0.3f, 3.1f, 0.2f}, {0.3f, 3.1f, 0.2f}},
         {kZkl63_2, 0, {0.3f, -3.1f, 0.2f}, {0.3f, -3.1f, 0.2f}, {0.3f, -3.1f, 0.2f}},
         {kZkl63_2, 1, {0.3f, 3.09f, 0.2f}, {0.3f, 3.09f, 0.2f}, {0.3f, 3.09f, 0.2f}},
-        // Each joint gets half of the difference of t4 + t6, or t6 - t4, from the seed's, whose seventh value is that
-        // of joint 6.
+        // Joints 4 and 6 share the change of t4 + t6, or of t6 - t4, equally. The seed's seventh value stands for its
+        // joint 6.
         {kZkl63_3, 0, {0.6f, 0, 0.2f}, {0.1f, 0, 0.2f, 0}, {0.45f, 0, 0.35f}},
         {kZkl63_3, 0, {0.6f, 0, 0.2f}, {0.1f, 0, 0.2f, 0.3f}, {0.3f, 0, 0.5f}},
         {kZkl63_3, 0, {0.6f, pi, 0.2f}, {0.1f, pi, 0.2f, 0}, {0.25f, pi, -0.15f}},
         {kZkl63_3, 0, {0.6f, pi, 0.2f}, {0.1f, pi, 0.2f, 0.3f}, {0.4f, pi, 0}},
         {kZkl63_3, 0, {0.3f, 0.01f, 0.2f}, {0.3f, 0.8f, 0.2f}, {0.3f, 0.01f, 0.2f}},
-        // Joint 6 goes to the side that its limits allow. Beyond two degrees it is that of the pose.
+        // Joint 6 moves within its limits. Beyond two degrees it is that of the pose.
         {kOrb6, 0, {0.3f, 0.8f, 3.2f}, {0.3f, 0.8f, 3.1f}, {0.3f, 0.8f, -3.0831852f}},
         {kOrb6, 0, {0.3f, 0.05f, 0.9f}, {0.5f, 0.05f, 0.8f}, {0.3f, 0.05f, 0.9f}},
     };
@@ -290,8 +290,8 @@ TEST(SixJointWrist, TakesWhatIsNotDefinedFromTheSeed) {
     }
 }
 
-// The rule looks at the model angle, half a turn from the joint's.
-TEST(SixJointWrist, OfModel3IsHeldOnlyWithJoint5NearMinusHalfATurn) {
+// The rule reads the model angle, which is half a turn from the joint's.
+TEST(SixJointWrist, Model3IsHeldOnlyWithJoint5NearMinusHalfATurn) {
     SixJoints arm(kZkl63_2);
     Joints straight = kPose, without{};
     straight[4] = 0;
@@ -313,7 +313,7 @@ TEST(SixJointWrist, OfModel3IsHeldOnlyWithJoint5NearMinusHalfATurn) {
     EXPECT_NEAR(std::remainder(arm.solved[5] + M_PI - (sum + difference) / 2, 2 * M_PI), 0, 1e-4);
 }
 
-TEST(SixJointWrist, OfParallelAxesKeepsJoint6OfTheSeedWhenLinedUp) {
+TEST(SixJointWrist, ParallelAxesKeepJoint6OfTheSeedWhenLinedUp) {
     SixJoints arm(kOrb6);
     int missed = 0;
     for (int round = 0; round < 100; ++round) {
@@ -335,10 +335,10 @@ TEST(SixJointWrist, OfParallelAxesKeepsJoint6OfTheSeedWhenLinedUp) {
     EXPECT_LE(missed, 2);  // where the frames' rounding takes the cosine of joint 5 beyond its slack
 }
 
-TEST(SixJointShoulder, WithTheWristPointOnItsAxisStaysAtTheSeed) {
-    // The forearm points back to the axis: a3 sin q2 + d4 sin(q2 + q3) = 0 in model 0,
+TEST(SixJointShoulder, StaysAtTheSeedWithTheWristPointOnItsAxis) {
+    // Model 0: a3 sin q2 + d4 sin(q2 + q3) = 0.
     const double q2 = 0.5, q23 = -std::asin(0.256 * std::sin(q2) / 0.21);
-    // and a2 + a3 cos t2 + a4 cos t23 + d4 sin t23 = 0 in model 3.
+    // Model 3: a2 + a3 cos t2 + a4 cos t23 + d4 sin t23 = 0.
     const double a2 = -0.086, a3 = 0.38, a4 = 0.069, d4 = 0.405, t2 = -1.9;
     const double t23 = std::asin(-(a2 + a3 * std::cos(t2)) / std::hypot(a4, d4)) - std::atan2(a4, d4);
     const struct {
@@ -362,7 +362,7 @@ TEST(SixJointShoulder, WithTheWristPointOnItsAxisStaysAtTheSeed) {
     }
 }
 
-TEST(SixJointShoulder, OfParallelAxesReachesTheCylinderOfTheForearm) {
+TEST(SixJointShoulder, ParallelAxesReachTheCylinderOfTheForearm) {
     // a2 + a3 cos t2 + a4 cos t23 + d5 sin t234 = 0
     const double a2 = -0.086, a3 = 0.26, a4 = 0.24, d5 = 0.11, t2 = -2.2, t3 = 1.9;
     const double t234 = std::asin(-(a2 + a3 * std::cos(t2) + a4 * std::cos(t2 + t3)) / d5);
@@ -376,8 +376,8 @@ TEST(SixJointShoulder, OfParallelAxesReachesTheCylinderOfTheForearm) {
     }
 }
 
-// The arc tangent's argument vanishes there, and the sign of the other one decides.
-TEST(SixJointElbow, OfParallelAxesKeepsItsSideAtRightAngles) {
+// There one argument of the arc tangent is zero, and the sign of the other decides.
+TEST(SixJointElbow, ParallelAxesKeepTheirSideAtRightAngles) {
     const float quarter = 1.5707964f;
     SixJoints arm(kOrb6);
     for (const float sum : {quarter, -quarter}) {
@@ -396,12 +396,12 @@ TEST(SixJointElbow, OfParallelAxesKeepsItsSideAtRightAngles) {
 TEST(SixJointElbow, StraightArmHasSlack) {
     const struct {
         const Case& solver;
-        float q2, tilt;  // the arm's direction is tilted by so much from the vertical
+        float q2, tilt;  // of the arm from the vertical
         double a, b;     // upper arm and forearm, metres
         double in, out;  // of the cosine of the elbow, beyond 1
     } rows[] = {
         {kZk6, 0.6f, -0.6f, 0.256, 0.21, 0.00017, 0.00023},
-        // Backwards, so that the other shoulder, which is in front of the axis, does not reach farther.
+        // Backwards, where the other shoulder does not reach farther.
         {kOrb6, -0.3f, -0.3f, 0.26, 0.24, 0.009, 0.011},
         {kOrb6, -0.8f, -0.8f, 0.26, 0.24, 0.009, 0.011},
     };
@@ -427,9 +427,9 @@ TEST(FindNearestJoint, MovesByWholeTurnsWithinLimitsAndMargin) {
         {-12, 1, 0, -20, 20, 1 - two_turns, 13 - two_turns},  // down two
         {12, 1, 0, -20, 20, 1 + two_turns, two_turns - 11},   // up two
         {6, 1, 0, -3, 3, 1, 5},                               // the nearest is beyond the limit
-        {turn / 2, 0, 0, -10, 10, 0, turn / 2},               // of equals the lower
+        {turn / 2, 0, 0, -10, 10, 0, turn / 2},               // the lower of two equals
         {0, 3.05, 0.1, -3, 3, 3.05, 3.05},                    // within the margin
-        {0, 3.05, 0, -3, 3, 3.05, 1e6},                       // nothing fits: it stays
+        {0, 3.05, 0, -3, 3, 3.05, 1e6},                       // nothing fits: unchanged
         {0, 1, 0, 1, 1, 1, 1},                                // limits are included
         {NAN, 1, 0, -3, 3, 1, 1e6},
     };

@@ -1,4 +1,4 @@
-// What the setters of the model make of the values they are given.
+// The setters and getters of the model.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -26,7 +26,7 @@ std::vector<float> counting(std::size_t n, float from = 1) {
 
 std::vector<float> row(const float (&values)[8]) { return {values, values + 8}; }
 
-TEST_F(Values, StoredWholeComeBackAsTheyAre) {
+TEST_F(Values, GettersReturnWhatSettersStored) {
     const struct {
         const char* name;
         void (*set)(const float*);
@@ -60,7 +60,7 @@ TEST_F(Values, StoredWholeComeBackAsTheyAre) {
     }
 }
 
-TEST_F(Values, OfAJointsRecordAreTheLimitsOfThatJoint) {
+TEST_F(Values, JointRecordHoldsTheLimitsOfTheJoint) {
     JointConfig config;
     for (int i = 0; i < 17; ++i) reinterpret_cast<float*>(&config)[i] = 30.0f + i;
     libalgo_set_joint_config(2, &config);
@@ -124,7 +124,7 @@ TEST_F(Values, DhSettersLeaveTheEighthColumn) {
     EXPECT_EQ(robot.dh.d[0], 0.2405f);
 }
 
-TEST_F(Values, DhParametersAreDefaultUntilOneOfTheArmsJointsDiffers) {
+TEST_F(Values, DhParametersAreDefaultUntilAJointOfTheArmDiffers) {
     const struct {
         float (DhParams::*row)[8];
         int joint;
@@ -142,7 +142,7 @@ TEST_F(Values, DhParametersAreDefaultUntilOneOfTheArmsJointsDiffers) {
     }
 }
 
-TEST_F(Values, FeedbackGetsTheOffsetsOfTheArmsJoints) {
+TEST_F(Values, FeedbackAddsTheOffsets) {
     RobotFeedback feedback;
     for (int i = 0; i < 8; ++i) feedback.joint[i] = i, feedback.cur[i] = 10 + i;
     for (uint32_t i = 0; i < 55; ++i) feedback.reserved[i] = i;
@@ -160,17 +160,17 @@ TEST_F(Values, FeedbackGetsTheOffsetsOfTheArmsJoints) {
     EXPECT_EQ(held.reserved[54], 54u);
 }
 
-TEST_F(Values, DragFactorsOfTheFirstGroupAloneAreKeptFromZero) {
+TEST_F(Values, DragFactorsNearZeroBecomeOne) {
     const float factors[14] = {0.0005f, -0.0005f, 0.001f, 0, 2, 0.5f, 0, 0.0005f};
     libalgo_set_drag_regulation_factor(factors);
     DynamicsParams held;
     libalgo_get_dynamics_params(&held);
-    // The seventh is of no joint of this arm.
+    // This arm has no seventh joint.
     EXPECT_EQ(row(held.drag_factor_a), (std::vector<float>{1, 1, 0.001f, 1, 2, 0.5f, 0, 0}));
     EXPECT_EQ(held.drag_factor_b[0], 0.0005f);
 }
 
-TEST_F(Values, IdentificationGoesToItsThreePlaces) {
+TEST_F(Values, IdentificationFillsThreeFields) {
     libalgo_set_dynamics_identification_params(counting(49).data());
     DynamicsParams held;
     libalgo_get_dynamics_params(&held);
@@ -180,7 +180,7 @@ TEST_F(Values, IdentificationGoesToItsThreePlaces) {
     EXPECT_EQ(row(held.identification_c), (std::vector<float>{43, 44, 45, 46, 47, 48, 49, 0}));
 }
 
-TEST_F(Values, LinkRecordsAreThoseOfTheArmsJoints) {
+TEST_F(Values, LinkRecordsCoverTheJointsOfTheArm) {
     LinkDynamics links[8] = {}, held[8] = {};
     for (int i = 0; i < 8; ++i) links[i].mass = 20.0f + i, held[i].mass = -1;
     libalgo_set_link_dynamics_params(links);
@@ -204,7 +204,7 @@ TEST_F(Values, DirectionsKeepTheirSign) {
     EXPECT_EQ(row(held), (std::vector<float>{-1, 1, -1, 1, -1, 1, 1, 9}));
 }
 
-TEST_F(Values, OutOfRangeAreRefused) {
+TEST_F(Values, OutOfRangeIsRefused) {
     EXPECT_EQ(libalgo_set_safety_level(8), 0);
     EXPECT_EQ(libalgo_set_safety_level(9), -1);
     EXPECT_EQ(libalgo_get_safety_level(), 8);

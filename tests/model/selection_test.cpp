@@ -1,4 +1,4 @@
-// Selecting an arm, and what each arm is by default.
+// Selection of an arm, and the defaults of each.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -13,7 +13,7 @@ namespace {
 
 float radians(int degrees) { return static_cast<float>(degrees) * 0.017453292f; }
 
-// Right and straight angles have their single-precision values in the DH record.
+// The DH record holds angles rounded once to single precision.
 float dh_angle(int degrees) { return static_cast<float>(degrees / 180.0 * M_PI); }
 
 TEST(Model, HasTheDhParametersAndLimitsOfItsArm) {
@@ -83,7 +83,7 @@ TEST(Model, HasItsSpeedsDirectionsAndMasses) {
 }
 
 TEST(Selection, AcceptsThePairsWithAnArm) {
-    // By sensor -1 to 4.
+    // One letter for each sensor from -1 to 4.
     const struct {
         int model;
         const char* taken;
@@ -100,7 +100,7 @@ TEST(Selection, AcceptsThePairsWithAnArm) {
     }
 }
 
-TEST(Selection, DiscardsEverythingThatWasSetBefore) {
+TEST(Selection, ResetsEverything) {
     libalgo_init();
     const RobotModel fresh = robot;
     std::memset(&robot, 0x3c, sizeof robot);
@@ -123,7 +123,7 @@ TEST(Selection, DiscardsEverythingThatWasSetBefore) {
     EXPECT_EQ(gravity[2], -9.81f);
 }
 
-TEST(Selection, OfNoArmClearsTheModelButKeepsTheDefaultsOfTheLast) {
+TEST(Selection, UnknownArmClearsTheModelButKeepsTheDefaults) {
     ASSERT_EQ(libalgo_set_robot_and_sensor_type(0, 2), 0);
     ASSERT_EQ(libalgo_set_robot_and_sensor_type(6, 1), -1);
     EXPECT_EQ(robot.dh.d[0], 0);
@@ -134,7 +134,7 @@ TEST(Selection, OfNoArmClearsTheModelButKeepsTheDefaultsOfTheLast) {
     EXPECT_EQ(libalgo_check_dh_params_is_default(), 1);  // there is no joint that could differ
 }
 
-TEST(Selection, HasTheLinkInertiaWhereItIsKnown) {
+TEST(Selection, StoresTheLinkInertia) {
     const struct {
         int model, sensor, link;
         float record[10];  // inertia, centre of mass, mass

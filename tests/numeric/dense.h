@@ -64,7 +64,7 @@ inline void expect_equal(const Mat& actual, const Mat& expected) { expect_near(a
 
 inline void expect_orthogonal(const Mat& a) { expect_near(product(a, mat_T(a)), mat_eye(a.rows, a.rows), 1e-4); }
 
-// To the rounding of a well-computed inverse in single precision, whatever the condition of a.
+// The bound is the rounding of single precision, for any condition of a.
 inline void expect_inverse(const Mat& actual, const Mat& a) {
     expect_near(product(a, actual), mat_eye(a.rows, a.rows), 1e-6 * norm(a) * norm(actual));
 }

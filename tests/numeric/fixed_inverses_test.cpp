@@ -27,7 +27,7 @@ Matrix affine() {
     return t;
 }
 
-TEST(FixedInverse, ExchangeFormIsTheInverseOfEverySize) {
+TEST(FixedInverse, InvertsEverySize) {
     for (int round = 0; round < 50; ++round) {
         for (int n = 1; n <= 4; ++n) {
             const Matrix a = random_matrix<Matrix>(n);
@@ -40,7 +40,7 @@ TEST(FixedInverse, ExchangeFormIsTheInverseOfEverySize) {
     }
 }
 
-TEST(FixedInverse, ReadsTheRowCountAlone) {
+TEST(FixedInverse, ReadsOnlyTheRowCount) {
     const Matrix a = random_matrix<Matrix>(4), whole = matrix_inv(a);
     for (const int16_t rows : {2, 0, 300}) {
         Matrix counted = a, sized = a;
@@ -67,7 +67,7 @@ TEST(FixedInverse, CofactorsInvertAnyFullRankMatrix) {
     }
 }
 
-TEST(FixedInverse, OfAnAffineTransformNeedsNoRotationAndNoLastRow) {
+TEST(FixedInverse, AffineFormNeedsNoRotationAndNoLastRow) {
     for (int i = 0; i < 50; ++i) {
         const Matrix t = affine();
         Matrix unread = t;
@@ -80,7 +80,7 @@ TEST(FixedInverse, OfAnAffineTransformNeedsNoRotationAndNoLastRow) {
     }
 }
 
-TEST(FixedInverse, SingularMatricesReturnValuesThatAreNotFinite) {
+TEST(FixedInverse, SingularMatrixReturnsInfinityOrNan) {
     Matrix flat = affine();
     for (int i = 0; i < 3; ++i) flat.m[i][2] = 0;
     for (const Matrix& inverse : {matrix_inv(zero_matrix(4, 4)), matrix_inv({2, 2, {{1, 2}, {2, 4}}}),

@@ -8,7 +8,7 @@
 namespace zk::test {
 namespace {
 
-// The product of two triangles, and the product of the diagonal. The first row has a zero in column 2.
+// The product of two triangular matrices. Column 2 of the first row is zero.
 Mat random_with_determinant(int n, double& determinant) {
     Mat lower = mat_eye(n, n), upper = mat_eye(n, n);
     determinant = 1;
@@ -20,7 +20,7 @@ Mat random_with_determinant(int n, double& determinant) {
     return product(lower, upper);
 }
 
-TEST(Determinant, BothRoutesTakeTheSignedProductOfTheDiagonal) {
+TEST(Determinant, AgreesWithTheTrianglesOfTheMatrix) {
     for (const int n : {2, 3, 7, 12, 20}) {
         double expected;
         Mat a = random_with_determinant(n, expected);
@@ -28,7 +28,7 @@ TEST(Determinant, BothRoutesTakeTheSignedProductOfTheDiagonal) {
         if (n < 12) {
             EXPECT_NEAR(directCalculateDetA(a) / expected, 1, 1e-4) << n;
         }
-        // A zero first pivot: the expansion visits every minor once, naively 20 by 20 would take years.
+        // A zero first pivot: 20 by 20 ends because the expansion computes each minor once.
         swap_col(&a, 1, 2);
         EXPECT_NEAR(mat_det(a) / expected, -1, 1e-3) << n;
     }
@@ -41,14 +41,14 @@ TEST(Determinant, EmptyAndSingleElement) {
     EXPECT_EQ(directCalculateDetA(dense(1, 1, {-3})), -3);
 }
 
-TEST(Determinant, OfWhatIsNotSquareSaysSo) {
+TEST(Determinant, NonSquareMatrixPrintsAMessage) {
     testing::internal::CaptureStderr();
     EXPECT_EQ(mat_det(mat_init(2, 3)), INFINITY);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "A is not a square matrix.");
     EXPECT_EQ(directCalculateDetA(mat_init(2, 3)), 0);
 }
 
-TEST(Determinant, ALaterZeroPivotExpandsTheHalfReducedRecord) {
+TEST(Determinant, LaterZeroPivotExpandsTheHalfReducedRecord) {
     // Its determinant is -1. One step of elimination leaves 1 2 3 / 2 0 1 / 1 1 3 with the column below the first pivot
     // untouched, and that expands to -5.
     EXPECT_EQ(mat_det(dense(3, 3, {1, 2, 3, 2, 4, 7, 1, 3, 6})), -5);
@@ -80,7 +80,7 @@ TEST(Lu, StatusIsThatOfTheLastPivot) {
     EXPECT_EQ(mat_lu(&L, &U, mat_init(0, 0), 1e-6f), 0);
 }
 
-TEST(DenseInverse, OfEverySizeMultipliesToTheIdentity) {
+TEST(DenseInverse, InvertsEverySize) {
     for (int n = 1; n <= 20; ++n) {
         const Mat a = random_dense(n, n);
         Mat inverse;
@@ -89,7 +89,7 @@ TEST(DenseInverse, OfEverySizeMultipliesToTheIdentity) {
     }
 }
 
-TEST(DenseInverse, RefusesWithoutTouchingTheOutput) {
+TEST(DenseInverse, FailureLeavesTheOutput) {
     const Mat before = dense(2, 2, {1, 2, 3, 4});
     Mat out = before;
     EXPECT_EQ(mat_inv(&out, mat_init(3, 3)), -1);
@@ -107,7 +107,7 @@ TEST(Rank, EliminatesWithPartialPivoting) {
     EXPECT_EQ(mat_rank(0, random_dense(4, 6), 1e-5f), 4);
     EXPECT_EQ(mat_rank(1, random_dense(6, 4), 1e-5f), 4);
     EXPECT_EQ(mat_rank(0, dense(2, 2, {0, 1, 1, 0}), 1e-6f), 2);
-    // The second column is twice the first: elimination stops there, though the third would give a pivot.
+    // The second column is twice the first: elimination stops there, before the third column's pivot.
     EXPECT_EQ(mat_rank(0, two, 1e-6f), 1);
     EXPECT_EQ(mat_rank(1, two, 1e-6f), 2);
     EXPECT_EQ(mat_rank(0, dense(2, 3, {0, 1, 2, 0, 3, 4}), 1e-6f), 0);

@@ -13,11 +13,11 @@ Mat rotation(double x, double y, double z) {
     return mat_T2R(matrix_to_mat(to_matrix(KDL::Frame(KDL::Rotation::RPY(x, y, z)))));
 }
 
-// With these singular values, far enough apart for the iteration.
+// The singular values of `regular`, far enough apart for the iteration.
 const Mat kSingularValues = dense(3, 3, {4, 0, 0, 0, 2.5f, 0, 0, 0, 1.25f});
 Mat regular() { return product(product(rotation(0.2, 0.3, -0.4), kSingularValues), rotation(-0.3, 0.1, 0.2)); }
 
-// The eigenvectors of the two products come with the same signs for a and for -a, so that one of them needs the repair.
+// The eigenvectors have the same signs for a and -a, so one of the two needs its signs corrected.
 TEST(Svd, FactorsMultiplyToASquareMatrix) {
     for (const Mat& a : {regular(), mat_kM(-1, regular())}) {
         Mat U, S, V;
@@ -29,7 +29,7 @@ TEST(Svd, FactorsMultiplyToASquareMatrix) {
     }
 }
 
-TEST(Svd, OfWhatMatDiagCannotHoldIsZero) {
+TEST(Svd, OneByOneHasSingularValueZero) {
     Mat U, S, V;
     mat_svd(&U, &S, &V, dense(1, 1, {3}));
     EXPECT_EQ(S.rows, 1);
@@ -37,7 +37,7 @@ TEST(Svd, OfWhatMatDiagCannotHoldIsZero) {
 }
 
 // A P A = A and P A P = P, and both products are symmetric.
-TEST(PseudoInverse, HoldsTheConditionsOfPenroseForEveryShape) {
+TEST(PseudoInverse, MeetsThePenroseConditions) {
     for (const auto& [rows, cols] : {std::pair(2, 5), std::pair(5, 2), std::pair(3, 3)}) {
         const Mat a = random_dense(rows, cols), p = mat_pinv(a), ap = product(a, p), pa = product(p, a);
         expect_near(product(ap, a), a, 1e-4);
@@ -47,12 +47,12 @@ TEST(PseudoInverse, HoldsTheConditionsOfPenroseForEveryShape) {
     }
 }
 
-TEST(PseudoInverse, ASingularProductIsNotReported) {
+TEST(PseudoInverse, SingularProductReturnsZeros) {
     expect_equal(mat_pinv(dense(2, 2, {1, 2, 2, 4})), mat_init(2, 2));
     EXPECT_EQ(mat_pinv(mat_init(2, 3)).rows, 3);
 }
 
-TEST(PseudoInverse, BySingularValues) {
+TEST(PseudoInverse, SvdFormDropsSmallSingularValues) {
     expect_near(product(mat_pinv_svd(regular()), regular()), mat_eye(3, 3), 1e-3);
     expect_near(mat_pinv_svd(dense(2, 2, {2, 0, 0, 1e-6f})), dense(2, 2, {0.5f, 0, 0, 0}), 1e-6);
 }

@@ -9,7 +9,7 @@
 namespace zk::test {
 namespace {
 
-// A symmetric matrix with the given eigenvalues and no axis of its own along a coordinate axis.
+// A symmetric matrix with these eigenvalues; no eigenvector is a coordinate axis.
 Mat symmetric(const std::vector<float>& values) {
     const int n = static_cast<int>(values.size());
     Mat Q, R;
@@ -49,14 +49,14 @@ TEST(Qr, EachColumnTakesTheSignOppositeToItsHead) {
 
     mat_qr(&Q, &R, dense(2, 2, {0, 1, 2, 1}));  // a zero head is reflected but not cleared
     EXPECT_EQ(R.m[0][0], 0);
-    EXPECT_EQ(R.m[1][0], 2);  // -2 after the first reflection, and the last one turns its row again
+    EXPECT_EQ(R.m[1][0], 2);  // -2 after the first reflection, negated by the last one
     EXPECT_EQ(std::abs(R.m[1][1]), 1);
 
     mat_qr(&Q, &R, dense(2, 2, {1, 1, 0, 0}));  // a zero last pivot
     EXPECT_TRUE(std::isnan(norm(R)) && std::isnan(norm(Q)));
 }
 
-TEST(Eigenvalues, ComeAsMagnitudesOfASymmetricMatrix) {
+TEST(Eigenvalues, AreReturnedAsMagnitudes) {
     Mat values;
     ASSERT_EQ(mat_eig(1000, &values, symmetric({9, -4, 2, 1}), 1e-6f), 1);
     EXPECT_EQ(values.cols, 1);
@@ -75,7 +75,7 @@ TEST(Eigenvalues, IterationEndsAtItsCountOrTolerance) {
     }
 }
 
-TEST(Eigenvalues, RefuseWithoutTouchingTheOutput) {
+TEST(Eigenvalues, FailureLeavesTheOutput) {
     const Mat before = dense(1, 2, {7, 7});
     Mat values = before, vectors = before;
     EXPECT_EQ(mat_eig(10, &values, mat_init(2, 3), 1e-6f), 0);
@@ -92,7 +92,7 @@ TEST(Eigenvectors, DiagonaliseAPositiveMatrix) {
     expect_orthogonal(vectors);
 }
 
-TEST(Eigenvectors, AMatrixThatIsNotSquareIsNotRefused) {
+TEST(Eigenvectors, NonSquareMatrixIsAccepted) {
     Mat values, vectors;
     testing::internal::CaptureStderr();
     EXPECT_EQ(mat_hermitian_eig(10, &values, &vectors, random_dense(3, 2), 1e-6f), 0);

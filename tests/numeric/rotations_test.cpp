@@ -51,7 +51,7 @@ TEST(Rotations, AgreeWithKdlInEveryForm) {
     }
 }
 
-TEST(Rotations, SingularPitchPutsTheWholeTurnIntoTheRoll) {
+TEST(Rotations, SingularPitchHasZeroYaw) {
     const Matrix up = with_m20(0.9999995f), down = with_m20(-0.9999995f);
     EXPECT_EQ(matrix_to_euler(up).rx, -std::atan2(0.2f, 0.5f));
     EXPECT_EQ(matrix_to_euler(up).rz, 0);
@@ -71,7 +71,7 @@ TEST(Rotations, AnglesBelowTheWrapGainATurn) {
     EXPECT_NEAR(matrix_to_euler(rotx(-3.12f)).rx, -3.12f, 1e-6);
     EXPECT_NEAR(matrix_to_euler(rotz(3.14f)).rz, 3.14f, 1e-6);
 
-    // A pair (y, x) whose arc tangent is the bound itself, -3.13 in single precision: it is not wrapped.
+    // The bound itself, -3.13 in single precision, is not wrapped.
     float y = std::sin(-3.13), x = std::cos(-3.13);
     while (std::atan2(y, x) < -3.13f) y = std::nextafter(y, -1.0f);
     while (std::atan2(y, x) > -3.13f) y = std::nextafter(y, 0.0f);
@@ -81,7 +81,7 @@ TEST(Rotations, AnglesBelowTheWrapGainATurn) {
     EXPECT_EQ(matrix_to_euler(r).rx, -3.13f);
 }
 
-TEST(Rotations, QuaternionIsThatOfTheLargestComponent) {
+TEST(Rotations, QuaternionStartsFromTheLargestComponent) {
     const struct {
         float m00, m11, m22;
         int largest;  // the component that is computed as 0.25 s: 0 for w to 3 for z
@@ -108,13 +108,13 @@ TEST(Rotations, QuaternionIsThatOfTheLargestComponent) {
     }
 }
 
-TEST(Rotations, QuaternionOfAnyLengthTurnsAlikeAndANullOneNotAtAll) {
+TEST(Rotations, QuaternionNeedNotBeNormalised) {
     expect_rotation(quat_to_matrix({2, 0, 0, 0}), KDL::Rotation::Identity());
     expect_rotation(quat_to_matrix({0, 0, 0, 0}), KDL::Rotation::Identity());
     expect_rotation(quat_to_matrix({1, 2, 3, 4}),
                     to_kdl(Quat{1 / 5.477226f, 2 / 5.477226f, 3 / 5.477226f, 4 / 5.477226f}));
 
-    // Half turns about x, but for a squared norm of a millionth or less.
+    // A squared norm of a millionth or less counts as zero: no turn.
     const float x = 0.000999f;
     float y = 0;
     while (x * x + y * y < 0.000001f) y += 1e-9f;
@@ -123,7 +123,7 @@ TEST(Rotations, QuaternionOfAnyLengthTurnsAlikeAndANullOneNotAtAll) {
     expect_rotation(quat_to_matrix({0, 0.00101f, 0, 0}), KDL::Rotation::RotX(kPi));
 }
 
-TEST(Poses, TransformTakesTheFieldThatItNames) {
+TEST(Poses, TransformsReadTheEulerAnglesOrTheQuaternion) {
     Pose p = Sampler().pose();
     p.quaternion = {0, 1, 0, 0};
     const KDL::Frame half_turn(KDL::Rotation::RotX(kPi), to_kdl(p.position));
@@ -135,7 +135,7 @@ TEST(Poses, TransformTakesTheFieldThatItNames) {
     EXPECT_TRUE(t.m[3][0] == 0 && t.m[3][1] == 0 && t.m[3][2] == 0);
 }
 
-TEST(Quaternions, InterpolationCoversTheGivenAngle) {
+TEST(Quaternions, InterpolationTurnsByPhi) {
     const float theta = 0.7f;  // half the turn that the quaternions stand for
     const Quat from{1, 0, 0, 0}, to{std::cos(theta), 0, std::sin(theta), 0};
     for (float phi : {0.0f, 0.2f, 0.5f, 0.7f}) {

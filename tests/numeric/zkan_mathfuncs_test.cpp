@@ -11,7 +11,7 @@
 namespace zk::test {
 namespace {
 
-// Distinct elements everywhere, so that a wrong index shows and so does an element taken from outside the block.
+// All elements differ, inside and outside the block, so that a wrong index shows.
 Matrix numbered(int16_t rows, int16_t cols, float first) {
     Matrix a{rows, cols, {}};
     for (auto& row : a.m) {
@@ -28,12 +28,12 @@ void expect_equal(const Matrix& actual, const Matrix& expected) {
     }
 }
 
-TEST(FixedMatrix, ProductTakesItsCountsFromBothAndSumsOverTheFirst) {
+TEST(FixedMatrix, ProductHasTheRowsOfTheFirstAndTheColumnsOfTheSecond) {
     const Matrix a = numbered(2, 3, 1);   // 1 2 3 / 5 6 7
     const Matrix b = numbered(3, 1, 10);  // 10 / 14 / 18
     expect_equal(matrix_m(a, b), {2, 1, {{92}, {260}}});
 
-    // A transform times a rotation sums four terms and reads the zero row below the rotation.
+    // A transform times a rotation also reads the zero row below the rotation.
     const Matrix transform{4, 4, {{1, 0, 0, 5}, {0, 1, 0, 6}, {0, 0, 1, 7}, {0, 0, 0, 1}}};
     const Matrix rotation{3, 3, {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}}};
     expect_equal(matrix_m(transform, rotation), {4, 3, {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}}});
@@ -47,7 +47,7 @@ TEST(FixedMatrix, ProductRoundsEachTermOnceAndTheSumOnce) {
     expect_equal(matrix_m({1, 2, {{x, -1 - std::ldexp(1.0f, -11)}}}, {2, 1, {{x}, {1}}}), {1, 1, {{0}}});
 }
 
-TEST(FixedMatrix, SumAndDifferenceAreChosenByTheFlagAndSizedByTheFirst) {
+TEST(FixedMatrix, FlagChoosesSumOrDifference) {
     const Matrix a = numbered(2, 2, 1), b{0, 7, {{10, 20}, {30, 40}}};
     const Matrix added{2, 2, {{11, 22}, {35, 46}}}, subtracted{2, 2, {{-9, -18}, {-25, -34}}};
     expect_equal(matrix_a(a, b, 1), added);
@@ -62,7 +62,7 @@ TEST(FixedMatrix, TransposeAndScaleLeaveZerosOutsideTheBlock) {
     expect_equal(matrix_T2R(numbered(4, 4, 1)), {3, 3, {{1, 2, 3}, {5, 6, 7}, {9, 10, 11}}});
 }
 
-TEST(FixedMatrix, IdentityKeepsTheCountThatItIsGiven) {
+TEST(FixedMatrix, IdentityKeepsItsCount) {
     expect_equal(unit_matrix(2), {2, 2, {{1}, {0, 1}}});
     expect_equal(unit_matrix(9), {9, 9, {{1}, {0, 1}, {0, 0, 1}, {0, 0, 0, 1}}});
     expect_equal(unit_matrix(-1), {-1, -1, {}});
@@ -113,7 +113,7 @@ TEST(Dim7, AgreesWithTheSmallerRecord) {
     expect_same(unit_matrix_dim7(-2), widened(unit_matrix(-2)));
 }
 
-TEST(Dim7, HoldsSevenByAnyCounts) {
+TEST(Dim7, CountsBeyondTheRecordAreCutOff) {
     const Mat a = random_dense(7, 7);
     Matrix7 full = mat_to_matrix_more(a);
     full.rows = full.cols = 100;
@@ -125,8 +125,8 @@ TEST(Dim7, HoldsSevenByAnyCounts) {
     EXPECT_EQ(unit_matrix_dim7(90).rows, 90);
 }
 
-// A spline's system with unequal intervals, and one with unequal sides.
-TEST(Dim7, ClosedFormInvertsATridiagonalWithUnitEndRows) {
+// The system of a spline with unequal intervals.
+TEST(Dim7, ClosedFormInvertsATridiagonalMatrix) {
     const auto interval = [] { return 1.25f + 0.375f * random_element(); };
     for (int round = 0; round < 20; ++round) {
         Matrix7 a = unit_matrix_dim7(7);
@@ -135,7 +135,7 @@ TEST(Dim7, ClosedFormInvertsATridiagonalWithUnitEndRows) {
             a.m[i][i + 1] = interval();
             a.m[i][i] = 2 * (a.m[i][i - 1] + a.m[i][i + 1]);
         }
-        Matrix7 unread = a;  // elements off the pattern and the counts play no part
+        Matrix7 unread = a;  // neither these elements nor the counts are read
         unread.m[0][6] = unread.m[4][1] = unread.m[6][0] = 99;
         unread.rows = unread.cols = 0;
         const Matrix7 inverse = simp_matrix_inv77(unread);
@@ -154,7 +154,7 @@ TEST(Scalars, SignHasThreeValues) {
     EXPECT_EQ(zk_sign(NAN), 0);
 }
 
-TEST(Scalars, ArcOfAPointIsThatOfAtan2ButAtTheOriginAndAtMinusZero) {
+TEST(Scalars, MyAtan2fDiffersFromAtan2AtTheOriginAndAtMinusZero) {
     for (float angle = -3.1f; angle < 3.1f; angle += 0.2f) {
         EXPECT_NEAR(my_atan2f(2 * std::sin(angle), 2 * std::cos(angle)), angle, 1e-3);
     }

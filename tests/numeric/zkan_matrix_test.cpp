@@ -65,7 +65,7 @@ TEST(DenseMatrix, NumbersOutsideTheRecordChangeNothing) {
     EXPECT_EQ(mat_is_equal(a, k2x3), 1);
 }
 
-TEST(DenseMatrix, CountsBeyondTheRecordEndWithIt) {
+TEST(DenseMatrix, CountsBeyondTheRecordAreCutOff) {
     Mat a = random_dense(20, 20), twice = mat_kM(2, a);
     a.rows = a.cols = twice.rows = twice.cols = 1000;
     EXPECT_EQ(mat_is_equal(mat_add(a, a), twice), 1);

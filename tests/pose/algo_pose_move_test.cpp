@@ -15,7 +15,7 @@ constexpr int kWork = 0, kTool = 1, kOther = 2;
 constexpr float kPi = 3.1415927f;
 constexpr double kTolerance = 1e-5;
 
-// The quaternion is wrong on purpose: no step may read it.
+// The quaternion is wrong on purpose: no step reads it.
 const Pose kPose{{0.3f, -0.5f, 0.7f}, {0, 1, 0, 0}, {0.4f, -0.9f, 2.5f}};
 const Pose kFrame{{9, 9, 9}, {0, 0, 1, 0}, {-0.2f, 0.6f, -1.1f}};
 
@@ -39,7 +39,7 @@ TEST(Rodrigues, TurnsAboutTheAxesOfTheFrameOrTheEndsOwn) {
     const KDL::Vector of_frame[] = {F.UnitX(), F.UnitY(), F.UnitZ()}, own[] = {eye.UnitX(), eye.UnitY(), eye.UnitZ()};
     for (int i = 0; i < 3; ++i) {
         for (float theta : {-2.8f, -0.3f, 0.0f, 1.0f, 3.0f}) {
-            for (int sign : {1, -1}) {  // the sign of the element plays no part
+            for (int sign : {1, -1}) {  // the sign of the element does not count
                 int axis[3] = {};
                 axis[i] = sign;
                 expect_near(to_kdl(Rodrigues_rotate_simplify(axis, kPose.euler, theta, kFrame)),
@@ -51,18 +51,18 @@ TEST(Rodrigues, TurnsAboutTheAxesOfTheFrameOrTheEndsOwn) {
     }
 }
 
-TEST(Rodrigues, TheLastAxisSetWinsAndOthersDoNotCount) {
+TEST(Rodrigues, UsesTheLastAxisThatIsSet) {
     const int all[] = {1, -1, 1}, last[] = {0, 0, 1}, none[] = {2, 0, -5};
     for (const auto rotate : {Rodrigues_rotate_simplify, Rodrigues_rotate_simplify_tool}) {
         expect_equal(rotate(all, kPose.euler, 0.4f, kFrame), rotate(last, kPose.euler, 0.4f, kFrame));
-        // cos(theta) times the orientation: the angles stay while the cosine is positive, and are mirrored below.
+        // The orientation is scaled by cos(theta): a positive factor keeps the angles, a negative one mirrors them.
         expect_near(to_kdl(rotate(none, kPose.euler, 0.4f, kFrame)), to_kdl(kPose.euler), kTolerance);
         Matrix negative = matrix_m_num(euler_to_matrix(kPose.euler), std::cos(2.0f));
         expect_near(to_kdl(rotate(none, kPose.euler, 2, kFrame)), to_kdl(matrix_to_euler(negative)), kTolerance);
     }
 }
 
-TEST(Rodrigues, TurnsRightlyIntoTheSingularPitch) {
+TEST(Rodrigues, TurnsIntoTheSingularPitch) {
     const int y[] = {0, 1, 0};
     for (float quarter : {kPi / 2, -kPi / 2}) {
         const Euler in_base = Rodrigues_rotate_simplify(y, {0.3f, 0, 0}, quarter, {});
@@ -83,23 +83,23 @@ TEST_F(PoseStep, TurnsAboutOneAxisAfterTheOther) {
                         z = KDL::Rotation::RotZ(20 * M_PI / 180);
     expect_pose_near(algo_pose_move(delta, kWork, kPose), {F * z * y * x * F.Inverse() * at.M, at.p + step},
                      kTolerance);
-    // Along the tool's axes from before the turn.
+    // The step goes along the tool's axes before the turn.
     expect_pose_near(algo_pose_move(delta, kTool, kPose), {at.M * x * y * z, at * step}, kTolerance);
 }
 
-TEST_F(PoseStep, TranslationInTheWorkFrameLeavesTheRestZeroAndThatInNoFrameAllOfIt) {
+TEST_F(PoseStep, TranslationLeavesTheOtherFieldsZero) {
     const float delta[] = {1, 2, 3, 40, 50, 60};
     const Pose expected{{1.3f, 1.5f, 3.7f}, {}, {}}, in_work = dPosMoveWork(delta, kPose);
     EXPECT_EQ(std::memcmp(&in_work, &expected, sizeof in_work), 0);
     const Pose zero{}, nowhere = dPosMove(delta, kOther, kPose);
     EXPECT_EQ(std::memcmp(&nowhere, &zero, sizeof nowhere), 0);
-    // The whole step keeps the orientation there.
+    // In no frame the whole step keeps the orientation.
     const Pose moved = algo_pose_move(delta, kOther, kPose);
     expect_equal(moved.euler, kPose.euler);
     expect_pose_near(moved, {to_kdl(kPose.euler), KDL::Vector::Zero()}, kTolerance);
 }
 
-TEST_F(PoseStep, OfNothingKeepsAnglesOutsideTheUsualRange) {
+TEST_F(PoseStep, ZeroStepKeepsTheAngles) {
     const float none[6] = {};
     const Pose turned{{1, 2, 3}, {0, 1, 0, 0}, {7, -3.5f, 2}};
     for (int frame : {kWork, kTool}) {
@@ -109,7 +109,7 @@ TEST_F(PoseStep, OfNothingKeepsAnglesOutsideTheUsualRange) {
     }
 }
 
-TEST_F(PoseStep, NanTurnsAndIsNotPassedOver) {
+TEST_F(PoseStep, NanIsNotTakenForZero) {
     const float delta[] = {0, 0, 0, NAN, 0, 0};
     EXPECT_TRUE(std::isnan(rotateMove(delta, kTool, kPose).euler.ry));
 }

@@ -49,7 +49,7 @@ TEST_F(ArmPose, StepAttitudeTurnsInPlaceAboutTheWorkFrameOrTheEnd) {
     expect_pose_near(step_attitude(radians_, 1, 2, 0.3f), at, kTolerance);  // no axis: no turn
 }
 
-TEST_F(ArmPose, RotateMoveTakesDegreesAndAFrameOfTheCallers) {
+TEST_F(ArmPose, RotateMoveTurnsAboutTheCallersFrame) {
     const KDL::Frame at = to_kdl(forward_kinematics(radians_));
     const Pose frame{{9, 9, 9}, {}, {0.4f, -0.2f, 1.2f}};
     const KDL::Rotation F = to_kdl(frame.euler);
@@ -62,7 +62,7 @@ TEST_F(ArmPose, RotateMoveTakesDegreesAndAFrameOfTheCallers) {
     expect_pose_near(algo_rotate_move(kDegrees, 1, 0, frame), at, kTolerance);
 }
 
-TEST_F(ArmPose, CartesianToolMovesAlongTheToolsAxesInTheWorkFrameWithoutTheMounting) {
+TEST_F(ArmPose, CartesianToolIgnoresTheMounting) {
     const float mounting[] = {0, 0.8f, 0.3f};
     libalgo_set_robot_install_angle(mounting);
     const KDL::Frame base_T_tool = to_kdl(forward_kinematics_e(radians_)) * flange_T_tool_;
@@ -70,7 +70,7 @@ TEST_F(ArmPose, CartesianToolMovesAlongTheToolsAxesInTheWorkFrameWithoutTheMount
                      base_T_work_.Inverse() * base_T_tool * KDL::Frame(KDL::Vector(0.05, -0.1, 0.2)), kTolerance);
 }
 
-// With no arm selected no joint angle is read: the pointer may be as short as the arm.
+// Without an arm no joint angle is read, so the pointer may be null.
 TEST(ArmPoseWithoutAnArm, ReadsNoJoint) {
     libalgo_set_robot_and_sensor_type(2, 0);
     ASSERT_LE(libalgo_get_rbt_dof(), 0);
