@@ -100,6 +100,7 @@ TEST_F(Inverse, WideSearchWritesTheJointsOnlyOnSuccess) {
     Algo_Set_Redundant_Parameter_Traversal_Mode(true);
     EXPECT_EQ(solve(pose_), kSolved);
     EXPECT_NEAR(Algo_Forward_Kinematics(solved_).position.x, pose_.position.x, 1e-5);
+    EXPECT_EQ(solve(far_), kNoSolution);
 
     float limits[7] = {178, 130, 178, 5, 178, 128, 360};  // the elbow cannot bend as far as the target asks
     Algo_Set_Joint_Max_Limit(limits);

@@ -23,11 +23,7 @@ Mat to_mat(const KDL::Frame& f) { return matrix_to_mat(to_matrix(f)); }
 
 class SevenJoints : public testing::Test {
  protected:
-    explicit SevenJoints(int model) : arm(arm_of(model, 0)) {
-        libalgo_set_robot_and_sensor_type(model, 0);
-        ikine_set_solution_range_zk75(kNarrow);
-    }
-    ~SevenJoints() override { ikine_set_solution_range_zk75(kNarrow); }
+    explicit SevenJoints(int model) : arm(arm_of(model, 0)) { libalgo_set_robot_and_sensor_type(model, 0); }
 
     int solve(const Joints& seed, const KDL::Frame& target) {
         Joints from = seed;
@@ -40,10 +36,6 @@ class SevenJoints : public testing::Test {
         EXPECT_LT(arm.metres_off(out, target), 2e-5 * times);
         EXPECT_LT(arm.radians_off(out, target), 2e-4 * times);
         EXPECT_TRUE(arm.within_limits(out));
-    }
-    static void set_limits(int joint, float min, float max) {
-        robot.joint_config[joint].pos_min = min;
-        robot.joint_config[joint].pos_max = max;
     }
 
     const KdlArm arm;
@@ -100,8 +92,6 @@ struct Zk75 : SevenJoints {
     Zk75() : SevenJoints(1) {}
 };
 
-double turned_into_range(double angle) { return std::remainder(angle, 2 * M_PI); }
-
 // The least sum of squares from the seed over the arm angles of the sweep and all bends, with limits wider by a margin.
 // Geometry and Euler angles are KDL's: the elbow is turned about the line from shoulder to wrist.
 double nearest_by_search(const KdlArm& arm, const Joints& seed, const KDL::Frame& target, double margin) {
@@ -131,7 +121,9 @@ double nearest_by_search(const KdlArm& arm, const Joints& seed, const KDL::Frame
             wrist.GetEulerZYZ(a5, a6, a7);
             for (const bool s : {false, true}) {
                 for (const bool t : {false, true}) {
-                    const auto other = [](bool flip, double a) { return flip ? turned_into_range(a + M_PI) : a; };
+                    const auto other = [](bool flip, double a) {
+                        return flip ? std::remainder(a + M_PI, 2 * M_PI) : a;
+                    };
                     offer({other(s, a1), s ? -a2 : a2, other(s, a3), q4, other(t, a5), t ? -a6 : a6, other(t, a7)});
                 }
             }
@@ -170,7 +162,7 @@ TEST_F(Zk75, WideReturnsTheNearestSolution) {
 
 TEST_F(Zk75, WideWithoutACandidateChecksTheCallersArray) {
     ikine_set_solution_range_zk75(kWide);
-    set_limits(3, -0.1f, 0.1f);  // the elbow cannot bend that far
+    arm.set_limits(3, -0.1f, 0.1f);  // the elbow cannot bend that far
     Joints held = out = {0.1f, 0.2f, 3.3f, 0.05f, 0.5f, 0.6f, 0.7f};
     EXPECT_EQ(solve(bent, bent), 0);
     held[2] -= 6.2831855f;
@@ -238,11 +230,11 @@ TEST_F(Zk75, JointBelowItsLimitIsMovedByATurn) {
     Joints q = bent, seed = bent;
     q[6] = 3.2f;
     seed[6] = 2.9f;  // 5.98 from the principal angle of 3.2, so it is not moved to the seed's side
-    set_limits(6, 0, 6);
+    arm.set_limits(6, 0, 6);
     ASSERT_EQ(solve(seed, q), 0);
     EXPECT_GT(out[6], 3.1416f);
     expect_reached(arm.forward(q));
-    set_limits(6, 0, 3.1f);
+    arm.set_limits(6, 0, 3.1f);
     EXPECT_EQ(solve(seed, q), -2);
 }
 
@@ -295,7 +287,7 @@ TEST_F(Tau7, StatusSeparatesLimitsFromReach) {
     const Joints untouched = out = {1, 2, 3, 4, 5, 6, 7};
     Joints away = bent;
     for (float& joint : away) joint += 0.2f;
-    for (int i = 0; i < 7; ++i) set_limits(i, bent[i] - 0.05f, bent[i] + 0.05f);
+    for (int i = 0; i < 7; ++i) arm.set_limits(i, bent[i] - 0.05f, bent[i] + 0.05f);
     EXPECT_EQ(solve(bent, away), -2);
     KDL::Frame far = arm.forward(away), undefined = far;
     far.p = far.p * 3;

@@ -78,11 +78,6 @@ class SixJoints : public KdlArm {
         return !solver.meets_at_singularity && (std::fabs(std::sin(solved[4])) < kTwoDegrees + 1e-5 || solved[2] == 0);
     }
 
-    static void set_limits(int joint, float min, float max) {
-        robot.joint_config[joint].pos_min = min;
-        robot.joint_config[joint].pos_max = max;
-    }
-
     const Case solver;
     std::mt19937 generator{1};
     Joints solved{kUntouched, kUntouched, kUntouched, kUntouched, kUntouched, kUntouched};

@@ -34,14 +34,11 @@ TEST(Determinant, AgreesWithTheTrianglesOfTheMatrix) {
     }
 }
 
-TEST(Determinant, EmptyAndSingleElement) {
+TEST(Determinant, OfAnEmptyASingleAndANonSquareMatrix) {
     EXPECT_EQ(mat_det(mat_init(0, 0)), 1);
     EXPECT_EQ(directCalculateDetA(mat_init(0, 0)), 0);
     EXPECT_EQ(mat_det(dense(1, 1, {-3})), -3);
     EXPECT_EQ(directCalculateDetA(dense(1, 1, {-3})), -3);
-}
-
-TEST(Determinant, NonSquareMatrixPrintsAMessage) {
     testing::internal::CaptureStderr();
     EXPECT_EQ(mat_det(mat_init(2, 3)), INFINITY);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "A is not a square matrix.");

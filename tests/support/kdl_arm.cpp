@@ -9,6 +9,8 @@
 #include <ostream>
 #include <stdexcept>
 
+#include "zk/model.h"
+
 namespace zk::test {
 namespace {
 
@@ -219,6 +221,11 @@ bool KdlArm::within_limits(const Joints& q) const {
         if (!(q[i] >= lower(i) && q[i] <= upper(i))) return false;
     }
     return true;
+}
+
+void KdlArm::set_limits(int joint, float min, float max) {
+    robot.joint_config[joint].pos_min = min;
+    robot.joint_config[joint].pos_max = max;
 }
 
 Joints KdlArm::seed_near(const Joints& q, double distance, std::mt19937& generator) const {

@@ -75,6 +75,7 @@ class KdlArm {
     float lower(int joint) const { return static_cast<float>(arm.min[joint]) * 0.017453292f; }
     float upper(int joint) const { return static_cast<float>(arm.max[joint]) * 0.017453292f; }
     bool within_limits(const Joints& q) const;
+    static void set_limits(int joint, float min, float max);  // of the library's model
     Joints seed_near(const Joints& q, double distance, std::mt19937& generator) const;
 
     const Arm arm;
