@@ -100,14 +100,15 @@ TEST_F(Inverse, WideSearchWritesTheJointsOnlyOnSuccess) {
     Algo_Set_Redundant_Parameter_Traversal_Mode(true);
     EXPECT_EQ(solve(pose_), kSolved);
     EXPECT_NEAR(Algo_Forward_Kinematics(solved_).position.x, pose_.position.x, 1e-5);
-    EXPECT_EQ(solve(far_), kNoSolution);
 
     float limits[7] = {178, 130, 178, 5, 178, 128, 360};  // the elbow cannot bend as far as the target asks
     Algo_Set_Joint_Max_Limit(limits);
     for (float& limit : limits) limit = -limit;
     Algo_Set_Joint_Min_Limit(limits);
-    const float seed[7] = {};
+    const float seed[7] = {}, nearly_straight[7] = {10, 20, 30, 4, 40, 50, 60};
+    const Pose within_limits = Algo_Forward_Kinematics(nearly_straight);
     for (const float before : {0.0f, 1.0f}) {
+        EXPECT_EQ(Algo_Inverse_Kinematics(nearly_straight, &within_limits, solved_, 1), kSolved);
         std::fill_n(solved_, 7, before);
         EXPECT_EQ(Algo_Inverse_Kinematics(seed, &pose_, solved_, 1), kNoSolution);
         EXPECT_EQ(std::count(solved_, solved_ + 7, before), 7);
