@@ -184,6 +184,14 @@ struct Mailbox {
     size_t size;
 };
 
+// With the address sanitizer a symbol includes the guard after its data.
+extern "C" [[gnu::weak]] void* __asan_region_is_poisoned(void* start, size_t size);
+
+size_t size_without_guard(void* start, size_t size) {
+    void* const guard = __asan_region_is_poisoned ? __asan_region_is_poisoned(start, size) : nullptr;
+    return guard ? static_cast<char*>(guard) - static_cast<char*>(start) : size;
+}
+
 // Every mailbox that the headers declare.
 std::vector<Mailbox> all_mailboxes() {
     std::vector<Mailbox> all;
@@ -199,7 +207,8 @@ std::vector<Mailbox> all_mailboxes() {
             Dl_info info;
             ElfW(Sym)* symbol = nullptr;
             dladdr1(records, &info, reinterpret_cast<void**>(&symbol), RTLD_DL_SYMENT);
-            all.push_back({(*found)[1], static_cast<char*>(records), symbol->st_size / ZK_SLOTS});
+            all.push_back(
+                {(*found)[1], static_cast<char*>(records), size_without_guard(records, symbol->st_size) / ZK_SLOTS});
         }
     }
     return all;
