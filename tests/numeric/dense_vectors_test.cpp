@@ -52,9 +52,7 @@ TEST(DenseVectors, CrossProductsAndSkewMatricesAgree) {
     const float x[] = {1, 2, 3};
     float y[] = {-4, 6, 5};
     array_cross(x, y, y);
-    EXPECT_EQ(y[0], -8);
-    EXPECT_EQ(y[1], -17);
-    EXPECT_EQ(y[2], 14);
+    expect_equal(vec({y[0], y[1], y[2]}), expected);
 }
 
 TEST(Transform, SplitsIntoRotationAndPosition) {

@@ -49,11 +49,8 @@ TEST(FixedMatrix, ProductRoundsEachTermOnceAndTheSumOnce) {
 
 TEST(FixedMatrix, FlagChoosesSumOrDifference) {
     const Matrix a = numbered(2, 2, 1), b{0, 7, {{10, 20}, {30, 40}}};
-    const Matrix added{2, 2, {{11, 22}, {35, 46}}}, subtracted{2, 2, {{-9, -18}, {-25, -34}}};
-    expect_equal(matrix_a(a, b, 1), added);
-    expect_equal(matrix_a(a, b, 9), added);
-    expect_equal(matrix_a(a, b, 0), subtracted);
-    expect_equal(matrix_a(a, b, -1), subtracted);
+    for (int flag : {1, 9}) expect_equal(matrix_a(a, b, flag), {2, 2, {{11, 22}, {35, 46}}});
+    for (int flag : {0, -1}) expect_equal(matrix_a(a, b, flag), {2, 2, {{-9, -18}, {-25, -34}}});
 }
 
 TEST(FixedMatrix, TransposeAndScaleLeaveZerosOutsideTheBlock) {
