@@ -42,7 +42,7 @@ TEST(InverseKinematics, LastJointJustPastItsFullTurnCountsAsTheFullTurn) {
     ASSERT_EQ(libalgo_set_robot_and_sensor_type(1, 0), 0);
     const Joints q = {0.4f, -0.6f, 1.1f, 0.3f, 0.8f, 0.5f, 6.25f};
     const Pose pose = forward_kinematics(q.data());
-    Joints solved[3];
+    Joints solved[3] = {};
     for (int i = 0; i < 3; ++i) {
         Joints seed = q;
         seed[6] = std::array{6.2831850f, 6.30f, 6.26f}[i];
