@@ -46,6 +46,7 @@
 
 /* The local model and its mathematics, without a wire */
 #include "zk/algorithm.h"
+#include "zk/arm_model.h"
 #include "zk/checked_inverse.h"
 #include "zk/dense_matrix.h"
 #include "zk/inverse_kinematics.h"

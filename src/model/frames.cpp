@@ -1,4 +1,5 @@
 // Tool, work frame and mounting of the arm.
+#include "model/robot_model.h"
 #include "model/stored_field.h"
 #include "zk/model.h"
 #include "zk/numeric.h"
@@ -25,28 +26,38 @@ Matrix inverse_of_rigid(const Matrix& t) {
 
 }  // namespace
 
+namespace zk {
+
+void set_tool(RobotModel& model, const float* params) {
+    store(model.tool_cs, params);
+    model.tool_cs_matrix = transform_of(params);
+}
+
+void set_work_frame(RobotModel& model, const float* params) {
+    store(model.work_cs, params);
+    model.work_cs_to_base_matrix = inverse_of_rigid(transform_of(params));
+}
+
+void set_mounting(RobotModel& model, const float* angles) {
+    store(model.install_angle, angles);
+    model.install_angle_matrix = transform_of({0, 0, 0}, {angles[0], angles[1], angles[2]});
+    // Gravity is (0, 0, -9.81) in the world, and so -9.81 times the third row of world_R_base in the base frame.
+    for (int i = 0; i < 3; ++i) model.gravity_acc[i] = -9.81f * model.install_angle_matrix.m[2][i];
+}
+
+}  // namespace zk
+
 using namespace zk;
 
-ZK_API void libalgo_set_tool_cs_params(const float* params) {
-    store(robot.tool_cs, params);
-    robot.tool_cs_matrix = transform_of(params);
-}
+ZK_API void libalgo_set_tool_cs_params(const float* params) { set_tool(robot, params); }
 ZK_API void libalgo_get_tool_cs_params(float* params) { load(robot.tool_cs, params); }
 ZK_API void libalgo_get_tool_cs_matrix(Matrix* flange_T_tool) { *flange_T_tool = robot.tool_cs_matrix; }
 
-ZK_API void libalgo_set_work_cs_params(const float* params) {
-    store(robot.work_cs, params);
-    robot.work_cs_to_base_matrix = inverse_of_rigid(transform_of(params));
-}
+ZK_API void libalgo_set_work_cs_params(const float* params) { set_work_frame(robot, params); }
 ZK_API void libalgo_get_work_cs_params(float* params) { load(robot.work_cs, params); }
 ZK_API void libalgo_get_work_cs_to_base_matrix(Matrix* work_T_world) { *work_T_world = robot.work_cs_to_base_matrix; }
 
-ZK_API void libalgo_set_robot_install_angle(const float* angles) {
-    store(robot.install_angle, angles);
-    robot.install_angle_matrix = transform_of({0, 0, 0}, {angles[0], angles[1], angles[2]});
-    // Gravity is (0, 0, -9.81) in the world, and so -9.81 times the third row of world_R_base in the base frame.
-    for (int i = 0; i < 3; ++i) robot.gravity_acc[i] = -9.81f * robot.install_angle_matrix.m[2][i];
-}
+ZK_API void libalgo_set_robot_install_angle(const float* angles) { set_mounting(robot, angles); }
 ZK_API void libalgo_get_robot_install_angle(float* angles) { load(robot.install_angle, angles); }
 ZK_API void libalgo_get_robot_install_angle_matrix(Matrix* world_T_base) { *world_T_base = robot.install_angle_matrix; }
 

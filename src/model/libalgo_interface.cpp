@@ -1,7 +1,9 @@
 // The model record: selection of an arm, feedback, and single values.
+#include <algorithm>
 #include <cstring>
 
 #include "model/model_tables.h"
+#include "model/robot_model.h"
 #include "model/stored_field.h"
 #include "zk/model.h"
 #include "zk/numeric.h"
@@ -14,14 +16,21 @@ using namespace zk;
 
 // -------------------------------------------------------------------------------------------------------- Selection --
 
+bool zk::select_arm(RobotModel& model, int number, int sensor) {
+    std::memset(&model, 0, sizeof model);
+    model.control_loop_period = 0.002f;
+    model.gravity_acc[2] = -9.81f;
+    model.tool_cs_matrix = model.work_cs_to_base_matrix = model.install_angle_matrix = unit_matrix(4);
+    model.robot_type = number;
+    model.sensor_type = sensor;
+    return configure(model, number, sensor);
+}
+
 ZK_API int libalgo_set_robot_and_sensor_type(int model, int sensor) {
-    std::memset(&robot, 0, sizeof robot);
-    robot.control_loop_period = 0.002f;
-    robot.gravity_acc[2] = -9.81f;
-    robot.tool_cs_matrix = robot.work_cs_to_base_matrix = robot.install_angle_matrix = unit_matrix(4);
-    robot.robot_type = model;
-    robot.sensor_type = sensor;
-    return set_robot_default_config(model, sensor) ? 0 : -1;
+    if (!select_arm(robot, model, sensor)) return -1;
+    dh_default = robot.dh;
+    std::copy_n(robot.dynamics_params.link, 8, dyn_param_default.link);
+    return 0;
 }
 
 ZK_API int libalgo_init(void) { return libalgo_set_robot_and_sensor_type(0, 0); }

@@ -211,7 +211,7 @@ LinkDynamics default_link(int model, int sensor, int joint) {
 
 }  // namespace
 
-bool set_robot_default_config(int model, int sensor) {
+bool configure(RobotModel& robot, int model, int sensor) {
     if (!exists(model, sensor)) return false;
     robot.dof = kArm[model].joints;
     robot.dh = default_dh(model, sensor);
@@ -221,8 +221,6 @@ bool set_robot_default_config(int model, int sensor) {
         robot.dynamics_params.link[joint] = default_link(model, sensor, joint);
     }
     std::copy(std::begin(kTcpConfig), std::end(kTcpConfig), robot.tcp_config);
-    dh_default = robot.dh;
-    std::copy_n(robot.dynamics_params.link, 8, dyn_param_default.link);
     return true;
 }
 

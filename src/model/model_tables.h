@@ -1,11 +1,12 @@
 // What makes each arm that arm.
 #pragma once
 
+#include "zk/model.h"
+
 namespace zk {
 
-// Fills DH parameters, limits, directions and link inertia of the model into `robot`, and keeps the DH parameters and
-// the links as the defaults. Returns false for a pair of model and sensor that there is no arm of; `robot` then has no
-// joints.
-bool set_robot_default_config(int model, int sensor);
+// Fills DH parameters, limits, directions and link inertia of the arm into the record. False for a pair of model and
+// sensor that there is no arm of; the record stays.
+bool configure(RobotModel& robot, int model, int sensor);
 
 }  // namespace zk

@@ -1,0 +1,73 @@
+// Many poses at once, over some threads.
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <exception>
+#include <thread>
+
+#include "zk/arm_model.h"
+#include "zk/status.h"
+
+namespace zk::arm {
+namespace {
+
+constexpr int kMostThreads = 64;
+
+// Calls part(begin, end) for shares of 0 ... count on as many threads, this one among them. This one also does what the
+// system has no thread for.
+template <class Part>
+void share_out(int count, int threads, Part part) {
+    const auto begin_of = [&](int share) { return static_cast<int>(std::int64_t{count} * share / threads); };
+    std::array<std::thread, kMostThreads> others;
+    int started = 1;
+    try {
+        for (; started < threads; ++started) {
+            others[started] = std::thread(part, begin_of(started), begin_of(started + 1));
+        }
+    } catch (const std::exception&) {
+        part(begin_of(started), count);
+    }
+    part(0, begin_of(1));
+    for (int i = 1; i < started; ++i) others[i].join();
+}
+
+// Calls row(i), which returns a status, for each row. Returns the status of the first row that is not ZK_OK.
+template <class Row>
+int for_rows(int count, int threads, Row row) {
+    constexpr std::int64_t kNone = INT64_MAX, kStatuses = 256;
+    std::atomic<std::int64_t> first = kNone;
+    share_out(count, threads, [&](int begin, int end) {
+        for (int i = begin; i < end; ++i) {
+            const int status = row(i);
+            if (status == ZK_OK) continue;
+            std::int64_t known = first, here = i * kStatuses + status;
+            while (here < known && !first.compare_exchange_weak(known, here)) {
+            }
+        }
+    });
+    return first == kNone ? ZK_OK : static_cast<int>(first % kStatuses);
+}
+
+bool is_count(int count, int threads) { return count >= 0 && threads >= 1 && threads <= kMostThreads; }
+
+}  // namespace
+}  // namespace zk::arm
+
+using namespace zk::arm;
+
+ZK_API int ZK_Model_Forward_Batch(const ZK_Model* model, const float* joint, int count, Pose* pose, int threads) {
+    if (!model || !is_count(count, threads) || (count > 0 && (!joint || !pose))) return ZK_BAD_ARGUMENT;
+    const std::int64_t joints = ZK_Model_Joint_Count(model);
+    return for_rows(count, threads, [=](int i) { return ZK_Model_Forward(model, joint + i * joints, pose + i); });
+}
+
+ZK_API int ZK_Model_Inverse_Batch(const ZK_Model* model, const Pose* target, const float* seed, int count,
+                                  const ZK_InverseOptions* options, float* joint, int* status, int threads) {
+    if (!model || !is_count(count, threads) || (count > 0 && (!target || !seed || !joint))) return ZK_BAD_ARGUMENT;
+    const std::int64_t joints = ZK_Model_Joint_Count(model);
+    return for_rows(count, threads, [=](int i) {
+        const int result = ZK_Model_Inverse(model, target + i, seed + i * joints, options, joint + i * joints, nullptr);
+        if (status) status[i] = result;
+        return result;
+    });
+}

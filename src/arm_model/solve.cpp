@@ -1,0 +1,200 @@
+#include "arm_model/solve.h"
+
+#include <algorithm>
+
+#include "arm_model/chain.h"
+#include "arm_model/circle.h"
+#include "kinematics/rotation_difference.h"
+
+namespace zk::arm {
+namespace {
+
+// The n-th of points that spread evenly over the limits. Method: Roberts, The Unreasonable Effectiveness of
+// Quasirandom Sequences (2018), for seven dimensions.
+Joints spread(const Limits& limits, int n) {
+    constexpr double kRoot = 1.0970017794609055;  // of x^8 = x + 1
+    Joints q;
+    double stride = 1;
+    for (int i = 0; i < 7; ++i) {
+        stride /= kRoot;
+        const double point = 0.5 + n * stride;
+        q[i] = limits.lo[i] + (point - std::floor(point)) * (limits.hi[i] - limits.lo[i]);
+    }
+    return q;
+}
+
+}  // namespace
+
+damped::Error difference(const Frame& from, const Frame& to) {
+    const Vector p = minus(translation_of<double>(to), translation_of<double>(from));
+    const Vector a = axis_times_angle(product(rotation_of<double>(to), transposed(rotation_of<double>(from))));
+    return {p[0], p[1], p[2], a[0], a[1], a[2]};
+}
+
+bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& q) {
+    Joints scale, y;
+    damped::Limits limits;
+    for (int i = 0; i < 7; ++i) {
+        scale[i] = std::sqrt(wanted.weight[i]);
+        limits.lo[i] = wanted.limits.lo[i] * scale[i];
+        limits.hi[i] = wanted.limits.hi[i] * scale[i];
+        y[i] = q[i] * scale[i];
+    }
+    const auto unscaled = [&](const Joints& scaled) {
+        Joints joints;
+        for (int i = 0; i < 7; ++i) joints[i] = scaled[i] / scale[i];
+        return joints;
+    };
+    const auto at = [&](const Joints& scaled, damped::Jacobian& J) {
+        const Frame end = jacobian(arm, unscaled(scaled), {}, J);
+        for (auto& row : J) {
+            for (int i = 0; i < 7; ++i) row[i] /= scale[i];
+        }
+        return difference(end, target);
+    };
+    constexpr double kMetres = 1e-6, kRadians = 1e-6;
+    if (!damped::converge(at, limits, {}, kMetres, kRadians, y)) return false;
+    q = unscaled(y);
+    return true;
+}
+
+namespace {
+
+double distance(const Wanted& wanted, const Joints& q) {
+    double sum = 0;
+    for (int i = 0; i < 7; ++i) sum += wanted.weight[i] * (q[i] - wanted.seed[i]) * (q[i] - wanted.seed[i]);
+    return sum;
+}
+
+// Moves the nearest posture along the circle while that brings it nearer to the seed.
+void slide(const Arm& arm, const Frame& target, Nearest& nearest) {
+    constexpr double kStart = M_PI / kPlaces, kEnd = 0.002;
+    double at = place_of(arm, nearest.best());
+    for (double step = kStart; step > kEnd; step /= 2) {
+        for (const double side : {step, -step}) {
+            const double before = nearest.bound();
+            postures_at(arm, target, at + side, nearest);
+            if (!(nearest.bound() < before)) continue;
+            at += side;
+            break;
+        }
+    }
+}
+
+// ------------------------------------------------------------------------------------------------- When all else fails
+// --
+
+Joints clamped(const Joints& q, const Limits& limits) {
+    Joints result;
+    for (int i = 0; i < 7; ++i) result[i] = std::clamp(q[i], limits.lo[i], limits.hi[i]);
+    return result;
+}
+
+struct Excess {
+    int joint;
+    double by;
+};
+Excess excess_of(const Joints& q, const Limits& limits) {
+    Excess worst = {0, 0};
+    for (int i = 0; i < 7; ++i) {
+        const double by = std::max(q[i] - limits.hi[i], limits.lo[i] - q[i]);
+        if (by > worst.by) worst = {i, by};
+    }
+    return worst;
+}
+
+// Where axes are on one line, the closed form takes one of many postures by the seed; another seed may keep the limits.
+bool try_other_seeds(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& q) {
+    constexpr int kSeeds = 24;
+    Wanted other = wanted;
+    double least = kInfinity;
+    for (int n = 1; n <= kSeeds; ++n) {
+        other.seed = spread(wanted.limits, n);
+        Nearest nearest(arm, other);
+        closed_form(arm, target, nearest);
+        if (!nearest.found() || !(distance(wanted, nearest.best()) < least)) continue;
+        least = distance(wanted, nearest.best());
+        q = nearest.best();
+    }
+    return least < kInfinity;
+}
+
+bool try_harder(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& q) {
+    if (arm.joints < 7) return try_other_seeds(arm, target, wanted, q);
+    Nearest nearest(arm, wanted);
+    try_circle(arm, target, 0, kManyPlaces, nearest);
+    q = nearest.best();
+    return nearest.found();
+}
+
+// The posture that is least beyond the limits.
+Joints least_beyond(const Arm& arm, const Frame& target, Wanted wanted) {
+    wanted.beyond = 1e10;  // a hundred-thousandth of a radian weighs as much as a radian of distance
+    Nearest nearest(arm, wanted);
+    closed_form(arm, target, nearest);
+    return nearest.found() ? nearest.best() : wanted.seed;
+}
+
+// An arm at its limit may meet the target although its posture is a little beyond: the other joints make up for it.
+bool refined_at_limit(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& q) {
+    constexpr double kNearSix = 0.003, kNearSeven = 0.3;
+    if (excess_of(q, wanted.limits).by > (arm.joints < 7 ? kNearSix : kNearSeven)) return false;
+    q = clamped(q, wanted.limits);
+    return refined(arm, target, wanted, q);
+}
+
+// An upper bound of the reach: it saves the search.
+bool is_far_out(const Arm& arm, const Frame& target) {
+    const Vector p = translation_of<double>(target);
+    return !(norm(p) < arm.upper + arm.fore + std::fabs(arm.link[5][0]) + kReachSlack);
+}
+
+// From the seed, an iteration takes the smallest steps there are. Near the seed nothing is nearer.
+bool near(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& q) {
+    constexpr double kNear = 0.05;
+    q = clamped(wanted.seed, wanted.limits);
+    return refined(arm, target, wanted, q) && distance(wanted, q) < kNear;
+}
+
+bool found(const Arm& arm, const Frame& target, const Wanted& wanted, bool& reached, Joints& q) {
+    reached = false;
+    if (arm.joints == 7) {
+        if (is_far_out(arm, target)) return false;
+        reached = near(arm, target, wanted, q);
+        if (reached) return true;
+    }
+    Nearest nearest(arm, wanted);
+    reached = closed_form(arm, target, nearest);
+    if (nearest.found() && arm.joints == 7) slide(arm, target, nearest);
+    q = nearest.best();
+    if (nearest.found()) return true;
+    return reached && try_harder(arm, target, wanted, q);
+}
+
+}  // namespace
+
+Limits within_step(const Limits& limits, const Joints& from, double max_step) {
+    Limits cut;
+    for (int i = 0; i < 7; ++i) {
+        cut.lo[i] = std::max(limits.lo[i], from[i] - max_step);
+        cut.hi[i] = std::min(limits.hi[i], from[i] + max_step);
+    }
+    return cut;
+}
+
+Answer solve(const Arm& arm, const Frame& target, const Wanted& wanted, double max_step) {
+    Answer answer{};
+    const bool bounded = max_step < kInfinity;
+    Wanted within = wanted;
+    if (bounded) within.limits = within_step(wanted.limits, wanted.seed, max_step);
+    bool reached = false;
+    if (found(arm, target, within, reached, answer.q)) return answer;
+    if (!reached) return {Refusal::kOutOfReach, 0, {}};
+    const Joints beyond = answer.q = least_beyond(arm, target, within);
+    if (refined_at_limit(arm, target, within, answer.q)) return answer;
+    if (bounded && solve(arm, target, wanted, kInfinity).refusal == Refusal::kNone)
+        return {Refusal::kLargerStep, 0, {}};
+    return {Refusal::kBeyondLimits, excess_of(beyond, wanted.limits).joint, {}};
+}
+
+}  // namespace zk::arm
