@@ -94,6 +94,10 @@ TEST(ForceSensor, CalibrationCanBeStopped) {
     talk.send("manual_set_force_pose1", {{"joint", Json(std::vector<int>(6, 0))}});
     EXPECT_TRUE(talk.ask("stop_set_force_sensor").at("stop_state"));
     EXPECT_FALSE(talk.ask("stop_set_force_sensor").at("stop_state")) << "stopped already";
+
+    talk.send("manual_set_force_pose4", {{"joint", Json(std::vector<int>(6, 0))}});
+    EXPECT_TRUE(talk.ask("stop_set_force_sensor").at("stop_state"));
+    EXPECT_FALSE(talk.read().at("set_state"));
 }
 
 TEST(ForceSensor, OneAxisSensorMeasuresItsAxisOnly) {
