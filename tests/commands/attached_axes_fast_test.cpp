@@ -9,6 +9,7 @@
 #include "commands/limits.h"
 #include "commands/wire.h"
 #include "support/command_case.h"
+#include "support/parser_case.h"
 #include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
 #include "zk/gripper_and_hand.h"
@@ -259,6 +260,12 @@ TEST_F(Moves, TheStateOfTheLiftIsReadWithoutItsMode) {
     int32_t height = 0, current = 0;
     uint16_t err_flag = 0;
     EXPECT_EQ(Get_Lift_State(arm_, &height, &current, &err_flag, nullptr), 0);
+}
+
+// No mailbox keeps the state of the base.
+TEST(AttachedAxesParsers, ReadTheStateOfTheBase) {
+    expect_parsed(parsing(Parser_Get_Car_State),
+                  {{kCar, 0, "80; 1; 2; 0; 1; 3"}, {R"({"battery_volume":80})", 9, "80; -; -; -; -; -"}});
 }
 
 // -------------------------------------------------------------------------------------------------- A simulated arm --

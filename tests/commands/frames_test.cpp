@@ -341,46 +341,29 @@ TEST(FrameMatrices, ChangeWithTheReplies) {
 
 const Pose kGrip{{0.1f, 0, 0.15f}, {}, {0, 0, 1.5f}};
 
-TEST(FramesOfASimulatedArm, ToolsAreReadBackAsSet) {
-    SimulatedArm arm;
-    std::string outputs;
-    EXPECT_EQ(Manual_Set_Tool_Frame(arm, "grip", kGrip, 1.5f, 0.01f, 0.02f, -0.03f, true), 0);
-    EXPECT_EQ(with_outputs<FrameRec>(outputs, Get_Given_Tool_Frame, ArmSocket(arm), "grip"), 0);
-    EXPECT_EQ(outputs, "grip, 0.1 0 0.15, 0 0 1.5, 1.5 0.01 0.02 -0.03");
-    EXPECT_EQ(Update_Tool_Frame(arm, "grip", kGrip, 2.5f, 0, 0, 0), 0);
-    EXPECT_EQ((with_outputs<FrameName, int32_t>(outputs, Get_All_Tool_Frame, ArmSocket(arm))), 0);
-    EXPECT_EQ(outputs, "Arm_Tip grip; 2");
-
-    EXPECT_EQ(Change_Tool_Frame(arm, "none", true), 1);
-    EXPECT_EQ(Change_Tool_Frame(arm, "grip", true), 0);
-    EXPECT_EQ(g_tool_pose.position.x, 0.1f);
+TEST(FramesOfASimulatedArm, AreReadBackAsSet) {
+    const Call tool = asking(Get_Current_Tool_Frame), work = asking(Get_Current_Work_Frame),
+               given_tool = kAskGivenTool(Get_Given_Tool_Frame), given_work = kAskGivenWork(Get_Given_Work_Frame);
+    const std::string pose = ", 0.1 0 0.15, 0 0 1.5, ", none = ", 0 0 0, 0 0 0, 0 0 0 0";
+    const SimulatedArm arm;
+    expect_kept(
+        arm,
+        {{CALL(Manual_Set_Tool_Frame, (s, "grip", kGrip, 1.5f, 0.01f, 0.02f, -0.03f, true)), 0, given_tool,
+          "grip" + pose + "1.5 0.01 0.02 -0.03"},
+         {CALL(Update_Tool_Frame, (s, "grip", kGrip, 2.5f, 0, 0, 0)), 0, asking(Get_All_Tool_Frame), "Arm_Tip grip; 2"},
+         {CALL(Change_Tool_Frame, (s, "none", true)), 1, tool, "Arm_Tip" + none},
+         {CALL(Change_Tool_Frame, (s, "grip", true)), 0, tool, "grip" + pose + "2.5 0 0 0"},
+         {CALL(Delete_Tool_Frame, (s, "grip", true)), 0, tool, "Arm_Tip" + none},
+         {CALL(Manual_Set_Work_Frame, (s, "table", kGrip, true)), 0, given_work, "table; 0.1 0 0.15, 0 0 1.5"},
+         {CALL(Update_Work_Frame, (s, "table", kPose)), 0, asking(Get_All_Work_Frame), "Base table; 2"},
+         {CALL(Change_Work_Frame, (s, "table", true)), 0, work,
+          "table, 0.123456 -0.3 1e-06, 3.141 -1.57 0.001, 0 0 0 0"},
+         {CALL(Delete_Work_Frame, (s, "table", true)), 0, work, "Base" + none}});
     FrameRec frame{};
-    EXPECT_EQ(Get_Current_Tool_Frame(arm, &frame), 0);
-    EXPECT_EQ(frame.payload, 2.5f);
-    EXPECT_EQ(Delete_Tool_Frame(arm, "grip", true), 0);
-    EXPECT_EQ(g_tool_pose.position.x, 0);
-    EXPECT_EQ(Get_Given_Tool_Frame(arm, "grip", &frame), 1);
-    EXPECT_EQ(Set_Payload_Block(arm, 1000, 0.01f, 0, 0), 0);
-    EXPECT_EQ(Set_None_Payload_Block(arm), 0);
-}
-
-TEST(FramesOfASimulatedArm, WorkFramesAreReadBackAsSet) {
-    SimulatedArm arm;
-    std::string outputs;
+    Pose gone{};
     char name[12] = "table";
-    EXPECT_EQ(Manual_Set_Work_Frame(arm, "table", kGrip, true), 0);
-    EXPECT_EQ(with_outputs<Pose>(outputs, Get_Given_Work_Frame, ArmSocket(arm), name), 0);
-    EXPECT_EQ(name + ("; " + outputs), "table; 0.1 0 0.15, 0 0 1.5");
-    EXPECT_EQ(Update_Work_Frame(arm, "table", kPose), 0);
-    EXPECT_EQ((with_outputs<FrameName, int32_t>(outputs, Get_All_Work_Frame, ArmSocket(arm))), 0);
-    EXPECT_EQ(outputs, "Base table; 2");
-
-    EXPECT_EQ(Change_Work_Frame(arm, "table", true), 0);
-    EXPECT_EQ(g_work_pose.position.y, -0.3f);
-    EXPECT_EQ(Delete_Work_Frame(arm, "table", true), 0);
-    EXPECT_EQ(g_work_pose.position.y, 0);
-    Pose pose{};
-    EXPECT_EQ(Get_Given_Work_Frame(arm, name, &pose), 1);
+    EXPECT_EQ(Get_Given_Tool_Frame(arm, "grip", &frame), 1);
+    EXPECT_EQ(Get_Given_Work_Frame(arm, name, &gone), 1);
 }
 
 }  // namespace
