@@ -38,7 +38,7 @@ const std::vector<CommandCase> kRows = {
     answered("Incomplete_" ASK(Get_Current_Arm_State), Arm_Current_State_Cmd, "get_current_arm_state",
              kStateWithoutErrors, "1 -90.001 0.001 0 0.005 0.006 7; 0.1 -0.2 1e-06, 3.141 -1.57 0.001; 0; 0")
         .on(75)
-        .giving(9),
+        .returning(9),
     answered(ASK(Get_Joint_Temperature), Get_Joint_Temperature_Cmd, "get_current_joint_temperature",
              R"({"state":"current_joint_temperature","joint_temperature":[30000,30250,0,-1,5,6]})",
              "30 30.25 0 -0.001 0.005 0.006")
@@ -53,7 +53,7 @@ const std::vector<CommandCase> kRows = {
         .reads({{9, 11, 0, 11}}),
     answered(ASK(Get_Joint_Current_Block), Get_Joint_Current_Cmd, "get_current_joint_current",
              R"({"state":"current_joint_current","joint_current":[1,2,3,4,5,6,7]})", "0 0 0 0 0 0")
-        .giving(11),
+        .returning(11),
     answered(ASK(Get_Joint_Voltage), Get_Joint_Voltage_Cmd, "get_current_joint_voltage",
              R"({"state":"current_joint_voltage","joint_voltage":[24000,1,2,3,4,5]})",
              "24 0.001 0.002 0.003 0.004 0.005")
@@ -84,7 +84,7 @@ const std::vector<CommandCase> kRows = {
         .reads({{9, 11, 11}}),
     answered(ASK(Get_Arm_Init_Pose_Block), Get_Arm_Init_Pose_Cmd, "get_init_pose",
              R"({"state":"init_pose","init_pose":[1,2,3,4,5,6,7]})", "0 0 0 0 0 0")
-        .giving(11),
+        .returning(11),
 
     // Angles go out as they are, with six decimals where they are no whole numbers.
     acknowledged(CALL(Set_Install_Pose, (s, true, 90, -45.5f, 0.1f)), Set_Install_Pose_Cmd,

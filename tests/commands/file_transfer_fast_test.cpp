@@ -17,7 +17,7 @@ namespace {
 
 using namespace zk::test;
 
-// More than a connection holds while nobody reads.
+// More than a connection holds while the peer does not read.
 constexpr size_t kLarge = 30'000'000;
 
 struct Failure {

@@ -288,7 +288,7 @@ class Pieces {
         ZK_API_Init(65, nullptr);
         if (socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends_) != 0) throw std::runtime_error("socketpair");
         Init_Socket_Joint(65, ends_[0]);
-        set_shared(m_nOutTime, -10000);  // nobody answers
+        set_shared(m_nOutTime, -10000);  // no reply comes
     }
     ~Pieces() {
         Arm_Socket_Close(ends_[0]);

@@ -95,7 +95,7 @@ TEST(Calibration, EveryPoseClearsEarlierReplies) {
     set_shared(Set_Force_Sensor_Cmd[0].count, 1);
     EXPECT_EQ(Manual_Set_Force(arm, 2, kJoint), 0);
     EXPECT_EQ(shared(Set_Force_Sensor_Cmd[0].count), 0);
-    EXPECT_EQ(Manual_Set_Force(arm + 1, 2, kJoint), 0) << "whoever waits for nothing needs no connection";
+    EXPECT_EQ(Manual_Set_Force(arm + 1, 2, kJoint), 0) << "the non-blocking form needs no connection";
 }
 
 TEST(ForceControlParsers, ReadArraysOfAnySize) {

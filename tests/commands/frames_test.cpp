@@ -126,7 +126,7 @@ const std::vector<CommandCase> kRows = {
     GIVEN("Get_Given_Work_Frame_Block", kAskGivenWork(Get_Given_Work_Frame_Block), Given_Work_Frame_Cmd,
           R"({"command": "get_work_frame", "frame_name": "table"})", R"({"state":"get_work_frame","get_state":false})",
           "; 0 0 0, 0 0 0")
-        .giving(1),
+        .returning(1),
     answered(ASK(Get_All_Work_Frame), Get_All_Work_Frame_Cmd, "get_total_work_frame",
              R"({"state":"total_work_frame","frame_names":["Base","table"]})", "Base table; 2")
         .wiping(),

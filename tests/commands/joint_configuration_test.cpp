@@ -36,8 +36,8 @@ const char* const kHighestDegrees = "178 130.001 0 0.001 0.002 0.003";
         acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, wire, other_reply).adding()
 
 const std::vector<CommandCase> kRows = {
-    // Speed and acceleration go out in thousandths of a revolution per minute, without the division by 6 where nobody
-    // waits.
+    // Speed and acceleration go out in thousandths of a revolution per minute, in the non-blocking form without the
+    // division by 6.
     FOLLOWED(Set_Joint_Speed, or_8(Set_Joint_Max_Speed_Cmd),
              R"({"command": "set_joint_max_speed", "joint_max_speed": [3, 30083]})",
              R"({"command": "set_joint_max_speed", "joint_max_speed": [3, 180500]})", "joint_max_speed", kSpeeds, 3,

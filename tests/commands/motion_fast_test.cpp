@@ -82,10 +82,10 @@ const std::vector<CommandCase> kRows = {
     // An arm with an unknown position is not moved.
     CommandCase{CALL(MoveCartesianTool_Cmd, (s, 20, 0, 0, true, 0.1f, 0, 0)), "get_current_arm_state",
                 R"({"state":"current_arm_state","arm_state":7})"}
-        .giving(11),
+        .returning(11),
     CommandCase{CALL(MoveRotate_Cmd, (s, 1, 20, 0, 0, true, kPose, 30)), "get_current_arm_state",
                 R"({"state":"current_arm_state"})"}
-        .giving(9),
+        .returning(9),
 };
 
 ZK_WIRE_ROWS(Motion, kRows, set_time_factor(0); set_shared(g_is_robot_type_i, uint8_t{1}));

@@ -156,7 +156,7 @@ const std::vector<CommandCase> kRows = {
     programs("Get_Program_Trajectory_List_Block", Get_Program_Trajectory_List_Block, asked<ProgramList>(0, -1, ""),
              "get_program_trajectory_list"),
     run_state("Get_Program_Run_State", Get_Program_Run_State, kRunning, "1 7 3 20 0 9 2, 5 1, 2 2")
-        .giving(1)
+        .returning(1)
         .reads({{}, {{"/edit_id", {0}}}}),
     run_state("Get_Program_Run_State_Block", Get_Program_Run_State_Block,
               R"({"state":"get_program_run_state","run_state":0})", "0 -1 -1 -1 -1 0 -1"),

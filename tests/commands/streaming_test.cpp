@@ -76,13 +76,13 @@ ZK_WIRE_TESTS(Streaming, "streaming.h", "Streamed motion", kRows)
 
 TEST(StreamingGuards, SetPointsWithoutAConnectionReturnZero) {
     ZK_API_Init(65, nullptr);
-    constexpr ArmSocket kNobody = 100000;
-    EXPECT_EQ(Movej_CANFD(kNobody, kJoints, 1, 0), 0);
-    EXPECT_EQ(Movep_CANFD(kNobody, 1, kTurned), 0);
-    EXPECT_EQ(Movej_Follow(kNobody, kJoints), 0);
-    EXPECT_EQ(Movep_Follow(kNobody, kTurned), 0);
-    EXPECT_EQ(Movej_CANFD_Block(kNobody, kJoints), 6);
-    EXPECT_EQ(Movep_CANFD_Block(kNobody, 1, kTurned), 6);
+    constexpr ArmSocket kNoArm = 100000;
+    EXPECT_EQ(Movej_CANFD(kNoArm, kJoints, 1, 0), 0);
+    EXPECT_EQ(Movep_CANFD(kNoArm, 1, kTurned), 0);
+    EXPECT_EQ(Movej_Follow(kNoArm, kJoints), 0);
+    EXPECT_EQ(Movep_Follow(kNoArm, kTurned), 0);
+    EXPECT_EQ(Movej_CANFD_Block(kNoArm, kJoints), 6);
+    EXPECT_EQ(Movep_CANFD_Block(kNoArm, 1, kTurned), 6);
     EXPECT_EQ(m_nSockeRIinfosLen, 0);
 }
 

@@ -94,16 +94,16 @@ void expect_reading(const CommandCase& row, nlohmann::ordered_json good, const s
 // The commands that raise SuspendQueue while they wait.
 bool suspends(const std::string& name) {
     static const std::regex suspending(
-        "(Arm_Socket_State|(Start|Stop)_Calibrate|Get_Calibrate_State|Auto_Set_Joint_Limit(_E)?|Get_Arm_Hardware_"
-        "Version|Get_Log_File|"
-        "[GS]et_Arm_Run_Mode|Get_Current_Trajectory|(Add|Start|Clear|Stop)_Waypoint|Timer|Set_System_State_Servo|"
-        "Clear_Force_Data|Set_PWM|Set_Lift|Set_Vehicle|[GS]et_Car_\\w+|Set_(Lift|Sale)_Version_E|Set_Online_Next_E|"
-        "Get_Tool_Hardware_Version_E|\\w+_NC_E)");
+        "(Arm_Socket_State|(Start|Stop)_Calibrate|Get_Calibrate_State|Auto_Set_Joint_Limit(_E)?|Get_Log_File|"
+        "Get_Arm_Hardware_Version|[GS]et_Arm_Run_Mode|Get_Current_Trajectory|(Add|Start|Clear|Stop)_Waypoint|Timer|"
+        "Set_System_State_Servo|Clear_Force_Data|Set_PWM|Set_Lift|Set_Vehicle|[GS]et_Car_\\w+|"
+        "Set_(Lift|Sale)_Version_E|Set_Online_Next_E|Get_Tool_Hardware_Version_E|\\w+_NC_E)");
     return is_plain(name) && std::regex_match(name, suspending);
 }
 
-// A reply that is late finds nobody waiting; the polls of a command that goes on have a state of their own.
-void expect_exchange(const CommandCase& row, ScriptedController& controller, ArmSocket arm) {
+// SuspendQueue is read when the request arrives, unless the call has ended by then; a call that ends at that moment is
+// repeated. A command that polls after its reply suspends the queue in those polls, so it is not checked.
+void expect_exchange(const CommandCase& row, ScriptedController& controller, ArmSocket arm, int tries = 3) {
     std::string outputs;
     std::atomic<bool> waits = true;
     std::atomic<int> suspended = -1;
@@ -119,11 +119,11 @@ void expect_exchange(const CommandCase& row, ScriptedController& controller, Arm
     EXPECT_EQ(outputs, row.outputs);
     EXPECT_EQ(controller.next_request(), formatted(row.wire));
     if (!row.reply.empty()) controller.answer(command_name(row.wire), row.reply);
-    if (row.then.wire.empty()) {
-        EXPECT_TRUE(suspended < 0 || suspended == suspends(row.name)) << "SuspendQueue is " << suspended;
-    }
     if (!row.then.wire.empty()) {
         EXPECT_EQ(controller.next_request(), formatted(row.then.wire));
+    } else if (suspended >= 0 && suspended != suspends(row.name)) {
+        if (tries > 1) return expect_exchange(row, controller, arm, tries - 1);
+        ADD_FAILURE() << "SuspendQueue is " << suspended;
     }
     if (row.mailbox.words) {
         EXPECT_EQ(row.mailbox.count(), 0) << "the reply is taken";
@@ -140,7 +140,7 @@ void expect_refusal(const CommandCase& row, ScriptedController& controller, ArmS
     controller.answer(command_name(row.wire), row.reply);
 }
 
-// A reply that came when nobody waited any more.
+// A reply to an earlier request.
 void expect_old_reply(const CommandCase& row, ScriptedController& controller, ArmSocket arm) {
     FirstRecord(row.mailbox).put(1, kOldResult);
     std::string outputs;

@@ -146,7 +146,7 @@ struct CommandCase {
     CommandCase wiping() const { return with(&CommandCase::wipes, true); }
     CommandCase with_the_status_of_another() const { return with(&CommandCase::status_lost, true); }
     CommandCase on(int mode) const { return with(&CommandCase::arm_mode, mode); }
-    CommandCase giving(int other_status) const { return with(&CommandCase::status, other_status); }
+    CommandCase returning(int other_status) const { return with(&CommandCase::status, other_status); }
     CommandCase reads(const Reading& as) const { return with(&CommandCase::reading, as); }
 };
 
