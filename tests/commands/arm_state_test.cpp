@@ -145,7 +145,8 @@ TEST_F(Mounting, ChangesTheModelAtOnceOrAfterTheAcknowledgement) {
     EXPECT_EQ(Set_Install_Pose(arm_, true, 90, 0, 45), 1);
     EXPECT_EQ(model(), "1 2 3");
     EXPECT_EQ(Set_Install_Pose(arm_, false, 90, 0, 45), 0);
-    EXPECT_EQ(model(), "90 0 45") << "whatever the controller says";
+    EXPECT_EQ(model(), "90 0 45") << "whatever the reply";
+    eventually([] { return shared(Set_Install_Pose_Cmd[0].count) == 1; });
     let_the_setting_give("true");
     EXPECT_EQ(Set_Install_Pose(arm_, true, 0, 90, 180), 0);
     EXPECT_EQ(model(), "0 90 180");
