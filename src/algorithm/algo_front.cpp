@@ -5,6 +5,8 @@
 #include <cmath>
 #include <initializer_list>
 
+#include "algorithm/in_degrees.h"
+#include "algorithm/units.h"
 #include "zk/inverse_kinematics.h"
 #include "zk/model.h"
 #include "zk/numeric.h"
@@ -17,19 +19,10 @@ float angleH = 0;
 Pose g_tool_pose;
 Pose g_work_pose;
 
+namespace zk {
 namespace {
 
-// How the solvers of seven joints search.
-struct Search {
-    float range;
-    int strategy;
-};
-constexpr Search kNarrow = {0.013f, 1}, kWhole = {3.14f, 0};
-
-void search(const Search& how) {
-    ikine_set_solution_range_zk75(how.range);
-    ikine_set_7dof_solver_search_strategy(how.strategy);
-}
+constexpr int kNarrow = 1, kWhole = 0;  // strategies of ikine_set_7dof_solver_search_strategy
 
 // To a hundredth of the squared norm; NaN passes.
 bool is_unit(const Quat& q) {
@@ -50,15 +43,27 @@ bool is_finite(const Pose& pose, uint8_t flag) {
 
 // The sweep of model 1 leaves its output as it was where it finds no candidate, and then tests that output against the
 // limits. So it gets an output beyond every limit.
-int solve_by_sweep(const float* seed, const Pose* pose, float* joint, uint8_t flag) {
+int solve_by_sweep(const RobotModel& model, const Search& search, const float* seed, const Pose& pose, float* joint,
+                   uint8_t flag) {
     float swept[7];
     std::fill_n(swept, 7, INFINITY);
-    const int result = invoke_inverse_kinematics(seed, pose, swept, flag);
+    const int result = solve_in_degrees(model, search, seed, pose, swept, flag);
     if (result == 0) std::copy_n(swept, 7, joint);
     return result;
 }
 
+bool within_limits(const RobotModel& model, const float* joint) {
+    for (int i = 0; i < model.dof; ++i) {
+        const JointConfig& limits = model.joint_config[i];
+        if (joint[i] < degrees(limits.pos_min) || joint[i] > degrees(limits.pos_max)) return false;
+    }
+    return true;
+}
+
 }  // namespace
+}  // namespace zk
+
+using namespace zk;
 
 ZK_API const char* Algo_Version(void) { return "1.4.8"; }
 
@@ -101,25 +106,17 @@ ZK_API void Algo_Get_Joint_Max_Acc(float* limits) { invoke_libalgo_get_joint_acc
 ZK_API Pose Algo_Forward_Kinematics(const float* joint) { return joint ? invoke_forward_kinematics(joint) : Pose{}; }
 ZK_API Matrix Forward_Kinematics_e(const float* joint) { return Algo_Pos2Matrix(Algo_Forward_Kinematics(joint)); }
 
-ZK_API int zk_algo_judgment_overpos(const float* joint) {
-    float min[8], max[8];
-    invoke_libalgo_get_jointlim_min(min);
-    invoke_libalgo_get_jointlim_max(max);
-    for (int i = 0; i < libalgo_get_rbt_dof(); ++i) {
-        if (joint[i] < min[i] || joint[i] > max[i]) return -1;
-    }
-    return 0;
-}
+ZK_API int zk_algo_judgment_overpos(const float* joint) { return within_limits(robot, joint) ? 0 : -1; }
 
 ZK_API int Algo_Inverse_Kinematics(const float* seed, const Pose* pose, float* joint, uint8_t flag) {
     if (!seed || !pose) return ZK_BAD_ARGUMENT;
     if (flag == 0 && !is_unit(pose->quaternion)) return ZK_BAD_ARGUMENT;
-    if (zk_algo_judgment_overpos(seed) != 0) return ZK_BAD_ARGUMENT;
-    if (defaut_traversal_mode != 0) search(kNarrow);
+    if (!within_limits(robot, seed)) return ZK_BAD_ARGUMENT;
+    if (defaut_traversal_mode != 0) ikine_set_7dof_solver_search_strategy(kNarrow);
     if (!is_finite(*pose, flag)) return ZK_NO_SOLUTION;
-    const bool sweeps = libalgo_get_robot_type() == 1 && ikine_get_solution_range_zk75() > 1.0f;
-    const auto solve = sweeps ? solve_by_sweep : invoke_inverse_kinematics;
-    return solve(seed, pose, joint, flag) == 0 ? ZK_OK : ZK_NO_SOLUTION;
+    const Search search = {theta_v};
+    const auto solve = robot.robot_type == 1 && search.is_wide() ? solve_by_sweep : solve_in_degrees;
+    return solve(robot, search, seed, *pose, joint, flag == 0 ? 2 : flag) == 0 ? ZK_OK : ZK_NO_SOLUTION;
 }
 ZK_API int Algo_Inverse_Kinematics_Wrap(InverseKinematicsCall* call) {
     if (!call) return ZK_BAD_ARGUMENT;
@@ -128,7 +125,7 @@ ZK_API int Algo_Inverse_Kinematics_Wrap(InverseKinematicsCall* call) {
 
 ZK_API void Algo_Set_Redundant_Parameter_Traversal_Mode(bool whole_range) {
     defaut_traversal_mode = 0;
-    search(whole_range ? kWhole : kNarrow);
+    ikine_set_7dof_solver_search_strategy(whole_range ? kWhole : kNarrow);
 }
 
 ZK_API Matrix Algo_Pos2Matrix(Pose pose) { return algo_pose_to_matrix(pose); }

@@ -22,9 +22,9 @@ using Joints = std::array<float, 8>;
 
 // The arm's joints converted, the rest zero.
 template <float (*convert)(float)>
-Joints converted(const float* values) {
+Joints converted(const RobotModel& model, const float* values) {
     Joints result{};
-    for (int joint = 0; joint < libalgo_get_rbt_dof(); ++joint) result[joint] = convert(values[joint]);
+    for (int joint = 0; joint < model.dof; ++joint) result[joint] = convert(values[joint]);
     return result;
 }
 

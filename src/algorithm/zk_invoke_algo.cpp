@@ -1,5 +1,7 @@
 // The layer where units change: the model and the kinematics in degrees.
+#include "algorithm/in_degrees.h"
 #include "algorithm/units.h"
+#include "model/robot_model.h"
 #include "zk/algorithm.h"
 #include "zk/inverse_kinematics.h"
 #include "zk/kinematics.h"
@@ -12,41 +14,25 @@ double invoke_inverse_time_total_max = 0;
 namespace zk {
 namespace {
 
-using Setter = void (*)(const float*);
-using Getter = void (*)(float*);
-
 template <float (*convert)(float)>
-void set(Setter to_model, const float* values) {
-    if (values) to_model(converted<convert>(values).data());
+void set(RobotModel& model, Limit limit, const float* values) {
+    if (values) set_limits(model, limit, converted<convert>(model, values).data());
 }
 
 template <float (*convert)(float)>
-void get(Getter from_model, float* values) {
+void get(const RobotModel& model, Limit limit, float* values) {
     if (!values) return;
-    Joints held;
-    from_model(held.data());
-    for (int joint = 0; joint < libalgo_get_rbt_dof(); ++joint) values[joint] = convert(held[joint]);
+    for (int joint = 0; joint < model.dof; ++joint) values[joint] = convert(model.joint_config[joint].*limit);
 }
 
-void set_frame(Setter to_model, const Pose& pose) {
+std::array<float, 6> params_of(const Pose& pose) {
     const auto& [p, q, e] = pose;
-    const float params[6] = {p.x, p.y, p.z, e.rx, e.ry, e.rz};
-    to_model(params);
+    return {p.x, p.y, p.z, e.rx, e.ry, e.rz};
 }
 
-void get_frame(Getter from_model, Pose& pose) {
-    float params[6];
-    from_model(params);
+void get_frame(const float (&params)[6], Pose& pose) {
     pose.position = {params[0], params[1], params[2]};
     pose.euler = {params[3], params[4], params[5]};
-}
-
-// Degrees in, degrees out; the output is converted only when it is a solution.
-int solve(const float* seed, const Pose* pose, float* joint, uint8_t flag) {
-    const int result = inverse_kinematics(converted<radians>(seed).data(), pose, joint, flag);
-    if (result != 0) return result;
-    for (int i = 0; i < libalgo_get_rbt_dof(); ++i) joint[i] = degrees_of_solution(joint[i]);
-    return 0;
 }
 
 // A new fastest solution is not tested as a slowest one.
@@ -60,6 +46,15 @@ void record_time(double seconds) {
 }
 
 }  // namespace
+
+int solve_in_degrees(const RobotModel& model, const Search& search, const float* seed, const Pose& pose, float* joint,
+                     std::uint8_t flag) {
+    const int result = solve_model(model, search, converted<radians>(model, seed).data(), pose, joint, flag);
+    if (result != 0) return result;
+    for (int i = 0; i < model.dof; ++i) joint[i] = degrees_of_solution(joint[i]);
+    return 0;
+}
+
 }  // namespace zk
 
 using namespace zk;
@@ -71,13 +66,13 @@ ZK_API int invoke_libalgo_set_robot_type(int model, int sensor) {
 
 ZK_API void invoke_libalgo_set_tool_cs_params(const FrameRec* tool) {
     if (!tool) return;
-    set_frame(libalgo_set_tool_cs_params, tool->pose);
+    set_tool(robot, params_of(tool->pose).data());
     const float payload[11] = {tool->payload, tool->x, tool->y, tool->z};
     libalgo_set_payload_params(payload);
 }
 ZK_API void invoke_libalgo_get_tool_cs_params(FrameRec* tool) {
     if (!tool) return;
-    get_frame(libalgo_get_tool_cs_params, tool->pose);
+    get_frame(robot.tool_cs, tool->pose);
     float payload[11];
     libalgo_get_payload_params(payload);
     tool->payload = payload[0];
@@ -86,59 +81,58 @@ ZK_API void invoke_libalgo_get_tool_cs_params(FrameRec* tool) {
     tool->z = payload[3];
 }
 ZK_API void invoke_libalgo_set_work_cs_params(const FrameRec* work) {
-    if (work) set_frame(libalgo_set_work_cs_params, work->pose);
+    if (work) set_work_frame(robot, params_of(work->pose).data());
 }
 ZK_API void invoke_libalgo_get_work_cs_params(FrameRec* work) {
-    if (work) get_frame(libalgo_get_work_cs_params, work->pose);
+    if (work) get_frame(robot.work_cs, work->pose);
 }
 
 ZK_API void invoke_libalgo_set_robot_install_angle(float x, float y, float z) {
     const float angles[3] = {radians(x), radians(y), radians(z)};
-    libalgo_set_robot_install_angle(angles);
+    set_mounting(robot, angles);
 }
 ZK_API void invoke_libalgo_get_robot_install_angle(float* x, float* y, float* z) {
     if (!x || !y || !z) return;
-    float angles[3];
-    libalgo_get_robot_install_angle(angles);
-    *x = degrees(angles[0]);
-    *y = degrees(angles[1]);
-    *z = degrees(angles[2]);
+    *x = degrees(robot.install_angle[0]);
+    *y = degrees(robot.install_angle[1]);
+    *z = degrees(robot.install_angle[2]);
 }
 
 // clang-format off
-ZK_API void invoke_libalgo_set_jointlim_max(const float* limits)     { set<radians>(libalgo_set_jointlim_max, limits); }
-ZK_API void invoke_libalgo_get_jointlim_max(float* limits)           { get<degrees>(libalgo_get_jointlim_max, limits); }
-ZK_API void invoke_libalgo_set_jointlim_min(const float* limits)     { set<radians>(libalgo_set_jointlim_min, limits); }
-ZK_API void invoke_libalgo_get_jointlim_min(float* limits)           { get<degrees>(libalgo_get_jointlim_min, limits); }
-ZK_API void invoke_libalgo_set_joint_vel_maxlim(const float* limits) { set<radians_of_turns>(libalgo_set_joint_vel_maxlim, limits); }
-ZK_API void invoke_libalgo_get_joint_vel_maxlim(float* limits)       { get<turns>(libalgo_get_joint_vel_maxlim, limits); }
-ZK_API void invoke_libalgo_set_joint_acc_maxlim(const float* limits) { set<radians_of_turns>(libalgo_set_joint_acc_maxlim, limits); }
-ZK_API void invoke_libalgo_get_joint_acc_maxlim(float* limits)       { get<turns>(libalgo_get_joint_acc_maxlim, limits); }
+ZK_API void invoke_libalgo_set_jointlim_max(const float* limits)     { set<radians>(robot, &JointConfig::pos_max, limits); }
+ZK_API void invoke_libalgo_get_jointlim_max(float* limits)           { get<degrees>(robot, &JointConfig::pos_max, limits); }
+ZK_API void invoke_libalgo_set_jointlim_min(const float* limits)     { set<radians>(robot, &JointConfig::pos_min, limits); }
+ZK_API void invoke_libalgo_get_jointlim_min(float* limits)           { get<degrees>(robot, &JointConfig::pos_min, limits); }
+ZK_API void invoke_libalgo_set_joint_vel_maxlim(const float* limits) { set<radians_of_turns>(robot, &JointConfig::vel_max, limits); }
+ZK_API void invoke_libalgo_get_joint_vel_maxlim(float* limits)       { get<turns>(robot, &JointConfig::vel_max, limits); }
+ZK_API void invoke_libalgo_set_joint_acc_maxlim(const float* limits) { set<radians_of_turns>(robot, &JointConfig::acc_max, limits); }
+ZK_API void invoke_libalgo_get_joint_acc_maxlim(float* limits)       { get<turns>(robot, &JointConfig::acc_max, limits); }
 // clang-format on
 
 ZK_API void invoke_libalgo_set_control_loop_period(float seconds) { libalgo_set_control_loop_period(seconds); }
 
 ZK_API Pose invoke_forward_kinematics(const float* joint) {
-    return forward_kinematics(converted<radians>(joint).data());
+    return forward_kinematics(converted<radians>(robot, joint).data());
 }
 ZK_API Matrix invoke_forward_kinematics_e(const float* joint) {
-    return forward_kinematics_e(converted<radians>(joint).data());
+    return forward_kinematics_e(converted<radians>(robot, joint).data());
 }
 
 ZK_API int invoke_joint_overspeed_judgment(const float* from, const float* to, float scale) {
-    return joint_overspeed_judgment(converted<radians>(from).data(), converted<radians>(to).data(), scale);
+    const Joints before = converted<radians>(robot, from), after = converted<radians>(robot, to);
+    return first_too_fast(robot, before.data(), after.data(), scale);
 }
 
 ZK_API int invoke_inverse_kinematics(const float* seed, const Pose* pose, float* joint, uint8_t flag) {
-    return solve(seed, pose, joint, flag == 0 ? 2 : flag);
+    return solve_in_degrees(robot, {theta_v}, seed, *pose, joint, flag == 0 ? 2 : flag);
 }
 
 ZK_API int invoke_inverse_kinematics_with_judgment_overspeed(const float* seed, const Pose* pose, float* joint,
                                                              uint8_t flag) {
-    if (libalgo_get_robot_type() == 1) ikine_set_solution_range_zk75(0.013f);
+    if (robot.robot_type == 1) ikine_set_solution_range_zk75(0.013f);
     timeval begin, end;
     get_time_of_day(&begin);
-    const int result = solve(seed, pose, joint, flag);
+    const int result = solve_in_degrees(robot, {theta_v}, seed, *pose, joint, flag);
     get_time_of_day(&end);
     record_time(static_cast<double>(end.tv_usec - begin.tv_usec) / 1e6 +
                 static_cast<double>(end.tv_sec - begin.tv_sec));

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "kinematics/six_joint.h"
+#include "kinematics/solvers.h"
 #include "zk/inverse_kinematics.h"
 
 namespace zk {
@@ -56,7 +57,8 @@ struct Hand {
 
 class Orb6 {
  public:
-    Orb6(const Wrist<double>& wrist, double seed6) : wrist_(wrist), seed6_(seed6) {}
+    Orb6(const DhParams& dh, const Wrist<double>& wrist, double seed6)
+        : wrist_(wrist), seed6_(seed6), d4_(dh.d[3]), d5_(dh.d[4]), a2_(dh.a[1]), a3_(dh.a[2]), a4_(dh.a[3]) {}
 
     // All eight candidates: two shoulders, two wrists, two elbows, the last changing fastest. False when all are dead.
     bool fill(double (&table)[8][6]) const {
@@ -132,14 +134,12 @@ class Orb6 {
 
     const Wrist<double>& wrist_;
     const double seed6_;
-    const double d4_ = robot.dh.d[3], d5_ = robot.dh.d[4];
-    const double a2_ = robot.dh.a[1], a3_ = robot.dh.a[2], a4_ = robot.dh.a[3];
+    const double d4_, d5_, a2_, a3_, a4_;
 };
 
 // Moves every joint of every entry by whole turns next to the seed. Returns the nearest entry, the first of equals.
-int nearest_entry(double (&table)[8][6], const Seed<double>& seed) {
+int nearest_entry(double (&table)[8][6], const Seed<double>& seed, const Range& range) {
     static constexpr double kWeights[6] = {2.4, 2.4, 2.4, 1, 1, 1};
-    const Range range = Range::widened();
     double scores[8] = {};
     for (int i = 0; i < 8; ++i) {
         for (int j = 0; j < 6; ++j) {
@@ -149,13 +149,23 @@ int nearest_entry(double (&table)[8][6], const Seed<double>& seed) {
     return index_of_smallest(scores, 8);
 }
 
-int write_joints(const double* theta, float turns, float* joint) {
+int write_joints(const RobotModel& model, const double* theta, float turns, float* joint) {
     constexpr double kSlack = 0.008726646259972;
-    const auto angle = [&](int j) { return theta[j] - robot.dh.offset[j] + (j == 5 ? turns : 0); };
-    return write_up_to_limit(Range(), kSlack, std::min(libalgo_get_rbt_dof(), 6), angle, joint);
+    const auto angle = [&](int j) { return theta[j] - model.dh.offset[j] + (j == 5 ? turns : 0); };
+    return write_up_to_limit(model, Range(model), kSlack, std::min<int>(model.dof, 6), angle, joint);
 }
 
 }  // namespace
+
+int solve_orb6(const RobotModel& model, const float* seed_joint, float* joint, const Matrix& world_T_tool) {
+    const Seed<double> seed(model, seed_joint);
+    const Wrist<double> wrist = shoulder_T_wrist<double>(model, world_T_tool);
+    double table[8][6];
+    if (!Orb6(model.dh, wrist, seed.theta[5]).fill(table)) return kUnreachable;
+    const int nearest = nearest_entry(table, seed, Range::widened(model));
+    return write_joints(model, table[nearest], seed.turns, joint);
+}
+
 }  // namespace zk
 
 using namespace zk;
@@ -167,10 +177,6 @@ ZK_API double find_nearest_joint(const double* seed, double* candidate, const do
 
 ZK_API int find_min_index(const double* values, int length) { return index_of_smallest(values, length); }
 
-ZK_API int inverse_kinematics_orb6(const float* seed_joint, float* joint, Matrix world_T_tool) {
-    const Seed<double> seed(seed_joint);
-    const Wrist<double> wrist = shoulder_T_wrist<double>(world_T_tool);
-    double table[8][6];
-    if (!Orb6(wrist, seed.theta[5]).fill(table)) return kUnreachable;
-    return write_joints(table[nearest_entry(table, seed)], seed.turns, joint);
+ZK_API int inverse_kinematics_orb6(const float* seed, float* joint, Matrix world_T_tool) {
+    return solve_orb6(robot, seed, joint, world_T_tool);
 }

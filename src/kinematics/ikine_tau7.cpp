@@ -6,6 +6,7 @@
 
 #include "kinematics/damped_least_squares.h"
 #include "kinematics/rotation_difference.h"
+#include "kinematics/solvers.h"
 #include "numeric/fixed_matrix.h"
 #include "zk/inverse_kinematics.h"
 #include "zk/model.h"
@@ -21,13 +22,11 @@ struct Arm {
     DhParams dh;
     damped::Limits limits;
 
-    Arm() {
-        float min[8], max[8];
-        libalgo_get_dh_value(&dh);
-        libalgo_get_jointlim_min(min);
-        libalgo_get_jointlim_max(max);
-        std::copy_n(min, 7, limits.lo.begin());
-        std::copy_n(max, 7, limits.hi.begin());
+    explicit Arm(const RobotModel& model) : dh(model.dh) {
+        for (int i = 0; i < 7; ++i) {
+            limits.lo[i] = model.joint_config[i].pos_min;
+            limits.hi[i] = model.joint_config[i].pos_max;
+        }
     }
 };
 
@@ -105,18 +104,18 @@ struct Restarts {
 };
 
 // (8.6): the farther the target, the farther the seeds, so that a small motion does not become a jump.
-Restarts restarts(const Arm& arm, const Joints& seed, const Target& target) {
-    if (ikine_get_solution_range_zk75() > 1.0f) return {150, 1};
+Restarts restarts(const Arm& arm, const Search& search, const Joints& seed, const Target& target) {
+    if (search.is_wide()) return {150, 1};
     damped::Jacobian J;
     const double distance = std::sqrt(damped::squared(error_in_end_frame(jacobian_and_pose(arm, seed, J), target)));
     return {40, std::min(1.0, 2 * distance)};
 }
 
 // 0 with a solution in q, -2 when the seed leads to a solution beyond the limits, -1 for none.
-int solve(const Arm& arm, const Joints& seed, const Target& target, Joints& q) {
+int solve(const Arm& arm, const Search& search, const Joints& seed, const Target& target, Joints& q) {
     q = seed;
     if (converge(arm, target, arm.limits, q)) return 0;
-    const auto [count, reach] = restarts(arm, seed, target);
+    const auto [count, reach] = restarts(arm, search, seed, target);
     for (int n = 1; n <= count; ++n) {
         q = seed_about(arm, seed, n, reach * std::min(1.0, n / 20.0));
         if (converge(arm, target, arm.limits, q)) return 0;
@@ -134,21 +133,27 @@ Joints as_joints(const float* values) {
 }  // namespace
 }  // namespace zk::tau7
 
-ZK_API int inverse_kinematics_tau7(const float* seed, float* out, Mat target) {
+int zk::solve_tau7(const RobotModel& model, const Search& search, const float* seed, float* joint,
+                   const Transform<float>& base_T_flange) {
     using namespace zk::tau7;
-    const Arm arm;
+    const Arm arm(model);
+    const Target target = {rotation_of<double>(base_T_flange), translation_of<double>(base_T_flange)};
     Joints from = as_joints(seed), q;
     for (int i = 0; i < 7; ++i) from[i] = std::max(arm.limits.lo[i], std::min(arm.limits.hi[i], from[i]));
-    const int status = solve(arm, from, {zk::rotation_of<double>(target), zk::translation_of<double>(target)}, q);
+    const int status = tau7::solve(arm, search, from, target, q);
     if (status != 0) return status;
-    std::copy(q.begin(), q.end(), out);
+    std::copy(q.begin(), q.end(), joint);
     return 0;
+}
+
+ZK_API int inverse_kinematics_tau7(const float* seed, float* out, Mat target) {
+    return zk::solve_tau7(robot, {theta_v}, seed, out, zk::transform_of(target));
 }
 
 ZK_API void ikine_jacobe_and_pose_tau72(const float* joint, Mat* J, Mat* T) {
     using namespace zk::tau7;
     zk::damped::Jacobian jacobian;
-    const zk::Transform<double> pose = jacobian_and_pose(Arm(), as_joints(joint), jacobian);
+    const zk::Transform<double> pose = jacobian_and_pose(Arm(robot), as_joints(joint), jacobian);
     *J = zk::filled<Mat>(6, 7, [&](int i, int j) { return static_cast<float>(jacobian[i][j]); });
     *T = zk::filled<Mat>(4, 4, [&](int i, int j) { return i == 3 ? j == 3 : static_cast<float>(pose.m[i][j]); });
 }

@@ -1,6 +1,7 @@
 // Inverse kinematics of the 65: no offsets, so shoulder, elbow and wrist make a plane triangle.
 #include <cmath>
 
+#include "kinematics/solvers.h"
 #include "kinematics/spherical_wrist.h"
 #include "zk/inverse_kinematics.h"
 
@@ -12,7 +13,8 @@ struct Zk6 {
     static constexpr bool kJoint5NearPi = false;
     static constexpr bool kSumFromSeed = true;
 
-    const float a3 = robot.dh.a[2], d4 = robot.dh.d[3];
+    const float a3, d4;
+    explicit Zk6(const DhParams& dh) : a3(dh.a[2]), d4(dh.d[3]) {}
 
     // (S8) r^2 + z^2 = a3^2 + d4^2 + 2 a3 d4 sin t3. The straight arm may be a little too short, the folded one may
     // not.
@@ -38,8 +40,13 @@ struct Zk6 {
 };
 
 }  // namespace
+
+int solve_zk6(const RobotModel& model, const float* seed, float* joint, const Matrix& world_T_tool) {
+    return SphericalWrist<Zk6>(model, seed, world_T_tool).solve(joint);
+}
+
 }  // namespace zk
 
 ZK_API int inverse_kinematics_zk6(const float* seed, float* joint, Matrix world_T_tool) {
-    return zk::SphericalWrist<zk::Zk6>(seed, world_T_tool).solve(joint);
+    return zk::solve_zk6(robot, seed, joint, world_T_tool);
 }

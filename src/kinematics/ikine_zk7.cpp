@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "kinematics/solvers.h"
 #include "kinematics/zk7.h"
 #include "zk/inverse_kinematics.h"
 #include "zk/model.h"
@@ -16,25 +17,16 @@ Joints seven(const float* values) {
     return joints;
 }
 
-template <void (*get)(float*)>
-Joints limits() {
-    float values[8];
-    get(values);
-    return seven(values);
-}
-
-Arm arm_of_model() {
-    DhParams dh;
-    libalgo_get_dh_value(&dh);
-    return {dh.d[0],
-            dh.d[2],
-            dh.d[4],
-            dh.d[6],
-            limits<libalgo_get_modeling_jointlim_min>(),
-            limits<libalgo_get_modeling_jointlim_max>(),
-            seven(dh.offset),
-            limits<libalgo_get_joint_vel_maxlim>(),
-            libalgo_get_control_loop_period()};
+Arm arm_of(const RobotModel& model) {
+    Arm arm = {model.dh.d[0], model.dh.d[2], model.dh.d[4], model.dh.d[6], {}, {}, {}, {}, model.control_loop_period};
+    for (int i = 0; i < 7; ++i) {
+        const JointConfig& limits = model.joint_config[i];
+        arm.offset[i] = model.dh.offset[i];
+        arm.lo[i] = limits.pos_min + arm.offset[i];
+        arm.hi[i] = limits.pos_max + arm.offset[i];
+        arm.max_speed[i] = limits.vel_max;
+    }
+    return arm;
 }
 
 // Shoulder or wrist near alignment, where the closed form is badly conditioned.
@@ -76,21 +68,26 @@ int hand_over(const Arm& arm, float* out) {
 }  // namespace
 }  // namespace zk::zk7
 
-ZK_API int inverse_kinematics_zk_75(float* seed, float* out, Mat target) {
+int zk::solve_zk75(const RobotModel& model, const Search& search, float* seed, float* joint,
+                   const Transform<float>& base_T_flange) {
     using namespace zk::zk7;
-    const Arm arm = arm_of_model();
+    const Arm arm = arm_of(model);
     for (int i = 0; i < 7; ++i) seed[i] += arm.offset[i];
     const Joints from = seven(seed);
-    const Target to = {zk::rotation_of<float>(target), zk::translation_of<float>(target)};
+    const Target to = {rotation_of<float>(base_T_flange), translation_of<float>(base_T_flange)};
 
-    if (ikine_get_solution_range_zk75() > 1.0f) {
-        sweep(arm, from, to, out);
+    if (search.is_wide()) {
+        sweep(arm, from, to, joint);
     } else {
         const Joints q = pseudo_inverse_step(arm, from, to);
-        if (near_alignment(from)) return take_step(arm, q, out);
+        if (near_alignment(from)) return take_step(arm, q, joint);
         const Joints answer = follow(arm, q, to, from[6]);
-        std::copy(answer.begin(), answer.end(), out);
+        std::copy(answer.begin(), answer.end(), joint);
     }
-    wrap_into_limits(arm, out);
-    return hand_over(arm, out);
+    wrap_into_limits(arm, joint);
+    return hand_over(arm, joint);
+}
+
+ZK_API int inverse_kinematics_zk_75(float* seed, float* out, Mat target) {
+    return zk::solve_zk75(robot, {theta_v}, seed, out, zk::transform_of(target));
 }

@@ -2,6 +2,7 @@
 // in brackets are the equations of docs/kinematics.md.
 #include <cmath>
 
+#include "kinematics/solvers.h"
 #include "kinematics/spherical_wrist.h"
 #include "zk/inverse_kinematics.h"
 
@@ -13,7 +14,8 @@ struct Zkl63_2 {
     static constexpr bool kJoint5NearPi = true;
     static constexpr bool kSumFromSeed = false;
 
-    const float a2 = robot.dh.a[1], a3 = robot.dh.a[2], a4 = robot.dh.a[3], d4 = robot.dh.d[3];
+    const float a2, a3, a4, d4;
+    explicit Zkl63_2(const DhParams& dh) : a2(dh.a[1]), a3(dh.a[2]), a4(dh.a[3]), d4(dh.d[3]) {}
 
     // No slack for a straight arm: k is a length here, and beyond 1 m far out of reach.
     Elbows elbows(float r, float z) const {
@@ -40,8 +42,13 @@ struct Zkl63_2 {
 };
 
 }  // namespace
+
+int solve_zkl63_2(const RobotModel& model, const float* seed, float* joint, const Matrix& world_T_tool) {
+    return SphericalWrist<Zkl63_2>(model, seed, world_T_tool).solve(joint);
+}
+
 }  // namespace zk
 
 ZK_API int inverse_kinematics_zkl63_2(const float* seed, float* joint, Matrix world_T_tool) {
-    return zk::SphericalWrist<zk::Zkl63_2>(seed, world_T_tool).solve(joint);
+    return zk::solve_zkl63_2(robot, seed, joint, world_T_tool);
 }

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "kinematics/six_joint.h"
+#include "kinematics/solvers.h"
 #include "zk/inverse_kinematics.h"
 
 namespace zk {
@@ -11,8 +12,12 @@ namespace {
 
 class Zkl63_3 {
  public:
-    Zkl63_3(const float* seed, const Matrix& world_T_tool)
-        : seed_(seed), seed7_(seed[6]), wrist_(shoulder_T_wrist<float>(world_T_tool)) {}
+    Zkl63_3(const RobotModel& model, const float* seed, const Matrix& world_T_tool)
+        : model_(model),
+          seed_(model, seed),
+          seed7_(seed[6]),
+          wrist_(shoulder_T_wrist<float>(model, world_T_tool)),
+          range_(Range::widened(model)) {}
 
     // Two shoulders, two elbows, two wrists, the last changing fastest. NaN counts as out of reach everywhere.
     int solve(float* joint) {
@@ -123,23 +128,29 @@ class Zkl63_3 {
     int write(float* joint) const {
         const auto angle = [&](int j) {
             const float theta = j == 5 ? best_.theta[j] + seed_.turns : best_.theta[j];
-            return range_.wrapped(j, theta) - robot.dh.offset[j];
+            return range_.wrapped(j, theta) - model_.dh.offset[j];
         };
-        return write_up_to_limit(range_, 0.0f, 6, angle, joint);
+        return write_up_to_limit(model_, range_, 0.0f, 6, angle, joint);
     }
 
+    const RobotModel& model_;
     const Seed<float> seed_;
     const float seed7_;
     const Wrist<float> wrist_;
-    const Range range_ = Range::widened();
-    const float d2_ = robot.dh.d[1], d4_ = robot.dh.d[3];
-    const float a2_ = robot.dh.a[1], a3_ = robot.dh.a[2], a4_ = robot.dh.a[3];
+    const Range range_;
+    const float d2_ = model_.dh.d[1], d4_ = model_.dh.d[3];
+    const float a2_ = model_.dh.a[1], a3_ = model_.dh.a[2], a4_ = model_.dh.a[3];
     Best best_;
 };
 
 }  // namespace
+
+int solve_zkl63_3(const RobotModel& model, const float* seed, float* joint, const Matrix& world_T_tool) {
+    return Zkl63_3(model, seed, world_T_tool).solve(joint);
+}
+
 }  // namespace zk
 
 ZK_API int inverse_kinematics_zkl63_3(const float* seed, float* joint, Matrix world_T_tool) {
-    return zk::Zkl63_3(seed, world_T_tool).solve(joint);
+    return zk::solve_zkl63_3(robot, seed, joint, world_T_tool);
 }

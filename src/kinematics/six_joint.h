@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "numeric/arc_tangent.h"
+#include "numeric/frame_inverse.h"
 #include "numeric/sine_cosine.h"
 #include "zk/model.h"
 #include "zk/numeric.h"
@@ -46,12 +47,9 @@ struct Wrist {
 };
 
 template <class Real>
-Wrist<Real> shoulder_T_wrist(const Matrix& world_T_tool) {
-    Matrix world_T_base, flange_T_tool;
-    libalgo_get_robot_install_angle_matrix(&world_T_base);
-    libalgo_get_tool_cs_matrix(&flange_T_tool);
-    const Matrix base_T_world = matrix_inv_coordinate_system(world_T_base);
-    const Matrix tool_T_flange = matrix_inv_coordinate_system(flange_T_tool);
+Wrist<Real> shoulder_T_wrist(const RobotModel& model, const Matrix& world_T_tool) {
+    const Matrix base_T_world = frame_inverse(model.install_angle_matrix);
+    const Matrix tool_T_flange = frame_inverse(model.tool_cs_matrix);
     const auto row_times = [](const auto* row, const Matrix& t, int j) -> double {
         const double sum = row[0] * double{t.m[0][j]} + row[1] * double{t.m[1][j]} + row[2] * double{t.m[2][j]};
         return j == 3 ? sum + row[3] : sum;
@@ -66,7 +64,7 @@ Wrist<Real> shoulder_T_wrist(const Matrix& world_T_tool) {
     for (int i = 0; i < 3; ++i) {
         for (int j = 0; j < 3; ++j) wrist.m[i][j] = static_cast<Real>(t[i][j]);
     }
-    const double d1 = robot.dh.d[0], d6 = robot.dh.d[5];
+    const double d1 = model.dh.d[0], d6 = model.dh.d[5];
     wrist.x = static_cast<Real>(t[0][3] - d6 * t[0][2]);  // (F2)
     wrist.y = static_cast<Real>(t[1][3] - d6 * t[1][2]);
     wrist.z = static_cast<Real>(t[2][3] - d6 * t[2][2] - d1);
@@ -102,8 +100,8 @@ struct Seed {
     Real theta[6];
     float turns;
 
-    explicit Seed(const float* joint) : turns(std::trunc(joint[5] / kTurn) * kTurn) {
-        for (int j = 0; j < 6; ++j) theta[j] = static_cast<Real>(joint[j]) + robot.dh.offset[j];  // (F3)
+    Seed(const RobotModel& model, const float* joint) : turns(std::trunc(joint[5] / kTurn) * kTurn) {
+        for (int j = 0; j < 6; ++j) theta[j] = static_cast<Real>(joint[j]) + model.dh.offset[j];  // (F3)
         theta[5] -= turns;
     }
 
@@ -116,16 +114,18 @@ struct Seed {
 
 // The range of each joint in model angles.
 struct Range {
-    float min[8], max[8];
+    float min[6], max[6];
 
-    Range() {
-        libalgo_get_modeling_jointlim_min(min);
-        libalgo_get_modeling_jointlim_max(max);
+    explicit Range(const RobotModel& model) {
+        for (int j = 0; j < 6; ++j) {
+            min[j] = model.joint_config[j].pos_min + model.dh.offset[j];
+            max[j] = model.joint_config[j].pos_max + model.dh.offset[j];
+        }
     }
     // Half a degree more on both sides, so that an arm at its limit can be solved for.
-    static Range widened() {
+    static Range widened(const RobotModel& model) {
         constexpr double kSlack = 0.0087;
-        Range range;
+        Range range(model);
         for (int j = 0; j < 6; ++j) {
             range.min[j] = static_cast<float>(range.min[j] - kSlack);
             range.max[j] = static_cast<float>(range.max[j] + kSlack);
@@ -142,9 +142,10 @@ struct Range {
 
 // Writes the joint angles up to and including the first one beyond its limit.
 template <class Real, class JointAngle>
-int write_up_to_limit(const Range& range, Real slack, int joints, JointAngle angle, float* joint) {
+int write_up_to_limit(const RobotModel& model, const Range& range, Real slack, int joints, JointAngle angle,
+                      float* joint) {
     for (int j = 0; j < joints; ++j) {
-        const Real offset = robot.dh.offset[j], q = angle(j);
+        const Real offset = model.dh.offset[j], q = angle(j);
         joint[j] = static_cast<float>(q);
         if (!(q <= range.max[j] - offset + slack && q >= range.min[j] - offset - slack)) return kBeyondLimits;
     }

@@ -32,7 +32,15 @@ Transform<Real> operator*(const Transform<Real>& a, const Transform<Real>& b) {
     return c;
 }
 
-// The rotation and the translation of a transform in any record that has an m.
+// A transform, and its rotation and translation, from any record that has an m.
+template <class T>
+Transform<float> transform_of(const T& t) {
+    Transform<float> result;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 4; ++j) result.m[i][j] = t.m[i][j];
+    }
+    return result;
+}
 template <class Real, class T>
 Mat3Of<Real> rotation_of(const T& t) {
     Mat3Of<Real> r;

@@ -3,6 +3,7 @@
 // Numbers in brackets are the equations of docs/kinematics.md.
 //
 // The geometry of an arm:
+//     Arm(const DhParams& dh)
 //     Elbows elbows(float r, float z)            both t3 with the wrist point at (r, z) in the plane of joints 2 and 3;
 //                                                NaN out of reach
 //     Point toward_t23(float r, float z, SineCosine t3)     a point at the angle t2 + t3
@@ -39,8 +40,12 @@ struct Axes {
 template <class Arm>
 class SphericalWrist {
  public:
-    SphericalWrist(const float* seed, const Matrix& world_T_tool)
-        : seed_(seed), wrist_(shoulder_T_wrist<float>(world_T_tool)) {}
+    SphericalWrist(const RobotModel& model, const float* seed, const Matrix& world_T_tool)
+        : model_(model),
+          seed_(model, seed),
+          wrist_(shoulder_T_wrist<float>(model, world_T_tool)),
+          range_(Range::widened(model)),
+          arm_(model.dh) {}
 
     // The six joints to `joint`; kSolved, kUnreachable or kBeyondLimits.
     int solve(float* joint) {
@@ -49,7 +54,7 @@ class SphericalWrist {
         try_arm(b, b.elbow.first);
         try_arm(a, a.elbow.second);
         try_arm(b, b.elbow.second);
-        if (best_.found() && libalgo_get_is_avoid_Singularity() == 1) hold_singular_wrist();
+        if (best_.found() && model_.is_avoid_Singularity == 1) hold_singular_wrist();
         if (best_.found()) best_.theta[5] = beside(seed_.theta[5], best_.theta[5]);
         return write(joint);
     }
@@ -163,7 +168,7 @@ class SphericalWrist {
 
     // Converts model angles to joint values. Without a solution these are the model's zero pose.
     int write(float* joint) const {
-        const float* offset = robot.dh.offset;
+        const float* offset = model_.dh.offset;
         for (int j = 0; j < 6; ++j) joint[j] = (j == 5 ? best_.theta[j] + seed_.turns : best_.theta[j]) - offset[j];
         if (!best_.found()) return kUnreachable;
         for (int j = 0; j < 6; ++j) {
@@ -172,9 +177,10 @@ class SphericalWrist {
         return kSolved;
     }
 
+    const RobotModel& model_;
     const Seed<float> seed_;
     const Wrist<float> wrist_;
-    const Range range_ = Range::widened();
+    const Range range_;
     const Arm arm_;
     Best best_;
 };

@@ -1,11 +1,13 @@
 // The one entry of the inverse kinematics: from a pose in the work frame to a target for the solver of the model.
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
-#include "zk/dense_matrix.h"
+#include "kinematics/solvers.h"
+#include "numeric/fixed_matrix.h"
+#include "numeric/frame_inverse.h"
 #include "zk/inverse_kinematics.h"
 #include "zk/numeric.h"
-#include "zk/seven_axis.h"
 
 namespace zk {
 namespace {
@@ -20,63 +22,67 @@ float at_full_turn(float angle) {
 }
 
 // base_T_flange of a tool at world_T_tool: without mounting and tool.
-Mat flange_target(const Matrix& world_T_tool) {
-    Matrix world_T_base, flange_T_tool;
-    libalgo_get_robot_install_angle_matrix(&world_T_base);
-    libalgo_get_tool_cs_matrix(&flange_T_tool);
-    const Matrix base_T_tool = matrix_m(matrix_inv_coordinate_system(world_T_base), world_T_tool);
-    return matrix_to_mat(matrix_m(base_T_tool, matrix_inv_coordinate_system(flange_T_tool)));
+Transform<float> flange_target(const RobotModel& model, const Matrix& world_T_tool) {
+    const Matrix base_T_tool = product<double>(frame_inverse(model.install_angle_matrix), world_T_tool);
+    return transform_of(product<double>(base_T_tool, frame_inverse(model.tool_cs_matrix)));
 }
 
 }  // namespace
-}  // namespace zk
 
-using namespace zk;
-
-ZK_API void calc_Tbase2tool_from_Pose(Matrix* world_T_tool, const Pose* pose, int flag) {
-    Matrix work_T_world;
-    libalgo_get_work_cs_to_base_matrix(&work_T_world);
-    Pose target = *pose;
+Matrix tool_target(const RobotModel& model, const Pose& pose, int flag) {
+    Pose target = pose;
     if (flag == 1) target.quaternion = euler_to_quat(target.euler);
-    *world_T_tool = matrix_m(matrix_inv_coordinate_system(work_T_world), pose_quat_to_transformation_matrix(target));
+    return product<double>(frame_inverse(model.work_cs_to_base_matrix), pose_quat_to_transformation_matrix(target));
 }
 
-ZK_API int inverse_kinematics(const float* seed, const Pose* pose, float* joint, uint8_t flag) {
-    Matrix world_T_tool;
-    calc_Tbase2tool_from_Pose(&world_T_tool, pose, flag);
-    const auto model = static_cast<uint8_t>(libalgo_get_robot_type());
+int solve_model(const RobotModel& model, const Search& search, const float* seed, const Pose& pose, float* joint,
+                std::uint8_t flag) {
+    const Matrix target = tool_target(model, pose, flag);
+    const auto number = static_cast<std::uint8_t>(model.robot_type);
     float local[8] = {};
-    std::copy_n(seed, libalgo_get_rbt_dof(), local);
-    float& last = local[model == 1 ? 6 : 5];
+    std::copy_n(seed, model.dof, local);
+    float& last = local[number == 1 ? 6 : 5];
     last = at_full_turn(last);
-    switch (model) {
+    switch (number) {
         case 0:
-            return inverse_kinematics_zk6(local, joint, world_T_tool);
+            return solve_zk6(model, local, joint, target);
         case 1:
-            return inverse_kinematics_zk_75(local, joint, flange_target(world_T_tool));
+            return solve_zk75(model, search, local, joint, flange_target(model, target));
         case 3:
-            return inverse_kinematics_zkl63_2(local, joint, world_T_tool);
+            return solve_zkl63_2(model, local, joint, target);
         case 4:
-            return inverse_kinematics_zkl63_3(local, joint, world_T_tool);
+            return solve_zkl63_3(model, local, joint, target);
         case 5:
         case 6:
         case 8:
-            return inverse_kinematics_orb6(local, joint, world_T_tool);
+            return solve_orb6(model, local, joint, target);
         case 7:
-            return inverse_kinematics_tau7(seed, joint, flange_target(world_T_tool));
+            return solve_tau7(model, search, seed, joint, flange_target(model, target));
         default:
             return kNoSolver;
     }
 }
 
-ZK_API int joint_overspeed_judgment(const float* from, const float* to, float scale) {
+int first_too_fast(const RobotModel& model, const float* from, const float* to, float scale) {
     if (scale < 0) scale = 0;
-    float speed[8];
-    libalgo_get_joint_vel_maxlim(speed);
-    for (int j = 0; j < libalgo_get_rbt_dof(); ++j) {
+    for (int j = 0; j < model.dof; ++j) {
         const float step = std::fabs(from[j] - to[j]);
-        const float allowance = libalgo_get_control_loop_period() * speed[j] * scale;
+        const float allowance = model.control_loop_period * model.joint_config[j].vel_max * scale;
         if (step > allowance) return j + 1;
     }
     return 0;
+}
+
+}  // namespace zk
+
+ZK_API void calc_Tbase2tool_from_Pose(Matrix* world_T_tool, const Pose* pose, int flag) {
+    *world_T_tool = zk::tool_target(robot, *pose, flag);
+}
+
+ZK_API int inverse_kinematics(const float* seed, const Pose* pose, float* joint, uint8_t flag) {
+    return zk::solve_model(robot, {theta_v}, seed, *pose, joint, flag);
+}
+
+ZK_API int joint_overspeed_judgment(const float* from, const float* to, float scale) {
+    return zk::first_too_fast(robot, from, to, scale);
 }

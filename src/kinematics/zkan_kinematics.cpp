@@ -1,50 +1,33 @@
 // Forward kinematics of the arm that the model describes: its family's chain between the model's frames.
+#include <algorithm>
+#include <cstdint>
+
+#include "kinematics/forward.h"
 #include "kinematics/statics.h"
+#include "numeric/fixed_matrix.h"
 #include "zk/kinematics.h"
 #include "zk/numeric.h"
 
 namespace zk {
 namespace {
 
-struct Family {
-    Matrix (*flange)(const float* joint);
-    Matrix (*rotation)(const float* joint);
-};
-
-// The family of the model, whose DH parameters and number its functions then work with.
-Family refreshed_family() {
-    libalgo_get_dh_value(&zk_robot_dh);
-    zk_robot_type = static_cast<uint8_t>(libalgo_get_robot_type());
-    switch (zk_robot_type) {
-        case 1:
-            return {forward_kinematics_e_zk75, forward_kinematics_rotate_zk75};
-        case 3:
-            return {forward_kinematics_e_zkl63_2, forward_kinematics_rotate_zkl63_2};
-        case 4:
-            return {forward_kinematics_e_zkl63_3, forward_kinematics_rotate_zkl63_3};
-        case 5:
-        case 6:
-        case 8:
-            return {forward_kinematics_e_orb6, forward_kinematics_rotate_orb6};
-        case 7:
-            return {forward_kinematics_e_tau7, forward_kinematics_rotate_tau7};
-        default:
-            return {forward_kinematics_e_zk65, forward_kinematics_rotate_zk65};
-    }
+// What the interface keeps of each computation of the whole arm, besides its result.
+std::uint8_t keep_arm(const RobotModel& model, const float* joint) {
+    zk_robot_dh = model.dh;
+    zk_robot_type = static_cast<std::uint8_t>(model.robot_type);
+    if (zk_robot_type == 1) std::copy_n(joint, 7, zk_c_angle);
+    return zk_robot_type;
 }
 
-template <void (*get)(Matrix*)>
-Matrix model() {
-    Matrix m;
-    get(&m);
-    return m;
+const Matrix& kept_flange(const RobotModel& model, const float* joint) {
+    keep_arm(model, joint);
+    return zk_T_BE = zk_T_1N = base_T_flange(model, joint);
 }
-constexpr auto flange_T_tool = model<libalgo_get_tool_cs_matrix>;
-constexpr auto world_T_base = model<libalgo_get_robot_install_angle_matrix>;
-constexpr auto work_T_world = model<libalgo_get_work_cs_to_base_matrix>;
 
-const Matrix& base_T_flange(const float* joint) { return zk_T_BE = refreshed_family().flange(joint); }
-Matrix base_R_flange(const float* joint) { return refreshed_family().rotation(joint); }
+const Matrix& kept_rotation(const RobotModel& model, const float* joint) {
+    Matrix& keep = keep_arm(model, joint) == 4 ? zk_T_1N : zk_T_1N_rotate;
+    return keep = base_R_flange(model, joint);
+}
 
 Matrix rotation_of(Matrix t) {
     t.rows = t.cols = 3;
@@ -59,13 +42,17 @@ Position operator*(const Matrix& t, const Position& p) {
     return {row(0), row(1), row(2)};
 }
 
-Matrix world_T_tool(const float* joint) {
-    return matrix_m(matrix_m(world_T_base(), base_T_flange(joint)), flange_T_tool());
+Matrix world_T_tool(const RobotModel& model, const Matrix& base_T_flange) {
+    return product<double>(product<double>(model.install_angle_matrix, base_T_flange), model.tool_cs_matrix);
 }
 
 // Only the translation of world_T_tool.
-Position tool_in_world(const float* joint) {
-    return world_T_base() * (base_T_flange(joint) * translation(flange_T_tool()));
+Position tool_in_world(const RobotModel& model, const Matrix& base_T_flange) {
+    return model.install_angle_matrix * (base_T_flange * translation(model.tool_cs_matrix));
+}
+
+Matrix work_R_flange(const RobotModel& model, const Matrix& base_R_flange) {
+    return product<double>(product<double>(model.work_cs_to_base_matrix, model.install_angle_matrix), base_R_flange);
 }
 
 }  // namespace
@@ -73,33 +60,35 @@ Position tool_in_world(const float* joint) {
 
 using namespace zk;
 
-ZK_API Matrix forward_kinematics_e(const float* joint) { return base_T_flange(joint); }
+ZK_API Matrix forward_kinematics_e(const float* joint) { return kept_flange(robot, joint); }
 
 ZK_API Matrix forward_kinematics_world_to_flange(const float* joint) {
-    return matrix_m(world_T_base(), base_T_flange(joint));
+    return product<double>(robot.install_angle_matrix, kept_flange(robot, joint));
 }
 
 ZK_API Matrix forward_kinematics_rotate(const float* joint) {
-    const Matrix work_T_base = matrix_m(work_T_world(), world_T_base());
-    return zk_T_BE_rotate_tool = rotation_of(matrix_m(matrix_m(work_T_base, base_R_flange(joint)), flange_T_tool()));
+    const Matrix work_R_tool = product<double>(work_R_flange(robot, kept_rotation(robot, joint)), robot.tool_cs_matrix);
+    return zk_T_BE_rotate_tool = rotation_of(work_R_tool);
 }
 
 ZK_API Matrix forward_kinematics_rotate_flange(const float* joint) {
-    const Matrix work_T_base = matrix_m(work_T_world(), world_T_base());
-    return zk_T_BE_rotate_flange = rotation_of(matrix_m(work_T_base, base_R_flange(joint)));
+    return zk_T_BE_rotate_flange = rotation_of(work_R_flange(robot, kept_rotation(robot, joint)));
 }
 
 ZK_API Position forward_kinematics_pos(const float* joint) {
-    return zk_position = work_T_world() * tool_in_world(joint);
+    return zk_position = robot.work_cs_to_base_matrix * tool_in_world(robot, kept_flange(robot, joint));
 }
 
-ZK_API Position forward_kinematics_pos_calibration(const float* joint) { return zk_position = tool_in_world(joint); }
+ZK_API Position forward_kinematics_pos_calibration(const float* joint) {
+    return zk_position = tool_in_world(robot, kept_flange(robot, joint));
+}
 
 ZK_API PoseAndMatrix forward_kinematics_for_unity(const float* joint) {
-    const Matrix t = world_T_tool(joint);
+    const Matrix t = world_T_tool(robot, kept_flange(robot, joint));
     return {transformation_matrix_to_pose(t), t};
 }
 
 ZK_API Pose forward_kinematics(const float* joint) {
-    return transformation_matrix_to_pose(matrix_m(work_T_world(), world_T_tool(joint)));
+    const Matrix t = world_T_tool(robot, kept_flange(robot, joint));
+    return transformation_matrix_to_pose(product<double>(robot.work_cs_to_base_matrix, t));
 }

@@ -14,4 +14,8 @@ void set_tool(RobotModel& model, const float* params);
 void set_work_frame(RobotModel& model, const float* params);
 void set_mounting(RobotModel& model, const float* angles);
 
+// One limit of all eight joints. Radians.
+using Limit = float JointConfig::*;
+void set_limits(RobotModel& model, Limit limit, const float* values);
+
 }  // namespace zk

@@ -1,5 +1,6 @@
 #include "numeric/exchange_inverse.h"
 #include "numeric/fixed_matrix.h"
+#include "numeric/frame_inverse.h"
 #include "zk/numeric.h"
 
 namespace zk {
@@ -37,23 +38,4 @@ ZK_API Matrix matrix_inv_full_rank(Matrix A) {
     return zk::filled<Matrix>(4, 4, [&](int i, int j) { return zk::times(zk::cofactor(A, j, i), d); });
 }
 
-// [B t; 0 1] has the inverse [inverse(B), -inverse(B) t; 0 1]. With B = (a b c), the rows of inverse(B) are b x c, c x
-// a and a x b over det(B), and by the rule of Cramer inverse(B) t = (det(t b c), det(a t c), det(a b t)) / det(B).
-ZK_API Matrix matrix_inv_coordinate_system(Matrix T) {
-    const auto& m = T.m;
-    const zk::Column a{m[0][0], m[1][0], m[2][0]}, b{m[0][1], m[1][1], m[2][1]}, c{m[0][2], m[1][2], m[2][2]},
-        t{m[0][3], m[1][3], m[2][3]};
-    const double d = 1 / zk::determinant(a, b, c);
-    const auto fill = [d](float* row, const zk::Column& u, const zk::Column& v, float translation) {
-        row[0] = zk::times(u.y * v.z - u.z * v.y, d);
-        row[1] = zk::times(u.z * v.x - u.x * v.z, d);
-        row[2] = zk::times(u.x * v.y - u.y * v.x, d);
-        row[3] = zk::times(-translation, d);
-    };
-    Matrix result = zk::sized<Matrix>(4, 4);
-    fill(result.m[0], b, c, zk::determinant(t, b, c));
-    fill(result.m[1], c, a, zk::determinant(a, t, c));
-    fill(result.m[2], a, b, zk::determinant(a, b, t));
-    result.m[3][3] = 1;
-    return result;
-}
+ZK_API Matrix matrix_inv_coordinate_system(Matrix T) { return zk::frame_inverse(T); }

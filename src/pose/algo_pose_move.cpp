@@ -37,6 +37,21 @@ Euler turned(const Euler& e, const Axis& k, float theta) {
     return matrix_to_euler(product<float>(euler_to_matrix(e), K));
 }
 
+// The turn is about the axes of the model's work or tool frame.
+Pose rotated(const RobotModel& model, const float* delta, int frame, Pose p) {
+    if (frame == kWorkFrame || frame == kToolFrame) {
+        const bool in_work = frame == kWorkFrame;
+        const Pose f = pose_of(in_work ? model.work_cs : model.tool_cs);
+        const auto rotate = in_work ? Rodrigues_rotate_simplify : Rodrigues_rotate_simplify_tool;
+        for (int i = 0; i < 3; ++i) {
+            const int axis[3] = {i == 0, i == 1, i == 2};
+            const float theta = radians(delta[3 + i]);
+            if (theta != 0) p.euler = rotate(axis, p.euler, theta, f);
+        }
+    }
+    return oriented(p, p.euler);
+}
+
 }  // namespace
 }  // namespace zk
 
@@ -53,19 +68,7 @@ ZK_API Euler Rodrigues_rotate_simplify_tool(const int* axis, Euler e, float thet
     return zk::turned(e, number < 0 ? zk::Axis{} : zk::column(unit_matrix(3), number), theta);
 }
 
-ZK_API Pose rotateMove(const float* delta, int frame, Pose p) {
-    if (frame == zk::kWorkFrame || frame == zk::kToolFrame) {
-        const bool in_work = frame == zk::kWorkFrame;
-        const Pose f = in_work ? zk::work_frame() : zk::tool_frame();
-        const auto rotate = in_work ? Rodrigues_rotate_simplify : Rodrigues_rotate_simplify_tool;
-        for (int i = 0; i < 3; ++i) {
-            const int axis[3] = {i == 0, i == 1, i == 2};
-            const float theta = zk::radians(delta[3 + i]);
-            if (theta != 0) p.euler = rotate(axis, p.euler, theta, f);
-        }
-    }
-    return zk::oriented(p, p.euler);
-}
+ZK_API Pose rotateMove(const float* delta, int frame, Pose p) { return zk::rotated(robot, delta, frame, p); }
 
 ZK_API Pose dPosMoveWork(const float* delta, Pose p) {
     return {{p.position.x + delta[0], p.position.y + delta[1], p.position.z + delta[2]}, {}, {}};
@@ -89,7 +92,7 @@ ZK_API Pose dPosMove(const float* delta, int frame, Pose p) {
 }
 
 ZK_API Pose algo_pose_move(const float* delta, int frame, Pose p) {
-    Pose moved = rotateMove(delta, frame, p);
+    Pose moved = zk::rotated(robot, delta, frame, p);
     moved.position = dPosMove(delta, frame, p).position;
     return moved;
 }

@@ -15,15 +15,9 @@ inline Pose oriented(Pose p, const Euler& e) {
     return p;
 }
 
-template <void (*get_params)(float*)>
-Pose frame_of_model() {
-    float f[6];
-    get_params(f);
-    return {{f[0], f[1], f[2]}, {}, {f[3], f[4], f[5]}};
+inline Pose pose_of(const float (&frame)[6]) {
+    return {{frame[0], frame[1], frame[2]}, {}, {frame[3], frame[4], frame[5]}};
 }
-
-inline Pose work_frame() { return frame_of_model<libalgo_get_work_cs_params>(); }
-inline Pose tool_frame() { return frame_of_model<libalgo_get_tool_cs_params>(); }
 
 // Multiplies first, so it rounds unlike a product with the constant pi / 180.
 inline float radians(float degrees) { return degrees * 3.1415927f / 180.0f; }
