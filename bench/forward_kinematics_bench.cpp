@@ -115,6 +115,24 @@ void pose_with_frames(benchmark::State& state) {
 }
 BENCHMARK(pose_with_frames);
 
+// In degrees, from here on; a turn more or less in a joint costs nothing.
+void algo(benchmark::State& state) {
+    Algo_Init_Sys_Data(0, 0);
+    over_postures(state, Algo_Forward_Kinematics);
+}
+BENCHMARK(algo);
+
+void owned_model(benchmark::State& state) {
+    ZK_Model* const model = ZK_Model_New(0, 0);
+    over_postures(state, [model](const float* q) {
+        Pose pose;
+        ZK_Model_Forward(model, q, &pose);
+        return pose;
+    });
+    ZK_Model_Free(model);
+}
+BENCHMARK(owned_model);
+
 void kdl_recursive(benchmark::State& state) {
     const KDL::Chain chain = kdl_chain();
     KDL::ChainFkSolverPos_recursive solver(chain);
@@ -127,5 +145,22 @@ void kdl_recursive(benchmark::State& state) {
     });
 }
 BENCHMARK(kdl_recursive);
+
+// What the poses of the others hold too.
+void kdl_both_orientations(benchmark::State& state) {
+    const KDL::Chain chain = kdl_chain();
+    KDL::ChainFkSolverPos_recursive solver(chain);
+    KDL::JntArray joints(6);
+    over_postures(state, [&](const float* q) {
+        for (int i = 0; i < 6; ++i) joints(i) = q[i] + dh().offset[i];
+        KDL::Frame frame;
+        solver.JntToCart(joints, frame);
+        std::array<double, 7> pose;
+        frame.M.GetQuaternion(pose[0], pose[1], pose[2], pose[3]);
+        frame.M.GetRPY(pose[4], pose[5], pose[6]);
+        return std::pair(frame.p, pose);
+    });
+}
+BENCHMARK(kdl_both_orientations);
 
 }  // namespace

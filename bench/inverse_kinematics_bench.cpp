@@ -6,6 +6,8 @@
 #include <kdl/chainfksolverpos_recursive.hpp>
 #include <kdl/chainiksolverpos_lma.hpp>
 #include <random>
+#include <string>
+#include <vector>
 
 #include "support/kdl_arm.h"
 #include "support/kdl_frames.h"
@@ -38,29 +40,40 @@ KDL::Chain merged(const KDL::Chain& chain) {
 }
 
 struct Task {
-    Joints seed;
+    Joints seed, seed_degrees;
     Pose pose;
     KDL::Frame frame;
 };
 
-// Postures within 95 % of the limits, seeds within 0.1 rad of them.
+// Single targets: postures within 95 % of the limits, seeds within 0.1 rad of them. A path: postures one after another,
+// each the seed of the next.
+enum class Kind { kSingle, kPath };
+
 class Tasks {
  public:
-    explicit Tasks(int model)
+    explicit Tasks(int model, Kind kind = Kind::kSingle)
         : arm(zk::test::arm_of(model, 0)), chain(merged(zk::test::kdl_chain(arm))), forward_(chain) {
         libalgo_set_robot_and_sensor_type(model, 0);
         std::mt19937 random(7);
         std::uniform_real_distribution<float> share(0.025f, 0.975f), aside(-0.1f, 0.1f);
-        for (Task& task : tasks) {
-            Joints joints{};
-            task.seed = {};
+        Joints joints{};
+        for (size_t n = 0; n < tasks.size(); ++n) {
+            Task& task = tasks[n];
+            task.seed = joints;
             for (int i = 0; i < arm.joints; ++i) {
                 const float low = radians(arm.min[i]), high = radians(arm.max[i]);
-                joints[i] = low + share(random) * (high - low);
-                task.seed[i] = std::clamp(joints[i] + aside(random), low, high);
+                if (kind == Kind::kSingle) {
+                    joints[i] = low + share(random) * (high - low);
+                    task.seed[i] = std::clamp(joints[i] + aside(random), low, high);
+                } else {
+                    const float turn = 6.2831853f * (n + 1) * (i % 3 + 1) / tasks.size();
+                    joints[i] = (low + high) / 2 + (high - low) / 4 * std::sin(turn + i + 1);
+                    if (n == 0) task.seed[i] = (low + high) / 2 + (high - low) / 4 * std::sin(i + 1.f);
+                }
             }
             task.pose = forward_kinematics(joints.data());
             task.frame = frame_of(joints);
+            for (int i = 0; i < arm.joints; ++i) task.seed_degrees[i] = degrees(task.seed[i]);
         }
     }
 
@@ -82,6 +95,7 @@ class Tasks {
     }
 
     static float radians(int degrees) { return static_cast<float>(degrees * M_PI / 180); }
+    static float degrees(float radians) { return static_cast<float>(radians * 180 / M_PI); }
 
     zk::test::Arm arm;
     KDL::Chain chain;
@@ -108,16 +122,54 @@ void over_tasks(benchmark::State& state, Tasks& tasks, Solve solve) {
     state.counters["solved"] = solved / static_cast<double>(tasks.tasks.size());
 }
 
-void library(benchmark::State& state, int model, float range) {
-    Tasks tasks(model);
-    ikine_set_solution_range_zk75(range);
-    over_tasks(state, tasks, [](const Task& task, Joints& answer) {
-        return inverse_kinematics(task.seed.data(), &task.pose, answer.data(), 2);
+// Answers in degrees.
+template <class Solve>
+void in_degrees(benchmark::State& state, Tasks& tasks, Solve solve) {
+    over_tasks(state, tasks, [&](const Task& task, Joints& answer) {
+        if (solve(task, answer) != 0) return -1;
+        for (float& angle : answer) angle = static_cast<float>(angle * M_PI / 180);
+        return 0;
     });
 }
 
-void kdl_lma(benchmark::State& state, int model) {
+void algo(benchmark::State& state, int model, bool wide) {
     Tasks tasks(model);
+    Algo_Set_Redundant_Parameter_Traversal_Mode(wide);
+    in_degrees(state, tasks, [](const Task& task, Joints& answer) {
+        return Algo_Inverse_Kinematics(task.seed_degrees.data(), &task.pose, answer.data(), 0);
+    });
+}
+
+void owned_model(benchmark::State& state, int model, Kind kind) {
+    Tasks tasks(model, kind);
+    ZK_Model* const owned = ZK_Model_New(model, 0);
+    const ZK_InverseOptions options = {ZK_BY_QUATERNION, 0, {}, 0, 0};
+    in_degrees(state, tasks, [&](const Task& task, Joints& answer) {
+        return ZK_Model_Inverse(owned, &task.pose, task.seed_degrees.data(), &options, answer.data(), nullptr);
+    });
+    ZK_Model_Free(owned);
+}
+
+// All tasks at once; the time is that of one.
+void batch(benchmark::State& state, int model, int threads) {
+    const Tasks tasks(model);
+    constexpr int kCount = 4096;
+    ZK_Model* const owned = ZK_Model_New(model, 0);
+    std::vector<Pose> poses;
+    std::vector<float> seeds, answers(kCount * tasks.arm.joints);
+    for (int n = 0; n < kCount; ++n) {
+        const Task& task = tasks.tasks[n % tasks.tasks.size()];
+        poses.push_back(task.pose);
+        seeds.insert(seeds.end(), task.seed_degrees.begin(), task.seed_degrees.begin() + tasks.arm.joints);
+    }
+    while (state.KeepRunningBatch(kCount)) {
+        ZK_Model_Inverse_Batch(owned, poses.data(), seeds.data(), kCount, nullptr, answers.data(), nullptr, threads);
+    }
+    ZK_Model_Free(owned);
+}
+
+void kdl_lma(benchmark::State& state, int model, Kind kind) {
+    Tasks tasks(model, kind);
     KDL::ChainIkSolverPos_LMA solver(tasks.chain, Eigen::Matrix<double, 6, 1>::Ones(), 1e-5);
     KDL::JntArray joints(tasks.arm.joints);
     over_tasks(state, tasks, [&](const Task& task, Joints& answer) {
@@ -127,23 +179,26 @@ void kdl_lma(benchmark::State& state, int model) {
     });
 }
 
-constexpr float kNarrow = 0.013f, kWide = 3.14f;
-BENCHMARK_CAPTURE(library, model_0, 0, kNarrow);
-BENCHMARK_CAPTURE(kdl_lma, model_0, 0);
-BENCHMARK_CAPTURE(library, model_3, 3, kNarrow);
-BENCHMARK_CAPTURE(kdl_lma, model_3, 3);
-BENCHMARK_CAPTURE(library, model_4, 4, kNarrow);
-BENCHMARK_CAPTURE(kdl_lma, model_4, 4);
-BENCHMARK_CAPTURE(library, model_5, 5, kNarrow);
-BENCHMARK_CAPTURE(kdl_lma, model_5, 5);
-BENCHMARK_CAPTURE(library, model_6, 6, kNarrow);
-BENCHMARK_CAPTURE(kdl_lma, model_6, 6);
-BENCHMARK_CAPTURE(library, model_8, 8, kNarrow);
-BENCHMARK_CAPTURE(kdl_lma, model_8, 8);
-BENCHMARK_CAPTURE(library, model_1_narrow, 1, kNarrow);
-BENCHMARK_CAPTURE(library, model_1_wide, 1, kWide);
-BENCHMARK_CAPTURE(kdl_lma, model_1, 1);
-BENCHMARK_CAPTURE(library, model_7, 7, kNarrow);
-BENCHMARK_CAPTURE(kdl_lma, model_7, 7);
+const bool registered = [] {
+    const auto add = [](const char* name, int model, auto run) {
+        benchmark::RegisterBenchmark((std::string(name) + "/model_" + std::to_string(model)).c_str(), run);
+    };
+    for (const int model : {0, 3, 4, 5, 6, 8, 1, 7}) {
+        add("kdl_lma", model, [=](auto& state) { kdl_lma(state, model, Kind::kSingle); });
+        add("algo", model, [=](auto& state) { algo(state, model, false); });
+        add("owned_model", model, [=](auto& state) { owned_model(state, model, Kind::kSingle); });
+        if (model == 1) add("algo_wide", model, [=](auto& state) { algo(state, model, true); });
+        if (model == 1 || model == 7) {
+            add("kdl_lma_path", model, [=](auto& state) { kdl_lma(state, model, Kind::kPath); });
+            add("owned_model_path", model, [=](auto& state) { owned_model(state, model, Kind::kPath); });
+        }
+    }
+    for (const int threads : {1, 2}) {
+        benchmark::RegisterBenchmark(("batch/threads_" + std::to_string(threads)).c_str(), [=](auto& state) {
+            batch(state, 0, threads);
+        })->UseRealTime();
+    }
+    return true;
+}();
 
 }  // namespace

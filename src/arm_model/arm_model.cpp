@@ -86,7 +86,7 @@ Joints radians_of(const ZK_Model& model, const float* degrees) {
 
 void write_degrees(const ZK_Model& model, const Joints& q, float* degrees) {
     for (int i = 0; i < model.arm.joints; ++i) {
-        const float angle = static_cast<float>(q[i] / kRadiansPerDegree);
+        const float angle = static_cast<float>(q[i] * (1 / kRadiansPerDegree));
         degrees[i] = std::max(model.lowest[i], std::min(model.highest[i], angle));
     }
 }

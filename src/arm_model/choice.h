@@ -47,6 +47,12 @@ class Placing {
         return distance(i, q_[i]);
     }
 
+    // Whether the second turn of joint i is nearer to the seed than the first, whole turns left out.
+    bool is_nearer(int i, double first, double second) const {
+        const double seed = seed_turn(i);
+        return std::fabs(turned_to(second - seed, 0)) < std::fabs(turned_to(first - seed, 0));
+    }
+
     // The turn of joint i at the seed.
     double seed_turn(int i) const { return arm_.sign[i] * wanted_.seed[i] + arm_.shift[i]; }
 

@@ -46,6 +46,21 @@ bool checked_or_refined(const ZK_Model& model, const Frame& target, const Reques
            checked(model, target, request.wanted, q, joint, result);
 }
 
+struct Miss {
+    double metres, radians;
+};
+
+// Between two frames. The elements of two rotations differ by sqrt(8) sin(angle / 2) in all, the chord; for angles that
+// are not refused it is the angle.
+Miss miss_of(const Frame& a, const Frame& b) {
+    double metres = 0, chord = 0;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) chord += (a.m[i][j] - b.m[i][j]) * (a.m[i][j] - b.m[i][j]);
+        metres += (a.m[i][3] - b.m[i][3]) * (a.m[i][3] - b.m[i][3]);
+    }
+    return {std::sqrt(metres), std::sqrt(chord / 2)};
+}
+
 ZK_Cause cause_of(Refusal refusal) {
     switch (refusal) {
         case Refusal::kBeyondLimits:
@@ -107,9 +122,7 @@ bool checked(const ZK_Model& model, const Frame& target, const Wanted& wanted, c
     float written[7];
     write_degrees(model, q, written);
     const Joints at = radians_of(model, written);
-    const damped::Error miss = difference(work_T_tool(model.arm, at), target);
-    const double metres = std::sqrt(miss[0] * miss[0] + miss[1] * miss[1] + miss[2] * miss[2]);
-    const double radians = std::sqrt(miss[3] * miss[3] + miss[4] * miss[4] + miss[5] * miss[5]);
+    const auto [metres, radians] = miss_of(work_T_tool(model.arm, at), target);
     if (!(metres < ZK_INVERSE_METRES && radians < ZK_INVERSE_RADIANS)) return false;
     double largest = 0;
     for (int i = 0; i < model.arm.joints; ++i) largest = std::max(largest, std::fabs(at[i] - wanted.seed[i]));

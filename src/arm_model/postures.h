@@ -70,7 +70,8 @@ template <class Choice, class Then>
 void place_zyz(Choice& choice, int i, const Rotation& rotation, double distance, Then then) {
     const Zyz r = zyz(rotation);
     const double first = angle_of(r.first), middle = angle_of(r.middle), last = angle_of(r.last);
-    for (const bool flipped : {false, true}) {
+    const bool start = choice.is_nearer(i + 1, middle, -middle);
+    for (const bool flipped : {start, !start}) {
         double d = distance + choice.place(i + 1, flipped ? -middle : middle);
         if (!(d < choice.bound())) continue;
         if (r.aligned()) {
@@ -106,59 +107,66 @@ inline Rotation turned_y(Turn t, const Rotation& m) { return turned_back_y(-t, m
 
 // The two directions of joint 1 in which the point w is `aside` beside the plane of the arm; the distance along the
 // plane is +-along. On the axis of joint 1 it keeps the seed.
+struct Shoulder {
+    Turn turn;
+    double angle, along;
+};
 struct Shoulders {
-    Turn turn[2];
-    double along;
+    Shoulder nearer, other;  // to the seed
     int count;
-    double
-        slack;  // of the reach: the closer both directions are, the more rounding of the target moves the point along
+    double slack;  // of the reach: the closer both are to each other, the more rounding of the target moves `along`
 };
 template <class Choice>
 Shoulders shoulders(const Vector& w, double aside, const Choice& choice) {  // (C4)
     constexpr double kOnAxis = 1e-7;
-    const double squares = w[0] * w[0] + w[1] * w[1], distance = std::sqrt(squares);
-    if (distance < kOnAxis && std::fabs(aside) < kOnAxis) return {{turn_of(choice.seed_turn(0))}, 0, 1, kReachSlack};
+    const double squares = w[0] * w[0] + w[1] * w[1], distance = std::sqrt(squares), seed = choice.seed_turn(0);
+    if (distance < kOnAxis && std::fabs(aside) < kOnAxis) return {{turn_of(seed), seed, 0}, {}, 1, kReachSlack};
     const double square = squares - aside * aside;
     if (square < 0 && std::fabs(aside) - distance > kReachSlack) return {};
     const double along = square > 0 ? std::sqrt(square) : 0;
     const double scale = 1 / (distance * std::sqrt(along * along + aside * aside));
-    const auto turn = [&](double v) {
-        return Turn{(v * w[1] - aside * w[0]) * scale, (v * w[0] + aside * w[1]) * scale};
+    const auto shoulder = [&](double v) {
+        const Turn turn = {(v * w[1] - aside * w[0]) * scale, (v * w[0] + aside * w[1]) * scale};
+        return Shoulder{turn, angle_of(turn), v};
     };
+    const Shoulder a = shoulder(along), b = shoulder(-along);
     const double slack = kReachSlack + kRounding * std::fabs(aside) / (along + kRounding);
-    return {{turn(along), turn(-along)}, along, along > 0 ? 2 : 1, slack};
+    const bool swap = choice.is_nearer(0, a.angle, b.angle);
+    return {swap ? b : a, swap ? a : b, along > 0 ? 2 : 1, slack};
 }
 
 // ------------------------------------------------------------------------------------------------------- Six joints --
 
+// Both ways to bend the elbow of a wrist at a point, with what follows from them.
+template <class Choice>
+bool place_elbows(const Arm& arm, const Shoulder& shoulder, double slack, const Frame& target, Choice& choice) {
+    const double r = shoulder.along - arm.link[0][0], h = target.m[2][3];
+    const Turn first = bend(arm.upper, arm.fore, r * r + h * h, slack);
+    if (!(first.s >= 0)) return false;
+    const double d1 = choice.place(0, shoulder.angle);
+    if (!(d1 < choice.bound())) return true;
+    const Rotation in_plane = turned_back_z(shoulder.turn, rotation_of<double>(target));  // (L2)
+    const double e = angle_of(first);
+    const bool start = choice.is_nearer(2, e - arm.lean, -e - arm.lean);
+    for (const bool other : {start, !start}) {
+        const Turn elbow = other ? -first : first;
+        const double d3 = d1 + choice.place(2, (other ? -e : e) - arm.lean);
+        if (!(d3 < choice.bound())) continue;
+        const Turn t2 = toward(r, h, arm.upper, arm.fore, elbow);
+        const double d2 = d3 + choice.place(1, angle_of(t2));
+        if (!(d2 < choice.bound())) continue;
+        const Turn t23 = t2 + elbow + arm.unlean;
+        place_zyz(choice, 3, turned_back_y(t23, in_plane), d2, [&](double d) { choice.offer(d); });  // (L3)
+    }
+    return true;
+}
+
 // The wrist at a point: joints 1 to 3 follow from the point, joints 4 to 6 from the rotation.
 template <class Choice>
 bool spherical_wrist(const Arm& arm, const Frame& target, Choice& choice) {
-    const Rotation m = rotation_of<double>(target);
-    const Vector w = translation_of<double>(target);
-    bool reached = false;
-    const Shoulders shoulder = shoulders(w, arm.link[1][1], choice);
-    for (int i = 0; i < shoulder.count; ++i) {
-        const Turn t1 = shoulder.turn[i];
-        const double d1 = choice.place(0, angle_of(t1));
-        const double r = (i == 0 ? shoulder.along : -shoulder.along) - arm.link[0][0], h = w[2];
-        const Turn first = bend(arm.upper, arm.fore, r * r + h * h, shoulder.slack);
-        reached = reached || first.s >= 0;
-        if (!(first.s >= 0) || !(d1 < choice.bound())) continue;
-        const Rotation in_plane = turned_back_z(t1, m);  // (L2)
-        const double e = angle_of(first);
-        for (const bool other : {false, true}) {
-            const Turn elbow = other ? -first : first;
-            const double d3 = d1 + choice.place(2, (other ? -e : e) - arm.lean);
-            if (!(d3 < choice.bound())) continue;
-            const Turn t2 = toward(r, h, arm.upper, arm.fore, elbow);
-            const double d2 = d3 + choice.place(1, angle_of(t2));
-            if (!(d2 < choice.bound())) continue;
-            const Turn t23 = t2 + elbow + arm.unlean;
-            place_zyz(choice, 3, turned_back_y(t23, in_plane), d2, [&](double d) { choice.offer(d); });  // (L3)
-        }
-    }
-    return reached;
+    const Shoulders both = shoulders(translation_of<double>(target), arm.link[1][1], choice);
+    const bool reached = both.count > 0 && place_elbows(arm, both.nearer, both.slack, target, choice);
+    return (both.count > 1 && place_elbows(arm, both.other, both.slack, target, choice)) || reached;
 }
 
 // The plane of an arm with parallel axes: the rotation of its end seen there, and the wrist point from joint 2.
@@ -193,7 +201,8 @@ bool place_plane_arm(const Arm& arm, const Plane& plane, Turn t234, double dista
     if (!(first.s >= 0)) return false;
     if (!(distance < choice.bound())) return true;
     const double e = angle_of(first), sum = angle_of(t234);
-    for (const bool other : {false, true}) {
+    const bool start = choice.is_nearer(2, e, -e);
+    for (const bool other : {start, !start}) {
         const double t3 = other ? -e : e, d3 = distance + choice.place(2, t3);
         if (!(d3 < choice.bound())) continue;
         const double t2 = angle_of(toward(r, h, arm.upper, arm.fore, other ? -first : first));
@@ -226,7 +235,8 @@ bool place_hand(const Arm& arm, Plane plane, double distance, Choice& choice) {
     // Rounding of the target turns joint 6 by the more the closer the axes are, and joint 4 moves with it.
     plane.slack += kRounding * std::fabs(plane.hand) / s5;
     bool reached = false;
-    for (const bool flipped : {false, true}) {
+    const bool start = choice.is_nearer(4, t5, -t5);
+    for (const bool flipped : {start, !start}) {
         double d = distance + choice.place(4, flipped ? -t5 : t5);
         d += choice.place(5, flipped ? t6 + M_PI : t6);
         const Turn sum = plane.sum(flipped ? opposite(first) : first);
@@ -238,16 +248,14 @@ bool place_hand(const Arm& arm, Plane plane, double distance, Choice& choice) {
 // Joints 2 to 4 parallel: joints 1, 5, 6 follow from the direction of their axes, joints 2 to 4 are an arm in a plane.
 template <class Choice>
 bool parallel_axes(const Arm& arm, const Frame& target, Choice& choice) {
-    const Rotation m = rotation_of<double>(target);
-    const Vector w = translation_of<double>(target);
-    bool reached = false;
-    const Shoulders shoulder = shoulders(w, arm.link[3][1], choice);
-    for (int i = 0; i < shoulder.count; ++i) {
-        const double along = (i == 0 ? shoulder.along : -shoulder.along) - arm.link[0][0];
-        const Plane plane = {turned_back_z(shoulder.turn[i], m), along, w[2], arm.link[3][2], shoulder.slack};  // (P2)
-        if (place_hand(arm, plane, choice.place(0, angle_of(shoulder.turn[i])), choice)) reached = true;
-    }
-    return reached;
+    const Shoulders both = shoulders(translation_of<double>(target), arm.link[3][1], choice);
+    const auto reaches = [&](const Shoulder& shoulder) {
+        const Rotation in_plane = turned_back_z(shoulder.turn, rotation_of<double>(target));  // (P2)
+        const Plane plane = {in_plane, shoulder.along - arm.link[0][0], target.m[2][3], arm.link[3][2], both.slack};
+        return place_hand(arm, plane, choice.place(0, shoulder.angle), choice);
+    };
+    const bool reached = both.count > 0 && reaches(both.nearer);
+    return (both.count > 1 && reaches(both.other)) || reached;
 }
 
 // ----------------------------------------------------------------------------------------------------- Seven joints --

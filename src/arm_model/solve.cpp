@@ -171,6 +171,17 @@ bool found(const Arm& arm, const Frame& target, const Wanted& wanted, bool& reac
     return reached && try_harder(arm, target, wanted, q);
 }
 
+Answer solve_within(const Arm& arm, const Frame& target, const Wanted& wanted) {
+    Answer answer{};
+    bool reached = false;
+    if (found(arm, target, wanted, reached, answer.q)) return answer;
+    if (!reached) return {Refusal::kOutOfReach, 0, {}};
+    answer.q = least_beyond(arm, target, wanted);
+    const int joint = excess_of(answer.q, wanted.limits).joint;
+    if (refined_at_limit(arm, target, wanted, answer.q)) return answer;
+    return {Refusal::kBeyondLimits, joint, {}};
+}
+
 }  // namespace
 
 Limits within_step(const Limits& limits, const Joints& from, double max_step) {
@@ -183,18 +194,14 @@ Limits within_step(const Limits& limits, const Joints& from, double max_step) {
 }
 
 Answer solve(const Arm& arm, const Frame& target, const Wanted& wanted, double max_step) {
-    Answer answer{};
-    const bool bounded = max_step < kInfinity;
+    if (max_step == kInfinity) return solve_within(arm, target, wanted);
     Wanted within = wanted;
-    if (bounded) within.limits = within_step(wanted.limits, wanted.seed, max_step);
-    bool reached = false;
-    if (found(arm, target, within, reached, answer.q)) return answer;
-    if (!reached) return {Refusal::kOutOfReach, 0, {}};
-    const Joints beyond = answer.q = least_beyond(arm, target, within);
-    if (refined_at_limit(arm, target, within, answer.q)) return answer;
-    if (bounded && solve(arm, target, wanted, kInfinity).refusal == Refusal::kNone)
-        return {Refusal::kLargerStep, 0, {}};
-    return {Refusal::kBeyondLimits, excess_of(beyond, wanted.limits).joint, {}};
+    within.limits = within_step(wanted.limits, wanted.seed, max_step);
+    const Answer answer = solve_within(arm, target, within);
+    if (answer.refusal != Refusal::kBeyondLimits) return answer;
+    // Of the limits, or of the step?
+    const Answer further = solve_within(arm, target, wanted);
+    return further.refusal == Refusal::kNone ? Answer{Refusal::kLargerStep, 0, {}} : further;
 }
 
 }  // namespace zk::arm
