@@ -92,8 +92,7 @@ void write_degrees(const ZK_Model& model, const Joints& q, float* degrees) {
 }
 
 double manipulability(const Arm& arm, const Joints& q) {
-    Jacobian J;
-    jacobian(arm, q, translation_of<double>(arm.end_T_tool), J);
+    const Jacobian J = tool_jacobian(arm, q);
     // det(J J') by Cholesky's method: the product of the squares of its diagonal.
     double L[6][6], product = 1;
     for (int i = 0; i < 6; ++i) {
@@ -206,10 +205,10 @@ ZK_API int ZK_Model_Jacobian(const ZK_Model* model, const float* joint, ZK_Axes 
     if (!model || !joint || !jacobian || !are_finite(joint, model->arm.joints)) return ZK_BAD_ARGUMENT;
     if (axes != ZK_BASE_AXES && axes != ZK_TOOL_AXES) return ZK_BAD_ARGUMENT;
     const Arm& arm = model->arm;
-    zk::arm::Jacobian J;
-    const Frame end = arm::jacobian(arm, radians_of(*model, joint), translation_of<double>(arm.end_T_tool), J);
+    const zk::arm::Joints q = radians_of(*model, joint);
+    const zk::arm::Jacobian J = tool_jacobian(arm, q);
     Rotation to_axes = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
-    if (axes == ZK_TOOL_AXES) to_axes = transposed(rotation_of<double>(end * arm.end_T_tool));
+    if (axes == ZK_TOOL_AXES) to_axes = transposed(rotation_of<double>(root_T_end(arm, q) * arm.end_T_tool));
     for (int i = 0; i < arm.joints; ++i) {
         const Vector velocity = product(to_axes, Vector{J[0][i], J[1][i], J[2][i]});
         const Vector turn = product(to_axes, Vector{J[3][i], J[4][i], J[5][i]});

@@ -102,34 +102,42 @@ inline Frame work_T_tool(const Arm& arm, const Joints& q) {
     return arm.work_T_root * root_T_end(arm, q) * arm.end_T_tool;
 }
 
+// Where the joints of a posture are, seen from the root.
+struct Axes {
+    Vector axis[7], at[7];
+};
+
+inline Frame root_T_end(const Arm& arm, const Joints& q, Axes& axes) {
+    return for_build(arm.build, [&]<Build build>() {
+        return walked<build>(arm, q, [&](int i, const Walk& walk) {
+            axes.axis[i] = Form<build>::joints[i].about_y ? walk.y : walk.z;
+            axes.at[i] = walk.p;
+        });
+    });
+}
+
 // Rows 1 to 3: velocity; rows 4 to 6: angular velocity.
 using Jacobian = std::array<std::array<double, 7>, 6>;
 
-// The Jacobian of the point that stands at `point` in the end's frame, in the axes of the root, and root_T_end. Column
-// i is the turn of joint i: its axis, and the axis crossed with the way from the joint to the point (A7).
-template <Build build>
-Frame jacobian_of(const Arm& arm, const Joints& q, const Vector& point, Jacobian& J) {
-    constexpr auto& joints = Form<build>::joints;
-    Vector axis[7], at[7];
-    const Frame end = walked<build>(arm, q, [&](int i, const Walk& walk) {
-        axis[i] = joints[i].about_y ? walk.y : walk.z;
-        at[i] = walk.p;
-    });
-    Vector tip = product(rotation_of<double>(end), point);
-    for (int k = 0; k < 3; ++k) tip[k] += end.m[k][3];
-    J = {};
+// The Jacobian of a point, in the axes of the root. Column i is the turn of joint i: its axis, and the axis crossed
+// with the way from the joint to the point (A7). Columns beyond the arm's joints stay.
+inline void fill_jacobian(const Arm& arm, const Axes& axes, const Vector& point, Jacobian& J) {
     for (int i = 0; i < arm.joints; ++i) {
-        const Vector velocity = scaled(arm.sign[i], cross(axis[i], minus(tip, at[i])));
+        const Vector axis = scaled(arm.sign[i], axes.axis[i]), velocity = cross(axis, minus(point, axes.at[i]));
         for (int k = 0; k < 3; ++k) {
             J[k][i] = velocity[k];
-            J[k + 3][i] = arm.sign[i] * axis[i][k];
+            J[k + 3][i] = axis[k];
         }
     }
-    return end;
 }
 
-inline Frame jacobian(const Arm& arm, const Joints& q, const Vector& point, Jacobian& J) {
-    return for_build(arm.build, [&]<Build build>() { return jacobian_of<build>(arm, q, point, J); });
+// The Jacobian of the tool tip.
+inline Jacobian tool_jacobian(const Arm& arm, const Joints& q) {
+    Axes axes;
+    Jacobian J{};
+    const Frame tool = root_T_end(arm, q, axes) * arm.end_T_tool;
+    fill_jacobian(arm, axes, translation_of<double>(tool), J);
+    return J;
 }
 
 }  // namespace zk::arm

@@ -32,30 +32,29 @@ damped::Error difference(const Frame& from, const Frame& to) {
 }
 
 bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& q) {
-    Joints scale, y;
+    constexpr double kMetres = 1e-6, kRadians = 1e-6;
+    // In joints scaled by the roots of their weights the steps of least length are those of least weight.
+    Joints scale, unscale, scaled;
     damped::Limits limits;
     for (int i = 0; i < 7; ++i) {
         scale[i] = std::sqrt(wanted.weight[i]);
+        unscale[i] = 1 / scale[i];
         limits.lo[i] = wanted.limits.lo[i] * scale[i];
         limits.hi[i] = wanted.limits.hi[i] * scale[i];
-        y[i] = q[i] * scale[i];
+        scaled[i] = q[i] * scale[i];
     }
-    const auto unscaled = [&](const Joints& scaled) {
-        Joints joints;
-        for (int i = 0; i < 7; ++i) joints[i] = scaled[i] / scale[i];
-        return joints;
-    };
-    const auto at = [&](const Joints& scaled, damped::Jacobian& J) {
-        const Frame end = jacobian(arm, unscaled(scaled), {}, J);
+    const auto at = [&](const Joints& from, damped::Jacobian& J) {
+        for (int i = 0; i < 7; ++i) q[i] = from[i] * unscale[i];
+        Axes axes;
+        const Frame end = root_T_end(arm, q, axes);
+        J = {};
+        fill_jacobian(arm, axes, translation_of<double>(end), J);
         for (auto& row : J) {
-            for (int i = 0; i < 7; ++i) row[i] /= scale[i];
+            for (int i = 0; i < 7; ++i) row[i] *= unscale[i];
         }
         return difference(end, target);
     };
-    constexpr double kMetres = 1e-6, kRadians = 1e-6;
-    if (!damped::converge(at, limits, {}, kMetres, kRadians, y)) return false;
-    q = unscaled(y);
-    return true;
+    return damped::converge(at, limits, {}, kMetres, kRadians, scaled);
 }
 
 namespace {

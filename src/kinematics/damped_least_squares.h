@@ -63,17 +63,23 @@ inline void solve(std::array<Error, 6>& A, Error& b) {
     }
 }
 
-// (8.2) for the free joints; the contribution of the held ones is subtracted from the error first.
+// (8.2) for the free joints; the contribution of the held ones is subtracted from the error first. J J' is summed column
+// by column of J, so that the compiler can work on several rows at once.
 inline Joints free_step(const Jacobian& J, Error e, double damping, const Joints& pull, const std::array<bool, 7>& held,
                         const Joints& of_held) {
     Joints step;
-    for (int i = 0; i < 7; ++i) step[i] = held[i] ? of_held[i] : pull[i];
-    std::array<Error, 6> A;
-    for (int i = 0; i < 6; ++i) {
-        for (int k = 0; k < 7; ++k) e[i] -= J[i][k] * step[k];
-        for (int j = 0; j <= i; ++j) {
-            A[i][j] = i == j ? damping : 0;
-            for (int k = 0; k < 7; ++k) A[i][j] += held[k] ? 0 : J[i][k] * J[j][k];
+    std::array<Error, 6> A{};
+    for (int i = 0; i < 6; ++i) A[i][i] = damping;
+    for (int k = 0; k < 7; ++k) {
+        step[k] = held[k] ? of_held[k] : pull[k];
+        Error column;
+        for (int i = 0; i < 6; ++i) {
+            column[i] = J[i][k];
+            e[i] -= column[i] * step[k];
+        }
+        if (held[k]) continue;
+        for (int i = 0; i < 6; ++i) {
+            for (int j = 0; j < 6; ++j) A[i][j] += column[i] * column[j];
         }
     }
     solve(A, e);
