@@ -63,8 +63,8 @@ inline void solve(std::array<Error, 6>& A, Error& b) {
     }
 }
 
-// (8.2) for the free joints; the contribution of the held ones is subtracted from the error first. J J' is summed column
-// by column of J, so that the compiler can work on several rows at once.
+// (8.2) for the free joints; the contribution of the held ones is subtracted from the error first. J J' is summed
+// column by column of J, so that the compiler can work on several rows at once.
 inline Joints free_step(const Jacobian& J, Error e, double damping, const Joints& pull, const std::array<bool, 7>& held,
                         const Joints& of_held) {
     Joints step;
