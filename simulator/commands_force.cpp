@@ -59,7 +59,7 @@ struct Calibration {
 };
 using SharedCalibration = std::shared_ptr<Calibration>;
 
-constexpr double kPercent = 50;  // of the speed limits, between the poses
+constexpr double kPercent = 100;  // of the speed limits, between the poses
 
 Move joint_move(const Arm& arm, const JointVector& target) {
     Move move;

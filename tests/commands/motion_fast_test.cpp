@@ -51,17 +51,17 @@ const std::vector<CommandCase> kRows = {
          R"("trajectory_connect": 0})",
          kJoints, 255, 7, 0),
     MOVE(Movel_Cmd, "movel",
-         R"({"command": "movel", "pose": [300000, -200000, 1, 3141, -500, 0], "v": 20, "r": 50, )"
+         R"({"command": "movel", "pose": [300000, -200000, 1, 3141, -500, 0], "v": 100, "r": 50, )"
          R"("trajectory_connect": 0})",
-         kPose, 20, 50, 0),
+         kPose, 100, 50, 0),
     MOVE(Moves_Cmd, "moves",
          R"({"command": "moves", "pose": [300000, -200000, 1, 3141, -500, 0], "v": 1, "r": 0, )"
          R"("trajectory_connect": 0})",
          kPose, 1, 0, 0),
     MOVE(Movej_P_Cmd, "movej",
-         R"({"command": "movej_p", "pose": [300000, -200000, 1, 3141, -500, 0], "v": 100, "r": 1, )"
+         R"({"command": "movej_p", "pose": [300000, -200000, 1, 3141, -500, 0], "v": 20, "r": 1, )"
          R"("trajectory_connect": 0})",
-         kPose, 100, 1, 0),
+         kPose, 20, 1, 0),
     MOVE(Movec_Cmd, "movec",
          R"({"command": "movec", "pose": {"pose_via": [250000, 500000, -2147483648, 500, 250, 1000], )"
          R"("pose_to": [300000, -200000, 1, 3141, -500, 0]}, "v": 20, "r": 3, "loop": 255, "trajectory_connect": 0})",
@@ -80,10 +80,10 @@ const std::vector<CommandCase> kRows = {
            R"("trajectory_connect": -3})"),
 
     // An arm with an unknown position is not moved.
-    CommandCase{CALL(MoveCartesianTool_Cmd, (s, 20, 0, 0, true, 0.1f, 0, 0)), "get_current_arm_state",
+    CommandCase{CALL(MoveCartesianTool_Cmd, (s, 100, 0, 0, true, 0.02f, 0, 0)), "get_current_arm_state",
                 R"({"state":"current_arm_state","arm_state":7})"}
         .returning(11),
-    CommandCase{CALL(MoveRotate_Cmd, (s, 1, 20, 0, 0, true, kPose, 30)), "get_current_arm_state",
+    CommandCase{CALL(MoveRotate_Cmd, (s, 1, 100, 0, 0, true, kPose, 10)), "get_current_arm_state",
                 R"({"state":"current_arm_state"})"}
         .returning(9),
 };

@@ -118,6 +118,9 @@ TEST(ForceSensor, OneAxisSensorMeasuresItsAxisOnly) {
     // The seventh joint of the second pose follows the first pose.
     const Json poses{{"pose1", {10000, -30000, 15000, -60000, 20000, -40000, 10000, 10000}},
                      {"pose2", {10000, -30000, 15000, -60000, 20000, 50000}}};
+    Json beyond_limits = poses;
+    beyond_limits["pose2"][5] = 999000;
+    EXPECT_FALSE(talk.ask("manual_set_Fz", beyond_limits).at("set_state"));
     EXPECT_TRUE(talk.ask("manual_set_Fz", poses).at("set_state"));
     EXPECT_EQ(talk.joints()[6], 10);
     talk.move_to(joints);

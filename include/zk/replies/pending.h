@@ -44,7 +44,7 @@ typedef enum ZK_KeyCode {
     ZK_KEY_PROGRAM_END = 240,
 } ZK_KeyCode;
 
-/* A request whose reply is waited for on the list SockeRIinfos. */
+/* A reply that a call expects, on the list SockeRIinfos. */
 typedef struct PendingReply {
     int32_t socket;
     char reply_text[300];
