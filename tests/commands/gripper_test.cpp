@@ -130,7 +130,7 @@ int opening(ArmSocket arm) {
 TEST(GripperOfASimulatedArm, GripsWhatThereIs) {
     SimulatedArm arm({"--object", "300"});
     EXPECT_EQ(opening(arm), 1000);
-    EXPECT_EQ(Set_Gripper_Pick(arm, 1000, 200, true, 60), 0);
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(Set_Gripper_Pick(arm, 1000, 200, true, 60), 0);
     GripperState state{};
     EXPECT_EQ(Get_Gripper_State(arm, &state), 0);
     EXPECT_EQ(text_of(state), "1 1, 0 1 200 30 300");
