@@ -120,6 +120,11 @@ class Nearest : public Placing {
         distance_ = distance;
         best_ = q_;
     }
+    // A posture that was found in another way.
+    void start_from(const Joints& q, double distance) {
+        distance_ = distance;
+        best_ = q;
+    }
     bool found() const { return distance_ < kInfinity; }
     const Joints& best() const { return best_; }
 

@@ -148,25 +148,31 @@ bool is_far_out(const Arm& arm, const Frame& target) {
     return !(norm(p) < arm.upper + arm.fore + std::fabs(arm.link[5][0]) + kReachSlack);
 }
 
-// From the seed, an iteration takes the smallest steps there are. Near the seed nothing is nearer.
-bool near(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& q) {
+// From the seed, an iteration takes the smallest steps there are. Near the seed nothing is nearer; further away the
+// circle is searched for what is nearer.
+bool found_on_circle(const Arm& arm, const Frame& target, const Wanted& wanted, bool& reached, Joints& q) {
     constexpr double kNear = 0.05;
+    reached = false;
+    if (is_far_out(arm, target)) return false;
     q = clamped(wanted.seed, wanted.limits);
-    return refined(arm, target, wanted, q) && distance(wanted, q) < kNear;
+    Nearest nearest(arm, wanted);
+    if (refined(arm, target, wanted, q)) nearest.start_from(q, distance(wanted, q));
+    if (nearest.bound() < kNear) return true;
+    reached = closed_form(arm, target, nearest) || nearest.found();
+    if (nearest.found()) slide(arm, target, nearest);
+    q = nearest.best();
+    return nearest.found();
 }
 
 bool found(const Arm& arm, const Frame& target, const Wanted& wanted, bool& reached, Joints& q) {
-    reached = false;
     if (arm.joints == 7) {
-        if (is_far_out(arm, target)) return false;
-        reached = near(arm, target, wanted, q);
-        if (reached) return true;
+        if (found_on_circle(arm, target, wanted, reached, q)) return true;
+    } else {
+        Nearest nearest(arm, wanted);
+        reached = closed_form(arm, target, nearest);
+        q = nearest.best();
+        if (nearest.found()) return true;
     }
-    Nearest nearest(arm, wanted);
-    reached = closed_form(arm, target, nearest);
-    if (nearest.found() && arm.joints == 7) slide(arm, target, nearest);
-    q = nearest.best();
-    if (nearest.found()) return true;
     return reached && try_harder(arm, target, wanted, q);
 }
 
