@@ -24,51 +24,72 @@ class Zkl63_3 {
         const float q = wrist_.x * wrist_.x + wrist_.y * wrist_.y - d2_ * d2_;  // (L5)
         if (!(q >= 0)) return kUnreachable;
         const float root = std::sqrt(q);
-        try_shoulder(root);
-        try_shoulder(-root);
-        return best_.valid ? write(joint) : kUnreachable;
+        const Shoulder shoulders[2] = {shoulder_at(root), shoulder_at(-root)};
+        nearest_first(shoulders, [this](const Shoulder& shoulder, int i) { try_shoulder(shoulder, 2 * i); });
+        if (!found_) {  // the seed is too far away, or NaN: the first candidate is the answer
+            any_is_near_ = true;
+            for (const Shoulder& shoulder : shoulders) try_shoulder(shoulder, 0);
+        }
+        return found_ ? write(joint) : kUnreachable;
     }
 
  private:
+    struct Shoulder {
+        Plane<float> plane;
+        float distance;
+    };
     struct Arm {
         float t1, t2, t3;
+        SineCosine t23;
+        float distance;
     };
     struct Ends {
         float t4, t6;
     };
-    struct Best {
-        float theta[6];
-        float score = 1000;
-        bool valid = false;
-    };
 
-    void try_shoulder(float v) {
+    Shoulder shoulder_at(float v) const {
         const float y1 = -wrist_.x * d2_ - wrist_.y * v, x1 = wrist_.y * d2_ - wrist_.x * v;  // (L6)
         const auto [s1, c1] = direction(y1, x1);
         const Plane<float> plane = plane_of(wrist_, nearest(0, arc_tangent(y1, x1)), s1, c1, a2_);
-        if (best_.valid && seed_.squared(0, plane.t1) >= best_.score) return;  // the other joints only add to it
+        return {plane, seed_.squared(0, plane.t1)};
+    }
+
+    // Whether a candidate of at least this distance may be the answer: the nearest, or else the first of all.
+    bool may_take(float distance, int order) const {
+        return any_is_near_ ? !found_ : best_.farther_than(distance, order);
+    }
+
+    void try_shoulder(const Shoulder& shoulder, int order) {
+        if (!may_take(shoulder.distance, order)) return;  // the other joints only add to it
+        const Plane<float>& plane = shoulder.plane;
         const float squares = plane.r * plane.r + plane.height * plane.height;
         const float k = (a3_ * a3_ + squares - (a4_ * a4_ + d4_ * d4_)) / (2 * a3_);  // (L9)
         const float q2 = squares - k * k;
         if (!(q2 >= 0)) return;
         const float root = std::sqrt(q2);
-        try_elbow(plane, k, root);
-        try_elbow(plane, k, -root);
+        const Arm elbows[2] = {arm_at(plane, k, root), arm_at(plane, k, -root)};
+        if (any_is_near_) {
+            for (const Arm& arm : elbows) try_wrists(plane, arm, order);
+        } else {
+            nearest_first(elbows, [&](const Arm& arm, int elbow) { try_wrists(plane, arm, order + elbow); });
+        }
     }
 
-    void try_elbow(const Plane<float>& plane, float k, float v) {
+    Arm arm_at(const Plane<float>& plane, float k, float v) const {
         const float y2 = -plane.height * k - plane.r * v, x2 = plane.r * k - plane.height * v;
         const float t2 = arc_tangent(y2, x2);  // (L10)
         const auto [s2, c2] = direction(y2, x2);
         const float gx = plane.r - a3_ * c2, gy = -plane.height - a3_ * s2;  // (L11)
         const float y23 = a4_ * gy + d4_ * gx, x23 = a4_ * gx - d4_ * gy;
         const float t3 = arc_tangent(y23, x23) - t2;  // (L12)
-        const Arm arm = {plane.t1, nearest(1, t2), nearest(2, t3)};
-        if (best_.valid && score_of(arm) >= best_.score) return;
-        try_wrists(arm, plane, direction(y23, x23));
+        Arm arm = {plane.t1, nearest(1, t2), nearest(2, t3), direction(y23, x23), 0};
+        arm.distance = seed_.squared(0, arm.t1) + seed_.squared(1, arm.t2) + seed_.squared(2, arm.t3);
+        return arm;
     }
 
-    void try_wrists(const Arm& arm, const Plane<float>& plane, SineCosine t23) {
+    void try_wrists(const Plane<float>& plane, const Arm& arm, int order) {
+        if (!may_take(arm.distance, order)) return;
+        const SineCosine t23 = arm.t23;
         float n[3][3];  // (L3)
         for (int j = 0; j < 3; ++j) {
             n[0][j] = t23.c * plane.x[j] - t23.s * plane.z[j];
@@ -80,12 +101,12 @@ class Zkl63_3 {
         const float t5 = arc_tangent(std::sqrt((1 - c5) * (1 + c5)), c5);  // (L13)
         if (std::fabs(c5) < 1) {
             const auto [t4, t6] = regular_wrist(n);
-            offer(arm, t4, t5, t6);
-            offer(arm, opposite(t4), -t5, opposite(t6));
+            offer(arm, order, t4, t5, t6);
+            offer(arm, order, opposite(t4), -t5, opposite(t6));
         } else {
             const auto [t4, t6] = singular_wrist(n, c5);
-            offer(arm, t4, t5, t6);
-            offer(arm, t4, -t5, t6);
+            offer(arm, order, t4, t5, t6);
+            offer(arm, order, t4, -t5, t6);
         }
     }
 
@@ -109,20 +130,16 @@ class Zkl63_3 {
     // The angle moved by turns: into its limits, then next to the seed, within the limits or not.
     float nearest(int j, float theta) const { return beside(seed_.theta[j], range_.wrapped(j, theta)); }
 
-    float score_of(const Arm& arm) const {
-        return seed_.squared(0, arm.t1) + seed_.squared(1, arm.t2) + seed_.squared(2, arm.t3);
-    }
-
-    // Keeps the nearest to the seed, the first of equals; the first of all when the seed is too far away, or NaN.
-    void offer(const Arm& arm, float t4, float t5, float t6) {
+    // Keeps the nearest to the seed; the first of all when none is near.
+    void offer(const Arm& arm, int order, float t4, float t5, float t6) {
         const float theta[6] = {arm.t1, arm.t2, arm.t3, nearest(3, t4), nearest(4, t5), nearest(5, t6)};
-        const float score =
-            score_of(arm) + seed_.squared(3, theta[3]) + seed_.squared(4, theta[4]) + seed_.squared(5, theta[5]);
-        const bool nearer = score < best_.score;
-        if (!nearer && best_.valid) return;
+        const float distance =
+            arm.distance + seed_.squared(3, theta[3]) + seed_.squared(4, theta[4]) + seed_.squared(5, theta[5]);
+        if (!may_take(distance, order)) return;
         std::copy_n(theta, 6, best_.theta);
-        best_.valid = true;
-        if (nearer) best_.score = score;
+        best_.distance = distance;
+        best_.order = order;
+        found_ = true;
     }
 
     int write(float* joint) const {
@@ -140,7 +157,8 @@ class Zkl63_3 {
     const Range range_;
     const float d2_ = model_.dh.d[1], d4_ = model_.dh.d[3];
     const float a2_ = model_.dh.a[1], a3_ = model_.dh.a[2], a4_ = model_.dh.a[3];
-    Best best_;
+    Best<float> best_ = {{}, 1000};
+    bool found_ = false, any_is_near_ = false;
 };
 
 }  // namespace

@@ -140,6 +140,32 @@ struct Range {
     }
 };
 
+// The candidate nearest to the seed so far. Of equals the first in order is the nearest, in whatever order they are
+// tried.
+template <class Real>
+struct Best {
+    Real theta[6] = {};
+    Real distance;
+    int order = 0;
+
+    bool farther_than(Real other, int its_order) const {
+        return other < distance || (other == distance && its_order < order);
+    }
+};
+
+// The nearest is tried first, since it excludes most of the others. Each has its distance as far as it is known.
+template <class Part, int count, class Try>
+void nearest_first(const Part (&parts)[count], Try try_part) {
+    int nearest = 0;
+    for (int i = 1; i < count; ++i) {
+        if (parts[i].distance < parts[nearest].distance) nearest = i;
+    }
+    try_part(parts[nearest], nearest);
+    for (int i = 0; i < count; ++i) {
+        if (i != nearest) try_part(parts[i], i);
+    }
+}
+
 // Writes the joint angles up to and including the first one beyond its limit.
 template <class Real, class JointAngle>
 int write_up_to_limit(const RobotModel& model, const Range& range, Real slack, int joints, JointAngle angle,

@@ -50,16 +50,17 @@ class SphericalWrist {
     // The six joints to `joint`; kSolved, kUnreachable or kBeyondLimits.
     int solve(float* joint) {
         const auto [a, b] = shoulders();
-        try_arm(a, a.elbow.first);
-        try_arm(b, b.elbow.first);
-        try_arm(a, a.elbow.second);
-        try_arm(b, b.elbow.second);
-        if (best_.found() && model_.is_avoid_Singularity == 1) hold_singular_wrist();
-        if (best_.found()) best_.theta[5] = beside(seed_.theta[5], best_.theta[5]);
+        const UpperArm arms[4] = {upper_arm(a, a.elbow.first), upper_arm(b, b.elbow.first),
+                                  upper_arm(a, a.elbow.second), upper_arm(b, b.elbow.second)};
+        nearest_first(arms, [this](const UpperArm& arm, int order) { try_arm(arm, order); });
+        if (found() && model_.is_avoid_Singularity == 1) hold_singular_wrist();
+        if (found()) best_.theta[5] = beside(seed_.theta[5], best_.theta[5]);
         return write(joint);
     }
 
  private:
+    static constexpr float kTooFar = 1000;
+
     // A joint 1, and what follows from it.
     struct Shoulder {
         float t1;
@@ -74,11 +75,17 @@ class SphericalWrist {
     struct Hand {
         float t4, t5, t6;
     };
-    struct Best {
-        float theta[6] = {};
-        float score = 1000;
-        bool found() const { return score < 1000; }
+    // Joints 1 and 3, and their part of the distance to the seed.
+    struct UpperArm {
+        const Shoulder& shoulder;
+        const Elbow& elbow;
+        float distance;
     };
+    UpperArm upper_arm(const Shoulder& shoulder, const Elbow& elbow) const {
+        return {shoulder, elbow, seed_.squared(0, shoulder.t1) + seed_.squared(2, elbow.t3)};
+    }
+
+    bool found() const { return best_.distance < kTooFar; }
 
     // With the wrist point on the axis of joint 1 that joint keeps the seed.
     Shoulders shoulders() const {
@@ -102,19 +109,21 @@ class SphericalWrist {
     }
 
     // The two candidates of a shoulder and an elbow; an elbow out of reach is NaN, which no limit test passes.
-    void try_arm(const Shoulder& shoulder, const Elbow& elbow) {
+    void try_arm(const UpperArm& arm, int order) {
+        const auto& [shoulder, elbow, distance] = arm;
         const float t1 = shoulder.t1, t3 = elbow.t3;
         if (!range_.holds(0, t1) || !range_.holds(2, t3)) return;
-        if (seed_.squared(0, t1) + seed_.squared(2, t3) >= best_.score) return;  // the other joints only add to it
+        if (!best_.farther_than(distance, order)) return;  // the other joints only add to it
         const Point toward = arm_.toward_t23(shoulder.r, wrist_.z, elbow.sc3);
         const float t2 = range_.wrapped(1, arc_tangent(toward.y, toward.x) - t3);
         if (!range_.holds(1, t2)) return;
-        if (seed_.squared(0, t1) + seed_.squared(1, t2) + seed_.squared(2, t3) >= best_.score) return;
+        const float of_arm = seed_.squared(0, t1) + seed_.squared(1, t2) + seed_.squared(2, t3);
+        if (!best_.farther_than(of_arm, order)) return;
 
         const Hand hand = first_hand(Arm::forearm(shoulder.sc1, direction(toward.y, toward.x)));
         const Hand turned = {opposite(hand.t4), -hand.t5, opposite(hand.t6)};
-        offer(t1, t2, t3, hand);
-        offer(t1, t2, t3, turned);
+        offer(order, t1, t2, t3, hand);
+        offer(order, t1, t2, t3, turned);
     }
 
     // With F the forearm's axes and k the last twist's sign, F' m = Rz(t4) Ry(t5) Rx(0 or 180) Rz(t6) has the third
@@ -136,14 +145,14 @@ class SphericalWrist {
 
     // Keeps the candidate, whose joints 1 to 3 are within limits, if it is the nearest to the seed; the first of
     // equals.
-    void offer(float t1, float t2, float t3, const Hand& h) {
+    void offer(int order, float t1, float t2, float t3, const Hand& h) {
         const float t5 = Arm::kJoint5NearPi ? beside(seed_.theta[4], h.t5) : h.t5;
         const float t6 = beside(seed_.theta[5], h.t6);
         if (!range_.holds(3, h.t4) || !range_.holds(4, t5) || !range_.holds(5, t6)) return;
         const float theta[6] = {t1, t2, t3, h.t4, t5, t6};
-        float score = 0;
-        for (int j = 0; j < 6; ++j) score += seed_.squared(j, theta[j]);
-        if (score < best_.score) best_ = {{t1, t2, t3, h.t4, t5, t6}, score};
+        float distance = 0;
+        for (int j = 0; j < 6; ++j) distance += seed_.squared(j, theta[j]);
+        if (best_.farther_than(distance, order)) best_ = {{t1, t2, t3, h.t4, t5, t6}, distance, order};
     }
 
     // With t5 near 0 only t4 + t6 = p is defined. The sum keeps the pose, the difference stays that of the seed.
@@ -170,7 +179,7 @@ class SphericalWrist {
     int write(float* joint) const {
         const float* offset = model_.dh.offset;
         for (int j = 0; j < 6; ++j) joint[j] = (j == 5 ? best_.theta[j] + seed_.turns : best_.theta[j]) - offset[j];
-        if (!best_.found()) return kUnreachable;
+        if (!found()) return kUnreachable;
         for (int j = 0; j < 6; ++j) {
             if (joint[j] > range_.max[j] - offset[j] || joint[j] < range_.min[j] - offset[j]) return kBeyondLimits;
         }
@@ -182,7 +191,7 @@ class SphericalWrist {
     const Wrist<float> wrist_;
     const Range range_;
     const Arm arm_;
-    Best best_;
+    Best<float> best_ = {{}, kTooFar};
 };
 
 }  // namespace zk
