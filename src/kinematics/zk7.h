@@ -89,6 +89,9 @@ OuterPair about_wrist(const ElbowBranch& branch, ArmAngle psi, float g6);
 
 // -------------------------------------------------------------------------------------------- Finding the arm angle --
 
+// The arm angle of q about the line, NaN where its elbow lies on the line.  (7.21)
+float arm_angle_of(const Arm& arm, const Joints& q, const WristLine& line, const ReferencePlane& plane);
+
 // The solution at the arm angle of q, joint 7 moved to the side of the seed's. Zeros where q has no arm angle, since
 // its elbow or that of the solution lies on the line.
 Joints follow(const Arm& arm, const Joints& q, const Target& target, float seed7);

@@ -38,17 +38,6 @@ Coefficients wrist_coefficients(float q4, const Coefficients& shoulder, const Ma
     return {wrist(shoulder.sine), wrist(shoulder.cosine), wrist(shoulder.constant)};
 }
 
-// (7.21): the arm angle of q, from the normals of its plane and of the reference plane.
-float arm_angle_of(const Arm& arm, const Joints& q, const WristLine& line, const ReferencePlane& plane) {
-    const auto [s1, c1] = sine_cosine(q[0]);
-    const auto [s2, c2] = sine_cosine(q[1]);
-    const Vec3 reference = scaled(arm.d3, Vec3{plane.c1 * plane.s2, plane.s1 * plane.s2, plane.c2});
-    const Vec3 actual = scaled(arm.d3, Vec3{c1 * s2, s1 * s2, c2});
-    const Vec3 nr = normalised(cross(normalised(reference), line.u));
-    const Vec3 na = normalised(cross(normalised(actual), line.u));
-    return three_way_sign(dot(cross(nr, na), line.w)) * std::acos(clamped(dot(nr, na)));
-}
-
 // (7.22): joint 7 has two turns; the one on the side of the seed is wanted. The constants are single-precision values
 // of two and four pi, the second of them not twice the first.
 float on_seeds_side(float q7, float seed) {
@@ -107,6 +96,17 @@ OuterPair about_shoulder(const ElbowBranch& branch, ArmAngle psi, float g2) {
 OuterPair about_wrist(const ElbowBranch& branch, ArmAngle psi, float g6) {
     const auto W = [&](int i, int j) { return element(branch.wrist, psi, i, j); };
     return {std::atan2(g6 * W(1, 2), g6 * W(0, 2)), std::atan2(-g6 * W(2, 1), g6 * W(2, 0))};  // (7.19)
+}
+
+// From the normals of the plane of q and of the reference plane.
+float arm_angle_of(const Arm& arm, const Joints& q, const WristLine& line, const ReferencePlane& plane) {
+    const auto [s1, c1] = sine_cosine(q[0]);
+    const auto [s2, c2] = sine_cosine(q[1]);
+    const Vec3 reference = scaled(arm.d3, Vec3{plane.c1 * plane.s2, plane.s1 * plane.s2, plane.c2});
+    const Vec3 actual = scaled(arm.d3, Vec3{c1 * s2, s1 * s2, c2});
+    const Vec3 nr = normalised(cross(normalised(reference), line.u));
+    const Vec3 na = normalised(cross(normalised(actual), line.u));
+    return three_way_sign(dot(cross(nr, na), line.w)) * std::acos(clamped(dot(nr, na)));
 }
 
 Joints follow(const Arm& arm, const Joints& q, const Target& target, float seed7) {
