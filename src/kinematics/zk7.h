@@ -81,8 +81,12 @@ float shoulder_bend(const ElbowBranch& branch, ArmAngle psi);
 float wrist_bend(const ElbowBranch& branch, ArmAngle psi);
 
 // Joints 1 and 3, and 5 and 7, with the shoulder or the wrist bent to the side of the sign g.
+struct Direction {
+    float y, x;
+    float angle() const { return std::atan2(y, x); }
+};
 struct OuterPair {
-    float first, last;
+    Direction first, last;
 };
 OuterPair about_shoulder(const ElbowBranch& branch, ArmAngle psi, float g2);
 OuterPair about_wrist(const ElbowBranch& branch, ArmAngle psi, float g6);

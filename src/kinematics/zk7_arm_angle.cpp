@@ -90,12 +90,12 @@ float wrist_bend(const ElbowBranch& branch, ArmAngle psi) {
 
 OuterPair about_shoulder(const ElbowBranch& branch, ArmAngle psi, float g2) {
     const auto R = [&](int i, int j) { return element(branch.shoulder, psi, i, j); };
-    return {std::atan2(g2 * R(1, 2), g2 * R(0, 2)), std::atan2(g2 * R(2, 1), -g2 * R(2, 0))};  // (7.18)
+    return {{g2 * R(1, 2), g2 * R(0, 2)}, {g2 * R(2, 1), -g2 * R(2, 0)}};  // (7.18)
 }
 
 OuterPair about_wrist(const ElbowBranch& branch, ArmAngle psi, float g6) {
     const auto W = [&](int i, int j) { return element(branch.wrist, psi, i, j); };
-    return {std::atan2(g6 * W(1, 2), g6 * W(0, 2)), std::atan2(-g6 * W(2, 1), g6 * W(2, 0))};  // (7.19)
+    return {{g6 * W(1, 2), g6 * W(0, 2)}, {-g6 * W(2, 1), g6 * W(2, 0)}};  // (7.19)
 }
 
 // From the normals of the plane of q and of the reference plane.
@@ -120,8 +120,8 @@ Joints follow(const Arm& arm, const Joints& q, const Target& target, float seed7
         const ArmAngle psi = {sine, cosine};
         const ElbowBranch branch = elbow_branch(elbow_joint(arm, line, g4), line, plane, target);
         const OuterPair shoulder = about_shoulder(branch, psi, g2), wrist = about_wrist(branch, psi, g6);
-        result = {shoulder.first, g2 * shoulder_bend(branch, psi), shoulder.last, branch.q4,
-                  wrist.first,    g6 * wrist_bend(branch, psi),    wrist.last};
+        result = {shoulder.first.angle(), g2 * shoulder_bend(branch, psi), shoulder.last.angle(), branch.q4,
+                  wrist.first.angle(),    g6 * wrist_bend(branch, psi),    wrist.last.angle()};
     }
     result[6] = on_seeds_side(result[6], seed7);
     return result;

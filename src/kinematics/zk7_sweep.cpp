@@ -3,6 +3,7 @@
 #include <array>
 
 #include "kinematics/zk7.h"
+#include "numeric/arc_tangent.h"
 #include "numeric/sine_cosine.h"
 
 namespace zk::zk7 {
@@ -32,12 +33,15 @@ class Nearest {
  public:
     Nearest(const Arm& arm, const Joints& seed, float* out) : arm_(arm), seed_(seed), out_(out) {}
 
-    // Whether a candidate with this joint can be the nearest one. The margin is for sums of squares that are not added
-    // up in the order of the joints.
+    // Whether a candidate of this distance, or with this joint, can be the nearest one. The margin is for sums that are
+    // not added up in the order of the joints, and for rough angles. NaN passes.
+    bool may_be(float distance) const { return !(0.999f * distance > distance_ + 1e-9f); }
     bool may_have(int joint, float q, float distance_of_others) const {
-        return arm_.within(joint, q) && 0.999999f * (distance_of_others + squared(joint, q)) <= distance_;
+        return arm_.within(joint, q) && may_be(distance_of_others + squared(joint, q));
     }
     float squared(int joint, float q) const { return (q - seed_[joint]) * (q - seed_[joint]); }
+    // Within a last digit of the angle, at a third of the cost.
+    float roughly(int joint, Direction q) const { return squared(joint, arc_tangent(q.y, q.x)); }
     // Joint 7 is found between -pi and pi.
     float least_of_last() const { return squared(6, std::clamp(seed_[6], -kPi, kPi)); }
 
@@ -76,11 +80,16 @@ void offer_bends(Nearest& nearest, int order, const ElbowBranch& branch, ArmAngl
         const float g2 = i < 2 ? seed.g2 : -seed.g2, g6 = i % 2 == 0 ? seed.g6 : -seed.g6;
         const float inner = nearest.squared(1, g2 * q2) + elbow;
         if (!nearest.may_have(5, g6 * q6, inner + least7)) continue;
-        const float with_wrist = inner + nearest.squared(5, g6 * q6);
         const OuterPair wrist = about_wrist(branch, psi, g6);
-        if (!nearest.may_have(6, wrist.last, with_wrist + nearest.squared(4, wrist.first))) continue;
+        const float with_wrist =
+            inner + nearest.squared(5, g6 * q6) + nearest.roughly(4, wrist.first) + nearest.roughly(6, wrist.last);
+        if (!nearest.may_be(with_wrist)) continue;
         const OuterPair shoulder = about_shoulder(branch, psi, g2);
-        nearest.offer({shoulder.first, g2 * q2, shoulder.last, branch.q4, wrist.first, g6 * q6, wrist.last}, order + i);
+        if (!nearest.may_be(with_wrist + nearest.roughly(0, shoulder.first) + nearest.roughly(2, shoulder.last)))
+            continue;
+        nearest.offer({shoulder.first.angle(), g2 * q2, shoulder.last.angle(), branch.q4, wrist.first.angle(), g6 * q6,
+                       wrist.last.angle()},
+                      order + i);
     }
 }
 
