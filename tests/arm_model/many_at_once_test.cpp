@@ -1,4 +1,6 @@
 // Paths, batches and threads.
+#include <pthread.h>
+
 #include <thread>
 
 #include "arm_model/owned_model.h"
@@ -120,6 +122,22 @@ TEST_P(EachModel, BatchesEqualSingleCallsToTheBit) {
     EXPECT_EQ(
         ZK_Model_Inverse_Batch(cell.model.get(), poses.data(), rows.data(), -1, nullptr, answers.data(), nullptr, 1),
         ZK_BAD_ARGUMENT);
+}
+
+TEST(Batches, AreWholeWhenNoThreadStarts) {
+    const Cell cell(0);
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_getattr_default_np(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, size_t{1} << 46), 0);  // more than there are addresses for
+    ASSERT_EQ(pthread_setattr_default_np(&attributes), 0);
+    std::vector<float> rows;
+    for (int i = 0; i < 60; ++i) rows.push_back(static_cast<float>(i));
+    Pose poses[10]{}, pose;
+    ASSERT_EQ(ZK_Model_Forward_Batch(cell.model.get(), rows.data(), 10, poses, 4), ZK_OK);
+    for (int i = 0; i < 10; ++i) {
+        ASSERT_EQ(ZK_Model_Forward(cell.model.get(), &rows[i * 6], &pose), ZK_OK);
+        EXPECT_EQ(poses[i].position.x, pose.position.x) << i;
+    }
 }
 
 // Two threads a model, each with answers of its own to compare.

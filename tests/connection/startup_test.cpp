@@ -169,10 +169,10 @@ TEST_F(StartUp, SetsModelAndSensorFromTheModelText) {
     };
     // A row without a mark keeps what the one before it left.
     for (const Row& row :
-         {Row{"ZK65-B", 0, 0}, Row{"ZK75-6F", 1, 2}, Row{"ZK63-ZF", 3, 1}, Row{"ORB65-6F", 5, 2}, Row{"ZK62-B", 6, 0},
-          Row{"ZK72-6F", 7, 2}, Row{"ORB63-B", 8, 0}, Row{"unknown", 8, 0}, Row{"ZK6563", 3, 0}, Row{"ZK75ORB65", 5, 0},
-          Row{"63ORB65", 3, 0}, Row{"ORB63ZK65", 8, 0}, Row{"6272", 6, 0}, Row{"ZK65-6F-B", 0, 0}, Row{"zk75-zf", 0, 0},
-          Row{"-ZF-6F", 0, 1}, Row{"", 0, 1}}) {
+         {Row{"unknown", 0, 0}, Row{"ZK65-B", 0, 0}, Row{"ZK75-6F", 1, 2}, Row{"ZK63-ZF", 3, 1}, Row{"ORB65-6F", 5, 2},
+          Row{"ZK62-B", 6, 0}, Row{"ZK72-6F", 7, 2}, Row{"ORB63-B", 8, 0}, Row{"unknown", 8, 0}, Row{"ZK6563", 3, 0},
+          Row{"ZK75ORB65", 5, 0}, Row{"63ORB65", 3, 0}, Row{"ORB63ZK65", 8, 0}, Row{"6272", 6, 0},
+          Row{"ZK65-6F-B", 0, 0}, Row{"zk75-zf", 0, 0}, Row{"-ZF-6F", 0, 1}, Row{"", 0, 1}}) {
         answer_start_up(controller_, 6, *row.text ? row.text : "?");
         const ArmSocket arm = start();
         ASSERT_GT(arm, ZK_LARGEST_STATUS) << row.text;
