@@ -24,8 +24,7 @@
 
 typedef struct ZK_Model ZK_Model;
 
-/* ------------------------------------------------------------------------------------------------ Life of a model --
- */
+/* ---------------------------------------------------------------------------------------------- Life of a model -- */
 
 /*
  * A new model with the arm's defaults: no tool, the work frame at the base, upright on the floor. Model and sensor
@@ -47,8 +46,7 @@ ZK_API ZK_Model* ZK_Model_Clone(const ZK_Model* model);
 /* Frees the model. Null is allowed. */
 ZK_API void ZK_Model_Free(ZK_Model* model);
 
-/* -------------------------------------------------------------------------------------------- What a model describes
- * -- */
+/* --------------------------------------------------------------------------------------- What a model describes -- */
 
 /* Number of joints, 6 or 7; 0 for null. */
 ZK_API int ZK_Model_Joint_Count(const ZK_Model* model);
@@ -75,11 +73,9 @@ ZK_API int ZK_Model_Get_Joint_Limits(const ZK_Model* model, float* min, float* m
  * joint. Status. */
 ZK_API int ZK_Model_Get_Speed_Limits(const ZK_Model* model, float* speed, float* acceleration);
 
-/* -------------------------------------------------------------------------------------------------------- Forward --
- */
+/* ------------------------------------------------------------------------------------------------------ Forward -- */
 
-/* The pose of the tool, position, quaternion and Euler angles filled. Limits are not
- * checked. Status. */
+/* The pose of the tool: position, quaternion and Euler angles. Limits are not checked. Status. */
 ZK_API int ZK_Model_Forward(const ZK_Model* model, const float* joint, Pose* pose);
 
 typedef enum ZK_Axes {
@@ -104,8 +100,7 @@ ZK_API int ZK_Model_Manipulability(const ZK_Model* model, const float* joint, do
  * may be null, becomes its number from 1. Status. */
 ZK_API int ZK_Model_Limit_Distance(const ZK_Model* model, const float* joint, float* degrees, int* which_joint);
 
-/* -------------------------------------------------------------------------------------------------------- Inverse --
- */
+/* ------------------------------------------------------------------------------------------------------ Inverse -- */
 
 /* How far from its target the tool may be with an answer: 0.01 mm and 0.1 mrad. */
 #define ZK_INVERSE_METRES 1e-5f
@@ -122,7 +117,7 @@ typedef struct ZK_InverseOptions {
     float max_step;             /* the largest way of a joint from the seed, degrees; 0: no bound */
     float joint_weight[7];      /* of each joint's square in the distance to the seed, above 0; all 0: equal */
     float min_manipulability;   /* answers below are refused; 0: none */
-    float circle_step;          /* seven axes, ZK_Model_Inverse_All: step along the free circle, degrees; 0: 5 */
+    float circle_step;          /* seven axes, ZK_Model_Inverse_All: step along the circle, 0.1 to 360 degrees; 0: 5 */
 } ZK_InverseOptions;
 
 /* Why there is no answer. */
@@ -147,7 +142,7 @@ typedef struct ZK_InverseResult {
 
 /*
  * Joints within the limits that bring the tool to the target, those nearest to the seed: with the least sum of squared
- * differences, weighted by joint_weight.
+ * differences, weighted by joint_weight. Only the ratios of the weights matter.
  *
  * Every answer is checked in the single precision that is written: it meets the target within ZK_INVERSE_METRES and
  * ZK_INVERSE_RADIANS, and lies within the limits. With six joints it is the nearest posture there is. With seven joints
@@ -156,7 +151,7 @@ typedef struct ZK_InverseResult {
  * target out of reach by less than 5 micrometres the straight arm is the answer. Whole turns are added where the limits
  * allow them and bring a joint nearer to the seed.
  *
- * Where two axes are on one line (sine below 2e-5) only the sum of their joints is defined: they share the way from the
+ * Where two axes are on one line (sine below 1e-6) only the sum of their joints is defined: they share the way from the
  * seed by their weights, as far as limits allow.
  *
  * seed, joint: degrees; they may be the same array. The seed may stand beyond the limits, by up to a whole turn.
@@ -185,13 +180,12 @@ ZK_API int ZK_Model_Inverse(const ZK_Model* model, const Pose* target, const flo
  * joint: room for `capacity` rows of one value for each joint. *count becomes the number of postures found, which may
  * be above capacity; the nearest ones are written. max_step and min_manipulability exclude postures.
  *
- * Returns 0, also when *count is 0; 19. Takes memory; without it *count is 0.
+ * Returns 0, also when *count is 0; 19. Takes memory; without it, or above two million postures, *count is 0.
  */
 ZK_API int ZK_Model_Inverse_All(const ZK_Model* model, const Pose* target, const float* seed,
                                 const ZK_InverseOptions* options, float* joint, int capacity, int* count);
 
-/* ------------------------------------------------------------------------------------------------------ Many at once
- * -- */
+/* ------------------------------------------------------------------------------------------------- Many at once -- */
 
 /* What came of following a path. */
 typedef struct ZK_FollowResult {
@@ -216,8 +210,8 @@ ZK_API int ZK_Model_Follow(const ZK_Model* model, const Pose* poses, int count, 
 
 /*
  * ZK_Model_Forward and ZK_Model_Inverse for `count` rows of joints, poses and seeds, over as many threads as `threads`
- * says, 1 to 64; the caller's counts as one. Each row is the same to the bit as that of a single call. status, null
- * allowed for the forward one: room for `count` statuses. Rows of the inverse whose status is not 0 are not written.
+ * says, 1 to 64; the caller's counts as one. Each row is the same to the bit as that of a single call. Rows whose
+ * status is not 0 are not written. status: room for `count` statuses; null is allowed.
  *
  * Returns 0 when every row has the status 0, else the first status that is not; 19 for arguments of the call itself.
  */

@@ -117,8 +117,7 @@ double manipulability(const Arm& arm, const Joints& q) {
 using namespace zk;
 using namespace zk::arm;
 
-// ---------------------------------------------------------------------------------------------------- Life of a model
-// --
+// ------------------------------------------------------------------------------------------------- Life of a model --
 
 ZK_API ZK_Model* ZK_Model_New(int model, int sensor) {
     ZK_Model made{};
@@ -132,8 +131,7 @@ ZK_API ZK_Model* ZK_Model_Copy_Current(void) { return on_heap(current_model()); 
 ZK_API ZK_Model* ZK_Model_Clone(const ZK_Model* model) { return model ? on_heap(*model) : nullptr; }
 ZK_API void ZK_Model_Free(ZK_Model* model) { delete model; }
 
-// ------------------------------------------------------------------------------------------------ What a model
-// describes --
+// ------------------------------------------------------------------------------------------ What a model describes --
 
 ZK_API int ZK_Model_Joint_Count(const ZK_Model* model) { return model ? model->arm.joints : 0; }
 ZK_API const char* ZK_Model_Name(const ZK_Model* model) { return model ? kNames[model->record.robot_type] : ""; }
@@ -192,8 +190,7 @@ ZK_API int ZK_Model_Get_Speed_Limits(const ZK_Model* model, float* speed, float*
     return ZK_OK;
 }
 
-// ------------------------------------------------------------------------------------------------------------ Forward
-// --
+// --------------------------------------------------------------------------------------------------------- Forward --
 
 ZK_API int ZK_Model_Forward(const ZK_Model* model, const float* joint, Pose* pose) {
     if (!model || !joint || !pose || !are_finite(joint, model->arm.joints)) return ZK_BAD_ARGUMENT;

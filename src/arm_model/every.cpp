@@ -16,14 +16,14 @@ struct Posture {
     Joints q;
 };
 
-// Keeps all postures, each with its whole turns.
+// Keeps all postures, each with its whole turns where they are asked for.
 class Every : public Placing {
  public:
-    using Placing::Placing;
+    Every(const Arm& arm, const Wanted& wanted, bool whole_turns) : Placing(arm, wanted), whole_turns_(whole_turns) {}
 
     double bound() const { return kInfinity; }
     void offer(double distance) {
-        if (distance < kInfinity) add_turns(0, q_);
+        if (distance < kInfinity) add_turns(whole_turns_ ? 0 : arm_.joints, q_);
     }
     std::vector<Posture>& postures() { return postures_; }
 
@@ -33,6 +33,7 @@ class Every : public Placing {
         if (i == arm_.joints) {
             double sum = 0;
             for (int j = 0; j < arm_.joints; ++j) sum += distance(j, q[j]);
+            if (postures_.size() == kMost) throw std::bad_alloc();
             postures_.push_back({sum, q});
             return;
         }
@@ -44,16 +45,31 @@ class Every : public Placing {
         }
     }
 
+    // Wide limits allow billions of whole turns.
+    static constexpr std::size_t kMost = 1 << 21;
+
+    const bool whole_turns_;
     std::vector<Posture> postures_;
 };
+
+bool is_before(const Posture& a, const Posture& b) {
+    return a.distance != b.distance ? a.distance < b.distance : a.q < b.q;
+}
+
+// Two closed forms return one posture where they meet, at a straight elbow for example.
+bool is_same(const Posture& a, const Posture& b) {
+    constexpr double kSame = 1e-9;
+    return std::equal(a.q.begin(), a.q.end(), b.q.begin(), [](double x, double y) { return std::fabs(x - y) < kSame; });
+}
 
 }  // namespace
 
 std::vector<Joints> every_posture(const Arm& arm, const Frame& target, const Wanted& wanted, double max_step,
-                                  double circle_step) try {
+                                  double circle_step, bool whole_turns) try {
     Wanted within = wanted;
     within.limits = within_step(wanted.limits, wanted.seed, max_step);
-    Every every(arm, within);
+    if (are_empty(within.limits)) return {};
+    Every every(arm, within, whole_turns);
     if (arm.joints == 7) {
         const int places = std::max(1, static_cast<int>(rounded(2 * M_PI / circle_step)));
         try_circle(arm, target, place_of(arm, wanted.seed), places, every);
@@ -61,7 +77,8 @@ std::vector<Joints> every_posture(const Arm& arm, const Frame& target, const Wan
         closed_form(arm, target, every);
     }
     auto& found = every.postures();
-    std::stable_sort(found.begin(), found.end(), [](auto& a, auto& b) { return a.distance < b.distance; });
+    std::sort(found.begin(), found.end(), is_before);
+    found.erase(std::unique(found.begin(), found.end(), is_same), found.end());
     std::vector<Joints> postures;
     postures.reserve(found.size());
     for (const Posture& posture : found) postures.push_back(posture.q);
@@ -89,7 +106,7 @@ ZK_API int ZK_Model_Inverse_All(const ZK_Model* model, const Pose* target, const
     const double step = options->circle_step > 0 ? options->circle_step * kRadiansPerDegree : kCircleStep;
     const Frame tool = frame_of(*target, *options);
     for (const Joints& q :
-         every_posture(model->arm, end_target(model->arm, tool), request.wanted, request.max_step, step)) {
+         every_posture(model->arm, end_target(model->arm, tool), request.wanted, request.max_step, step, true)) {
         if (manipulability(model->arm, q) < request.min_manipulability) continue;
         float written[7];
         if (!checked(*model, tool, request.wanted, q, written, ignored)) continue;

@@ -110,7 +110,7 @@ int follow(const ZK_Model& model, const Pose& pose, const ZK_InverseOptions& opt
     if (status != ZK_OK) return status;
     const Frame target = frame_of(pose, options);
     request.wanted.seed = follower.at();
-    const Answer answer = follower.next(end_target(model.arm, target));
+    Answer answer = follower.next(end_target(model.arm, target));
     if (!take(model, target, request, answer, joint, result)) return ZK_NO_SOLUTION;
     follower.go(answer.q);
     return ZK_OK;
@@ -134,7 +134,7 @@ ZK_API int ZK_Model_Follow(const ZK_Model* model, const Pose* poses, int count, 
     Follower follower(model->arm, request);
     for (; outcome.followed < count; ++outcome.followed) {
         const Pose& pose = poses[outcome.followed];
-        float* row = joint + outcome.followed * model->arm.joints;
+        float* row = joint + std::ptrdiff_t{outcome.followed} * model->arm.joints;
         const int status = follow(*model, pose, chosen, request, follower, row, outcome.refusal);
         if (status != ZK_OK) return status;
     }

@@ -23,18 +23,19 @@ bool is_seed(const ZK_Model& model, const float* seed) {
     return true;
 }
 
-// All zero counts as equal weights.
-bool read_weights(const float* weight, Joints& weights) {
+// All zero counts as equal weights. The solvers' thresholds are for weights about 1: their geometric mean becomes 1.
+bool read_weights(const float* weight, int joints, Joints& weights) {
     weights.fill(1);
-    if (std::all_of(weight, weight + 7, [](float w) { return w == 0; })) return true;
-    for (int i = 0; i < 7; ++i) {
-        if (!(weight[i] > 0 && std::isfinite(weight[i]))) return false;
-        weights[i] = weight[i];
-    }
+    if (std::all_of(weight, weight + joints, [](float w) { return w == 0; })) return true;
+    if (!std::all_of(weight, weight + joints, [](float w) { return w > 0 && std::isfinite(w); })) return false;
+    double logarithms = 0;
+    for (int i = 0; i < joints; ++i) logarithms += std::log(weight[i]);
+    for (int i = 0; i < joints; ++i) weights[i] = weight[i] / std::exp(logarithms / joints);
     return true;
 }
 
 bool is_bound(float value) { return value >= 0 && std::isfinite(value); }
+bool is_circle_step(float degrees) { return degrees == 0 || (degrees >= 0.1f && degrees <= 360); }
 
 // Whatever is wrong with the answer of the closed form, a step from there mends it: a long tool makes much of little.
 bool checked_or_refined(const ZK_Model& model, const Frame& target, const Request& request, Joints& q, float* joint,
@@ -74,8 +75,8 @@ ZK_Cause cause_of(Refusal refusal) {
 
 // The nearest of all postures that is not singular.
 bool replace_singular(const ZK_Model& model, const Frame& target, const Request& request, Joints& q) {
-    for (const Joints& other :
-         every_posture(model.arm, end_target(model.arm, target), request.wanted, request.max_step, kCircleStep)) {
+    for (const Joints& other : every_posture(model.arm, end_target(model.arm, target), request.wanted, request.max_step,
+                                             kCircleStep, false)) {
         if (manipulability(model.arm, other) < request.min_manipulability) continue;
         q = other;
         return true;
@@ -99,8 +100,9 @@ int target_status(const Pose& target, const ZK_InverseOptions& options, ZK_Inver
 }
 
 bool read(const ZK_Model& model, const float* seed, const ZK_InverseOptions& options, Request& request) {
-    if (!is_seed(model, seed) || !read_weights(options.joint_weight, request.wanted.weight)) return false;
-    if (!is_bound(options.max_step) || !is_bound(options.min_manipulability) || !is_bound(options.circle_step))
+    if (!is_seed(model, seed) || !read_weights(options.joint_weight, model.arm.joints, request.wanted.weight))
+        return false;
+    if (!is_bound(options.max_step) || !is_bound(options.min_manipulability) || !is_circle_step(options.circle_step))
         return false;
     if (options.orientation != ZK_BY_EULER && options.orientation != ZK_BY_QUATERNION) return false;
     request.wanted.seed = radians_of(model, seed);
@@ -132,7 +134,7 @@ bool checked(const ZK_Model& model, const Frame& target, const Wanted& wanted, c
     return true;
 }
 
-bool take(const ZK_Model& model, const Frame& target, const Request& request, Answer answer, float* joint,
+bool take(const ZK_Model& model, const Frame& target, const Request& request, Answer& answer, float* joint,
           ZK_InverseResult& result) {
     result = {};
     if (answer.refusal != Refusal::kNone) {
@@ -152,7 +154,7 @@ bool take(const ZK_Model& model, const Frame& target, const Request& request, An
 
 int inverse(const ZK_Model& model, const Frame& target, const Request& request, float* joint,
             ZK_InverseResult& result) {
-    const Answer answer = solve(model.arm, end_target(model.arm, target), request.wanted, request.max_step);
+    Answer answer = solve(model.arm, end_target(model.arm, target), request.wanted, request.max_step);
     return take(model, target, request, answer, joint, result) ? ZK_OK : ZK_NO_SOLUTION;
 }
 

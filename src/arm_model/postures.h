@@ -31,8 +31,7 @@ inline Turn opposite(Turn a) { return {-a.s, -a.c}; }
 using zk::angle_of;
 inline double angle_of(Turn a) { return angle_of(a.s, a.c); }
 
-// ---------------------------------------------------------------------------------------------------- What they share
-// --
+// ------------------------------------------------------------------------------------------------- What they share --
 
 // The angle at which a link of the length b has to follow one of the length a to span a distance. NaN when it cannot.
 inline Turn bend(double a, double b, double distance_squared, double slack = kReachSlack) {  // (C1)

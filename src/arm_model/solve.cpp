@@ -80,8 +80,7 @@ void slide(const Arm& arm, const Frame& target, Nearest& nearest) {
     }
 }
 
-// ------------------------------------------------------------------------------------------------- When all else fails
-// --
+// --------------------------------------------------------------------------------------------- When all else fails --
 
 Joints clamped(const Joints& q, const Limits& limits) {
     Joints result;
@@ -126,12 +125,13 @@ bool try_harder(const Arm& arm, const Frame& target, const Wanted& wanted, Joint
     return nearest.found();
 }
 
-// The posture that is least beyond the limits.
-Joints least_beyond(const Arm& arm, const Frame& target, Wanted wanted) {
+// The posture that is least beyond the limits. False when there is no posture at all.
+bool least_beyond(const Arm& arm, const Frame& target, Wanted wanted, Joints& q) {
     wanted.beyond = 1e10;  // a hundred-thousandth of a radian weighs as much as a radian of distance
     Nearest nearest(arm, wanted);
-    closed_form(arm, target, nearest);
-    return nearest.found() ? nearest.best() : wanted.seed;
+    if (!closed_form(arm, target, nearest) && arm.joints == 7) try_circle(arm, target, 0, kManyPlaces, nearest);
+    q = nearest.best();
+    return nearest.found();
 }
 
 // An arm at its limit may meet the target although its posture is a little beyond: the other joints make up for it.
@@ -159,11 +159,14 @@ bool found_on_circle(const Arm& arm, const Frame& target, const Wanted& wanted, 
     if (refined(arm, target, wanted, q)) nearest.start_from(q, distance(wanted, q));
     if (nearest.bound() < kNear) return true;
     reached = closed_form(arm, target, nearest) || nearest.found();
+    // At the edge of its reach model 7 keeps less of the circle than lies between two places.
+    if (arm.build == Build::kOffsetSeven) reached = true;
     if (nearest.found()) slide(arm, target, nearest);
     q = nearest.best();
     return nearest.found();
 }
 
+// Sets reached to false where the target is certainly out of reach.
 bool found(const Arm& arm, const Frame& target, const Wanted& wanted, bool& reached, Joints& q) {
     if (arm.joints == 7) {
         if (found_on_circle(arm, target, wanted, reached, q)) return true;
@@ -180,8 +183,7 @@ Answer solve_within(const Arm& arm, const Frame& target, const Wanted& wanted) {
     Answer answer{};
     bool reached = false;
     if (found(arm, target, wanted, reached, answer.q)) return answer;
-    if (!reached) return {Refusal::kOutOfReach, 0, {}};
-    answer.q = least_beyond(arm, target, wanted);
+    if (!reached || !least_beyond(arm, target, wanted, answer.q)) return {Refusal::kOutOfReach, 0, {}};
     const int joint = excess_of(answer.q, wanted.limits).joint;
     if (refined_at_limit(arm, target, wanted, answer.q)) return answer;
     return {Refusal::kBeyondLimits, joint, {}};
@@ -198,12 +200,21 @@ Limits within_step(const Limits& limits, const Joints& from, double max_step) {
     return cut;
 }
 
+bool are_empty(const Limits& limits) {
+    for (int i = 0; i < 7; ++i) {
+        if (limits.lo[i] > limits.hi[i]) return true;
+    }
+    return false;
+}
+
 Answer solve(const Arm& arm, const Frame& target, const Wanted& wanted, double max_step) {
     if (max_step == kInfinity) return solve_within(arm, target, wanted);
     Wanted within = wanted;
     within.limits = within_step(wanted.limits, wanted.seed, max_step);
-    const Answer answer = solve_within(arm, target, within);
-    if (answer.refusal != Refusal::kBeyondLimits) return answer;
+    if (!are_empty(within.limits)) {
+        const Answer answer = solve_within(arm, target, within);
+        if (answer.refusal != Refusal::kBeyondLimits) return answer;
+    }
     // Of the limits, or of the step?
     const Answer further = solve_within(arm, target, wanted);
     return further.refusal == Refusal::kNone ? Answer{Refusal::kLargerStep, 0, {}} : further;

@@ -27,4 +27,7 @@ damped::Error difference(const Frame& from, const Frame& to);
 // The limits of `wanted` cut to this distance from some joints.
 Limits within_step(const Limits& limits, const Joints& from, double max_step);
 
+// Whether they leave a joint no room: within_step, when a seed is further beyond its limits than the step.
+bool are_empty(const Limits& limits);
+
 }  // namespace zk::arm

@@ -54,8 +54,9 @@ double manipulability(const Arm& arm, const Joints& q);
 bool checked(const ZK_Model& model, const Frame& target, const Wanted& wanted, const Joints& q, float* joint,
              ZK_InverseResult& result);
 
-// Writes an answer that holds what the request asks for; else the cause. True when it was written.
-bool take(const ZK_Model& model, const Frame& target, const Request& request, Answer answer, float* joint,
+// Replaces an answer that does not hold what the request asks for, and writes it; else the cause. True when it was
+// written.
+bool take(const ZK_Model& model, const Frame& target, const Request& request, Answer& answer, float* joint,
           ZK_InverseResult& result);
 
 // ZK_Model_Inverse, its arguments in order.

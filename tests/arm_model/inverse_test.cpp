@@ -113,8 +113,21 @@ TEST(Inverse, CountsWholeTurnsAmongThePostures) {
     EXPECT_EQ(tight, 1);
 }
 
-// ------------------------------------------------------------------------------------------------- Options, refusals
-// --
+// At a straight elbow two closed forms return one posture.
+TEST(Inverse, ListsEachPostureOnce) {
+    Cell cell(0);
+    for (int n = 0; n < 20; ++n) {
+        Joints q = cell.random();
+        q[2] = 0;
+        const Pose pose = to_pose(cell.forward(q));
+        float rows[64][6];
+        int count;
+        ASSERT_EQ(ZK_Model_Inverse_All(cell.model.get(), &pose, q.data(), nullptr, rows[0], 64, &count), ZK_OK);
+        for (int i = 1; i < count; ++i) EXPECT_FALSE(std::equal(rows[i], rows[i] + 6, rows[i - 1]));
+    }
+}
+
+// ----------------------------------------------------------------------------------------------- Options, refusals --
 
 TEST_P(EachModel, RefusesWithTheCause) {
     const Joints q = cell.random(0.5), kept = {1, 2, 3, 4, 5, 6, 7};
@@ -157,6 +170,19 @@ TEST_P(EachModel, RefusesWithTheCause) {
     EXPECT_TRUE(result.joint == 1 || joints == 7);
 }
 
+// The forearm is too short by 3 cm, and some places on the circle are beyond the limits of joint 7.
+TEST(Inverse, NamesTheReachBeforeTheLimits) {
+    const Owned model = new_model(7);
+    const Joints q = {0, 60, 0, 0, 0, 90, 0};
+    Joints answer{};
+    Pose pose;
+    ZK_InverseResult result;
+    ASSERT_EQ(ZK_Model_Forward(model.get(), q.data(), &pose), ZK_OK);
+    pose.position.x += 0.03f;
+    EXPECT_EQ(ZK_Model_Inverse(model.get(), &pose, q.data(), nullptr, answer.data(), &result), ZK_NO_SOLUTION);
+    EXPECT_EQ(result.cause, ZK_CAUSE_OUT_OF_REACH);
+}
+
 TEST_P(EachModel, BadArguments) {
     const Joints q = cell.random(0.5);
     const Pose pose = to_pose(cell.forward(q));
@@ -171,6 +197,9 @@ TEST_P(EachModel, BadArguments) {
     }
     ZK_InverseOptions options{};
     options.max_step = -1;
+    EXPECT_EQ(status(q, options, pose), ZK_BAD_ARGUMENT);
+    options = {};
+    options.circle_step = 1e-9f;
     EXPECT_EQ(status(q, options, pose), ZK_BAD_ARGUMENT);
     options = {};
     options.joint_weight[0] = 1;  // the others 0
@@ -205,6 +234,19 @@ TEST(Inverse, WeightsDecideWhichJointsMove) {
         ASSERT_EQ(cell.inverse(cell.forward(q), seed, weighted, nullptr, &options), ZK_OK);
         EXPECT_LT(std::fabs(weighted[most] - seed[most]), 0.9 * std::fabs(plain[most] - seed[most]));
         EXPECT_TRUE(cell.meets(weighted, cell.forward(q)));
+    }
+}
+
+TEST_P(EachModel, OnlyTheRatiosOfWeightsMatter) {
+    for (int n = 0; n < 10; ++n) {
+        const KDL::Frame target = cell.forward(cell.random());
+        const Joints seed = cell.random();
+        Joints plain{}, weighted{};
+        ZK_InverseOptions options{};
+        std::fill_n(options.joint_weight, joints, 1e-6f);
+        ASSERT_EQ(cell.inverse(target, seed, plain), ZK_OK);
+        ASSERT_EQ(cell.inverse(target, seed, weighted, nullptr, &options), ZK_OK);
+        EXPECT_LT(cell.largest_step(plain, weighted), 0.01);
     }
 }
 

@@ -79,6 +79,31 @@ TEST(Follow, PassesThroughSingularPostures) {
     }
 }
 
+// Where the wrist becomes singular it takes another posture, once, and keeps to that one.
+TEST(Follow, GoesOnFromThePostureThatItWrote) {
+    const Cell cell(0);
+    Joints q = {10, 20, 40, 30, 5, 60};
+    double least;
+    ASSERT_EQ(ZK_Model_Manipulability(cell.model.get(), q.data(), &least), ZK_OK);
+    std::vector<Pose> poses;
+    for (q[4] = 10; q[4] > -10; --q[4]) poses.push_back(to_pose(cell.forward(q)));
+    const int count = static_cast<int>(poses.size());
+    std::vector<Joints> rows(count);
+    std::vector<float> written(count * 6);
+    ZK_InverseOptions options{};
+    options.max_step = 359;
+    options.min_manipulability = static_cast<float>(least);
+    q[4] = 10;
+    ASSERT_EQ(ZK_Model_Follow(cell.model.get(), poses.data(), count, q.data(), &options, written.data(), nullptr),
+              ZK_OK);
+    int jumps = 0;
+    for (int t = 0; t < count; ++t) {
+        std::copy_n(&written[t * 6], 6, rows[t].begin());
+        if (t > 0 && cell.largest_step(rows[t], rows[t - 1]) > 20) ++jumps;
+    }
+    EXPECT_EQ(jumps, 1);
+}
+
 TEST_P(EachModel, StopsAtThePoseThatCannotBeFollowed) {
     Path path(cell, 5, 20);
     path.poses[12].position.x += 10;
