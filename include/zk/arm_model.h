@@ -196,14 +196,17 @@ typedef struct ZK_FollowResult {
 /*
  * Joints for a sequence of poses, each from the one before it, the first from the seed, without a jump. The joints go
  * on as they moved: at a straight elbow and at an aligned wrist they pass through. With seven joints the arm angle is
- * held, the turn of the elbow about the line from shoulder to wrist; it moves as far as limits and singular postures
- * need.
+ * held, the turn of the elbow about the line from shoulder to wrist; it moves where holding it would take a joint half
+ * as far again as it has to go. When that comes to a pose that no small step reaches, a way along all poses is looked
+ * for with the arm angle free; that takes about a millisecond a pose, and memory.
  *
- * joint: room for `count` rows. max_step bounds the way of a joint between two poses; 0 is 30 degrees here. Other
+ * joint: room for `count` rows. max_step bounds the way of a joint between two poses; 0 is 10 degrees here. Other
  * options as for ZK_Model_Inverse. options, result: null is allowed.
  *
  * Returns 0 when all poses were followed; 21 when one could not be, which result names: the rows before it are written;
- * 19.
+ * 19, with the rows before a pose whose quaternion is not unit.
+ *
+ * Method of the search: beam search over the arm angle, its steps by the least squares of ZK_Model_Inverse.
  */
 ZK_API int ZK_Model_Follow(const ZK_Model* model, const Pose* poses, int count, const float* seed,
                            const ZK_InverseOptions* options, float* joint, ZK_FollowResult* result);

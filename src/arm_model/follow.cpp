@@ -1,8 +1,11 @@
 // Joints for a path of poses.
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <optional>
+#include <vector>
 
+#include "arm_model/beam.h"
 #include "arm_model/circle.h"
 #include "arm_model/solve.h"
 #include "arm_model/zk_model.h"
@@ -11,7 +14,7 @@
 namespace zk::arm {
 namespace {
 
-constexpr float kLargestStep = 30;  // degrees, unless the caller says otherwise
+constexpr float kLargestStep = 10;  // degrees, unless the caller says otherwise
 
 double turn_between(double from, double to) { return turned_to(to - from, 0); }
 
@@ -116,6 +119,29 @@ int follow(const ZK_Model& model, const Pose& pose, const ZK_InverseOptions& opt
     return ZK_OK;
 }
 
+// Looks for a way along all poses when pose by pose came to a place from where no small step goes on.
+bool found_as_a_whole(const ZK_Model& model, const Pose* poses, int count, const ZK_InverseOptions& options,
+                      Request request, float* joint) try {
+    const int joints = model.arm.joints;
+    ZK_InverseResult ignored;
+    std::vector<Frame> tools, ends;
+    for (int i = 0; i < count; ++i) {
+        if (target_status(poses[i], options, ignored) != ZK_OK) return false;
+        tools.push_back(frame_of(poses[i], options));
+        ends.push_back(end_target(model.arm, tools.back()));
+    }
+    const std::vector<Joints> way = way_along(model.arm, ends, request.wanted, request.max_step);
+    std::vector<float> rows(way.size() * joints);
+    for (size_t i = 0; i < way.size(); ++i) {
+        if (!take(model, tools[i], request, {Refusal::kNone, 0, way[i]}, &rows[i * joints], ignored)) return false;
+        request.wanted.seed = way[i];
+    }
+    std::copy(rows.begin(), rows.end(), joint);
+    return !way.empty();
+} catch (const std::bad_alloc&) {
+    return false;
+}
+
 }  // namespace
 }  // namespace zk::arm
 
@@ -131,12 +157,16 @@ ZK_API int ZK_Model_Follow(const ZK_Model* model, const Pose* poses, int count, 
     Request request;
     if (!model || count < 0 || !seed || (count > 0 && (!poses || !joint))) return ZK_BAD_ARGUMENT;
     if (!read(*model, seed, chosen, request)) return ZK_BAD_ARGUMENT;
+    const Request start = request;
     Follower follower(model->arm, request);
     for (; outcome.followed < count; ++outcome.followed) {
         const Pose& pose = poses[outcome.followed];
         float* row = joint + std::ptrdiff_t{outcome.followed} * model->arm.joints;
         const int status = follow(*model, pose, chosen, request, follower, row, outcome.refusal);
-        if (status != ZK_OK) return status;
+        if (status == ZK_OK) continue;
+        if (model->arm.joints < 7 || !found_as_a_whole(*model, poses, count, chosen, start, joint)) return status;
+        outcome.followed = count;
+        break;
     }
     outcome.refusal = {};
     return ZK_OK;

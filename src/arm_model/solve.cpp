@@ -31,10 +31,10 @@ damped::Error difference(const Frame& from, const Frame& to) {
     return {p[0], p[1], p[2], a[0], a[1], a[2]};
 }
 
-bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& q) {
+bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& q, const Joints& pull) {
     constexpr double kMetres = 1e-6, kRadians = 1e-6;
     // In joints scaled by the roots of their weights the steps of least length are those of least weight.
-    Joints scale, unscale, scaled;
+    Joints scale, unscale, scaled, scaled_pull;
     damped::Limits limits;
     for (int i = 0; i < 7; ++i) {
         scale[i] = std::sqrt(wanted.weight[i]);
@@ -42,6 +42,7 @@ bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& 
         limits.lo[i] = wanted.limits.lo[i] * scale[i];
         limits.hi[i] = wanted.limits.hi[i] * scale[i];
         scaled[i] = q[i] * scale[i];
+        scaled_pull[i] = pull[i] * scale[i];
     }
     const auto at = [&](const Joints& from, damped::Jacobian& J) {
         for (int i = 0; i < 7; ++i) q[i] = from[i] * unscale[i];
@@ -54,7 +55,7 @@ bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& 
         }
         return difference(end, target);
     };
-    return damped::converge(at, limits, {}, kMetres, kRadians, scaled);
+    return damped::converge(at, limits, scaled_pull, kMetres, kRadians, scaled);
 }
 
 namespace {

@@ -18,8 +18,9 @@ struct Answer {
 // further from the seed than max_step, which is infinite for no bound.
 Answer solve(const Arm& arm, const Frame& target, const Wanted& wanted, double max_step);
 
-// Moves q towards the target within the limits, by the steps of least weight. False when it does not come there.
-bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& q);
+// Moves q towards the target within the limits, by the steps of least weight, and with the pull as far as that leaves
+// the target alone. False when it does not come there.
+bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& q, const Joints& pull = {});
 
 // The way from one frame to another, translation and axis times angle, in the axes that both are seen in.
 damped::Error difference(const Frame& from, const Frame& to);
