@@ -83,6 +83,7 @@ Layer next_layer(const Arm& arm, const Layer& before, const Frame& target, const
     for (size_t i = 0; i < before.size(); ++i) {
         from.seed = before[i].q;
         from.limits = within_step(wanted.limits, from.seed, max_step);
+        if (are_empty(from.limits)) continue;
         lead_on(arm, target, from, before[i], static_cast<int>(i), kept);
     }
     return kept.layer;

@@ -133,8 +133,9 @@ bool found_as_a_whole(const ZK_Model& model, const Pose* poses, int count, const
     const std::vector<Joints> way = way_along(model.arm, ends, request.wanted, request.max_step);
     std::vector<float> rows(way.size() * joints);
     for (size_t i = 0; i < way.size(); ++i) {
-        if (!take(model, tools[i], request, {Refusal::kNone, 0, way[i]}, &rows[i * joints], ignored)) return false;
-        request.wanted.seed = way[i];
+        Answer answer = {Refusal::kNone, 0, way[i]};
+        if (!take(model, tools[i], request, answer, &rows[i * joints], ignored)) return false;
+        request.wanted.seed = answer.q;
     }
     std::copy(rows.begin(), rows.end(), joint);
     return !way.empty();
