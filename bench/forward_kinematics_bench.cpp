@@ -133,7 +133,8 @@ void owned_model(benchmark::State& state) {
 }
 BENCHMARK(owned_model);
 
-void kdl_recursive(benchmark::State& state) {
+template <class Finish>
+void over_kdl(benchmark::State& state, Finish finish) {
     const KDL::Chain chain = kdl_chain();
     KDL::ChainFkSolverPos_recursive solver(chain);
     KDL::JntArray joints(6);
@@ -141,20 +142,18 @@ void kdl_recursive(benchmark::State& state) {
         for (int i = 0; i < 6; ++i) joints(i) = q[i] + dh().offset[i];
         KDL::Frame frame;
         solver.JntToCart(joints, frame);
-        return frame;
+        return finish(frame);
     });
+}
+
+void kdl_recursive(benchmark::State& state) {
+    over_kdl(state, [](const KDL::Frame& frame) { return frame; });
 }
 BENCHMARK(kdl_recursive);
 
 // What the poses of the others hold too.
 void kdl_both_orientations(benchmark::State& state) {
-    const KDL::Chain chain = kdl_chain();
-    KDL::ChainFkSolverPos_recursive solver(chain);
-    KDL::JntArray joints(6);
-    over_postures(state, [&](const float* q) {
-        for (int i = 0; i < 6; ++i) joints(i) = q[i] + dh().offset[i];
-        KDL::Frame frame;
-        solver.JntToCart(joints, frame);
+    over_kdl(state, [](const KDL::Frame& frame) {
         std::array<double, 7> pose;
         frame.M.GetQuaternion(pose[0], pose[1], pose[2], pose[3]);
         frame.M.GetRPY(pose[4], pose[5], pose[6]);

@@ -8,19 +8,23 @@
 
 namespace zk {
 
-// As atan2f for finite points, 0 of either sign included, and within 0.55 of a last digit of the true angle; NaN for
-// NaN. Method: odd polynomial through Chebyshev nodes on the octant, 2.5e-9 from the arc tangent, in double precision.
-inline float arc_tangent(float y, float x) {
-    const double height = std::fabs(y), width = std::fabs(x);
-    const double longer = std::max(height, width), shorter = std::min(width, height);  // in this order NaN gets through
-    const double t = shorter / std::max(longer, std::numeric_limits<double>::min());
-    const double u = t * t, u2 = u * u, u4 = u2 * u2;
+// The arc tangent of 0 to 1. Method: odd polynomial through Chebyshev nodes, 2.5e-9 from the arc tangent.
+inline double octant_of(double tangent) {
+    const double t = tangent, u = t * t, u2 = u * u, u4 = u2 * u2;
     const double low =
         (0.99999999754602042 - 0.33333282295513 * u) + (0.19998230640412754 - 0.14261573680656933 * u) * u2;
     const double middle =
         (0.10940198966983225 - 0.083720639531456975 * u) + (0.057463557931223479 - 0.030717508982484105 * u) * u2;
     const double high = 0.010680719485844748 - 0.0017437011522270041 * u;
-    const double octant = t * (low + (middle + high * u4) * u4);
+    return t * (low + (middle + high * u4) * u4);
+}
+
+// As atan2f for finite points, 0 of either sign included, and within 0.55 of a last digit of the true angle; NaN for
+// NaN. In double precision.
+inline float arc_tangent(float y, float x) {
+    const double height = std::fabs(y), width = std::fabs(x);
+    const double longer = std::max(height, width), shorter = std::min(width, height);  // in this order NaN gets through
+    const double octant = octant_of(shorter / std::max(longer, std::numeric_limits<double>::min()));
     constexpr double sign[] = {1, -1}, right_angle[] = {0, M_PI / 2}, straight_angle[] = {0, M_PI};
     const bool steep = height > width, backward = std::signbit(x);
     const double quadrant = right_angle[steep] + sign[steep] * octant;

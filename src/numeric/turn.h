@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <limits>
 
+#include "numeric/arc_tangent.h"
+
 namespace zk {
 
 // An angle as its sine and cosine.
@@ -30,20 +32,12 @@ inline Turn turn_of(double angle) {
     return {quadrant & 2 ? -across : across, (quadrant + 1) & 2 ? -along : along};
 }
 
-// The angle of the point (x, y), between -pi and pi, within 3e-9; NaN for NaN. Method: odd polynomial through Chebyshev
-// nodes on the octant, 2.5e-9 from the arc tangent.
+// The angle of the point (x, y), between -pi and pi, within 3e-9; NaN for NaN.
 inline double angle_of(double y, double x) {
     const double height = std::fabs(y), width = std::fabs(x);
     const double longer = height < width ? width : height,
                  shorter = height < width ? height : width;  // NaN gets through
-    const double t = shorter / (longer + std::numeric_limits<double>::min());
-    const double u = t * t, u2 = u * u, u4 = u2 * u2;
-    const double low =
-        (0.99999999754602042 - 0.33333282295513 * u) + (0.19998230640412754 - 0.14261573680656933 * u) * u2;
-    const double middle =
-        (0.10940198966983225 - 0.083720639531456975 * u) + (0.057463557931223479 - 0.030717508982484105 * u) * u2;
-    const double high = 0.010680719485844748 - 0.0017437011522270041 * u;
-    const double octant = t * (low + (middle + high * u4) * u4);
+    const double octant = octant_of(shorter / (longer + std::numeric_limits<double>::min()));
     const double quadrant = height > width ? M_PI / 2 - octant : octant;
     return std::copysign(std::signbit(x) ? M_PI - quadrant : quadrant, y);
 }
