@@ -147,7 +147,7 @@ int zk::solve_tau7(const RobotModel& model, const Search& search, const float* s
 }
 
 ZK_API int inverse_kinematics_tau7(const float* seed, float* out, Mat target) {
-    return zk::solve_tau7(robot, {theta_v}, seed, out, zk::transform_of(target));
+    return zk::solve_tau7(robot, {theta_v}, seed, out, zk::transform_of<float>(target));
 }
 
 ZK_API void ikine_jacobe_and_pose_tau72(const float* joint, Mat* J, Mat* T) {

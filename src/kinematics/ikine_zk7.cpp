@@ -89,5 +89,5 @@ int zk::solve_zk75(const RobotModel& model, const Search& search, float* seed, f
 }
 
 ZK_API int inverse_kinematics_zk_75(float* seed, float* out, Mat target) {
-    return zk::solve_zk75(robot, {theta_v}, seed, out, zk::transform_of(target));
+    return zk::solve_zk75(robot, {theta_v}, seed, out, zk::transform_of<float>(target));
 }

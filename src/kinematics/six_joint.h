@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "kinematics/small_matrix.h"
 #include "numeric/arc_tangent.h"
 #include "numeric/frame_inverse.h"
 #include "numeric/sine_cosine.h"
@@ -48,18 +49,10 @@ struct Wrist {
 
 template <class Real>
 Wrist<Real> shoulder_T_wrist(const RobotModel& model, const Matrix& world_T_tool) {
-    const Matrix base_T_world = frame_inverse(model.install_angle_matrix);
-    const Matrix tool_T_flange = frame_inverse(model.tool_cs_matrix);
-    const auto row_times = [](const auto* row, const Matrix& t, int j) -> double {
-        const double sum = row[0] * double{t.m[0][j]} + row[1] * double{t.m[1][j]} + row[2] * double{t.m[2][j]};
-        return j == 3 ? sum + row[3] : sum;
-    };
-    double t[3][4];  // (F1)
-    for (int i = 0; i < 3; ++i) {
-        double base_T_tool[4];
-        for (int j = 0; j < 4; ++j) base_T_tool[j] = row_times(base_T_world.m[i], world_T_tool, j);
-        for (int j = 0; j < 4; ++j) t[i][j] = row_times(base_T_tool, tool_T_flange, j);
-    }
+    const auto base_T_world = transform_of<double>(frame_inverse(model.install_angle_matrix));
+    const auto tool_T_flange = transform_of<double>(frame_inverse(model.tool_cs_matrix));
+    const Transform<double> base_T_flange = base_T_world * transform_of<double>(world_T_tool) * tool_T_flange;  // (F1)
+    const auto& t = base_T_flange.m;
     Wrist<Real> wrist;
     for (int i = 0; i < 3; ++i) {
         for (int j = 0; j < 3; ++j) wrist.m[i][j] = static_cast<Real>(t[i][j]);

@@ -33,9 +33,9 @@ Transform<Real> operator*(const Transform<Real>& a, const Transform<Real>& b) {
 }
 
 // A transform, and its rotation and translation, from any record that has an m.
-template <class T>
-Transform<float> transform_of(const T& t) {
-    Transform<float> result;
+template <class Real, class T>
+Transform<Real> transform_of(const T& t) {
+    Transform<Real> result;
     for (int i = 0; i < 3; ++i) {
         for (int j = 0; j < 4; ++j) result.m[i][j] = t.m[i][j];
     }

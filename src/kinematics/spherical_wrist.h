@@ -49,10 +49,7 @@ class SphericalWrist {
 
     // The six joints to `joint`; kSolved, kUnreachable or kBeyondLimits.
     int solve(float* joint) {
-        const auto [a, b] = shoulders();
-        const UpperArm arms[4] = {upper_arm(a, a.elbow.first), upper_arm(b, b.elbow.first),
-                                  upper_arm(a, a.elbow.second), upper_arm(b, b.elbow.second)};
-        nearest_first(arms, [this](const UpperArm& arm, int order) { try_arm(arm, order); });
+        nearest_first(shoulders().both, [this](const Shoulder& shoulder, int order) { try_shoulder(shoulder, order); });
         if (found() && model_.is_avoid_Singularity == 1) hold_singular_wrist();
         if (found()) best_.theta[5] = beside(seed_.theta[5], best_.theta[5]);
         return write(joint);
@@ -61,30 +58,25 @@ class SphericalWrist {
  private:
     static constexpr float kTooFar = 1000;
 
-    // A joint 1, and what follows from it.
+    // A joint 1, its part of the distance to the seed, and what follows from it.
     struct Shoulder {
         float t1;
         SineCosine sc1;
+        float distance;
         float r;  // the wrist point's distance from the axis of joint 1, in the plane of the arm
-        Elbows elbow;
     };
     struct Shoulders {
-        Shoulder a, b;
+        Shoulder both[2];
+    };
+    // A joint 3, and the part of joints 1 and 3.
+    struct UpperArm {
+        Elbow elbow;
+        float distance;
     };
     // Joints 4 to 6.
     struct Hand {
         float t4, t5, t6;
     };
-    // Joints 1 and 3, and their part of the distance to the seed.
-    struct UpperArm {
-        const Shoulder& shoulder;
-        const Elbow& elbow;
-        float distance;
-    };
-    UpperArm upper_arm(const Shoulder& shoulder, const Elbow& elbow) const {
-        return {shoulder, elbow, seed_.squared(0, shoulder.t1) + seed_.squared(2, elbow.t3)};
-    }
-
     bool found() const { return best_.distance < kTooFar; }
 
     // With the wrist point on the axis of joint 1 that joint keeps the seed.
@@ -92,29 +84,37 @@ class SphericalWrist {
         constexpr float kOnAxis = 5e-5f;
         if (std::fabs(wrist_.x) < kOnAxis && std::fabs(wrist_.y) < kOnAxis) {
             const Shoulder only = shoulder(seed_.theta[0], sine_cosine(seed_.theta[0]));
-            return {only, only};
+            return {{only, only}};
         }
         const float from_y = arc_tangent(wrist_.x, wrist_.y);  // (S4)
         const auto [s1, c1] = direction(wrist_.y, wrist_.x);
-        return {shoulder(range_.wrapped(0, kQuarterTurn - from_y), {s1, c1}),
-                shoulder(range_.wrapped(0, -kQuarterTurn - from_y), {-s1, -c1})};
+        return {{shoulder(range_.wrapped(0, kQuarterTurn - from_y), {s1, c1}),
+                 shoulder(range_.wrapped(0, -kQuarterTurn - from_y), {-s1, -c1})}};
     }
 
     Shoulder shoulder(float t1, SineCosine sc1) const {
-        const float r = wrist_.x * sc1.c + wrist_.y * sc1.s;
-        auto [first, second] = arm_.elbows(r, wrist_.z);
-        first.t3 = range_.wrapped(2, first.t3);
-        second.t3 = range_.wrapped(2, second.t3);
-        return {t1, sc1, r, {first, second}};
+        return {t1, sc1, seed_.squared(0, t1), wrist_.x * sc1.c + wrist_.y * sc1.s};
+    }
+
+    UpperArm upper_arm(const Shoulder& shoulder, Elbow elbow) const {
+        elbow.t3 = range_.wrapped(2, elbow.t3);
+        return {elbow, shoulder.distance + seed_.squared(2, elbow.t3)};
+    }
+
+    void try_shoulder(const Shoulder& shoulder, int order) {
+        if (!range_.holds(0, shoulder.t1)) return;
+        if (!best_.farther_than(shoulder.distance, order)) return;  // the other joints only add to it
+        const auto [first, second] = arm_.elbows(shoulder.r, wrist_.z);
+        const UpperArm arms[2] = {upper_arm(shoulder, first), upper_arm(shoulder, second)};
+        nearest_first(arms, [&](const UpperArm& arm, int elbow) { try_arm(shoulder, arm, order + 2 * elbow); });
     }
 
     // The two candidates of a shoulder and an elbow; an elbow out of reach is NaN, which no limit test passes.
-    void try_arm(const UpperArm& arm, int order) {
-        const auto& [shoulder, elbow, distance] = arm;
-        const float t1 = shoulder.t1, t3 = elbow.t3;
-        if (!range_.holds(0, t1) || !range_.holds(2, t3)) return;
-        if (!best_.farther_than(distance, order)) return;  // the other joints only add to it
-        const Point toward = arm_.toward_t23(shoulder.r, wrist_.z, elbow.sc3);
+    void try_arm(const Shoulder& shoulder, const UpperArm& arm, int order) {
+        const float t1 = shoulder.t1, t3 = arm.elbow.t3;
+        if (!range_.holds(2, t3)) return;
+        if (!best_.farther_than(arm.distance, order)) return;
+        const Point toward = arm_.toward_t23(shoulder.r, wrist_.z, arm.elbow.sc3);
         const float t2 = range_.wrapped(1, arc_tangent(toward.y, toward.x) - t3);
         if (!range_.holds(1, t2)) return;
         const float of_arm = seed_.squared(0, t1) + seed_.squared(1, t2) + seed_.squared(2, t3);

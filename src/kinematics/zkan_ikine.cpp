@@ -24,7 +24,7 @@ float at_full_turn(float angle) {
 // base_T_flange of a tool at world_T_tool: without mounting and tool.
 Transform<float> flange_target(const RobotModel& model, const Matrix& world_T_tool) {
     const Matrix base_T_tool = product<double>(frame_inverse(model.install_angle_matrix), world_T_tool);
-    return transform_of(product<double>(base_T_tool, frame_inverse(model.tool_cs_matrix)));
+    return transform_of<float>(product<double>(base_T_tool, frame_inverse(model.tool_cs_matrix)));
 }
 
 }  // namespace
