@@ -14,7 +14,7 @@ constexpr int kSteps = 105;
 constexpr float kPi = 3.1415927f, kStep = 0.06f;
 
 const std::array<ArmAngle, kSteps>& arm_angles() {
-    static const auto angles = [] {
+    static const auto kAngles = [] {
         std::array<ArmAngle, kSteps> made;
         float angle = -kPi;
         for (ArmAngle& psi : made) {
@@ -24,7 +24,7 @@ const std::array<ArmAngle, kSteps>& arm_angles() {
         }
         return made;
     }();
-    return angles;
+    return kAngles;
 }
 
 // The candidate nearest to the seed so far. Of equals the first in order is the nearest, in whatever order they are
