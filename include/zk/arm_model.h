@@ -124,8 +124,8 @@ typedef struct ZK_InverseOptions {
 typedef enum ZK_Cause {
     ZK_CAUSE_NONE,          /* there is one */
     ZK_CAUSE_OUT_OF_REACH,  /* no posture brings the tool there */
-    ZK_CAUSE_BEYOND_LIMITS, /* every posture has a joint beyond its limits; `joint` is the one of the posture that is
-                               least beyond */
+    ZK_CAUSE_BEYOND_LIMITS, /* every posture found has a joint beyond its limits; `joint` is the one of the posture that
+                               is least beyond */
     ZK_CAUSE_SINGULAR,      /* the answers are below min_manipulability */
     ZK_CAUSE_LARGER_STEP,   /* every answer within the limits takes a joint further than max_step */
     ZK_CAUSE_BAD_TARGET     /* the target is not finite */

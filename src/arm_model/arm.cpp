@@ -7,7 +7,7 @@
 namespace zk::arm {
 namespace {
 
-constexpr double kHalf = M_PI;
+constexpr double kHalfTurn = M_PI;
 
 Frame lifted(double z) { return {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, z}}}; }
 
@@ -31,13 +31,13 @@ Layout layout_of(const RobotModel& model) {
         case 0:
             return {Build::kSphericalWrist,
                     {1, -1, -1, 1, 1, 1},
-                    {0, 0, kHalf, kHalf, 0, 0},
+                    {0, 0, kHalfTurn, kHalfTurn, 0, 0},
                     {{}, {a[2], 0, 0}, {0, 0, d[3]}},
                     flange6};
         case 3:
             return {Build::kSphericalWrist,
                     as_it_is,
-                    {0, 0, 0, 0, kHalf, kHalf},
+                    {0, 0, 0, 0, kHalfTurn, kHalfTurn},
                     {{a[1], 0, 0}, {a[2], 0, 0}, {a[3], 0, d[3]}},
                     flange6};
         case 4:
@@ -55,7 +55,7 @@ Layout layout_of(const RobotModel& model) {
         case 7:
             return {Build::kOffsetSeven,
                     {1, 1, 1, -1, 1, -1, 1},
-                    {0, 0, 0, 0, 0, kHalf, kHalf},
+                    {0, 0, 0, 0, 0, kHalfTurn, kHalfTurn},
                     {{}, {}, {a[3], 0, d[2]}, {a[4], 0, 0}, {0, 0, d[4]}, {-a[6], 0, 0}},
                     flange7};
         default:
