@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstring>
 
 namespace zk {
 
@@ -22,12 +23,14 @@ struct Transform {
 
 template <class Real>
 Transform<Real> operator*(const Transform<Real>& a, const Transform<Real>& b) {
+    typedef Real Row __attribute__((vector_size(4 * sizeof(Real))));
+    Row row[3];
+    std::memcpy(row, b.m, sizeof row);
     Transform<Real> c;
     for (int i = 0; i < 3; ++i) {
-        for (int j = 0; j < 4; ++j) {
-            c.m[i][j] = a.m[i][0] * b.m[0][j] + a.m[i][1] * b.m[1][j] + a.m[i][2] * b.m[2][j];
-        }
-        c.m[i][3] += a.m[i][3];
+        Row sum = a.m[i][0] * row[0] + a.m[i][1] * row[1] + a.m[i][2] * row[2];
+        sum[3] += a.m[i][3];
+        std::memcpy(c.m[i], &sum, sizeof sum);
     }
     return c;
 }
