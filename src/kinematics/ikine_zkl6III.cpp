@@ -34,8 +34,14 @@ class Zkl63_3 {
     }
 
  private:
+    // A joint 1, the point at its angle, and its part of the distance to the seed.
     struct Shoulder {
-        Plane<float> plane;
+        float t1, y, x;
+        float distance;
+    };
+    // A joint 2, the point at its angle before turns are added, and the part of joints 1 and 2.
+    struct Elbow {
+        float t2, y, x, angle;
         float distance;
     };
     struct Arm {
@@ -49,9 +55,8 @@ class Zkl63_3 {
 
     Shoulder shoulder_at(float v) const {
         const float y1 = -wrist_.x * d2_ - wrist_.y * v, x1 = wrist_.y * d2_ - wrist_.x * v;  // (L6)
-        const auto [s1, c1] = direction(y1, x1);
-        const Plane<float> plane = plane_of(wrist_, nearest(0, arc_tangent(y1, x1)), s1, c1, a2_);
-        return {plane, seed_.squared(0, plane.t1)};
+        const float t1 = nearest(0, arc_tangent(y1, x1));
+        return {t1, y1, x1, seed_.squared(0, t1)};
     }
 
     // Whether a candidate of at least this distance may be the answer: the nearest, or else the first of all.
@@ -61,30 +66,35 @@ class Zkl63_3 {
 
     void try_shoulder(const Shoulder& shoulder, int order) {
         if (!may_take(shoulder.distance, order)) return;  // the other joints only add to it
-        const Plane<float>& plane = shoulder.plane;
+        const auto [s1, c1] = direction(shoulder.y, shoulder.x);
+        const Plane<float> plane = plane_of(wrist_, shoulder.t1, s1, c1, a2_);
         const float squares = plane.r * plane.r + plane.height * plane.height;
         const float k = (a3_ * a3_ + squares - (a4_ * a4_ + d4_ * d4_)) / (2 * a3_);  // (L9)
         const float q2 = squares - k * k;
         if (!(q2 >= 0)) return;
         const float root = std::sqrt(q2);
-        const Arm elbows[2] = {arm_at(plane, k, root), arm_at(plane, k, -root)};
+        const Elbow elbows[2] = {elbow_at(shoulder, plane, k, root), elbow_at(shoulder, plane, k, -root)};
         if (any_is_near_) {
-            for (const Arm& arm : elbows) try_wrists(plane, arm, order);
+            for (const Elbow& elbow : elbows) try_elbow(plane, elbow, order);
         } else {
-            nearest_first(elbows, [&](const Arm& arm, int elbow) { try_wrists(plane, arm, order + elbow); });
+            nearest_first(elbows, [&](const Elbow& elbow, int i) { try_elbow(plane, elbow, order + i); });
         }
     }
 
-    Arm arm_at(const Plane<float>& plane, float k, float v) const {
+    Elbow elbow_at(const Shoulder& shoulder, const Plane<float>& plane, float k, float v) const {
         const float y2 = -plane.height * k - plane.r * v, x2 = plane.r * k - plane.height * v;
-        const float t2 = arc_tangent(y2, x2);  // (L10)
-        const auto [s2, c2] = direction(y2, x2);
+        const float angle = arc_tangent(y2, x2), t2 = nearest(1, angle);  // (L10)
+        return {t2, y2, x2, angle, shoulder.distance + seed_.squared(1, t2)};
+    }
+
+    void try_elbow(const Plane<float>& plane, const Elbow& elbow, int order) {
+        if (!may_take(elbow.distance, order)) return;
+        const auto [s2, c2] = direction(elbow.y, elbow.x);
         const float gx = plane.r - a3_ * c2, gy = -plane.height - a3_ * s2;  // (L11)
         const float y23 = a4_ * gy + d4_ * gx, x23 = a4_ * gx - d4_ * gy;
-        const float t3 = arc_tangent(y23, x23) - t2;  // (L12)
-        Arm arm = {plane.t1, nearest(1, t2), nearest(2, t3), direction(y23, x23), 0};
-        arm.distance = seed_.squared(0, arm.t1) + seed_.squared(1, arm.t2) + seed_.squared(2, arm.t3);
-        return arm;
+        const float t3 = nearest(2, arc_tangent(y23, x23) - elbow.angle);  // (L12)
+        const Arm arm = {plane.t1, elbow.t2, t3, direction(y23, x23), elbow.distance + seed_.squared(2, t3)};
+        try_wrists(plane, arm, order);
     }
 
     void try_wrists(const Plane<float>& plane, const Arm& arm, int order) {
