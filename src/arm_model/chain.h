@@ -19,23 +19,23 @@ template <Build build>
 struct Form;
 template <>
 struct Form<Build::kSphericalWrist> {  // (A2)
-    static constexpr JointForm joints[] = {{false, 1, 0, 0}, {true, 1, 1, 0}, {true, 1, 0, 1},
-                                           {false, 0, 0, 0}, {true, 0, 0, 0}, {false, 0, 0, 0}};
+    static constexpr JointForm kJoints[] = {{false, 1, 0, 0}, {true, 1, 1, 0}, {true, 1, 0, 1},
+                                            {false, 0, 0, 0}, {true, 0, 0, 0}, {false, 0, 0, 0}};
 };
 template <>
 struct Form<Build::kParallelAxes> {  // (A3)
-    static constexpr JointForm joints[] = {{false, 1, 0, 0}, {true, 1, 0, 0},  {true, 1, 0, 0},
-                                           {true, 0, 1, 1},  {false, 0, 0, 0}, {true, 0, 0, 0}};
+    static constexpr JointForm kJoints[] = {{false, 1, 0, 0}, {true, 1, 0, 0},  {true, 1, 0, 0},
+                                            {true, 0, 1, 1},  {false, 0, 0, 0}, {true, 0, 0, 0}};
 };
 template <>
 struct Form<Build::kSphericalSeven> {  // (A4)
-    static constexpr JointForm joints[] = {{false, 0, 0, 0}, {true, 0, 0, 0}, {false, 0, 0, 1}, {true, 0, 0, 0},
-                                           {false, 0, 0, 1}, {true, 0, 0, 0}, {false, 0, 0, 0}};
+    static constexpr JointForm kJoints[] = {{false, 0, 0, 0}, {true, 0, 0, 0}, {false, 0, 0, 1}, {true, 0, 0, 0},
+                                            {false, 0, 0, 1}, {true, 0, 0, 0}, {false, 0, 0, 0}};
 };
 template <>
 struct Form<Build::kOffsetSeven> {  // (A5)
-    static constexpr JointForm joints[] = {{false, 0, 0, 0}, {true, 0, 0, 0}, {false, 1, 0, 1}, {true, 1, 0, 0},
-                                           {false, 0, 0, 1}, {true, 1, 0, 0}, {false, 0, 0, 0}};
+    static constexpr JointForm kJoints[] = {{false, 0, 0, 0}, {true, 0, 0, 0}, {false, 1, 0, 1}, {true, 1, 0, 0},
+                                            {false, 0, 0, 1}, {true, 1, 0, 0}, {false, 0, 0, 0}};
 };
 
 // The columns of the transform from the root to where the chain has come.
@@ -61,7 +61,7 @@ struct Walk {
 // Walks along the chain; at_joint(i, walk) sees the frame that joint i turns, before it turns.
 template <Build build, class AtJoint>
 Frame walked(const Arm& arm, const Joints& q, AtJoint at_joint) {
-    constexpr auto& joints = Form<build>::joints;
+    constexpr auto& joints = Form<build>::kJoints;
     constexpr int count = sizeof joints / sizeof joints[0];
     Turn turns[count];
     for (int i = 0; i < count; ++i) turns[i] = turn_of(arm.sign[i] * q[i] + arm.shift[i]);
@@ -110,7 +110,7 @@ struct Axes {
 inline Frame root_T_end(const Arm& arm, const Joints& q, Axes& axes) {
     return for_build(arm.build, [&]<Build build>() {
         return walked<build>(arm, q, [&](int i, const Walk& walk) {
-            axes.axis[i] = Form<build>::joints[i].about_y ? walk.y : walk.z;
+            axes.axis[i] = Form<build>::kJoints[i].about_y ? walk.y : walk.z;
             axes.at[i] = walk.p;
         });
     });
