@@ -197,8 +197,8 @@ typedef struct ZK_FollowResult {
  * Joints for a sequence of poses, each from the one before it, the first from the seed, without a jump. The joints go
  * on as they moved: at a straight elbow and at an aligned wrist they pass through. With seven joints the arm angle is
  * held, the turn of the elbow about the line from shoulder to wrist; it moves where holding it would take a joint half
- * as far again as it has to go. When that comes to a pose that no small step reaches, a way along all poses is looked
- * for with the arm angle free; that takes about a millisecond a pose, and memory.
+ * as far again as it has to go. When that comes to a pose that only a larger step reaches, a way along all poses is
+ * looked for with the arm angle free; that takes about a millisecond a pose, and memory.
  *
  * joint: room for `count` rows. max_step bounds the way of a joint between two poses; 0 is 10 degrees here. Other
  * options as for ZK_Model_Inverse. options, result: null is allowed.

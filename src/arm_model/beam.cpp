@@ -11,7 +11,7 @@
 namespace zk::arm {
 namespace {
 
-constexpr int kPlaces = 120;                      // of arm angles that are kept apart, for either bend of the elbow
+constexpr int kArmAngles = 120;                   // of arm angles that are kept apart, for either bend of the elbow
 constexpr int kFreeJoint = 2;                     // the joint that is pulled aside to find the free motion
 constexpr double kAside = 0.08, kFurthest = 0.8;  // radians of it
 
@@ -22,12 +22,6 @@ struct Posture {
 };
 using Layer = std::vector<Posture>;
 
-double squared_step(const Joints& from, const Joints& to, const Wanted& wanted) {
-    double sum = 0;
-    for (int i = 0; i < 7; ++i) sum += wanted.weight[i] * (to[i] - from[i]) * (to[i] - from[i]);
-    return sum;
-}
-
 // The cheapest posture at each arm angle.
 class Kept {
  public:
@@ -35,7 +29,7 @@ class Kept {
 
     void offer(const Posture& posture) {
         const double turns = angle_of(arm_angle(arm_, posture.q)) * (0.5 / M_PI), share = turns - std::floor(turns);
-        const int place = std::min(kPlaces - 1, static_cast<int>(share * kPlaces));
+        const int place = std::min(kArmAngles - 1, static_cast<int>(share * kArmAngles));
         int& at = at_[2 * place + (posture.q[3] > 0)];
         if (at < 0) {
             at = static_cast<int>(layer.size());
@@ -49,7 +43,7 @@ class Kept {
 
  private:
     const Arm& arm_;
-    std::array<int, 2 * kPlaces> at_;
+    std::array<int, 2 * kArmAngles> at_;
 };
 
 double arm_angle_between(const Arm& arm, const Joints& from, const Joints& to) {
@@ -63,7 +57,7 @@ void lead_on(const Arm& arm, const Frame& target, const Wanted& from, const Post
         pull[kFreeJoint] = aside;
         q = from.seed;
         if (!refined(arm, target, from, q, pull)) return false;
-        kept.offer({q, before.cost + squared_step(from.seed, q, from), index});
+        kept.offer({q, before.cost + distance(from, q), index});
         return true;
     };
     Joints straight, aside;
@@ -72,7 +66,7 @@ void lead_on(const Arm& arm, const Frame& target, const Wanted& from, const Post
         if (!go(side, aside)) continue;
         // That shows how far to pull.
         const double moved = std::fabs(arm_angle_between(arm, straight, aside));
-        const double enough = kAside * 1.2 * (2 * M_PI / kPlaces) / (moved + 1e-9);
+        const double enough = kAside * 1.2 * (2 * M_PI / kArmAngles) / (moved + 1e-9);
         go(std::copysign(std::min(kFurthest, enough), side), aside);
     }
 }

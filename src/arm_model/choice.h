@@ -73,8 +73,6 @@ class Placing {
         return best;
     }
 
-    const Joints& joints() const { return q_; }
-
  protected:
     double distance(int i, double q) const {
         const double e = q - wanted_.seed[i];

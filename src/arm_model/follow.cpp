@@ -165,7 +165,9 @@ ZK_API int ZK_Model_Follow(const ZK_Model* model, const Pose* poses, int count, 
         float* row = joint + std::ptrdiff_t{outcome.followed} * model->arm.joints;
         const int status = follow(*model, pose, chosen, request, follower, row, outcome.refusal);
         if (status == ZK_OK) continue;
-        if (model->arm.joints < 7 || !found_as_a_whole(*model, poses, count, chosen, start, joint)) return status;
+        // Another way to come here helps only where the limits allow a posture at all.
+        const bool may_help = model->arm.joints == 7 && outcome.refusal.cause == ZK_CAUSE_LARGER_STEP;
+        if (!may_help || !found_as_a_whole(*model, poses, count, chosen, start, joint)) return status;
         outcome.followed = count;
         break;
     }

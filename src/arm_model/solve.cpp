@@ -58,13 +58,13 @@ bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& 
     return damped::converge(at, limits, scaled_pull, kMetres, kRadians, scaled);
 }
 
-namespace {
-
 double distance(const Wanted& wanted, const Joints& q) {
     double sum = 0;
     for (int i = 0; i < 7; ++i) sum += wanted.weight[i] * (q[i] - wanted.seed[i]) * (q[i] - wanted.seed[i]);
     return sum;
 }
+
+namespace {
 
 // Moves the nearest posture along the circle while that brings it nearer to the seed.
 void slide(const Arm& arm, const Frame& target, Nearest& nearest) {
