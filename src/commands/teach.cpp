@@ -3,7 +3,6 @@
 
 #include "commands/stillness.h"
 #include "commands/twin.h"
-#include "connection/elapsed.h"
 #include "connection/exchange.h"
 #include "connection/reply.h"
 #include "connection/wrappers.h"
@@ -65,11 +64,7 @@ ZK_API int Pos_Teach_Cmd_Block(ArmSocket s, int32_t type, uint8_t direction, uin
     if (!connection.is_open()) return ZK_NOT_CONNECTED;
     mailbox.clear(connection.slot());
     post(pos_teach(s, type, direction, v));
-    for (const int32_t start = Get_Program_Runtime(); !has_arrived(mailbox, connection);) {
-        if (elapsed_since(start) >= read(m_nOutTime)) return ZK_TIMEOUT;
-        if (!connection.is_open()) return ZK_NOT_CONNECTED;
-    }
-    return take_result(mailbox, connection);
+    return await_result(mailbox, connection, read(m_nOutTime), Take::kAll, 0);
 }
 ZK_API int Pos_Teach_Cmd_NonBlock(ArmSocket s, int32_t type, uint8_t direction, uint8_t v) {
     return post(pos_teach(s, type, direction, v));
