@@ -149,6 +149,29 @@ bool is_far_out(const Arm& arm, const Frame& target) {
     return !(norm(p) < arm.upper + arm.fore + std::fabs(arm.link[5][0]) + kReachSlack);
 }
 
+// The smallest angle between the line of a turn's neighbours and where it is.
+double off_line(double turn) { return std::fabs(turn - M_PI * rounded(turn * (1 / M_PI))); }
+
+// Where the elbow is about straight, postures that are nearer than that of the smallest steps may lie aside.
+bool is_about_straight(const Arm& arm, const Joints& q) {
+    constexpr double kStraight = 0.07;
+    return off_line(arm.sign[3] * q[3] + arm.shift[3] + arm.lean) < kStraight;
+}
+
+// Pulls the nearest posture towards the seed while that brings it nearer.
+void pull_nearer(const Arm& arm, const Frame& target, const Wanted& wanted, Nearest& nearest) {
+    constexpr int kRounds = 4;
+    constexpr double kNearer = 0.99;
+    for (int round = 0; round < kRounds; ++round) {
+        Joints q = nearest.best(), pull;
+        for (int i = 0; i < 7; ++i) pull[i] = wanted.seed[i] - q[i];
+        if (!refined(arm, target, wanted, q, pull)) return;
+        const double d = distance(wanted, q);
+        if (!(d < kNearer * nearest.bound())) return;
+        nearest.start_from(q, d);
+    }
+}
+
 // From the seed, an iteration takes the smallest steps there are. Near the seed nothing is nearer; further away the
 // circle is searched for what is nearer.
 bool found_on_circle(const Arm& arm, const Frame& target, const Wanted& wanted, bool& reached, Joints& q) {
@@ -158,25 +181,58 @@ bool found_on_circle(const Arm& arm, const Frame& target, const Wanted& wanted, 
     q = clamped(wanted.seed, wanted.limits);
     Nearest nearest(arm, wanted);
     if (refined(arm, target, wanted, q)) nearest.start_from(q, distance(wanted, q));
-    if (nearest.bound() < kNear) return true;
+    if (nearest.bound() < kNear) {
+        if (is_about_straight(arm, wanted.seed)) pull_nearer(arm, target, wanted, nearest);
+        q = nearest.best();
+        return true;
+    }
     reached = closed_form(arm, target, nearest) || nearest.found();
     // At the edge of its reach model 7 keeps less of the circle than lies between two places.
     if (arm.build == Build::kOffsetSeven) reached = true;
-    if (nearest.found()) slide(arm, target, nearest);
+    if (nearest.found()) {
+        slide(arm, target, nearest);
+        pull_nearer(arm, target, wanted, nearest);
+    }
     q = nearest.best();
     return nearest.found();
 }
 
+// From the seed, the iteration may come to a nearer posture than the closed form.
+void look_from_seed(const Arm& arm, const Frame& target, const Wanted& wanted, Nearest& nearest) {
+    constexpr double kNear = 0.3;
+    Joints q = clamped(wanted.seed, wanted.limits);
+    if (!damped::all_below(difference(root_T_end(arm, q), target), kNear, kNear)) return;
+    if (!refined(arm, target, wanted, q)) return;
+    const double d = distance(wanted, q);
+    if (d < nearest.bound()) nearest.start_from(q, d);
+}
+
+// Whether rounding of the target decides joints of the posture, or of one near the seed. Shoulder, elbow and wrist each
+// make the more of it the closer they are to their line.
+bool is_left_to_rounding(const Arm& arm, const Frame& target, const Joints& q, const Joints& seed) {
+    constexpr double kAtPosture = 2e-5, kAtSeed = 2e-4;
+    const double x = target.m[0][3], y = target.m[1][3], aside = arm.link[1][1] + arm.link[3][1];
+    const double shoulder = std::fabs(x * x + y * y - aside * aside);  // squared
+    const auto is_close = [&](const Joints& at, double bound) {
+        const double elbow = off_line(arm.sign[2] * at[2] + arm.shift[2] + arm.lean);
+        const double both = elbow * off_line(arm.sign[4] * at[4] + arm.shift[4]);
+        return shoulder * (both * both) < bound * bound;
+    };
+    return is_close(q, kAtPosture) || is_close(seed, kAtSeed);
+}
+
+bool found_by_closed_form(const Arm& arm, const Frame& target, const Wanted& wanted, bool& reached, Joints& q) {
+    Nearest nearest(arm, wanted);
+    reached = closed_form(arm, target, nearest);
+    if (!nearest.found()) return false;
+    if (is_left_to_rounding(arm, target, nearest.best(), wanted.seed)) look_from_seed(arm, target, wanted, nearest);
+    q = nearest.best();
+    return true;
+}
+
 // Sets reached to false where the target is certainly out of reach.
 bool found(const Arm& arm, const Frame& target, const Wanted& wanted, bool& reached, Joints& q) {
-    if (arm.joints == 7) {
-        if (found_on_circle(arm, target, wanted, reached, q)) return true;
-    } else {
-        Nearest nearest(arm, wanted);
-        reached = closed_form(arm, target, nearest);
-        q = nearest.best();
-        if (nearest.found()) return true;
-    }
+    if ((arm.joints == 7 ? found_on_circle : found_by_closed_form)(arm, target, wanted, reached, q)) return true;
     return reached && try_harder(arm, target, wanted, q);
 }
 

@@ -59,6 +59,39 @@ TEST_P(EachModel, SolvesAtSingularPosturesAndLimits) {
     }
 }
 
+// Six joints: where shoulder, elbow and wrist are close to their lines, rounding of the target moves the closed form's
+// answer far. Seven: about the straight elbow the smallest steps lead past postures that are nearer.
+TEST(Inverse, DoesNotJumpWhereRoundingDecides) {
+    const struct {
+        int model;
+        Joints posture, seed;
+    } cases[] = {
+        {0,
+         {-109.48676f, -18.60256f, 41.48748f, 19.69242f, 8.18978f, 294.4578f},
+         {-109.83144f, -18.61589f, 41.39403f, 20.17089f, 8.70223f, 294.68329f}},
+        {6,
+         {-55.72401f, -1.70264f, 0.99265f, 92.30271f, -0.82023f, 149.14813f},
+         {-55.35426f, -2.12493f, 1.05711f, 91.82309f, -1.2443f, 148.78496f}},
+        {8,
+         {76.22816f, 179.11992f, 5.41166f, -98.77397f, -1.05694f, 8.91408f},
+         {76.63486f, 179.48293f, 5.78558f, -98.36841f, -1.12418f, 8.42161f}},
+        {1,
+         {106.22827f, -63.06847f, -131.32709f, -0.42832f, 114.43084f, -127.9513f, 164.67291f},
+         {105.88097f, -63.00529f, -130.90532f, -0.37552f, 114.41166f, -128.f, 165.04193f}},
+        {7,
+         {-53.89179f, -103.03381f, -32.12092f, -7.98754f, 143.21785f, -25.46472f, 35.19264f},
+         {-57.70259f, -101.57979f, -37.54450f, -10.30834f, 146.11f, -30.87338f, 30.10608f}},
+    };
+    for (const auto& [model, posture, seed] : cases) {
+        const Cell cell(model);
+        const KDL::Frame target = cell.forward(posture);
+        Joints answer{};
+        ASSERT_EQ(cell.inverse(target, seed, answer), ZK_OK);
+        EXPECT_TRUE(cell.meets(answer, target));
+        EXPECT_LE(cell.largest_step(answer, seed), 2 * cell.largest_step(posture, seed) + 1) << model;
+    }
+}
+
 // No posture of the list is nearer than the answer, and all of them meet the target.
 TEST_P(EachModel, AnswerIsTheNearestOfAllPostures) {
     constexpr int kRoom = 4096;
