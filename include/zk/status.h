@@ -19,6 +19,8 @@
  * "Zeroes the first record": after such a query the mailbox record of the first connection is set to zero, whichever
  * connection asked. A reply that waited there for another thread is lost.
  *
+ * Statuses below -9 come from the calls of zk/control.h, and from every call on a connection that those calls opened.
+ *
  * The headers of the families say only what differs. Call all of this on application threads, not in callbacks, and
  * make one blocking call at a time on a connection.
  *
@@ -55,7 +57,22 @@
     X(ZK_NOTHING_SAVED,        24, "the controller has no recorded points to save") \
     X(ZK_NO_STREAM,            25, "the real-time stream could not be set up, or no state has come") \
     X(ZK_TABLE_FULL,           -1, "all connections are taken, or the mounting angles read back differ") \
-    X(ZK_BAD_FILE_NAME,        -4, "the path has no '/'")
+    X(ZK_BAD_FILE_NAME,        -4, "the path has no '/'") \
+    X(ZK_CANCELLED,           -10, "the call was cancelled") \
+    X(ZK_DEADLINE,            -11, "the deadline of the connection passed during the call") \
+    X(ZK_LOST,                -12, "the connection is lost: the controller closed or reset it, or fell silent") \
+    X(ZK_STALE_HANDLE,        -13, "the handle is none of an open connection of ZK_Connect") \
+    X(ZK_BUSY,                -14, "a call of another thread on this connection excludes this one") \
+    X(ZK_UNKNOWN_HOST,        -15, "the host name has no address") \
+    X(ZK_CONNECTION_REFUSED,  -16, "the host refused the connection: nothing listens on the port") \
+    X(ZK_NO_ROUTE,            -17, "the system knows no way to the address") \
+    X(ZK_NO_ANSWER,           -18, "no answer within the time limit of the connection") \
+    X(ZK_NO_CONTROLLER,       -19, "what answers is no controller of this family") \
+    X(ZK_WRONG_JOINT_COUNT,   -20, "the controller's arm has another number of joints than the arm mode") \
+    X(ZK_NO_STATE,            -21, "no real-time record of the arm has come") \
+    X(ZK_STATE_TOO_OLD,       -22, "the last real-time record of the arm is older than asked for") \
+    X(ZK_UNKNOWN_CODE,        -23, "the code is unknown") \
+    X(ZK_NO_MEMORY,           -24, "there is not enough memory")
 /* clang-format on */
 
 typedef enum ZK_Status {
