@@ -7,12 +7,11 @@
 #include <netinet/tcp.h>
 #include <sys/socket.h>
 
-#include <array>
-#include <cstring>
 #include <mutex>
 
 #include "connection/elapsed.h"
 #include "connection/in_use.h"
+#include "connection/product.h"
 #include "connection/realtime.h"
 #include "connection/slots.h"
 #include "routes.h"
@@ -33,26 +32,11 @@ using namespace zk;
 
 namespace {
 
-struct Mark {
-    const char* text;
-    int32_t number;
-};
-
-// The first mark that the model text contains sets the number; without any it stays.
-template <size_t size>
-void recognise(const char* model, const std::array<Mark, size>& marks, int32_t& number) {
-    for (const Mark& mark : marks) {
-        if (!std::strstr(model, mark.text)) continue;
-        write(number, mark.number);
-        return;
-    }
-}
-
-void recognise_model(const char* model) {
-    recognise(model, std::array<Mark, 2>{{{"ZK65", 0}, {"ZK75", 1}}}, Curr_Robot_Type);
-    recognise(model, std::array<Mark, 5>{{{"ORB63", 8}, {"63", 3}, {"ORB65", 5}, {"62", 6}, {"72", 7}}},
-              Curr_Robot_Type);
-    recognise(model, std::array<Mark, 3>{{{"-B", 0}, {"-ZF", 1}, {"-6F", 2}}}, Curr_Senser_Type);
+// A model or a sensor that the text does not name stays.
+void recognise_model(const char* text) {
+    const Product product = product_of(text);
+    if (product.model >= 0) write(Curr_Robot_Type, product.model);
+    if (product.sensor >= 0) write(Curr_Senser_Type, product.sensor);
 }
 
 bool connected(int socket, const char* address, int32_t port) {

@@ -65,14 +65,17 @@ int acknowledgement(const char* text, const char* key, int other, int refused) {
     return Reply(text).acknowledgement(key, other, refused);
 }
 
-int joint_array(int32_t socket, const char* text, const JointArray& form, float* values) {
+int joint_array_of(int joints, const char* text, const JointArray& form, float* values) {
     Reply reply(text);
-    const int joints = joint_count(socket);
     const Item array = reply.array(reply.root(), form.key, joints, form.wrong_size, form.not_array);
     for (int i = 0; reply.good() && i < joints; ++i) {
         values[i] = static_cast<float>(array[i].integer()) * form.factor / form.divisor;
     }
     return reply.status();
+}
+
+int joint_array(int32_t socket, const char* text, const JointArray& form, float* values) {
+    return joint_array_of(joint_count(socket), text, form, values);
 }
 
 int joint_array(int32_t socket, const char* text, const char* key, int32_t* values) {

@@ -85,7 +85,7 @@ class Reply {
 int acknowledgement(const char* text, const char* key, int other = ZK_WRONG_TYPE, int refused = ZK_REFUSED);
 
 // The whole parser of a joint array: 9 without it, `not_array` for another type, `wrong_size` for another size than the
-// joint count of the socket.
+// joint count, which is that of the socket where there is one.
 struct JointArray {
     const char* key;
     float factor = 1.0f;
@@ -93,6 +93,7 @@ struct JointArray {
     int not_array = ZK_WRONG_TYPE;
     int wrong_size = ZK_WRONG_SIZE;
 };
+int joint_array_of(int joints, const char* text, const JointArray& form, float* values);
 int joint_array(int32_t socket, const char* text, const JointArray& form, float* values);
 int joint_array(int32_t socket, const char* text, const char* key, int32_t* values);
 
