@@ -8,14 +8,15 @@
  *     Arm_Socket_Close(arm);
  *
  * Every command returns a status, 0 for success; zk/status.h lists them and says what the forms of a command share.
- * ZK_Status_Text explains a status. Joint angles are degrees, lengths metres, Euler angles of a pose radians. One
- * blocking call per connection at a time.
+ * ZK_Status_Text names a status, ZK_Explain says what to do about it. Joint angles are degrees, lengths metres, Euler
+ * angles of a pose radians. One blocking call per connection at a time.
  */
 #ifndef ZK_BASE_H
 #define ZK_BASE_H
 
 /* Starting, connecting, watching */
 #include "zk/connection.h"
+#include "zk/control.h"
 #include "zk/realtime.h"
 #include "zk/status.h"
 
