@@ -2,6 +2,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "connection/realtime.h"
 #include "connection/reply.h"
 #include "zk/replies/realtime.h"
 
@@ -151,8 +152,9 @@ ZK_API int get_arm_status_from_string(const char* text) {
     return 0;
 }
 
-ZK_API int Parser_Realtime_Arm_Joint_State(const char* text, RobotStatus* status) {
+int zk::parse_datagram(const char* text, RobotStatus* status, double* time) {
     Reply reply(text);
+    if (const Item sent = reply.find("time"); time && sent.is_number()) *time = sent.number();
     hand(reply, reply.find("hand"), status);
     if (reply.good()) aloha(reply, reply.find("aloha_state"), status);
     if (const Item doing = reply.find("arm_current_status"); doing && reply.require(doing.is_text(), ZK_WRONG_TYPE)) {
@@ -166,4 +168,8 @@ ZK_API int Parser_Realtime_Arm_Joint_State(const char* text, RobotStatus* status
     forces(reply, reply.find("six_force_sensor"), ZK_WRONG_TYPE, status);
     one_axis_forces(reply, reply.good() ? reply.find("one_force_sensor") : Item(), status);
     return reply.status();
+}
+
+ZK_API int Parser_Realtime_Arm_Joint_State(const char* text, RobotStatus* status) {
+    return parse_datagram(text, status, nullptr);
 }

@@ -1,0 +1,305 @@
+#include "control/stream.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cmath>
+#include <csignal>
+#include <cstring>
+#include <ctime>
+#include <iterator>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "connection/realtime.h"
+#include "connection/shared_memory.h"
+#include "connection/slots.h"
+#include "control/dial.h"
+#include "zk/status.h"
+
+namespace zk {
+namespace {
+
+constexpr size_t kLongestDatagram = 2048;
+constexpr int kMostAtOnce = 16;  // datagrams of one port before the next port has its turn
+constexpr int kOffsets = 256;
+constexpr int kStillRecords = 4;
+constexpr float kStillDegrees = 0.002f;
+
+// The last record of one writer, for any number of readers that never wait for it. The writer fills the cells in turn:
+// a reader tries again only when the writer has published kCells - 1 records during its copy.
+class LastRecord {
+ public:
+    void publish(const StreamRecord& record) {
+        const uint32_t number = latest_.load(std::memory_order_relaxed) + 1;
+        Cell& cell = cells_[number % kCells];
+        cell.number.exchange(0, std::memory_order_acq_rel);
+        write_words(&cell.record, &record, sizeof record);
+        cell.number.store(number, std::memory_order_release);
+        latest_.store(number, std::memory_order_release);
+    }
+
+    // False before the first record.
+    bool copy(StreamRecord& record) {
+        for (;;) {
+            const uint32_t number = latest_.load(std::memory_order_acquire);
+            if (number == 0) return false;
+            Cell& cell = cells_[number % kCells];
+            if (cell.number.load(std::memory_order_acquire) != number) continue;
+            read_words(&record, &cell.record, sizeof record);
+            if (cell.number.fetch_add(0, std::memory_order_acq_rel) == number) return true;
+        }
+    }
+
+ private:
+    static constexpr uint32_t kCells = 4;
+    struct Cell {
+        std::atomic<uint32_t> number{0};
+        StreamRecord record{};
+    };
+    std::array<Cell, kCells> cells_;
+    std::atomic<uint32_t> latest_{0};
+};
+
+// The smallest of the last values: of host time minus controller time that of the datagram that travelled fastest.
+class ClockOffset {
+ public:
+    double add(double offset) {
+        offsets_[next_++ % kOffsets] = offset;
+        return *std::min_element(offsets_.begin(), offsets_.begin() + std::min<size_t>(next_, kOffsets));
+    }
+
+ private:
+    std::array<double, kOffsets> offsets_;
+    size_t next_ = 0;
+};
+
+// Where the arm stood still last: through some records in a row.
+class Rest {
+ public:
+    const float* add(const float (&joint)[7]) {
+        const bool same =
+            std::equal(joint, joint + 7, last_, [](float a, float b) { return std::fabs(a - b) < kStillDegrees; });
+        still_ = same ? still_ + 1 : 0;
+        std::copy(joint, joint + 7, last_);
+        if (is_first_ || still_ >= kStillRecords) std::copy(joint, joint + 7, rest_);
+        is_first_ = false;
+        return rest_;
+    }
+
+ private:
+    float last_[7] = {}, rest_[7] = {};
+    int still_ = 0;
+    bool is_first_ = true;
+};
+
+struct Stream {
+    ArmSocket handle = 0;
+    in6_addr peer{};
+    int32_t port = 0;
+    StreamRecord record{};
+    ClockOffset offset;
+    Rest rest;
+};
+
+struct Port {
+    int32_t number = 0;
+    int socket = -1;  // -1: free
+    int64_t dropped = 0;
+};
+
+// Held while streams open and close, and while a datagram is handled.
+std::mutex lock;
+std::array<Stream, ZK_SLOTS> streams;
+std::array<Port, ZK_SLOTS> ports;
+std::array<LastRecord, ZK_SLOTS> published;
+int wake_up = -1;  // of the thread
+
+Port* find_port(int32_t number) {
+    const auto found = std::find_if(ports.begin(), ports.end(),
+                                    [&](const Port& port) { return port.socket >= 0 && port.number == number; });
+    return found == ports.end() ? nullptr : &*found;
+}
+
+// An IPv4 address as the one that an IPv6 socket reports for it.
+bool parse_address(const char* text, in6_addr& address) {
+    return inet_pton(AF_INET6, text, &address) == 1 ||
+           inet_pton(AF_INET6, ("::ffff:" + std::string(text)).c_str(), &address) == 1;
+}
+
+in6_addr sender_of(const sockaddr_storage& from) {
+    if (from.ss_family == AF_INET6) return reinterpret_cast<const sockaddr_in6&>(from).sin6_addr;
+    in6_addr mapped{};
+    mapped.s6_addr[10] = mapped.s6_addr[11] = 0xff;
+    std::memcpy(mapped.s6_addr + 12, &reinterpret_cast<const sockaddr_in&>(from).sin_addr, 4);
+    return mapped;
+}
+
+// A socket that receives from both families, or from IPv4 alone where the system has no IPv6. Sets errno on failure.
+Descriptor bound_socket(int32_t port) {
+    Descriptor both(socket(AF_INET6, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    const int off = 0;
+    sockaddr_in6 any{};
+    any.sin6_family = AF_INET6;
+    any.sin6_port = htons(static_cast<uint16_t>(port));
+    if (both.get() >= 0 && setsockopt(both.get(), IPPROTO_IPV6, IPV6_V6ONLY, &off, sizeof off) == 0) {
+        if (bind(both.get(), reinterpret_cast<sockaddr*>(&any), sizeof any) == 0) return both;
+        if (errno != EADDRNOTAVAIL) return Descriptor();
+    }
+    Descriptor four(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    sockaddr_in any_four{};
+    any_four.sin_family = AF_INET;
+    any_four.sin_port = any.sin6_port;
+    if (four.get() < 0 || bind(four.get(), reinterpret_cast<sockaddr*>(&any_four), sizeof any_four) != 0)
+        return Descriptor();
+    return four;
+}
+
+int64_t monotonic_ns() {
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
+}
+
+// False when the datagram cannot be read; then nothing changes.
+bool take(Stream& stream, const char* text) {
+    const int64_t now = monotonic_ns();
+    StreamRecord& record = stream.record;
+    RobotStatus status = record.status;
+    double time = -1;
+    if (parse_datagram(text, &status, &time) != ZK_OK) return false;
+    status.errCode = ZK_OK;
+    status.arm_ip = nullptr;
+    record.status = status;
+    record.handle = stream.handle;
+    ++record.sequence;
+    record.host_ns = now;
+    const bool has_time = time >= 0 && time < 9e15;
+    record.controller_ms = has_time ? static_cast<int64_t>(time) : -1;
+    if (has_time) record.clock_offset_ms = stream.offset.add(static_cast<double>(now) / 1e6 - time);
+    std::copy_n(stream.rest.add(status.joint_position), 7, record.rest);
+    published[static_cast<size_t>(&stream - streams.data())].publish(record);
+    return true;
+}
+
+// Handles one datagram; false when there is none, or the socket is no port's any more.
+bool receive(int descriptor) {
+    const std::lock_guard guard(lock);
+    const auto port =
+        std::find_if(ports.begin(), ports.end(), [&](const Port& other) { return other.socket == descriptor; });
+    if (port == ports.end()) return false;
+    char text[kLongestDatagram + 1];
+    sockaddr_storage from{};
+    socklen_t size = sizeof from;
+    const ssize_t got = recvfrom(descriptor, text, kLongestDatagram, 0, reinterpret_cast<sockaddr*>(&from), &size);
+    if (got < 0) return false;
+    text[got] = '\0';
+    const in6_addr sender = sender_of(from);
+    const auto stream = std::find_if(streams.begin(), streams.end(), [&](const Stream& other) {
+        return other.handle != 0 && other.port == port->number && std::memcmp(&other.peer, &sender, sizeof sender) == 0;
+    });
+    if (stream == streams.end() || !take(*stream, text)) ++port->dropped;
+    return true;
+}
+
+void run() {
+    for (;;) {
+        std::array<pollfd, ZK_SLOTS + 1> wanted{{{wake_up, POLLIN, 0}}};
+        nfds_t count = 1;
+        {
+            const std::lock_guard guard(lock);
+            for (const Port& port : ports) {
+                if (port.socket >= 0) wanted[count++] = {port.socket, POLLIN, 0};
+            }
+        }
+        if (poll(wanted.data(), count, -1) < 0) continue;
+        uint64_t woken;
+        if (wanted[0].revents) (void)!::read(wake_up, &woken, sizeof woken);
+        for (nfds_t i = 1; i < count; ++i) {
+            for (int n = 0; wanted[i].revents && n < kMostAtOnce && receive(wanted[i].fd);) ++n;
+        }
+    }
+}
+
+void wake() {
+    const uint64_t one = 1;
+    (void)!::write(wake_up, &one, sizeof one);
+}
+
+// Signals go to the application's threads.
+bool start_thread() {
+    if (wake_up >= 0) return true;
+    Descriptor event(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+    if (event.get() < 0) return false;
+    sigset_t all, before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    wake_up = event.get();
+    try {
+        std::thread(run).detach();
+        event.release();
+    } catch (const std::system_error&) {
+        wake_up = -1;
+        errno = EAGAIN;
+    }
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return wake_up >= 0;
+}
+
+}  // namespace
+
+int open_stream(int slot, ArmSocket handle, const char* peer, int32_t port) {
+    in6_addr address;
+    if (!parse_address(peer, address)) return EINVAL;
+    const std::lock_guard guard(lock);
+    if (!start_thread()) return errno;
+    if (!find_port(port)) {
+        Descriptor socket = bound_socket(port);
+        if (socket.get() < 0) return errno;
+        Port& free = *std::find_if(ports.begin(), ports.end(), [](const Port& p) { return p.socket < 0; });
+        free = {port, socket.release(), 0};
+        wake();
+    }
+    Stream& stream = streams[static_cast<size_t>(slot)];
+    stream = {};
+    stream.handle = handle;
+    stream.peer = address;
+    stream.port = port;
+    return 0;
+}
+
+void close_stream(int slot) {
+    const std::lock_guard guard(lock);
+    Stream& stream = streams[static_cast<size_t>(slot)];
+    if (stream.handle == 0) return;
+    const int32_t port = stream.port;
+    stream.handle = 0;
+    const bool is_used = std::any_of(streams.begin(), streams.end(),
+                                     [&](const Stream& other) { return other.handle != 0 && other.port == port; });
+    if (is_used) return;
+    Port& unused = *find_port(port);
+    close(unused.socket);
+    unused.socket = -1;
+    wake();
+}
+
+bool last_record(int slot, ArmSocket handle, StreamRecord& record) {
+    return published[static_cast<size_t>(slot)].copy(record) && record.handle == handle;
+}
+
+StreamCounts stream_counts(int slot) {
+    const std::lock_guard guard(lock);
+    const Stream& stream = streams[static_cast<size_t>(slot)];
+    if (stream.handle == 0) return {};
+    return {stream.record.sequence, find_port(stream.port)->dropped};
+}
+
+}  // namespace zk
