@@ -27,6 +27,13 @@ struct Wanted {
     double beyond = kInfinity;  // cost of a squared radian beyond a limit; infinite to refuse it
 };
 
+// The weighted sum of squared differences from the seed.
+inline double distance(const Wanted& wanted, const Joints& q) {
+    double sum = 0;
+    for (int i = 0; i < 7; ++i) sum += wanted.weight[i] * (q[i] - wanted.seed[i]) * (q[i] - wanted.seed[i]);
+    return sum;
+}
+
 // Collects postures joint by joint. Turns come in the chain's angles.
 class Placing {
  public:
@@ -119,9 +126,9 @@ class Nearest : public Placing {
         best_ = q_;
     }
     // A posture that was found in another way.
-    void start_from(const Joints& q, double distance) {
-        distance_ = distance;
-        best_ = q;
+    void offer(const Joints& q) {
+        q_ = q;
+        offer(zk::arm::distance(wanted_, q));
     }
     bool found() const { return distance_ < kInfinity; }
     const Joints& best() const { return best_; }

@@ -1,6 +1,7 @@
 #include "arm_model/solve.h"
 
 #include <algorithm>
+#include <array>
 
 #include "arm_model/chain.h"
 #include "arm_model/circle.h"
@@ -58,12 +59,6 @@ bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& 
     return damped::converge(at, limits, scaled_pull, kMetres, kRadians, scaled);
 }
 
-double distance(const Wanted& wanted, const Joints& q) {
-    double sum = 0;
-    for (int i = 0; i < 7; ++i) sum += wanted.weight[i] * (q[i] - wanted.seed[i]) * (q[i] - wanted.seed[i]);
-    return sum;
-}
-
 namespace {
 
 // Moves the nearest posture along the circle while that brings it nearer to the seed.
@@ -78,6 +73,20 @@ void slide(const Arm& arm, const Frame& target, Nearest& nearest) {
             at += side;
             break;
         }
+    }
+}
+
+// Pulls the nearest posture towards the seed while that brings it nearer.
+void pull_nearer(const Arm& arm, const Frame& target, const Wanted& wanted, Nearest& nearest) {
+    constexpr int kRounds = 4;
+    constexpr double kNearer = 0.99;
+    for (int round = 0; round < kRounds; ++round) {
+        Joints q = nearest.best(), pull;
+        for (int i = 0; i < 7; ++i) pull[i] = wanted.seed[i] - q[i];
+        if (!refined(arm, target, wanted, q, pull)) return;
+        const double before = nearest.bound();
+        nearest.offer(q);
+        if (!(nearest.bound() < kNearer * before)) return;
     }
 }
 
@@ -118,27 +127,89 @@ bool try_other_seeds(const Arm& arm, const Frame& target, const Wanted& wanted, 
     return least < kInfinity;
 }
 
-bool try_harder(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& q) {
-    if (arm.joints < 7) return try_other_seeds(arm, target, wanted, q);
+constexpr double kBeyond = 1e10;  // a hundred-thousandth of a radian beyond weighs as much as a radian of distance
+
+// The postures least beyond the limits, apart from each other.
+class LeastBeyond : public Placing {
+ public:
+    using Placing::Placing;
+
+    double bound() const { return count_ < kMost ? kInfinity : kept_[worst()].cost; }
+    void offer(double cost) {
+        int at = 0;
+        while (at < count_ && !are_close(kept_[at].q, q_)) ++at;
+        if (at == kMost) at = worst();
+        if (at < count_ && !(cost < kept_[at].cost)) return;
+        kept_[at] = {cost, q_};
+        count_ = std::max(count_, at + 1);
+    }
+
+    // Calls f(posture) for each, nearest to the seed first.
+    template <class F>
+    void for_each(F f) {
+        const auto end = kept_.begin() + count_;
+        for (auto it = kept_.begin(); it != end; ++it) it->cost = zk::arm::distance(wanted_, it->q);
+        std::sort(kept_.begin(), end, is_less);
+        for (auto it = kept_.begin(); it != end; ++it) f(it->q);
+    }
+
+ private:
+    struct Posture {
+        double cost;
+        Joints q;
+    };
+    static constexpr int kMost = 24;
+
+    static bool is_less(const Posture& a, const Posture& b) { return a.cost < b.cost; }
+    static bool are_close(const Joints& a, const Joints& b) {
+        constexpr double kClose = 0.3;
+        return std::equal(a.begin(), a.end(), b.begin(), [](double x, double y) { return std::fabs(x - y) < kClose; });
+    }
+    int worst() const {
+        return static_cast<int>(std::max_element(kept_.begin(), kept_.begin() + count_, is_less) - kept_.begin());
+    }
+
+    std::array<Posture, kMost> kept_;
+    int count_ = 0;
+};
+
+// Narrow limits leave less of the circle than lies between two places, a locked joint leaves points of it. The least
+// squares find them from the postures about there.
+bool try_about_limits(const Arm& arm, const Frame& target, const Wanted& wanted, int places, Joints& q) {
+    constexpr double kMuchFurther = 4;
+    Wanted beyond = wanted;
+    beyond.beyond = kBeyond;
+    LeastBeyond starts(arm, beyond);
+    try_circle(arm, target, 0, places, starts);
     Nearest nearest(arm, wanted);
-    try_circle(arm, target, 0, kManyPlaces, nearest);
+    starts.for_each([&](const Joints& start) {
+        Joints from = clamped(start, wanted.limits);
+        if (distance(wanted, from) > kMuchFurther * nearest.bound()) return;
+        if (refined(arm, target, wanted, from)) nearest.offer(from);
+    });
+    if (nearest.found()) pull_nearer(arm, target, wanted, nearest);
     q = nearest.best();
     return nearest.found();
 }
 
+bool try_harder(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& q) {
+    if (arm.joints < 7) return try_other_seeds(arm, target, wanted, q);
+    return try_about_limits(arm, target, wanted, kPlaces, q) || try_about_limits(arm, target, wanted, kManyPlaces, q);
+}
+
 // The posture that is least beyond the limits. False when there is no posture at all.
 bool least_beyond(const Arm& arm, const Frame& target, Wanted wanted, Joints& q) {
-    wanted.beyond = 1e10;  // a hundred-thousandth of a radian weighs as much as a radian of distance
+    wanted.beyond = kBeyond;
     Nearest nearest(arm, wanted);
     if (!closed_form(arm, target, nearest) && arm.joints == 7) try_circle(arm, target, 0, kManyPlaces, nearest);
     q = nearest.best();
     return nearest.found();
 }
 
-// An arm at its limit may meet the target although its posture is a little beyond: the other joints make up for it.
+// Six joints may meet the target although the posture is a little beyond a limit: the others make up for it.
 bool refined_at_limit(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& q) {
-    constexpr double kNearSix = 0.003, kNearSeven = 0.3;
-    if (excess_of(q, wanted.limits).by > (arm.joints < 7 ? kNearSix : kNearSeven)) return false;
+    constexpr double kNear = 0.003;
+    if (arm.joints == 7 || excess_of(q, wanted.limits).by > kNear) return false;
     q = clamped(q, wanted.limits);
     return refined(arm, target, wanted, q);
 }
@@ -158,20 +229,6 @@ bool is_about_straight(const Arm& arm, const Joints& q) {
     return off_line(arm.sign[3] * q[3] + arm.shift[3] + arm.lean) < kStraight;
 }
 
-// Pulls the nearest posture towards the seed while that brings it nearer.
-void pull_nearer(const Arm& arm, const Frame& target, const Wanted& wanted, Nearest& nearest) {
-    constexpr int kRounds = 4;
-    constexpr double kNearer = 0.99;
-    for (int round = 0; round < kRounds; ++round) {
-        Joints q = nearest.best(), pull;
-        for (int i = 0; i < 7; ++i) pull[i] = wanted.seed[i] - q[i];
-        if (!refined(arm, target, wanted, q, pull)) return;
-        const double d = distance(wanted, q);
-        if (!(d < kNearer * nearest.bound())) return;
-        nearest.start_from(q, d);
-    }
-}
-
 // From the seed, an iteration takes the smallest steps there are. Near the seed nothing is nearer; further away the
 // circle is searched for what is nearer.
 bool found_on_circle(const Arm& arm, const Frame& target, const Wanted& wanted, bool& reached, Joints& q) {
@@ -180,7 +237,7 @@ bool found_on_circle(const Arm& arm, const Frame& target, const Wanted& wanted, 
     if (is_far_out(arm, target)) return false;
     q = clamped(wanted.seed, wanted.limits);
     Nearest nearest(arm, wanted);
-    if (refined(arm, target, wanted, q)) nearest.start_from(q, distance(wanted, q));
+    if (refined(arm, target, wanted, q)) nearest.offer(q);
     if (nearest.bound() < kNear) {
         if (is_about_straight(arm, wanted.seed)) pull_nearer(arm, target, wanted, nearest);
         q = nearest.best();
@@ -202,9 +259,7 @@ void look_from_seed(const Arm& arm, const Frame& target, const Wanted& wanted, N
     constexpr double kNear = 0.3;
     Joints q = clamped(wanted.seed, wanted.limits);
     if (!damped::all_below(difference(root_T_end(arm, q), target), kNear, kNear)) return;
-    if (!refined(arm, target, wanted, q)) return;
-    const double d = distance(wanted, q);
-    if (d < nearest.bound()) nearest.start_from(q, d);
+    if (refined(arm, target, wanted, q)) nearest.offer(q);
 }
 
 // Whether rounding of the target decides joints of the posture, or of one near the seed. Shoulder, elbow and wrist each

@@ -25,9 +25,6 @@ bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& 
 // The way from one frame to another, translation and axis times angle, in the axes that both are seen in.
 damped::Error difference(const Frame& from, const Frame& to);
 
-// The weighted sum of squared differences from the seed.
-double distance(const Wanted& wanted, const Joints& q);
-
 // The limits of `wanted` cut to this distance from some joints.
 Limits within_step(const Limits& limits, const Joints& from, double max_step);
 

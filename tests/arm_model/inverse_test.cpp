@@ -92,6 +92,25 @@ TEST(Inverse, DoesNotJumpWhereRoundingDecides) {
     }
 }
 
+// A locked joint leaves points of the free circle of seven joints.
+TEST(Inverse, SolvesWithALockedJoint) {
+    for (const int model : {1, 7}) {
+        for (int n = 0; n < 280 / kShare; ++n) {
+            Cell cell(model);
+            cell.generator.seed(n);
+            const Joints q = cell.random();
+            Joints seed = cell.random(), min{}, max{}, answer{};
+            ASSERT_EQ(ZK_Model_Get_Joint_Limits(cell.model.get(), min.data(), max.data()), ZK_OK);
+            const int locked = n % 7;
+            seed[locked] = min[locked] = max[locked] = q[locked];
+            ASSERT_EQ(ZK_Model_Set_Joint_Limits(cell.model.get(), min.data(), max.data()), ZK_OK);
+            ASSERT_EQ(cell.inverse(cell.forward(q), seed, answer), ZK_OK) << model << ' ' << n;
+            EXPECT_TRUE(cell.meets(answer, cell.forward(q)) && cell.within_limits(answer));
+            EXPECT_EQ(answer[locked], q[locked]);
+        }
+    }
+}
+
 // No posture of the list is nearer than the answer, and all of them meet the target.
 TEST_P(EachModel, AnswerIsTheNearestOfAllPostures) {
     constexpr int kRoom = 4096;
