@@ -5,8 +5,7 @@
 // in brackets are the equations of docs/kinematics.md.
 #pragma once
 
-#include <array>
-
+#include "kinematics/damped_least_squares.h"
 #include "kinematics/small_matrix.h"
 #include "numeric/turn.h"
 #include "zk/model.h"
@@ -16,7 +15,8 @@ namespace zk::arm {
 using Vector = Vec3Of<double>;
 using Rotation = Mat3Of<double>;
 using Frame = Transform<double>;
-using Joints = std::array<double, 7>;  // one for each joint, the rest 0; angles in radians
+using damped::Joints;  // one for each joint, the rest 0; angles in radians
+using damped::Limits;
 
 enum class Build {
     kNone,
@@ -24,10 +24,6 @@ enum class Build {
     kParallelAxes,    // models 5, 6, 8: joints 2 to 4 are parallel
     kSphericalSeven,  // model 1: the first and the last three axes meet
     kOffsetSeven,     // model 7: the first three axes meet, elbow and wrist have offsets
-};
-
-struct Limits {
-    Joints lo, hi;
 };
 
 struct Arm {

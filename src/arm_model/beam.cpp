@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <new>
 
 #include "arm_model/circle.h"
@@ -15,10 +16,17 @@ constexpr int kArmAngles = 120;                   // of arm angles that are kept
 constexpr int kFreeJoint = 2;                     // the joint that is pulled aside to find the free motion
 constexpr double kAside = 0.08, kFurthest = 0.8;  // radians of it
 
+// How a posture came about: the number of the one at the pose before, and of the move from there. All that is kept of
+// poses passed: the postures come back by going the way once more.
+struct Step {
+    std::uint8_t from, move;
+};
+static_assert(2 * kArmAngles <= 256);
+
 struct Posture {
     Joints q;
     double cost;
-    int from;  // in the layer before
+    Step step;
 };
 using Layer = std::vector<Posture>;
 
@@ -50,15 +58,22 @@ double arm_angle_between(const Arm& arm, const Joints& from, const Joints& to) {
     return turned_to(angle_of(arm_angle(arm, to)) - angle_of(arm_angle(arm, from)), 0);
 }
 
-// Where the smallest steps lead from a posture, and about one place to either side of that.
-void lead_on(const Arm& arm, const Frame& target, const Wanted& from, const Posture& before, int index, Kept& kept) {
-    const auto go = [&](double aside, Joints& q) {
+// The moves from a posture: by the smallest steps, and about one place to either side of that. Calls at(move, q) with
+// the number of each that leads to the target, and where it does.
+template <class At>
+void for_moves(const Arm& arm, const Frame& target, Wanted from, const Joints& q, double max_step, At at) {
+    from.seed = q;
+    from.limits = within_step(from.limits, q, max_step);
+    if (are_empty(from.limits)) return;
+    int move = 0;
+    const auto go = [&](double aside, Joints& to) {
         Joints pull{};
         pull[kFreeJoint] = aside;
-        q = from.seed;
-        if (!refined(arm, target, from, q, pull)) return false;
-        kept.offer({q, before.cost + distance(from, q), index});
-        return true;
+        to = q;
+        const bool led = refined(arm, target, from, to, pull);
+        if (led) at(move, to);
+        ++move;
+        return led;
     };
     Joints straight, aside;
     if (!go(0, straight)) return;
@@ -76,35 +91,47 @@ Layer next_layer(const Arm& arm, const Layer& before, const Frame& target, const
     Wanted from = wanted;
     for (size_t i = 0; i < before.size(); ++i) {
         from.seed = before[i].q;
-        from.limits = within_step(wanted.limits, from.seed, max_step);
-        if (are_empty(from.limits)) continue;
-        lead_on(arm, target, from, before[i], static_cast<int>(i), kept);
+        for_moves(arm, target, wanted, before[i].q, max_step, [&](int move, const Joints& q) {
+            const Step step = {static_cast<std::uint8_t>(i), static_cast<std::uint8_t>(move)};
+            kept.offer({q, before[i].cost + distance(from, q), step});
+        });
     }
     return kept.layer;
 }
 
-std::vector<Joints> cheapest_way(const std::vector<Layer>& layers) {
+// The moves to the cheapest of the last postures.
+std::vector<int> cheapest_moves(const std::vector<std::vector<Step>>& steps, const Layer& last) {
     const auto cheaper = [](const Posture& a, const Posture& b) { return a.cost < b.cost; };
-    std::vector<Joints> way(layers.size());
-    Posture posture = *std::min_element(layers.back().begin(), layers.back().end(), cheaper);
-    for (size_t t = layers.size(); t-- > 0;) {
-        way[t] = posture.q;
-        if (t > 0) posture = layers[t - 1][posture.from];
+    auto at = std::min_element(last.begin(), last.end(), cheaper) - last.begin();
+    std::vector<int> moves(steps.size());
+    for (size_t t = steps.size(); t-- > 0;) {
+        moves[t] = steps[t][at].move;
+        at = steps[t][at].from;
     }
-    return way;
+    return moves;
 }
 
 }  // namespace
 
 std::vector<Joints> way_along(const Arm& arm, const std::vector<Frame>& targets, const Wanted& wanted,
                               double max_step) try {
-    std::vector<Layer> layers;
-    const Layer start = {{wanted.seed, 0, -1}};
+    std::vector<std::vector<Step>> steps;
+    Layer layer = {{wanted.seed, 0, {}}};
     for (const Frame& target : targets) {
-        layers.push_back(next_layer(arm, layers.empty() ? start : layers.back(), target, wanted, max_step));
-        if (layers.back().empty()) return {};
+        layer = next_layer(arm, layer, target, wanted, max_step);
+        if (layer.empty()) return {};
+        std::vector<Step>& taken = steps.emplace_back();
+        for (const Posture& posture : layer) taken.push_back(posture.step);
     }
-    return layers.empty() ? std::vector<Joints>() : cheapest_way(layers);
+    std::vector<Joints> way;
+    Joints at = wanted.seed, next;
+    for (const int taken : cheapest_moves(steps, layer)) {
+        for_moves(arm, targets[way.size()], wanted, at, max_step, [&](int move, const Joints& q) {
+            if (move == taken) next = q;
+        });
+        way.push_back(at = next);
+    }
+    return way;
 } catch (const std::bad_alloc&) {
     return {};
 }

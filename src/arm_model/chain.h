@@ -116,8 +116,7 @@ inline Frame root_T_end(const Arm& arm, const Joints& q, Axes& axes) {
     });
 }
 
-// Rows 1 to 3: velocity; rows 4 to 6: angular velocity.
-using Jacobian = std::array<std::array<double, 7>, 6>;
+using damped::Jacobian;  // rows 1 to 3: velocity; rows 4 to 6: angular velocity
 
 // The Jacobian of a point, in the axes of the root. Column i is the turn of joint i: its axis, and the axis crossed
 // with the way from the joint to the point (A7). Columns beyond the arm's joints stay.

@@ -36,7 +36,7 @@ bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& 
     constexpr double kMetres = 1e-6, kRadians = 1e-6;
     // In joints scaled by the roots of their weights the steps of least length are those of least weight.
     Joints scale, unscale, scaled, scaled_pull;
-    damped::Limits limits;
+    Limits limits;
     for (int i = 0; i < 7; ++i) {
         scale[i] = std::sqrt(wanted.weight[i]);
         unscale[i] = 1 / scale[i];
@@ -45,7 +45,7 @@ bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& 
         scaled[i] = q[i] * scale[i];
         scaled_pull[i] = pull[i] * scale[i];
     }
-    const auto at = [&](const Joints& from, damped::Jacobian& J) {
+    const auto at = [&](const Joints& from, Jacobian& J) {
         for (int i = 0; i < 7; ++i) q[i] = from[i] * unscale[i];
         Axes axes;
         const Frame end = root_T_end(arm, q, axes);
@@ -134,7 +134,7 @@ class LeastBeyond : public Placing {
  public:
     using Placing::Placing;
 
-    double bound() const { return count_ < kMost ? kInfinity : kept_[worst()].cost; }
+    double bound() const { return bound_; }
     void offer(double cost) {
         int at = 0;
         while (at < count_ && !are_close(kept_[at].q, q_)) ++at;
@@ -142,15 +142,14 @@ class LeastBeyond : public Placing {
         if (at < count_ && !(cost < kept_[at].cost)) return;
         kept_[at] = {cost, q_};
         count_ = std::max(count_, at + 1);
+        if (count_ == kMost) bound_ = kept_[worst()].cost;
     }
 
-    // Calls f(posture) for each, nearest to the seed first.
+    // Calls f(posture) for each, the least beyond first.
     template <class F>
     void for_each(F f) {
-        const auto end = kept_.begin() + count_;
-        for (auto it = kept_.begin(); it != end; ++it) it->cost = zk::arm::distance(wanted_, it->q);
-        std::sort(kept_.begin(), end, is_less);
-        for (auto it = kept_.begin(); it != end; ++it) f(it->q);
+        std::sort(kept_.begin(), kept_.begin() + count_, is_less);
+        for (int i = 0; i < count_; ++i) f(kept_[i].q);
     }
 
  private:
@@ -171,21 +170,28 @@ class LeastBeyond : public Placing {
 
     std::array<Posture, kMost> kept_;
     int count_ = 0;
+    double bound_ = kBeyond;  // at first a radian beyond is too much
 };
 
 // Narrow limits leave less of the circle than lies between two places, a locked joint leaves points of it. The least
 // squares find them from the postures about there.
 bool try_about_limits(const Arm& arm, const Frame& target, const Wanted& wanted, int places, Joints& q) {
-    constexpr double kMuchFurther = 4;
+    constexpr double kMuchFurther = 2;
+    constexpr int kMostFailures = 8;
     Wanted beyond = wanted;
     beyond.beyond = kBeyond;
     LeastBeyond starts(arm, beyond);
     try_circle(arm, target, 0, places, starts);
     Nearest nearest(arm, wanted);
+    int failures = 0;
     starts.for_each([&](const Joints& start) {
         Joints from = clamped(start, wanted.limits);
-        if (distance(wanted, from) > kMuchFurther * nearest.bound()) return;
-        if (refined(arm, target, wanted, from)) nearest.offer(from);
+        if (failures == kMostFailures || distance(wanted, from) > kMuchFurther * nearest.bound()) return;
+        if (refined(arm, target, wanted, from)) {
+            nearest.offer(from);
+        } else {
+            ++failures;
+        }
     });
     if (nearest.found()) pull_nearer(arm, target, wanted, nearest);
     q = nearest.best();

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "arm_model/choice.h"
-#include "kinematics/damped_least_squares.h"
 
 namespace zk::arm {
 
