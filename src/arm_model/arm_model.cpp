@@ -46,7 +46,7 @@ int set_frame(ZK_Model* model, const Pose* pose, Change change) {
 int get_frame(const float* params, Pose* pose) {
     const Position p = {params[0], params[1], params[2]};
     const Euler e = {params[3], params[4], params[5]};
-    *pose = {p, quaternion_of(frame_of(p, e)), e};
+    *pose = {p, quat_of(frame_of(p, e)), e};
     return ZK_OK;
 }
 

@@ -5,6 +5,7 @@
 #include <exception>
 #include <thread>
 
+#include "arm_model/four.h"
 #include "zk/arm_model.h"
 #include "zk/status.h"
 
@@ -31,13 +32,23 @@ void share_out(int count, int threads, Part part) {
     for (int i = 1; i < started; ++i) others[i].join();
 }
 
-// Calls row(i), which returns a status, for each row. Returns the status of the first row that is not ZK_OK.
-template <class Row>
-int for_rows(int count, int threads, Row row) {
+// Calls row(i), which returns a status, for each row but those that four(i), which is tried first, does with the three
+// after. Returns the status of the first row that is not ZK_OK.
+template <class Four, class Row>
+int for_rows(int count, int threads, Four four, Row row) {
     constexpr std::int64_t kNone = INT64_MAX, kStatuses = 256;
     std::atomic<std::int64_t> first = kNone;
+    const bool in_fours = can_do_four();
     share_out(count, threads, [&](int begin, int end) {
+        int next_four = begin;
         for (int i = begin; i < end; ++i) {
+            if (in_fours && i == next_four && end - i >= kFour) {
+                next_four += kFour;
+                if (four(i)) {
+                    i += kFour - 1;
+                    continue;
+                }
+            }
             const int status = row(i);
             if (status == ZK_OK) continue;
             std::int64_t known = first, here = i * kStatuses + status;
@@ -58,14 +69,17 @@ using namespace zk::arm;
 ZK_API int ZK_Model_Forward_Batch(const ZK_Model* model, const float* joint, int count, Pose* pose, int threads) {
     if (!model || !is_count(count, threads) || (count > 0 && (!joint || !pose))) return ZK_BAD_ARGUMENT;
     const std::int64_t joints = ZK_Model_Joint_Count(model);
-    return for_rows(count, threads, [=](int i) { return ZK_Model_Forward(model, joint + i * joints, pose + i); });
+    return for_rows(
+        count, threads, [=](int i) { return forward_four(*model, joint + i * joints, pose + i); },
+        [=](int i) { return ZK_Model_Forward(model, joint + i * joints, pose + i); });
 }
 
 ZK_API int ZK_Model_Inverse_Batch(const ZK_Model* model, const Pose* target, const float* seed, int count,
                                   const ZK_InverseOptions* options, float* joint, int* status, int threads) {
     if (!model || !is_count(count, threads) || (count > 0 && (!target || !seed || !joint))) return ZK_BAD_ARGUMENT;
     const std::int64_t joints = ZK_Model_Joint_Count(model);
-    return for_rows(count, threads, [=](int i) {
+    const auto none = [](int) { return false; };
+    return for_rows(count, threads, none, [=](int i) {
         const int result = ZK_Model_Inverse(model, target + i, seed + i * joints, options, joint + i * joints, nullptr);
         if (status) status[i] = result;
         return result;

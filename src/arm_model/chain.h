@@ -39,37 +39,41 @@ struct Form<Build::kOffsetSeven> {  // (A5)
 };
 
 // The columns of the transform from the root to where the chain has come.
+template <class Real>
 struct Walk {
-    Vector x = {1, 0, 0}, y = {0, 1, 0}, z = {0, 0, 1}, p = {};
+    using Column = Vec3Of<Real>;
+    Column x = {1, 0, 0}, y = {0, 1, 0}, z = {0, 0, 1}, p = {0, 0, 0};
 
     template <bool about_y>
-    void turn(Turn t) {
-        Vector& along = about_y ? z : x;
-        Vector& across = about_y ? x : y;
+    void turn(TurnOf<Real> t) {
+        Column& along = about_y ? z : x;
+        Column& across = about_y ? x : y;
         for (int k = 0; k < 3; ++k) {
-            const double turned = along[k] * t.c + across[k] * t.s;
+            const Real turned = along[k] * t.c + across[k] * t.s;
             across[k] = across[k] * t.c - along[k] * t.s;
             along[k] = turned;
         }
     }
-    void lead(const Vector& axis, double by) {
+    void lead(const Column& axis, double by) {
         for (int k = 0; k < 3; ++k) p[k] += axis[k] * by;
     }
-    Frame frame() const { return {{{x[0], y[0], z[0], p[0]}, {x[1], y[1], z[1], p[1]}, {x[2], y[2], z[2], p[2]}}}; }
+    Transform<Real> frame() const {
+        return {{{x[0], y[0], z[0], p[0]}, {x[1], y[1], z[1], p[1]}, {x[2], y[2], z[2], p[2]}}};
+    }
 };
 
 // Walks along the chain; at_joint(i, walk) sees the frame that joint i turns, before it turns.
-template <Build build, class AtJoint>
-Frame walked(const Arm& arm, const Joints& q, AtJoint at_joint) {
+template <Build build, class Real, class AtJoint>
+Transform<Real> walked(const Arm& arm, const std::array<Real, 7>& q, AtJoint at_joint) {
     constexpr auto& joints = Form<build>::kJoints;
     constexpr int count = sizeof joints / sizeof joints[0];
-    Turn turns[count];
+    TurnOf<Real> turns[count];
     for (int i = 0; i < count; ++i) turns[i] = turn_of(arm.sign[i] * q[i] + arm.shift[i]);
-    Walk walk;
+    Walk<Real> walk;
     const auto step = [&]<int i>(std::integral_constant<int, i>) {
         constexpr JointForm form = joints[i];
         at_joint(i, walk);
-        walk.turn<form.about_y>(turns[i]);
+        walk.template turn<form.about_y>(turns[i]);
         if constexpr (form.x) walk.lead(walk.x, arm.link[i][0]);
         if constexpr (form.y) walk.lead(walk.y, arm.link[i][1]);
         if constexpr (form.z) walk.lead(walk.z, arm.link[i][2]);
@@ -94,11 +98,13 @@ auto for_build(Build build, F f) {
     }
 }
 
-inline Frame root_T_end(const Arm& arm, const Joints& q) {
-    return for_build(arm.build, [&]<Build build>() { return walked<build>(arm, q, [](int, const Walk&) {}); });
+template <class Real>
+Transform<Real> root_T_end(const Arm& arm, const std::array<Real, 7>& q) {
+    return for_build(arm.build, [&]<Build build>() { return walked<build>(arm, q, [](int, const Walk<Real>&) {}); });
 }
 
-inline Frame work_T_tool(const Arm& arm, const Joints& q) {
+template <class Real>
+Transform<Real> work_T_tool(const Arm& arm, const std::array<Real, 7>& q) {
     return arm.work_T_root * root_T_end(arm, q) * arm.end_T_tool;
 }
 
@@ -109,7 +115,7 @@ struct Axes {
 
 inline Frame root_T_end(const Arm& arm, const Joints& q, Axes& axes) {
     return for_build(arm.build, [&]<Build build>() {
-        return walked<build>(arm, q, [&](int i, const Walk& walk) {
+        return walked<build>(arm, q, [&](int i, const Walk<double>& walk) {
             axes.axis[i] = Form<build>::kJoints[i].about_y ? walk.y : walk.z;
             axes.at[i] = walk.p;
         });

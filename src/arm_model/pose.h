@@ -24,40 +24,71 @@ inline Frame frame_of(const Position& p, const Quat& q) {
              {k * (x * z - w * y), k * (w * x + y * z), 1 - k * (x * x + y * y), p.z}}};
 }
 
-// As matrix_to_euler counts them: roll takes the whole turn where pitch is a right angle, and an angle near minus half
-// a turn counts as positive.
-inline Euler euler_of(const Frame& t) {
-    constexpr double kUpright = 1e-7;
+// The parts of a pose, in the order of its fields.
+template <class Real>
+struct EulerOf {
+    Real x, y, z;
+};
+template <class Real>
+struct QuatOf {
+    Real w, x, y, z;
+};
+
+// As matrix_to_euler counts them: an angle near minus half a turn counts as positive.
+template <class Real>
+Real counted(Real angle) {
+    return select(angle < -3.13, angle + 2 * M_PI, angle);
+}
+
+inline constexpr double kUpright = 1e-7;  // below that, pitch is a right angle
+
+// `level` is the size of the x axis seen from above.
+template <class Real>
+EulerOf<Real> euler_of(const Transform<Real>& t, Real level) {
     const auto& m = t.m;
-    const double level = std::sqrt(m[0][0] * m[0][0] + m[1][0] * m[1][0]);
-    const auto counted = [](double angle) { return static_cast<float>(angle < -3.13 ? angle + 2 * M_PI : angle); };
-    const float ry = counted(angle_of(-m[2][0], level));
-    if (level < kUpright) return {counted(angle_of(m[2][0] > 0 ? -m[0][1] : m[0][1], m[1][1])), ry, 0};
-    return {counted(angle_of(m[2][1], m[2][2])), ry, counted(angle_of(m[1][0], m[0][0]))};
+    return {counted(angle_of(m[2][1], m[2][2])), counted(angle_of(-m[2][0], level)),
+            counted(angle_of(m[1][0], m[0][0]))};
+}
+template <class Real>
+Real level_of(const Transform<Real>& t) {
+    using std::sqrt;
+    return sqrt(t.m[0][0] * t.m[0][0] + t.m[1][0] * t.m[1][0]);
+}
+
+// Roll takes the whole turn where pitch is a right angle.
+inline Euler euler_of(const Frame& t) {
+    const auto& m = t.m;
+    const double level = level_of(t);
+    const auto [x, y, z] = euler_of(t, level);
+    if (!(level < kUpright)) return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
+    const double roll = counted(angle_of(m[2][0] > 0 ? -m[0][1] : m[0][1], m[1][1]));
+    return {static_cast<float>(roll), static_cast<float>(y), 0};
 }
 
 // 4 w^2 = 1 + m00 + m11 + m22 and 4 x^2 = 1 + m00 - m11 - m22, y and z alike. The largest component divides the others.
-inline Quat quaternion_of(const Frame& t) {
+template <class Real>
+QuatOf<Real> quaternion_of(const Transform<Real>& t) {
+    using std::sqrt;
     const auto& m = t.m;
-    const auto quat = [](double size, double w, double x, double y, double z) {
-        const double k = 0.5 / std::sqrt(size);
-        return Quat{static_cast<float>(k * w), static_cast<float>(k * x), static_cast<float>(k * y),
-                    static_cast<float>(k * z)};
+    const Real zy = m[2][1] - m[1][2], xz = m[0][2] - m[2][0], yx = m[1][0] - m[0][1];
+    const Real xy = m[0][1] + m[1][0], zx = m[0][2] + m[2][0], yz = m[1][2] + m[2][1];
+    const Real sw = 1 + m[0][0] + m[1][1] + m[2][2], sx = 1 + m[0][0] - m[1][1] - m[2][2];
+    const Real sy = 1 - m[0][0] + m[1][1] - m[2][2], sz = 1 - m[0][0] - m[1][1] + m[2][2];
+    const auto by_w = sw > 1, by_x = (sx > sy) & (sx > sz), by_y = sy > sz;
+    const auto pick = [&](Real w, Real x, Real y, Real z) {
+        return select(by_w, w, select(by_x, x, select(by_y, y, z)));
     };
-    const double zy = m[2][1] - m[1][2], xz = m[0][2] - m[2][0], yx = m[1][0] - m[0][1];
-    const double sw = 1 + m[0][0] + m[1][1] + m[2][2];
-    if (sw > 1) return quat(sw, sw, zy, xz, yx);
-    const double sx = 1 + m[0][0] - m[1][1] - m[2][2], sy = 1 - m[0][0] + m[1][1] - m[2][2];
-    const double sz = 1 - m[0][0] - m[1][1] + m[2][2];
-    const double xy = m[0][1] + m[1][0], zx = m[0][2] + m[2][0], yz = m[1][2] + m[2][1];
-    if (sx > sy && sx > sz) return quat(sx, zy, sx, xy, zx);
-    if (sy > sz) return quat(sy, xz, xy, sy, yz);
-    return quat(sz, yx, zx, yz, sz);
+    const Real k = 0.5 / sqrt(pick(sw, sx, sy, sz));
+    return {k * pick(sw, zy, xz, yx), k * pick(zy, sx, xy, zx), k * pick(xz, xy, sy, yz), k * pick(yx, zx, yz, sz)};
+}
+inline Quat quat_of(const Frame& t) {
+    const auto [w, x, y, z] = quaternion_of(t);
+    return {static_cast<float>(w), static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
 }
 
 inline Pose pose_of(const Frame& t) {
     const auto [x, y, z] = translation_of<double>(t);
-    return {{static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)}, quaternion_of(t), euler_of(t)};
+    return {{static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)}, quat_of(t), euler_of(t)};
 }
 
 }  // namespace zk::arm

@@ -9,13 +9,14 @@
 namespace zk {
 
 // The arc tangent of 0 to 1. Method: odd polynomial through Chebyshev nodes, 2.5e-9 from the arc tangent.
-inline double octant_of(double tangent) {
-    const double t = tangent, u = t * t, u2 = u * u, u4 = u2 * u2;
-    const double low =
+template <class Real>
+inline Real octant_of(Real tangent) {
+    const Real t = tangent, u = t * t, u2 = u * u, u4 = u2 * u2;
+    const Real low =
         (0.99999999754602042 - 0.33333282295513 * u) + (0.19998230640412754 - 0.14261573680656933 * u) * u2;
-    const double middle =
+    const Real middle =
         (0.10940198966983225 - 0.083720639531456975 * u) + (0.057463557931223479 - 0.030717508982484105 * u) * u2;
-    const double high = 0.010680719485844748 - 0.0017437011522270041 * u;
+    const Real high = 0.010680719485844748 - 0.0017437011522270041 * u;
     return t * (low + (middle + high * u4) * u4);
 }
 

@@ -1,6 +1,7 @@
 // Paths, batches and threads.
 #include <pthread.h>
 
+#include <cstring>
 #include <thread>
 
 #include "arm_model/owned_model.h"
@@ -128,7 +129,14 @@ TEST_P(EachModel, BatchesEqualSingleCallsToTheBit) {
         const Joints q = cell.random();
         rows.insert(rows.end(), q.begin(), q.begin() + joints);
     }
+    rows[20 * joints] = 1e9f;
     ASSERT_EQ(ZK_Model_Forward_Batch(cell.model.get(), rows.data(), kCount, poses.data(), 3), ZK_OK);
+    for (int n = 0; n < kCount; ++n) {
+        Pose pose;
+        ASSERT_EQ(ZK_Model_Forward(cell.model.get(), &rows[n * joints], &pose), ZK_OK);
+        EXPECT_EQ(std::memcmp(&pose, &poses[n], sizeof pose), 0) << n;
+    }
+    rows[20 * joints] = 0;
     poses[50].position.x = 1e9f;
     std::rotate(rows.begin(), rows.begin() + joints, rows.end());  // seeds that are not the answers
     for (const int threads : {1, 2, 7}) {
