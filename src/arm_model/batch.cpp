@@ -1,4 +1,5 @@
 // Many poses at once, over some threads.
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdint>
@@ -12,7 +13,7 @@
 namespace zk::arm {
 namespace {
 
-constexpr int kMostThreads = 64;
+constexpr int kMostThreads = 64, kAllFour = (1 << kFour) - 1;
 
 // Calls part(begin, end) for shares of 0 ... count on as many threads, this one among them. This one also does what the
 // system has no thread for.
@@ -32,27 +33,24 @@ void share_out(int count, int threads, Part part) {
     for (int i = 1; i < started; ++i) others[i].join();
 }
 
-// Calls row(i), which returns a status, for each row but those that four(i), which is tried first, does with the three
-// after. Returns the status of the first row that is not ZK_OK.
+// Calls row(i), which returns a status, for each row that four(i) leaves: it is called for row i and the three after,
+// and returns a bit for each of them that is done. Returns the status of the first row that is not ZK_OK.
 template <class Four, class Row>
 int for_rows(int count, int threads, Four four, Row row) {
     constexpr std::int64_t kNone = INT64_MAX, kStatuses = 256;
     std::atomic<std::int64_t> first = kNone;
+    const auto do_row = [&](int i) {
+        const int status = row(i);
+        std::int64_t known = first, here = i * kStatuses + status;
+        while (status != ZK_OK && here < known && !first.compare_exchange_weak(known, here)) {
+        }
+    };
     const bool in_fours = can_do_four();
     share_out(count, threads, [&](int begin, int end) {
-        int next_four = begin;
-        for (int i = begin; i < end; ++i) {
-            if (in_fours && i == next_four && end - i >= kFour) {
-                next_four += kFour;
-                if (four(i)) {
-                    i += kFour - 1;
-                    continue;
-                }
-            }
-            const int status = row(i);
-            if (status == ZK_OK) continue;
-            std::int64_t known = first, here = i * kStatuses + status;
-            while (here < known && !first.compare_exchange_weak(known, here)) {
+        for (int i = begin; i < end; i += kFour) {
+            const int rows = std::min(kFour, end - i), done = in_fours && rows == kFour ? four(i) : 0;
+            for (int k = 0; k < rows; ++k) {
+                if ((done & (1 << k)) == 0) do_row(i + k);
             }
         }
     });
@@ -70,7 +68,7 @@ ZK_API int ZK_Model_Forward_Batch(const ZK_Model* model, const float* joint, int
     if (!model || !is_count(count, threads) || (count > 0 && (!joint || !pose))) return ZK_BAD_ARGUMENT;
     const std::int64_t joints = ZK_Model_Joint_Count(model);
     return for_rows(
-        count, threads, [=](int i) { return forward_four(*model, joint + i * joints, pose + i); },
+        count, threads, [=](int i) { return forward_four(*model, joint + i * joints, pose + i) ? kAllFour : 0; },
         [=](int i) { return ZK_Model_Forward(model, joint + i * joints, pose + i); });
 }
 
@@ -78,8 +76,16 @@ ZK_API int ZK_Model_Inverse_Batch(const ZK_Model* model, const Pose* target, con
                                   const ZK_InverseOptions* options, float* joint, int* status, int threads) {
     if (!model || !is_count(count, threads) || (count > 0 && (!target || !seed || !joint))) return ZK_BAD_ARGUMENT;
     const std::int64_t joints = ZK_Model_Joint_Count(model);
-    const auto none = [](int) { return false; };
-    return for_rows(count, threads, none, [=](int i) {
+    static constexpr ZK_InverseOptions kDefaults = {};
+    if (!options) options = &kDefaults;
+    const auto four = [=](int i) {
+        const int done = inverse_four(*model, target + i, seed + i * joints, *options, joint + i * joints);
+        for (int k = 0; status && k < kFour; ++k) {
+            if (done & (1 << k)) status[i + k] = ZK_OK;
+        }
+        return done;
+    };
+    return for_rows(count, threads, four, [=](int i) {
         const int result = ZK_Model_Inverse(model, target + i, seed + i * joints, options, joint + i * joints, nullptr);
         if (status) status[i] = result;
         return result;

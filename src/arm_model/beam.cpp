@@ -55,7 +55,7 @@ class Kept {
 };
 
 double arm_angle_between(const Arm& arm, const Joints& from, const Joints& to) {
-    return turned_to(angle_of(arm_angle(arm, to)) - angle_of(arm_angle(arm, from)), 0);
+    return turned_to(angle_of(arm_angle(arm, to)) - angle_of(arm_angle(arm, from)), 0.0);
 }
 
 // The moves from a posture: by the smallest steps, and about one place to either side of that. Calls at(move, q) with

@@ -11,13 +11,17 @@ namespace zk::arm {
 inline constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 // The whole number nearest to x, for |x| below 2^51. Without a call.
-inline double rounded(double x) {
+template <class Real>
+inline Real rounded(Real x) {
     constexpr double kToInteger = 6755399441055744.0;  // 1.5 * 2^52
     return (x + kToInteger) - kToInteger;
 }
 
 // The angle moved by whole turns next to `near`.
-inline double turned_to(double angle, double near) { return angle + 2 * M_PI * rounded((near - angle) * (0.5 / M_PI)); }
+template <class Real>
+inline Real turned_to(Real angle, Real near) {
+    return angle + 2 * M_PI * rounded((near - angle) * (0.5 / M_PI));
+}
 
 // What is sought: joints near the seed, within the limits.
 struct Wanted {
@@ -57,7 +61,7 @@ class Placing {
     // Whether the second turn of joint i is nearer to the seed than the first, whole turns left out.
     bool is_nearer(int i, double first, double second) const {
         const double seed = seed_turn(i);
-        return std::fabs(turned_to(second - seed, 0)) < std::fabs(turned_to(first - seed, 0));
+        return std::fabs(turned_to(second - seed, 0.0)) < std::fabs(turned_to(first - seed, 0.0));
     }
 
     // The turn of joint i at the seed.
@@ -66,7 +70,7 @@ class Placing {
     // Joints i and i + 2 on one line, where only turn i + side * turn (i + 2) = sum is defined. They share the way from
     // the seed by their weights, as far as their limits let them.
     double place_aligned(int i, double sum, double side) {
-        const double to = turned_to(sum - seed_turn(i) - side * seed_turn(i + 2), 0);
+        const double to = turned_to(sum - seed_turn(i) - side * seed_turn(i + 2), 0.0);
         double best = kInfinity;
         Joints placed = q_;
         for (const double way : {to, to > 0 ? to - 2 * M_PI : to + 2 * M_PI}) {

@@ -16,7 +16,7 @@ namespace {
 
 constexpr float kLargestStep = 10;  // degrees, unless the caller says otherwise
 
-double turn_between(double from, double to) { return turned_to(to - from, 0); }
+double turn_between(double from, double to) { return turned_to(to - from, 0.0); }
 
 // The arm along a path: where it stands, and where it goes on to if it moves as it did.
 class Follower {

@@ -15,4 +15,9 @@ bool can_do_four();
 // nothing is written.
 bool forward_four(const ZK_Model& model, const float* joint, Pose* pose);
 
+// ZK_Model_Inverse of four rows. Returns a bit for each row that is done, with an answer written; the others are not
+// ordinary: another posture may be nearer, a joint is beyond its limits, the target is singular or not in order.
+int inverse_four(const ZK_Model& model, const Pose* target, const float* seed, const ZK_InverseOptions& options,
+                 float* joint);
+
 }  // namespace zk::arm

@@ -13,12 +13,9 @@
 namespace zk::arm {
 namespace {
 
-// A seed may stand this far beyond the limits, degrees.
-constexpr float kBeyond = 360;
-
 bool is_seed(const ZK_Model& model, const float* seed) {
     for (int i = 0; i < model.arm.joints; ++i) {
-        if (!(seed[i] >= model.lowest[i] - kBeyond && seed[i] <= model.highest[i] + kBeyond)) return false;
+        if (!(seed[i] >= lowest_seed(model, i) && seed[i] <= highest_seed(model, i))) return false;
     }
     return true;
 }
@@ -45,21 +42,6 @@ bool checked_or_refined(const ZK_Model& model, const Frame& target, const Reques
     within.limits = within_step(within.limits, within.seed, request.max_step);
     return refined(model.arm, end_target(model.arm, target), within, q) &&
            checked(model, target, request.wanted, q, joint, result);
-}
-
-struct Miss {
-    double metres, radians;
-};
-
-// Between two frames. The elements of two rotations differ by sqrt(8) sin(angle / 2) in all, the chord; for angles that
-// are not refused it is the angle.
-Miss miss_of(const Frame& a, const Frame& b) {
-    double metres = 0, chord = 0;
-    for (int i = 0; i < 3; ++i) {
-        for (int j = 0; j < 3; ++j) chord += (a.m[i][j] - b.m[i][j]) * (a.m[i][j] - b.m[i][j]);
-        metres += (a.m[i][3] - b.m[i][3]) * (a.m[i][3] - b.m[i][3]);
-    }
-    return {std::sqrt(metres), std::sqrt(chord / 2)};
 }
 
 ZK_Cause cause_of(Refusal refusal) {

@@ -9,21 +9,6 @@
 
 namespace zk::arm {
 
-inline Frame frame_of(const Position& p, const Euler& e) {
-    const Turn x = turn_of(e.rx), y = turn_of(e.ry), z = turn_of(e.rz);
-    return {{{y.c * z.c, y.s * z.c * x.s - z.s * x.c, y.s * z.c * x.c + x.s * z.s, p.x},
-             {z.s * y.c, x.c * z.c + y.s * z.s * x.s, y.s * z.s * x.c - z.c * x.s, p.y},
-             {-y.s, x.s * y.c, x.c * y.c, p.z}}};
-}
-
-// The quaternion need not be of unit length, but must not be 0.
-inline Frame frame_of(const Position& p, const Quat& q) {
-    const double w = q.w, x = q.x, y = q.y, z = q.z, k = 2 / (w * w + x * x + y * y + z * z);
-    return {{{1 - k * (y * y + z * z), k * (x * y - w * z), k * (w * y + x * z), p.x},
-             {k * (w * z + x * y), 1 - k * (z * z + x * x), k * (y * z - w * x), p.y},
-             {k * (x * z - w * y), k * (w * x + y * z), 1 - k * (x * x + y * y), p.z}}};
-}
-
 // The parts of a pose, in the order of its fields.
 template <class Real>
 struct EulerOf {
@@ -33,6 +18,30 @@ template <class Real>
 struct QuatOf {
     Real w, x, y, z;
 };
+
+template <class Real>
+Transform<Real> frame_of(const Vec3Of<Real>& p, const EulerOf<Real>& e) {
+    const TurnOf<Real> x = turn_of(e.x), y = turn_of(e.y), z = turn_of(e.z);
+    return {{{y.c * z.c, y.s * z.c * x.s - z.s * x.c, y.s * z.c * x.c + x.s * z.s, p[0]},
+             {z.s * y.c, x.c * z.c + y.s * z.s * x.s, y.s * z.s * x.c - z.c * x.s, p[1]},
+             {-y.s, x.s * y.c, x.c * y.c, p[2]}}};
+}
+inline Frame frame_of(const Position& p, const Euler& e) {
+    return frame_of(Vector{p.x, p.y, p.z}, EulerOf<double>{e.rx, e.ry, e.rz});
+}
+
+// The quaternion need not be of unit length, but must not be 0.
+template <class Real>
+Transform<Real> frame_of(const Vec3Of<Real>& p, const QuatOf<Real>& q) {
+    const auto [w, x, y, z] = q;
+    const Real k = 2 / (w * w + x * x + y * y + z * z);
+    return {{{1 - k * (y * y + z * z), k * (x * y - w * z), k * (w * y + x * z), p[0]},
+             {k * (w * z + x * y), 1 - k * (z * z + x * x), k * (y * z - w * x), p[1]},
+             {k * (x * z - w * y), k * (w * x + y * z), 1 - k * (x * x + y * y), p[2]}}};
+}
+inline Frame frame_of(const Position& p, const Quat& q) {
+    return frame_of(Vector{p.x, p.y, p.z}, QuatOf<double>{q.w, q.x, q.y, q.z});
+}
 
 // As matrix_to_euler counts them: an angle near minus half a turn counts as positive.
 template <class Real>
@@ -89,6 +98,24 @@ inline Quat quat_of(const Frame& t) {
 inline Pose pose_of(const Frame& t) {
     const auto [x, y, z] = translation_of<double>(t);
     return {{static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)}, quat_of(t), euler_of(t)};
+}
+
+template <class Real>
+struct Miss {
+    Real metres, radians;
+};
+
+// Between two frames. The elements of two rotations differ by sqrt(8) sin(angle / 2) in all, the chord; for angles that
+// are not refused it is the angle.
+template <class Real>
+Miss<Real> miss_of(const Transform<Real>& a, const Transform<Real>& b) {
+    using std::sqrt;
+    Real metres = 0, chord = 0;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) chord += (a.m[i][j] - b.m[i][j]) * (a.m[i][j] - b.m[i][j]);
+        metres += (a.m[i][3] - b.m[i][3]) * (a.m[i][3] - b.m[i][3]);
+    }
+    return {sqrt(metres), sqrt(chord / 2)};
 }
 
 }  // namespace zk::arm

@@ -25,41 +25,65 @@ inline constexpr double kAligned = 1e-6;
 // Rounding of a target in single precision, metres and radians.
 inline constexpr double kRounding = 3e-7;
 
-inline Turn operator+(Turn a, Turn b) { return {a.s * b.c + a.c * b.s, a.c * b.c - a.s * b.s}; }
-inline Turn operator-(Turn a) { return {-a.s, a.c}; }
-inline Turn opposite(Turn a) { return {-a.s, -a.c}; }
+template <class Real>
+inline TurnOf<Real> operator+(TurnOf<Real> a, TurnOf<Real> b) {
+    return {a.s * b.c + a.c * b.s, a.c * b.c - a.s * b.s};
+}
+template <class Real>
+inline TurnOf<Real> operator-(TurnOf<Real> a) {
+    return {-a.s, a.c};
+}
+template <class Real>
+inline TurnOf<Real> opposite(TurnOf<Real> a) {
+    return {-a.s, -a.c};
+}
 using zk::angle_of;
-inline double angle_of(Turn a) { return angle_of(a.s, a.c); }
+template <class Real>
+inline Real angle_of(TurnOf<Real> a) {
+    return angle_of(a.s, a.c);
+}
 
 // ------------------------------------------------------------------------------------------------- What they share --
 
 // The angle at which a link of the length b has to follow one of the length a to span a distance. NaN when it cannot.
-inline Turn bend(double a, double b, double distance_squared, double slack = kReachSlack) {  // (C1)
-    const double cosine = (distance_squared - a * a - b * b) / (2 * a * b);
-    if (std::fabs(cosine) <= 1) return {std::sqrt((1 - cosine) * (1 + cosine)), cosine};
+template <class Real>
+inline TurnOf<Real> bounded_bend(double a, double b, Real distance_squared) {  // (C1)
+    using std::sqrt;
+    const Real cosine = (distance_squared - a * a - b * b) / (2 * a * b);
+    return {sqrt((1 - cosine) * (1 + cosine)), cosine};
+}
+inline Turn bend(double a, double b, double distance_squared, double slack = kReachSlack) {
+    const auto [sine, cosine] = bounded_bend(a, b, distance_squared);
+    if (std::fabs(cosine) <= 1) return {sine, cosine};
     const double distance = std::sqrt(distance_squared);
     const double missing = cosine > 0 ? distance - (a + b) : std::fabs(a - b) - distance;
     return {missing < slack ? 0 : NAN, std::copysign(1.0, cosine)};
 }
 
 // The turn of a plane that brings the end of upper arm and bent forearm to (r, -h).
-inline Turn toward(double r, double h, double upper, double fore, Turn bend) {  // (C2)
-    const double x = upper + fore * bend.c, y = fore * bend.s, scale = 1 / std::sqrt((r * r + h * h) * (x * x + y * y));
+template <class Real>
+inline TurnOf<Real> toward(Real r, Real h, double upper, double fore, TurnOf<Real> bend) {  // (C2)
+    using std::sqrt;
+    const Real x = upper + fore * bend.c, y = fore * bend.s, scale = 1 / sqrt((r * r + h * h) * (x * x + y * y));
     return {(-h * x - r * y) * scale, (r * x - h * y) * scale};
 }
 
 // A rotation as Rz(first) Ry(middle) Rz(last), the sine of the middle above 0. The other way to make it is
 // (first + pi, -middle, last + pi). The last is read after the first is undone, so that both fit where rounding
 // decides them.
+template <class Real>
 struct Zyz {
-    Turn first, middle, last;
-    bool aligned() const { return middle.s < kAligned; }
+    TurnOf<Real> first, middle, last;
+    auto aligned() const { return middle.s < kAligned; }
     // Of `last` in the sum of first and last, which is all that is defined when the middle is 0 or pi.
     double side() const { return middle.c > 0 ? 1 : -1; }
 };
-inline Zyz zyz(const Rotation& r) {  // (C3)
-    const double sine = std::sqrt(r[0][2] * r[0][2] + r[1][2] * r[1][2]);
-    const Turn first = sine > kAligned ? Turn{r[1][2] / sine, r[0][2] / sine} : Turn{0, 1};
+template <class Real>
+inline Zyz<Real> zyz(const Mat3Of<Real>& r) {  // (C3)
+    using std::sqrt;
+    const Real sine = sqrt(r[0][2] * r[0][2] + r[1][2] * r[1][2]);
+    const auto defined = sine > kAligned;
+    const TurnOf<Real> first = {select(defined, r[1][2] / sine, Real(0)), select(defined, r[0][2] / sine, Real(1))};
     const auto across = [&](int j) { return first.c * r[1][j] - first.s * r[0][j]; };
     return {first, {sine, r[2][2]}, {across(0), across(1)}};
 }
@@ -67,7 +91,7 @@ inline Zyz zyz(const Rotation& r) {  // (C3)
 // Places joints i, i + 1, i + 2 as the rotation says, both ways, and calls then(distance) for each.
 template <class Choice, class Then>
 void place_zyz(Choice& choice, int i, const Rotation& rotation, double distance, Then then) {
-    const Zyz r = zyz(rotation);
+    const Zyz<double> r = zyz(rotation);
     const double first = angle_of(r.first), middle = angle_of(r.middle), last = angle_of(r.last);
     const bool start = choice.is_nearer(i + 1, middle, -middle);
     for (const bool flipped : {start, !start}) {
@@ -84,16 +108,18 @@ void place_zyz(Choice& choice, int i, const Rotation& rotation, double distance,
     }
 }
 
-inline Rotation turned_back_z(Turn t, const Rotation& m) {  // Rz(-t) m
-    Rotation r = m;
+template <class Real>
+inline Mat3Of<Real> turned_back_z(TurnOf<Real> t, const Mat3Of<Real>& m) {  // Rz(-t) m
+    Mat3Of<Real> r = m;
     for (int j = 0; j < 3; ++j) {
         r[0][j] = t.c * m[0][j] + t.s * m[1][j];
         r[1][j] = t.c * m[1][j] - t.s * m[0][j];
     }
     return r;
 }
-inline Rotation turned_back_y(Turn t, const Rotation& m) {  // Ry(-t) m
-    Rotation r = m;
+template <class Real>
+inline Mat3Of<Real> turned_back_y(TurnOf<Real> t, const Mat3Of<Real>& m) {  // Ry(-t) m
+    Mat3Of<Real> r = m;
     for (int j = 0; j < 3; ++j) {
         r[0][j] = t.c * m[0][j] - t.s * m[2][j];
         r[2][j] = t.s * m[0][j] + t.c * m[2][j];
@@ -106,17 +132,25 @@ inline Rotation turned_y(Turn t, const Rotation& m) { return turned_back_y(-t, m
 
 // The two directions of joint 1 in which the point w is `aside` beside the plane of the arm; the distance along the
 // plane is +-along. On the axis of joint 1 it keeps the seed.
-struct Shoulder {
-    Turn turn;
-    double angle, along;
+template <class Real>
+struct ShoulderOf {
+    TurnOf<Real> turn;
+    Real angle, along;
 };
+// `scale` is 1 over the product of the distances of w from the axis and from the point beside it.
+template <class Real>
+inline ShoulderOf<Real> shoulder_of(const Vec3Of<Real>& w, double aside, Real along, Real scale) {  // (C4)
+    const TurnOf<Real> turn = {(along * w[1] - aside * w[0]) * scale, (along * w[0] + aside * w[1]) * scale};
+    return {turn, angle_of(turn), along};
+}
+using Shoulder = ShoulderOf<double>;
 struct Shoulders {
     Shoulder nearer, other;  // to the seed
     int count;
     double slack;  // of the reach: the closer both are to each other, the more rounding of the target moves `along`
 };
 template <class Choice>
-Shoulders shoulders(const Vector& w, double aside, const Choice& choice) {  // (C4)
+Shoulders shoulders(const Vector& w, double aside, const Choice& choice) {
     constexpr double kOnAxis = 1e-7;
     const double squares = w[0] * w[0] + w[1] * w[1], distance = std::sqrt(squares), seed = choice.seed_turn(0);
     if (distance < kOnAxis && std::fabs(aside) < kOnAxis) return {{turn_of(seed), seed, 0}, {}, 1, kReachSlack};
@@ -124,11 +158,7 @@ Shoulders shoulders(const Vector& w, double aside, const Choice& choice) {  // (
     if (square < 0 && std::fabs(aside) - distance > kReachSlack) return {};
     const double along = square > 0 ? std::sqrt(square) : 0;
     const double scale = 1 / (distance * std::sqrt(along * along + aside * aside));
-    const auto shoulder = [&](double v) {
-        const Turn turn = {(v * w[1] - aside * w[0]) * scale, (v * w[0] + aside * w[1]) * scale};
-        return Shoulder{turn, angle_of(turn), v};
-    };
-    const Shoulder a = shoulder(along), b = shoulder(-along);
+    const Shoulder a = shoulder_of(w, aside, along, scale), b = shoulder_of(w, aside, -along, scale);
     const double slack = kReachSlack + kRounding * std::fabs(aside) / (along + kRounding);
     const bool swap = choice.is_nearer(0, a.angle, b.angle);
     return {swap ? b : a, swap ? a : b, along > 0 ? 2 : 1, slack};
@@ -168,6 +198,12 @@ bool spherical_wrist(const Arm& arm, const Frame& target, Choice& choice) {
     return (both.count > 1 && place_elbows(arm, both.other, both.slack, target, choice)) || reached;
 }
 
+// The sum of joints 2 to 4 that joint 6 leaves of the rotation of the end in the plane of the arm.
+template <class Real>
+inline TurnOf<Real> sum_of(const Mat3Of<Real>& m, TurnOf<Real> t6) {  // (P10)
+    return {m[0][2] * t6.c - m[0][0] * t6.s, m[2][2] * t6.c - m[2][0] * t6.s};
+}
+
 // The plane of an arm with parallel axes: the rotation of its end seen there, and the wrist point from joint 2.
 struct Plane {
     Rotation m;
@@ -175,9 +211,7 @@ struct Plane {
     double hand;   // from joint 4 to the wrist point
     double slack;  // of the reach
 
-    Turn sum(Turn t6) const {  // of joints 2 to 4 (P10)
-        return {m[0][2] * t6.c - m[0][0] * t6.s, m[2][2] * t6.c - m[2][0] * t6.s};
-    }
+    Turn sum(Turn t6) const { return sum_of(m, t6); }
 };
 
 // How far the sum of joints 2 to 4 has to turn for the arm to reach joint 4.
@@ -188,7 +222,7 @@ inline double way_into_reach(const Arm& arm, const Plane& plane, Turn t234) {
     const double cosine = (squares + plane.hand * plane.hand - reach * reach) / (2 * plane.hand * std::sqrt(squares));
     if (!(std::fabs(cosine) < 1 + kRounding)) return 0;
     // From the direction of the wrist point, where joint 4 is nearest.
-    const double off = turned_to(angle_of(t234) - angle_of(plane.along, plane.height), 0);
+    const double off = turned_to(angle_of(t234) - angle_of(plane.along, plane.height), 0.0);
     return std::copysign(std::acos(std::fmin(cosine, 1)), off) - off;
 }
 
@@ -255,6 +289,31 @@ bool parallel_axes(const Arm& arm, const Frame& target, Choice& choice) {
     };
     const bool reached = both.count > 0 && reaches(both.nearer);
     return (both.count > 1 && reaches(both.other)) || reached;
+}
+
+// The smallest angle between a turn and the line of its neighbours.
+template <class Real>
+Real off_line(Real turn) {
+    using std::fabs;
+    return fabs(turn - M_PI * rounded(turn * (1 / M_PI)));
+}
+
+// Whether rounding of the target decides joints of the posture, or of one near the seed. Shoulder, elbow and wrist each
+// make the more of it the closer they are to their line.
+template <class Real>
+auto is_left_to_rounding(const Arm& arm, const Transform<Real>& target, const std::array<Real, 7>& q,
+                         const std::array<Real, 7>& seed) {
+    using std::fabs;
+    constexpr double kAtPosture = 2e-5, kAtSeed = 2e-4;
+    const Real x = target.m[0][3], y = target.m[1][3];
+    const double aside = arm.link[1][1] + arm.link[3][1];
+    const Real shoulder = fabs(x * x + y * y - aside * aside);  // squared
+    const auto is_close = [&](const std::array<Real, 7>& at, double bound) {
+        const Real elbow = off_line(arm.sign[2] * at[2] + arm.shift[2] + arm.lean);
+        const Real both = elbow * off_line(arm.sign[4] * at[4] + arm.shift[4]);
+        return shoulder * (both * both) < bound * bound;
+    };
+    return is_close(q, kAtPosture) | is_close(seed, kAtSeed);
 }
 
 // ----------------------------------------------------------------------------------------------------- Seven joints --

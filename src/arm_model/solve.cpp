@@ -226,9 +226,6 @@ bool is_far_out(const Arm& arm, const Frame& target) {
     return !(norm(p) < arm.upper + arm.fore + std::fabs(arm.link[5][0]) + kReachSlack);
 }
 
-// The smallest angle between the line of a turn's neighbours and where it is.
-double off_line(double turn) { return std::fabs(turn - M_PI * rounded(turn * (1 / M_PI))); }
-
 // Where the elbow is about straight, postures that are nearer than that of the smallest steps may lie aside.
 bool is_about_straight(const Arm& arm, const Joints& q) {
     constexpr double kStraight = 0.07;
@@ -266,20 +263,6 @@ void look_from_seed(const Arm& arm, const Frame& target, const Wanted& wanted, N
     Joints q = clamped(wanted.seed, wanted.limits);
     if (!damped::all_below(difference(root_T_end(arm, q), target), kNear, kNear)) return;
     if (refined(arm, target, wanted, q)) nearest.offer(q);
-}
-
-// Whether rounding of the target decides joints of the posture, or of one near the seed. Shoulder, elbow and wrist each
-// make the more of it the closer they are to their line.
-bool is_left_to_rounding(const Arm& arm, const Frame& target, const Joints& q, const Joints& seed) {
-    constexpr double kAtPosture = 2e-5, kAtSeed = 2e-4;
-    const double x = target.m[0][3], y = target.m[1][3], aside = arm.link[1][1] + arm.link[3][1];
-    const double shoulder = std::fabs(x * x + y * y - aside * aside);  // squared
-    const auto is_close = [&](const Joints& at, double bound) {
-        const double elbow = off_line(arm.sign[2] * at[2] + arm.shift[2] + arm.lean);
-        const double both = elbow * off_line(arm.sign[4] * at[4] + arm.shift[4]);
-        return shoulder * (both * both) < bound * bound;
-    };
-    return is_close(q, kAtPosture) || is_close(seed, kAtSeed);
 }
 
 bool found_by_closed_form(const Arm& arm, const Frame& target, const Wanted& wanted, bool& reached, Joints& q) {

@@ -30,6 +30,10 @@ bool are_finite(const float* values, int count);
 Joints radians_of(const ZK_Model& model, const float* degrees);
 void write_degrees(const ZK_Model& model, const Joints& q, float* degrees);
 
+// A seed may stand a whole turn beyond the limits, degrees.
+inline float lowest_seed(const ZK_Model& model, int i) { return model.lowest[i] - 360; }
+inline float highest_seed(const ZK_Model& model, int i) { return model.highest[i] + 360; }
+
 // A request of the inverse kinematics that is found to be in order.
 struct Request {
     Wanted wanted;
