@@ -18,8 +18,8 @@ namespace {
 struct Mask {
     __m256d bits;
 
-    friend Mask operator&(Mask a, Mask b) { return {_mm256_and_pd(a.bits, b.bits)}; }
-    friend Mask operator|(Mask a, Mask b) { return {_mm256_or_pd(a.bits, b.bits)}; }
+    friend Mask operator&&(Mask a, Mask b) { return {_mm256_and_pd(a.bits, b.bits)}; }
+    friend Mask operator||(Mask a, Mask b) { return {_mm256_or_pd(a.bits, b.bits)}; }
     bool any() const { return _mm256_movemask_pd(bits) != 0; }
     bool all() const { return _mm256_movemask_pd(bits) == 15; }
     int rows() const { return _mm256_movemask_pd(bits); }
@@ -96,21 +96,21 @@ class FourPlacing {
     // As Placing::place for a joint that needs no whole turns to be within its limits.
     Four place(int i, Four turn) {
         const Four q = near_seed(i, turn);
-        demand((q <= hi(i) + Placing::kSlack) & (q >= lo(i) - Placing::kSlack));
+        demand((q <= hi(i) + Placing::kSlack) && (q >= lo(i) - Placing::kSlack));
         q_[i] = on_limit(i, q);
         return distance(i, q_[i]);
     }
     // What the joint adds to the distance at least.
     Four least(int i, Four turn) const {
         const Four q = near_seed(i, turn);
-        const Mask is_within = (q <= hi(i) + Placing::kSlack) & (q >= lo(i) - Placing::kSlack);
+        const Mask is_within = (q <= hi(i) + Placing::kSlack) && (q >= lo(i) - Placing::kSlack);
         return distance(i, select(is_within, on_limit(i, q), q));
     }
     Mask is_nearer(int i, Four first, Four second) const {
         const Four seed = arm_.sign[i] * seed_[i] + arm_.shift[i];
         return fabs(turned_to(second - seed, Four(0))) < fabs(turned_to(first - seed, Four(0)));
     }
-    void demand(Mask condition) { ordinary_ = ordinary_ & condition; }
+    void demand(Mask condition) { ordinary_ = ordinary_ && condition; }
 
     Mask ordinary() const { return ordinary_; }
     const std::array<Four, 7>& q() const { return q_; }
@@ -140,7 +140,7 @@ struct FourShoulders {
 FourShoulders shoulders(const Vec3Of<Four>& w, double aside, FourPlacing& placing) {  // (C4)
     constexpr double kOnAxis = 1e-7;
     const Four squares = w[0] * w[0] + w[1] * w[1], distance = sqrt(squares), square = squares - aside * aside;
-    placing.demand((distance >= kOnAxis) & (square > 0));
+    placing.demand((distance >= kOnAxis) && (square > 0));
     const Four along = sqrt(square), scale = 1 / (distance * sqrt(along * along + aside * aside));
     const ShoulderOf<Four> a = shoulder_of(w, aside, along, scale), b = shoulder_of(w, aside, -along, scale);
     const Mask swap = placing.is_nearer(0, a.angle, b.angle);
@@ -216,15 +216,15 @@ Transform<Four> frames_of(const Pose* poses, bool by_euler, Mask& in_order) {
     const auto column = [&](const float& field) { return Four(&field, kStride); };
     const auto& [p, q, e] = *poses;
     const Vec3Of<Four> at = {column(p.x), column(p.y), column(p.z)};
-    in_order = in_order & is_finite(at[0]) & is_finite(at[1]) & is_finite(at[2]);
+    in_order = in_order && is_finite(at[0]) && is_finite(at[1]) && is_finite(at[2]);
     if (by_euler) {
         const EulerOf<Four> angles = {column(e.rx), column(e.ry), column(e.rz)};
-        for (const Four angle : {angles.x, angles.y, angles.z}) in_order = in_order & (fabs(angle) < kLargest);
+        for (const Four angle : {angles.x, angles.y, angles.z}) in_order = in_order && (fabs(angle) < kLargest);
         return frame_of(at, angles);
     }
     const QuatOf<Four> quat = {column(q.w), column(q.x), column(q.y), column(q.z)};
     const Four squared = quat.w * quat.w + quat.x * quat.x + quat.y * quat.y + quat.z * quat.z;
-    in_order = in_order & (squared >= 0.99) & (squared <= 1.01);
+    in_order = in_order && (squared >= 0.99) && (squared <= 1.01);
     return frame_of(at, quat);
 }
 
@@ -237,7 +237,7 @@ Mask meet(const ZK_Model& model, const Transform<Four>& target, const std::array
         at[i] = Four(_mm256_cvtps_pd(degrees[i])) * kRadiansPerDegree;
     }
     const auto [metres, radians] = miss_of(work_T_tool(model.arm, at), target);
-    return (metres < ZK_INVERSE_METRES) & (radians < ZK_INVERSE_RADIANS);
+    return (metres < ZK_INVERSE_METRES) && (radians < ZK_INVERSE_RADIANS);
 }
 
 }  // namespace
@@ -274,7 +274,7 @@ int inverse_four(const ZK_Model& model, const Pose* target, const float* seed, c
     Mask ordinary = Four(0) <= Four(0);
     for (int i = 0; i < 6; ++i) {
         const Four degrees(seed + i, 6);
-        ordinary = ordinary & (degrees >= lowest_seed(model, i)) & (degrees <= highest_seed(model, i));
+        ordinary = ordinary && (degrees >= lowest_seed(model, i)) && (degrees <= highest_seed(model, i));
         seeds[i] = degrees * kRadiansPerDegree;
     }
     const Transform<Four> tool = frames_of(target, options.orientation == ZK_BY_EULER, ordinary);

@@ -83,7 +83,7 @@ QuatOf<Real> quaternion_of(const Transform<Real>& t) {
     const Real xy = m[0][1] + m[1][0], zx = m[0][2] + m[2][0], yz = m[1][2] + m[2][1];
     const Real sw = 1 + m[0][0] + m[1][1] + m[2][2], sx = 1 + m[0][0] - m[1][1] - m[2][2];
     const Real sy = 1 - m[0][0] + m[1][1] - m[2][2], sz = 1 - m[0][0] - m[1][1] + m[2][2];
-    const auto by_w = sw > 1, by_x = (sx > sy) & (sx > sz), by_y = sy > sz;
+    const auto by_w = sw > 1, by_x = sx > sy && sx > sz, by_y = sy > sz;
     const auto pick = [&](Real w, Real x, Real y, Real z) {
         return select(by_w, w, select(by_x, x, select(by_y, y, z)));
     };

@@ -313,7 +313,7 @@ auto is_left_to_rounding(const Arm& arm, const Transform<Real>& target, const st
         const Real both = elbow * off_line(arm.sign[4] * at[4] + arm.shift[4]);
         return shoulder * (both * both) < bound * bound;
     };
-    return is_close(q, kAtPosture) | is_close(seed, kAtSeed);
+    return is_close(q, kAtPosture) || is_close(seed, kAtSeed);
 }
 
 // ----------------------------------------------------------------------------------------------------- Seven joints --
