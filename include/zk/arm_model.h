@@ -214,8 +214,8 @@ ZK_API int ZK_Model_Follow(const ZK_Model* model, const Pose* poses, int count, 
 /*
  * ZK_Model_Forward and ZK_Model_Inverse for `count` rows of joints, poses and seeds, over as many threads as `threads`
  * says, 1 to 64; the caller's counts as one. Each row is the same to the bit as that of a single call. A processor with
- * AVX2 instructions computes four rows at once. Rows whose
- * status is not 0 are not written. status: room for `count` statuses; null is allowed.
+ * AVX2 instructions computes four rows at once. Rows whose status is not 0 are not written. status: room for `count`
+ * statuses; null is allowed.
  *
  * Returns 0 when every row has the status 0, else the first status that is not; 19 for arguments of the call itself.
  */
