@@ -99,7 +99,7 @@ ZK_API SystemRuntimeReply Get_System_Runtime_Cmd[ZK_SLOTS];
 ZK_API int Parser_Get_System_Runtime(const char* text, int32_t* day, int32_t* hour, int32_t* min, int32_t* sec);
 ZK_API AckReply Clear_System_Runtime_Cmd[ZK_SLOTS];
 ZK_API JointOdomReply Get_Joint_Odom_Cmd[ZK_SLOTS];
-ZK_API int Parser_Get_Joint_Odom(const char* text, float* odom);
+ZK_API int Parser_Get_Joint_Odom(const char* text, float* odom); /* at most eight numbers */
 ZK_API AckReply Clear_Joint_Odom_Cmd[ZK_SLOTS];
 ZK_API AckReply Set_High_Speed_Eth_Cmd[ZK_SLOTS];
 ZK_API int Parser_Set_High_Speed_Eth(const char* text);

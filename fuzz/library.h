@@ -1,0 +1,217 @@
+// The library with a connection on a socket pair, and any command by its name. To be included once in a program: it
+// defines the library's clock and sleep.
+#pragma once
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstring>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <thread>
+#include <type_traits>
+#include <vector>
+
+#include "input.h"
+#include "interface.h"
+
+namespace zk::fuzz {
+
+inline std::atomic<std::int32_t> now{0};  // moved by the fuzzer alone
+
+inline void pass(std::int32_t milliseconds) { now += milliseconds; }
+inline void let_others_run() { std::this_thread::sleep_for(std::chrono::microseconds(20)); }
+
+// A wait without an end is a finding: the engine ends it.
+template <class Condition>
+void wait_until(Condition holds) {
+    while (!holds()) let_others_run();
+}
+
+// ---------------------------------------------------------------------------------------------------------- Commands
+// --
+
+// An argument of a command: small numbers, short texts, and room for what a pointer may point to.
+template <class T>
+T argument(Input& input, std::deque<std::vector<char>>& memory) {
+    if constexpr (std::is_pointer_v<T>) {
+        using Element = std::remove_const_t<std::remove_pointer_t<T>>;
+        constexpr std::size_t kRoom = 4096 + 16 * sizeof(Element), kLongestText = 8, kFilled = 16;
+        std::vector<char>& room = memory.emplace_back(kRoom);
+        auto* const elements = reinterpret_cast<Element*>(room.data());
+        if constexpr (std::is_const_v<std::remove_pointer_t<T>> && std::is_arithmetic_v<Element>) {
+            const std::size_t filled = std::is_same_v<Element, char> ? input.byte() % (kLongestText + 1) : kFilled;
+            for (std::size_t i = 0; i < filled; ++i) elements[i] = static_cast<Element>(input.byte());
+        }
+        return elements;
+    } else if constexpr (std::is_same_v<T, bool>) {
+        return input.byte() % 2 == 1;
+    } else if constexpr (std::is_integral_v<T>) {
+        return static_cast<T>(input.byte() % 16);
+    } else if constexpr (std::is_floating_point_v<T>) {
+        return static_cast<T>(static_cast<std::int8_t>(input.byte()));
+    } else {
+        static_cast<void>(input);
+        return T{};
+    }
+}
+
+using Command = std::function<void(ArmSocket, Input)>;
+
+template <class... Arguments>
+Command command(int (*function)(ArmSocket, Arguments...)) {
+    return [function](ArmSocket socket, Input input) {
+        std::deque<std::vector<char>> memory;
+        function(socket, argument<Arguments>(input, memory)...);
+    };
+}
+
+// A name that is none stands for some command.
+inline const Command& command_of(const std::string& name) {
+    static const std::map<std::string, Command> all{
+#define ZK_NAMED(name) {#name, command(name)},
+        ZK_EVERY_COMMAND(ZK_NAMED)
+#undef ZK_NAMED
+    };
+    if (const auto found = all.find(name); found != all.end()) return found->second;
+    std::size_t number = 0;
+    for (const char letter : name) number = number * 31 + static_cast<std::uint8_t>(letter);
+    return std::next(all.begin(), static_cast<std::ptrdiff_t>(number % all.size()))->second;
+}
+
+// -------------------------------------------------------------------------------------------------------- Connection
+// --
+
+class Wire {
+ public:
+    Wire() {
+        constexpr int kAboveStatuses = 100;
+        int ends[2];
+        expect(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) == 0, "a socket pair opens");
+        controller_ = ends[0];
+        library_ = fcntl(ends[1], F_DUPFD_CLOEXEC, kAboveStatuses);
+        close(ends[1]);
+    }
+    ~Wire() { close(controller_); }  // the library closes its own
+    Wire(const Wire&) = delete;
+    Wire& operator=(const Wire&) = delete;
+
+    ArmSocket library() const { return library_; }
+    void send(std::string_view bytes) {
+        while (!bytes.empty()) {
+            const ssize_t sent = ::send(controller_, bytes.data(), bytes.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+            sent > 0 ? bytes.remove_prefix(static_cast<std::size_t>(sent)) : let_others_run();
+        }
+    }
+    bool is_read() const {
+        int unread = 0;
+        return ioctl(library_, FIONREAD, &unread) == 0 && unread == 0;
+    }
+    std::string requests() {
+        char bytes[4096];
+        const ssize_t got = recv(controller_, bytes, sizeof bytes, MSG_DONTWAIT);
+        return {bytes, got > 0 ? static_cast<std::size_t>(got) : 0};
+    }
+    void send_no_more() { shutdown(controller_, SHUT_WR); }
+
+ private:
+    int controller_, library_;
+};
+
+// The connection in the first slot stays open. A message on it shows when the receive thread has come round.
+class Receiver {
+ public:
+    static Receiver& started() {
+        static Receiver only;
+        return only;
+    }
+    void come_round() {
+        std::atomic_ref count(Set_Arm_Power_Cmd[0].count);
+        count = 0;
+        wire_.send("{\"command\":\"set_arm_power\",\"arm_power\":true}\r\n");
+        wait_until([&] { return count.load() > 0; });
+    }
+
+ private:
+    Receiver() {
+        prctl(PR_SET_TIMERSLACK, 1UL);  // nanoseconds: a short sleep is short
+        listener.socket = -1;
+        ZK_API_Init(65, [](ArmMotionReport report) {
+            expect(report.report_type >= 1 && report.report_type <= 3, "a report has a type");
+        });
+        m_nOutTime = 10'000;  // a silence lets no call run out
+        Init_Socket_Joint(65, wire_.library());
+    }
+    Wire wire_;
+};
+
+// A connection for the time of one input, and one call at a time on it.
+class Arm {
+ public:
+    explicit Arm(int arm_mode) : receiver_(Receiver::started()) { Init_Socket_Joint(arm_mode, wire_.library()); }
+    ~Arm() {
+        wire_.send_no_more();
+        receiver_.come_round();
+        finish_call();
+        Arm_Socket_Close(wire_.library());
+        wait_until([] { return ZK_Queue_Empty(&Socket_Tx_Buffer) == 1; });
+        expect(m_nSockeRIinfosLen == 0, "a call takes its entry off the pending list");
+        forget();
+    }
+    Arm(const Arm&) = delete;
+    Arm& operator=(const Arm&) = delete;
+
+    void send(std::string_view slice) {
+        wire_.send(slice);
+        wait_until([&] { return wire_.is_read(); });
+    }
+    std::string requests() { return wire_.requests(); }
+    void come_round() { receiver_.come_round(); }
+
+    void call(const std::string& name, Input arguments) {
+        finish_call();
+        ended_ = false;
+        caller_ = std::thread([this, &command = command_of(name), arguments = std::move(arguments)] {
+            command(wire_.library(), arguments);
+            ended_ = true;
+        });
+    }
+    bool has_ended() const { return ended_; }
+    void finish_call() {
+        if (!caller_.joinable()) return;
+        wait_until([&] {
+            if (!ended_) pass(1000);
+            return ended_.load();
+        });
+        caller_.join();
+    }
+
+ private:
+    // An input finds the library as the one before did.
+    static void forget() {
+#define ZK_CLEAR(name) std::memset(static_cast<void*>(name), 0, 2 * sizeof name[0]);
+        ZK_EVERY_MAILBOX(ZK_CLEAR)
+#undef ZK_CLEAR
+        Algo_Init_Sys_Data(0, 0);
+        Tool_Matrix = Frame_Matrix = Matrix{};
+    }
+
+    Receiver& receiver_;
+    Wire wire_;
+    std::thread caller_;
+    std::atomic<bool> ended_{true};
+};
+
+}  // namespace zk::fuzz
+
+ZK_API int32_t Get_Program_Runtime(void) { return zk::fuzz::now; }
+ZK_API void sleep_cp(int32_t milliseconds) {
+    std::this_thread::sleep_for(std::chrono::microseconds(10 * std::min(milliseconds, 100)));
+}
