@@ -109,13 +109,15 @@ Transform<Real> work_T_tool(const Arm& arm, const std::array<Real, 7>& q) {
 }
 
 // Where the joints of a posture are, seen from the root.
+template <class Real>
 struct Axes {
-    Vector axis[7], at[7];
+    Vec3Of<Real> axis[7], at[7];
 };
 
-inline Frame root_T_end(const Arm& arm, const Joints& q, Axes& axes) {
+template <class Real>
+Transform<Real> root_T_end(const Arm& arm, const std::array<Real, 7>& q, Axes<Real>& axes) {
     return for_build(arm.build, [&]<Build build>() {
-        return walked<build>(arm, q, [&](int i, const Walk<double>& walk) {
+        return walked<build>(arm, q, [&](int i, const Walk<Real>& walk) {
             axes.axis[i] = Form<build>::kJoints[i].about_y ? walk.y : walk.z;
             axes.at[i] = walk.p;
         });
@@ -126,9 +128,11 @@ using damped::Jacobian;  // rows 1 to 3: velocity; rows 4 to 6: angular velocity
 
 // The Jacobian of a point, in the axes of the root. Column i is the turn of joint i: its axis, and the axis crossed
 // with the way from the joint to the point (A7). Columns beyond the arm's joints stay.
-inline void fill_jacobian(const Arm& arm, const Axes& axes, const Vector& point, Jacobian& J) {
+template <class Real>
+void fill_jacobian(const Arm& arm, const Axes<Real>& axes, const Vec3Of<Real>& point, zk::Jacobian<Real>& J) {
     for (int i = 0; i < arm.joints; ++i) {
-        const Vector axis = scaled(arm.sign[i], axes.axis[i]), velocity = cross(axis, minus(point, axes.at[i]));
+        const Vec3Of<Real> axis = scaled(Real(arm.sign[i]), axes.axis[i]),
+                           velocity = cross(axis, minus(point, axes.at[i]));
         for (int k = 0; k < 3; ++k) {
             J[k][i] = velocity[k];
             J[k + 3][i] = axis[k];
@@ -138,7 +142,7 @@ inline void fill_jacobian(const Arm& arm, const Axes& axes, const Vector& point,
 
 // The Jacobian of the tool tip.
 inline Jacobian tool_jacobian(const Arm& arm, const Joints& q) {
-    Axes axes;
+    Axes<double> axes;
     Jacobian J{};
     const Frame tool = root_T_end(arm, q, axes) * arm.end_T_tool;
     fill_jacobian(arm, axes, translation_of<double>(tool), J);

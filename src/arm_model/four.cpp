@@ -3,68 +3,17 @@
 #include "arm_model/four.h"
 
 #include "arm_model/chain.h"
+#include "arm_model/circle.h"
 #include "arm_model/pose.h"
 #include "arm_model/postures.h"
 #include "arm_model/zk_model.h"
 #include "zk/status.h"
 
 #ifdef __AVX2__
-#include <immintrin.h>
+#include "arm_model/four_numbers.h"
 
 namespace zk::arm {
 namespace {
-
-// A truth about each of four numbers.
-struct Mask {
-    __m256d bits;
-
-    friend Mask operator&&(Mask a, Mask b) { return {_mm256_and_pd(a.bits, b.bits)}; }
-    friend Mask operator||(Mask a, Mask b) { return {_mm256_or_pd(a.bits, b.bits)}; }
-    bool any() const { return _mm256_movemask_pd(bits) != 0; }
-    bool all() const { return _mm256_movemask_pd(bits) == 15; }
-    int rows() const { return _mm256_movemask_pd(bits); }
-};
-
-struct Four {
-    __m256d v;
-
-    Four() = default;
-    Four(__m256d values) : v(values) {}
-    Four(double value) : v(_mm256_set1_pd(value)) {}
-    // A column of rows of floats.
-    Four(const float* column, int stride)
-        : v(_mm256_cvtps_pd(_mm_setr_ps(column[0], column[stride], column[2 * stride], column[3 * stride]))) {}
-
-    friend Four operator+(Four a, Four b) { return a.v + b.v; }
-    friend Four operator-(Four a, Four b) { return a.v - b.v; }
-    friend Four& operator+=(Four& a, Four b) { return a = a + b; }
-    friend Four operator*(Four a, Four b) { return a.v * b.v; }
-    friend Four operator/(Four a, Four b) { return a.v / b.v; }
-    friend Four operator-(Four a) { return _mm256_xor_pd(a.v, _mm256_set1_pd(-0.0)); }
-    friend Mask operator<(Four a, Four b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_LT_OQ)}; }
-    friend Mask operator>(Four a, Four b) { return b < a; }
-    friend Mask operator<=(Four a, Four b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_LE_OQ)}; }
-    friend Mask operator>=(Four a, Four b) { return b <= a; }
-
-    friend Four sqrt(Four a) { return _mm256_sqrt_pd(a.v); }
-    friend Four fabs(Four a) { return _mm256_andnot_pd(_mm256_set1_pd(-0.0), a.v); }
-    friend Four copysign(Four size, Four sign) {
-        return _mm256_or_pd(fabs(size).v, _mm256_and_pd(_mm256_set1_pd(-0.0), sign.v));
-    }
-    friend Mask signbit(Four a) { return {a.v}; }  // select looks at the sign alone
-    friend Mask has_bit(Four a, long long bit, long long added = 0) {
-        const __m256i sum = _mm256_castpd_si256(a.v) + _mm256_set1_epi64x(added), one = _mm256_set1_epi64x(bit);
-        return {_mm256_castsi256_pd(_mm256_cmpeq_epi64(_mm256_and_si256(sum, one), one))};
-    }
-};
-
-Four select(Mask condition, Four yes, Four no) { return _mm256_blendv_pd(no.v, yes.v, condition.bits); }
-
-TurnOf<Four> turn_of(Four angle) { return bounded_turn(angle); }
-
-TurnOf<Four> select(Mask condition, TurnOf<Four> yes, TurnOf<Four> no) {
-    return {select(condition, yes.s, no.s), select(condition, yes.c, no.c)};
-}
 
 // A product with a transform that all four share.
 template <class A, class B>
@@ -207,6 +156,89 @@ void parallel_axes(const Arm& arm, const Transform<Four>& target, FourPlacing& p
     placing.demand(placing.least(0, both.other) >= d);
 }
 
+// As zk::axis_times_angle for less than half a turn.
+Vec3Of<Four> axis_times_angle(const Mat3Of<Four>& R, Mask& ordinary) {
+    constexpr double kNoDirection = 1e-9;
+    const Vec3Of<Four> l = {R[2][1] - R[1][2], R[0][2] - R[2][0], R[1][0] - R[0][1]};
+    const Four n = norm(l), trace = R[0][0] + R[1][1] + R[2][2];
+    const Mask has_direction = n > kNoDirection;
+    ordinary = ordinary && (has_direction || trace > 0);
+    double y[kFour], x[kFour];
+    _mm256_storeu_pd(y, n.v);
+    _mm256_storeu_pd(x, (trace - 1).v);
+    for (int k = 0; k < kFour; ++k) y[k] = std::atan2(y[k], x[k]);
+    return scaled(select(has_direction, Four(_mm256_loadu_pd(y)) / n, Four(0.5)), l);
+}
+
+// As zk::arm::refined in less than ten rounds and with no joint stopped at a limit.
+std::array<Four, 7> refined(const Arm& arm, const Transform<Four>& target, const Wanted& wanted,
+                            const std::array<Four, 7>& start, Mask& ordinary) {
+    constexpr int kRounds = 10;
+    std::array<Four, 7> q, scaled_q;
+    Joints scale, unscale;
+    for (int i = 0; i < 7; ++i) {
+        scale[i] = std::sqrt(wanted.weight[i]);
+        unscale[i] = 1 / scale[i];
+        scaled_q[i] = start[i] * scale[i];
+    }
+    Mask done = !ordinary;
+    for (int round = 0; round < kRounds; ++round) {
+        for (int i = 0; i < 7; ++i) q[i] = scaled_q[i] * unscale[i];
+        Axes<Four> axes;
+        zk::Jacobian<Four> J;
+        const Transform<Four> end = root_T_end(arm, q, axes);
+        fill_jacobian(arm, axes, translation_of<Four>(end), J);
+        for (auto& row : J) {
+            for (int i = 0; i < 7; ++i) row[i] = row[i] * unscale[i];
+        }
+        const Vec3Of<Four> p = minus(translation_of<Four>(target), translation_of<Four>(end));
+        const Vec3Of<Four> a =
+            axis_times_angle(product(rotation_of<Four>(target), transposed(rotation_of<Four>(end))), ordinary);
+        const damped::ErrorOf<Four> e = {p[0], p[1], p[2], a[0], a[1], a[2]};
+        if (round > 0) done = done || damped::all_below(e, kConverged, kConverged);
+        if (done.all()) return q;
+        const std::array<Four, 7> step = damped::free_step(J, e, damped::damping(e), {}, {}, {});
+        for (int i = 0; i < 7; ++i) {
+            const Four below = wanted.limits.lo[i] * scale[i] - scaled_q[i];
+            const Four above = wanted.limits.hi[i] * scale[i] - scaled_q[i];
+            ordinary = ordinary && (done || (step[i] <= above && step[i] >= below));
+            scaled_q[i] = select(done, scaled_q[i], scaled_q[i] + step[i]);
+        }
+        done = done || !ordinary;
+    }
+    ordinary = ordinary && done;
+    return q;
+}
+
+// Seven joints near the seed. As zk::arm::found_on_circle.
+std::array<Four, 7> near_seed(const Arm& arm, const Transform<Four>& target, const Wanted& wanted,
+                              const std::array<Four, 7>& seed, Mask& ordinary) {
+    std::array<Four, 7> start;
+    for (int i = 0; i < 7; ++i) {
+        const Four lo = wanted.limits.lo[i], hi = wanted.limits.hi[i];
+        start[i] = select(seed[i] < lo, lo, select(hi < seed[i], hi, seed[i]));
+    }
+    ordinary = ordinary && may_reach(arm, target) && !is_about_straight(arm, seed);
+    const std::array<Four, 7> q = refined(arm, target, wanted, start, ordinary);
+    Four distance = 0;
+    for (int i = 0; i < 7; ++i) distance += wanted.weight[i] * (q[i] - seed[i]) * (q[i] - seed[i]);
+    ordinary = ordinary && distance < kNearSeed;
+    return q;
+}
+
+// Six joints.
+std::array<Four, 7> by_closed_form(const Arm& arm, const Transform<Four>& target, const Wanted& wanted,
+                                   const std::array<Four, 7>& seed, Mask& ordinary) {
+    FourPlacing placing(arm, wanted, seed);
+    if (arm.build == Build::kSphericalWrist) {
+        spherical_wrist(arm, target, placing);
+    } else {
+        parallel_axes(arm, target, placing);
+    }
+    ordinary = ordinary && placing.ordinary() && !is_left_to_rounding(arm, target, placing.q(), seed);
+    return placing.q();
+}
+
 Mask is_finite(Four x) { return fabs(x) <= std::numeric_limits<double>::max(); }
 
 // The targets, and which of them are in order.
@@ -268,34 +300,26 @@ int inverse_four(const ZK_Model& model, const Pose* target, const float* seed, c
                  float* joint) {
     const Arm& arm = model.arm;
     Request request;
-    if (arm.joints != 6 || !read(model, seed, options, request)) return 0;
+    if (!read(model, seed, options, request)) return 0;
     if (request.max_step < kInfinity || request.min_manipulability > 0) return 0;
-    std::array<Four, 7> seeds;
+    std::array<Four, 7> seeds{};
     Mask ordinary = Four(0) <= Four(0);
-    for (int i = 0; i < 6; ++i) {
-        const Four degrees(seed + i, 6);
-        ordinary = ordinary && (degrees >= lowest_seed(model, i)) && (degrees <= highest_seed(model, i));
+    for (int i = 0; i < arm.joints; ++i) {
+        const Four degrees(seed + i, arm.joints);
+        ordinary = ordinary && degrees >= lowest_seed(model, i) && degrees <= highest_seed(model, i);
         seeds[i] = degrees * kRadiansPerDegree;
     }
     const Transform<Four> tool = frames_of(target, options.orientation == ZK_BY_EULER, ordinary);
     const Transform<Four> end = arm.root_T_work * tool * arm.tool_T_end;
-    FourPlacing placing(arm, request.wanted, seeds);
-    if (arm.build == Build::kSphericalWrist) {
-        spherical_wrist(arm, end, placing);
-    } else {
-        parallel_axes(arm, end, placing);
-    }
-    placing.demand(ordinary);
-    if (!placing.ordinary().any()) return 0;
-    __m128 degrees[6];
-    placing.demand(meet(model, tool, placing.q(), degrees));
-    const Mask unsteady = is_left_to_rounding(arm, end, placing.q(), seeds);
-    const int rows = placing.ordinary().rows() & ~unsteady.rows();
-    for (int i = 0; i < 6; ++i) {
+    const auto q = (arm.joints == 7 ? near_seed : by_closed_form)(arm, end, request.wanted, seeds, ordinary);
+    if (!ordinary.any()) return 0;
+    __m128 degrees[7];
+    const int rows = (ordinary && meet(model, tool, q, degrees)).rows();
+    for (int i = 0; i < arm.joints; ++i) {
         float four[kFour];
         _mm_storeu_ps(four, degrees[i]);
         for (int k = 0; k < kFour; ++k) {
-            if (rows & (1 << k)) joint[k * 6 + i] = four[k];
+            if (rows & (1 << k)) joint[k * arm.joints + i] = four[k];
         }
     }
     return rows;

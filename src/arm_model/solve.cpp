@@ -33,7 +33,6 @@ damped::Error difference(const Frame& from, const Frame& to) {
 }
 
 bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& q, const Joints& pull) {
-    constexpr double kMetres = 1e-6, kRadians = 1e-6;
     // In joints scaled by the roots of their weights the steps of least length are those of least weight.
     Joints scale, unscale, scaled, scaled_pull;
     Limits limits;
@@ -47,7 +46,7 @@ bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& 
     }
     const auto at = [&](const Joints& from, Jacobian& J) {
         for (int i = 0; i < 7; ++i) q[i] = from[i] * unscale[i];
-        Axes axes;
+        Axes<double> axes;
         const Frame end = root_T_end(arm, q, axes);
         J = {};
         fill_jacobian(arm, axes, translation_of<double>(end), J);
@@ -56,7 +55,7 @@ bool refined(const Arm& arm, const Frame& target, const Wanted& wanted, Joints& 
         }
         return difference(end, target);
     };
-    return damped::converge(at, limits, scaled_pull, kMetres, kRadians, scaled);
+    return damped::converge(at, limits, scaled_pull, kConverged, kConverged, scaled);
 }
 
 namespace {
@@ -220,28 +219,15 @@ bool refined_at_limit(const Arm& arm, const Frame& target, const Wanted& wanted,
     return refined(arm, target, wanted, q);
 }
 
-// An upper bound of the reach: it saves the search.
-bool is_far_out(const Arm& arm, const Frame& target) {
-    const Vector p = translation_of<double>(target);
-    return !(norm(p) < arm.upper + arm.fore + std::fabs(arm.link[5][0]) + kReachSlack);
-}
-
-// Where the elbow is about straight, postures that are nearer than that of the smallest steps may lie aside.
-bool is_about_straight(const Arm& arm, const Joints& q) {
-    constexpr double kStraight = 0.07;
-    return off_line(arm.sign[3] * q[3] + arm.shift[3] + arm.lean) < kStraight;
-}
-
 // From the seed, an iteration takes the smallest steps there are. Near the seed nothing is nearer; further away the
 // circle is searched for what is nearer.
 bool found_on_circle(const Arm& arm, const Frame& target, const Wanted& wanted, bool& reached, Joints& q) {
-    constexpr double kNear = 0.05;
     reached = false;
-    if (is_far_out(arm, target)) return false;
+    if (!may_reach(arm, target)) return false;
     q = clamped(wanted.seed, wanted.limits);
     Nearest nearest(arm, wanted);
     if (refined(arm, target, wanted, q)) nearest.offer(q);
-    if (nearest.bound() < kNear) {
+    if (nearest.bound() < kNearSeed) {
         if (is_about_straight(arm, wanted.seed)) pull_nearer(arm, target, wanted, nearest);
         q = nearest.best();
         return true;

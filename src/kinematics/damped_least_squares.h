@@ -11,23 +11,30 @@
 namespace zk::damped {
 
 using Joints = std::array<double, 7>;
-using Error = std::array<double, 6>;  // translation in metres, rotation in radians
+template <class Real>
+using ErrorOf = std::array<Real, 6>;  // translation in metres, rotation in radians
+using Error = ErrorOf<double>;
 using Jacobian = zk::Jacobian<double>;
 
-inline double squared(const Error& e) {
-    double sum = 0;
-    for (const double x : e) sum += x * x;
+template <class Real>
+Real squared(const ErrorOf<Real>& e) {
+    Real sum = 0;
+    for (const Real x : e) sum += x * x;
     return sum;
 }
 
-inline bool all_below(const Error& e, double metres, double radians) {
+template <class Real>
+auto all_below(const ErrorOf<Real>& e, double metres, double radians) {
     return e[0] * e[0] + e[1] * e[1] + e[2] * e[2] < metres * metres &&
            e[3] * e[3] + e[4] * e[4] + e[5] * e[5] < radians * radians;
 }
 
 // (8.3): half the squared error, so that steps are careful far away and those of Newton's method close by; and a floor
 // that keeps the system regular at a singular posture.
-inline double damping(const Error& e) { return 0.5 * squared(e) + 1e-12; }
+template <class Real>
+Real damping(const ErrorOf<Real>& e) {
+    return 0.5 * squared(e) + 1e-12;
+}
 
 struct Limits {
     Joints lo, hi;
@@ -47,12 +54,14 @@ inline Room room_of(const Joints& q, const Limits& limits) {
 }
 
 // Solves A y = b in place of b by Cholesky's method; the lower triangle of A is used up. A is positive definite.
-inline void solve(std::array<Error, 6>& A, Error& b) {
+template <class Real>
+void solve(std::array<ErrorOf<Real>, 6>& A, ErrorOf<Real>& b) {
+    using std::sqrt;
     for (int i = 0; i < 6; ++i) {
         for (int j = 0; j <= i; ++j) {
-            double sum = A[i][j];
+            Real sum = A[i][j];
             for (int k = 0; k < j; ++k) sum -= A[i][k] * A[j][k];
-            A[i][j] = i == j ? std::sqrt(sum) : sum / A[j][j];
+            A[i][j] = i == j ? sqrt(sum) : sum / A[j][j];
         }
         for (int k = 0; k < i; ++k) b[i] -= A[i][k] * b[k];
         b[i] /= A[i][i];
@@ -65,14 +74,15 @@ inline void solve(std::array<Error, 6>& A, Error& b) {
 
 // (8.2) for the free joints; the contribution of the held ones is subtracted from the error first. J J' is summed
 // column by column of J, so that the compiler can work on several rows at once.
-inline Joints free_step(const Jacobian& J, Error e, double damping, const Joints& pull, const std::array<bool, 7>& held,
-                        const Joints& of_held) {
-    Joints step;
-    std::array<Error, 6> A{};
+template <class Real>
+std::array<Real, 7> free_step(const zk::Jacobian<Real>& J, ErrorOf<Real> e, Real damping, const Joints& pull,
+                              const std::array<bool, 7>& held, const std::array<Real, 7>& of_held) {
+    std::array<Real, 7> step;
+    std::array<ErrorOf<Real>, 6> A{};
     for (int i = 0; i < 6; ++i) A[i][i] = damping;
     for (int k = 0; k < 7; ++k) {
-        step[k] = held[k] ? of_held[k] : pull[k];
-        Error column;
+        step[k] = held[k] ? of_held[k] : Real(pull[k]);
+        ErrorOf<Real> column;
         for (int i = 0; i < 6; ++i) {
             column[i] = J[i][k];
             e[i] -= column[i] * step[k];

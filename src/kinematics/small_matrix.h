@@ -69,7 +69,8 @@ Real dot(const Vec3Of<Real>& a, const Vec3Of<Real>& b) {
 
 template <class Real>
 Real norm(const Vec3Of<Real>& a) {
-    return std::sqrt(dot(a, a));
+    using std::sqrt;
+    return sqrt(dot(a, a));
 }
 
 template <class Real>
