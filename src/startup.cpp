@@ -103,7 +103,7 @@ int prepare_listener(ArmSocket s) {
 // Drops the replies to the slot's last connection. The receive thread may still dispatch one of them, and calls the
 // application while it does.
 int start_afresh(const Connection& connection) {
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    if (const int status = connection.status()) return status;
     const int32_t start = Get_Program_Runtime();
     for (Pause pause; dispatch_use.is_using(connection.slot()); pause.next()) {
         if (elapsed_since(start) >= read(m_nOutTime)) return ZK_TIMEOUT;

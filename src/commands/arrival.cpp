@@ -21,7 +21,7 @@ int early_refusal(const Connection& connection) {
     const Mailbox mailbox(Move_Receive_Cmd);
     for (;; sleep_cp(kPollMs)) {
         const bool arrived = has_arrived(mailbox, connection);
-        if (!connection.is_open()) return ZK_NOT_CONNECTED;
+        if (const int status = connection.status()) return status;
         if (!arrived) return ZK_OK;
         if (const int status = take_result(mailbox, connection, Take::kOne)) return status;
         if (elapsed_since(start) >= kAcknowledgementMs) return ZK_TIMEOUT;
@@ -31,8 +31,8 @@ int early_refusal(const Connection& connection) {
 }  // namespace
 
 int move_and_arrive(const Request& request, Trajectory expected, int32_t trajectory_connect) {
-    const Connection connection(request.socket());
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    const Wait connection(request.socket());
+    if (const int status = connection.status()) return status;
     Mailbox(Move_Cmd).clear(connection.slot());
     Mailbox(Move_Receive_Cmd).clear(connection.slot());
     post(request);
@@ -53,8 +53,8 @@ int move_and_arrive(const Request& request, Trajectory expected, int32_t traject
 
 int move_accepted(const Request& request) {
     Mailbox mailbox(Move_Receive_Cmd);
-    const Connection connection(request.socket());
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    const Wait connection(request.socket());
+    if (const int status = connection.status()) return status;
     post(request);
     mailbox.clear(connection.slot());  // after queueing: an acknowledgement of an earlier move does not count
     if (!arm_is_known()) return ZK_OK;
@@ -75,10 +75,10 @@ int await_report(const Connection& connection, Device device, const std::functio
     const auto reported = [&] { return has_arrived(Move_Cmd, connection); };
     for (;;) {
         const bool arrived = reported();
-        if (!connection.is_open()) return ZK_NOT_CONNECTED;
+        if (const int status = connection.status()) return status;
         if (arrived) {
             const MoveReport report = take_report(connection.slot());
-            if (!connection.is_open()) return ZK_NOT_CONNECTED;
+            if (const int status = connection.status()) return status;
             if (is_of(report, device) && report.trajectory_connect == 0) return report.result;
             continue;
         }
@@ -97,8 +97,8 @@ int await_report(const Connection& connection, Device device, const std::functio
 
 int move_device(const Request& request, Mailbox acknowledgement, const DeviceMove& form) {
     Mailbox reports(Move_Cmd);
-    const Connection connection(request.socket());
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    const Wait connection(request.socket());
+    if (const int status = connection.status()) return status;
     const int slot = connection.slot();
     if (!form.keeps_reports) reports.clear(slot);
     acknowledgement.clear(slot);
@@ -109,13 +109,13 @@ int move_device(const Request& request, Mailbox acknowledgement, const DeviceMov
         const bool acknowledged = has_arrived(acknowledgement, connection);
         const int refused = acknowledged ? acknowledgement.result(slot) : 0;
         const bool reported = has_arrived(reports, connection);
-        if (!connection.is_open()) return ZK_NOT_CONNECTED;
+        if (const int status = connection.status()) return status;
         if (acknowledged) {
             if (refused || reported) {
                 acknowledgement.clear(slot);
                 if (refused) return refused;
                 const MoveReport report = take_report(slot);
-                if (!connection.is_open()) return ZK_NOT_CONNECTED;
+                if (const int status = connection.status()) return status;
                 if (is_of(report, form.device)) return report.result;
                 if (!form.outwaits_others) return ZK_OTHER_DEVICE;
             }

@@ -68,12 +68,12 @@ int look_at_lift(ArmSocket s, MotionPoll& motion) {
 
 // Any report ends the wait, even an old one of another device.
 int axis_arrived(const Request& request) {
-    const Connection connection(request.socket());
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    const Wait connection(request.socket());
+    if (const int status = connection.status()) return status;
     post(request);
     if (const int status = await(Move_Cmd, connection, limit_beyond(kTravelMs))) return status;
     const MoveReport report = take_report(connection.slot());
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    if (const int status = connection.status()) return status;
     return is_of(report, Device::kExpansionAxis) ? report.result : int(ZK_OTHER_DEVICE);
 }
 
@@ -85,8 +85,8 @@ ZK_API int Set_Lift_Height(ArmSocket s, int32_t height, int32_t speed, bool bloc
     return guarded(block ? Set_Lift_Height_BLock : Set_Lift_Height_NonBLock, s, height, speed);
 }
 ZK_API int Set_Lift_Height_BLock(ArmSocket s, int32_t height, int32_t speed) {
-    const Connection connection(s);
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    const Wait connection(s);
+    if (const int status = connection.status()) return status;
     Mailbox(Move_Cmd).clear(connection.slot());
     post(lift(s, "set_lift_height", height, speed));
     return await_report(connection, Device::kLift, [s](MotionPoll& motion) { return look_at_lift(s, motion); });

@@ -88,7 +88,7 @@ int replay_status(const Connection& connection) {
     for (;;) {
         Get_Current_Trajectory(connection.socket(), &type, data);
         const bool arrived = has_arrived(mailbox, connection);
-        if (!connection.is_open()) return ZK_NOT_CONNECTED;
+        if (const int status = connection.status()) return status;
         const auto doing = static_cast<Doing>(type);
         if ((doing == Doing::kReplay || doing == Doing::kNothing) && arrived) return take_result(mailbox, connection);
         const int64_t limit = int64_t{read(m_nOutTime)} + kReplayLimitMs;
@@ -104,8 +104,8 @@ ZK_API int Run_Drag_Trajectory(ArmSocket s, bool block) {
     return guarded(block ? Run_Drag_Trajectory_Block : Run_Drag_Trajectory_NonBlock, s);
 }
 ZK_API int Run_Drag_Trajectory_Block(ArmSocket s) {
-    const Connection connection(s);
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    const Wait connection(s);
+    if (const int status = connection.status()) return status;
     Mailbox(Run_Drag_Trajectory_Cmd).clear(connection.slot());
     post({s, "run_drag_trajectory"});
     return replay_status(connection);

@@ -45,7 +45,7 @@ bool file_is_open() {
 
 // Opens the file, sends the request and waits for the announcement.
 int ask_for_points(const Connection& connection, const std::string& path, int32_t limit) {
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    if (const int status = connection.status()) return status;
     if (!open_file(path.c_str())) return ZK_FILE_NOT_CREATED;
     const size_t separator = last_separator(path);
     if (separator == path.npos) return ZK_BAD_PATH;
@@ -80,7 +80,7 @@ ZK_API int Save_Trajectory(ArmSocket s, const char* path, int32_t* total) {
 ZK_API int Save_Drag_Teach_File_Block_NC_E(ArmSocket s, const char* path, int32_t* total) {
     constexpr int32_t extra_ms = 30000;
     if (any_null(path, total)) return ZK_BAD_ARGUMENT;
-    const Connection connection(s);
+    const Wait connection(s);
     if (const int status = ask_for_points(connection, path, limit_beyond(extra_ms))) return status;
     Mailbox mailbox(Save_Trajectory_Cmd);
     const int slot = connection.slot();
@@ -95,7 +95,7 @@ ZK_API int Save_Drag_Teach_File_Block_NC_E(ArmSocket s, const char* path, int32_
 // Blocks too, but not as long, and leaves the file open when the controller refuses.
 ZK_API int Save_Drag_Teach_File_NonBlock(ArmSocket s, const char* path, int32_t* total) {
     if (any_null(path, total)) return ZK_BAD_ARGUMENT;
-    const Connection connection(s);
+    const Wait connection(s);
     if (const int status = ask_for_points(connection, path, read(m_nOutTime))) {
         if (status == ZK_TIMEOUT) close_file();
         return status;

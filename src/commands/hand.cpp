@@ -28,8 +28,8 @@ int arrived(Request request, Mailbox acknowledgement, int32_t reply_ms) {
 // A stream of values must not stop at a lost reply, so the limit is short.
 int followed(const Request& request, Mailbox mailbox) {
     constexpr int32_t poll_ms = 5, limit_ms = 100;
-    const Connection connection(request.socket());
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    const Wait connection(request.socket());
+    if (const int status = connection.status()) return status;
     mailbox.clear(connection.slot());
     post(request);
     return await_result(mailbox, connection, limit_ms, Take::kAll, poll_ms);

@@ -366,13 +366,13 @@ ZK_API int Auto_Fix_Joint_Over_Soft_Limit(ArmSocket s, bool block) {
 }
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit_Block(ArmSocket s) {
     Mailbox accepted(Auto_Fix_Joint_Over_Soft_Limit_Cmd), reports(Move_Cmd);
-    const Connection connection(s);
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    const Wait connection(s);
+    if (const int status = connection.status()) return status;
     reports.clear(connection.slot());
     post({s, "auto_fix_joint_over_soft_limit"});
     for (const int32_t start = Get_Program_Runtime();; sleep_cp(kPollMs)) {
         const bool acknowledged = has_arrived(accepted, connection), arrived = has_arrived(reports, connection);
-        if (!connection.is_open()) return ZK_NOT_CONNECTED;
+        if (const int status = connection.status()) return status;
         if (!acknowledged) {
             if (elapsed_since(start) >= read(m_nOutTime)) return ZK_TIMEOUT;
         } else if (accepted.result(connection.slot()) != ZK_OK) {
@@ -384,8 +384,8 @@ ZK_API int Auto_Fix_Joint_Over_Soft_Limit_Block(ArmSocket s) {
 }
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit_NonBlock(ArmSocket s) {
     Mailbox accepted(Auto_Fix_Joint_Over_Soft_Limit_Cmd);
-    const Connection connection(s);
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    const Wait connection(s);
+    if (const int status = connection.status()) return status;
     accepted.clear(connection.slot());
     post({s, "auto_fix_joint_over_soft_limit"});
     return await_result(accepted, connection, read(m_nOutTime), Take::kOne);

@@ -116,7 +116,7 @@ class Run {
     int wait() {
         for (;;) {
             const int refusal = refused();
-            if (!connection_.is_open()) return ZK_NOT_CONNECTED;
+            if (const int status = connection_.status()) return status;
             if (refusal) return refusal;
             ProgramRunState state{};
             const int status = Get_Program_Run_State(connection_.socket(), &state);
@@ -155,8 +155,8 @@ class Run {
 }  // namespace
 
 ZK_API int Set_Program_ID_Start_Block(ArmSocket s, int32_t id, int32_t speed) {
-    const Connection connection(s);
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    const Wait connection(s);
+    if (const int status = connection.status()) return status;
     Mailbox(Set_Program_ID_Start_Cmd).clear(connection.slot());
     Mailbox(Run_Finish_Cmd).clear(connection.slot());
     post(start(s, id, speed));

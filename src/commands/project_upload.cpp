@@ -67,7 +67,7 @@ int write_in_chunks(ByteStream& stream, const char* data, int32_t size, Progress
 }
 
 int send_bytes(const Connection& connection, const char* data, int32_t size, int32_t* err_line, Progress& progress) {
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    if (const int status = connection.status()) return status;
     Mailbox(Send_Project_Cmd).clear(connection.slot());
     write(Send_Project_Cmd[connection.slot()].value, 0);
     ByteStream stream = file_stream(connection);
@@ -119,7 +119,7 @@ int send_project(ArmSocket s, std::string path, const Program& program, bool wit
     }
     const Content content = read_file(path);
     if (!content.data) return ZK_FILE_UNREADABLE;
-    const Connection connection(s);
+    const Wait connection(s);
     if (const int status = announce(s, program, name, content.size)) return status;
     return send_bytes(connection, content.data.get(), content.size, err_line, progress);
 }

@@ -45,7 +45,7 @@ class StallDetector {
     int wait() {
         for (;;) {
             const bool reported = has_arrived(Move_Cmd, connection_);
-            if (!connection_.is_open()) return ZK_NOT_CONNECTED;
+            if (const int status = connection_.status()) return status;
             if (reported) {
                 const int status = report(connection_.slot());
                 return connection_.is_open() ? status : int(ZK_NOT_CONNECTED);
@@ -88,8 +88,8 @@ class StallDetector {
 }  // namespace
 
 int move_until_still(const Request& request) {
-    const Connection connection(request.socket());
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    const Wait connection(request.socket());
+    if (const int status = connection.status()) return status;
     Mailbox(Move_Cmd).clear(connection.slot());
     post(request);
     return StallDetector(connection).wait();

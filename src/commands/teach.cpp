@@ -60,8 +60,8 @@ ZK_API int Pos_Teach_Cmd(ArmSocket s, int32_t type, uint8_t direction, uint8_t v
 // Unlike all other waits, this one polls without a pause. The limit is the same.
 ZK_API int Pos_Teach_Cmd_Block(ArmSocket s, int32_t type, uint8_t direction, uint8_t v) {
     Mailbox mailbox(Pos_Teach_Cmd_Cmd);
-    const Connection connection(s);
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    const Wait connection(s);
+    if (const int status = connection.status()) return status;
     mailbox.clear(connection.slot());
     post(pos_teach(s, type, direction, v));
     return await_result(mailbox, connection, read(m_nOutTime), Take::kAll, 0);

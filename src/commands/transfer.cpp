@@ -64,7 +64,7 @@ int await_verdict(const Connection& connection, const ByteStream& stream, int wr
     IntReply reply;
     mailbox.clear(connection.slot());
     mailbox.copy(connection.slot(), &reply);
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    if (const int status = connection.status()) return status;
     if (err_line) *err_line = reply.value;
     return reply.result;
 }

@@ -53,7 +53,7 @@ int write_in_chunks(ByteStream& stream, FILE* file, Progress& progress) {
 }
 
 int send_bytes(const Connection& connection, const std::string& path, Progress& progress) {
-    if (!connection.is_open()) return ZK_NOT_CONNECTED;
+    if (const int status = connection.status()) return status;
     Mailbox(Send_Project_Cmd).clear(connection.slot());
     const File file(std::fopen(path.c_str(), "rb+"));
     if (!file) return ZK_FILE_UNREADABLE;
@@ -73,7 +73,7 @@ int send_update(ArmSocket s, const char* given_path, int32_t length, Progress pr
     file.reset();
     if (size >= 0) write(m_update_scale, 0);
     if (size < 1) return ZK_FILE_UNREADABLE;
-    const Connection connection(s);
+    const Wait connection(s);
     if (const int status = announce(s, path.substr(separator + 1), size)) return status;
     return send_bytes(connection, path, progress);
 }

@@ -19,18 +19,29 @@ constexpr int kPollMs = 10;
 
 ByteStream::ByteStream(const Connection& connection, int32_t silence_limit)
     : connection_(connection),
-      descriptor_(fcntl(connection.socket(), F_DUPFD_CLOEXEC, 0)),
+      line_(Line::of(connection.socket())),
+      descriptor_(line_ ? line_->duplicate(connection.socket()) : fcntl(connection.socket(), F_DUPFD_CLOEXEC, 0)),
       silence_limit_(silence_limit) {
     release_request();
+    if (line_) ++line_->transfers;
 }
 
 ByteStream::~ByteStream() {
+    if (line_) --line_->transfers;
     if (descriptor_ >= 0) close(descriptor_);
 }
 
 int ByteStream::write(const char* bytes, size_t size) {
+    const int status = write_all(bytes, size);
+    // The controller takes the next request for the rest of the file.
+    if (line_ && (status == ZK_CANCELLED || status == ZK_DEADLINE))
+        line_->lose(connection_.socket(), "a file transfer ended half-way");
+    return status;
+}
+
+int ByteStream::write_all(const char* bytes, size_t size) {
     while (size > 0) {
-        if (descriptor_ < 0 || !connection_.is_open()) return ZK_NOT_CONNECTED;
+        if (const int status = descriptor_ < 0 ? int(ZK_NOT_CONNECTED) : connection_.status()) return status;
         const ssize_t written = ::send(descriptor_, bytes, size, MSG_DONTROUTE | MSG_DONTWAIT | MSG_NOSIGNAL);
         if (written > 0) {
             bytes += written;
@@ -54,7 +65,7 @@ int ByteStream::wait_for_room() const {
     const int32_t start = Get_Program_Runtime();
     pollfd room{descriptor_, POLLOUT, 0};
     while (poll(&room, 1, kPollMs) <= 0) {
-        if (!connection_.is_open()) return ZK_NOT_CONNECTED;
+        if (const int status = connection_.status()) return status;
         if (elapsed_since(start) >= silence_limit_) return ZK_TIMEOUT;
     }
     return ZK_OK;

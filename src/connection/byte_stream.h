@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-#include "connection/slots.h"
+#include "connection/line.h"
 
 namespace zk {
 
@@ -17,16 +17,19 @@ class ByteStream {
     ByteStream(const ByteStream&) = delete;
     ByteStream& operator=(const ByteStream&) = delete;
 
-    // Returns 0; 5 when this end has closed the connection, 6 when the controller has, 7 when it read nothing.
+    // Returns 0; 5 when this end has closed the connection, 6 when the controller has, 7 when it read nothing; what
+    // ends a call on a connection of ZK_Connect.
     int write(const char* bytes, size_t size);
 
     // The controller has closed its end.
     bool is_closed_by_peer() const;
 
  private:
+    int write_all(const char* bytes, size_t size);
     int wait_for_room() const;
 
     Connection connection_;
+    Line* line_;  // null for a connection of Arm_Socket_Start
     int descriptor_;
     int32_t silence_limit_;
 };

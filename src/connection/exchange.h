@@ -6,14 +6,14 @@
 //   stream  writes a request to the socket at once, ahead of the queue, and waits for nothing
 //   pending waits on the pending list instead of a mailbox (pending.h)
 //
-// and their parts, `Connection`, `Mailbox` and `await`, for the waits of another shape.
+// and their parts, `Wait`, `Mailbox` and `await`, for the waits of another shape.
 #pragma once
 
-#include <cstddef>
 #include <optional>
 
+#include "connection/mailbox.h"
 #include "connection/request.h"
-#include "connection/slots.h"
+#include "connection/wait.h"
 #include "zk/mailboxes.h"
 #include "zk/status.h"
 
@@ -21,35 +21,6 @@ namespace zk {
 
 constexpr int32_t kPollMs = 10;
 constexpr int32_t kNoLimit = INT32_MAX;
-
-// A table of reply records, whatever their payload: count, result, then the payload's words.
-class Mailbox {
- public:
-    template <class Record>
-    Mailbox(Record (&table)[ZK_SLOTS]) : base_(reinterpret_cast<std::byte*>(table)), size_(sizeof(Record)) {
-        static_assert(offsetof(Record, count) == 0 && offsetof(Record, result) == 4 &&
-                      sizeof(Record) % sizeof(Word) == 0);
-    }
-
-    int count(int slot) const;  // payload and result of a reply are visible once this is above 0
-    int result(int slot) const;
-    void clear(int slot);  // takes all replies
-    void lower(int slot);  // takes one reply
-    void wipe(int slot);   // zeroes the whole record
-    void copy(int slot, void* record) const;
-
-    // The receive thread's side.
-    void fill(int slot, const void* record);  // the payload alone
-    void finish(int slot, int result);
-    void raise(int slot, bool add);  // by one, or to one
-
- private:
-    int32_t& word(int slot, int index) const;
-    std::byte* at(int slot) const { return base_ + static_cast<size_t>(slot) * size_; }
-
-    std::byte* base_;
-    size_t size_;
-};
 
 struct SetForm {
     std::optional<Mailbox> clears = {};  // the mailbox cleared before the request, where it is not the command's own

@@ -25,5 +25,6 @@ class InUse {
 
 inline InUse receive_use, realtime_use;  // of a descriptor, in calls that do not block or that the closer wakes
 inline InUse dispatch_use;               // of a slot, while a message of its connection is dispatched
+inline thread_local bool on_receive_thread = false;
 
 }  // namespace zk

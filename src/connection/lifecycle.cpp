@@ -1,4 +1,5 @@
 // Start and end of the library and of a connection, and the settings.
+#include "connection/line.h"
 #include "connection/realtime.h"
 #include "connection/slots.h"
 #include "connection/transmit.h"
@@ -63,6 +64,10 @@ ZK_API int ZK_API_UnInit() {
 
 ZK_API void Arm_Socket_Close(ArmSocket socket) {
     if (socket < 1) return;
+    if (is_handle(socket)) {
+        if (Line* line = Line::of(socket)) line->close(socket);
+        return;
+    }
     forget_connections(socket);
     stop_listening();
     forget_frames(socket);

@@ -94,9 +94,9 @@ int PendingEntry::wait(char (&reply)[300], const PendingForm& form) {
     for (;;) {
         sleep_cp(kPollMs);
         const bool timed_out = elapsed_since(start) >= limit_beyond(form.extra_ms);
-        if (timed_out || connection_.has_changed()) {
+        if (const int status = timed_out ? int(ZK_TIMEOUT) : connection_.status()) {
             give_up();
-            return timed_out ? ZK_TIMEOUT : ZK_NOT_CONNECTED;
+            return status;
         }
         if (take(reply)) return ZK_OK;
     }

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "connection/request.h"
-#include "connection/slots.h"
+#include "connection/wait.h"
 
 namespace zk {
 
@@ -29,7 +29,7 @@ class PendingEntry {
     bool take(char (&reply)[300]);
     void give_up();
 
-    Connection connection_;
+    Wait connection_;
     int key_code_;
     int index_ = 0;
     int status_ = 0;

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "connection/die.h"
+#include "connection/line.h"
 #include "connection/slots.h"
 
 namespace zk {
@@ -119,6 +120,7 @@ Frame Request::frame() const {
     if (!text) die("no memory for the request \"%s\"", command_);
     const size_t length = std::strlen(text.get());
     if (length + 3 > static_cast<size_t>(frame_size_)) {
+        if (is_handle(socket_)) return Frame{};
         die("the request \"%s\" takes %zu bytes, its frame holds %d", command_, length + 2, frame_size_ - 1);
     }
     Frame frame;

@@ -89,7 +89,7 @@ Self& Fields<Self>::objects(const char* key, int count, Fill fill) {
 // The text of a request as it goes on the wire: formatted print and CRLF.
 struct Frame {
     char text[1000];
-    int length;
+    int length = 0;
 };
 
 class Request : public Fields<Request> {
@@ -103,7 +103,7 @@ class Request : public Fields<Request> {
     Request& joints(const char* key, const float* degrees);
 
     ArmSocket socket() const { return socket_; }
-    // Ends the process when the text does not fit the frame.
+    // Ends the process when the text does not fit the frame; for a handle the frame is empty then, and refused.
     Frame frame() const;
 
  private:

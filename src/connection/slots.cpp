@@ -4,10 +4,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <mutex>
 
 #include "connection/in_use.h"
+#include "connection/line.h"
 #include "connection/transmit.h"
 #include "zk/status.h"
 
@@ -75,11 +75,36 @@ void forget_connections(ArmSocket socket) {
     const std::lock_guard guard(table_lock);
     const int slot = Get_Socket_Idx(socket);
     if (slot < 0) return;
-    std::for_each(SockInfo + slot, SockInfo + ZK_SLOTS, free_slot);
+    for (SocketSlot* later = SockInfo + slot; later != SockInfo + ZK_SLOTS; ++later) {
+        if (!is_handle(read(later->socket))) free_slot(*later);
+    }
     std::atomic_ref(m_nSockInfoLen).fetch_sub(1);
 }
 
+void forget_connection(ArmSocket socket) {
+    const std::lock_guard guard(table_lock);
+    const int slot = Get_Socket_Idx(socket);
+    if (slot < 0) return;
+    free_slot(SockInfo[slot]);
+    std::atomic_ref(m_nSockInfoLen).fetch_sub(1);
+}
+
+ArmSocket take_slot(int32_t arm_mode, const std::function<ArmSocket(int)>& prepare) {
+    const std::lock_guard guard(table_lock);
+    const int slot = Get_Socket_Idx(0);
+    if (slot < 0) return -1;
+    SocketSlot& free = SockInfo[slot];
+    write(free.arm_mode, arm_mode);
+    write(free.joint_count, has_seven_joints(arm_mode) ? 7 : 6);
+    generations[slot].fetch_add(1, std::memory_order_relaxed);
+    const ArmSocket socket = prepare(slot);
+    write(free.socket, socket, std::memory_order_release);  // from here on the receive thread reads it
+    std::atomic_ref(m_nSockInfoLen).fetch_add(1);
+    return socket;
+}
+
 void close_unused(int descriptor) {
+    wake_receiver();
     wait_for_frame();
     receive_use.wait_until_left(descriptor);
     realtime_use.wait_until_left(descriptor);
@@ -91,16 +116,9 @@ void close_unused(int descriptor) {
 using namespace zk;
 
 ZK_API int Init_Socket_Joint(int32_t arm_mode, int32_t socket) {
-    const std::lock_guard guard(table_lock);
-    const int slot = Get_Socket_Idx(0);
-    if (slot < 0) return -1;
-    SocketSlot& free = SockInfo[slot];
-    write(free.arm_mode, arm_mode);
-    write(free.joint_count, has_seven_joints(arm_mode) ? 7 : 6);
-    generations[slot].fetch_add(1, std::memory_order_relaxed);
-    write(free.socket, socket, std::memory_order_release);  // from here on the receive thread reads it
-    std::atomic_ref(m_nSockInfoLen).fetch_add(1);
-    return 0;
+    const bool taken = take_slot(arm_mode, [socket](int) { return socket; }) == socket;
+    wake_receiver();
+    return taken ? 0 : -1;
 }
 
 ZK_API int Get_Socket_Idx(int32_t socket) {

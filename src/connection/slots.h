@@ -1,6 +1,8 @@
 // Lookups and changes of the table of connections.
 #pragma once
 
+#include <functional>
+
 #include "connection/shared_memory.h"
 #include "zk/connection.h"
 
@@ -19,8 +21,11 @@ class Connection {
     ArmSocket socket() const { return socket_; }
     int slot() const { return slot_; }  // -1 when the socket was in no slot
     bool is_open() const { return slot_ >= 0 && !has_changed(); }
-    bool has_changed()
-        const;  // whether the socket is in another slot now, or in none, or belongs to a later connection
+    // Whether the socket is in another slot now, or in none, or belongs to a later connection.
+    bool has_changed() const;
+    // Why a wait on the connection has to end: 0; 5 when it is not open; on one of ZK_Connect also ZK_LOST, and for the
+    // call in progress on this thread ZK_CANCELLED and ZK_DEADLINE.
+    int status() const;
 
  private:
     Connection(ArmSocket socket, int slot, unsigned generation)
@@ -46,8 +51,15 @@ int request_joint_count(ArmSocket socket);
 
 inline bool sending_file() { return read(IsSendFile) == 1; }
 
-// Removes the connection from the table, and those in all later slots with it.
+// Takes a free slot. `prepare` gets the slot and returns the socket, before any thread finds it. Returns the socket, or
+// -1 when no slot is free.
+ArmSocket take_slot(int32_t arm_mode, const std::function<ArmSocket(int)>& prepare);
+
+// Removes the connection from the table, and those of Arm_Socket_Start in all later slots with it.
 void forget_connections(ArmSocket socket);
+
+// Removes this connection alone.
+void forget_connection(ArmSocket socket);
 
 // Closes a descriptor when no thread of the library is inside a call on it.
 void close_unused(int descriptor);

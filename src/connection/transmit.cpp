@@ -1,6 +1,4 @@
 // The entrance of the transmit queue, and the thread that empties it.
-#include <sys/socket.h>
-
 #include <atomic>
 #include <cstdio>
 #include <cstring>
@@ -8,9 +6,11 @@
 #include <string_view>
 
 #include "connection/die.h"
+#include "connection/line.h"
 #include "connection/slots.h"
 #include "connection/transmit.h"
 #include "zk/queue.h"
+#include "zk/status.h"
 
 using namespace zk;
 
@@ -31,8 +31,7 @@ std::string command_of(const char* text, size_t bytes) {
 }
 
 void write_frame(TxFrame& frame) {
-    send(frame.socket, bytes_of(frame), static_cast<size_t>(frame.length < 0 ? 0 : frame.length),
-         MSG_DONTWAIT | MSG_NOSIGNAL);
+    (void)send_now(frame.socket, bytes_of(frame), static_cast<size_t>(frame.length < 0 ? 0 : frame.length));
 }
 
 // True while WriteThread checks IsSendFile, takes a frame and writes it.
@@ -71,7 +70,7 @@ void zk::forget_frames(ArmSocket socket) {
     ZK_Mutex_UnLock();
 }
 
-ZK_API void Add_Queue(int32_t socket, const char* text, int32_t length) {
+int zk::enqueue(ArmSocket socket, const char* text, int32_t length) {
     const size_t bytes = length < 0 ? 0 : static_cast<size_t>(length);
     if (bytes > kLongestFrame) {
         die("the request \"%s\" takes %d bytes, the queue holds %zu", command_of(text, bytes).c_str(), length,
@@ -84,17 +83,25 @@ ZK_API void Add_Queue(int32_t socket, const char* text, int32_t length) {
     frame.socket = socket;
 
     ZK_Mutex_Lock();
-    if (!Socket_Tx_Buffer.base) {
-        ZK_Mutex_UnLock();
-        die("the request \"%s\" needs ZK_API_Init first, and again after ZK_API_UnInit",
-            command_of(text, bytes).c_str());
+    int status = Socket_Tx_Buffer.base ? ZK_OK : ZK_NOT_RUNNING;
+    if (status == ZK_OK) {
+        release_request();
+        if (!ZK_Enqueu(&Socket_Tx_Buffer, &frame)) status = ZK_SEND_FAILED;
     }
-    release_request();
-    if (!ZK_Enqueu(&Socket_Tx_Buffer, &frame)) {
+    ZK_Mutex_UnLock();
+    return status;
+}
+
+ZK_API void Add_Queue(int32_t socket, const char* text, int32_t length) {
+    const int status = enqueue(socket, text, length);
+    if (status == ZK_NOT_RUNNING) {
+        die("the request \"%s\" needs ZK_API_Init first, and again after ZK_API_UnInit",
+            command_of(text, length < 0 ? 0 : static_cast<size_t>(length)).c_str());
+    }
+    if (status == ZK_SEND_FAILED) {
         std::printf("enqueue socket:%d\r\n", socket);
         std::fflush(stdout);
     }
-    ZK_Mutex_UnLock();
 }
 
 ZK_API void* WriteThread(void*) {

@@ -4,6 +4,9 @@
 
 namespace zk {
 
+// Queues a frame. Returns 0; 2 without a transmit queue; 6 when it is full.
+int enqueue(ArmSocket socket, const char* text, int32_t length);
+
 // Drops the queued frames of a socket, since its number may become that of another arm.
 void forget_frames(ArmSocket socket);
 

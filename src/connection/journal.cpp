@@ -1,0 +1,61 @@
+#include "connection/journal.h"
+
+#include <atomic>
+#include <cctype>
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+
+namespace zk {
+namespace {
+
+// Never destroyed: the library's threads run to the end of the process.
+auto& log_callback = *new Callback<ZK_LogCallback>;
+auto& connection_callback = *new Callback<ZK_ConnectionCallback>;
+std::atomic<int> level_in_use{0};
+
+const char* name_of(ZK_ConnectionState state) {
+    return state == ZK_CONNECTION_UP ? "up" : state == ZK_CONNECTION_LOST ? "lost" : "closed";
+}
+
+}  // namespace
+
+void set_log(ZK_LogCallback callback, void* context, ZK_LogLevel level) {
+    level_in_use.store(callback ? level : 0, std::memory_order_relaxed);
+    log_callback.set(callback, context);
+}
+
+bool is_logged(ZK_LogLevel level) { return level <= level_in_use.load(std::memory_order_relaxed); }
+
+void log(ZK_LogLevel level, ArmSocket arm, const char* format, ...) {
+    if (!is_logged(level)) return;
+    char text[256];
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(text, sizeof text, format, arguments);
+    va_end(arguments);
+    log_callback.call(level, arm, static_cast<const char*>(text));
+}
+
+void log_frame(ArmSocket arm, Way way, const char* bytes, size_t size) {
+    if (!is_logged(ZK_LOG_FRAMES)) return;
+    std::string text = way == Way::kSent ? "> " : "< ";
+    for (size_t i = 0; i < size; ++i) {
+        const auto byte = static_cast<unsigned char>(bytes[i]);
+        if (std::isprint(byte) && (byte != ' ' || text.back() != ' ')) text += bytes[i];
+        if (std::isspace(byte) && text.back() != ' ') text += ' ';
+    }
+    if (text.back() == ' ' && text.size() > 2) text.pop_back();
+    log_callback.call(ZK_LOG_FRAMES, arm, text.c_str());
+}
+
+void set_connection_callback(ZK_ConnectionCallback callback, void* context) {
+    connection_callback.set(callback, context);
+}
+
+void report_change(ArmSocket arm, ZK_ConnectionState state, const char* cause) {
+    log(ZK_LOG_EVENTS, arm, "%s%s%s", name_of(state), *cause ? ": " : "", cause);
+    connection_callback.call(arm, state, cause);
+}
+
+}  // namespace zk

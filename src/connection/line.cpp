@@ -1,0 +1,173 @@
+#include "connection/line.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+#include "connection/in_use.h"
+#include "connection/journal.h"
+#include "connection/transmit.h"
+#include "connection/wait.h"
+#include "zk/mailboxes.h"
+
+namespace zk {
+namespace {
+
+constexpr int kSlotBits = 5;
+constexpr unsigned kGenerations = 1u << (30 - kSlotBits);
+constexpr int kMostUnanswered = 3;
+static_assert(ZK_SLOTS <= 1 << kSlotBits);
+
+std::array<Line, ZK_SLOTS>& lines() {
+    static auto& only = *new std::array<Line, ZK_SLOTS>;  // never destroyed: the receive thread outlives main
+    return only;
+}
+
+ArmSocket next_handle(int slot) {
+    static std::array<unsigned, ZK_SLOTS> opened{};  // the table of connections is locked
+    const unsigned generation = ++opened[static_cast<size_t>(slot)] % kGenerations;
+    return kFirstHandle | static_cast<ArmSocket>(generation << kSlotBits) | slot;
+}
+
+ssize_t send_on(int descriptor, const char* bytes, size_t size) {
+    return ::send(descriptor, bytes, size, MSG_DONTWAIT | MSG_NOSIGNAL);
+}
+
+}  // namespace
+
+Line& Line::at(int slot) { return lines()[static_cast<size_t>(slot)]; }
+
+Line* Line::of(ArmSocket handle) {
+    const int slot = is_handle(handle) ? handle & ((1 << kSlotBits) - 1) : ZK_SLOTS;
+    return slot < ZK_SLOTS && at(slot).handle() == handle ? &at(slot) : nullptr;
+}
+
+ArmSocket Line::open(int descriptor, int32_t arm_mode, const Heartbeat& heartbeat) {
+    return take_slot(arm_mode, [&](int slot) {
+        const ArmSocket handle = next_handle(slot);
+        forget_round_trips(slot);
+        Line& line = at(slot);
+        const std::lock_guard guard(line.lock_);
+        line.cause_.clear();
+        line.traffic_.reset();
+        line.heartbeat_ = heartbeat;
+        line.replies_due_ = 0;
+        line.transfers = 0;
+        line.lost_.store(false);
+        line.heard(0);
+        line.descriptor_.store(descriptor, std::memory_order_release);
+        line.handle_.store(handle, std::memory_order_release);
+        return handle;
+    });
+}
+
+std::string Line::cause() const {
+    const std::lock_guard guard(lock_);
+    return cause_;
+}
+
+ssize_t Line::send(ArmSocket handle, const char* bytes, size_t size) {
+    ssize_t sent = -1;
+    int error = EBADF;
+    {
+        const std::lock_guard guard(lock_);
+        if (handle_ == handle && !lost_) {
+            sent = send_on(descriptor_, bytes, size);
+            error = errno;
+        }
+    }
+    if (sent < 0 && (error == EPIPE || error == ECONNRESET)) lose(handle, "the controller closed the connection");
+    if (sent > 0 && static_cast<size_t>(sent) < size) lose(handle, "the controller reads nothing: a frame went out in part");
+    if (sent <= 0) {
+        ++traffic_.dropped;
+        return sent;
+    }
+    ++traffic_.frames_sent;
+    traffic_.bytes_sent += sent;
+    return sent;
+}
+
+int Line::duplicate(ArmSocket handle) {
+    const std::lock_guard guard(lock_);
+    return handle_ == handle && !lost_ ? fcntl(descriptor_, F_DUPFD_CLOEXEC, 0) : -1;
+}
+
+void Line::lose(ArmSocket handle, const char* cause) {
+    {
+        const std::lock_guard guard(lock_);
+        if (handle_ != handle || lost_) return;
+        cause_ = cause;
+        lost_.store(true, std::memory_order_release);
+        shutdown(descriptor_, SHUT_RDWR);
+    }
+    report_change(handle, ZK_CONNECTION_LOST, cause);
+}
+
+bool Line::close(ArmSocket handle) {
+    int descriptor = -1;
+    {
+        const std::lock_guard guard(lock_);
+        if (handle_ != handle) return false;
+        handle_.store(0, std::memory_order_release);
+        descriptor = descriptor_.exchange(-1);
+        shutdown(descriptor, SHUT_RDWR);
+    }
+    const int slot = slot_of(handle);
+    forget_connection(handle);
+    forget_frames(handle);
+    wake_receiver();
+    receive_use.wait_until_left(descriptor);
+    if (!on_receive_thread) dispatch_use.wait_until_left(slot);
+    ::close(descriptor);
+    report_change(handle, ZK_CONNECTION_CLOSED, "");
+    return true;
+}
+
+void Line::heard(ssize_t bytes) {
+    traffic_.bytes_received += bytes;
+    unanswered_ = 0;
+    last_beat_ = Clock::now().time_since_epoch().count();
+}
+
+int Line::beat() {
+    const auto period = heartbeat_.period;
+    if (period.count() == 0 || is_lost()) return -1;
+    const auto next = Clock::time_point(Clock::duration(last_beat_.load())) + period;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now()).count();
+    if (left > 0) return static_cast<int>(left);
+    if (unanswered_ == kMostUnanswered) {
+        lose(handle(), "the controller fell silent: it answers no heartbeat");
+        return -1;
+    }
+    last_beat_ = Clock::now().time_since_epoch().count();
+    ++unanswered_;
+    ++replies_due_;
+    send(handle(), heartbeat_.request.data(), heartbeat_.request.size());
+    return static_cast<int>(period.count());
+}
+
+bool Line::takes(int slot, const char* message) {
+    ++traffic_.messages_received;
+    // A call that waits for the same query may as well have the reply to a heartbeat.
+    if (replies_due_ > 0 && std::strstr(message, heartbeat_.reply) &&
+        !(heartbeat_.mailbox && is_claimed(slot, *heartbeat_.mailbox))) {
+        --replies_due_;
+        return false;
+    }
+    if (Get_Json_KeyCode(message) == 0) ++traffic_.unmatched;
+    return true;
+}
+
+ssize_t send_now(ArmSocket socket, const char* bytes, size_t size) {
+    errno = EBADF;
+    Line* line = Line::of(socket);
+    const ssize_t sent = !is_handle(socket) ? send_on(socket, bytes, size) : line ? line->send(socket, bytes, size) : -1;
+    if (sent > 0) log_frame(socket, Way::kSent, bytes, static_cast<size_t>(sent));
+    return sent;
+}
+
+}  // namespace zk

@@ -1,0 +1,94 @@
+// Handles of ZK_Connect, and what the library knows of such a connection beyond its slot. A handle is no descriptor: it
+// holds the slot and a generation, and never comes back.
+#pragma once
+
+#include <sys/types.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "connection/mailbox.h"
+#include "connection/slots.h"
+
+namespace zk {
+
+constexpr ArmSocket kFirstHandle = 1 << 30;
+inline bool is_handle(ArmSocket socket) { return socket >= kFirstHandle; }
+
+struct Traffic {
+    std::atomic<int64_t> frames_sent{0}, bytes_sent{0}, messages_received{0}, bytes_received{0};
+    std::atomic<int64_t> unmatched{0}, dropped{0}, late{0};
+
+    void reset() {
+        for (auto* count : {&frames_sent, &bytes_sent, &messages_received, &bytes_received, &unmatched, &dropped, &late})
+            count->store(0);
+    }
+};
+
+// A query that changes nothing, written in each silent period. Its replies reach no call.
+struct Heartbeat {
+    std::chrono::milliseconds period{0};  // 0: none
+    std::string request;
+    const char* reply = "";         // literal of its reply
+    std::optional<Mailbox> mailbox;  // of the calls that make the same query
+};
+
+class Line {
+ public:
+    // Takes a slot and the descriptor. Returns the handle, or -1 when all slots are taken.
+    static ArmSocket open(int descriptor, int32_t arm_mode, const Heartbeat& heartbeat);
+    // The line of a handle, or null when the connection is closed.
+    static Line* of(ArmSocket handle);
+    static Line& at(int slot);
+
+    ArmSocket handle() const { return handle_.load(std::memory_order_acquire); }
+    bool is_lost() const { return lost_.load(std::memory_order_acquire); }
+    std::string cause() const;  // why it is lost
+    const Traffic& traffic() const { return traffic_; }
+    Traffic& traffic() { return traffic_; }
+
+    // Writes without waiting. Returns what send does; -1 on a line that is lost or closed. A frame that the system takes
+    // in part loses the line, since the rest cannot follow later.
+    ssize_t send(ArmSocket handle, const char* bytes, size_t size);
+    int duplicate(ArmSocket handle);  // a descriptor of its own for the same connection, or -1
+    void lose(ArmSocket handle, const char* cause);  // reports the change once
+    bool close(ArmSocket handle);                    // false when another thread has closed it
+
+    // The receive thread's side: the descriptor, whose reads enter receive_use.
+    int descriptor() const { return descriptor_.load(std::memory_order_acquire); }
+    void heard(ssize_t bytes);
+    bool takes(int slot, const char* message);  // false for the reply to a heartbeat; counts
+    // Sends the heartbeat when its time has come; loses the line after three without an answer. Returns the
+    // milliseconds to the next, or -1.
+    int beat();
+
+    // The calls that are in progress end when this changes.
+    std::atomic<unsigned> cancels{0};
+    std::atomic<int> transfers{0};  // files on the way
+
+ private:
+    using Clock = std::chrono::steady_clock;
+
+    mutable std::mutex lock_;  // held for a write that does not wait, and while the descriptor changes
+    std::atomic<ArmSocket> handle_{0};
+    std::atomic<int> descriptor_{-1};
+    std::atomic<bool> lost_{false};
+    std::string cause_;
+    Traffic traffic_;
+    Heartbeat heartbeat_;
+    std::atomic<Clock::rep> last_beat_{0};  // or the last bytes
+    std::atomic<int> unanswered_{0}, replies_due_{0};
+};
+
+// Sends on a connection of either kind, without waiting.
+ssize_t send_now(ArmSocket socket, const char* bytes, size_t size);
+
+// Wakes the receive thread from its wait, after the table of connections has changed. Any thread.
+void wake_receiver();
+
+}  // namespace zk

@@ -1,0 +1,53 @@
+// Blocking calls. A call belongs to the connection on which it was made, and ends when that is closed. On a connection
+// of ZK_Connect it also ends when the connection is lost, when it is cancelled and at its deadline, and it shares the
+// connection with the calls of other threads by a rule.
+#pragma once
+
+#include <cstdint>
+
+#include "connection/mailbox.h"
+#include "connection/slots.h"
+
+namespace zk {
+
+// What a thread does when another thread's call has the mailbox: it waits for its turn, or returns ZK_BUSY.
+enum class Sharing { kInTurn, kAlone };
+
+class Wait : public Connection {
+ public:
+    // The outermost call of a thread notes how often the calls of the connection were cancelled and when it has to end;
+    // calls within it end with it.
+    explicit Wait(ArmSocket socket);
+    ~Wait();
+    Wait(const Wait&) = delete;
+    Wait& operator=(const Wait&) = delete;
+
+    // Takes a mailbox until the call ends. Returns 0; a status of the connection; ZK_BUSY. Call it before the request is
+    // queued. Without effect on a connection of Arm_Socket_Start.
+    int claim(Mailbox mailbox, Sharing sharing = Sharing::kInTurn) const;
+};
+
+// Sleeps, in short steps where the wait may be ended early.
+void pause(const Connection& connection, int32_t milliseconds);
+
+// The bound of the blocking calls of a connection, from their beginning. `expired` is called once at the end of a call
+// by its deadline; null for none.
+struct Deadline {
+    int32_t milliseconds = 0;  // 0: none
+    void (*expired)(ArmSocket) = nullptr;
+};
+void set_deadline_of_thread(ArmSocket handle, const Deadline& deadline);
+void set_deadline_of_all(ArmSocket handle, const Deadline& deadline);
+
+// The receive thread's side: notes the arrival of the replies that calls wait for.
+void note_arrivals(int slot);
+bool is_claimed(int slot, Mailbox mailbox);
+
+// Milliseconds from the request to the reply: last, median of the last ones, worst.
+struct RoundTrips {
+    double last = 0, median = 0, worst = 0;
+};
+RoundTrips round_trips(int slot);
+void forget_round_trips(int slot);
+
+}  // namespace zk
