@@ -15,6 +15,7 @@
 #include "connection/realtime.h"
 #include "connection/slots.h"
 #include "routes.h"
+#include "startup.h"
 #include "zk/algorithm.h"
 #include "zk/arm_state.h"
 #include "zk/frames.h"
@@ -51,21 +52,16 @@ int learn_model(ArmSocket s) {
     ArmSoftwareInfo info{};
     if (const int status = Get_Arm_Software_Info(s, &info)) return status;
     recognise_model(info.product_version);
-    Algo_Init_Sys_Data(Curr_Robot_Type, Curr_Senser_Type);
-    write(g_is_robot_type_i, uint8_t{1});
+    select_model();
     return ZK_OK;
 }
 
 int learn_frames(ArmSocket s) {
-    FrameRec tool{}, work{}, held{};
+    FrameRec tool{}, work{};
     if (const int status = Get_Current_Tool_Frame(s, &tool)) return status;
-    Algo_Set_ToolFrame(&tool);
-    Algo_Get_Curr_ToolFrame(&held);
-    g_tool_pose = held.pose;
+    put_tool(tool);
     if (const int status = Get_Current_Work_Frame(s, &work)) return status;
-    Algo_Set_WorkFrame(&work);
-    Algo_Get_Curr_WorkFrame(&held);
-    g_work_pose = held.pose;
+    put_work_frame(work);
     // These replace what the receive thread stored from the same replies.
     Tool_Matrix = Algo_Pos2Matrix(tool.pose);
     Frame_Matrix = Algo_Pos2Matrix(work.pose);
@@ -100,18 +96,6 @@ int prepare_listener(ArmSocket s) {
     return listen_on(config.port);
 }
 
-// Drops the replies to the slot's last connection. The receive thread may still dispatch one of them, and calls the
-// application while it does.
-int start_afresh(const Connection& connection) {
-    if (const int status = connection.status()) return status;
-    const int32_t start = Get_Program_Runtime();
-    for (Pause pause; dispatch_use.is_using(connection.slot()); pause.next()) {
-        if (elapsed_since(start) >= read(m_nOutTime)) return ZK_TIMEOUT;
-    }
-    forget_replies(connection.slot());
-    return ZK_OK;
-}
-
 // Everything from a connected socket to a usable connection, but the listener.
 int converse(ArmSocket socket) {
     if (Init_Socket_Joint(read(CUR_ARM_MODE), socket) != 0) return ZK_TABLE_FULL;
@@ -131,6 +115,40 @@ int tcp_socket() {
 
 }  // namespace
 
+void zk::select_model() {
+    Algo_Init_Sys_Data(Curr_Robot_Type, Curr_Senser_Type);
+    write(g_is_robot_type_i, uint8_t{1});
+}
+
+void zk::put_tool(FrameRec& tool) {
+    FrameRec held{};
+    Algo_Set_ToolFrame(&tool);
+    Algo_Get_Curr_ToolFrame(&held);
+    g_tool_pose = held.pose;
+}
+
+void zk::put_work_frame(FrameRec& work) {
+    FrameRec held{};
+    Algo_Set_WorkFrame(&work);
+    Algo_Get_Curr_WorkFrame(&held);
+    g_work_pose = held.pose;
+}
+
+std::mutex& zk::start_lock() {
+    static auto& only = *new std::mutex;
+    return only;
+}
+
+int zk::start_afresh(const Connection& connection) {
+    if (const int status = connection.status()) return status;
+    const int32_t start = Get_Program_Runtime();
+    for (Pause pause; dispatch_use.is_using(connection.slot()); pause.next()) {
+        if (elapsed_since(start) >= read(m_nOutTime)) return ZK_TIMEOUT;
+    }
+    forget_replies(connection.slot());
+    return ZK_OK;
+}
+
 ZK_API ArmSocket Arm_Socket_Start(const char* address, int32_t port, int32_t /*timeout*/) {
     const int descriptor = tcp_socket();
     if (descriptor <= 0 || descriptor > 100000) return ZK_NO_SOCKET;
@@ -138,9 +156,7 @@ ZK_API ArmSocket Arm_Socket_Start(const char* address, int32_t port, int32_t /*t
         Arm_Socket_Close(descriptor);
         return ZK_NOT_CONNECTED;
     }
-    // One at a time, since the process has one model and one listener; and a close frees the slots after its own.
-    static std::mutex one_at_a_time;
-    const std::lock_guard guard(one_at_a_time);
+    const std::lock_guard guard(start_lock());
     if (const int status = converse(descriptor)) {
         Arm_Socket_Close(descriptor);
         return status;

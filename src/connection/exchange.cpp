@@ -59,6 +59,12 @@ int32_t limit_beyond(int32_t milliseconds) {
 
 static int32_t limit_of(int32_t limit) { return limit > 0 ? limit : read(m_nOutTime); }
 
+// A call on a connection of ZK_Connect whose reply did not come in time is counted.
+static int counted(const Connection& connection, int status) {
+    if (status == ZK_TIMEOUT && is_handle(connection.socket())) ++Line::at(connection.slot()).traffic().late;
+    return status;
+}
+
 int set(const Request& request, Mailbox mailbox, const SetForm& form) {
     if (slot_of(request.socket()) < 0) return ZK_NOT_CONNECTED;
     return set(request.socket(), request.frame(), mailbox, form);
@@ -75,7 +81,7 @@ int set(ArmSocket socket, const Frame& frame, Mailbox mailbox, const SetForm& fo
     } else if (const int status = post(socket, frame)) {
         return status;
     }
-    return await_result(mailbox, connection, limit_of(form.limit));
+    return counted(connection, await_result(mailbox, connection, limit_of(form.limit)));
 }
 
 int exchange(const Request& request, Mailbox mailbox, const QueryForm& form, void* record, bool& arrived) {
@@ -86,7 +92,7 @@ int exchange(const Request& request, Mailbox mailbox, const QueryForm& form, voi
     if (form.clears_before || has_own_way) mailbox.clear(slot);
 
     if (const int status = post(request)) return status;
-    if (const int status = await(mailbox, connection, limit_of(form.limit))) return status;
+    if (const int status = await(mailbox, connection, limit_of(form.limit))) return counted(connection, status);
     form.clears_after || has_own_way ? mailbox.clear(slot) : mailbox.lower(slot);
     mailbox.copy(slot, record);
     int result = mailbox.result(slot);

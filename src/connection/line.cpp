@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include "connection/in_use.h"
 #include "connection/journal.h"
@@ -46,8 +47,8 @@ Line* Line::of(ArmSocket handle) {
     return slot < ZK_SLOTS && at(slot).handle() == handle ? &at(slot) : nullptr;
 }
 
-ArmSocket Line::open(int descriptor, int32_t arm_mode, const Heartbeat& heartbeat) {
-    return take_slot(arm_mode, [&](int slot) {
+ArmSocket Line::open(int descriptor, int32_t arm_mode, const Heartbeat& heartbeat, std::string received) {
+    const ArmSocket handle = take_slot(arm_mode, [&](int slot) {
         const ArmSocket handle = next_handle(slot);
         forget_round_trips(slot);
         Line& line = at(slot);
@@ -55,14 +56,23 @@ ArmSocket Line::open(int descriptor, int32_t arm_mode, const Heartbeat& heartbea
         line.cause_.clear();
         line.traffic_.reset();
         line.heartbeat_ = heartbeat;
+        line.received_ = std::move(received);
         line.replies_due_ = 0;
         line.transfers = 0;
+        line.stops_at_exit = false;
         line.lost_.store(false);
         line.heard(0);
         line.descriptor_.store(descriptor, std::memory_order_release);
         line.handle_.store(handle, std::memory_order_release);
         return handle;
     });
+    wake_receiver();
+    return handle;
+}
+
+std::string Line::take_received() {
+    const std::lock_guard guard(lock_);
+    return std::exchange(received_, {});
 }
 
 std::string Line::cause() const {
@@ -113,6 +123,7 @@ bool Line::close(ArmSocket handle) {
         const std::lock_guard guard(lock_);
         if (handle_ != handle) return false;
         handle_.store(0, std::memory_order_release);
+        stops_at_exit = false;
         descriptor = descriptor_.exchange(-1);
         shutdown(descriptor, SHUT_RDWR);
     }

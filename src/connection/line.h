@@ -40,8 +40,9 @@ struct Heartbeat {
 
 class Line {
  public:
-    // Takes a slot and the descriptor. Returns the handle, or -1 when all slots are taken.
-    static ArmSocket open(int descriptor, int32_t arm_mode, const Heartbeat& heartbeat);
+    // Takes a slot and the descriptor. `received` is what was read of it and is no message yet. Returns the handle, or -1
+    // when all slots are taken.
+    static ArmSocket open(int descriptor, int32_t arm_mode, const Heartbeat& heartbeat, std::string received);
     // The line of a handle, or null when the connection is closed.
     static Line* of(ArmSocket handle);
     static Line& at(int slot);
@@ -61,6 +62,7 @@ class Line {
 
     // The receive thread's side: the descriptor, whose reads enter receive_use.
     int descriptor() const { return descriptor_.load(std::memory_order_acquire); }
+    std::string take_received();
     void heard(ssize_t bytes);
     bool takes(int slot, const char* message);  // false for the reply to a heartbeat; counts
     // Sends the heartbeat when its time has come; loses the line after three without an answer. Returns the
@@ -70,6 +72,7 @@ class Line {
     // The calls that are in progress end when this changes.
     std::atomic<unsigned> cancels{0};
     std::atomic<int> transfers{0};  // files on the way
+    std::atomic<bool> stops_at_exit{false};
 
  private:
     using Clock = std::chrono::steady_clock;
@@ -81,6 +84,7 @@ class Line {
     std::string cause_;
     Traffic traffic_;
     Heartbeat heartbeat_;
+    std::string received_;
     std::atomic<Clock::rep> last_beat_{0};  // or the last bytes
     std::atomic<int> unanswered_{0}, replies_due_{0};
 };

@@ -79,6 +79,8 @@ class SlotReader {
         line_ = is_handle(connection.socket()) ? Line::of(connection.socket()) : nullptr;
         length_ = whole_ = 0;
         overlong_ = ended_ = false;
+        if (line_) length_ = static_cast<int>(line_->take_received().copy(text_, kLongestMessage - 1 - kChunk));
+        last_byte_ = Get_Program_Runtime();
     }
 
     // Appends up to a chunk to the text. A zero byte ends a read.

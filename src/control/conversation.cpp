@@ -153,7 +153,7 @@ constexpr ModelMode kModes[] = {{0, 6, 65}, {1, 7, 75}, {3, 6, 631}, {5, 6, 651}
 class Learner {
  public:
     Learner(int32_t arm_mode, Attempt& attempt, Introduction& arm)
-        : arm_mode_(arm_mode), attempt_(attempt), arm_(arm), talk_(arm.line.descriptor.get(), attempt) {}
+        : arm_mode_(arm_mode), attempt_(attempt), arm_(arm), talk_(arm.peer.descriptor.get(), attempt) {}
 
     int run() {
         for (const auto step : {&Learner::product, &Learner::tool, &Learner::work, &Learner::mounting, &Learner::limits,
@@ -262,7 +262,7 @@ class Learner {
 int converse(const char* host, int32_t port, int32_t arm_mode, Attempt& attempt, Introduction& out) {
     try {
         Introduction arm;
-        if (const int status = dial(host, port, attempt, arm.line)) return status;
+        if (const int status = dial(host, port, attempt, arm.peer)) return status;
         if (const int status = Learner(arm_mode, attempt, arm).run()) return status;
         out = std::move(arm);
         return ZK_OK;

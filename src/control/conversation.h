@@ -10,7 +10,7 @@
 namespace zk {
 
 struct Introduction {
-    Line line;
+    Peer peer;
 
     int32_t arm_mode = 0;
     int32_t joint_count = 0;

@@ -136,18 +136,18 @@ int length(const addrinfo* list) {
 }  // namespace
 
 // Of several failures the one counts that got furthest: an address without a route says less than a refusal.
-int dial(const char* host, int32_t port, Attempt& attempt, Line& line) {
+int dial(const char* host, int32_t port, Attempt& attempt, Peer& peer) {
     Lookup found;
     if (const int status = resolve(host, std::to_string(port), attempt, found)) return status;
     int failure = ZK_NO_ROUTE;
     for (const addrinfo* address = found.list.get(); address; address = address->ai_next) {
-        write_address(address->ai_addr, line.address);
-        const int error = try_address(*address, attempt.left() / length(address), line.descriptor);
+        write_address(address->ai_addr, peer.address);
+        const int error = try_address(*address, attempt.left() / length(address), peer.descriptor);
         if (error == 0) return ZK_OK;
         const int status = status_of(error);
         if (failure != ZK_NO_ROUTE && status == ZK_NO_ROUTE) continue;
         failure =
-            attempt.fail(status, "%s port %d: %s", line.address, port, std::generic_category().message(error).c_str());
+            attempt.fail(status, "%s port %d: %s", peer.address, port, std::generic_category().message(error).c_str());
     }
     return failure;
 }

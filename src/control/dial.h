@@ -28,13 +28,13 @@ class Descriptor {
     int number_;
 };
 
-struct Line {
+struct Peer {
     Descriptor descriptor;  // above all statuses
     char address[48] = "";  // of the peer
 };
 
 // Resolves the name, and tries its addresses in turn. The addresses share the time that is left. Returns 0,
 // ZK_UNKNOWN_HOST, ZK_CONNECTION_REFUSED, ZK_NO_ROUTE, ZK_NO_ANSWER, ZK_NO_SOCKET or ZK_NO_MEMORY.
-int dial(const char* host, int32_t port, Attempt& attempt, Line& line);
+int dial(const char* host, int32_t port, Attempt& attempt, Peer& peer);
 
 }  // namespace zk
