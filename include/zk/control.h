@@ -113,7 +113,8 @@ typedef enum ZK_StopKind {
  */
 ZK_API int ZK_Stop(ArmSocket arm, int kind);
 
-/* -------------------------------------------------------------------------------------------- Looking at a connection -- */
+/* -------------------------------------------------------------------------------------------- Looking at a connection
+ * -- */
 
 typedef enum ZK_ConnectionState {
     ZK_CONNECTION_CLOSED, /* by ZK_Close; or there never was such a handle */
@@ -122,25 +123,25 @@ typedef enum ZK_ConnectionState {
 } ZK_ConnectionState;
 
 typedef struct ZK_ConnectionRecord {
-    int32_t state;     /* ZK_ConnectionState */
-    char cause[96];    /* why it was lost; "" before */
-    char host[64];     /* as given to ZK_Connect, cut to fit */
-    char address[48];  /* of the peer */
+    int32_t state;    /* ZK_ConnectionState */
+    char cause[96];   /* why it was lost; "" before */
+    char host[64];    /* as given to ZK_Connect, cut to fit */
+    char address[48]; /* of the peer */
     int32_t port;
     int32_t arm_mode;
     int32_t joint_count;
-    int32_t model;  /* as libalgo_set_robot_and_sensor_type */
+    int32_t model; /* as libalgo_set_robot_and_sensor_type */
     int32_t sensor;
     int64_t frames_sent;
     int64_t bytes_sent;
     int64_t messages_received;
     int64_t bytes_received;
-    int64_t unmatched;          /* messages of no known kind */
-    int64_t dropped;            /* frames and messages that did not reach their reader */
-    int64_t late;               /* calls that ended in 7: their reply came later or never */
-    double round_trip_last_ms;  /* from queueing a request to its reply; 0 before the first */
+    int64_t unmatched;           /* messages of no known kind */
+    int64_t dropped;             /* frames and messages that did not reach their reader */
+    int64_t late;                /* calls that ended in 7: their reply came later or never */
+    double round_trip_last_ms;   /* from queueing a request to its reply; 0 before the first */
     double round_trip_median_ms; /* of the last 64 */
-    double round_trip_worst_ms; /* of all */
+    double round_trip_worst_ms;  /* of all */
 } ZK_ConnectionRecord;
 
 /* Fills the record. Returns 0, 19 for null, or ZK_STALE_HANDLE with the state closed. Never blocks. Any thread. */

@@ -32,10 +32,10 @@ int early_refusal(const Connection& connection) {
 
 int move_and_arrive(const Request& request, Trajectory expected, int32_t trajectory_connect) {
     const Wait connection(request.socket());
-    if (const int status = connection.status()) return status;
+    if (const int status = connection.claim(Move_Cmd, Sharing::kAlone)) return status;
     Mailbox(Move_Cmd).clear(connection.slot());
     Mailbox(Move_Receive_Cmd).clear(connection.slot());
-    post(request);
+    if (const int status = post(request)) return status;
 
     if (arm_is_known()) {
         if (const int status = early_refusal(connection)) return status;
@@ -54,8 +54,8 @@ int move_and_arrive(const Request& request, Trajectory expected, int32_t traject
 int move_accepted(const Request& request) {
     Mailbox mailbox(Move_Receive_Cmd);
     const Wait connection(request.socket());
-    if (const int status = connection.status()) return status;
-    post(request);
+    if (const int status = connection.claim(mailbox)) return status;
+    if (const int status = post(request)) return status;
     mailbox.clear(connection.slot());  // after queueing: an acknowledgement of an earlier move does not count
     if (!arm_is_known()) return ZK_OK;
     return await_result(mailbox, connection, kAcknowledgementMs, Take::kOne);
@@ -89,7 +89,7 @@ int await_report(const Connection& connection, Device device, const std::functio
         }
         seen = seen || motion.expected;
         if (!motion.idle && !motion.expected && reported()) continue;
-        sleep_cp(kMotionPollMs);
+        pause(connection, kMotionPollMs);
         if (!motion.idle || (!seen && ++idles < kMostIdlePolls)) continue;
         if (!reported()) return connection.is_open() ? ZK_NO_TRAJECTORY : ZK_NOT_CONNECTED;
     }
@@ -98,11 +98,12 @@ int await_report(const Connection& connection, Device device, const std::functio
 int move_device(const Request& request, Mailbox acknowledgement, const DeviceMove& form) {
     Mailbox reports(Move_Cmd);
     const Wait connection(request.socket());
-    if (const int status = connection.status()) return status;
+    if (const int status = connection.claim(reports, Sharing::kAlone)) return status;
+    if (const int status = connection.claim(acknowledgement)) return status;
     const int slot = connection.slot();
-    if (!form.keeps_reports) reports.clear(slot);
+    if (!form.keeps_reports || is_handle(request.socket())) reports.clear(slot);
     acknowledgement.clear(slot);
-    post(request);
+    if (const int status = post(request)) return status;
 
     const int32_t start = Get_Program_Runtime();
     for (;; sleep_cp(kPollMs)) {

@@ -69,8 +69,9 @@ int look_at_lift(ArmSocket s, MotionPoll& motion) {
 // Any report ends the wait, even an old one of another device.
 int axis_arrived(const Request& request) {
     const Wait connection(request.socket());
-    if (const int status = connection.status()) return status;
-    post(request);
+    if (const int status = connection.claim(Move_Cmd, Sharing::kAlone)) return status;
+    if (is_handle(request.socket())) Mailbox(Move_Cmd).clear(connection.slot());
+    if (const int status = post(request)) return status;
     if (const int status = await(Move_Cmd, connection, limit_beyond(kTravelMs))) return status;
     const MoveReport report = take_report(connection.slot());
     if (const int status = connection.status()) return status;
@@ -86,9 +87,9 @@ ZK_API int Set_Lift_Height(ArmSocket s, int32_t height, int32_t speed, bool bloc
 }
 ZK_API int Set_Lift_Height_BLock(ArmSocket s, int32_t height, int32_t speed) {
     const Wait connection(s);
-    if (const int status = connection.status()) return status;
+    if (const int status = connection.claim(Move_Cmd, Sharing::kAlone)) return status;
     Mailbox(Move_Cmd).clear(connection.slot());
-    post(lift(s, "set_lift_height", height, speed));
+    if (const int status = post(lift(s, "set_lift_height", height, speed))) return status;
     return await_report(connection, Device::kLift, [s](MotionPoll& motion) { return look_at_lift(s, motion); });
 }
 ZK_API int Set_Lift_Height_NonBLock(ArmSocket s, int32_t height, int32_t speed) {

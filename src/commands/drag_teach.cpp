@@ -105,9 +105,9 @@ ZK_API int Run_Drag_Trajectory(ArmSocket s, bool block) {
 }
 ZK_API int Run_Drag_Trajectory_Block(ArmSocket s) {
     const Wait connection(s);
-    if (const int status = connection.status()) return status;
+    if (const int status = connection.claim(Run_Drag_Trajectory_Cmd, Sharing::kAlone)) return status;
     Mailbox(Run_Drag_Trajectory_Cmd).clear(connection.slot());
-    post({s, "run_drag_trajectory"});
+    if (const int status = post({s, "run_drag_trajectory"})) return status;
     return replay_status(connection);
 }
 ZK_API int Run_Drag_Trajectory_NonBlock(ArmSocket s) { return post({s, "run_drag_trajectory"}); }

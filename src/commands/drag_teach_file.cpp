@@ -44,15 +44,15 @@ bool file_is_open() {
 }
 
 // Opens the file, sends the request and waits for the announcement.
-int ask_for_points(const Connection& connection, const std::string& path, int32_t limit) {
-    if (const int status = connection.status()) return status;
+int ask_for_points(const Wait& connection, const std::string& path, int32_t limit) {
+    if (const int status = connection.claim(Save_Trajectory_Cmd, Sharing::kAlone)) return status;
     if (!open_file(path.c_str())) return ZK_FILE_NOT_CREATED;
     const size_t separator = last_separator(path);
     if (separator == path.npos) return ZK_BAD_PATH;
     Mailbox(Save_Trajectory_Cmd).clear(connection.slot());
     post(Request(connection.socket(), "save_trajectory").text("trajectory_name", path.c_str() + separator + 1));
     const int status = await(Save_Trajectory_Cmd, connection, limit);
-    if (status == ZK_NOT_CONNECTED) close_file();
+    if (status && status != ZK_TIMEOUT) close_file();
     return status;
 }
 

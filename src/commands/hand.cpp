@@ -29,9 +29,9 @@ int arrived(Request request, Mailbox acknowledgement, int32_t reply_ms) {
 int followed(const Request& request, Mailbox mailbox) {
     constexpr int32_t poll_ms = 5, limit_ms = 100;
     const Wait connection(request.socket());
-    if (const int status = connection.status()) return status;
+    if (const int status = connection.claim(mailbox)) return status;
     mailbox.clear(connection.slot());
-    post(request);
+    if (const int status = post(request)) return status;
     return await_result(mailbox, connection, limit_ms, Take::kAll, poll_ms);
 }
 

@@ -367,9 +367,11 @@ ZK_API int Auto_Fix_Joint_Over_Soft_Limit(ArmSocket s, bool block) {
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit_Block(ArmSocket s) {
     Mailbox accepted(Auto_Fix_Joint_Over_Soft_Limit_Cmd), reports(Move_Cmd);
     const Wait connection(s);
-    if (const int status = connection.status()) return status;
+    if (const int status = connection.claim(reports, Sharing::kAlone)) return status;
+    if (const int status = connection.claim(accepted)) return status;
     reports.clear(connection.slot());
-    post({s, "auto_fix_joint_over_soft_limit"});
+    if (is_handle(s)) accepted.clear(connection.slot());
+    if (const int status = post({s, "auto_fix_joint_over_soft_limit"})) return status;
     for (const int32_t start = Get_Program_Runtime();; sleep_cp(kPollMs)) {
         const bool acknowledged = has_arrived(accepted, connection), arrived = has_arrived(reports, connection);
         if (const int status = connection.status()) return status;
@@ -385,9 +387,9 @@ ZK_API int Auto_Fix_Joint_Over_Soft_Limit_Block(ArmSocket s) {
 ZK_API int Auto_Fix_Joint_Over_Soft_Limit_NonBlock(ArmSocket s) {
     Mailbox accepted(Auto_Fix_Joint_Over_Soft_Limit_Cmd);
     const Wait connection(s);
-    if (const int status = connection.status()) return status;
+    if (const int status = connection.claim(accepted)) return status;
     accepted.clear(connection.slot());
-    post({s, "auto_fix_joint_over_soft_limit"});
+    if (const int status = post({s, "auto_fix_joint_over_soft_limit"})) return status;
     return await_result(accepted, connection, read(m_nOutTime), Take::kOne);
 }
 

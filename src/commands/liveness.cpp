@@ -17,7 +17,7 @@ ZK_API int Arm_Socket_State(ArmSocket socket) {
 
 ZK_API int Arm_Socket_State_Block(ArmSocket socket) {
     const Wait connection(socket);
-    if (const int status = connection.status()) return status;
+    if (const int status = connection.claim(Joint_Max_Speed_Cmd)) return status;
     if (const int status = Arm_Socket_State_nBlock(socket)) return status;
     const int status = await_result(Joint_Max_Speed_Cmd, connection, kProbeLimitMs, Take::kOne);
     return status == ZK_TIMEOUT ? int(ZK_NOT_CONNECTED) : status;

@@ -23,7 +23,7 @@ ZK_API int Set_High_Speed_Eth(ArmSocket s, uint8_t mode, bool block) {
     if (sending_file()) return ZK_SENDING_FILE;
     if (!block) return Set_High_Speed_Eth_NonBlock(s, mode);
     const int status = Set_High_Speed_Eth_Block(s, mode);
-    sleep_cp(1000);
+    pause(Connection(s), 1000);
     return status;
 }
 ZK_API int Set_High_Speed_Eth_Block(ArmSocket s, uint8_t mode) {

@@ -125,13 +125,13 @@ class Run {
             } else if (state.run_state == ZK_PROGRAM_RUNNING) {
                 if (has_arrived(finish_, connection_)) return take_result(finish_, connection_);
                 seen_ = true;
-                sleep_cp(kRunPollMs);
+                pause(connection_, kRunPollMs);
             } else if (state.run_state != ZK_PROGRAM_NONE) {
                 sleep_cp(kPollMs);
             } else if (seen_ || ++idle_ == kMostIdlePolls) {
                 return await_result(finish_, connection_, limit_beyond(kFinishMs));
             } else {
-                sleep_cp(kRunPollMs);
+                pause(connection_, kRunPollMs);
             }
         }
     }
@@ -156,10 +156,10 @@ class Run {
 
 ZK_API int Set_Program_ID_Start_Block(ArmSocket s, int32_t id, int32_t speed) {
     const Wait connection(s);
-    if (const int status = connection.status()) return status;
+    if (const int status = connection.claim(Run_Finish_Cmd, Sharing::kAlone)) return status;
     Mailbox(Set_Program_ID_Start_Cmd).clear(connection.slot());
     Mailbox(Run_Finish_Cmd).clear(connection.slot());
-    post(start(s, id, speed));
+    if (const int status = post(start(s, id, speed))) return status;
     return Run(connection).wait();
 }
 ZK_API int Parser_Set_Program_ID_Start(const char* text) { return acknowledgement(text, "start_state"); }

@@ -66,8 +66,8 @@ int write_in_chunks(ByteStream& stream, const char* data, int32_t size, Progress
     return ZK_OK;
 }
 
-int send_bytes(const Connection& connection, const char* data, int32_t size, int32_t* err_line, Progress& progress) {
-    if (const int status = connection.status()) return status;
+int send_bytes(const Wait& connection, const char* data, int32_t size, int32_t* err_line, Progress& progress) {
+    if (const int status = connection.claim(Send_Project_Cmd, Sharing::kAlone)) return status;
     Mailbox(Send_Project_Cmd).clear(connection.slot());
     write(Send_Project_Cmd[connection.slot()].value, 0);
     ByteStream stream = file_stream(connection);
@@ -159,7 +159,7 @@ ZK_API int Run_Project_Block(ArmSocket s, int32_t save_id, int32_t only_save, co
 ZK_API int Send_Project_Block(ArmSocket s, const char* data, int32_t size, int32_t* err_line) {
     if (any_null(data)) return ZK_BAD_ARGUMENT;
     Progress unreported(nullptr, nullptr);
-    return send_bytes(Connection(s), data, size, err_line, unreported);
+    return send_bytes(Wait(s), data, size, err_line, unreported);
 }
 
 ZK_API const char* zk_get_cur_time() {

@@ -21,7 +21,7 @@ constexpr int kMostStillPolls = 4;
 // Copies a reply that is already in the mailbox and leaves it there; otherwise queries the arm.
 int read_angles(const Connection& connection, Angles& angles) {
     Mailbox mailbox(Arm_Current_State_Cmd);
-    if (has_arrived(mailbox, connection)) {
+    if (has_arrived(mailbox, connection) && !is_handle(connection.socket())) {
         ArmStateReply reply;
         mailbox.copy(connection.slot(), &reply);
         copy_joints(connection.socket(), reply.joint, angles.data());
@@ -58,7 +58,7 @@ class StallDetector {
                 }
                 if (stands_still(angles)) return ZK_NO_TRAJECTORY;
             }
-            sleep_cp(kStallPollMs);
+            pause(connection_, kStallPollMs);
         }
     }
 
@@ -89,9 +89,9 @@ class StallDetector {
 
 int move_until_still(const Request& request) {
     const Wait connection(request.socket());
-    if (const int status = connection.status()) return status;
+    if (const int status = connection.claim(Move_Cmd, Sharing::kAlone)) return status;
     Mailbox(Move_Cmd).clear(connection.slot());
-    post(request);
+    if (const int status = post(request)) return status;
     return StallDetector(connection).wait();
 }
 

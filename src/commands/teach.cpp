@@ -61,9 +61,9 @@ ZK_API int Pos_Teach_Cmd(ArmSocket s, int32_t type, uint8_t direction, uint8_t v
 ZK_API int Pos_Teach_Cmd_Block(ArmSocket s, int32_t type, uint8_t direction, uint8_t v) {
     Mailbox mailbox(Pos_Teach_Cmd_Cmd);
     const Wait connection(s);
-    if (const int status = connection.status()) return status;
+    if (const int status = connection.claim(mailbox)) return status;
     mailbox.clear(connection.slot());
-    post(pos_teach(s, type, direction, v));
+    if (const int status = post(pos_teach(s, type, direction, v))) return status;
     return await_result(mailbox, connection, read(m_nOutTime), Take::kAll, 0);
 }
 ZK_API int Pos_Teach_Cmd_NonBlock(ArmSocket s, int32_t type, uint8_t direction, uint8_t v) {

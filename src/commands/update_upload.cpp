@@ -52,8 +52,8 @@ int write_in_chunks(ByteStream& stream, FILE* file, Progress& progress) {
     return ZK_OK;
 }
 
-int send_bytes(const Connection& connection, const std::string& path, Progress& progress) {
-    if (const int status = connection.status()) return status;
+int send_bytes(const Wait& connection, const std::string& path, Progress& progress) {
+    if (const int status = connection.claim(Send_Project_Cmd, Sharing::kAlone)) return status;
     Mailbox(Send_Project_Cmd).clear(connection.slot());
     const File file(std::fopen(path.c_str(), "rb+"));
     if (!file) return ZK_FILE_UNREADABLE;
@@ -94,5 +94,5 @@ ZK_API int Run_Update_Software_Block_E(ArmSocket s, const char* name, int32_t na
 ZK_API int Send_Update_Software_Block_E(ArmSocket s, const char* path, int32_t path_len) {
     if (any_null(path)) return ZK_BAD_ARGUMENT;
     Progress unreported(nullptr, nullptr);
-    return send_bytes(Connection(s), bounded(path, path_len, kLongestPath), unreported);
+    return send_bytes(Wait(s), bounded(path, path_len, kLongestPath), unreported);
 }

@@ -85,13 +85,15 @@ ssize_t Line::send(ArmSocket handle, const char* bytes, size_t size) {
     int error = EBADF;
     {
         const std::lock_guard guard(lock_);
-        if (handle_ == handle && !lost_) {
+        error = transfers > 0 ? EBUSY : EBADF;
+        if (handle_ == handle && !lost_ && transfers == 0) {
             sent = send_on(descriptor_, bytes, size);
             error = errno;
         }
     }
     if (sent < 0 && (error == EPIPE || error == ECONNRESET)) lose(handle, "the controller closed the connection");
-    if (sent > 0 && static_cast<size_t>(sent) < size) lose(handle, "the controller reads nothing: a frame went out in part");
+    if (sent > 0 && static_cast<size_t>(sent) < size)
+        lose(handle, "the controller reads nothing: a frame went out in part");
     if (sent <= 0) {
         ++traffic_.dropped;
         return sent;
@@ -176,7 +178,9 @@ bool Line::takes(int slot, const char* message) {
 ssize_t send_now(ArmSocket socket, const char* bytes, size_t size) {
     errno = EBADF;
     Line* line = Line::of(socket);
-    const ssize_t sent = !is_handle(socket) ? send_on(socket, bytes, size) : line ? line->send(socket, bytes, size) : -1;
+    const ssize_t sent = !is_handle(socket) ? send_on(socket, bytes, size)
+                         : line             ? line->send(socket, bytes, size)
+                                            : -1;
     if (sent > 0) log_frame(socket, Way::kSent, bytes, static_cast<size_t>(sent));
     return sent;
 }

@@ -17,15 +17,13 @@
 
 namespace zk {
 
-constexpr ArmSocket kFirstHandle = 1 << 30;
-inline bool is_handle(ArmSocket socket) { return socket >= kFirstHandle; }
-
 struct Traffic {
     std::atomic<int64_t> frames_sent{0}, bytes_sent{0}, messages_received{0}, bytes_received{0};
     std::atomic<int64_t> unmatched{0}, dropped{0}, late{0};
 
     void reset() {
-        for (auto* count : {&frames_sent, &bytes_sent, &messages_received, &bytes_received, &unmatched, &dropped, &late})
+        for (auto* count :
+             {&frames_sent, &bytes_sent, &messages_received, &bytes_received, &unmatched, &dropped, &late})
             count->store(0);
     }
 };
@@ -34,14 +32,14 @@ struct Traffic {
 struct Heartbeat {
     std::chrono::milliseconds period{0};  // 0: none
     std::string request;
-    const char* reply = "";         // literal of its reply
+    const char* reply = "";          // literal of its reply
     std::optional<Mailbox> mailbox;  // of the calls that make the same query
 };
 
 class Line {
  public:
-    // Takes a slot and the descriptor. `received` is what was read of it and is no message yet. Returns the handle, or -1
-    // when all slots are taken.
+    // Takes a slot and the descriptor. `received` is what was read of it and is no message yet. Returns the handle, or
+    // -1 when all slots are taken.
     static ArmSocket open(int descriptor, int32_t arm_mode, const Heartbeat& heartbeat, std::string received);
     // The line of a handle, or null when the connection is closed.
     static Line* of(ArmSocket handle);
@@ -53,10 +51,11 @@ class Line {
     const Traffic& traffic() const { return traffic_; }
     Traffic& traffic() { return traffic_; }
 
-    // Writes without waiting. Returns what send does; -1 on a line that is lost or closed. A frame that the system takes
+    // Writes without waiting. Returns what send does; -1 on a line that is lost or closed, and while a file is on its
+    // way, since the controller would take the frame for a part of it. A frame that the system takes
     // in part loses the line, since the rest cannot follow later.
     ssize_t send(ArmSocket handle, const char* bytes, size_t size);
-    int duplicate(ArmSocket handle);  // a descriptor of its own for the same connection, or -1
+    int duplicate(ArmSocket handle);                 // a descriptor of its own for the same connection, or -1
     void lose(ArmSocket handle, const char* cause);  // reports the change once
     bool close(ArmSocket handle);                    // false when another thread has closed it
 

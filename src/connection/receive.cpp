@@ -62,7 +62,8 @@ class SlotReader {
     // The descriptor to wait at, and how; a connection that a turn has not seen yet needs one.
     Needs needs(int slot) const {
         const Connection now = Connection::at(slot);
-        if (now.socket() != connection_.socket() || connection_.has_changed()) return now.socket() ? Needs::kTurn : Needs::kNothing;
+        if (now.socket() != connection_.socket() || connection_.has_changed())
+            return now.socket() ? Needs::kTurn : Needs::kNothing;
         if (connection_.socket() == 0 || (line_ && line_->is_lost())) return Needs::kNothing;
         if (whole_ > 0) return Needs::kTurn;
         return length_ > 0 || overlong_ ? Needs::kBytesSoon : Needs::kBytes;
@@ -138,8 +139,8 @@ class SlotReader {
         length_ = 0;
     }
 
-    // Leaves what follows the line feed of a message that is too long; false while that has not come. After a silence the
-    // next bytes are a new message.
+    // Leaves what follows the line feed of a message that is too long; false while that has not come. After a silence
+    // the next bytes are a new message.
     bool drop_up_to_line_feed(Got got) {
         if (got != Got::kBytes) {
             if (elapsed_since(last_byte_) >= kSilenceMs) overlong_ = false;
@@ -207,7 +208,7 @@ class SlotReader {
     bool overlong_ = false;   // dropping the rest of a message that is too long
     bool ended_ = false;      // the last read failed or found the end
     int32_t last_byte_ = 0;
-    Connection connection_ = Connection::at(0);
+    Connection connection_{0};
     Line* line_ = nullptr;
 };
 

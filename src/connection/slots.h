@@ -8,6 +8,10 @@
 
 namespace zk {
 
+// Whether a socket is a handle of ZK_Connect. Those lie above all descriptors.
+constexpr ArmSocket kFirstHandle = 1 << 30;
+inline bool is_handle(ArmSocket socket) { return socket >= kFirstHandle; }
+
 // Slot of an open connection, or -1. A socket below 1 is none, though a free slot looks like the socket 0.
 int slot_of(ArmSocket socket);
 

@@ -22,8 +22,8 @@ class Wait : public Connection {
     Wait(const Wait&) = delete;
     Wait& operator=(const Wait&) = delete;
 
-    // Takes a mailbox until the call ends. Returns 0; a status of the connection; ZK_BUSY. Call it before the request is
-    // queued. Without effect on a connection of Arm_Socket_Start.
+    // Takes a mailbox until the call ends. Returns 0; a status of the connection; ZK_BUSY. Call it before the request
+    // is queued. Without effect on a connection of Arm_Socket_Start.
     int claim(Mailbox mailbox, Sharing sharing = Sharing::kInTurn) const;
 };
 

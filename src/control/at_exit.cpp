@@ -27,7 +27,8 @@ void stop_arms() {
         (void)send(line.descriptor(), kStop, sizeof kStop - 1, MSG_DONTWAIT | MSG_NOSIGNAL);
         // The end of the process may reset the connection, so the bytes have to be with the controller before.
         int waiting = 1;
-        for (int looks = 0; looks < kMostLooks && ioctl(line.descriptor(), SIOCOUTQ, &waiting) == 0 && waiting; ++looks) {
+        for (int looks = 0; looks < kMostLooks && ioctl(line.descriptor(), SIOCOUTQ, &waiting) == 0 && waiting;
+             ++looks) {
             const timespec pause{0, 1000000};
             nanosleep(&pause, nullptr);
         }

@@ -22,11 +22,16 @@ std::string bytes_of(int kind) {
         return std::string(frame.text, static_cast<size_t>(frame.length));
     };
     switch (kind) {
-        case ZK_STOP: return text({0, "set_arm_stop"});
-        case ZK_SLOW_STOP: return text({0, "set_arm_slow_stop"});
-        case ZK_PAUSE: return text({0, "set_arm_pause"});
-        case ZK_EMERGENCY_STOP: return text({0, "set_arm_stop"}) + text(Request(0, "set_arm_power").number("arm_power", 64));
-        default: return {};
+        case ZK_STOP:
+            return text({0, "set_arm_stop"});
+        case ZK_SLOW_STOP:
+            return text({0, "set_arm_slow_stop"});
+        case ZK_PAUSE:
+            return text({0, "set_arm_pause"});
+        case ZK_EMERGENCY_STOP:
+            return text({0, "set_arm_stop"}) + text(Request(0, "set_arm_power").number("arm_power", 64));
+        default:
+            return {};
     }
 }
 
@@ -38,7 +43,8 @@ int send_beside(const Arm& arm, const std::string& bytes) {
         return fail(ZK_SEND_FAILED, "a file holds the connection, and a second one failed: %s", attempt.text());
     }
     const ssize_t sent = send_now(peer.descriptor.get(), bytes.data(), bytes.size());
-    return sent == static_cast<ssize_t>(bytes.size()) ? int(ZK_OK) : fail(ZK_SEND_FAILED, "the second connection took nothing");
+    return sent == static_cast<ssize_t>(bytes.size()) ? int(ZK_OK)
+                                                      : fail(ZK_SEND_FAILED, "the second connection took nothing");
 }
 
 }  // namespace
