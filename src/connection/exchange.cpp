@@ -15,7 +15,9 @@ static int post(ArmSocket socket, const Frame& frame) {
         Add_Queue(socket, frame.text, frame.length);
         return ZK_OK;
     }
-    if (const int status = Connection(socket).status()) return status;
+    const Connection connection(socket);
+    if (const int status = connection.status()) return status;
+    if (Line::at(connection.slot()).transfers > 0) return ZK_SENDING_FILE;
     if (frame.length < 1 || frame.length > static_cast<int>(sizeof TxFrame::data)) return ZK_BAD_ARGUMENT;
     return enqueue(socket, frame.text, frame.length);
 }

@@ -1,0 +1,233 @@
+// Connections of ZK_Connect: how their calls end, who may call while another does, and what they report.
+#include <gtest/gtest.h>
+
+#include <future>
+#include <mutex>
+
+#include "connection/waits.h"
+#include "support/scaled_time.h"
+#include "support/start_up.h"
+#include "support/temporary_file.h"
+
+namespace {
+
+using namespace zk::test;
+
+const char* const kStopRequest = R"({
+	"command":	"set_arm_stop"
+})";
+
+ArmSocket connect(ScriptedController& controller, const ZK_ConnectOptions* options = nullptr) {
+    ArmSocket arm = 0;
+    answer_start_up(controller);
+    EXPECT_EQ(ZK_Connect("127.0.0.1", controller.port(), options, &arm), 0) << ZK_Failure();
+    EXPECT_GT(arm, ZK_LARGEST_STATUS);
+    controller.forget_requests();
+    return arm;
+}
+
+ZK_ConnectionRecord look_at(ArmSocket arm) {
+    ZK_ConnectionRecord record;
+    EXPECT_EQ(ZK_Connection(arm, &record), 0);
+    return record;
+}
+
+float first_speed(ArmSocket arm) {
+    float speed[7] = {};
+    EXPECT_EQ(Get_Joint_Speed_Block(arm, speed), 0);
+    return speed[0];
+}
+
+class EveryWait : public testing::TestWithParam<WaitingCall> {
+ protected:
+    // Starts the call on a new connection, ends it, and returns its status.
+    template <class End>
+    int status_after(End end) {
+        ScriptedController controller;
+        const ArmSocket arm = connect(controller);
+        controller.ignore("get_joint_max_speed");
+        keep_waiting(controller, GetParam());
+        set_time_factor(0);
+        std::future<int> status = std::async(std::launch::async, [arm] { return GetParam().call(arm); });
+        controller.wait_for_request(GetParam().request);
+        end(controller, arm);
+        const int result = status.get();
+        ZK_Close(arm);
+        return result;
+    }
+};
+INSTANTIATE_TEST_SUITE_P(, EveryWait, testing::ValuesIn(kWaits),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_P(EveryWait, EndsAtOnceWhenItIsToEnd) {
+    EXPECT_EQ(status_after([](ScriptedController&, ArmSocket arm) { EXPECT_EQ(ZK_Cancel(arm), 0); }), ZK_CANCELLED);
+    EXPECT_EQ(status_after([](ScriptedController&, ArmSocket arm) { EXPECT_EQ(ZK_Close(arm), 0); }), ZK_NOT_CONNECTED);
+    EXPECT_EQ(status_after([](ScriptedController& controller, ArmSocket) { controller.close(); }), ZK_LOST);
+}
+
+TEST_P(EveryWait, EndsAtItsDeadlineAndStopsTheArm) {
+    ScriptedController controller;
+    const ArmSocket arm = connect(controller);
+    controller.ignore("get_joint_max_speed");
+    keep_waiting(controller, GetParam());
+    EXPECT_EQ(ZK_Set_Deadline(arm, 300, ZK_ALL_THREADS), 0);
+    EXPECT_EQ(ZK_Set_Deadline(arm, 100, ZK_STOP_AT_DEADLINE), 0);
+    EXPECT_EQ(GetParam().call(arm), ZK_DEADLINE);
+    EXPECT_NE(controller.wait_for_request("set_arm_stop"), "");
+    EXPECT_EQ(ZK_Set_Deadline(arm, 0, 0), 0);
+    EXPECT_EQ(ZK_Set_Deadline(arm, 0, ZK_ALL_THREADS), 0);
+}
+
+class Connections : public testing::Test {
+ protected:
+    void SetUp() override { set_time_factor(0); }
+    ScriptedController controller_;
+};
+
+TEST_F(Connections, SecondMotionIsRefusedAndQueriesAreServed) {
+    const ArmSocket arm = connect(controller_);
+    keep_waiting(controller_, {.trajectory = kMoving});
+    const auto move = [arm] { return Movej_Cmd(arm, kJoints, 20, 0, 0, true); };
+    std::future<int> first = std::async(std::launch::async, move);
+    controller_.wait_for_request("get_arm_current_trajectory");
+    EXPECT_EQ(move(), ZK_BUSY);
+    EXPECT_EQ(Set_Lift_Height(arm, 300, 20, true), ZK_BUSY);
+    std::vector<std::future<float>> queries;
+    for (int i = 0; i < 4; ++i) queries.push_back(std::async(std::launch::async, first_speed, arm));
+    for (std::future<float>& speed : queries) EXPECT_EQ(speed.get(), 180);
+    controller_.say(kReport);
+    EXPECT_EQ(first.get(), 0);
+}
+
+TEST_F(Connections, AStopOvertakesAllQueuedFramesAndDropsThoseOfItsArm) {
+    ScriptedController second;
+    const ArmSocket arm = connect(controller_), other = connect(second);
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_EQ(Move_Continue_Cmd_NonBlock(arm), 0);
+        EXPECT_EQ(Move_Pause_Cmd_NonBlock(other), 0);
+    }
+    EXPECT_EQ(ZK_Stop(arm, ZK_STOP | ZK_DROP_QUEUED), 0);
+    EXPECT_EQ(controller_.wait_for_request("set_arm_stop"), kStopRequest);
+    for (int i = 0; i < 100; ++i) EXPECT_NE(second.wait_for_request("set_arm_pause"), "");
+    first_speed(arm);
+    const std::string all = controller_.received();
+    EXPECT_EQ(all.find("set_arm_continue", all.find("set_arm_stop")), std::string::npos);
+}
+
+TEST_F(Connections, AStopDuringATransferTakesASecondConnection) {
+    const ArmSocket arm = connect(controller_);
+    std::future<int> transfer = std::async(std::launch::async, [arm] { return send_project(arm); });
+    controller_.wait_for_request("file");
+    EXPECT_EQ(ZK_Stop(arm, ZK_EMERGENCY_STOP), 0);
+    EXPECT_EQ(controller_.wait_for_request("set_arm_stop", 1), kStopRequest);
+    EXPECT_NE(controller_.wait_for_request("set_arm_power", 1), "");
+    EXPECT_EQ(Move_Stop_Cmd_NonBlock(arm), ZK_SENDING_FILE);
+    ZK_Cancel(arm);
+    EXPECT_EQ(transfer.get(), ZK_CANCELLED);
+}
+
+TEST_F(Connections, AStaleHandleReachesNobody) {
+    const ArmSocket old = connect(controller_);
+    EXPECT_EQ(ZK_Close(old), 0);
+    const ArmSocket arm = connect(controller_);
+    EXPECT_NE(old, arm);
+    EXPECT_EQ(Get_Socket_Idx(old), -1);
+    EXPECT_EQ(Movej_Cmd(old, kJoints, 20, 0, 0, true), ZK_NOT_CONNECTED);
+    EXPECT_EQ(Move_Stop_Cmd_NonBlock(old), ZK_NOT_CONNECTED);
+    Movej_CANFD(old, kJoints, false, 0);
+    Add_Queue(old, "{}\r\n", 4);
+    Arm_Socket_Close(old);
+    ZK_ConnectionRecord record;
+    for (const int status : {ZK_Close(old), ZK_Cancel(old), ZK_Stop(old, ZK_STOP), ZK_Set_Deadline(old, 10, 0),
+                             ZK_Connection(old, &record), ZK_Cancel(3), ZK_Close(ZK_LARGEST_STATUS + 1)}) {
+        EXPECT_EQ(status, ZK_STALE_HANDLE);
+    }
+    EXPECT_EQ(first_speed(arm), 180);
+    const std::string all = controller_.received();
+    EXPECT_EQ(std::count(all.begin(), all.end(), '{'), 10) << "nine questions and the speed";
+}
+
+TEST_F(Connections, AClosedConnectionLeavesTheOthersAlone) {
+    ScriptedController second, third;
+    const ArmSocket first_arm = connect(controller_), second_arm = connect(second);
+    const ArmSocket plain = connect_arm(third), third_arm = connect(third);
+    EXPECT_EQ(ZK_Close(first_arm), 0);
+    EXPECT_EQ(first_speed(second_arm), 180);
+    EXPECT_EQ(first_speed(plain), 180);
+    Arm_Socket_Close(plain);
+    EXPECT_EQ(first_speed(third_arm), 180);
+    EXPECT_EQ(ZK_Close_All(), 2);
+    EXPECT_EQ(shared(m_nSockInfoLen), 0);
+}
+
+// Half a message, a flood and a silence on one arm, while the clock stands still.
+TEST_F(Connections, OneArmDoesNotDelayAnother) {
+    ScriptedController second;
+    const ArmSocket bad = connect(controller_), good = connect(second);
+    controller_.say_bytes({R"({"state":"joint_max_)"});
+    controller_.wait_until_read();
+    EXPECT_EQ(first_speed(good), 180);
+    controller_.say_bytes({R"(speed","joint_speed":[1000,2,3,4,5,6]})"
+                           "\r\n" +
+                           std::string(300000, 'x')});
+    EXPECT_EQ(first_speed(good), 180);
+    controller_.wait_until_read();
+    controller_.say_bytes({"\r\n"});
+    EXPECT_EQ(first_speed(bad), 180);
+    EXPECT_EQ(look_at(bad).dropped, 1);
+}
+
+TEST_F(Connections, AHeartbeatFindsASilentController) {
+    const ZK_ConnectOptions options{.heartbeat_ms = 20};
+    const ArmSocket arm = connect(controller_, &options);
+    for (int beats = 0; beats < 3; ++beats) EXPECT_NE(controller_.wait_for_request("get_joint_max_speed"), "");
+    EXPECT_EQ(first_speed(arm), 180);
+    EXPECT_EQ(shared(Joint_Max_Speed_Cmd[0].count), 0) << "no reply to a heartbeat stays";
+    controller_.ignore("get_joint_max_speed");
+    eventually([&] { return look_at(arm).state == ZK_CONNECTION_LOST; });
+    EXPECT_EQ(Move_Stop_Cmd(arm, true), ZK_LOST);
+    EXPECT_EQ(ZK_Stop(arm, ZK_STOP), ZK_LOST);
+}
+
+struct Journal {
+    std::mutex lock;
+    std::vector<ZK_ConnectionState> changes;
+    std::string log;
+};
+
+TEST_F(Connections, ReportEachChangeOnceAndEachFrame) {
+    Journal journal;
+    ZK_Set_Connection_Callback(
+        [](void* context, ArmSocket, ZK_ConnectionState state, const char*) {
+            auto& seen = *static_cast<Journal*>(context);
+            const std::lock_guard guard(seen.lock);
+            seen.changes.push_back(state);
+        },
+        &journal);
+    ZK_Set_Log(
+        [](void* context, ZK_LogLevel, ArmSocket, const char* text) {
+            auto& seen = *static_cast<Journal*>(context);
+            const std::lock_guard guard(seen.lock);
+            seen.log += std::string(text) + "\n";
+        },
+        &journal, ZK_LOG_FRAMES);
+    const ArmSocket arm = connect(controller_);
+    first_speed(arm);
+    const ZK_ConnectionRecord record = look_at(arm);
+    EXPECT_EQ(record.frames_sent, 1);
+    EXPECT_EQ(record.messages_received, 1);
+    EXPECT_GT(record.round_trip_worst_ms, 0);
+    EXPECT_STREQ(record.address, "127.0.0.1");
+    EXPECT_EQ(record.joint_count, 6);
+    controller_.close();
+    eventually([&] { return look_at(arm).state == ZK_CONNECTION_LOST; });
+    ZK_Close(arm);
+    ZK_Set_Log(nullptr, nullptr, ZK_LOG_EVENTS);
+    ZK_Set_Connection_Callback(nullptr, nullptr);
+    EXPECT_EQ(journal.changes, (std::vector{ZK_CONNECTION_UP, ZK_CONNECTION_LOST, ZK_CONNECTION_CLOSED}));
+    EXPECT_EQ(journal.log.substr(0, journal.log.find("< ")), "up\n> { \"command\": \"get_joint_max_speed\" }\n");
+    EXPECT_NE(journal.log.find("lost: the controller closed the connection\nclosed\n"), std::string::npos)
+        << journal.log;
+}
+
+}  // namespace
