@@ -44,7 +44,7 @@ typedef struct ZK_ConnectOptions {
 /*
  * Connects to a controller and loads the data of its arm. Starts the library if nobody did. The process-wide model
  * becomes this arm's, as with Arm_Socket_Start, unless ZK_KEEP_MODEL is set; ZK_Arm_Model always has this arm's own.
- * If the controller pushes its state, ZK_Get_State reads it. Several threads may connect at once; none waits for
+ * Several threads may connect at once; none waits for
  * another's controller.
  *
  * host: name or address, IPv4 or IPv6. port: 1 to 65535. options: null for the defaults. arm: the handle, above
@@ -139,6 +139,8 @@ typedef struct ZK_ConnectionRecord {
     int64_t unmatched;           /* messages of no known kind */
     int64_t dropped;             /* frames and messages that did not reach their reader */
     int64_t late;                /* calls that ended in 7: their reply came later or never */
+    int64_t datagrams;           /* of this arm's stream */
+    int64_t datagrams_dropped;   /* on its port, of all senders: from no arm of ours, or not readable */
     double round_trip_last_ms;   /* from queueing a request to its reply; 0 before the first */
     double round_trip_median_ms; /* of the last 64 */
     double round_trip_worst_ms;  /* of all */

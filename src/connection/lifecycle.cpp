@@ -1,9 +1,9 @@
 // Start and end of the library and of a connection, and the settings.
-#include "connection/line.h"
 #include "connection/realtime.h"
 #include "connection/slots.h"
 #include "connection/transmit.h"
 #include "zk/connection.h"
+#include "zk/control.h"
 #include "zk/mailboxes.h"
 #include "zk/queue.h"
 
@@ -65,7 +65,7 @@ ZK_API int ZK_API_UnInit() {
 ZK_API void Arm_Socket_Close(ArmSocket socket) {
     if (socket < 1) return;
     if (is_handle(socket)) {
-        if (Line* line = Line::of(socket)) line->close(socket);
+        ZK_Close(socket);
         return;
     }
     forget_connections(socket);

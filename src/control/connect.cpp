@@ -2,6 +2,7 @@
 #include <array>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <mutex>
 #include <new>
 
@@ -12,6 +13,7 @@
 #include "control/at_exit.h"
 #include "control/conversation.h"
 #include "control/failure.h"
+#include "control/stream.h"
 #include "startup.h"
 #include "zk/algorithm.h"
 #include "zk/queue.h"
@@ -130,6 +132,11 @@ int connect(const char* host, int32_t port, const ZK_ConnectOptions& options, Ar
     }
     entry.handle = handle;
     add_arm(connection.slot(), std::move(entry));
+    if (found.push.enable) {
+        if (const int error = open_stream(connection.slot(), handle, found.peer.address, found.push.port)) {
+            log(ZK_LOG_EVENTS, handle, "no real-time stream: port %d: %s", found.push.port, std::strerror(error));
+        }
+    }
     if (!(options.flags & ZK_KEEP_MODEL)) put_into_model(found);
     if (options.flags & ZK_STOP_AT_EXIT) {
         Line::at(connection.slot()).stops_at_exit = true;
@@ -187,7 +194,9 @@ ZK_API int ZK_Connect(const char* host, int32_t port, const ZK_ConnectOptions* o
 
 ZK_API int ZK_Close(ArmSocket arm) {
     Line* line = Line::of(arm);
-    if (!line || !line->close(arm)) return fail_stale();
+    if (!line) return fail_stale();
+    close_stream(slot_of(arm));  // while the slot is still this connection's
+    if (!line->close(arm)) return fail_stale();
     remove_arm(arm);
     return ZK_OK;
 }

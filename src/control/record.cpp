@@ -7,6 +7,7 @@
 #include "connection/wait.h"
 #include "control/arms.h"
 #include "control/failure.h"
+#include "control/stream.h"
 
 using namespace zk;
 
@@ -43,6 +44,9 @@ ZK_API int ZK_Connection(ArmSocket arm, ZK_ConnectionRecord* record) {
     record->unmatched = traffic.unmatched;
     record->dropped = traffic.dropped;
     record->late = traffic.late;
+    const StreamCounts stream = stream_counts(connection.slot());
+    record->datagrams = stream.datagrams;
+    record->datagrams_dropped = stream.dropped;
     const RoundTrips trips = round_trips(connection.slot());
     record->round_trip_last_ms = trips.last;
     record->round_trip_median_ms = trips.median;

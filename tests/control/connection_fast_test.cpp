@@ -86,7 +86,7 @@ class Connections : public testing::Test {
 
 TEST_F(Connections, SecondMotionIsRefusedAndQueriesAreServed) {
     const ArmSocket arm = connect(controller_);
-    keep_waiting(controller_, {.trajectory = kMoving});
+    controller_.answer("get_arm_current_trajectory", kMoving);
     const auto move = [arm] { return Movej_Cmd(arm, kJoints, 20, 0, 0, true); };
     std::future<int> first = std::async(std::launch::async, move);
     controller_.wait_for_request("get_arm_current_trajectory");
@@ -95,7 +95,8 @@ TEST_F(Connections, SecondMotionIsRefusedAndQueriesAreServed) {
     std::vector<std::future<float>> queries;
     for (int i = 0; i < 4; ++i) queries.push_back(std::async(std::launch::async, first_speed, arm));
     for (std::future<float>& speed : queries) EXPECT_EQ(speed.get(), 180);
-    controller_.say(kReport);
+    controller_.say(
+        R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,"trajectory_connect":0})");
     EXPECT_EQ(first.get(), 0);
 }
 
@@ -178,7 +179,8 @@ TEST_F(Connections, OneArmDoesNotDelayAnother) {
 }
 
 TEST_F(Connections, AHeartbeatFindsASilentController) {
-    const ZK_ConnectOptions options{.heartbeat_ms = 20};
+    ZK_ConnectOptions options{};
+    options.heartbeat_ms = 20;
     const ArmSocket arm = connect(controller_, &options);
     for (int beats = 0; beats < 3; ++beats) EXPECT_NE(controller_.wait_for_request("get_joint_max_speed"), "");
     EXPECT_EQ(first_speed(arm), 180);
