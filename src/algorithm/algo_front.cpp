@@ -52,9 +52,17 @@ int solve_by_sweep(const RobotModel& model, const Search& search, const float* s
     return result;
 }
 
+// So far within that no rounding decides: it saves two divisions.
+bool is_well_within(const JointConfig& limits, float degrees) {
+    constexpr double kRounding = 1e-5, kLargest = 50;  // radians
+    const double angle = degrees * kRadiansPerDegree;
+    return angle > limits.pos_min + kRounding && angle < limits.pos_max - kRounding && std::fabs(angle) < kLargest;
+}
+
 bool within_limits(const RobotModel& model, const float* joint) {
     for (int i = 0; i < model.dof; ++i) {
         const JointConfig& limits = model.joint_config[i];
+        if (is_well_within(limits, joint[i])) continue;
         if (joint[i] < degrees(limits.pos_min) || joint[i] > degrees(limits.pos_max)) return false;
     }
     return true;

@@ -49,8 +49,8 @@ struct Wrist {
 
 template <class Real>
 Wrist<Real> shoulder_T_wrist(const RobotModel& model, const Matrix& world_T_tool) {
-    const auto base_T_world = transform_of<double>(frame_inverse(model.install_angle_matrix));
-    const auto tool_T_flange = transform_of<double>(frame_inverse(model.tool_cs_matrix));
+    const auto base_T_world = transform_of<double>(kept_inverse<Inverted::kMounting>(model.install_angle_matrix));
+    const auto tool_T_flange = transform_of<double>(kept_inverse<Inverted::kTool>(model.tool_cs_matrix));
     const Transform<double> base_T_flange = base_T_world * transform_of<double>(world_T_tool) * tool_T_flange;  // (F1)
     const auto& t = base_T_flange.m;
     Wrist<Real> wrist;

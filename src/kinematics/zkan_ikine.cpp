@@ -23,8 +23,9 @@ float at_full_turn(float angle) {
 
 // base_T_flange of a tool at world_T_tool: without mounting and tool.
 Transform<float> flange_target(const RobotModel& model, const Matrix& world_T_tool) {
-    const Matrix base_T_tool = product<double>(frame_inverse(model.install_angle_matrix), world_T_tool);
-    return transform_of<float>(product<double>(base_T_tool, frame_inverse(model.tool_cs_matrix)));
+    const Matrix base_T_tool =
+        product<double>(kept_inverse<Inverted::kMounting>(model.install_angle_matrix), world_T_tool);
+    return transform_of<float>(product<double>(base_T_tool, kept_inverse<Inverted::kTool>(model.tool_cs_matrix)));
 }
 
 }  // namespace
@@ -32,7 +33,8 @@ Transform<float> flange_target(const RobotModel& model, const Matrix& world_T_to
 Matrix tool_target(const RobotModel& model, const Pose& pose, int flag) {
     Pose target = pose;
     if (flag == 1) target.quaternion = euler_to_quat(target.euler);
-    return product<double>(frame_inverse(model.work_cs_to_base_matrix), pose_quat_to_transformation_matrix(target));
+    return product<double>(kept_inverse<Inverted::kWorkFrame>(model.work_cs_to_base_matrix),
+                           pose_quat_to_transformation_matrix(target));
 }
 
 int solve_model(const RobotModel& model, const Search& search, const float* seed, const Pose& pose, float* joint,

@@ -1,6 +1,7 @@
 // The inverse of a frame, for the solvers that need three of them an answer.
 #pragma once
 
+#include <cstdint>
 #include <cstring>
 
 #include "zk/transform_types.h"
@@ -44,6 +45,27 @@ inline Matrix frame_inverse(const Matrix& T) {
     result.rows = result.cols = 4;
     std::memcpy(result.m, inverse, sizeof result.m);
     return result;
+}
+
+// The frames of a model that its solvers invert.
+enum class Inverted { kMounting, kTool, kWorkFrame };
+
+// The inverse of a frame that hardly ever changes: each thread keeps the last one of each kind, beside what it is the
+// inverse of.
+template <Inverted kind>
+const Matrix& kept_inverse(const Matrix& T) {
+    struct Kept {
+        bool is_known;
+        Matrix frame, inverse;
+    };
+    typedef std::uint64_t Words __attribute__((vector_size(16)));
+    thread_local Kept kept;
+    Words now[4], then[4];
+    std::memcpy(now, T.m, sizeof now);
+    std::memcpy(then, kept.frame.m, sizeof then);
+    const Words change = (now[0] ^ then[0]) | (now[1] ^ then[1]) | (now[2] ^ then[2]) | (now[3] ^ then[3]);
+    if (!kept.is_known || (change[0] | change[1]) != 0) kept = {true, T, frame_inverse(T)};
+    return kept.inverse;
 }
 
 }  // namespace zk
