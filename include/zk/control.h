@@ -25,7 +25,7 @@
 #include "zk/realtime.h"
 #include "zk/status.h"
 
-/* -------------------------------------------------------------------------------------------- Connect and close -- */
+/* --------------------------------------------------------------------------------------------- Connect and close -- */
 
 typedef enum ZK_ConnectFlag {
     ZK_STOP_AT_EXIT = 1, /* stop the arm when the process exits, or ends by SIGINT, SIGTERM or SIGHUP */
@@ -44,7 +44,7 @@ typedef struct ZK_ConnectOptions {
 /*
  * Connects to a controller and loads the data of its arm. Starts the library if nobody did. The process-wide model
  * becomes this arm's, as with Arm_Socket_Start, unless ZK_KEEP_MODEL is set; ZK_Arm_Model always has this arm's own.
- * Several threads may connect at once; none waits for
+ * If the controller pushes its state, ZK_Get_State reads it. Several threads may connect at once; none waits for
  * another's controller.
  *
  * host: name or address, IPv4 or IPv6. port: 1 to 65535. options: null for the defaults. arm: the handle, above
@@ -113,8 +113,61 @@ typedef enum ZK_StopKind {
  */
 ZK_API int ZK_Stop(ArmSocket arm, int kind);
 
-/* -------------------------------------------------------------------------------------------- Looking at a connection
- * -- */
+/* ------------------------------------------------------------------------------------------------------- Waiting -- */
+
+/* Waits until the controller reports no motion; it is asked every 100 ms. Returns 0; 7 after ms milliseconds; 19 when
+ * they are not above 0; the statuses of a blocking call. Application threads. */
+ZK_API int ZK_Wait_Idle(ArmSocket arm, int32_t ms);
+
+/* The end of a program. */
+typedef struct ZK_ProgramOutcome {
+    int32_t program;   /* id of the program that was seen running last, 0 for none */
+    int32_t line;      /* the line it was seen at last, as the controller counts */
+    int32_t run_state; /* ZK_ProgramState (zk/programs.h) at the end of the wait */
+} ZK_ProgramOutcome;
+
+/* Waits until no program runs; a paused one runs. The controller is asked every 100 ms. Returns 0; 7 after ms
+ * milliseconds; 19 when they are not above 0; the statuses of a blocking call. outcome, which may be null, is filled
+ * with 0 and 7. Application threads. */
+ZK_API int ZK_Wait_Program(ArmSocket arm, int32_t ms, ZK_ProgramOutcome* outcome);
+
+/*
+ * How far the running motion is: the share of the straight way of the joints from start to target, 0 to 1; 1 when the
+ * arm is at rest. The start is where the arm stood still last, or the target of the motion before when it did not stand
+ * still. Asks the controller for the target, which it reports for joint motions alone.
+ *
+ * Returns 0; ZK_NO_STATE when the last real-time record is older than a second or there is none, and for motions of
+ * another kind; the statuses of a blocking query. Application threads.
+ */
+ZK_API int ZK_Move_Progress(ArmSocket arm, float* share);
+
+/* --------------------------------------------------------------------------------------------------------- State -- */
+
+/* The last real-time record of an arm. */
+typedef struct ZK_State {
+    RobotStatus status;     /* errCode is 0 and arm_ip null */
+    int32_t joint_count;    /* values in each array of joints */
+    uint32_t sequence;      /* datagrams of this arm so far */
+    int64_t host_ns;        /* CLOCK_MONOTONIC when it was received */
+    double age_ms;          /* since then */
+    int64_t controller_ms;  /* the controller's own time of the record, -1 when it sends none */
+    double clock_offset_ms; /* host time minus controller time, the smallest of the last 256 records: that of the
+                               datagram that travelled fastest; 0 when it sends none */
+} ZK_State;
+
+/*
+ * Copies the last record of this arm, never half a datagram, and never waits. A datagram that cannot be read changes
+ * nothing. A datagram belongs to the arm whose controller has the sender's address and pushes to the port that it came
+ * to; where two connections share both, to the one in the lower slot. The port is the one that the controller named at
+ * the start-up. While something else holds it on this host, the listener of Arm_Socket_Start for example, there is no
+ * state, and the log says so.
+ *
+ * max_age_ms: 0 for any age. Returns 0; ZK_NO_STATE before the first record; ZK_STATE_TOO_OLD, the record copied all
+ * the same; 19 for null or a negative age; ZK_STALE_HANDLE. Any thread, also in callbacks.
+ */
+ZK_API int ZK_Get_State(ArmSocket arm, ZK_State* state, int32_t max_age_ms);
+
+/* --------------------------------------------------------------------------------------- Looking at a connection -- */
 
 typedef enum ZK_ConnectionState {
     ZK_CONNECTION_CLOSED, /* by ZK_Close; or there never was such a handle */

@@ -194,9 +194,8 @@ ZK_API int ZK_Connect(const char* host, int32_t port, const ZK_ConnectOptions* o
 
 ZK_API int ZK_Close(ArmSocket arm) {
     Line* line = Line::of(arm);
-    if (!line) return fail_stale();
-    close_stream(slot_of(arm));  // while the slot is still this connection's
-    if (!line->close(arm)) return fail_stale();
+    if (!line || !line->close(arm)) return fail_stale();
+    close_stream(arm);
     remove_arm(arm);
     return ZK_OK;
 }

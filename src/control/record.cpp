@@ -44,7 +44,7 @@ ZK_API int ZK_Connection(ArmSocket arm, ZK_ConnectionRecord* record) {
     record->unmatched = traffic.unmatched;
     record->dropped = traffic.dropped;
     record->late = traffic.late;
-    const StreamCounts stream = stream_counts(connection.slot());
+    const StreamCounts stream = stream_counts(arm);
     record->datagrams = stream.datagrams;
     record->datagrams_dropped = stream.dropped;
     const RoundTrips trips = round_trips(connection.slot());

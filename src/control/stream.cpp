@@ -123,6 +123,12 @@ std::array<Port, ZK_SLOTS> ports;
 std::array<LastRecord, ZK_SLOTS> published;
 int wake_up = -1;  // of the thread
 
+Stream* find_stream(ArmSocket handle) {
+    const auto found =
+        std::find_if(streams.begin(), streams.end(), [&](const Stream& stream) { return stream.handle == handle; });
+    return handle == 0 || found == streams.end() ? nullptr : &*found;
+}
+
 Port* find_port(int32_t number) {
     const auto found = std::find_if(ports.begin(), ports.end(),
                                     [&](const Port& port) { return port.socket >= 0 && port.number == number; });
@@ -161,12 +167,6 @@ Descriptor bound_socket(int32_t port) {
     if (four.get() < 0 || bind(four.get(), reinterpret_cast<sockaddr*>(&any_four), sizeof any_four) != 0)
         return Descriptor();
     return four;
-}
-
-int64_t monotonic_ns() {
-    timespec now;
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
 }
 
 // False when the datagram cannot be read; then nothing changes.
@@ -234,6 +234,20 @@ void wake() {
     (void)!::write(wake_up, &one, sizeof one);
 }
 
+// Ends the stream, and closes its port when no other stream uses it.
+void release(Stream& stream) {
+    if (stream.handle == 0) return;
+    stream.handle = 0;
+    const bool is_used = std::any_of(streams.begin(), streams.end(), [&](const Stream& other) {
+        return other.handle != 0 && other.port == stream.port;
+    });
+    if (is_used) return;
+    Port& unused = *find_port(stream.port);
+    close(unused.socket);
+    unused.socket = -1;
+    wake();
+}
+
 // Signals go to the application's threads.
 bool start_thread() {
     if (wake_up >= 0) return true;
@@ -256,11 +270,19 @@ bool start_thread() {
 
 }  // namespace
 
+int64_t monotonic_ns() {
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
+}
+
 int open_stream(int slot, ArmSocket handle, const char* peer, int32_t port) {
     in6_addr address;
-    if (!parse_address(peer, address)) return EINVAL;
+    if (!parse_address(peer, address) || port < 1 || port > 65535) return EINVAL;
     const std::lock_guard guard(lock);
     if (!start_thread()) return errno;
+    Stream& stream = streams[static_cast<size_t>(slot)];
+    release(stream);
     if (!find_port(port)) {
         Descriptor socket = bound_socket(port);
         if (socket.get() < 0) return errno;
@@ -268,7 +290,6 @@ int open_stream(int slot, ArmSocket handle, const char* peer, int32_t port) {
         free = {port, socket.release(), 0};
         wake();
     }
-    Stream& stream = streams[static_cast<size_t>(slot)];
     stream = {};
     stream.handle = handle;
     stream.peer = address;
@@ -276,30 +297,20 @@ int open_stream(int slot, ArmSocket handle, const char* peer, int32_t port) {
     return 0;
 }
 
-void close_stream(int slot) {
+void close_stream(ArmSocket handle) {
     const std::lock_guard guard(lock);
-    Stream& stream = streams[static_cast<size_t>(slot)];
-    if (stream.handle == 0) return;
-    const int32_t port = stream.port;
-    stream.handle = 0;
-    const bool is_used = std::any_of(streams.begin(), streams.end(),
-                                     [&](const Stream& other) { return other.handle != 0 && other.port == port; });
-    if (is_used) return;
-    Port& unused = *find_port(port);
-    close(unused.socket);
-    unused.socket = -1;
-    wake();
+    if (Stream* stream = find_stream(handle)) release(*stream);
 }
 
 bool last_record(int slot, ArmSocket handle, StreamRecord& record) {
     return published[static_cast<size_t>(slot)].copy(record) && record.handle == handle;
 }
 
-StreamCounts stream_counts(int slot) {
+StreamCounts stream_counts(ArmSocket handle) {
     const std::lock_guard guard(lock);
-    const Stream& stream = streams[static_cast<size_t>(slot)];
-    if (stream.handle == 0) return {};
-    return {stream.record.sequence, find_port(stream.port)->dropped};
+    const Stream* stream = find_stream(handle);
+    if (!stream) return {};
+    return {stream->record.sequence, find_port(stream->port)->dropped};
 }
 
 }  // namespace zk

@@ -16,12 +16,14 @@ struct StreamRecord {
     RobotStatus status;
 };
 
+int64_t monotonic_ns();
+
 // Receives the datagrams that the peer sends to a port of this host. Of two connections with one peer and one port the
 // first gets them. Returns 0, or the errno of a port that cannot be bound.
 int open_stream(int slot, ArmSocket handle, const char* peer, int32_t port);
 
 // Returns when no datagram of the connection is being handled. Without effect when it has no stream.
-void close_stream(int slot);
+void close_stream(ArmSocket handle);
 
 // Copies the last record; false before the first one of this connection. Never waits for the receiving thread.
 bool last_record(int slot, ArmSocket handle, StreamRecord& record);
@@ -30,6 +32,6 @@ struct StreamCounts {
     int64_t datagrams = 0;
     int64_t dropped = 0;  // on the port, of all senders: from no arm of ours, or not readable
 };
-StreamCounts stream_counts(int slot);
+StreamCounts stream_counts(ArmSocket handle);
 
 }  // namespace zk
