@@ -3,16 +3,19 @@
 #pragma once
 
 #include <fcntl.h>
+#include <netinet/in.h>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <deque>
 #include <functional>
+#include <future>
 #include <map>
 #include <memory>
 #include <thread>
@@ -89,6 +92,7 @@ inline const Command& command_of(const std::string& name) {
 // -------------------------------------------------------------------------------------------------------- Connection
 // --
 
+// A connection and the controller's end of it: a socket pair, or what the start-up opens.
 class Wire {
  public:
     Wire() {
@@ -99,20 +103,27 @@ class Wire {
         library_ = fcntl(ends[1], F_DUPFD_CLOEXEC, kAboveStatuses);
         close(ends[1]);
     }
-    ~Wire() { close(controller_); }  // the library closes its own
+    explicit Wire(int controller) : controller_(controller) {}
+    ~Wire() {
+        const linger at_once{1, 0};  // leaves no port behind
+        setsockopt(controller_, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
+        close(controller_);  // the library closes its own
+    }
     Wire(const Wire&) = delete;
     Wire& operator=(const Wire&) = delete;
 
-    ArmSocket library() const { return library_; }
+    void opened(ArmSocket library) { library_ = library > ZK_LARGEST_STATUS ? library : 0; }
+    ArmSocket library() const { return library_; }  // 0 while there is none
     void send(std::string_view bytes) {
         while (!bytes.empty()) {
             const ssize_t sent = ::send(controller_, bytes.data(), bytes.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+            if (sent < 0 && errno != EAGAIN) return;  // the library has closed
             sent > 0 ? bytes.remove_prefix(static_cast<std::size_t>(sent)) : let_others_run();
         }
     }
     bool is_read() const {
         int unread = 0;
-        return ioctl(library_, FIONREAD, &unread) == 0 && unread == 0;
+        return library_ == 0 || (ioctl(library_, FIONREAD, &unread) == 0 && unread == 0);
     }
     std::string requests() {
         char bytes[4096];
@@ -122,7 +133,29 @@ class Wire {
     void send_no_more() { shutdown(controller_, SHUT_WR); }
 
  private:
-    int controller_, library_;
+    int controller_;
+    std::atomic<ArmSocket> library_{0};
+};
+
+// Where a start-up connects to.
+class Listener {
+ public:
+    Listener() {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        expect(bind(descriptor_, reinterpret_cast<sockaddr*>(&address), size) == 0 && listen(descriptor_, 1) == 0,
+               "a port of the loopback is free");
+        getsockname(descriptor_, reinterpret_cast<sockaddr*>(&address), &size);
+        port_ = ntohs(address.sin_port);
+    }
+    int port() const { return port_; }
+    int accept() const { return ::accept(descriptor_, nullptr, nullptr); }
+
+ private:
+    int descriptor_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    int port_;
 };
 
 // The connection in the first slot stays open. A message on it shows when the receive thread has come round.
@@ -132,11 +165,13 @@ class Receiver {
         static Receiver only;
         return only;
     }
-    void come_round() {
-        std::atomic_ref count(Set_Arm_Power_Cmd[0].count);
-        count = 0;
-        wire_.send("{\"command\":\"set_arm_power\",\"arm_power\":true}\r\n");
-        wait_until([&] { return count.load() > 0; });
+    void come_round(std::size_t times = 1) {
+        for (; times > 0; --times) {
+            std::atomic_ref count(Set_Arm_Power_Cmd[0].count);
+            count = 0;
+            wire_.send("{\"command\":\"set_arm_power\",\"arm_power\":true}\r\n");
+            wait_until([&] { return count.load() > 0; });
+        }
     }
 
  private:
@@ -155,12 +190,25 @@ class Receiver {
 // A connection for the time of one input, and one call at a time on it.
 class Arm {
  public:
-    explicit Arm(int arm_mode) : receiver_(Receiver::started()) { Init_Socket_Joint(arm_mode, wire_.library()); }
+    explicit Arm(int arm_mode) : receiver_(Receiver::started()), wire_(std::make_unique<Wire>()) {
+        Init_Socket_Joint(arm_mode, wire_->library());
+    }
+    // The start-up is the first call.
+    Arm(int arm_mode, const Listener& controller) : receiver_(Receiver::started()) {
+        CUR_ARM_MODE = arm_mode;
+        std::promise<Wire*> wire;
+        start([&controller, accepted = wire.get_future().share()] {
+            const ArmSocket socket = Arm_Socket_Start("127.0.0.1", controller.port(), 0);
+            accepted.get()->opened(socket);
+        });
+        wire_ = std::make_unique<Wire>(controller.accept());
+        wire.set_value(wire_.get());
+    }
     ~Arm() {
-        wire_.send_no_more();
-        receiver_.come_round();
+        wire_->send_no_more();
+        receiver_.come_round(2 + std::min(sent_ / kBytesPerRound, kMostRounds));
         finish_call();
-        Arm_Socket_Close(wire_.library());
+        close();
         wait_until([] { return ZK_Queue_Empty(&Socket_Tx_Buffer) == 1; });
         expect(m_nSockeRIinfosLen == 0, "a call takes its entry off the pending list");
         forget();
@@ -169,31 +217,55 @@ class Arm {
     Arm& operator=(const Arm&) = delete;
 
     void send(std::string_view slice) {
-        wire_.send(slice);
-        wait_until([&] { return wire_.is_read(); });
+        sent_ += slice.size();
+        wire_->send(slice);
+        wait_until([&] { return wire_->is_read(); });
     }
-    std::string requests() { return wire_.requests(); }
-    void come_round() { receiver_.come_round(); }
+    std::string requests() { return wire_->requests(); }
+    // A silence that ends a message which is not whole.
+    void be_silent() {
+        receiver_.come_round();
+        pass(3001);
+        receiver_.come_round(2);
+    }
 
     void call(const std::string& name, Input arguments) {
         finish_call();
-        ended_ = false;
-        caller_ = std::thread([this, &command = command_of(name), arguments = std::move(arguments)] {
-            command(wire_.library(), arguments);
-            ended_ = true;
+        start([socket = wire_->library(), &command = command_of(name), arguments = std::move(arguments)] {
+            command(socket, arguments);
         });
     }
     bool has_ended() const { return ended_; }
+    // Lets time pass. A call that waits as long as the arm moves, or longer than any limit, ends with its connection.
     void finish_call() {
         if (!caller_.joinable()) return;
+        int seconds = 0;
         wait_until([&] {
-            if (!ended_) pass(1000);
-            return ended_.load();
+            if (ended_) return true;
+            pass(1000);
+            if (++seconds == kLongestLimit) close();
+            return false;
         });
         caller_.join();
     }
 
  private:
+    static constexpr int kLongestLimit = 200;              // seconds
+    static constexpr std::size_t kBytesPerRound = 7 * 16;  // the shortest messages that one turn dispatches
+    static constexpr std::size_t kMostRounds = 100;        // for all that a text may hold
+
+    void close() {
+        Arm_Socket_Close(wire_->library());
+        wire_->opened(0);
+    }
+    template <class Call>
+    void start(Call call) {
+        ended_ = false;
+        caller_ = std::thread([this, call = std::move(call)] {
+            call();
+            ended_ = true;
+        });
+    }
     // An input finds the library as the one before did.
     static void forget() {
 #define ZK_CLEAR(name) std::memset(static_cast<void*>(name), 0, 2 * sizeof name[0]);
@@ -201,10 +273,13 @@ class Arm {
 #undef ZK_CLEAR
         Algo_Init_Sys_Data(0, 0);
         Tool_Matrix = Frame_Matrix = Matrix{};
+        Curr_Robot_Type = Curr_Senser_Type = 0;
+        g_is_robot_type_i = 0;
     }
 
     Receiver& receiver_;
-    Wire wire_;
+    std::unique_ptr<Wire> wire_;
+    std::size_t sent_ = 0;
     std::thread caller_;
     std::atomic<bool> ended_{true};
 };

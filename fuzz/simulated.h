@@ -59,6 +59,7 @@ class Simulated {
         return std::exchange(replies_, {});
     }
     void step() { controller_.step(); }
+    bool has_seven_joints() const { return controller_.arm.joint_count() == 7; }
 
  private:
     static sim::Options options(std::uint8_t model) {

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr int kMostSteps = 1000;  // five seconds of simulated time for each input
+constexpr int kMostSteps = 400;  // two seconds of simulated time for each input
 
 void expect_messages(const std::string& replies) {
     for (std::size_t begin = 0, end; begin < replies.size(); begin = end + 2) {

@@ -37,8 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (action == 0) slice += '\0';
         arm.send(slice);
         if (action == 2) {
-            zk::fuzz::pass(3001);
-            arm.come_round();
+            arm.be_silent();
         } else if (action == 4 && ++calls <= kMostCalls) {
             arm.call(input.up_to_any(kActions), zk::fuzz::Input());
             await_request(arm);
