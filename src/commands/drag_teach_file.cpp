@@ -1,8 +1,8 @@
 // The trajectory of a drag teaching, from the controller to a local file.
-#include <mutex>
 #include <string>
 
 #include "commands/drag_point.h"
+#include "commands/drag_recording.h"
 #include "commands/transfer.h"
 #include "connection/exchange.h"
 #include "connection/reply.h"
@@ -11,64 +11,26 @@
 
 using namespace zk;
 
-FILE* F_SaveDragTeach = nullptr;
-int32_t drag_teach_count = 0;
 IntReply Save_Trajectory_Cmd[ZK_SLOTS];
 
 namespace {
 
-// The receive thread writes points while the application opens and closes the file. No thread waits under this lock.
-std::mutex file_lock;
-
-// The caller holds the lock. Null in F_SaveDragTeach means that the file is complete.
-void close_locked() {
-    if (FILE* file = read(F_SaveDragTeach)) std::fclose(file);
-    write<FILE*>(F_SaveDragTeach, nullptr, std::memory_order_release);
-}
-
-void close_file() {
-    const std::lock_guard lock(file_lock);
-    close_locked();
-}
-
-bool open_file(const char* path) {
-    const std::lock_guard lock(file_lock);
-    close_locked();
-    write(F_SaveDragTeach, std::fopen(path, "w+"));
-    return read(F_SaveDragTeach) != nullptr;
-}
-
-bool file_is_open() {
-    const std::lock_guard lock(file_lock);
-    return read(F_SaveDragTeach) != nullptr;
-}
-
 // Opens the file, sends the request and waits for the announcement.
 int ask_for_points(const Wait& connection, const std::string& path, int32_t limit) {
     if (const int status = connection.claim(Save_Trajectory_Cmd, Sharing::kAlone)) return status;
-    if (!open_file(path.c_str())) return ZK_FILE_NOT_CREATED;
+    if (!open_recording(path.c_str())) return ZK_FILE_NOT_CREATED;
     const size_t separator = last_separator(path);
     if (separator == path.npos) return ZK_BAD_PATH;
     Mailbox(Save_Trajectory_Cmd).clear(connection.slot());
     post(Request(connection.socket(), "save_trajectory").text("trajectory_name", path.c_str() + separator + 1));
     const int status = await(Save_Trajectory_Cmd, connection, limit);
-    if (status && status != ZK_TIMEOUT) close_file();
+    if (status && status != ZK_TIMEOUT) close_recording();
     return status;
 }
 
 }  // namespace
 
-void zk::save_drag_point(int slot, const char* message) {
-    const std::lock_guard lock(file_lock);
-    FILE* file = read(F_SaveDragTeach);
-    if (!file) return;
-    std::fprintf(file, "%s\n", message);
-    std::fflush(file);
-    write(drag_teach_count, read(drag_teach_count) + 1);
-    if (read(drag_teach_count) != read(Save_Trajectory_Cmd[slot].value)) return;
-    write(drag_teach_count, 0);
-    close_locked();
-}
+void zk::save_drag_point(int slot, const char* message) { record(message, read(Save_Trajectory_Cmd[slot].value)); }
 
 ZK_API int Save_Trajectory(ArmSocket s, const char* path, int32_t* total) {
     if (sending_file()) return ZK_SENDING_FILE;
@@ -86,8 +48,8 @@ ZK_API int Save_Drag_Teach_File_Block_NC_E(ArmSocket s, const char* path, int32_
     const int slot = connection.slot();
     *total = read(Save_Trajectory_Cmd[slot].value);
     const int result = mailbox.result(slot);
-    if (result == ZK_OK && file_is_open()) return ZK_OK;  // the points are still coming
-    if (result != ZK_OK) close_file();
+    if (result == ZK_OK && is_recording()) return ZK_OK;  // the points are still coming
+    if (result != ZK_OK) close_recording();
     mailbox.clear(slot);
     return result;
 }
@@ -97,7 +59,7 @@ ZK_API int Save_Drag_Teach_File_NonBlock(ArmSocket s, const char* path, int32_t*
     if (any_null(path, total)) return ZK_BAD_ARGUMENT;
     const Wait connection(s);
     if (const int status = ask_for_points(connection, path, read(m_nOutTime))) {
-        if (status == ZK_TIMEOUT) close_file();
+        if (status == ZK_TIMEOUT) close_recording();
         return status;
     }
     Mailbox mailbox(Save_Trajectory_Cmd);

@@ -75,7 +75,6 @@ TEST_F(DragTeach, AReplayCanBePausedContinuedAndStopped) {
     talk.push.forget();
     talk.send("run_drag_trajectory");
     talk.samples_until([&](const Sample& sample) { return sample.joints[0] > home[0] + 2; });
-    EXPECT_EQ(talk.ask("get_arm_current_trajectory").at("type"), "re_trajectory");
     EXPECT_TRUE(talk.ask("pause_drag_trajectory").at("pause_state"));
     talk.samples_until("pause");
     EXPECT_EQ(talk.ask("get_arm_current_trajectory").at("type"), "re_trajectory") << "it is not over";
