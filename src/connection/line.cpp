@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <thread>
 #include <utility>
 
 #include "connection/in_use.h"
@@ -115,14 +116,21 @@ void Line::lose(ArmSocket handle, const char* cause) {
         cause_ = cause;
         lost_.store(true, std::memory_order_release);
         shutdown(descriptor_, SHUT_RDWR);
+        reporter_ = std::this_thread::get_id();
     }
     report_change(handle, ZK_CONNECTION_LOST, cause);
+    const std::lock_guard guard(lock_);
+    reporter_ = {};
+    reported_.notify_all();
 }
 
 bool Line::close(ArmSocket handle) {
     int descriptor = -1;
     {
-        const std::lock_guard guard(lock_);
+        std::unique_lock guard(lock_);
+        reported_.wait(guard, [this] {
+            return reporter_ == std::thread::id() || reporter_ == std::this_thread::get_id();
+        });
         if (handle_ != handle) return false;
         handle_.store(0, std::memory_order_release);
         stops_at_exit = false;

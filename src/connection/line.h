@@ -6,11 +6,13 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 
 #include "connection/mailbox.h"
 #include "connection/slots.h"
@@ -81,6 +83,8 @@ class Line {
     std::atomic<int> descriptor_{-1};
     std::atomic<bool> lost_{false};
     std::string cause_;
+    std::thread::id reporter_;  // of the loss, while it calls the application
+    std::condition_variable reported_;
     Traffic traffic_;
     Heartbeat heartbeat_;
     std::string received_;

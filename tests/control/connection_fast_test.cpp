@@ -223,7 +223,7 @@ TEST_F(Connections, ReportEachChangeOnceAndEachFrame) {
     EXPECT_EQ(record.joint_count, 6);
     controller_.close();
     eventually([&] { return look_at(arm).state == ZK_CONNECTION_LOST; });
-    ZK_Close(arm);
+    ZK_Close(arm);  // after the report of the loss
     ZK_Set_Log(nullptr, nullptr, ZK_LOG_EVENTS);
     ZK_Set_Connection_Callback(nullptr, nullptr);
     EXPECT_EQ(journal.changes, (std::vector{ZK_CONNECTION_UP, ZK_CONNECTION_LOST, ZK_CONNECTION_CLOSED}));
