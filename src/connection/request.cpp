@@ -35,6 +35,23 @@ cJSON* number_item(double value) {
     return cJSON_CreateRaw(text);
 }
 
+// Whether a text is UTF-8, without checks for overlong forms and surrogates.
+bool is_utf8(const char* text) {
+    int following = 0;
+    for (; *text; ++text) {
+        const auto byte = static_cast<unsigned char>(*text);
+        const bool continues = (byte & 0xc0) == 0x80;
+        if (continues != (following > 0)) return false;
+        if (continues) {
+            --following;
+        } else {
+            following = byte < 0x80 ? 0 : byte < 0xe0 ? 1 : byte < 0xf0 ? 2 : byte < 0xf8 ? 3 : -1;
+        }
+        if (following < 0) return false;
+    }
+    return following == 0;
+}
+
 }  // namespace
 
 int32_t truncated(float value) {
@@ -119,6 +136,7 @@ Frame Request::frame() const {
     const std::unique_ptr<char, decltype(&cJSON_free)> text(cJSON_Print(tree_.get()), cJSON_free);
     if (!text) die("no memory for the request \"%s\"", command_);
     const size_t length = std::strlen(text.get());
+    if (is_handle(socket_) && !is_utf8(text.get())) return Frame{};
     if (length + 3 > static_cast<size_t>(frame_size_)) {
         if (is_handle(socket_)) return Frame{};
         die("the request \"%s\" takes %zu bytes, its frame holds %d", command_, length + 2, frame_size_ - 1);

@@ -103,7 +103,8 @@ class Request : public Fields<Request> {
     Request& joints(const char* key, const float* degrees);
 
     ArmSocket socket() const { return socket_; }
-    // Ends the process when the text does not fit the frame; for a handle the frame is empty then, and refused.
+    // Ends the process when the text does not fit the frame. For a handle the frame is empty then, and when the text is
+    // not UTF-8; it is refused.
     Frame frame() const;
 
  private:

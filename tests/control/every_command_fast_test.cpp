@@ -1,0 +1,100 @@
+// Every command of the interface, with extreme and odd arguments, on a controller that does not answer.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <deque>
+#include <limits>
+#include <nlohmann/json.hpp>
+
+#include "interface.h"
+#include "support/scaled_time.h"
+#include "support/start_up.h"
+
+namespace {
+
+using namespace zk::test;
+
+constexpr int kVariants = 6;
+
+// Room of an argument: enough for every record of the interface, filled with the bytes of the variant.
+using Memory = std::deque<std::vector<char>>;
+
+template <class T>
+T extreme_number(int variant) {
+    using Limits = std::numeric_limits<T>;
+    if constexpr (std::is_floating_point_v<T>) {
+        constexpr T kValues[kVariants] = {Limits::quiet_NaN(), Limits::infinity(),   -Limits::infinity(),
+                                          Limits::max(),       Limits::denorm_min(), T(-1)};
+        return kValues[variant];
+    } else {
+        constexpr T kValues[kVariants] = {Limits::max(), Limits::min(), T(-1), T(0), T(1), T(7)};
+        return kValues[variant];
+    }
+}
+
+template <class T>
+T extreme(int variant, Memory& memory) {
+    if constexpr (std::is_pointer_v<T>) {
+        using Element = std::remove_const_t<std::remove_pointer_t<T>>;
+        constexpr size_t kRoom = 4096, kLongText = 700;
+        std::vector<char>& room = memory.emplace_back(kRoom + 16 * sizeof(Element));
+        auto* const elements = reinterpret_cast<Element*>(room.data());
+        if constexpr (std::is_same_v<Element, char>) {
+            const std::string texts[kVariants] = {"",     "\"}\r\n{\"",           "\x80\xff\x01",
+                                                  "name", std::string(250, '\\'), std::string(kLongText, 'x')};
+            std::strcpy(room.data(), texts[variant].c_str());
+        } else if constexpr (std::is_arithmetic_v<Element>) {
+            for (int i = 0; i < 16; ++i) elements[i] = extreme_number<Element>(variant);
+        } else {
+            std::memset(room.data(), variant % 2 ? 0x7f : 0xff, room.size());
+        }
+        return elements;
+    } else if constexpr (std::is_same_v<T, bool>) {
+        return variant % 2 == 0;
+    } else if constexpr (std::is_arithmetic_v<T>) {
+        return extreme_number<T>(variant);
+    } else {
+        T record{};
+        if constexpr (std::is_trivially_copyable_v<T>) std::memset(&record, variant % 2 ? 0x41 : 0, sizeof record);
+        return record;
+    }
+}
+
+template <class... Arguments>
+int call(int (*command)(ArmSocket, Arguments...), ArmSocket arm, [[maybe_unused]] int variant) {
+    Memory memory;
+    return command(arm, extreme<Arguments>(variant, memory)...);
+}
+
+// A wait without an end hangs the test; a write outside of a buffer is AddressSanitizer's to see.
+TEST(EveryCommand, EndsInItsDeadlineAndSendsOneObjectAFrame) {
+    ScriptedController controller;
+    answer_start_up(controller);
+    ArmSocket arm = 0;
+    ASSERT_EQ(ZK_Connect("127.0.0.1", controller.port(), nullptr, &arm), 0) << ZK_Failure();
+    controller.ignore("get_joint_max_speed");
+    set_time_factor(100);
+    ASSERT_EQ(ZK_Set_Deadline(arm, 50, ZK_ALL_THREADS), 0);
+    for (int variant = 0; variant < kVariants; ++variant) {
+#define ZK_CALL(name)                                                                                             \
+    {                                                                                                             \
+        const int status = call(name, arm, variant);                                                              \
+        EXPECT_TRUE(status > ZK_CANCELLED || status == ZK_DEADLINE) << #name << " " << variant << ": " << status; \
+        EXPECT_STRNE(ZK_Status_Text(status), "unknown status") << #name << " " << variant << ": " << status;      \
+    }
+        ZK_EVERY_COMMAND(ZK_CALL)
+#undef ZK_CALL
+    }
+    EXPECT_EQ(ZK_Close(arm), 0);
+
+    int count = 0;
+    const std::string all = controller.received();
+    for (size_t start = 0, end; (end = all.find("\r\n", start)) != std::string::npos; start = end + 2) {
+        const auto frame = nlohmann::json::parse(all.substr(start, end - start), nullptr, false);
+        EXPECT_TRUE(frame.is_object()) << all.substr(start, end - start);
+        ++count;
+    }
+    EXPECT_GT(count, 1000);
+}
+
+}  // namespace
