@@ -3,6 +3,7 @@
 
 #include <future>
 #include <mutex>
+#include <set>
 
 #include "connection/waits.h"
 #include "support/scaled_time.h"
@@ -63,6 +64,22 @@ TEST_P(EveryWait, EndsAtOnceWhenItIsToEnd) {
     EXPECT_EQ(status_after([](ScriptedController&, ArmSocket arm) { EXPECT_EQ(ZK_Cancel(arm), 0); }), ZK_CANCELLED);
     EXPECT_EQ(status_after([](ScriptedController&, ArmSocket arm) { EXPECT_EQ(ZK_Close(arm), 0); }), ZK_NOT_CONNECTED);
     EXPECT_EQ(status_after([](ScriptedController& controller, ArmSocket) { controller.close(); }), ZK_LOST);
+}
+
+// What waits for the end of a motion, a program, a replay or a file is refused; anything else waits for its turn.
+TEST_P(EveryWait, SharesTheConnectionByTheRule) {
+    const std::set<std::string> alone = {"Movej_Cmd",      "Pos_Step_Cmd_Block",   "Set_Lift_Height",
+                                         "Expand_Set_Pos", "Set_Program_ID_Start", "Run_Drag_Trajectory",
+                                         "send_project",   "Set_Gripper_Pick",     "Auto_Fix_Joint_Over_Soft_Limit"};
+    const auto call_again = [&](ScriptedController&, ArmSocket arm) {
+        std::future<int> second = std::async(std::launch::async, [arm] { return GetParam().call(arm); });
+        const bool is_alone = alone.contains(GetParam().name);
+        // A cancel does not end a call that begins after it.
+        while (!is_alone && second.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) ZK_Cancel(arm);
+        EXPECT_EQ(second.get(), is_alone ? ZK_BUSY : ZK_CANCELLED);
+        ZK_Cancel(arm);
+    };
+    EXPECT_EQ(status_after(call_again), ZK_CANCELLED);
 }
 
 TEST_P(EveryWait, EndsAtItsDeadlineAndStopsTheArm) {
