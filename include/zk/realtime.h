@@ -1,7 +1,8 @@
 /*
  * The real-time stream. A controller sends its state as UDP datagrams at a configured cycle; Arm_Socket_Start prepares
  * the one listener of the process when the controller has the stream enabled. Take the state by a callback, or poll it.
- * Several arms share the listener: arm_ip is the sender's address.
+ * Several arms share the listener: arm_ip is the sender's address. On connections of ZK_Connect use ZK_Get_State
+ * (zk/control.h): each arm has a stream of its own there.
  */
 #ifndef ZK_REALTIME_H
 #define ZK_REALTIME_H
