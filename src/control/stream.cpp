@@ -11,6 +11,7 @@
 #include <array>
 #include <cerrno>
 #include <cmath>
+#include <condition_variable>
 #include <csignal>
 #include <cstring>
 #include <ctime>
@@ -113,6 +114,7 @@ struct Stream {
 struct Port {
     int32_t number = 0;
     int socket = -1;  // -1: free
+    bool is_closing = false;
     int64_t dropped = 0;
 };
 
@@ -121,7 +123,8 @@ std::mutex lock;
 std::array<Stream, ZK_SLOTS> streams;
 std::array<Port, ZK_SLOTS> ports;
 std::array<LastRecord, ZK_SLOTS> published;
-int wake_up = -1;  // of the thread
+int wake_up = -1;                // of the thread
+std::condition_variable closed;  // a port
 
 Stream* find_stream(ArmSocket handle) {
     const auto found =
@@ -210,12 +213,23 @@ bool receive(int descriptor) {
     return true;
 }
 
+// A port that the thread polls is free only after the poll, so the thread itself closes it.
+void close_ports() {
+    for (Port& port : ports) {
+        if (!std::exchange(port.is_closing, false)) continue;
+        close(port.socket);
+        port.socket = -1;
+    }
+    closed.notify_all();
+}
+
 void run() {
     for (;;) {
         std::array<pollfd, ZK_SLOTS + 1> wanted{{{wake_up, POLLIN, 0}}};
         nfds_t count = 1;
         {
             const std::lock_guard guard(lock);
+            close_ports();
             for (const Port& port : ports) {
                 if (port.socket >= 0) wanted[count++] = {port.socket, POLLIN, 0};
             }
@@ -235,7 +249,7 @@ void wake() {
 }
 
 // Ends the stream, and closes its port when no other stream uses it.
-void release(Stream& stream) {
+void release(Stream& stream, std::unique_lock<std::mutex>& guard) {
     if (stream.handle == 0) return;
     stream.handle = 0;
     const bool is_used = std::any_of(streams.begin(), streams.end(), [&](const Stream& other) {
@@ -243,9 +257,9 @@ void release(Stream& stream) {
     });
     if (is_used) return;
     Port& unused = *find_port(stream.port);
-    close(unused.socket);
-    unused.socket = -1;
+    unused.is_closing = true;
     wake();
+    closed.wait(guard, [&] { return !unused.is_closing; });
 }
 
 // Signals go to the application's threads.
@@ -279,15 +293,17 @@ int64_t monotonic_ns() {
 int open_stream(int slot, ArmSocket handle, const char* peer, int32_t port) {
     in6_addr address;
     if (!parse_address(peer, address) || port < 1 || port > 65535) return EINVAL;
-    const std::lock_guard guard(lock);
+    std::unique_lock guard(lock);
     if (!start_thread()) return errno;
     Stream& stream = streams[static_cast<size_t>(slot)];
-    release(stream);
-    if (!find_port(port)) {
+    release(stream, guard);
+    if (Port* known = find_port(port)) {
+        known->is_closing = false;
+    } else {
         Descriptor socket = bound_socket(port);
         if (socket.get() < 0) return errno;
         Port& free = *std::find_if(ports.begin(), ports.end(), [](const Port& p) { return p.socket < 0; });
-        free = {port, socket.release(), 0};
+        free = {port, socket.release(), false, 0};
         wake();
     }
     stream = {};
@@ -298,8 +314,8 @@ int open_stream(int slot, ArmSocket handle, const char* peer, int32_t port) {
 }
 
 void close_stream(ArmSocket handle) {
-    const std::lock_guard guard(lock);
-    if (Stream* stream = find_stream(handle)) release(*stream);
+    std::unique_lock guard(lock);
+    if (Stream* stream = find_stream(handle)) release(*stream, guard);
 }
 
 bool last_record(int slot, ArmSocket handle, StreamRecord& record) {

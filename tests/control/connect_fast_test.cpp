@@ -97,6 +97,7 @@ INSTANTIATE_TEST_SUITE_P(
         OddPeer{"ClosesLater", "get_realtime_push", "close", ZK_LOST, "closed"},
         OddPeer{"SpeaksHttp", "get_arm_software_info", "HTTP/1.1 400 Bad Request\r\n\r\n", ZK_NO_CONTROLLER,
                 "HTTP/1.1"},
+        OddPeer{"SpeaksInOtherLines", "get_arm_software_info", "SSH-2.0-x\n", ZK_NO_CONTROLLER, "SSH-2.0-x"},
         OddPeer{"SendsBrokenJson", "get_install_pose", "{\"state\":\"install_pose\",\r\n", ZK_NO_CONTROLLER, "install"},
         OddPeer{"LacksAKey", "get_joint_min_pos", "{\"state\":\"joint_min_pos\"}\r\n", ZK_NO_CONTROLLER, "key"},
         OddPeer{"HasOtherJoints", "get_joint_max_acc",
@@ -122,18 +123,26 @@ TEST(Connecting, FailuresHaveNamesAndLeaveEverythingAsItWas) {
     expect_same(before);
 }
 
-// A report between, a reply in single bytes, a product that names no arm, and the start of a message after the last
-// reply do not disturb.
+// A report between, a reply in single bytes, texts that are too long for their fields, and the start of a message after
+// the last reply do not disturb.
 TEST(Connecting, TakesRepliesAsTheyCome) {
+    ReportLog reports;
+    ZK_API_Init(65, ReportLog::callback);
     ScriptedController controller;
-    answer_start_up(controller, 6, "unknown");
+    answer_start_up(controller, 6, "unknown and long");
     const std::string frame = R"({"state":"current_work_frame","frame_name":"point","pose":[0,0,0,0,0,0]})";
     Pieces pieces{report_message(1)};
     for (const char byte : line(frame)) pieces.emplace_back(1, byte);
     controller.answer_bytes("get_current_work_frame", pieces);
-    controller.ignore("get_realtime_push");
+    const std::string report = report_message(2), address(40, '1');
+    controller.answer_bytes(
+        "get_realtime_push",
+        {line(R"({"state":"get_realtime_push","cycle":1,"enable":true,"port":9,"ip":")" + address + R"("})") +
+         report.substr(0, 9)});
     ArmSocket arm;
     ASSERT_EQ(connect_to(controller.port(), arm, 0, "localhost"), 0) << ZK_Failure();
+    controller.say_bytes({report.substr(9)});
+    EXPECT_EQ(reports.results(1), std::vector<int>{2});
     ZK_ConnectionRecord record;
     EXPECT_EQ(ZK_Connection(arm, &record), 0);
     EXPECT_EQ(record.model, -1);
@@ -146,6 +155,7 @@ TEST(Connecting, TakesRepliesAsTheyCome) {
 TEST(Connecting, SeveralConnectAtOnce) {
     ScriptedController silent, healthy;
     answer_start_up(healthy);
+    healthy.ignore("get_realtime_push");  // a controller may have no stream
     std::thread other([&] { EXPECT_EQ(status_of(silent.port()), ZK_LOST); });
     silent.wait_for_request("get_arm_software_info");
     EXPECT_EQ(status_of(healthy.port()), 0);

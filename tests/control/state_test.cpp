@@ -110,12 +110,22 @@ TEST_F(State, StreamsOfOneAddressAreToldApartByTheirPorts) {
     EXPECT_EQ(state_after(seven, other_port, datagram_of(7000, 7)).status.joint_position[6], 7.0f);
     EXPECT_EQ(state_after(six, port_, datagram_of(6001)).sequence, 2u);
     EXPECT_EQ(ZK_Close(six), 0);
+    EXPECT_EQ(UdpReceiver(port_).port(), port_) << "the port is free";
     EXPECT_EQ(state_after(seven, other_port, datagram_of(7001, 7)).sequence, 2u) << "closing one leaves the other";
 
     const ArmSocket again = connect();
     ZK_State state;
     EXPECT_EQ(ZK_Get_State(again, &state, 0), ZK_NO_STATE) << "nothing of the last connection of the slot";
     EXPECT_EQ(state_after(again, port_, datagram_of(6002)).sequence, 1u) << "the port is free again";
+}
+
+TEST_F(State, OfTwoConnectionsWithOneSenderAndPortTheFirstHasTheStream) {
+    const ArmSocket first = connect(), second = connect();
+    state_after(first, port_, datagram_of(1000));
+    ZK_State state;
+    EXPECT_EQ(ZK_Get_State(second, &state, 0), ZK_NO_STATE);
+    EXPECT_EQ(ZK_Close(first), 0);
+    EXPECT_EQ(state_after(second, port_, datagram_of(2000)).sequence, 1u);
 }
 
 TEST_F(State, APortThatIsTakenIsReported) {

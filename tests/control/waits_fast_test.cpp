@@ -5,9 +5,11 @@
 
 #include "control/connected.h"
 #include "support/arm.h"
+#include "support/datagram.h"
 #include "support/scaled_time.h"
 #include "support/simulator_process.h"
 #include "support/start_up.h"
+#include "support/udp.h"
 #include "zk/arm_state.h"
 #include "zk/control.h"
 #include "zk/motion.h"
@@ -33,7 +35,8 @@ TEST(Waiting, FollowsAMotionToItsEnd) {
     float there[7] = {60, 0, 0, 0, 0, 0}, joint[7];
     ASSERT_EQ(Movej_Cmd(arm, there, 20, 0, 0, false), 0);
     float last = 0;
-    while (last < 1) {
+    int looks = 0;
+    for (; last < 1; ++looks) {
         ASSERT_EQ(ZK_Get_State(arm, &state, 0), 0);
         const float before = state.status.joint_position[0];
         if (ZK_Move_Progress(arm, &share) != 0) continue;  // a starved stream
@@ -45,6 +48,7 @@ TEST(Waiting, FollowsAMotionToItsEnd) {
         }
         last = share;
     }
+    EXPECT_GT(looks, 1);
     EXPECT_EQ(ZK_Wait_Idle(arm, kLong), 0);
     ASSERT_EQ(Get_Joint_Degree(arm, joint), 0);
     EXPECT_NEAR(joint[0], 60, 0.01);
@@ -124,6 +128,45 @@ TEST_F(ScriptedWaits, ALateReplyDoesNotEndTheNextWait) {
     EXPECT_EQ(ZK_Wait_Program(arm_, kLong, &outcome), 0);
     EXPECT_EQ(outcome.program, 7);
     for (int i = 0; i < 4; ++i) EXPECT_NE(controller_.wait_for_request(kTrajectory), "");
+}
+
+// From where the arm stood still, and then from the target before when it does not stand still.
+TEST_F(ScriptedWaits, AProgressHasItsStart) {
+    const int port = reserve_udp_port();
+    controller_.answer("get_realtime_push", realtime_push_on(port));
+    const ArmSocket arm = connected(controller_.port());
+    uint32_t sent = 0;
+    const auto share_at = [&](int degrees, int target, int records = 1) {
+        nlohmann::json datagram = full_datagram();
+        datagram["joint_status"]["joint_position"] = std::vector<int>(6, 1000 * degrees);
+        ZK_State state;
+        for (int i = 0; i < records; ++i) {
+            send_datagram(port, datagram.dump());
+            ++sent;
+            eventually([&] { return ZK_Get_State(arm, &state, 0) == ZK_OK && state.sequence == sent; });
+        }
+        const nlohmann::json joints(std::vector<int>(6, 1000 * target));
+        controller_.answer(kTrajectory,
+                           R"({"state":"arm_current_trajectory","type":"movej","data":)" + joints.dump() + "}");
+        float share = -1;
+        EXPECT_EQ(ZK_Move_Progress(arm, &share), 0) << ZK_Failure();
+        return share;
+    };
+    share_at(1, 5);
+    EXPECT_FLOAT_EQ(share_at(0, 5, 6), 0);  // at rest
+    EXPECT_FLOAT_EQ(share_at(5, 10), 0.5f) << "seen first on its way";
+    EXPECT_FLOAT_EQ(share_at(8, 10), 0.8f);
+    EXPECT_FLOAT_EQ(share_at(15, 20), 0.5f) << "joined to the motion before";
+    EXPECT_FLOAT_EQ(share_at(30, 20), 1.0f);
+}
+
+TEST_F(ScriptedWaits, ALookWithoutAReplyFindsNothing) {
+    set_time_factor(1);
+    set_shared(m_nOutTime, 50);
+    controller_.answer_with(kTrajectory, [this, looks = 0](const std::string&) mutable {
+        return ++looks == 1 ? Pieces{} : Pieces{line(trajectory("none"))};
+    });
+    EXPECT_EQ(ZK_Wait_Idle(arm_, kLong), 0);
 }
 
 TEST_F(ScriptedWaits, EndAsTheyAreAsked) {
