@@ -163,7 +163,7 @@ TEST_F(ScriptedWaits, AProgressHasItsStart) {
 TEST_F(ScriptedWaits, ALookWithoutAReplyFindsNothing) {
     set_time_factor(1);
     set_shared(m_nOutTime, 50);
-    controller_.answer_with(kTrajectory, [this, looks = 0](const std::string&) mutable {
+    controller_.answer_with(kTrajectory, [looks = 0](const std::string&) mutable {
         return ++looks == 1 ? Pieces{} : Pieces{line(trajectory("none"))};
     });
     EXPECT_EQ(ZK_Wait_Idle(arm_, kLong), 0);
