@@ -123,8 +123,8 @@ std::mutex lock;
 std::array<Stream, ZK_SLOTS> streams;
 std::array<Port, ZK_SLOTS> ports;
 std::array<LastRecord, ZK_SLOTS> published;
-int wake_up = -1;                // of the thread
-std::condition_variable closed;  // a port
+int wake_up = -1;                             // of the thread
+auto& closed = *new std::condition_variable;  // a port; never destroyed: the thread outlives main
 
 Stream* find_stream(ArmSocket handle) {
     const auto found =
