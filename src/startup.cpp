@@ -134,8 +134,8 @@ void zk::put_work_frame(FrameRec& work) {
     g_work_pose = held.pose;
 }
 
-std::mutex& zk::start_lock() {
-    static auto& only = *new std::mutex;
+std::timed_mutex& zk::start_lock() {
+    static auto& only = *new std::timed_mutex;
     return only;
 }
 

@@ -52,7 +52,8 @@ typedef struct ZK_ConnectOptions {
  *
  * Returns 0; 19 for a bad argument; -1 when all 20 connections are taken; ZK_UNKNOWN_HOST; ZK_CONNECTION_REFUSED;
  * ZK_NO_ROUTE; ZK_NO_ANSWER when the time limit passed; ZK_LOST when the controller closed during the start-up;
- * ZK_NO_CONTROLLER when what answers is no controller of this family; ZK_WRONG_JOINT_COUNT. ZK_Failure says more. A
+ * ZK_NO_CONTROLLER when what answers is no controller of this family; ZK_WRONG_JOINT_COUNT; 4 when the system has no
+ * socket left; ZK_NO_MEMORY; 7 when a callback for the slot's last connection does not return. ZK_Failure says more. A
  * failure leaves other connections, the model and every descriptor as they were. Any thread, not in callbacks.
  */
 ZK_API int ZK_Connect(const char* host, int32_t port, const ZK_ConnectOptions* options, ArmSocket* arm);

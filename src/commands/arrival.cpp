@@ -12,7 +12,9 @@ constexpr int32_t kMotionPollMs = 100;
 constexpr int kMostFailedPolls = 6;
 constexpr int kMostIdlePolls = 50;
 
-bool arm_is_known() { return read(g_is_robot_type_i) != 0; }
+bool arm_is_known(const Connection& connection) {
+    return is_handle(connection.socket()) || read(g_is_robot_type_i) != 0;
+}
 
 // Returns a refusal that has arrived already. The count was cleared just before the request was queued, so this rarely
 // polls twice: a refused move ends by its report.
@@ -33,13 +35,16 @@ int early_refusal(const Connection& connection) {
 int move_and_arrive(const Request& request, Trajectory expected, int32_t trajectory_connect) {
     const Wait connection(request.socket());
     if (const int status = connection.claim(Move_Cmd, Sharing::kAlone)) return status;
-    Mailbox(Move_Cmd).clear(connection.slot());
-    Mailbox(Move_Receive_Cmd).clear(connection.slot());
-    if (const int status = post(request)) return status;
-
-    if (arm_is_known()) {
-        if (const int status = early_refusal(connection)) return status;
-        if (trajectory_connect != 0) return ZK_OK;
+    {
+        const Wait acceptance(request.socket());
+        if (const int status = acceptance.claim(Move_Receive_Cmd)) return status;
+        Mailbox(Move_Cmd).clear(connection.slot());
+        Mailbox(Move_Receive_Cmd).clear(connection.slot());
+        if (const int status = post(request)) return status;
+        if (arm_is_known(connection)) {
+            if (const int status = early_refusal(connection)) return status;
+            if (trajectory_connect != 0) return ZK_OK;
+        }
     }
     return await_report(connection, Device::kArm, [&](MotionPoll& motion) {
         int32_t type = 0;
@@ -57,7 +62,7 @@ int move_accepted(const Request& request) {
     if (const int status = connection.claim(mailbox)) return status;
     if (const int status = post(request)) return status;
     mailbox.clear(connection.slot());  // after queueing: an acknowledgement of an earlier move does not count
-    if (!arm_is_known()) return ZK_OK;
+    if (!arm_is_known(connection)) return ZK_OK;
     return await_result(mailbox, connection, kAcknowledgementMs, Take::kOne);
 }
 

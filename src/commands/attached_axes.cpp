@@ -148,7 +148,8 @@ static Request axis_pos(ArmSocket s, int32_t pos, int32_t speed) {
 }
 ZK_API int Expand_Set_Pos(ArmSocket s, int32_t pos, int32_t speed, bool block) {
     if (sending_file()) return ZK_SENDING_FILE;
-    sleep_cp(kPauseMs);
+    const Wait call(s);
+    if (const int status = sleep_before(call, kPauseMs)) return status;
     return block ? Expand_Set_Pos_Block(s, pos, speed) : Expand_Set_Pos_NonBlock(s, pos, speed);
 }
 ZK_API int Expand_Set_Pos_Block(ArmSocket s, int32_t pos, int32_t speed) {

@@ -8,6 +8,7 @@
 #include <deque>
 #include <mutex>
 #include <optional>
+#include <system_error>
 #include <thread>
 
 #include "connection/journal.h"
@@ -32,23 +33,24 @@ class Writer {
  public:
     bool open(const char* path) {
         if (!close()) return false;
+        FILE* const file = std::fopen(path, "w+");
         const std::lock_guard guard(lock_);
         failed_ = false;
-        write<FILE*>(F_SaveDragTeach, std::fopen(path, "w+"));
-        return read(F_SaveDragTeach) != nullptr;
+        write(F_SaveDragTeach, file);
+        return file != nullptr;
     }
 
     bool close() {
         std::unique_lock guard(lock_);
         if (!read(F_SaveDragTeach)) return true;
+        if (!start()) return false;
         closing_ = true;
-        start();
         changed_.notify_all();
         return changed_.wait_for(guard, std::chrono::milliseconds(read(m_nOutTime)), [this] { return !closing_; });
     }
 
     void add(const char* text, int32_t announced) {
-        if (!keep(text, announced)) report("the disk does not write, and points are lost");
+        if (!keep(text, announced)) report("the disk does not write, or no thread can be started; points are lost");
     }
 
  private:
@@ -56,15 +58,17 @@ class Writer {
         const std::lock_guard guard(lock_);
         if (!read(F_SaveDragTeach) || closing_) return true;
         if (waiting_.size() == kMostWaiting) return false;
+        if (!start()) return false;
         waiting_.push_back({text, announced});
-        start();
         changed_.notify_all();
         return true;
     }
 
-    void start() {
-        if (std::exchange(started_, true)) return;
-        std::thread([this] { run(); }).detach();
+    bool start() try {
+        if (!started_) std::thread([this] { run(); }).detach();
+        return started_ = true;
+    } catch (const std::system_error&) {
+        return false;
     }
 
     void run() {

@@ -35,7 +35,8 @@ void zk::save_drag_point(int slot, const char* message) { record(message, read(S
 ZK_API int Save_Trajectory(ArmSocket s, const char* path, int32_t* total) {
     if (sending_file()) return ZK_SENDING_FILE;
     if (any_null(path, total)) return ZK_BAD_ARGUMENT;
-    sleep_cp(2);
+    const Wait call(s);
+    if (const int status = sleep_before(call, 2)) return status;
     return Save_Drag_Teach_File_Block_NC_E(s, path, total);
 }
 

@@ -266,7 +266,8 @@ static Request clear_err(ArmSocket s, uint8_t joint) {
 AckReply Set_Joint_Clear_Err_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Err_Clear(ArmSocket s, uint8_t joint, bool block) {
     if (sending_file()) return ZK_SENDING_FILE;
-    sleep_cp(kPauseMs);
+    const Wait call(s);
+    if (const int status = sleep_before(call, kPauseMs)) return status;
     return block ? Set_Joint_Err_Clear_Block(s, joint) : Set_Joint_Err_Clear_NonBlock(s, joint);
 }
 ZK_API int Set_Joint_Err_Clear_Block(ArmSocket s, uint8_t joint) {
@@ -311,7 +312,8 @@ static Request zero_pos(ArmSocket s, uint8_t joint) {
 AckReply Set_Joint_Zero_Cmd[ZK_SLOTS];
 ZK_API int Set_Joint_Zero_Pos(ArmSocket s, uint8_t joint, bool block) {
     if (sending_file()) return ZK_SENDING_FILE;
-    sleep_cp(kPauseMs);
+    const Wait call(s);
+    if (const int status = sleep_before(call, kPauseMs)) return status;
     if (const int status = needs_connection(s)) return status;
     return block ? Set_Joint_Zero_Pos_Block(s, joint) : Set_Joint_Zero_Pos_NonBlock(s, joint);
 }

@@ -10,7 +10,8 @@ static constexpr int32_t kProbeLimitMs = 500;
 
 ZK_API int Arm_Socket_State(ArmSocket socket) {
     if (sending_file()) return ZK_SENDING_FILE;
-    sleep_cp(kPauseMs);
+    const Wait call(socket);
+    if (const int status = sleep_before(call, kPauseMs)) return status;
     if (const int status = needs_connection(socket)) return status;
     return suspended(Arm_Socket_State_Block, socket);
 }

@@ -22,9 +22,10 @@ AckReply Set_High_Speed_Eth_Cmd[ZK_SLOTS];
 ZK_API int Set_High_Speed_Eth(ArmSocket s, uint8_t mode, bool block) {
     if (sending_file()) return ZK_SENDING_FILE;
     if (!block) return Set_High_Speed_Eth_NonBlock(s, mode);
+    const Wait call(s);
     const int status = Set_High_Speed_Eth_Block(s, mode);
-    pause(Connection(s), 1000);
-    return status;
+    const int ended = sleep_before(call, 1000);
+    return status ? status : ended;
 }
 ZK_API int Set_High_Speed_Eth_Block(ArmSocket s, uint8_t mode) {
     return set(high_speed(s, mode), Set_High_Speed_Eth_Cmd);

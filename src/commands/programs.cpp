@@ -157,6 +157,7 @@ class Run {
 ZK_API int Set_Program_ID_Start_Block(ArmSocket s, int32_t id, int32_t speed) {
     const Wait connection(s);
     if (const int status = connection.claim(Run_Finish_Cmd, Sharing::kAlone)) return status;
+    if (const int status = connection.claim(Set_Program_ID_Start_Cmd)) return status;
     Mailbox(Set_Program_ID_Start_Cmd).clear(connection.slot());
     Mailbox(Run_Finish_Cmd).clear(connection.slot());
     if (const int status = post(start(s, id, speed))) return status;

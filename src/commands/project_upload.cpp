@@ -46,7 +46,7 @@ struct Program {
 int announce(ArmSocket s, const Program& program, const std::string& name, int32_t file_size) {
     Request request(s, "run_project");
     request.text("project_name", name.c_str()).number("file_size", file_size).number("plan_speed", program.plan_speed);
-    if (read(g_is_robot_type_i)) {
+    if (is_handle(s) || read(g_is_robot_type_i)) {
         request.number("auto_start", program.auto_start)
             .number("step_flag", program.step_flag)
             .number("save_id", program.save_id)
@@ -120,7 +120,8 @@ int send_project(ArmSocket s, std::string path, const Program& program, bool wit
     const Content content = read_file(path);
     if (!content.data) return ZK_FILE_UNREADABLE;
     const Wait connection(s);
-    if (const int status = announce(s, program, name, content.size)) return status;
+    const Transfer transfer(connection);
+    if (const int status = transfer.announced(announce(s, program, name, content.size))) return status;
     return send_bytes(connection, content.data.get(), content.size, err_line, progress);
 }
 

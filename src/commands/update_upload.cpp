@@ -74,7 +74,8 @@ int send_update(ArmSocket s, const char* given_path, int32_t length, Progress pr
     if (size >= 0) write(m_update_scale, 0);
     if (size < 1) return ZK_FILE_UNREADABLE;
     const Wait connection(s);
-    if (const int status = announce(s, path.substr(separator + 1), size)) return status;
+    const Transfer transfer(connection);
+    if (const int status = transfer.announced(announce(s, path.substr(separator + 1), size))) return status;
     return send_bytes(connection, path, progress);
 }
 

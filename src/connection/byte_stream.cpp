@@ -23,20 +23,35 @@ ByteStream::ByteStream(const Connection& connection, int32_t silence_limit)
       descriptor_(line_ ? line_->duplicate(connection.socket()) : fcntl(connection.socket(), F_DUPFD_CLOEXEC, 0)),
       silence_limit_(silence_limit) {
     release_request();
-    if (line_) ++line_->transfers;
+    if (line_) line_->begin_transfer(connection_.socket());
 }
 
 ByteStream::~ByteStream() {
-    if (line_) --line_->transfers;
+    if (line_) line_->end_transfer(connection_.socket());
     if (descriptor_ >= 0) close(descriptor_);
 }
 
+// The controller takes the next request for the rest of the file.
+static int lose_if_early(const Connection& connection, int status) {
+    Line* line = Line::of(connection.socket());
+    if (line && (status == ZK_CANCELLED || status == ZK_DEADLINE || status == ZK_TIMEOUT))
+        line->lose(connection.socket(), "a file transfer ended half-way");
+    return status;
+}
+
+Transfer::Transfer(const Connection& connection) : connection_(connection) {
+    if (Line* line = Line::of(connection.socket())) line->begin_transfer(connection.socket());
+}
+
+Transfer::~Transfer() {
+    if (Line* line = Line::of(connection_.socket())) line->end_transfer(connection_.socket());
+}
+
+int Transfer::announced(int status) const { return lose_if_early(connection_, status); }
+
 int ByteStream::write(const char* bytes, size_t size) {
     const int status = write_all(bytes, size);
-    // The controller takes the next request for the rest of the file.
-    if (line_ && (status == ZK_CANCELLED || status == ZK_DEADLINE))
-        line_->lose(connection_.socket(), "a file transfer ended half-way");
-    return status;
+    return lose_if_early(connection_, status);
 }
 
 int ByteStream::write_all(const char* bytes, size_t size) {

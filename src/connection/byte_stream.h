@@ -8,6 +8,21 @@
 
 namespace zk {
 
+// A file's way from its announcement to its verdict. On a connection of ZK_Connect nothing else is written meanwhile,
+// and the connection is lost when the file ends half-way.
+class Transfer {
+ public:
+    explicit Transfer(const Connection& connection);
+    ~Transfer();
+    Transfer(const Transfer&) = delete;
+    Transfer& operator=(const Transfer&) = delete;
+
+    int announced(int status) const;  // returns the status
+
+ private:
+    Connection connection_;
+};
+
 class ByteStream {
  public:
     // Duplicates the descriptor: if the connection is closed meanwhile, its number may become another file's.

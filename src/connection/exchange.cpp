@@ -17,16 +17,16 @@ static int post(ArmSocket socket, const Frame& frame) {
     }
     const Connection connection(socket);
     if (const int status = connection.status()) return status;
-    if (Line::at(connection.slot()).transfers > 0) return ZK_SENDING_FILE;
+    if (Line::at(connection.slot()).is_in_transfer()) return ZK_SENDING_FILE;
     if (frame.length < 1 || frame.length > static_cast<int>(sizeof TxFrame::data)) return ZK_BAD_ARGUMENT;
     return enqueue(socket, frame.text, frame.length);
 }
 int post(const Request& request) { return post(request.socket(), request.frame()); }
 
-static int stream(ArmSocket socket, const Frame& frame) {
+static int stream(ArmSocket socket, const Frame& frame, bool announces_file = false) {
     if (frame.length < 1) return -1;
     release_request();
-    return static_cast<int>(send_now(socket, frame.text, static_cast<size_t>(frame.length)));
+    return static_cast<int>(send_now(socket, frame.text, static_cast<size_t>(frame.length), announces_file));
 }
 int stream(const Request& request) { return stream(request.socket(), request.frame()); }
 
@@ -79,7 +79,7 @@ int set(ArmSocket socket, const Frame& frame, Mailbox mailbox, const SetForm& fo
     if ((!form.clears && !form.keeps_count) || is_handle(socket)) mailbox.clear(connection.slot());
 
     if (form.direct) {
-        if (stream(socket, frame) < 1) return ZK_SEND_FAILED;
+        if (stream(socket, frame, true) < 1) return ZK_SEND_FAILED;
     } else if (const int status = post(socket, frame)) {
         return status;
     }
@@ -88,17 +88,19 @@ int set(ArmSocket socket, const Frame& frame, Mailbox mailbox, const SetForm& fo
 
 int exchange(const Request& request, Mailbox mailbox, const QueryForm& form, void* record, bool& arrived) {
     const Wait connection(request.socket());
-    if (const int status = connection.claim(mailbox)) return status;
+    const int32_t start = Get_Program_Runtime(), limit = limit_of(form.limit);
+    if (const int status = connection.claim(mailbox, Sharing::kInTurn, limit)) return status;
     const int slot = connection.slot();
     const bool has_own_way = is_handle(request.socket());  // no late reply counts, and no other arm's record is wiped
     if (form.clears_before || has_own_way) mailbox.clear(slot);
 
     if (const int status = post(request)) return status;
-    if (const int status = await(mailbox, connection, limit_of(form.limit))) return counted(connection, status);
+    if (const int status = await(mailbox, connection, has_own_way ? limit - elapsed_since(start) : limit))
+        return counted(connection, status);
     form.clears_after || has_own_way ? mailbox.clear(slot) : mailbox.lower(slot);
     mailbox.copy(slot, record);
     int result = mailbox.result(slot);
-    if (form.wipes_first && !has_own_way) mailbox.wipe(0);
+    if (form.wipes_first && !has_own_way && !is_handle(read(SockInfo[0].socket))) mailbox.wipe(0);
     if (form.result_last) result = mailbox.result(slot);
     arrived = connection.is_open();  // otherwise the record may be that of the next connection
     return arrived ? result : int(ZK_NOT_CONNECTED);

@@ -2,12 +2,11 @@
 
 #include <fcntl.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
-#include <cstring>
-#include <thread>
 #include <utility>
 
 #include "connection/in_use.h"
@@ -59,9 +58,9 @@ ArmSocket Line::open(int descriptor, int32_t arm_mode, const Heartbeat& heartbea
         line.heartbeat_ = heartbeat;
         line.received_ = std::move(received);
         line.replies_due_ = 0;
-        line.transfers = 0;
+        line.transfers_ = 0;
         line.stops_at_exit = false;
-        line.lost_.store(false);
+        line.lost_ = line.introduced_ = line.is_loss_reported_ = false;
         line.heard(0);
         line.descriptor_.store(descriptor, std::memory_order_release);
         line.handle_.store(handle, std::memory_order_release);
@@ -81,13 +80,14 @@ std::string Line::cause() const {
     return cause_;
 }
 
-ssize_t Line::send(ArmSocket handle, const char* bytes, size_t size) {
+ssize_t Line::send(ArmSocket handle, const char* bytes, size_t size, bool announces_file) {
     ssize_t sent = -1;
     int error = EBADF;
     {
         const std::lock_guard guard(lock_);
-        error = transfers > 0 ? EBUSY : EBADF;
-        if (handle_ == handle && !lost_ && transfers == 0) {
+        const bool is_held = (transfers_ > 0 && !announces_file) || (stops_at_exit && process_ends);
+        error = is_held ? EBUSY : EBADF;
+        if (handle_ == handle && !lost_ && !is_held) {
             sent = send_on(descriptor_, bytes, size);
             error = errno;
         }
@@ -116,36 +116,49 @@ void Line::lose(ArmSocket handle, const char* cause) {
         cause_ = cause;
         lost_.store(true, std::memory_order_release);
         shutdown(descriptor_, SHUT_RDWR);
-        reporter_ = std::this_thread::get_id();
     }
-    report_change(handle, ZK_CONNECTION_LOST, cause);
-    const std::lock_guard guard(lock_);
-    reporter_ = {};
-    reported_.notify_all();
+    wake_receiver();
 }
 
+void Line::report_loss(ArmSocket handle) {
+    if (!is_loss_reported_.exchange(true)) report_change(handle, ZK_CONNECTION_LOST, cause().c_str());
+}
+
+void Line::introduce() {
+    introduced_ = true;
+    wake_receiver();
+}
+
+// The receive thread is out of the line before its slot is free.
 bool Line::close(ArmSocket handle) {
     int descriptor = -1;
     {
-        std::unique_lock guard(lock_);
-        reported_.wait(guard, [this] {
-            return reporter_ == std::thread::id() || reporter_ == std::this_thread::get_id();
-        });
+        const std::lock_guard guard(lock_);
         if (handle_ != handle) return false;
-        handle_.store(0, std::memory_order_release);
+        handle_.store(0, std::memory_order_seq_cst);
         stops_at_exit = false;
         descriptor = descriptor_.exchange(-1);
         shutdown(descriptor, SHUT_RDWR);
     }
-    const int slot = slot_of(handle);
+    const bool was_introduced = introduced_;
+    receive_use.wait_until_left(descriptor);
+    if (!on_receive_thread) dispatch_use.wait_until_left(slot_of(handle));
     forget_connection(handle);
     forget_frames(handle);
     wake_receiver();
-    receive_use.wait_until_left(descriptor);
-    if (!on_receive_thread) dispatch_use.wait_until_left(slot);
     ::close(descriptor);
-    report_change(handle, ZK_CONNECTION_CLOSED, "");
+    if (was_introduced) report_change(handle, ZK_CONNECTION_CLOSED, "");
     return true;
+}
+
+void Line::begin_transfer(ArmSocket handle) {
+    const std::lock_guard guard(lock_);
+    if (handle_ == handle) ++transfers_;
+}
+
+void Line::end_transfer(ArmSocket handle) {
+    const std::lock_guard guard(lock_);
+    if (handle_ == handle) --transfers_;
 }
 
 void Line::heard(ssize_t bytes) {
@@ -154,42 +167,59 @@ void Line::heard(ssize_t bytes) {
     last_beat_ = Clock::now().time_since_epoch().count();
 }
 
-int Line::beat() {
+int Line::beat(ArmSocket handle) {
     const auto period = heartbeat_.period;
     if (period.count() == 0 || is_lost()) return -1;
     const auto next = Clock::time_point(Clock::duration(last_beat_.load())) + period;
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now()).count();
     if (left > 0) return static_cast<int>(left);
     if (unanswered_ == kMostUnanswered) {
-        lose(handle(), "the controller fell silent: it answers no heartbeat");
+        lose(handle, "the controller fell silent: it answers no heartbeat");
         return -1;
     }
     last_beat_ = Clock::now().time_since_epoch().count();
-    ++unanswered_;
-    ++replies_due_;
-    send(handle(), heartbeat_.request.data(), heartbeat_.request.size());
+    const bool is_sent = send_silently(handle, heartbeat_.request.data(), heartbeat_.request.size()) > 0;
+    if (is_sent) {
+        ++unanswered_;
+        ++replies_due_;
+    }
     return static_cast<int>(period.count());
 }
 
 bool Line::takes(int slot, const char* message) {
     ++traffic_.messages_received;
+    const int code = Get_Json_KeyCode(message);
+    if (code == 0) ++traffic_.unmatched;
     // A call that waits for the same query may as well have the reply to a heartbeat.
-    if (replies_due_ > 0 && std::strstr(message, heartbeat_.reply) &&
-        !(heartbeat_.mailbox && is_claimed(slot, *heartbeat_.mailbox))) {
-        --replies_due_;
-        return false;
-    }
-    if (Get_Json_KeyCode(message) == 0) ++traffic_.unmatched;
-    return true;
+    if (replies_due_ == 0 || code != heartbeat_.reply || is_claimed(slot, *heartbeat_.mailbox)) return true;
+    --replies_due_;
+    return false;
 }
 
-ssize_t send_now(ArmSocket socket, const char* bytes, size_t size) {
+ssize_t send_silently(ArmSocket socket, const char* bytes, size_t size, bool announces_file) {
+    if (!is_handle(socket)) return send_on(socket, bytes, size);
     errno = EBADF;
     Line* line = Line::of(socket);
-    const ssize_t sent = !is_handle(socket) ? send_on(socket, bytes, size)
-                         : line             ? line->send(socket, bytes, size)
-                                            : -1;
+    return line ? line->send(socket, bytes, size, announces_file) : -1;
+}
+
+ssize_t send_now(ArmSocket socket, const char* bytes, size_t size, bool announces_file) {
+    const ssize_t sent = send_silently(socket, bytes, size, announces_file);
     if (sent > 0) log_frame(socket, Way::kSent, bytes, static_cast<size_t>(sent));
+    return sent;
+}
+
+bool send_beside(int descriptor, const char* bytes, size_t size, int milliseconds) {
+    sockaddr_storage peer{};
+    socklen_t length = sizeof peer;
+    auto* const address = reinterpret_cast<sockaddr*>(&peer);
+    if (getpeername(descriptor, address, &length) != 0) return false;
+    const int beside = socket(peer.ss_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const timeval limit{milliseconds / 1000, milliseconds % 1000 * 1000};
+    const bool sent = beside >= 0 && setsockopt(beside, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit) == 0 &&
+                      connect(beside, address, length) == 0 &&
+                      send_on(beside, bytes, size) == static_cast<ssize_t>(size);
+    if (beside >= 0) ::close(beside);
     return sent;
 }
 

@@ -6,13 +6,11 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 
 #include "connection/mailbox.h"
 #include "connection/slots.h"
@@ -34,7 +32,7 @@ struct Traffic {
 struct Heartbeat {
     std::chrono::milliseconds period{0};  // 0: none
     std::string request;
-    const char* reply = "";          // literal of its reply
+    int reply = 0;                   // key code of its reply
     std::optional<Mailbox> mailbox;  // of the calls that make the same query
 };
 
@@ -47,19 +45,29 @@ class Line {
     static Line* of(ArmSocket handle);
     static Line& at(int slot);
 
-    ArmSocket handle() const { return handle_.load(std::memory_order_acquire); }
+    ArmSocket handle() const { return handle_.load(std::memory_order_seq_cst); }
     bool is_lost() const { return lost_.load(std::memory_order_acquire); }
     std::string cause() const;  // why it is lost
     const Traffic& traffic() const { return traffic_; }
     Traffic& traffic() { return traffic_; }
 
     // Writes without waiting. Returns what send does; -1 on a line that is lost or closed, and while a file is on its
-    // way, since the controller would take the frame for a part of it. A frame that the system takes
-    // in part loses the line, since the rest cannot follow later.
-    ssize_t send(ArmSocket handle, const char* bytes, size_t size);
-    int duplicate(ArmSocket handle);                 // a descriptor of its own for the same connection, or -1
-    void lose(ArmSocket handle, const char* cause);  // reports the change once
-    bool close(ArmSocket handle);                    // false when another thread has closed it
+    // way, since the controller would take the frame for a part of it; the file's own announcement is written. A frame
+    // that the system takes in part loses the line, since the rest cannot follow later.
+    ssize_t send(ArmSocket handle, const char* bytes, size_t size, bool announces_file = false);
+    int duplicate(ArmSocket handle);  // a descriptor of its own for the same connection, or -1
+    // Ends the line; the receive thread reports it.
+    void lose(ArmSocket handle, const char* cause);
+    bool close(ArmSocket handle);  // false when another thread has closed it
+
+    // A file is on its way from now on; until then.
+    void begin_transfer(ArmSocket handle);
+    void end_transfer(ArmSocket handle);
+    bool is_in_transfer() const { return transfers_ > 0; }
+
+    // The application knows the connection: changes are reported from now on.
+    void introduce();
+    bool is_introduced() const { return introduced_; }
 
     // The receive thread's side: the descriptor, whose reads enter receive_use.
     int descriptor() const { return descriptor_.load(std::memory_order_acquire); }
@@ -67,12 +75,13 @@ class Line {
     void heard(ssize_t bytes);
     bool takes(int slot, const char* message);  // false for the reply to a heartbeat; counts
     // Sends the heartbeat when its time has come; loses the line after three without an answer. Returns the
-    // milliseconds to the next, or -1.
-    int beat();
+    // milliseconds to the next, or -1. The caller has entered dispatch_use.
+    int beat(ArmSocket handle);
+    bool has_loss_to_report() const { return lost_ && introduced_ && !is_loss_reported_; }
+    void report_loss(ArmSocket handle);
 
     // The calls that are in progress end when this changes.
     std::atomic<unsigned> cancels{0};
-    std::atomic<int> transfers{0};  // files on the way
     std::atomic<bool> stops_at_exit{false};
 
  private:
@@ -81,10 +90,9 @@ class Line {
     mutable std::mutex lock_;  // held for a write that does not wait, and while the descriptor changes
     std::atomic<ArmSocket> handle_{0};
     std::atomic<int> descriptor_{-1};
-    std::atomic<bool> lost_{false};
+    std::atomic<bool> lost_{false}, introduced_{false}, is_loss_reported_{false};
+    std::atomic<int> transfers_{0};
     std::string cause_;
-    std::thread::id reporter_;  // of the loss, while it calls the application
-    std::condition_variable reported_;
     Traffic traffic_;
     Heartbeat heartbeat_;
     std::string received_;
@@ -93,7 +101,17 @@ class Line {
 };
 
 // Sends on a connection of either kind, without waiting.
-ssize_t send_now(ArmSocket socket, const char* bytes, size_t size);
+ssize_t send_now(ArmSocket socket, const char* bytes, size_t size, bool announces_file = false);
+
+// The same without a line in the log, for where the application must not be called.
+ssize_t send_silently(ArmSocket socket, const char* bytes, size_t size, bool announces_file = false);
+
+// Sends on a new connection to the peer of a descriptor, for at most so long. Makes system calls alone: a signal
+// handler may call it.
+bool send_beside(int descriptor, const char* bytes, size_t size, int milliseconds);
+
+// Once set, connections with stops_at_exit send nothing but their stop.
+inline std::atomic<bool> process_ends{false};
 
 // Wakes the receive thread from its wait, after the table of connections has changed. Any thread.
 void wake_receiver();

@@ -57,6 +57,7 @@ void remove(PendingReply* list, int32_t* count, int32_t index) {
 }  // namespace
 
 PendingEntry::PendingEntry(ArmSocket socket, int key_code) : connection_(socket), key_code_(key_code) {
+    if (is_handle(socket) && (status_ = connection_.status())) return;
     ListLock lock;
     index_ = m_nSockeRIinfosLen;
     status_ = Add_List(SockeRIinfos, index_, socket, key_code, 0, 1);

@@ -36,14 +36,14 @@ constexpr int kIdlePollMs = 1000;
 
 // The descriptor that wakes the thread. Its number lies above those of the connections.
 int wake_descriptor() {
-    static const int descriptor = [] {
+    static const int kDescriptor = [] {
         const int low = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
         const int high = fcntl(low, F_DUPFD_CLOEXEC, 1023);
         if (high < 0) return low;
         close(low);
         return high;
     }();
-    return descriptor;
+    return kDescriptor;
 }
 
 class SlotReader {
@@ -54,7 +54,8 @@ class SlotReader {
     void turn(int slot) {
         const Connection now = Connection::at(slot);
         if (now.socket() != connection_.socket() || connection_.has_changed()) begin(now);
-        if (connection_.socket() == 0 || (line_ && line_->is_lost())) return;
+        if (connection_.socket() == 0) return;
+        if (line_ && line_->is_lost()) return report_loss();
         if (whole_ == 0) read();
         if (whole_ > 0) dispatch_some();
     }
@@ -64,13 +65,21 @@ class SlotReader {
         const Connection now = Connection::at(slot);
         if (now.socket() != connection_.socket() || connection_.has_changed())
             return now.socket() ? Needs::kTurn : Needs::kNothing;
-        if (connection_.socket() == 0 || (line_ && line_->is_lost())) return Needs::kNothing;
+        if (connection_.socket() == 0) return Needs::kNothing;
+        if (line_ && line_->is_lost()) return line_->has_loss_to_report() ? Needs::kTurn : Needs::kNothing;
         if (whole_ > 0) return Needs::kTurn;
         return length_ > 0 || overlong_ ? Needs::kBytesSoon : Needs::kBytes;
     }
     bool has_ended() const { return ended_; }
     int descriptor() const { return line_ ? line_->descriptor() : connection_.socket(); }
-    Line* line() const { return line_; }
+    // Milliseconds to the next heartbeat, or -1.
+    int beat() {
+        if (!line_) return -1;
+        dispatch_use.enter(connection_.slot());
+        const int left = is_current() ? line_->beat(connection_.socket()) : -1;
+        dispatch_use.leave();
+        return left;
+    }
 
  private:
     enum class Got { kBytes, kNothing, kEnd };
@@ -84,11 +93,22 @@ class SlotReader {
         last_byte_ = Get_Program_Runtime();
     }
 
+    // Checked after one of the uses is entered: then a close waits until it is left.
+    bool is_current() const {
+        return !connection_.has_changed() && (!line_ || line_->handle() == connection_.socket());
+    }
+
+    void report_loss() {
+        dispatch_use.enter(connection_.slot());
+        if (is_current() && line_->has_loss_to_report()) line_->report_loss(connection_.socket());
+        dispatch_use.leave();
+    }
+
     // Appends up to a chunk to the text. A zero byte ends a read.
     Got receive() {
         const int descriptor = this->descriptor();
         receive_use.enter(descriptor);
-        if (connection_.has_changed()) {
+        if (!is_current()) {
             receive_use.leave();
             return Got::kNothing;
         }
@@ -189,7 +209,7 @@ class SlotReader {
     void dispatch(char* message) {
         const int slot = connection_.slot();
         dispatch_use.enter(slot);
-        if (!connection_.has_changed()) {
+        if (is_current()) {
             log_frame(connection_.socket(), Way::kReceived, message, std::strlen(message));
             if (!line_) {
                 handle_Recv_Json(slot, message);
@@ -247,10 +267,8 @@ class Receiver {
                 timeout = std::min(timeout, kEndedPollMs);
                 continue;
             }
-            if (Line* line = reader.line()) {
-                const int left = line->beat();
-                if (left >= 0) timeout = std::min(timeout, left);
-            }
+            const int left = reader.beat();
+            if (left >= 0) timeout = std::min(timeout, left);
             slots[count] = slot;
             waits[count++] = {reader.descriptor(), POLLIN, 0};
         }

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "connection/die.h"
+#include "connection/journal.h"
 #include "connection/line.h"
 #include "connection/slots.h"
 #include "connection/transmit.h"
@@ -30,8 +31,8 @@ std::string command_of(const char* text, size_t bytes) {
     return std::string(request.substr(start + 1, request.find('"', start + 1) - start - 1));
 }
 
-void write_frame(TxFrame& frame) {
-    (void)send_now(frame.socket, bytes_of(frame), static_cast<size_t>(frame.length < 0 ? 0 : frame.length));
+ssize_t write_frame(TxFrame& frame) {
+    return send_silently(frame.socket, bytes_of(frame), static_cast<size_t>(frame.length < 0 ? 0 : frame.length));
 }
 
 // True while WriteThread checks IsSendFile, takes a frame and writes it.
@@ -39,9 +40,12 @@ std::atomic<bool> transmitting{false};
 
 void write_next_frame() {
     TxFrame frame{};
+    ssize_t sent = 0;
     transmitting.store(true, std::memory_order_seq_cst);
-    if (read(IsSendFile, std::memory_order_seq_cst) != 1 && ZK_Dequeue(&Socket_Tx_Buffer, &frame)) write_frame(frame);
+    if (read(IsSendFile, std::memory_order_seq_cst) != 1 && ZK_Dequeue(&Socket_Tx_Buffer, &frame))
+        sent = write_frame(frame);
     transmitting.store(false, std::memory_order_release);
+    if (sent > 0) log_frame(frame.socket, Way::kSent, bytes_of(frame), static_cast<size_t>(sent));
 }
 
 }  // namespace
@@ -93,6 +97,7 @@ int zk::enqueue(ArmSocket socket, const char* text, int32_t length) {
 }
 
 ZK_API void Add_Queue(int32_t socket, const char* text, int32_t length) {
+    wake_receiver();  // an application may have put the socket into the table itself
     const int status = enqueue(socket, text, length);
     if (status == ZK_NOT_RUNNING) {
         die("the request \"%s\" needs ZK_API_Init first, and again after ZK_API_UnInit",

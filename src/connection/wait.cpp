@@ -41,6 +41,7 @@ struct Claim {
     Mailbox mailbox;
     std::thread::id owner;
     const Wait* call;  // which releases it
+    ArmSocket socket;
     Clock::time_point since;
     bool is_timed;  // until its reply arrives
 };
@@ -88,10 +89,11 @@ int ended(Call& call, int status) {
 // Takes the mailbox if it is free or the thread's own.
 bool take(Desk& here, Mailbox mailbox, const Wait* call, bool is_timed) {
     const std::lock_guard guard(here.lock);
-    const auto held = std::find_if(here.claims.begin(), here.claims.end(),
-                                   [&](const Claim& claim) { return claim.mailbox == mailbox; });
+    const auto held = std::find_if(here.claims.begin(), here.claims.end(), [&](const Claim& claim) {
+        return claim.mailbox == mailbox && claim.socket == call->socket();
+    });
     if (held != here.claims.end()) return held->owner == std::this_thread::get_id();
-    here.claims.push_back({mailbox, std::this_thread::get_id(), call, Clock::now(), is_timed});
+    here.claims.push_back({mailbox, std::this_thread::get_id(), call, call->socket(), Clock::now(), is_timed});
     return true;
 }
 
@@ -107,6 +109,7 @@ int Connection::status() const {
     if (!is_open()) return ZK_NOT_CONNECTED;
     if (!is_handle(socket_)) return ZK_OK;
     const Line& line = Line::at(slot_);
+    if (line.handle() != socket_) return ZK_NOT_CONNECTED;
     if (line.is_lost()) return ZK_LOST;
     Call* call = call_on(*this);
     if (!call) return ZK_OK;
@@ -134,13 +137,13 @@ Wait::~Wait() {
     std::erase_if(here.claims, [this](const Claim& claim) { return claim.call == this; });
 }
 
-int Wait::claim(Mailbox mailbox, Sharing sharing) const {
+int Wait::claim(Mailbox mailbox, Sharing sharing, int32_t limit) const {
     if (const int status = this->status()) return status;
     if (!is_handle(socket())) return ZK_OK;
     const bool alone = sharing == Sharing::kAlone;
     for (const int32_t start = Get_Program_Runtime(); !take(desk(slot()), mailbox, this, !alone); sleep_cp(1)) {
         if (const int status = this->status()) return status;
-        if (alone || elapsed_since(start) >= read(m_nOutTime)) return ZK_BUSY;
+        if (alone || elapsed_since(start) >= (limit > 0 ? limit : read(m_nOutTime))) return ZK_BUSY;
     }
     return ZK_OK;
 }

@@ -24,7 +24,8 @@ class Wait : public Connection {
 
     // Takes a mailbox until the call ends. Returns 0; a status of the connection; ZK_BUSY. Call it before the request
     // is queued. Without effect on a connection of Arm_Socket_Start.
-    int claim(Mailbox mailbox, Sharing sharing = Sharing::kInTurn) const;
+    // limit: of the wait for the turn, ms; 0: m_nOutTime.
+    int claim(Mailbox mailbox, Sharing sharing = Sharing::kInTurn, int32_t limit = 0) const;
 };
 
 // Sleeps, in short steps where the wait may be ended early.

@@ -3,7 +3,7 @@
 
 #include <type_traits>
 
-#include "connection/slots.h"
+#include "connection/wait.h"
 #include "zk/status.h"
 
 namespace zk {
@@ -42,12 +42,24 @@ int suspended(Form form, Arguments... arguments) {
     return status;
 }
 
+// Sleeps as a part of the call. Returns what ends a call on a connection of ZK_Connect.
+inline int sleep_before(const Wait& call, int32_t milliseconds) {
+    pause(call, milliseconds);
+    return is_handle(call.socket()) ? call.status() : int(ZK_OK);
+}
+
+template <class... Others>
+ArmSocket first_of(ArmSocket socket, Others...) {
+    return socket;
+}
+
 // Checks, sleeps, then runs the blocking form with SuspendQueue raised or the other form without.
 template <class Block, class NonBlock, class... Arguments>
 int after_20_ms(bool block, Block block_form, NonBlock nonblock_form, Arguments... arguments) {
     if (sending_file()) return ZK_SENDING_FILE;
     if (any_null(arguments...)) return ZK_BAD_ARGUMENT;
-    sleep_cp(kPauseMs);
+    const Wait call(first_of(arguments...));
+    if (const int status = sleep_before(call, kPauseMs)) return status;
     return block ? suspended(block_form, arguments...) : nonblock_form(arguments...);
 }
 
@@ -61,7 +73,8 @@ template <class Form, class... Arguments>
 int after_2_ms(Form form, Arguments... arguments) {
     if (sending_file()) return ZK_SENDING_FILE;
     if (any_null(arguments...)) return ZK_BAD_ARGUMENT;
-    sleep_cp(2);
+    const Wait call(first_of(arguments...));
+    if (const int status = sleep_before(call, 2)) return status;
     return suspended(form, arguments...);
 }
 

@@ -77,7 +77,7 @@ Heartbeat heartbeat_of(const ZK_ConnectOptions& options) {
     const Frame frame = Request(0, "get_joint_max_speed").frame();
     return {.period = std::chrono::milliseconds(options.heartbeat_ms),
             .request = std::string(frame.text, static_cast<size_t>(frame.length)),
-            .reply = "joint_max_speed",
+            .reply = 1,  // the code of joint_max_speed
             .mailbox = Mailbox(Joint_Max_Speed_Cmd)};
 }
 
@@ -93,7 +93,6 @@ std::shared_ptr<const ZK_Model> geometry_of(const Introduction& arm) {
 
 void put_into_model(Introduction& arm) {
     if (arm.model < 0) return;
-    const std::lock_guard guard(start_lock());
     write(Curr_Robot_Type, arm.model);
     write(Curr_Senser_Type, arm.sensor);
     select_model();
@@ -120,6 +119,11 @@ int connect(const char* host, int32_t port, const ZK_ConnectOptions& options, Ar
               .model = found.model,
               .sensor = found.sensor,
               .geometry = geometry_of(found)};
+    std::unique_lock model(start_lock(), std::defer_lock);
+    const bool keeps_model = options.flags & ZK_KEEP_MODEL;
+    if (!keeps_model && !model.try_lock_for(std::chrono::milliseconds(attempt.left()))) {
+        return fail(ZK_NO_ANSWER, "an Arm_Socket_Start of another thread holds the process-wide model");
+    }
     start_library(found.arm_mode);
     const ArmSocket handle =
         Line::open(found.peer.descriptor.get(), found.arm_mode, heartbeat_of(options), std::move(found.rest));
@@ -128,7 +132,8 @@ int connect(const char* host, int32_t port, const ZK_ConnectOptions& options, Ar
     const Connection connection(handle);
     if (const int status = start_afresh(connection)) {
         Line::of(handle)->close(handle);
-        return fail(status, "a callback for the slot's last connection does not return");
+        return fail(status, status == ZK_LOST ? "the controller closed the connection after the start-up"
+                                              : "a callback for the slot's last connection does not return");
     }
     entry.handle = handle;
     add_arm(connection.slot(), std::move(entry));
@@ -137,13 +142,17 @@ int connect(const char* host, int32_t port, const ZK_ConnectOptions& options, Ar
             log(ZK_LOG_EVENTS, handle, "no real-time stream: port %d: %s", found.push.port, std::strerror(error));
         }
     }
-    if (!(options.flags & ZK_KEEP_MODEL)) put_into_model(found);
+    if (!keeps_model) {
+        put_into_model(found);
+        model.unlock();
+    }
     if (options.flags & ZK_STOP_AT_EXIT) {
         Line::at(connection.slot()).stops_at_exit = true;
         watch_the_exit();
     }
     *arm = handle;
     report_change(handle, ZK_CONNECTION_UP, "");
+    if (Line* line = Line::of(handle)) line->introduce();  // the callback may have closed it
     return ZK_OK;
 }
 
@@ -203,8 +212,9 @@ ZK_API int ZK_Close(ArmSocket arm) {
 ZK_API int ZK_Close_All() {
     int closed = 0;
     for (int slot = 0; slot < ZK_SLOTS; ++slot) {
-        const ArmSocket handle = Line::at(slot).handle();
-        if (handle != 0 && ZK_Close(handle) == ZK_OK) ++closed;
+        const Line& line = Line::at(slot);
+        const ArmSocket handle = line.handle();
+        if (handle != 0 && line.is_introduced() && ZK_Close(handle) == ZK_OK) ++closed;
     }
     return closed;
 }

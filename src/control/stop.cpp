@@ -1,12 +1,12 @@
 // Stops, written ahead of all queued requests.
-#include <cstring>
+#include <unistd.h>
+
+#include <string>
 
 #include "connection/journal.h"
 #include "connection/line.h"
 #include "connection/request.h"
 #include "connection/transmit.h"
-#include "control/arms.h"
-#include "control/dial.h"
 #include "control/failure.h"
 
 using namespace zk;
@@ -36,15 +36,11 @@ std::string bytes_of(int kind) {
 }
 
 // While a file is on its way, the controller would take the stop for a part of it.
-int send_beside(const Arm& arm, const std::string& bytes) {
-    Attempt attempt(kSecondConnectionMs);
-    Peer peer;
-    if (dial(arm.address.c_str(), arm.port, attempt, peer)) {
-        return fail(ZK_SEND_FAILED, "a file holds the connection, and a second one failed: %s", attempt.text());
-    }
-    const ssize_t sent = send_now(peer.descriptor.get(), bytes.data(), bytes.size());
-    return sent == static_cast<ssize_t>(bytes.size()) ? int(ZK_OK)
-                                                      : fail(ZK_SEND_FAILED, "the second connection took nothing");
+int send_on_second_connection(Line& line, ArmSocket arm, const std::string& bytes) {
+    const int descriptor = line.duplicate(arm);
+    const bool sent = send_beside(descriptor, bytes.data(), bytes.size(), kSecondConnectionMs);
+    if (descriptor >= 0) close(descriptor);
+    return sent ? int(ZK_OK) : fail(ZK_SEND_FAILED, "a file holds the connection, and a second one failed");
 }
 
 }  // namespace
@@ -55,10 +51,17 @@ ZK_API int ZK_Stop(ArmSocket arm, int kind) {
     Line* line = Line::of(arm);
     if (!line) return fail_stale();
     if (line->is_lost()) return fail(ZK_LOST, "%s", line->cause().c_str());
-    if (kind & ZK_DROP_QUEUED) forget_frames(arm);
-    log(ZK_LOG_EVENTS, arm, "stop of kind %d", kind & ~ZK_DROP_QUEUED);
-    if (line->transfers > 0) return send_beside(arm_of(arm), bytes);
-    if (send_now(arm, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size())) return ZK_OK;
-    return line->is_lost() ? fail(ZK_LOST, "%s", line->cause().c_str())
-                           : fail(ZK_SEND_FAILED, "the controller reads nothing");
+    if (kind & ZK_DROP_QUEUED) {
+        forget_frames(arm);
+        wait_for_frame();  // one that has left the queue goes out before the stop
+    }
+    const bool sent = send_silently(arm, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
+    int status = ZK_OK;
+    if (!sent) {
+        status = line->is_in_transfer() ? send_on_second_connection(*line, arm, bytes)
+                 : line->is_lost()      ? fail(ZK_LOST, "%s", line->cause().c_str())
+                                        : fail(ZK_SEND_FAILED, "the controller reads nothing");
+    }
+    log(ZK_LOG_EVENTS, arm, "stop of kind %d: %s", kind & ~ZK_DROP_QUEUED, ZK_Status_Text(status));
+    return status;
 }

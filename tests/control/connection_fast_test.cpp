@@ -208,6 +208,25 @@ TEST_F(Connections, AHeartbeatFindsASilentController) {
     EXPECT_EQ(ZK_Stop(arm, ZK_STOP), ZK_LOST);
 }
 
+TEST_F(Connections, AHeartbeatTakesNoAcknowledgement) {
+    ZK_ConnectOptions options{};
+    options.heartbeat_ms = 20;
+    const ArmSocket arm = connect(controller_, &options);
+    controller_.answer("set_joint_max_speed", done("set_joint_max_speed", "joint_max_speed"));
+    for (int i = 0; i < 10; ++i) EXPECT_EQ(Set_Joint_Speed_Block(arm, 1, 100), 0);
+}
+
+TEST_F(Connections, ATransferThatOutlivesItsConnectionLeavesTheNextAlone) {
+    const ArmSocket old = connect(controller_);
+    std::future<int> transfer = std::async(std::launch::async, [old] { return send_project(old); });
+    controller_.wait_for_request("file");
+    EXPECT_EQ(ZK_Close(old), 0);
+    const ArmSocket arm = connect(controller_);
+    EXPECT_EQ(transfer.get(), ZK_NOT_CONNECTED);
+    EXPECT_EQ(ZK_Stop(arm, ZK_STOP), 0);
+    EXPECT_EQ(first_speed(arm), 180);
+}
+
 struct Journal {
     std::mutex lock;
     std::vector<ZK_ConnectionState> changes;
