@@ -44,8 +44,9 @@ typedef struct ZK_ConnectOptions {
 /*
  * Connects to a controller and loads the data of its arm. Starts the library if nobody did. The process-wide model
  * becomes this arm's, as with Arm_Socket_Start, unless ZK_KEEP_MODEL is set; ZK_Arm_Model always has this arm's own.
- * If the controller pushes its state, ZK_Get_State reads it. Several threads may connect at once; none waits for
- * another's controller.
+ * If the controller pushes its state, ZK_Get_State reads it. Several threads may connect at once, and none
+ * waits for another's controller; without ZK_KEEP_MODEL it waits for a start-up of Arm_Socket_Start, within its time
+ * limit.
  *
  * host: name or address, IPv4 or IPv6. port: 1 to 65535. options: null for the defaults. arm: the handle, above
  * ZK_LARGEST_STATUS; 0 on failure.
@@ -67,8 +68,9 @@ ZK_API int ZK_Close(ArmSocket arm);
 /* Closes all connections of ZK_Connect. Returns how many. */
 ZK_API int ZK_Close_All(void);
 
-/* What the last failing call of this header on the calling thread has to say beyond its status: names, numbers, the
- * system's own error. Valid until the thread's next call; "" before the first failure. */
+/* What the last of ZK_Connect, ZK_Close, ZK_Stop, ZK_Set_Deadline, ZK_Connection and ZK_Get_State that failed on the
+ * calling thread has to say beyond its status: names, numbers, the system's own error. Valid until the thread's next
+ * call; "" before the first failure. */
 ZK_API const char* ZK_Failure(void);
 
 /* A new model of the arm as its controller described it at the start-up. Free it with ZK_Model_Free. Returns null for
@@ -107,7 +109,8 @@ typedef enum ZK_StopKind {
 
 /*
  * Writes the stop at once, ahead of every queued frame of any arm, and does not wait for the reply. While a file is
- * sent on this connection, the stop goes out on a second connection to the same controller.
+ * sent on this connection, the stop goes out on a second connection to the same controller, which takes up to a second
+ * when the controller does not accept it.
  *
  * Returns 0 when the system took the bytes; 6 when it did not, since the controller does not read; 19 for another
  * kind; ZK_LOST; ZK_STALE_HANDLE. Any thread, also in callbacks.
