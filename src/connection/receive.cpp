@@ -55,9 +55,10 @@ class SlotReader {
         const Connection now = Connection::at(slot);
         if (now.socket() != connection_.socket() || connection_.has_changed()) begin(now);
         if (connection_.socket() == 0) return;
-        if (line_ && line_->is_lost()) return report_loss();
-        if (whole_ == 0) read();
-        if (whole_ > 0) dispatch_some();
+        const bool is_lost = line_ && line_->is_lost();
+        if (whole_ == 0 && !is_lost) read();
+        if (whole_ > 0) return dispatch_some();  // what came before the loss counts
+        if (is_lost) report_loss();
     }
 
     // The descriptor to wait at, and how; a connection that a turn has not seen yet needs one.
@@ -66,8 +67,8 @@ class SlotReader {
         if (now.socket() != connection_.socket() || connection_.has_changed())
             return now.socket() ? Needs::kTurn : Needs::kNothing;
         if (connection_.socket() == 0) return Needs::kNothing;
-        if (line_ && line_->is_lost()) return line_->has_loss_to_report() ? Needs::kTurn : Needs::kNothing;
         if (whole_ > 0) return Needs::kTurn;
+        if (line_ && line_->is_lost()) return line_->has_loss_to_report() ? Needs::kTurn : Needs::kNothing;
         return length_ > 0 || overlong_ ? Needs::kBytesSoon : Needs::kBytes;
     }
     bool has_ended() const { return ended_; }

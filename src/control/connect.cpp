@@ -221,8 +221,11 @@ ZK_API int ZK_Close_All() {
 
 ZK_API const char* ZK_Failure() { return failure_text; }
 
-ZK_API ZK_Model* ZK_Arm_Model(ArmSocket arm) {
+ZK_API ZK_Model* ZK_Arm_Model(ArmSocket arm) try {
     const Arm found = arm_of(arm);
     if (found.handle == 0) fail_stale();
     return found.geometry ? ZK_Model_Clone(found.geometry.get()) : nullptr;
+} catch (const std::bad_alloc&) {
+    fail(ZK_NO_MEMORY, "%s", ZK_Status_Text(ZK_NO_MEMORY));
+    return nullptr;
 }

@@ -1,6 +1,7 @@
 // Looking at a connection.
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "connection/journal.h"
 #include "connection/line.h"
@@ -20,7 +21,7 @@ void copy_cut(const std::string& text, char (&field)[size]) {
 
 }  // namespace
 
-ZK_API int ZK_Connection(ArmSocket arm, ZK_ConnectionRecord* record) {
+ZK_API int ZK_Connection(ArmSocket arm, ZK_ConnectionRecord* record) try {
     if (!record) return fail(ZK_BAD_ARGUMENT, "the place for the record is null");
     *record = {};
     Line* line = Line::of(arm);
@@ -52,6 +53,8 @@ ZK_API int ZK_Connection(ArmSocket arm, ZK_ConnectionRecord* record) {
     record->round_trip_median_ms = trips.median;
     record->round_trip_worst_ms = trips.worst;
     return connection.is_open() ? int(ZK_OK) : fail_stale();
+} catch (const std::bad_alloc&) {
+    return fail(ZK_NO_MEMORY, "%s", ZK_Status_Text(ZK_NO_MEMORY));
 }
 
 ZK_API void ZK_Set_Connection_Callback(ZK_ConnectionCallback callback, void* context) {
