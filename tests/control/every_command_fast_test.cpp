@@ -55,7 +55,7 @@ T extreme(int variant, Memory& memory) {
         return extreme_number<T>(variant);
     } else {
         T record{};
-        if constexpr (std::is_trivially_copyable_v<T>) std::memset(&record, variant % 2 ? 0x41 : 0, sizeof record);
+        if constexpr (std::is_trivially_copyable_v<T>) std::memset(&record, variant % 2, sizeof record);
         return record;
     }
 }
