@@ -134,8 +134,8 @@ void zk::put_work_frame(FrameRec& work) {
     g_work_pose = held.pose;
 }
 
-std::timed_mutex& zk::start_lock() {
-    static auto& only = *new std::timed_mutex;
+std::mutex& zk::start_lock() {
+    static auto& only = *new std::mutex;
     return only;
 }
 

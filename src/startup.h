@@ -9,7 +9,7 @@ namespace zk {
 
 // Held while a connection's data go into the process-wide model, and over the start-up of Arm_Socket_Start: the process
 // has one model and one listener, and a close frees the slots after its own.
-std::timed_mutex& start_lock();
+std::mutex& start_lock();
 
 // Drops the replies to the slot's last connection. The receive thread may still dispatch one of them, and calls the
 // application while it does. Returns 0, 5 or 7.

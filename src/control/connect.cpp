@@ -121,7 +121,8 @@ int connect(const char* host, int32_t port, const ZK_ConnectOptions& options, Ar
               .geometry = geometry_of(found)};
     std::unique_lock model(start_lock(), std::defer_lock);
     const bool keeps_model = options.flags & ZK_KEEP_MODEL;
-    if (!keeps_model && !model.try_lock_for(std::chrono::milliseconds(attempt.left()))) {
+    for (; !keeps_model && !model.try_lock(); sleep_cp(1)) {
+        if (attempt.left() > 0) continue;
         return fail(ZK_NO_ANSWER, "an Arm_Socket_Start of another thread holds the process-wide model");
     }
     start_library(found.arm_mode);
