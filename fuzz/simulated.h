@@ -13,8 +13,8 @@
 
 #include "input.h"
 #include "simulator/controller.h"
-#include "simulator/note.h"
-#include "simulator/session.h"
+#include "simulator/wire/note.h"
+#include "simulator/wire/session.h"
 
 namespace zk::fuzz {
 

@@ -1,6 +1,6 @@
 #include "clock.h"
 
-#include "note.h"
+#include "wire/note.h"
 
 namespace sim {
 namespace {

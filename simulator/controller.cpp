@@ -3,9 +3,9 @@
 #include <cmath>
 #include <numbers>
 
-#include "commands.h"
-#include "inverse.h"
-#include "note.h"
+#include "commands/commands.h"
+#include "motion/inverse.h"
+#include "wire/note.h"
 
 namespace sim {
 namespace {

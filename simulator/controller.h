@@ -8,19 +8,19 @@
 #include <string>
 #include <string_view>
 
-#include "arm.h"
-#include "client.h"
-#include "command_table.h"
-#include "devices.h"
-#include "drag_teach.h"
-#include "files.h"
-#include "force_hold.h"
-#include "force_sensor.h"
-#include "frames.h"
-#include "modbus.h"
+#include "devices/devices.h"
+#include "devices/drag_teach.h"
+#include "devices/force_hold.h"
+#include "devices/force_sensor.h"
+#include "devices/modbus.h"
+#include "motion/arm.h"
+#include "motion/frames.h"
 #include "options.h"
-#include "program.h"
-#include "push.h"
+#include "programs/files.h"
+#include "programs/program.h"
+#include "push/push.h"
+#include "wire/client.h"
+#include "wire/command_table.h"
 
 namespace sim {
 

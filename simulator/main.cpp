@@ -6,10 +6,10 @@
 #include <iostream>
 
 #include "clock.h"
-#include "commands.h"
-#include "note.h"
-#include "push_sender.h"
-#include "server.h"
+#include "commands/commands.h"
+#include "push/push_sender.h"
+#include "wire/note.h"
+#include "wire/server.h"
 
 namespace sim {
 namespace {

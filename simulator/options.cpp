@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "devices.h"
+#include "devices/devices.h"
 
 namespace sim {
 namespace {

@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
-#include "drag_teach.h"
-#include "files.h"
-#include "force_hold.h"
-#include "force_sensor.h"
-#include "frames.h"
-#include "push.h"
-#include "robot_model.h"
+#include "devices/drag_teach.h"
+#include "devices/force_hold.h"
+#include "devices/force_sensor.h"
+#include "motion/frames.h"
+#include "motion/robot_model.h"
+#include "programs/files.h"
+#include "push/push.h"
 
 namespace sim {
 

@@ -1,0 +1,54 @@
+// Injects faults by request: {"command": "zk_sim_fault", ...} with any of the keys below.
+
+#include <algorithm>
+
+#include "commands/commands.h"
+#include "controller.h"
+
+namespace sim {
+namespace {
+
+std::set<std::string> known_commands(const Call& call, const char* key) {
+    const std::vector<std::string> names = call.request.texts(key);
+    for (const std::string& name : names) {
+        if (!call.controller.commands().find(name)) throw BadRequest("unknown command '" + name + "'");
+    }
+    return {names.begin(), names.end()};
+}
+
+// The fault of the next file transfers: {"kind": ..., "at": ...}.
+TransferFault transfer_fault(const Request& fault) {
+    const TransferFault transfer{fault.text("kind"), fault.has("at") ? fault.integer("at", 0) : 0};
+    if (!is_transfer_fault(transfer.kind)) throw BadRequest("unknown fault of a transfer '" + transfer.kind + "'");
+    return transfer;
+}
+
+// Reads the whole request before it changes anything.
+bool set_faults(Call& call) {
+    constexpr int kMaxWord = 65535;
+    constexpr int kMaxDelayMs = 60'000;
+    const Request& request = call.request;
+    Arm& arm = call.controller.arm;
+    Faults faults = call.controller.faults;
+    if (request.has("silent_on")) faults.silent_on = known_commands(call, "silent_on");
+    if (request.has("refuse_on")) faults.refuse_on = known_commands(call, "refuse_on");
+    if (request.has("delay_ms")) faults.delay_ms = request.integer("delay_ms", 0, kMaxDelayMs);
+    if (request.has("transfer")) faults.transfer = transfer_fault(request.object("transfer"));
+    const auto word = [&](const char* key, int now) {
+        return request.has(key) ? request.integer(key, 0, kMaxWord) : now;
+    };
+    const int arm_err = word("arm_err", arm.arm_error()), sys_err = word("sys_err", arm.system_error());
+    std::vector<int> joint_errors;
+    if (request.has("joint_err")) joint_errors = request.integers("joint_err", arm.joint_count());
+
+    call.controller.faults = std::move(faults);
+    arm.set_errors(arm_err, sys_err);
+    for (size_t i = 0; i < joint_errors.size(); ++i) arm.set_joint_error(i, std::clamp(joint_errors[i], 0, kMaxWord));
+    return true;
+}
+
+}  // namespace
+
+void add_fault_commands(CommandTable& table) { table.set("zk_sim_fault", "done", set_faults); }
+
+}  // namespace sim

@@ -1,0 +1,70 @@
+// The gripper. The end of a motion with "block": true is reported; that of any other is not.
+
+#include "commands/commands.h"
+#include "controller.h"
+
+namespace sim {
+namespace {
+
+constexpr int kMaxSpeed = 1000;  // units of opening per second
+constexpr int kMinForce = 50, kMaxForce = 1000;
+
+// Each reads its whole request before anything moves.
+bool release(Call& call) {
+    Gripper& gripper = call.controller.devices.gripper;
+    const int speed = call.request.integer("speed", 1, kMaxSpeed);
+    gripper.audience.expect(call.client, wants_report(call.request));
+    gripper.go(gripper.widest, speed, 0, Gripper::Mode::kPosition);
+    return true;
+}
+
+Action pick(Gripper::Mode mode) {
+    return [mode](Call& call) {
+        Gripper& gripper = call.controller.devices.gripper;
+        const int speed = call.request.integer("speed", 1, kMaxSpeed);
+        const int force = call.request.integer("force", kMinForce, kMaxForce);
+        gripper.audience.expect(call.client, wants_report(call.request));
+        gripper.go(gripper.narrowest, speed, force, mode);
+        return true;
+    };
+}
+
+bool position(Call& call) {
+    Gripper& gripper = call.controller.devices.gripper;
+    const int opening = call.request.integer("position", gripper.narrowest, gripper.widest);
+    gripper.audience.expect(call.client, wants_report(call.request));
+    gripper.go(opening, kMaxSpeed, kMinForce, Gripper::Mode::kPosition);
+    return true;
+}
+
+bool route(Call& call) {
+    const int min = call.request.integer("min", 0, Gripper::kOpen - 1);
+    const int max = call.request.integer("max", min + 1, Gripper::kOpen);
+    call.controller.devices.gripper.narrowest = min;
+    call.controller.devices.gripper.widest = max;
+    return true;
+}
+
+Json state(Call& call) {
+    const Gripper& gripper = call.controller.devices.gripper;
+    return {{"enable", 1},
+            {"status", 1},
+            {"error", 0},
+            {"mode", static_cast<int>(gripper.mode())},
+            {"current_force", gripper.force()},
+            {"temperature", 30},
+            {"actpos", gripper.opening()}};
+}
+
+}  // namespace
+
+void add_gripper_commands(CommandTable& table) {
+    table.set("set_gripper_route", "state", route);
+    table.set("set_gripper_release", "state", release);
+    table.set("set_gripper_pick", "state", pick(Gripper::Mode::kPick));
+    table.set("set_gripper_pick_on", "state", pick(Gripper::Mode::kPickOn));
+    table.set("set_gripper_position", "state", position);
+    table.query("get_gripper_state", "get_gripper_state", state);
+}
+
+}  // namespace sim

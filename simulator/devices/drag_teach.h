@@ -1,0 +1,66 @@
+#pragma once
+
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "motion/arm.h"
+
+namespace sim {
+
+// One leg of a hand's path: to these joints in this time, or as soon as the joints can.
+struct HandLeg {
+    double seconds;
+    JointVector joints;  // degrees
+};
+
+// Reads legs from a file. Each line holds the seconds and then the joints, separated by commas or blanks; '#' starts a
+// comment. Throws std::invalid_argument.
+std::vector<HandLeg> read_hand(const std::string& path);
+
+// Drag teaching. A scripted hand replaces the operator's: it leads the arm while the arm yields, and the motion is
+// recorded.
+class DragTeach {
+ public:
+    explicit DragTeach(Arm& arm) : arm_(arm) {}
+
+    static constexpr int kSampleMs = 20;
+
+    // Lets the arm yield to the hand, which starts its script. The arm must be at rest. `status` is the name of this
+    // state in the real-time push.
+    void start(bool record, const std::string& status);
+    void stop();
+    bool active() const { return active_; }
+    const std::string& status() const { return status_; }
+
+    // Appends a leg to the script.
+    void lead(const HandLeg& leg);
+
+    void step(double seconds);
+
+    // The joints of the last recording, sampled every kSampleMs, and those at its end.
+    const std::vector<JointVector>& recording() const { return recording_; }
+
+    // The recording as a path at its recorded pace. It starts near the current joints.
+    Path replay(const JointVector& start) const;
+
+    std::vector<HandLeg> script;  // restarts with each start
+    int sensitivity = 50;         // percent; stored, without effect
+
+ private:
+    void begin_leg();
+    void record(double seconds);
+
+    Arm& arm_;
+    bool active_ = false;
+    bool recording_now_ = false;
+    std::string status_;
+    std::deque<HandLeg> legs_;
+    JointVector from_;        // of the leg in progress
+    double leg_time_ = 0;     // seconds
+    double leg_seconds_ = 0;  // 0: none is in progress
+    double sample_time_ = 0;
+    std::vector<JointVector> recording_;
+};
+
+}  // namespace sim

@@ -1,0 +1,115 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "motion/motion_queue.h"
+#include "motion/robot_model.h"
+
+namespace sim {
+
+// The limits of a joint in the units of the wire: positions in thousandths of a degree, speeds and accelerations in
+// thousandths of a revolution per minute (per second).
+struct JointLimits {
+    int min_pos;
+    int max_pos;
+    int max_speed;
+    int max_acc;
+
+    double speed() const;  // degrees per second
+    double acc() const;    // degrees per second squared
+};
+
+struct JointState {
+    bool enabled = true;
+    int error = 0;
+    double speed = 0;     // degrees per second
+    double odometer = 0;  // degrees travelled
+};
+
+// The arm: its joints, their limits, its motion and the conditions that prevent motion.
+class Arm {
+ public:
+    Arm(const RobotModel& model, const JointVector& joints);
+    Arm(const Arm&) = delete;
+    Arm& operator=(const Arm&) = delete;
+
+    const RobotModel& model() const { return model_; }
+    size_t joint_count() const { return model_.joint_count(); }
+
+    const JointVector& joints() const { return joints_; }
+    const std::vector<JointState>& states() const { return states_; }
+    MotionQueue& motion() { return motion_; }
+    const MotionQueue& motion() const { return motion_; }
+
+    // Queues a move. Throws NoPath and changes nothing when no path exists.
+    void order(Move move) { motion_.add(std::move(move), ordered_); }
+
+    // The joints at the end of all queued moves.
+    JointVector end() const { return motion_.end(ordered_); }
+
+    // The mechanical limits. No other limit may exceed them.
+    const std::vector<JointLimits>& range() const { return range_; }
+    std::vector<JointLimits> limits;        // in force
+    std::vector<JointLimits> drive_limits;  // of the drives, stored but not enforced
+
+    // A path straight in joint space at `percent` of the speed limits.
+    Path joint_path(const JointVector& start, const JointVector& target, double percent) const;
+
+    std::vector<Pace> paces() const;  // of all joints, at their limits
+
+    // Checks a path in advance. Throws NoPath where a joint would leave its limits or exceed its speed.
+    void check(const Path& path) const;
+
+    // Why the arm would not move to `target`, or an empty text.
+    std::string reason_not_to_move_to(const JointVector& target) const;
+    std::string reason_not_to_move() const;
+
+    bool powered() const { return powered_; }
+    void set_power(bool on);
+    void set_joint_enabled(size_t joint, bool enabled);
+    void set_joint_error(size_t joint, int error);
+    void set_errors(int arm_error, int system_error);
+    void clear_odometers();
+
+    // While a hand drags the arm, the arm rejects moves and follows the hand.
+    void set_dragged(bool dragged) { dragged_ = dragged; }
+    void drag_to(const JointVector& joints) { ordered_ = joints; }
+
+    // The commanded joints. The actual joints differ from them while the arm yields to a force.
+    std::function<JointVector(const JointVector& ordered)> yielding;
+    // Makes the actual joints the commanded ones.
+    void hold_current_position() { ordered_ = joints_; }
+
+    // Makes the current position of the joint its zero. False while the arm moves.
+    bool set_joint_zero(size_t joint);
+
+    int arm_error() const { return arm_error_; }
+    int system_error() const { return system_error_; }
+
+    // The drives' measurements in thousandths of a degree Celsius, a volt and an ampere. The current grows with the
+    // speed; the others are constant.
+    std::vector<int> temperatures() const;
+    std::vector<int> voltages() const;
+    std::vector<int> currents() const;
+
+    void step(double seconds);
+
+ private:
+    RobotModel model_;
+    JointVector joints_;
+    JointVector ordered_;
+    std::vector<JointState> states_;
+    std::vector<JointLimits> range_;
+    MotionQueue motion_;
+    bool powered_ = true;
+    bool dragged_ = false;
+    int arm_error_ = 0;
+    int system_error_ = 0;
+};
+
+// Degrees to the wire's thousandths, rounded to nearest.
+std::vector<int> thousandths(const JointVector& joints);
+
+}  // namespace sim

@@ -1,0 +1,177 @@
+#include "programs/program.h"
+
+#include <algorithm>
+#include <array>
+
+#include "controller.h"
+#include "wire/note.h"
+
+namespace sim {
+namespace {
+
+constexpr int kMaxLinesAStep = 100;  // so that a loop without a motion does not block the controller
+
+constexpr std::array kMotions{"movej", "movel", "movec", "moves", "movej_p", "timer"};
+
+bool is_motion(const Json& line) {
+    const auto command = line.find("command");
+    return command != line.end() && command->is_string() &&
+           std::find(kMotions.begin(), kMotions.end(), command->get<std::string>()) != kMotions.end();
+}
+
+bool is_loop(const Json& line) {
+    const auto loop = line.find("loop");
+    return loop != line.end() && loop->is_number_integer() && loop->get<int64_t>() >= 1 && loop->get<int64_t>() <= 1e6;
+}
+
+bool is_blank(const std::string& line) { return line.find_first_not_of(" \t") == std::string::npos; }
+
+// Nothing if a line is not JSON or is nested too deeply: copying and printing it recurse once per level.
+Json parsed(const std::string& line) {
+    constexpr int kDeepest = 16;
+    bool too_deep = false;
+    const auto look = [&](int depth, Json::parse_event_t, const Json&) {
+        too_deep = too_deep || depth > kDeepest;
+        return true;
+    };
+    Json json = Json::parse(line, look, false);
+    return too_deep ? Json(Json::value_t::discarded) : json;
+}
+
+// The keys that a motion may omit.
+void complete(Json& line, int speed) {
+    for (const char* key : {"r", "trajectory_connect"}) {
+        if (!line.contains(key)) line[key] = 0;
+    }
+    const auto v = line.find("v");
+    const int64_t own = v == line.end() ? 100 : v->is_number_integer() ? v->get<int64_t>() : 0;
+    if (own > 0 && own <= 100) line["v"] = std::max<int64_t>(1, own * speed / 100);
+}
+
+}  // namespace
+
+std::vector<std::string> program_lines(const std::string& text) {
+    std::vector<std::string> lines;
+    for (size_t begin = 0; begin < text.size();) {
+        const size_t end = std::min(text.find('\n', begin), text.size());
+        std::string line = text.substr(begin, end - begin);
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        lines.push_back(std::move(line));
+        begin = end + 1;
+    }
+    return lines;
+}
+
+int first_wrong_line(const std::vector<std::string>& lines) {
+    int open_loops = 0;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        if (is_blank(lines[i])) continue;
+        const Json line = parsed(lines[i]);
+        bool good = line.is_object();
+        if (good && line.contains("command")) good = is_motion(line);
+        if (good && line.contains("loop")) good = is_loop(line), ++open_loops;
+        if (good && line.contains("end_loop")) good = --open_loops >= 0;
+        if (!good) return static_cast<int>(i) + 1;
+    }
+    return open_loops == 0 ? 0 : static_cast<int>(lines.size());
+}
+
+// Sends the orders of a program to the controller and receives their reports.
+class Programs::Orders : public Client {
+ public:
+    void send(const Json& message) override {
+        if (message.contains("trajectory_state")) {
+            waiting_ = false;
+            if (!message.at("trajectory_state").get<bool>()) refused_ = true;
+            return;
+        }
+        answered_ = true;
+        for (const auto& [key, value] : message.items()) {
+            if (value.is_boolean() && !value.get<bool>()) refused_ = true;
+        }
+    }
+    std::string name() const override { return "program"; }
+
+    // A motion is reported at its end, unless it is joined to the next.
+    void send(Controller& controller, const Json& order, const std::shared_ptr<Client>& self) {
+        answered_ = false;
+        waiting_ = order.at("command") != "timer" && order.at("trajectory_connect") == 0;
+        controller.handle(order.dump(), self);
+        if (!answered_) refused_ = true;
+    }
+    bool waiting() const { return waiting_ && !refused_; }
+    bool refused() const { return refused_; }
+
+ private:
+    bool answered_ = false;
+    bool waiting_ = false;
+    bool refused_ = false;
+};
+
+bool Programs::start(const Program& program, int speed, bool step_mode, const std::shared_ptr<Client>& starter) {
+    if (run_) return false;
+    run_.emplace(Run{program, speed, step_mode, starter, std::make_shared<Orders>()});
+    return true;
+}
+
+bool Programs::next() {
+    if (!run_ || !run_->step_mode) return false;
+    run_->held = false;
+    return true;
+}
+
+void Programs::step(Controller& controller) {
+    for (int lines = 0; run_ && lines < kMaxLinesAStep; ++lines) {
+        Run& run = *run_;
+        if (run.orders->refused()) return end(false);
+        if (run.orders->waiting() || run.held) return;
+        if (run.line == run.program.lines.size()) {
+            if (controller.arm.motion().idle()) end(true);
+            return;
+        }
+        const std::string& text = run.program.lines[run.line++];
+        const Json line = is_blank(text) ? Json::object() : Json::parse(text);
+        if (line.contains("loop")) {
+            run.loops.push_back({run.line, line.at("loop").get<int>(), 1});
+        } else if (line.contains("end_loop")) {
+            Loop& loop = run.loops.back();
+            if (loop.round++ < loop.rounds)
+                run.line = loop.start;
+            else
+                run.loops.pop_back();
+        } else if (line.contains("command")) {
+            Json order = line;
+            complete(order, run.speed);
+            run.held = run.step_mode;
+            run.orders->send(controller, order, run.orders);
+        }
+    }
+}
+
+// Only a program that reached its end reports that, so that no client takes an aborted one for done.
+void Programs::end(bool finished) {
+    const Run run = *std::exchange(run_, std::nullopt);
+    if (!finished) note("program " + run.program.name + ": ended before its end");
+    const auto starter = run.starter.lock();
+    if (finished && starter) starter->send({{"state", "program_run_finish"}, {"finish_id", run.program.id}});
+}
+
+Json Programs::state(const Controller& controller) const {
+    if (!run_) return {{"run_state", 0}, {"edit_id", 0}};
+    std::vector<int> rounds, totals;
+    for (const Loop& loop : run_->loops) {
+        totals.push_back(loop.rounds);
+        rounds.push_back(loop.round);
+    }
+    const bool paused = run_->held || controller.arm.motion().status() == "pause";
+    return {{"run_state", paused ? 2 : 1},
+            {"id", run_->program.id},
+            {"plan_num", run_->line},
+            {"loop_num", totals},
+            {"loop_cont", rounds},
+            {"plan_speed", run_->speed},
+            {"step_mode", run_->step_mode ? 1 : 0},
+            {"edit_id", 0}};
+}
+
+}  // namespace sim

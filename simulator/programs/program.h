@@ -1,0 +1,75 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "wire/client.h"
+
+namespace sim {
+
+class Controller;
+
+// A program is a text with one JSON object per line. A line with a "command" orders a motion; {"loop": N} and
+// {"end_loop": true} repeat the lines between them; other objects and empty lines are ignored.
+struct Program {
+    int id = 0;  // 0: not stored
+    int size = 0;
+    int speed = 100;  // percent of the speeds in its lines
+    std::string name;
+    std::vector<std::string> lines;
+};
+
+// The lines of a program's text and the number, from 1, of the first invalid one; 0 if all are valid.
+std::vector<std::string> program_lines(const std::string& text);
+int first_wrong_line(const std::vector<std::string>& lines);
+
+// The stored programs and the running one.
+class Programs {
+ public:
+    static constexpr int kMaxId = 200;
+
+    std::map<int, Program> kept;
+    int default_id = 0;
+
+    // False while a program runs. The client that started it gets a report when it reaches its end.
+    bool start(const Program& program, int speed, bool step_mode, const std::shared_ptr<Client>& starter);
+    bool running() const { return run_.has_value(); }
+    bool runs(int id) const { return run_ && run_->program.id == id; }
+    // Runs the next line in step mode. False if the program does not wait for it.
+    bool next();
+
+    // Orders the next lines when the arm has finished the previous ones.
+    void step(Controller& controller);
+
+    // The state that clients query.
+    Json state(const Controller& controller) const;
+
+ private:
+    class Orders;
+
+    struct Loop {
+        size_t start;
+        int rounds;
+        int round;
+    };
+    struct Run {
+        Program program;
+        int speed;
+        bool step_mode;
+        std::weak_ptr<Client> starter;
+        std::shared_ptr<Orders> orders;
+        size_t line = 0;    // ordered next
+        bool held = false;  // in step mode, until `next`
+        std::vector<Loop> loops = {};
+    };
+
+    void end(bool finished);
+
+    std::optional<Run> run_;
+};
+
+}  // namespace sim

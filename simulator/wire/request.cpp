@@ -1,0 +1,105 @@
+#include "wire/request.h"
+
+#include <cmath>
+
+namespace sim {
+
+Request::Request(const Json& body) : body_(body) {
+    if (!body_.is_object()) throw BadRequest("a request that is no JSON object");
+    const auto command = body_.find("command");
+    if (command == body_.end() || !command->is_string()) throw BadRequest("a request without a \"command\"");
+    command_ = command->get<std::string>();
+}
+
+bool Request::flag(const char* key) const {
+    const Json& item = at(key);
+    if (!item.is_boolean()) refuse(key, "is no boolean");
+    return item.get<bool>();
+}
+
+std::string Request::text(const char* key) const {
+    const Json& item = at(key);
+    if (!item.is_string()) refuse(key, "is no string");
+    return item.get<std::string>();
+}
+
+std::vector<std::string> Request::texts(const char* key) const {
+    const Json& item = at(key);
+    if (!item.is_array()) refuse(key, "is no array");
+    std::vector<std::string> values;
+    for (const Json& element : item) {
+        if (!element.is_string()) refuse(key, "holds something else than strings");
+        values.push_back(element.get<std::string>());
+    }
+    return values;
+}
+
+double Request::number(const char* key) const {
+    const Json& item = at(key);
+    if (!item.is_number()) refuse(key, "is no number");
+    const double value = item.get<double>();
+    if (!std::isfinite(value)) refuse(key, "is not finite");
+    return value;
+}
+
+std::vector<double> Request::numbers(const char* key, size_t size) const {
+    const Json& item = at(key);
+    if (!item.is_array() || item.size() != size) refuse(key, "is no array of " + std::to_string(size));
+    std::vector<double> values;
+    for (const Json& element : item) {
+        if (!element.is_number() || !std::isfinite(element.get<double>()))
+            refuse(key, "holds something else than numbers");
+        values.push_back(element.get<double>());
+    }
+    return values;
+}
+
+int Request::integer(const char* key, int low, int high) const {
+    const double value = std::trunc(number(key));
+    if (value < low || value > high) refuse(key, "is out of range");
+    return static_cast<int>(value);
+}
+
+std::vector<int> Request::integers(const char* key) const {
+    const Json& item = at(key);
+    if (!item.is_array()) refuse(key, "is no array");
+    return integers(key, item.size());
+}
+
+std::vector<int> Request::integers(const char* key, size_t size) const {
+    std::vector<int> values;
+    for (const double value : numbers(key, size)) {
+        if (std::trunc(value) < INT_MIN || std::trunc(value) > INT_MAX) refuse(key, "holds a number out of range");
+        values.push_back(static_cast<int>(value));
+    }
+    return values;
+}
+
+Request Request::object(const char* key) const {
+    const Json& item = at(key);
+    if (!item.is_object()) refuse(key, "is no object");
+    return {item, command_ + "." + key};
+}
+
+std::vector<Request> Request::objects(const char* key) const {
+    const Json& item = at(key);
+    if (!item.is_array()) refuse(key, "is no array");
+    std::vector<Request> objects;
+    for (const Json& element : item) {
+        if (!element.is_object()) refuse(key, "holds something else than objects");
+        objects.push_back(Request(element, command_ + "." + key));
+    }
+    return objects;
+}
+
+const Json& Request::at(const char* key) const {
+    const auto item = body_.find(key);
+    if (item == body_.end()) refuse(key, "is missing");
+    return *item;
+}
+
+void Request::refuse(const std::string& key, const std::string& reason) const {
+    throw BadRequest(command_ + ": \"" + key + "\" " + reason);
+}
+
+}  // namespace sim

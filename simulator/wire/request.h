@@ -1,0 +1,52 @@
+#pragma once
+
+#include <climits>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "wire/json.h"
+
+namespace sim {
+
+// A request that lacks a key, or holds a wrong type or a value out of range. The text names the key.
+struct BadRequest : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// A view of one JSON object with a "command"; the object must outlive it. Every reader throws BadRequest when the key
+// is not what it asks for.
+class Request {
+ public:
+    explicit Request(const Json& body);
+
+    const std::string& command() const { return command_; }
+    bool has(const char* key) const { return body_.contains(key); }
+    bool is_true(const char* key) const { return body_.contains(key) && body_.at(key) == true; }
+
+    bool flag(const char* key) const;
+    std::string text(const char* key) const;
+    std::vector<std::string> texts(const char* key) const;
+    double number(const char* key) const;
+    std::vector<double> numbers(const char* key, size_t size) const;
+
+    // Numbers with a fraction are truncated toward zero.
+    int integer(const char* key, int low = INT_MIN, int high = INT_MAX) const;
+    std::vector<int> integers(const char* key) const;
+    std::vector<int> integers(const char* key, size_t size) const;
+
+    // An object inside the request, or an array of them, read in the same way.
+    Request object(const char* key) const;
+    std::vector<Request> objects(const char* key) const;
+
+ private:
+    Request(const Json& body, std::string command) : body_(body), command_(std::move(command)) {}
+
+    const Json& at(const char* key) const;
+    [[noreturn]] void refuse(const std::string& key, const std::string& reason) const;
+
+    const Json& body_;
+    std::string command_;
+};
+
+}  // namespace sim

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <array>
+#include <asio/ip/tcp.hpp>
+#include <asio/steady_timer.hpp>
+#include <chrono>
+#include <deque>
+#include <memory>
+#include <string>
+
+#include "controller.h"
+#include "wire/client.h"
+
+namespace sim {
+
+// One connection. Cuts the received bytes at CRLF, the only end of a request: line feeds and tabs may be inside one.
+// The bytes of a file are not cut.
+class Session : public Client, public std::enable_shared_from_this<Session> {
+ public:
+    Session(asio::ip::tcp::socket socket, Controller& controller);
+
+    void start();
+    void send(const Json& message) override;
+    std::string name() const override { return name_; }
+    void receive(const std::shared_ptr<Receiver>& receiver) override { receiver_ = receiver; }
+    void stop_reading() override;
+    void disconnect() override { close(); }
+
+ private:
+    struct Message {
+        std::string text;
+        std::chrono::steady_clock::time_point due;
+    };
+
+    void read();
+    void take(std::string_view bytes);
+    void handle_requests();
+    bool receiving() const { return receiver_ && receiver_->wants_more(); }
+    void leave(const std::string& reason);
+
+    void send_next();
+    void write_first();
+    void close();
+
+    asio::ip::tcp::socket socket_;
+    asio::steady_timer timer_;
+    Controller& controller_;
+    std::string name_;
+
+    std::array<char, 4096> buffer_{};
+    std::string pending_;    // received, not yet ended by CRLF
+    bool dropping_ = false;  // the rest of a request that is too long
+    bool stopped_ = false;   // nothing more is read
+    std::shared_ptr<Receiver> receiver_;
+
+    std::deque<Message> outbox_;
+    size_t outbox_bytes_ = 0;
+    bool sending_ = false;  // the first message waits for its time, or is on its way
+    bool left_ = false;     // nothing more will come
+};
+
+}  // namespace sim
