@@ -20,7 +20,10 @@ namespace zk::fuzz {
 
 class Simulated {
  public:
-    explicit Simulated(std::uint8_t model) : controller_(options(model)) { connect(); }
+    explicit Simulated(std::uint8_t model)
+        : controller_(options(model)), seven_joints_(options(model).model.joint_count() == 7) {
+        connect();
+    }
     ~Simulated() { leave(); }
     Simulated(const Simulated&) = delete;
     Simulated& operator=(const Simulated&) = delete;
@@ -33,7 +36,7 @@ class Simulated {
         client_ = ends[0];
         asio::ip::tcp::socket socket(io_);
         socket.assign(asio::ip::tcp::v4(), ends[1]);
-        std::make_shared<sim::Session>(std::move(socket), controller_)->start();
+        std::make_shared<sim::Session>(std::move(socket), controller_.dispatcher())->start();
     }
     void leave() {
         if (client_ < 0) return;
@@ -59,7 +62,7 @@ class Simulated {
         return std::exchange(replies_, {});
     }
     void step() { controller_.step(); }
-    bool has_seven_joints() const { return controller_.arm.joint_count() == 7; }
+    bool has_seven_joints() const { return seven_joints_; }
 
  private:
     static sim::Options options(std::uint8_t model) {
@@ -87,6 +90,7 @@ class Simulated {
 
     asio::io_context io_{1};
     sim::Controller controller_;
+    bool seven_joints_;
     int client_ = -1;
     std::string replies_;
 };

@@ -6,7 +6,7 @@
 #include <iostream>
 
 #include "clock.h"
-#include "commands/commands.h"
+#include "controller.h"
 #include "push/push_sender.h"
 #include "wire/note.h"
 #include "wire/server.h"
@@ -21,8 +21,8 @@ int run(Options options) {
     if (options.push.port == 0) options.push.port = free_udp_port(io);
 
     Controller controller(options);
-    Server server(io, controller, options.listen, options.port);
-    PushSender push(io, controller);
+    Server server(io, controller.dispatcher(), options.listen, options.port);
+    PushSender push(io, controller.push());
     Clock clock(io, std::chrono::milliseconds(Controller::kStepMs), [&] {
         controller.step();
         push.step();
@@ -42,7 +42,7 @@ int run(int argc, char** argv) {
             return 0;
         }
         if (options.commands) {
-            for (const std::string& name : all_commands().names()) std::cout << name << '\n';
+            for (const std::string& name : Controller(options).dispatcher().commands.names()) std::cout << name << '\n';
             return 0;
         }
         if (options.quiet) silence_notes();

@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
-#include "devices/drag_teach.h"
-#include "devices/force_hold.h"
-#include "devices/force_sensor.h"
 #include "motion/frames.h"
 #include "motion/robot_model.h"
 #include "programs/files.h"
 #include "push/push.h"
+#include "world/hand.h"
+#include "world/load.h"
+#include "world/wall.h"
 
 namespace sim {
 

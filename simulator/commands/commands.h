@@ -1,34 +1,47 @@
 #pragma once
 
-#include "wire/command_table.h"
-
 namespace sim {
 
-// One function for each family of commands, in <family>.cpp.
-void add_joint_commands(CommandTable& table);
-void add_state_commands(CommandTable& table);
-void add_limit_commands(CommandTable& table);
-void add_frame_commands(CommandTable& table);
-void add_motion_commands(CommandTable& table);
-void add_trajectory_commands(CommandTable& table);
-void add_streaming_commands(CommandTable& table);
-void add_teach_commands(CommandTable& table);
-void add_drag_commands(CommandTable& table);
-void add_force_commands(CommandTable& table);
-void add_force_position_commands(CommandTable& table);
-void add_push_commands(CommandTable& table);
-void add_fence_commands(CommandTable& table);
-void add_modbus_commands(CommandTable& table);
-void add_system_commands(CommandTable& table);
-void add_io_commands(CommandTable& table);
-void add_gripper_commands(CommandTable& table);
-void add_hand_commands(CommandTable& table);
-void add_axis_commands(CommandTable& table);
-void add_file_commands(CommandTable& table);
-void add_program_commands(CommandTable& table);
-void add_waypoint_commands(CommandTable& table);
-void add_fault_commands(CommandTable& table);
+class Arm;
+class CommandTable;
+class Dispatcher;
+class DragTeach;
+class Files;
+class ForceControl;
+class ForceHold;
+class FrameStore;
+class Gripper;
+class Hand;
+class ModbusMaster;
+class Programs;
+class Tool;
+struct Devices;
+struct PushSettings;
+struct SimulatedTime;
 
-CommandTable all_commands();
+// One function for each family of commands, in <family>.cpp. It gets the parts of the controller on which they act.
+void add_joint_commands(CommandTable& table, Arm& arm);
+void add_state_commands(CommandTable& table, const Arm& arm, Tool& tool);
+void add_limit_commands(CommandTable& table, const Arm& arm, Tool& tool);
+void add_frame_commands(CommandTable& table, const Arm& arm, Tool& tool);
+void add_motion_commands(CommandTable& table, Arm& arm, const Tool& tool);
+void add_trajectory_commands(CommandTable& table, Arm& arm);
+void add_streaming_commands(CommandTable& table, Arm& arm, const Tool& tool);
+void add_teach_commands(CommandTable& table, Arm& arm, const Tool& tool);
+void add_drag_commands(CommandTable& table, Arm& arm, DragTeach& drag, const ForceHold& hold);
+void add_force_commands(CommandTable& table, Arm& arm, ForceControl& force);
+void add_force_position_commands(CommandTable& table, Arm& arm, const Tool& tool, ForceControl& force);
+void add_push_commands(CommandTable& table, PushSettings& settings, const Arm& arm);
+void add_fence_commands(CommandTable& table, const FrameStore& tools);
+void add_modbus_commands(CommandTable& table, ModbusMaster& modbus);
+void add_system_commands(CommandTable& table, const SimulatedTime& time, Arm& arm, ModbusMaster& modbus);
+void add_io_commands(CommandTable& table);
+void add_gripper_commands(CommandTable& table, Gripper& gripper);
+void add_hand_commands(CommandTable& table, Hand& hand);
+void add_axis_commands(CommandTable& table, Devices& devices);
+void add_file_commands(CommandTable& table, Files& files, Programs& programs, const DragTeach& drag);
+void add_program_commands(CommandTable& table, Programs& programs, const Arm& arm);
+void add_waypoint_commands(CommandTable& table, const Arm& arm);
+void add_fault_commands(CommandTable& table, Dispatcher& dispatcher, Files& files, Arm& arm);
 
 }  // namespace sim

@@ -4,7 +4,10 @@
 #include <cmath>
 
 #include "commands/commands.h"
-#include "controller.h"
+#include "devices/drag_teach.h"
+#include "devices/force_hold.h"
+#include "wire/arrival_report.h"
+#include "wire/command_table.h"
 
 namespace sim {
 namespace {
@@ -14,27 +17,33 @@ struct Replay {
     bool running = false;
 };
 
-void demand_rest(const Call& call) {
-    const Controller& controller = call.controller;
-    const std::string reason = controller.arm.reason_not_to_move();
+// The parts on which these commands act.
+struct Teaching {
+    Arm& arm;
+    DragTeach& drag;
+    const ForceHold& hold;
+};
+
+void demand_rest(const Teaching& teaching, const Call& call) {
+    const std::string reason = teaching.arm.reason_not_to_move();
     if (!reason.empty()) throw BadRequest(call.request.command() + ": " + reason);
-    if (controller.hold.active()) throw BadRequest(call.request.command() + ": a force is held");
-    if (!controller.arm.motion().idle()) throw BadRequest(call.request.command() + ": the arm moves");
+    if (teaching.hold.active()) throw BadRequest(call.request.command() + ": a force is held");
+    if (!teaching.arm.motion().idle()) throw BadRequest(call.request.command() + ": the arm moves");
 }
 
-bool start(Call& call, bool record, const std::string& status) {
-    demand_rest(call);
-    call.controller.drag.start(record, status);
+bool start(const Teaching& teaching, const Call& call, bool record, const std::string& status) {
+    demand_rest(teaching, call);
+    teaching.drag.start(record, status);
     return true;
 }
 
-bool start_drag_teach(Call& call) {
-    return start(call, call.request.integer("trajectory_record", 0, 1) == 1, "current_drag");
+bool start_drag_teach(const Teaching& teaching, const Call& call) {
+    return start(teaching, call, call.request.integer("trajectory_record", 0, 1) == 1, "current_drag");
 }
 
 // Mode 0 uses the joint currents, the others the six-axis sensor along chosen axes. The simulated hand ignores both the
 // axes and the wall before a singularity.
-bool start_multi_drag_teach(Call& call) {
+bool start_multi_drag_teach(const Teaching& teaching, const Call& call) {
     const Request& request = call.request;
     request.integer("singular_wall", 0, 1);
     bool by_sensor = true;
@@ -46,39 +55,36 @@ bool start_multi_drag_teach(Call& call) {
     } else {
         by_sensor = request.integer("mode", 0, 3) != 0;
     }
-    if (by_sensor && call.controller.arm.model().sensor != Sensor::kSixForce)
+    if (by_sensor && teaching.arm.model().sensor != Sensor::kSixForce)
         throw BadRequest(request.command() + ": the arm has no six-axis force sensor");
-    return start(call, true, by_sensor ? "sensor_drag" : "current_drag");
+    return start(teaching, call, true, by_sensor ? "sensor_drag" : "current_drag");
 }
 
-bool stop_drag_teach(Call& call) {
-    if (!call.controller.drag.active()) return false;
-    call.controller.drag.stop();
+bool stop_drag_teach(DragTeach& drag, const Call&) {
+    if (!drag.active()) return false;
+    drag.stop();
     return true;
 }
 
 // {"seconds": ..., "joint": [degrees]}: the next leg of the hand.
-bool lead_hand(Call& call) {
+bool lead_hand(const Arm& arm, DragTeach& drag, const Call& call) {
     constexpr double kMaxSeconds = 3600;
-    Controller& controller = call.controller;
     const double seconds = call.request.number("seconds");
-    const JointVector joints = call.request.numbers("joint", controller.arm.joint_count());
-    if (!controller.drag.active() || seconds < 0 || seconds > kMaxSeconds) return false;
+    const JointVector joints = call.request.numbers("joint", arm.joint_count());
+    if (!drag.active() || seconds < 0 || seconds > kMaxSeconds) return false;
     for (size_t i = 0; i < joints.size(); ++i) {
         const double wire = joints[i] * 1000;
-        if (wire < controller.arm.range()[i].min_pos || wire > controller.arm.range()[i].max_pos) return false;
+        if (wire < arm.range()[i].min_pos || wire > arm.range()[i].max_pos) return false;
     }
-    controller.drag.lead({seconds, joints});
+    drag.lead({seconds, joints});
     return true;
 }
 
 // Moves to the start of the recording.
-bool return_to_origin(Call& call) {
+bool return_to_origin(Arm& arm, const DragTeach& drag, const Call& call) {
     constexpr double kPercent = 20;
-    Controller& controller = call.controller;
-    Arm& arm = controller.arm;
-    if (controller.drag.recording().empty()) throw BadRequest("drag_trajectory_origin: nothing is recorded");
-    const JointVector target = controller.drag.recording().front();
+    if (drag.recording().empty()) throw BadRequest("drag_trajectory_origin: nothing is recorded");
+    const JointVector target = drag.recording().front();
     const std::string reason = arm.reason_not_to_move_to(target);
     if (!reason.empty()) throw BadRequest("drag_trajectory_origin: " + reason);
     Move move;
@@ -91,16 +97,9 @@ bool return_to_origin(Call& call) {
     return true;
 }
 
-void report_refusal(Call& call) {
-    Move move;
-    move.client = call.client;
-    call.controller.arm.motion().on_end(move, false);
-}
-
-void demand_replayable(const Call& call) {
+void demand_replayable(const Arm& arm, const DragTeach& drag) {
     constexpr double kNear = 0.5;  // degrees from the origin of the recording
-    const Arm& arm = call.controller.arm;
-    const std::vector<JointVector>& samples = call.controller.drag.recording();
+    const std::vector<JointVector>& samples = drag.recording();
     if (samples.size() < 2) throw BadRequest("run_drag_trajectory: nothing is recorded");
     for (const JointVector& joints : samples) {
         const std::string reason = arm.reason_not_to_move_to(joints);
@@ -113,51 +112,56 @@ void demand_replayable(const Call& call) {
 }
 
 // Acknowledged at the end of the replay.
-bool run_drag_trajectory(Call& call, const std::shared_ptr<Replay>& replay) {
-    Controller& controller = call.controller;
-    demand_rest(call);
-    demand_replayable(call);
+bool run_drag_trajectory(const Teaching& teaching, const Call& call, const std::shared_ptr<Replay>& replay) {
+    const DragTeach& drag = teaching.drag;
+    demand_rest(teaching, call);
+    demand_replayable(teaching.arm, drag);
     Move move;
     move.type = "re_trajectory";
     move.status = "move_through_joint";
-    move.data = thousandths(controller.drag.recording().back());
-    move.plan = [&controller](const JointVector& from) { return controller.drag.replay(from); };
+    move.data = thousandths(drag.recording().back());
+    move.plan = [&drag](const JointVector& from) { return drag.replay(from); };
     move.ended = [replay, client = std::weak_ptr(call.client)](bool arrived) {
         replay->running = false;
         if (const auto waiting = client.lock())
             waiting->send({{"command", "run_drag_trajectory"}, {"run_state", arrived}});
     };
-    controller.arm.order(move);
+    teaching.arm.order(move);
     replay->running = true;
     return true;
 }
 
 }  // namespace
 
-void add_drag_commands(CommandTable& table) {
+void add_drag_commands(CommandTable& table, Arm& arm, DragTeach& drag, const ForceHold& hold) {
+    const Teaching teaching{arm, drag, hold};
     const auto replay = std::make_shared<Replay>();
-    table.set("start_drag_teach", "drag_teach", start_drag_teach);
-    table.set("stop_drag_teach", "drag_teach", stop_drag_teach);
-    table.set("start_multi_drag_teach", "set_state", start_multi_drag_teach);
-    table.set("set_drag_teach_sensitivity", "set_state", [](Call& call) {
-        call.controller.drag.sensitivity = call.request.integer("grade", 0, 100);
+    table.set("start_drag_teach", "drag_teach", [=](const Call& call) { return start_drag_teach(teaching, call); });
+    table.set("stop_drag_teach", "drag_teach", with(stop_drag_teach, drag));
+    table.set("start_multi_drag_teach", "set_state",
+              [=](const Call& call) { return start_multi_drag_teach(teaching, call); });
+    table.set("set_drag_teach_sensitivity", "set_state", [&drag](const Call& call) {
+        drag.sensitivity = call.request.integer("grade", 0, 100);
         return true;
     });
-    table.query("get_drag_teach_sensitivity", "get_drag_teach_sensitivity", [](Call& call) {
-        return Json{{"grade", call.controller.drag.sensitivity}};
+    table.query("get_drag_teach_sensitivity", "get_drag_teach_sensitivity", [&drag](const Call&) {
+        return Json{{"grade", drag.sensitivity}};
     });
-    table.set("run_drag_trajectory", "run_state", [replay](Call& call) { return run_drag_trajectory(call, replay); })
+    table
+        .set("run_drag_trajectory", "run_state",
+             [=](const Call& call) { return run_drag_trajectory(teaching, call, replay); })
         .acknowledged_later = true;
     table.set("pause_drag_trajectory", "pause_state",
-              [replay](Call& call) { return replay->running && call.controller.arm.motion().pause(); });
+              [&arm, replay](const Call&) { return replay->running && arm.motion().pause(); });
     table.set("continue_drag_trajectory", "continue_state",
-              [replay](Call& call) { return replay->running && call.controller.arm.motion().resume(); });
-    table.set("stop_drag_trajectory", "stop_state", [replay](Call& call) {
-        if (replay->running) call.controller.arm.motion().stop();
+              [&arm, replay](const Call&) { return replay->running && arm.motion().resume(); });
+    table.set("stop_drag_trajectory", "stop_state", [&arm, replay](const Call&) {
+        if (replay->running) arm.motion().stop();
         return replay->running;
     });
-    table.set("drag_trajectory_origin", "trajectory_state", return_to_origin).refused = report_refusal;
-    table.set("zk_sim_hand", "done", lead_hand);
+    table.set("drag_trajectory_origin", "trajectory_state", with(return_to_origin, arm, drag)).refused =
+        [](const Call& call) { report_arrival(call.client, Device::kArm, false); };
+    table.set("zk_sim_hand", "done", with(lead_hand, arm, drag));
 }
 
 }  // namespace sim

@@ -3,15 +3,17 @@
 #include <algorithm>
 
 #include "commands/commands.h"
-#include "controller.h"
+#include "motion/arm.h"
+#include "programs/files.h"
+#include "wire/dispatcher.h"
 
 namespace sim {
 namespace {
 
-std::set<std::string> known_commands(const Call& call, const char* key) {
-    const std::vector<std::string> names = call.request.texts(key);
+std::set<std::string> known_commands(const CommandTable& table, const Request& request, const char* key) {
+    const std::vector<std::string> names = request.texts(key);
     for (const std::string& name : names) {
-        if (!call.controller.commands().find(name)) throw BadRequest("unknown command '" + name + "'");
+        if (!table.find(name)) throw BadRequest("unknown command '" + name + "'");
     }
     return {names.begin(), names.end()};
 }
@@ -24,16 +26,16 @@ TransferFault transfer_fault(const Request& fault) {
 }
 
 // Reads the whole request before it changes anything.
-bool set_faults(Call& call) {
+bool set_faults(Dispatcher& dispatcher, Files& files, Arm& arm, const Call& call) {
     constexpr int kMaxWord = 65535;
     constexpr int kMaxDelayMs = 60'000;
     const Request& request = call.request;
-    Arm& arm = call.controller.arm;
-    Faults faults = call.controller.faults;
-    if (request.has("silent_on")) faults.silent_on = known_commands(call, "silent_on");
-    if (request.has("refuse_on")) faults.refuse_on = known_commands(call, "refuse_on");
+    Faults faults = dispatcher.faults;
+    TransferFault transfer = files.fault;
+    if (request.has("silent_on")) faults.silent_on = known_commands(dispatcher.commands, request, "silent_on");
+    if (request.has("refuse_on")) faults.refuse_on = known_commands(dispatcher.commands, request, "refuse_on");
     if (request.has("delay_ms")) faults.delay_ms = request.integer("delay_ms", 0, kMaxDelayMs);
-    if (request.has("transfer")) faults.transfer = transfer_fault(request.object("transfer"));
+    if (request.has("transfer")) transfer = transfer_fault(request.object("transfer"));
     const auto word = [&](const char* key, int now) {
         return request.has(key) ? request.integer(key, 0, kMaxWord) : now;
     };
@@ -41,7 +43,8 @@ bool set_faults(Call& call) {
     std::vector<int> joint_errors;
     if (request.has("joint_err")) joint_errors = request.integers("joint_err", arm.joint_count());
 
-    call.controller.faults = std::move(faults);
+    dispatcher.faults = std::move(faults);
+    files.fault = transfer;
     arm.set_errors(arm_err, sys_err);
     for (size_t i = 0; i < joint_errors.size(); ++i) arm.set_joint_error(i, std::clamp(joint_errors[i], 0, kMaxWord));
     return true;
@@ -49,6 +52,8 @@ bool set_faults(Call& call) {
 
 }  // namespace
 
-void add_fault_commands(CommandTable& table) { table.set("zk_sim_fault", "done", set_faults); }
+void add_fault_commands(CommandTable& table, Dispatcher& dispatcher, Files& files, Arm& arm) {
+    table.set("zk_sim_fault", "done", with(set_faults, dispatcher, files, arm));
+}
 
 }  // namespace sim

@@ -5,7 +5,8 @@
 
 #include "commands/commands.h"
 #include "commands/force_orders.h"
-#include "controller.h"
+#include "devices/force_control.h"
+#include "wire/command_table.h"
 
 namespace sim {
 namespace {
@@ -16,45 +17,44 @@ std::vector<int> wire_forces(const KDL::Wrench& wrench) {
     return wire;
 }
 
-void demand(const Call& call, Sensor sensor) {
-    if (call.controller.arm.model().sensor != sensor)
-        throw BadRequest(call.request.command() + ": the arm has no such sensor");
+void demand(const Arm& arm, const Call& call, Sensor sensor) {
+    if (arm.model().sensor != sensor) throw BadRequest(call.request.command() + ": the arm has no such sensor");
 }
 
-Json force_data(Call& call) {
-    demand(call, Sensor::kSixForce);
-    const Controller& controller = call.controller;
-    return {{"force_data", wire_forces(controller.sensor.measured())},
-            {"zero_force_data", wire_forces(controller.felt(ForceAxes::kSensor))},
-            {"work_zero_force_data", wire_forces(controller.felt(ForceAxes::kWork))},
-            {"tool_zero_force_data", wire_forces(controller.felt(ForceAxes::kTool))}};
+Json force_data(const Arm& arm, const ForceControl& force, const Call& call) {
+    demand(arm, call, Sensor::kSixForce);
+    return {{"force_data", wire_forces(force.sensor.measured())},
+            {"zero_force_data", wire_forces(force.felt(ForceAxes::kSensor))},
+            {"work_zero_force_data", wire_forces(force.felt(ForceAxes::kWork))},
+            {"tool_zero_force_data", wire_forces(force.felt(ForceAxes::kTool))}};
 }
 
 // In this reply false means success.
-Json fz(Call& call) {
-    demand(call, Sensor::kOneForce);
-    const Controller& controller = call.controller;
+Json fz(const Arm& arm, const ForceControl& force, const Call& call) {
+    demand(arm, call, Sensor::kOneForce);
     const auto along_z = [](const KDL::Wrench& wrench) { return std::lround(wrench.force.z() * 1000); };
     return {{"set_state", false},
-            {"Fz", along_z(controller.sensor.measured())},
-            {"zero_Fz", along_z(controller.felt(ForceAxes::kSensor))},
-            {"work_zero_Fz", along_z(controller.felt(ForceAxes::kWork))},
-            {"tool_zero_Fz", along_z(controller.felt(ForceAxes::kTool))}};
+            {"Fz", along_z(force.sensor.measured())},
+            {"zero_Fz", along_z(force.felt(ForceAxes::kSensor))},
+            {"work_zero_Fz", along_z(force.felt(ForceAxes::kWork))},
+            {"tool_zero_Fz", along_z(force.felt(ForceAxes::kTool))}};
 }
 
-Action clear(Sensor sensor) {
-    return [sensor](Call& call) {
-        demand(call, sensor);
-        call.controller.sensor.clear();
+Action clear(const Arm& arm, ForceControl& force, Sensor sensor) {
+    return [&arm, &force, sensor](const Call& call) {
+        demand(arm, call, sensor);
+        force.sensor.clear();
         return true;
     };
 }
 
 // ------------------------------------------------------------------------------------------------------ Calibration --
 
-// A calibration in progress: the arm moves from pose to pose, and the sensor measures at each.
+// A calibration: the arm moves from pose to pose, and the sensor measures at each.
 struct Calibration {
-    std::vector<ForceSensor::Sample> samples;
+    Arm& arm;
+    ForceSensor& sensor;
+    std::vector<ForceSensor::Sample> samples = {};
     bool running = false;
 };
 using SharedCalibration = std::shared_ptr<Calibration>;
@@ -72,23 +72,23 @@ Move joint_move(const Arm& arm, const JointVector& target) {
 }
 
 // Moves there, rests for a moment, measures, and reports whether that succeeded.
-void measure_at(Controller& controller, const JointVector& joints, const SharedCalibration& calibration,
+void measure_at(const SharedCalibration& calibration, const JointVector& joints,
                 const std::function<void(bool measured)>& then) {
     constexpr double kSeconds = 0.2;
-    Move move = joint_move(controller.arm, joints);
-    move.ended = [&controller](bool) { controller.sensor.begin_sample(); };
-    controller.arm.order(move);
-    Move rest = joint_move(controller.arm, joints);
+    Arm& arm = calibration->arm;
+    Move move = joint_move(arm, joints);
+    move.ended = [&sensor = calibration->sensor](bool) { sensor.begin_sample(); };
+    arm.order(move);
+    Move rest = joint_move(arm, joints);
     rest.plan = [](const JointVector& from) { return Path{[from](double) { return from; }, 1 / kSeconds, 1e6}; };
-    rest.ended = [&controller, calibration, then](bool arrived) {
-        if (arrived) calibration->samples.push_back(controller.sensor.sample());
+    rest.ended = [calibration, then](bool arrived) {
+        if (arrived) calibration->samples.push_back(calibration->sensor.sample());
         then(arrived);
     };
-    controller.arm.order(rest);
+    arm.order(rest);
 }
 
-void demand_poses(const Call& call, const std::vector<JointVector>& poses) {
-    const Arm& arm = call.controller.arm;
+void demand_poses(const Arm& arm, const Call& call, const std::vector<JointVector>& poses) {
     for (const JointVector& pose : poses) {
         const std::string reason = arm.reason_not_to_move_to(pose);
         if (!reason.empty()) throw BadRequest(call.request.command() + ": " + reason);
@@ -98,9 +98,9 @@ void demand_poses(const Call& call, const std::vector<JointVector>& poses) {
 }
 
 // Answers the waiting client and ends the calibration.
-std::function<void(bool)> conclusion(Call& call, const SharedCalibration& calibration, bool z_alone) {
-    return [&controller = call.controller, client = std::weak_ptr(call.client), calibration, z_alone](bool whole) {
-        ForceSensor& sensor = controller.sensor;
+std::function<void(bool)> conclusion(const SharedCalibration& calibration, const Call& call, bool z_alone) {
+    return [client = std::weak_ptr(call.client), calibration, z_alone](bool whole) {
+        ForceSensor& sensor = calibration->sensor;
         const bool done =
             whole && (z_alone ? sensor.calibrate_z(calibration->samples) : sensor.calibrate(calibration->samples));
         calibration->running = false;
@@ -134,51 +134,54 @@ std::vector<JointVector> poses_around(const Arm& arm) {
 
 // The arm returns to its start.
 Action calibrate_automatically(const SharedCalibration& calibration, Sensor sensor) {
-    return [calibration, sensor](Call& call) {
-        demand(call, sensor);
-        Controller& controller = call.controller;
-        const JointVector home = controller.arm.joints();
-        const std::vector<JointVector> poses = poses_around(controller.arm);
-        demand_poses(call, poses);
+    return [calibration, sensor](const Call& call) {
+        Arm& arm = calibration->arm;
+        demand(arm, call, sensor);
+        const JointVector home = arm.joints();
+        const std::vector<JointVector> poses = poses_around(arm);
+        demand_poses(arm, call, poses);
         calibration->running = true;
         calibration->samples.clear();
-        for (const JointVector& pose : poses) measure_at(controller, pose, calibration, [](bool) {});
-        Move back = joint_move(controller.arm, home);
-        back.ended = conclusion(call, calibration, sensor == Sensor::kOneForce);
-        controller.arm.order(back);
+        for (const JointVector& pose : poses) measure_at(calibration, pose, [](bool) {});
+        Move back = joint_move(arm, home);
+        back.ended = conclusion(calibration, call, sensor == Sensor::kOneForce);
+        arm.order(back);
         return true;
     };
 }
 
-JointVector pose_of(const Call& call, const char* key) {
-    JointVector pose = call.request.numbers(key, call.controller.arm.joint_count());
+JointVector pose_of(const Arm& arm, const Call& call) {
+    JointVector pose = call.request.numbers("joint", arm.joint_count());
     for (double& joint : pose) joint /= 1000;
     return pose;
 }
 
 // The client sends its poses one by one. Only the last one is answered.
-void measure_pose(Call& call, const SharedCalibration& calibration, bool first) {
-    demand(call, Sensor::kSixForce);
-    const JointVector pose = pose_of(call, "joint");
-    demand_poses(call, {pose});
+void measure_pose(const SharedCalibration& calibration, const Call& call, bool first) {
+    const Arm& arm = calibration->arm;
+    demand(arm, call, Sensor::kSixForce);
+    const JointVector pose = pose_of(arm, call);
+    demand_poses(arm, call, {pose});
     if (first) calibration->samples.clear();
     calibration->running = true;
-    measure_at(call.controller, pose, calibration, [](bool) {});
+    measure_at(calibration, pose, [](bool) {});
 }
 
-bool measure_last_pose(Call& call, const SharedCalibration& calibration) {
-    demand(call, Sensor::kSixForce);
-    const JointVector pose = pose_of(call, "joint");
-    demand_poses(call, {pose});
+bool measure_last_pose(const SharedCalibration& calibration, const Call& call) {
+    const Arm& arm = calibration->arm;
+    demand(arm, call, Sensor::kSixForce);
+    const JointVector pose = pose_of(arm, call);
+    demand_poses(arm, call, {pose});
     calibration->running = true;
-    measure_at(call.controller, pose, calibration, conclusion(call, calibration, false));
+    measure_at(calibration, pose, conclusion(calibration, call, false));
     return true;
 }
 
 // Clients send the seventh joint of the second pose after the first pose.
-bool measure_two_poses(Call& call, const SharedCalibration& calibration) {
-    demand(call, Sensor::kOneForce);
-    const size_t joints = call.controller.arm.joint_count();
+bool measure_two_poses(const SharedCalibration& calibration, const Call& call) {
+    const Arm& arm = calibration->arm;
+    demand(arm, call, Sensor::kOneForce);
+    const size_t joints = arm.joint_count();
     const bool shifted = joints == 7;
     JointVector first = call.request.numbers("pose1", shifted ? 8 : joints);
     JointVector second = call.request.numbers("pose2", shifted ? 6 : joints);
@@ -189,16 +192,16 @@ bool measure_two_poses(Call& call, const SharedCalibration& calibration) {
     for (JointVector* pose : {&first, &second}) {
         for (double& joint : *pose) joint /= 1000;
     }
-    demand_poses(call, {first, second});
+    demand_poses(arm, call, {first, second});
     calibration->samples.clear();
     calibration->running = true;
-    measure_at(call.controller, first, calibration, [](bool) {});
-    measure_at(call.controller, second, calibration, conclusion(call, calibration, true));
+    measure_at(calibration, first, [](bool) {});
+    measure_at(calibration, second, conclusion(calibration, call, true));
     return true;
 }
 
-void add_calibrations(CommandTable& table) {
-    const auto calibration = std::make_shared<Calibration>();
+void add_calibrations(CommandTable& table, Arm& arm, ForceSensor& sensor) {
+    const auto calibration = std::make_shared<Calibration>(Calibration{arm, sensor});
     const auto add = [&](const std::string& name, const Action& action) {
         Command& command = table.set(name, "set_state", action);
         command.literal = "set_force_sensor";
@@ -206,46 +209,45 @@ void add_calibrations(CommandTable& table) {
     };
     add("set_force_sensor", calibrate_automatically(calibration, Sensor::kSixForce));
     add("auto_set_Fz", calibrate_automatically(calibration, Sensor::kOneForce));
-    add("manual_set_Fz", [calibration](Call& call) { return measure_two_poses(call, calibration); });
+    add("manual_set_Fz", [calibration](const Call& call) { return measure_two_poses(calibration, call); });
     for (const int number : {1, 2, 3}) {
         table.order("manual_set_force_pose" + std::to_string(number),
-                    [calibration, number](Call& call) { measure_pose(call, calibration, number == 1); });
+                    [calibration, number](const Call& call) { measure_pose(calibration, call, number == 1); });
     }
-    add("manual_set_force_pose4", [calibration](Call& call) { return measure_last_pose(call, calibration); });
-    table.set("stop_set_force_sensor", "stop_state", [calibration](Call& call) {
+    add("manual_set_force_pose4", [calibration](const Call& call) { return measure_last_pose(calibration, call); });
+    table.set("stop_set_force_sensor", "stop_state", [calibration](const Call&) {
         if (!std::exchange(calibration->running, false)) return false;
         calibration->samples.clear();  // of an abandoned calibration
-        call.controller.arm.motion().stop();
+        calibration->arm.motion().stop();
         return true;
     });
 }
 
 // ---------------------------------------------------------------------------------------------------------- Holding --
 
-bool set_force_position(Call& call) {
-    Controller& controller = call.controller;
-    const HoldOrder order = hold_order(call.request, controller.arm.model().sensor);
-    const std::string reason = controller.arm.reason_not_to_move();
+bool set_force_position(const Arm& arm, ForceControl& force, const Call& call) {
+    const HoldOrder order = hold_order(call.request, arm.model().sensor);
+    const std::string reason = arm.reason_not_to_move();
     if (!reason.empty()) throw BadRequest("set_force_position: " + reason);
-    return controller.hold_force(order);
+    return force.begin_hold(order);
 }
 
-bool stop_force_position(Call& call) {
-    const bool active = call.controller.hold.active();
-    call.controller.hold.end();
+bool stop_force_position(ForceHold& hold, const Call&) {
+    const bool active = hold.active();
+    hold.end();
     return active;
 }
 
 }  // namespace
 
-void add_force_commands(CommandTable& table) {
-    table.query("get_force_data", "get_force_data", force_data);
-    table.set("clear_force_data", "clear_state", clear(Sensor::kSixForce));
-    table.query("get_Fz", "get_Fz", fz);
-    table.set("clear_Fz", "set_state", clear(Sensor::kOneForce));
-    add_calibrations(table);
-    table.set("set_force_position", "set_state", set_force_position);
-    table.set("stop_force_position", "stop_state", stop_force_position);
+void add_force_commands(CommandTable& table, Arm& arm, ForceControl& force) {
+    table.query("get_force_data", "get_force_data", with(force_data, arm, force));
+    table.set("clear_force_data", "clear_state", clear(arm, force, Sensor::kSixForce));
+    table.query("get_Fz", "get_Fz", with(fz, arm, force));
+    table.set("clear_Fz", "set_state", clear(arm, force, Sensor::kOneForce));
+    add_calibrations(table, arm, force.sensor);
+    table.set("set_force_position", "set_state", with(set_force_position, arm, force));
+    table.set("stop_force_position", "stop_state", with(stop_force_position, force.hold));
 }
 
 }  // namespace sim

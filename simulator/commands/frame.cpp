@@ -6,12 +6,11 @@
 #include <optional>
 
 #include "commands/commands.h"
-#include "controller.h"
+#include "motion/tool.h"
+#include "wire/command_table.h"
 
 namespace sim {
 namespace {
-
-using Store = FrameStore Controller::*;
 
 template <size_t N>
 std::array<int, N> array_of(const std::vector<int>& values) {
@@ -22,14 +21,11 @@ std::array<int, N> array_of(const std::vector<int>& values) {
 
 // Tool and work frames differ in the names of their keys and in the payload of a tool.
 struct Kind {
-    Store store;
+    FrameStore& store;
     const char* name_key;
     const char* pose_key;
     bool payload;
 };
-
-constexpr Kind kTool{&Controller::tools, "tool_name", "tool_pose", true};
-constexpr Kind kWork{&Controller::works, "frame_name", "frame_pose", false};
 
 Frame requested_frame(const Request& request, const Kind& kind) {
     Frame frame;
@@ -42,14 +38,14 @@ Frame requested_frame(const Request& request, const Kind& kind) {
 }
 
 Action store_frame(Kind kind, bool (FrameStore::*act)(const std::string&, const Frame&)) {
-    return [=](Call& call) {
+    return [=](const Call& call) {
         const std::string name = call.request.text(kind.name_key);
-        return ((call.controller.*kind.store).*act)(name, requested_frame(call.request, kind));
+        return (kind.store.*act)(name, requested_frame(call.request, kind));
     };
 }
 
 Action name_frame(Kind kind, bool (FrameStore::*act)(const std::string&)) {
-    return [=](Call& call) { return ((call.controller.*kind.store).*act)(call.request.text(kind.name_key)); };
+    return [=](const Call& call) { return (kind.store.*act)(call.request.text(kind.name_key)); };
 }
 
 Json frame_reply(const Kind& kind, const std::string& name, const Frame& frame) {
@@ -62,22 +58,19 @@ Json frame_reply(const Kind& kind, const std::string& name, const Frame& frame) 
 }
 
 Query current_frame(Kind kind) {
-    return [=](Call& call) {
-        const FrameStore& store = call.controller.*kind.store;
-        return frame_reply(kind, store.current_name(), store.current());
-    };
+    return [=](const Call&) { return frame_reply(kind, kind.store.current_name(), kind.store.current()); };
 }
 
 Query given_frame(Kind kind) {
-    return [=](Call& call) {
+    return [=](const Call& call) {
         const std::string name = call.request.text(kind.name_key);
-        const Frame* frame = (call.controller.*kind.store).find(name);
+        const Frame* frame = kind.store.find(name);
         return frame ? frame_reply(kind, name, *frame) : Json{{"get_state", false}};
     };
 }
 
-Query frame_names(Store store, const char* key) {
-    return [=](Call& call) { return Json{{key, (call.controller.*store).names()}}; };
+Query frame_names(const FrameStore& store, const char* key) {
+    return [&store, key](const Call&) { return Json{{key, store.names()}}; };
 }
 
 // The poses that a client has recorded for an automatic calibration.
@@ -120,76 +113,78 @@ std::optional<KDL::Frame> plane_frame(const Points& tips) {
     return KDL::Frame(KDL::Rotation(x, z * x, z), origin);
 }
 
-void add_automatic_tool(CommandTable& table) {
+void add_automatic_tool(CommandTable& table, const Arm& arm, FrameStore& tools) {
     const auto points = std::make_shared<Points>();
-    table.set("set_auto_tool_frame", "auto_tool_frame", [points](Call& call) {
+    table.set("set_auto_tool_frame", "auto_tool_frame", [points, &arm](const Call& call) {
         constexpr int kMaxPoints = 6;
         const int number = call.request.integer("point_num", 1, kMaxPoints);
         if (number == 1) points->clear();
-        (*points)[number] = call.controller.flange_pose();
+        (*points)[number] = arm.flange();
         return true;
     });
-    table.set("generate_auto_tool_frame", "auto_tool_frame", [points](Call& call) {
+    table.set("generate_auto_tool_frame", "auto_tool_frame", [points, &tools](const Call& call) {
         const std::optional<KDL::Vector> tip = common_tip(*points);
         Frame frame;
         frame.payload = call.request.number("payload");
         frame.position = array_of<3>(call.request.integers("position", 3));
         if (!tip) return false;
         frame.pose = wire_pose(KDL::Frame(*tip));
-        return call.controller.tools.add(call.request.text("tool_name"), frame);
+        return tools.add(call.request.text("tool_name"), frame);
     });
 }
 
 // Numbers 1 to 3 record the position of the tool tip, 4 computes the frame.
-void add_automatic_work(CommandTable& table) {
+void add_automatic_work(CommandTable& table, Tool& tool) {
     const auto points = std::make_shared<Points>();
-    table.set("set_auto_work_frame", "auto_work_frame", [points](Call& call) {
+    table.set("set_auto_work_frame", "auto_work_frame", [points, &tool](const Call& call) {
         constexpr int kGenerate = 4;
         const int number = call.request.integer("point_num", 1, kGenerate);
         const std::string name = call.request.text("frame_name");
         if (number != kGenerate) {
             if (number == 1) points->clear();
-            (*points)[number] = call.controller.mounted_flange() * frame_of(call.controller.tools.current().pose);
+            (*points)[number] = tool.mounted_flange() * frame_of(tool.tools.current().pose);
             return true;
         }
         const std::optional<KDL::Frame> frame = plane_frame(*points);
-        return frame && call.controller.works.add(name, {.pose = wire_pose(*frame), .payload = 0, .position = {}});
+        return frame && tool.works.add(name, {.pose = wire_pose(*frame), .payload = 0, .position = {}});
     });
 }
 
-void add_payload(CommandTable& table) {
-    table.set("set_payload", "set_state", [](Call& call) {
+void add_payload(CommandTable& table, Frame& payload) {
+    table.set("set_payload", "set_state", [&payload](const Call& call) {
         constexpr int kMaxPayload = 50'000;
-        call.controller.payload.payload = call.request.integer("payload", 0, kMaxPayload);
-        call.controller.payload.position = array_of<3>(call.request.integers("position", 3));
+        payload.payload = call.request.integer("payload", 0, kMaxPayload);
+        payload.position = array_of<3>(call.request.integers("position", 3));
         return true;
     });
-    table.set("set_none_payload", "set_state", [](Call& call) {
-        call.controller.payload = {};
+    table.set("set_none_payload", "set_state", [&payload](const Call&) {
+        payload = {};
         return true;
     });
 }
 
 }  // namespace
 
-void add_frame_commands(CommandTable& table) {
-    table.set("set_manual_tool_frame", "manual_tool_frame", store_frame(kTool, &FrameStore::add));
-    table.set("update_tool_frame", "update_state", store_frame(kTool, &FrameStore::update));
-    table.set("set_change_tool_frame", "change_tool_frame", name_frame(kTool, &FrameStore::select));
-    table.set("set_delete_tool_frame", "delete_tool_frame", name_frame(kTool, &FrameStore::remove));
-    table.query("get_current_tool_frame", "current_tool_frame", current_frame(kTool));
-    table.query("get_tool_frame", "given_tool_frame", given_frame(kTool));
-    table.query("get_total_tool_frame", "total_tool_frame", frame_names(kTool.store, "tool_names"));
-    table.set("set_manual_work_frame", "manual_work_frame", store_frame(kWork, &FrameStore::add));
-    table.set("update_work_frame", "update_state", store_frame(kWork, &FrameStore::update));
-    table.set("set_change_work_frame", "change_work_frame", name_frame(kWork, &FrameStore::select));
-    table.set("set_delete_work_frame", "delete_work_frame", name_frame(kWork, &FrameStore::remove));
-    table.query("get_current_work_frame", "current_work_frame", current_frame(kWork));
-    table.query("get_work_frame", "given_work_frame", given_frame(kWork));
-    table.query("get_total_work_frame", "total_work_frame", frame_names(kWork.store, "frame_names"));
-    add_automatic_tool(table);
-    add_automatic_work(table);
-    add_payload(table);
+void add_frame_commands(CommandTable& table, const Arm& arm, Tool& tool) {
+    const Kind tools{tool.tools, "tool_name", "tool_pose", true};
+    const Kind works{tool.works, "frame_name", "frame_pose", false};
+    table.set("set_manual_tool_frame", "manual_tool_frame", store_frame(tools, &FrameStore::add));
+    table.set("update_tool_frame", "update_state", store_frame(tools, &FrameStore::update));
+    table.set("set_change_tool_frame", "change_tool_frame", name_frame(tools, &FrameStore::select));
+    table.set("set_delete_tool_frame", "delete_tool_frame", name_frame(tools, &FrameStore::remove));
+    table.query("get_current_tool_frame", "current_tool_frame", current_frame(tools));
+    table.query("get_tool_frame", "given_tool_frame", given_frame(tools));
+    table.query("get_total_tool_frame", "total_tool_frame", frame_names(tools.store, "tool_names"));
+    table.set("set_manual_work_frame", "manual_work_frame", store_frame(works, &FrameStore::add));
+    table.set("update_work_frame", "update_state", store_frame(works, &FrameStore::update));
+    table.set("set_change_work_frame", "change_work_frame", name_frame(works, &FrameStore::select));
+    table.set("set_delete_work_frame", "delete_work_frame", name_frame(works, &FrameStore::remove));
+    table.query("get_current_work_frame", "current_work_frame", current_frame(works));
+    table.query("get_work_frame", "given_work_frame", given_frame(works));
+    table.query("get_total_work_frame", "total_work_frame", frame_names(works.store, "frame_names"));
+    add_automatic_tool(table, arm, tool.tools);
+    add_automatic_work(table, tool);
+    add_payload(table, tool.payload);
 }
 
 }  // namespace sim

@@ -1,7 +1,8 @@
 // The gripper. The end of a motion with "block": true is reported; that of any other is not.
 
 #include "commands/commands.h"
-#include "controller.h"
+#include "devices/devices.h"
+#include "wire/command_table.h"
 
 namespace sim {
 namespace {
@@ -10,17 +11,15 @@ constexpr int kMaxSpeed = 1000;  // units of opening per second
 constexpr int kMinForce = 50, kMaxForce = 1000;
 
 // Each reads its whole request before anything moves.
-bool release(Call& call) {
-    Gripper& gripper = call.controller.devices.gripper;
+bool release(Gripper& gripper, const Call& call) {
     const int speed = call.request.integer("speed", 1, kMaxSpeed);
     gripper.audience.expect(call.client, wants_report(call.request));
     gripper.go(gripper.widest, speed, 0, Gripper::Mode::kPosition);
     return true;
 }
 
-Action pick(Gripper::Mode mode) {
-    return [mode](Call& call) {
-        Gripper& gripper = call.controller.devices.gripper;
+Action pick(Gripper& gripper, Gripper::Mode mode) {
+    return [&gripper, mode](const Call& call) {
         const int speed = call.request.integer("speed", 1, kMaxSpeed);
         const int force = call.request.integer("force", kMinForce, kMaxForce);
         gripper.audience.expect(call.client, wants_report(call.request));
@@ -29,24 +28,22 @@ Action pick(Gripper::Mode mode) {
     };
 }
 
-bool position(Call& call) {
-    Gripper& gripper = call.controller.devices.gripper;
+bool position(Gripper& gripper, const Call& call) {
     const int opening = call.request.integer("position", gripper.narrowest, gripper.widest);
     gripper.audience.expect(call.client, wants_report(call.request));
     gripper.go(opening, kMaxSpeed, kMinForce, Gripper::Mode::kPosition);
     return true;
 }
 
-bool route(Call& call) {
+bool route(Gripper& gripper, const Call& call) {
     const int min = call.request.integer("min", 0, Gripper::kOpen - 1);
     const int max = call.request.integer("max", min + 1, Gripper::kOpen);
-    call.controller.devices.gripper.narrowest = min;
-    call.controller.devices.gripper.widest = max;
+    gripper.narrowest = min;
+    gripper.widest = max;
     return true;
 }
 
-Json state(Call& call) {
-    const Gripper& gripper = call.controller.devices.gripper;
+Json state(const Gripper& gripper, const Call&) {
     return {{"enable", 1},
             {"status", 1},
             {"error", 0},
@@ -58,13 +55,13 @@ Json state(Call& call) {
 
 }  // namespace
 
-void add_gripper_commands(CommandTable& table) {
-    table.set("set_gripper_route", "state", route);
-    table.set("set_gripper_release", "state", release);
-    table.set("set_gripper_pick", "state", pick(Gripper::Mode::kPick));
-    table.set("set_gripper_pick_on", "state", pick(Gripper::Mode::kPickOn));
-    table.set("set_gripper_position", "state", position);
-    table.query("get_gripper_state", "get_gripper_state", state);
+void add_gripper_commands(CommandTable& table, Gripper& gripper) {
+    table.set("set_gripper_route", "state", with(route, gripper));
+    table.set("set_gripper_release", "state", with(release, gripper));
+    table.set("set_gripper_pick", "state", pick(gripper, Gripper::Mode::kPick));
+    table.set("set_gripper_pick_on", "state", pick(gripper, Gripper::Mode::kPickOn));
+    table.set("set_gripper_position", "state", with(position, gripper));
+    table.query("get_gripper_state", "get_gripper_state", with(state, gripper));
 }
 
 }  // namespace sim

@@ -4,7 +4,8 @@
 #include <optional>
 
 #include "commands/commands.h"
-#include "controller.h"
+#include "devices/modbus.h"
+#include "wire/command_table.h"
 
 namespace sim {
 namespace {
@@ -21,10 +22,10 @@ struct Range {
     int count;
 };
 
-std::optional<Range> range(Call& call, int count, int most) {
+std::optional<Range> range(ModbusMaster& modbus, const Call& call, int count, int most) {
     const Request& request = call.request;
     const int first = request.integer("address");
-    ModbusDevice* device = call.controller.modbus.find(request.integer("port"), request.integer("device"));
+    ModbusDevice* device = modbus.find(request.integer("port"), request.integer("device"));
     if (!device || count < 1 || count > most || first < 0 || first > ModbusDevice::kAddresses - count)
         return std::nullopt;
     return Range{*device, first, count};
@@ -59,26 +60,26 @@ Json read_reply(const std::optional<Range>& range, Data data) {
 }
 
 template <class Read>
-void add_single_reads(CommandTable& table, const char* bits, Read read_bit, const char* registers,
+void add_single_reads(CommandTable& table, ModbusMaster& modbus, const char* bits, Read read_bit, const char* registers,
                       int (ModbusDevice::*read_register)(int) const) {
-    table.query(bits, bits, [=](Call& call) {
-        return read_reply(range(call, call.request.integer("num"), kBits),
+    table.query(bits, bits, [=, &modbus](const Call& call) {
+        return read_reply(range(modbus, call, call.request.integer("num"), kBits),
                           [&](const Range& asked) { return packed_bits(asked, read_bit).front(); });
     });
-    table.query(registers, registers, [=](Call& call) {
-        return read_reply(range(call, 1, 1),
+    table.query(registers, registers, [=, &modbus](const Call& call) {
+        return read_reply(range(modbus, call, 1, 1),
                           [&](const Range& asked) { return (asked.device.*read_register)(asked.first); });
     });
 }
 
-void add_multiple_reads(CommandTable& table) {
-    table.query("read_multiple_coils", "read_multiple_coils", [](Call& call) {
-        return read_reply(range(call, call.request.integer("num"), kMostRead),
+void add_multiple_reads(CommandTable& table, ModbusMaster& modbus) {
+    table.query("read_multiple_coils", "read_multiple_coils", [&modbus](const Call& call) {
+        return read_reply(range(modbus, call, call.request.integer("num"), kMostRead),
                           [](const Range& asked) { return packed_bits(asked, &ModbusDevice::coil); });
     });
     const auto registers = [&](const char* name, auto read) {
-        table.query(name, name, [read](Call& call) {
-            return read_reply(range(call, call.request.integer("num"), kMostRegistersRead),
+        table.query(name, name, [&modbus, read](const Call& call) {
+            return read_reply(range(modbus, call, call.request.integer("num"), kMostRegistersRead),
                               [&](const Range& asked) { return register_bytes(asked, read); });
         });
     };
@@ -96,8 +97,8 @@ std::vector<int> bytes_of(const Request& request, int count) {
     return bytes;
 }
 
-bool write_coils(Call& call) {
-    const auto range = sim::range(call, call.request.integer("num"), kMostWritten);
+bool write_coils(ModbusMaster& modbus, const Call& call) {
+    const auto range = sim::range(modbus, call, call.request.integer("num"), kMostWritten);
     if (!range) return false;
     const std::vector<int> bytes = bytes_of(call.request, (range->count + kBits - 1) / kBits);
     for (int i = 0; i < range->count; ++i)
@@ -105,8 +106,8 @@ bool write_coils(Call& call) {
     return true;
 }
 
-bool write_registers(Call& call) {
-    const auto range = sim::range(call, call.request.integer("num"), kMostRegistersWritten);
+bool write_registers(ModbusMaster& modbus, const Call& call) {
+    const auto range = sim::range(modbus, call, call.request.integer("num"), kMostRegistersWritten);
     if (!range) return false;
     const std::vector<int> bytes = bytes_of(call.request, 2 * range->count);
     for (int i = 0; i < range->count; ++i) {
@@ -116,56 +117,56 @@ bool write_registers(Call& call) {
     return true;
 }
 
-void add_writes(CommandTable& table) {
-    table.set("write_single_coil", "write_state", [](Call& call) {
-        const auto range = sim::range(call, 1, 1);
+void add_writes(CommandTable& table, ModbusMaster& modbus) {
+    table.set("write_single_coil", "write_state", [&modbus](const Call& call) {
+        const auto range = sim::range(modbus, call, 1, 1);
         if (range) range->device.write_coil(range->first, call.request.integer("data", 0, 65535) != 0);
         return range.has_value();
     });
-    table.set("write_single_register", "write_state", [](Call& call) {
-        const auto range = sim::range(call, 1, 1);
+    table.set("write_single_register", "write_state", [&modbus](const Call& call) {
+        const auto range = sim::range(modbus, call, 1, 1);
         if (range) range->device.write_register(range->first, call.request.integer("data", 0, 65535));
         return range.has_value();
     });
-    table.set("write_coils", "write_state", write_coils);
-    table.set("write_registers", "write_state", write_registers);
+    table.set("write_coils", "write_state", with(write_coils, modbus));
+    table.set("write_registers", "write_state", with(write_registers, modbus));
 }
 
-void add_modes(CommandTable& table) {
-    table.set("set_modbus_mode", "set_state", [](Call& call) {
-        ModbusPort& port = call.controller.modbus.port(call.request.integer("port", 0, ModbusMaster::ZK_K_TOOL));
+void add_modes(CommandTable& table, ModbusMaster& modbus) {
+    table.set("set_modbus_mode", "set_state", [&modbus](const Call& call) {
+        ModbusPort& port = modbus.port(call.request.integer("port", 0, ModbusMaster::ZK_K_TOOL));
         const int baudrate = call.request.integer("baudrate", 1);
         port.timeout = call.request.integer("timeout", 0);
         port.baudrate = baudrate;
         return port.open = true;
     });
-    table.set("close_modbus_mode", "set_state", [](Call& call) {
-        call.controller.modbus.port(call.request.integer("port", 0, ModbusMaster::ZK_K_TOOL)).open = false;
+    table.set("close_modbus_mode", "set_state", [&modbus](const Call& call) {
+        modbus.port(call.request.integer("port", 0, ModbusMaster::ZK_K_TOOL)).open = false;
         return true;
     });
-    table.set("set_modbustcp_mode", "set_state", [](Call& call) {
+    table.set("set_modbustcp_mode", "set_state", [&modbus](const Call& call) {
         call.request.text("ip");
         call.request.integer("port", 1, 65535);
-        ModbusPort& port = call.controller.modbus.port(ModbusMaster::ZK_K_TCP);
+        ModbusPort& port = modbus.port(ModbusMaster::ZK_K_TCP);
         port.timeout = call.request.integer("timeout", 0);
         return port.open = true;
     });
-    table.set("close_modbustcp_mode", "set_state", [](Call& call) {
-        call.controller.modbus.port(ModbusMaster::ZK_K_TCP).open = false;
+    table.set("close_modbustcp_mode", "set_state", [&modbus](const Call&) {
+        modbus.port(ModbusMaster::ZK_K_TCP).open = false;
         return true;
     });
 }
 
 }  // namespace
 
-void add_modbus_commands(CommandTable& table) {
-    add_modes(table);
-    add_single_reads(table, "read_coils", &ModbusDevice::coil, "read_holding_registers",
+void add_modbus_commands(CommandTable& table, ModbusMaster& modbus) {
+    add_modes(table, modbus);
+    add_single_reads(table, modbus, "read_coils", &ModbusDevice::coil, "read_holding_registers",
                      &ModbusDevice::holding_register);
-    add_single_reads(table, "read_input_status", &ModbusDevice::discrete_input, "read_input_registers",
+    add_single_reads(table, modbus, "read_input_status", &ModbusDevice::discrete_input, "read_input_registers",
                      &ModbusDevice::input_register);
-    add_multiple_reads(table);
-    add_writes(table);
+    add_multiple_reads(table, modbus);
+    add_writes(table, modbus);
 }
 
 }  // namespace sim

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "motion/move.h"
+#include "motion/arm.h"
 #include "wire/command_table.h"
 
 namespace sim {
@@ -11,9 +11,9 @@ namespace sim {
 int percent_of(const Call& call);
 
 // Queues a move and returns true. Throws BadRequest if the arm may not move, NoPath if the move has no path.
-bool order(Call& call, Move move);
+bool order(Arm& arm, const Call& call, Move move);
 
 // Reports to a client that waits for the arrival that there is none.
-void report_refusal(Call& call);
+void report_refusal(const Call& call);
 
 }  // namespace sim

@@ -1,7 +1,7 @@
 // The stored programs: list, run and change them.
 
+#include "programs/program.h"
 #include "commands/commands.h"
-#include "controller.h"
 #include "wire/pages.h"
 
 namespace sim {
@@ -12,9 +12,9 @@ constexpr size_t kLongestName = 31;  // clients store a name in 32 bytes
 
 int id_of(const Request& request) { return request.integer("id", 1, Programs::kMaxId); }
 
-Json program_list(Call& call) {
+Json program_list(const Programs& programs, const Call& call) {
     std::vector<Json> entries;
-    for (const auto& [id, program] : call.controller.programs.kept) {
+    for (const auto& [id, program] : programs.kept) {
         entries.push_back({{"id", id},
                            {"size", program.size},
                            {"speed", program.speed},
@@ -23,24 +23,21 @@ Json program_list(Call& call) {
     return page_reply(page_of(call.request, kMostOnAPage), entries, "trajectory_name");
 }
 
-bool start_program(Call& call) {
-    Controller& controller = call.controller;
-    const auto found = controller.programs.kept.find(id_of(call.request));
+bool start_program(Programs& programs, const Arm& arm, const Call& call) {
+    const auto found = programs.kept.find(id_of(call.request));
     const int speed = call.request.integer("speed", 1, 100);
-    if (found == controller.programs.kept.end() || !controller.arm.reason_not_to_move().empty()) return false;
-    return controller.programs.start(found->second, speed, false, call.client);
+    if (found == programs.kept.end() || !arm.reason_not_to_move().empty()) return false;
+    return programs.start(found->second, speed, false, call.client);
 }
 
-bool delete_program(Call& call) {
-    Programs& programs = call.controller.programs;
+bool delete_program(Programs& programs, const Call& call) {
     const int id = id_of(call.request);
     if (programs.runs(id)) return false;
     if (programs.default_id == id) programs.default_id = 0;
     return programs.kept.erase(id) != 0;
 }
 
-bool update_program(Call& call) {
-    Programs& programs = call.controller.programs;
+bool update_program(Programs& programs, const Call& call) {
     const auto found = programs.kept.find(id_of(call.request));
     const std::string name = call.request.text("project_name");
     const int speed = call.request.integer("plan_speed", 1, 100);
@@ -50,8 +47,7 @@ bool update_program(Call& call) {
     return true;
 }
 
-bool set_default(Call& call) {
-    Programs& programs = call.controller.programs;
+bool set_default(Programs& programs, const Call& call) {
     const int id = call.request.integer("id", 0, Programs::kMaxId);
     if (id != 0 && programs.kept.count(id) == 0) return false;
     programs.default_id = id;
@@ -60,16 +56,16 @@ bool set_default(Call& call) {
 
 }  // namespace
 
-void add_program_commands(CommandTable& table) {
-    table.query("get_program_trajectory_list", "get_program_trajectory_list", program_list);
+void add_program_commands(CommandTable& table, Programs& programs, const Arm& arm) {
+    table.query("get_program_trajectory_list", "get_program_trajectory_list", with(program_list, programs));
     table.query("get_program_run_state", "get_program_run_state",
-                [](Call& call) { return call.controller.programs.state(call.controller); });
-    table.set("set_program_id_start", "start_state", start_program);
-    table.set("delete_program_trajectory", "delete_state", delete_program);
-    table.set("update_program_trajectory", "update_state", update_program);
-    table.set("set_default_run_program", "set_state", set_default);
-    table.query("get_default_run_program", "get_default_run_program", [](Call& call) {
-        return Json{{"id", call.controller.programs.default_id}};
+                [&programs](const Call&) { return programs.state(); });
+    table.set("set_program_id_start", "start_state", with(start_program, programs, arm));
+    table.set("delete_program_trajectory", "delete_state", with(delete_program, programs));
+    table.set("update_program_trajectory", "update_state", with(update_program, programs));
+    table.set("set_default_run_program", "set_state", with(set_default, programs));
+    table.query("get_default_run_program", "get_default_run_program", [&programs](const Call&) {
+        return Json{{"id", programs.default_id}};
     });
 }
 

@@ -3,7 +3,9 @@
 #include <arpa/inet.h>
 
 #include "commands/commands.h"
-#include "controller.h"
+#include "motion/arm.h"
+#include "push/push.h"
+#include "wire/command_table.h"
 
 namespace sim {
 namespace {
@@ -28,10 +30,10 @@ std::string ipv4_address(const Request& request, const char* key) {
 }
 
 // Omitted keys leave their settings unchanged; one wrong value leaves all of them unchanged.
-bool set_realtime_push(Call& call) {
+bool set_realtime_push(PushSettings& in_force, const Call& call) {
     constexpr int kMaxCycle = 2000;
     const Request& request = call.request;
-    PushSettings settings = call.controller.push;
+    PushSettings settings = in_force;
     if (request.has("cycle")) settings.cycle = request.integer("cycle", 1, kMaxCycle);
     if (request.has("enable")) settings.enable = request.flag("enable");
     if (request.has("port")) settings.port = request.integer("port", 1, 65535);
@@ -43,14 +45,13 @@ bool set_realtime_push(Call& call) {
             if (custom.has(key)) settings.*flag = custom.flag(key);
         }
     }
-    call.controller.push = settings;
+    in_force = settings;
     return true;
 }
 
-Json get_realtime_push(Call& call) {
-    const PushSettings& settings = call.controller.push;
+Json get_realtime_push(const PushSettings& settings, const Arm& arm, const Call&) {
     Json reply{{"cycle", settings.cycle}, {"enable", settings.enable}, {"port", settings.port}};
-    if (call.controller.arm.model().sensor != Sensor::kBare) reply["force_coordinate"] = settings.force_coordinate;
+    if (arm.model().sensor != Sensor::kBare) reply["force_coordinate"] = settings.force_coordinate;
     reply["ip"] = settings.ip;
     for (const auto& [key, flag] : kCustom) reply["custom"][key] = settings.*flag;
     return reply;
@@ -58,9 +59,9 @@ Json get_realtime_push(Call& call) {
 
 }  // namespace
 
-void add_push_commands(CommandTable& table) {
-    table.set("set_realtime_push", "state", set_realtime_push);
-    table.query("get_realtime_push", "get_realtime_push", get_realtime_push);
+void add_push_commands(CommandTable& table, PushSettings& settings, const Arm& arm) {
+    table.set("set_realtime_push", "state", with(set_realtime_push, settings));
+    table.query("get_realtime_push", "get_realtime_push", with(get_realtime_push, settings, arm));
 }
 
 }  // namespace sim

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "controller.h"
-
 namespace sim {
 namespace {
 
@@ -60,22 +58,19 @@ const char* reason(Verdict verdict) {
     return "";
 }
 
-std::optional<JointVector> joint_target(const Call& call) {
+std::optional<JointVector> joint_target(const Arm& arm, const Tool&, const Call& call) {
     JointVector target;
-    for (const int joint : call.request.integers("joint", call.controller.arm.joint_count()))
-        target.push_back(joint / 1000.0);
+    for (const int joint : call.request.integers("joint", arm.joint_count())) target.push_back(joint / 1000.0);
     return target;
 }
 
-std::optional<JointVector> pose_target(const Call& call) {
-    const Arm& arm = call.controller.arm;
-    return call.controller.joints_at(requested_pose(call.request), arm.motion().stream().last(arm.joints()));
+std::optional<JointVector> pose_target(const Arm& arm, const Tool& tool, const Call& call) {
+    return tool.joints_at(requested_pose(call.request), arm.motion().stream().last(arm.joints()));
 }
 
-Verdict follow_set_point(const Call& call, const Following& following) {
-    Arm& arm = call.controller.arm;
+Verdict follow_set_point(Arm& arm, const Tool& tool, const Call& call, const Following& following) {
     if (!arm.reason_not_to_move().empty()) return Verdict::kNotNow;
-    const std::optional<JointVector> target = following.target(call);
+    const std::optional<JointVector> target = following.target(arm, tool, call);
     if (!target) return Verdict::kUnreachable;
     if (!arm.reason_not_to_move_to(*target).empty()) return Verdict::kBeyondLimit;
     if (following.near && too_far(arm, *target)) return Verdict::kTooFar;
@@ -83,9 +78,9 @@ Verdict follow_set_point(const Call& call, const Following& following) {
     return taken ? Verdict::kFollowed : Verdict::kNotNow;
 }
 
-std::vector<double> reported_joints(const Call& call) {
+std::vector<double> reported_joints(const Arm& arm) {
     std::vector<double> joints;
-    for (const int joint : thousandths(call.controller.arm.joints())) joints.push_back(joint / 1e3);
+    for (const int joint : thousandths(arm.joints())) joints.push_back(joint / 1e3);
     return joints;
 }
 

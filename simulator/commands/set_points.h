@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "motion/robot_model.h"
+#include "motion/tool.h"
 #include "wire/command_table.h"
 
 namespace sim {
@@ -14,9 +14,9 @@ const char* reason(Verdict verdict);
 
 // The joints of a set-point, in degrees; nothing when no joints reach it. Throw BadRequest. The joints of a
 // pose are solved from those of the set-point before, so that the arm keeps its posture.
-using Target = std::optional<JointVector> (*)(const Call&);
-std::optional<JointVector> joint_target(const Call& call);
-std::optional<JointVector> pose_target(const Call& call);
+using Target = std::optional<JointVector> (*)(const Arm&, const Tool&, const Call&);
+std::optional<JointVector> joint_target(const Arm& arm, const Tool& tool, const Call& call);
+std::optional<JointVector> pose_target(const Arm& arm, const Tool& tool, const Call& call);
 
 struct Following {
     Target target;
@@ -27,9 +27,9 @@ struct Following {
 };
 
 // Has the arm follow the set-point of a request, if it can. Throws BadRequest.
-Verdict follow_set_point(const Call& call, const Following& following);
+Verdict follow_set_point(Arm& arm, const Tool& tool, const Call& call, const Following& following);
 
 // The current joints in degrees, rounded to the wire's resolution: clients do not scale the numbers of reports.
-std::vector<double> reported_joints(const Call& call);
+std::vector<double> reported_joints(const Arm& arm);
 
 }  // namespace sim

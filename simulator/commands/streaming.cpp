@@ -2,7 +2,6 @@
 
 #include "commands/commands.h"
 #include "commands/set_points.h"
-#include "controller.h"
 #include "wire/note.h"
 
 namespace sim {
@@ -24,17 +23,18 @@ constexpr Manner kManners[] = {
     {"movep_follow", "pose_state", "move_through_pose", false, pose_target},
 };
 
-Verdict follow(const Call& call, const Manner& manner) {
+Verdict follow(Arm& arm, const Tool& tool, const Call& call, const Manner& manner) {
     const bool direct = manner.passed_on && call.request.has("follow") && call.request.flag("follow");
     return follow_set_point(
-        call, {.target = manner.target, .direct = direct, .near = manner.passed_on, .status = manner.status});
+        arm, tool, call,
+        {.target = manner.target, .direct = direct, .near = manner.passed_on, .status = manner.status});
 }
 
 // Degrees, metres and radians: clients do not scale these numbers.
-Json report(const Call& call, const Manner& manner, Verdict verdict) {
-    Json report{{"state", manner.report}, {"joint", reported_joints(call)}, {"arm_err", static_cast<int>(verdict)}};
+Json report(const Arm& arm, const Tool& tool, const Manner& manner, Verdict verdict) {
+    Json report{{"state", manner.report}, {"joint", reported_joints(arm)}, {"arm_err", static_cast<int>(verdict)}};
     if (report["state"] == "pose_state") {
-        const WirePose wire = wire_pose(call.controller.tool_pose());
+        const WirePose wire = wire_pose(tool.pose());
         std::vector<double> pose;
         for (size_t i = 0; i < wire.size(); ++i) pose.push_back(wire[i] / (i < 3 ? 1e6 : 1e3));
         report["pose"] = pose;
@@ -49,10 +49,10 @@ struct Counts {
     Verdict last = Verdict::kFollowed;
 };
 
-void take(Call& call, const Manner& manner, Counts& counts) {
+void take(Arm& arm, const Tool& tool, const Call& call, const Manner& manner, Counts& counts) {
     Verdict verdict = Verdict::kMalformed;
     try {
-        verdict = follow(call, manner);
+        verdict = follow(arm, tool, call, manner);
     } catch (const BadRequest&) {
     }
     ++counts.received;
@@ -61,16 +61,17 @@ void take(Call& call, const Manner& manner, Counts& counts) {
     // A wrong stream is refused a thousand times a second: only its first refusal is printed.
     if (std::exchange(counts.last, verdict) != verdict && !followed)
         note(call.client->name() + ": " + manner.name + ": set-point refused: " + reason(verdict));
-    if (manner.passed_on || !followed) call.client->send(report(call, manner, verdict));
+    if (manner.passed_on || !followed) call.client->send(report(arm, tool, manner, verdict));
 }
 
 }  // namespace
 
-void add_streaming_commands(CommandTable& table) {
+void add_streaming_commands(CommandTable& table, Arm& arm, const Tool& tool) {
     const auto counts = std::make_shared<Counts>();
     for (const Manner& manner : kManners)
-        table.order(manner.name, [counts, manner](Call& call) { take(call, manner, *counts); });
-    table.query("zk_sim_stream", "zk_sim_stream", [counts](Call&) {
+        table.order(manner.name,
+                    [&arm, &tool, counts, manner](const Call& call) { take(arm, tool, call, manner, *counts); });
+    table.query("zk_sim_stream", "zk_sim_stream", [counts](const Call&) {
         return Json{{"received", counts->received}, {"refused", counts->refused}};
     });
 }

@@ -1,85 +1,90 @@
 // Power, errors, versions, counters and the network.
 
 #include "commands/commands.h"
-#include "controller.h"
+#include "devices/modbus.h"
+#include "motion/arm.h"
+#include "wire/command_table.h"
+#include "world/time.h"
 
 namespace sim {
 namespace {
 
 // 0 and 64 both mean off: clients send 64.
-bool set_arm_power(Call& call) {
+bool set_arm_power(Arm& arm, const Call& call) {
     constexpr int kOff = 64;
     const int power = call.request.integer("arm_power");
     if (power != 0 && power != 1 && power != kOff) return false;
-    call.controller.arm.set_power(power == 1);
+    arm.set_power(power == 1);
     return true;
 }
 
-Json controller_state(Call& call) {
-    return {{"voltage", 24000},
-            {"current", 1200},
-            {"temperature", 38000},
-            {"err_flag", call.controller.arm.system_error()}};
+Json controller_state(const Arm& arm, const Call&) {
+    return {{"voltage", 24000}, {"current", 1200}, {"temperature", 38000}, {"err_flag", arm.system_error()}};
 }
 
-Json software_info(Call& call) {
-    return {{"Product_version", call.controller.arm.model().name},
+Json software_info(const Arm& arm, const Call&) {
+    return {{"Product_version", arm.model().name},
             {"algorithm_info", {{"version", "1.0.0"}}},
             {"ctrl_info", {{"build_time", "2024/01/15 10:00:00"}, {"version", "V1.0.0"}}},
             {"dynamic_info", {{"model_version", "2"}}},
             {"plan_info", {{"build_time", "2024/01/15 10:00:00"}, {"version", "V1.0.0"}}}};
 }
 
-Json software_version(Call& call) {
+Json software_version(const Arm& arm, const Call&) {
     return {{"Plan_version", 0x100000},
             {"Ctrl_version", 0x100000},
             {"Real-time_Kernal1", 0x1000},
             {"Real-time_Kernal2", 0x1000},
-            {"Product_version", call.controller.arm.model().name}};
+            {"Product_version", arm.model().name}};
 }
 
-Json runtime(Call& call) {
-    const int64_t seconds = (call.controller.milliseconds() - call.controller.runtime_start) / 1000;
+Json runtime(int64_t seconds) {
     return {{"day", seconds / 86400}, {"hour", seconds / 3600 % 24}, {"min", seconds / 60 % 60}, {"sec", seconds % 60}};
 }
 
-Json odometers(Call& call) {
+Json odometers(const Arm& arm, const Call&) {
     std::vector<int> degrees;
-    for (const JointState& state : call.controller.arm.states()) degrees.push_back(static_cast<int>(state.odometer));
+    for (const JointState& state : arm.states()) degrees.push_back(static_cast<int>(state.odometer));
     return {{"odom", degrees}};
 }
 
-void add_power_and_errors(CommandTable& table) {
-    table.set("set_arm_power", "arm_power", set_arm_power);
-    table.query("get_arm_power_state", "arm_power_state", [](Call& call) {
-        return Json{{"power_state", call.controller.arm.powered() ? 1 : 0}};
+void add_power_and_errors(CommandTable& table, Arm& arm) {
+    table.set("set_arm_power", "arm_power", with(set_arm_power, arm));
+    table.query("get_arm_power_state", "arm_power_state", [&arm](const Call&) {
+        return Json{{"power_state", arm.powered() ? 1 : 0}};
     });
-    table.set("clear_system_err", "clear_state", [](Call& call) {
-        call.controller.arm.set_errors(0, 0);
+    table.set("clear_system_err", "clear_state", [&arm](const Call&) {
+        arm.set_errors(0, 0);
         return true;
     });
-    table.query("get_controller_state", "controller_state", controller_state);
+    table.query("get_controller_state", "controller_state", with(controller_state, arm));
 }
 
-void add_versions(CommandTable& table) {
-    table.query("get_arm_software_info", "arm_software_info", software_info);
-    table.query("get_arm_software_version", "arm_software_version", software_version);
-    table.query("get_arm_hardware_version", "arm_hardware_version", [](Call&) { return Json{{"version", "1.0"}}; });
-    table.query("get_tool_software_version", "tool_software_version", [](Call&) { return Json{{"version", 0x100}}; });
+void add_versions(CommandTable& table, const Arm& arm) {
+    table.query("get_arm_software_info", "arm_software_info", with(software_info, arm));
+    table.query("get_arm_software_version", "arm_software_version", with(software_version, arm));
+    table.query("get_arm_hardware_version", "arm_hardware_version", [](const Call&) {
+        return Json{{"version", "1.0"}};
+    });
+    table.query("get_tool_software_version", "tool_software_version", [](const Call&) {
+        return Json{{"version", 0x100}};
+    });
 }
 
-void add_counters(CommandTable& table) {
-    table.query("get_system_runtime", "get_system_runtime", runtime);
-    table.set("clear_system_runtime", "clear_state", [](Call& call) {
-        call.controller.runtime_start = call.controller.milliseconds();
+void add_counters(CommandTable& table, const SimulatedTime& time, Arm& arm) {
+    const auto start = std::make_shared<int64_t>(0);  // milliseconds
+    table.query("get_system_runtime", "get_system_runtime",
+                [&time, start](const Call&) { return runtime((time.milliseconds - *start) / 1000); });
+    table.set("clear_system_runtime", "clear_state", [&time, start](const Call&) {
+        *start = time.milliseconds;
         return true;
     });
-    table.query("get_joint_odom", "get_joint_odom", odometers);
-    table.set("clear_joint_odom", "clear_state", [](Call& call) {
-        call.controller.arm.clear_odometers();
+    table.query("get_joint_odom", "get_joint_odom", with(odometers, arm));
+    table.set("clear_joint_odom", "clear_state", [&arm](const Call&) {
+        arm.clear_odometers();
         return true;
     });
-    table.set("get_log_file", "set_state", [](Call&) { return true; });
+    table.set("get_log_file", "set_state", [](const Call&) { return true; });
 }
 
 // The network settings of clients, stored and returned. They do not change the host's interfaces.
@@ -104,45 +109,45 @@ std::string short_text(const Request& request, const char* key, size_t most) {
 std::string address(const Request& request, const char* key) { return short_text(request, key, 15); }
 
 void add_ethernet(CommandTable& table, const std::shared_ptr<Network>& net) {
-    table.set("set_high_speed_eth", "set_state", [](Call& call) {
+    table.set("set_high_speed_eth", "set_state", [](const Call& call) {
         call.request.integer("mode", 0, 1);
         return true;
     });
-    table.set("set_high_ethernet", "state", [net](Call& call) {
+    table.set("set_high_ethernet", "state", [net](const Call& call) {
         const std::string ip = address(call.request, "ip"), mask = address(call.request, "mask");
         net->gateway = address(call.request, "gateway");
         net->ip = ip;
         net->mask = mask;
         return true;
     });
-    table.query("get_high_ethernet", "get_high_ethernet", [net](Call&) {
+    table.query("get_high_ethernet", "get_high_ethernet", [net](const Call&) {
         return Json{{"ip", net->ip}, {"mask", net->mask}, {"gateway", net->gateway}, {"mac", net->mac}};
     });
-    table.query("get_wired_net", "get_wired_net", [net](Call&) {
+    table.query("get_wired_net", "get_wired_net", [net](const Call&) {
         return Json{{"ip", net->ip}, {"mask", net->mask}, {"mac", net->mac}};
     });
-    table.set("set_NetIP", "status", [net](Call& call) {
+    table.set("set_NetIP", "status", [net](const Call& call) {
         net->ip = address(call.request, "ip");
         return true;
     });
-    table.set("set_net_default", "net_default_state", [net](Call&) {
+    table.set("set_net_default", "net_default_state", [net](const Call&) {
         *net = {};
         return true;
     });
-    table.set("save_device_info_all", "model", [](Call&) { return true; });
+    table.set("save_device_info_all", "model", [](const Call&) { return true; });
 }
 
-void add_wireless_and_serial(CommandTable& table, const std::shared_ptr<Network>& net) {
-    const auto set_wifi = [net](Call& call, const char* name_key, const char* mode) {
+void add_wireless_and_serial(CommandTable& table, const std::shared_ptr<Network>& net, ModbusMaster& modbus) {
+    const auto set_wifi = [net](const Call& call, const char* name_key, const char* mode) {
         const std::string ssid = short_text(call.request, name_key, 32);
         net->password = short_text(call.request, "password", 15);
         net->ssid = ssid;
         net->wifi_mode = mode;
         net->wifi_channel = 6;
     };
-    table.order("set_wifi_ap", [set_wifi](Call& call) { set_wifi(call, "wifi_name", "ap"); });
-    table.order("set_wifi_sta", [set_wifi](Call& call) { set_wifi(call, "router_name", "sta"); });
-    table.query("get_wifi_net", "get_wifi_net", [net](Call&) {
+    table.order("set_wifi_ap", [set_wifi](const Call& call) { set_wifi(call, "wifi_name", "ap"); });
+    table.order("set_wifi_sta", [set_wifi](const Call& call) { set_wifi(call, "router_name", "sta"); });
+    table.query("get_wifi_net", "get_wifi_net", [net](const Call&) {
         return Json{{"channel", net->wifi_channel},
                     {"ip", net->ip},
                     {"mac", net->mac},
@@ -151,40 +156,40 @@ void add_wireless_and_serial(CommandTable& table, const std::shared_ptr<Network>
                     {"password", net->password},
                     {"ssid", net->ssid}};
     });
-    table.order("set_usb", [](Call& call) { call.request.integer("baudrate"); });
-    table.order("set_RS485", [net](Call& call) { net->baudrate = call.request.integer("baudrate", 1); });
-    table.order("set_ethernet", [](Call&) {});
+    table.order("set_usb", [](const Call& call) { call.request.integer("baudrate"); });
+    table.order("set_RS485", [net](const Call& call) { net->baudrate = call.request.integer("baudrate", 1); });
+    table.order("set_ethernet", [](const Call&) {});
     // Mode 1 is a Modbus master, with the baud rate of its port.
-    const auto serial_mode = [net](Call& call, int number, const char* key) {
-        const ModbusPort& port = call.controller.modbus.port(number);
+    const auto serial_mode = [net, &modbus](int number, const char* key) {
+        const ModbusPort& port = modbus.port(number);
         return Json{{key, port.open ? 1 : 0},
                     {"baudrate", port.open ? port.baudrate : net->baudrate},
                     {"modbus_timeout", port.open ? port.timeout : 0}};
     };
     table.query("get_controller_RS485_mode", "get_controller_RS485_mode",
-                [=](Call& call) { return serial_mode(call, ModbusMaster::ZK_K_CONTROLLER, "controller_RS485_mode"); });
+                [=](const Call&) { return serial_mode(ModbusMaster::ZK_K_CONTROLLER, "controller_RS485_mode"); });
     table.query("get_tool_RS485_mode", "get_tool_RS485_mode",
-                [=](Call& call) { return serial_mode(call, ModbusMaster::ZK_K_TOOL, "tool_RS485_mode"); });
+                [=](const Call&) { return serial_mode(ModbusMaster::ZK_K_TOOL, "tool_RS485_mode"); });
 }
 
 void add_run_mode(CommandTable& table) {
     const auto mode = std::make_shared<int>(1);
-    table.set("set_arm_run_mode", "mode", [mode](Call& call) {
+    table.set("set_arm_run_mode", "mode", [mode](const Call& call) {
         *mode = call.request.integer("mode", 0, 1);
         return true;
     });
-    table.query("get_arm_run_mode", "get_arm_run_mode", [mode](Call&) { return Json{{"mode", *mode}}; });
+    table.query("get_arm_run_mode", "get_arm_run_mode", [mode](const Call&) { return Json{{"mode", *mode}}; });
 }
 
 }  // namespace
 
-void add_system_commands(CommandTable& table) {
+void add_system_commands(CommandTable& table, const SimulatedTime& time, Arm& arm, ModbusMaster& modbus) {
     const auto net = std::make_shared<Network>();
-    add_power_and_errors(table);
-    add_versions(table);
-    add_counters(table);
+    add_power_and_errors(table, arm);
+    add_versions(table, arm);
+    add_counters(table, time, arm);
     add_ethernet(table, net);
-    add_wireless_and_serial(table, net);
+    add_wireless_and_serial(table, net, modbus);
     add_run_mode(table);
 }
 

@@ -6,7 +6,6 @@
 
 #include "commands/commands.h"
 #include "commands/orders.h"
-#include "controller.h"
 #include "motion/tool_planner.h"
 
 namespace sim {
@@ -27,21 +26,20 @@ double direction_of(const Request& request) {
 
 // Replaces the jog in progress. A jog never waits for queued moves, since the operator may have released the key by
 // then. Its end is not reported.
-bool start_jog(Call& call, Move jog) {
-    MotionQueue& motion = call.controller.arm.motion();
+bool start_jog(Arm& arm, const Call& call, Move jog) {
+    MotionQueue& motion = arm.motion();
     if (jogging(motion)) motion.stop();
     if (motion.current() && !motion.stopping()) throw BadRequest(call.request.command() + ": the arm has moves to do");
     jog.status = kTeaching;
-    return order(call, std::move(jog));
+    return order(arm, call, std::move(jog));
 }
 
-bool start_step(Call& call, Move step) {
+bool start_step(Arm& arm, const Call& call, Move step) {
     step.client = call.client;
-    return order(call, std::move(step));
+    return order(arm, call, std::move(step));
 }
 
-bool stop_jog(Call& call) {
-    MotionQueue& motion = call.controller.arm.motion();
+bool stop_jog(MotionQueue& motion, const Call&) {
     if (jogging(motion)) motion.stop();
     return true;
 }
@@ -49,8 +47,7 @@ bool stop_jog(Call& call) {
 // -------------------------------------------------------------------------------------------------------- One joint --
 
 // `end` maps the current position of the joint to its target.
-Move joint_move(const Call& call, int number, const std::function<double(double)>& end) {
-    const Arm& arm = call.controller.arm;
+Move joint_move(const Arm& arm, const Call& call, int number, const std::function<double(double)>& end) {
     if (number < 1 || number > static_cast<int>(arm.joint_count()))
         throw BadRequest(call.request.command() + ": a joint that the arm has not");
     const auto target = [joint = static_cast<size_t>(number - 1), end](JointVector joints) {
@@ -68,20 +65,20 @@ Move joint_move(const Call& call, int number, const std::function<double(double)
     return move;
 }
 
-bool jog_joint(Call& call) {
+bool jog_joint(Arm& arm, const Call& call) {
     const int number = call.request.integer("teach_joint");
     const bool up = direction_of(call.request) > 0;
-    const auto limit = [&arm = call.controller.arm, number, up](double) {
+    const auto limit = [&arm, number, up](double) {
         const JointLimits& limits = arm.limits[static_cast<size_t>(number - 1)];
         return (up ? limits.max_pos : limits.min_pos) / 1000.0;
     };
-    return start_jog(call, joint_move(call, number, limit));
+    return start_jog(arm, call, joint_move(arm, call, number, limit));
 }
 
-bool step_joint(Call& call) {
+bool step_joint(Arm& arm, const Call& call) {
     const std::vector<double> step = call.request.numbers("joint_step", 2);
     const int number = static_cast<int>(std::clamp(step[0], 0.0, 100.0));
-    return start_step(call, joint_move(call, number, [=](double joint) { return joint + step[1] / 1000; }));
+    return start_step(arm, call, joint_move(arm, call, number, [=](double joint) { return joint + step[1] / 1000; }));
 }
 
 // --------------------------------------------------------------------------------------------------------- The tool --
@@ -102,31 +99,31 @@ KDL::Frame displaced(const KDL::Frame& tool, const Axis& axis, double amount) {
 }
 
 // "x", "y" or "z", with a leading "r" for a rotation, and the command's own suffix.
-Axis requested_axis(const Call& call, const char* key, const char* suffix, bool turn) {
-    const std::string requested = call.request.text(key);
+Axis requested_axis(const Request& request, const char* key, const char* suffix, bool turn, TeachFrame frame) {
+    const std::string requested = request.text(key);
     for (int i = 0; i < 3; ++i) {
         std::string name = turn ? "r" : "";
         name += "xyz"[i];
         name += suffix;
-        if (requested == name) return {i, turn, call.controller.teach_frame == TeachFrame::kTool};
+        if (requested == name) return {i, turn, frame == TeachFrame::kTool};
     }
-    throw BadRequest(call.request.command() + ": no axis '" + requested + "'");
+    throw BadRequest(request.command() + ": no axis '" + requested + "'");
 }
 
 // How far the tool can go at full speed before a joint reaches its limit or maximum speed, in whole steps.
-double reach(const Controller& controller, const Axis& axis, double direction, JointVector joints) {
+double reach(const Arm& arm, const Tool& tool, const Axis& axis, double direction, JointVector joints) {
     constexpr double kSpeedShare = 0.9;  // of a joint's limit, since the speed varies between two points
     const double step = axis.turn ? 0.02 : 0.005, most = axis.turn ? 2 * std::numbers::pi : 2.0;
-    const CartesianLimits& limits = controller.tool_limits;
+    const CartesianLimits& limits = tool.limits;
     const double seconds = step / ((axis.turn ? limits.angular_speed : limits.line_speed) / 1e3);
-    const Surroundings around = controller.surroundings();
-    const KDL::Frame tool = around.tool_of(controller.flange_at(joints));
+    const Surroundings around = tool.surroundings();
+    const KDL::Frame start = around.tool_of(arm.flange_at(joints));
     for (double amount = 0; amount < most; amount += step) {
-        const auto next = controller.joints_at(displaced(tool, axis, direction * (amount + step)), joints, around);
+        const auto next = arm.joints_at(around.flange_of(displaced(start, axis, direction * (amount + step))), joints);
         if (!next) return amount;
         for (size_t i = 0; i < joints.size(); ++i) {
             const double speed = std::abs((*next)[i] - joints[i]) / seconds;
-            if (speed > kSpeedShare * controller.arm.limits[i].speed()) return amount;
+            if (speed > kSpeedShare * arm.limits[i].speed()) return amount;
         }
         joints = *next;
     }
@@ -149,13 +146,13 @@ Move tool_move(std::function<Path(const JointVector&)> plan, const KDL::Frame& t
 }
 
 // If the planner rejects the distance, half of it is tried. A jog reports its start as its target.
-Action jog_tool(bool turn) {
-    return [turn](Call& call) {
-        const Axis axis = requested_axis(call, "teach_type", "", turn);
+Action jog_tool(Arm& arm, const Tool& tool, bool turn) {
+    return [&arm, &tool, turn](const Call& call) {
+        const Axis axis = requested_axis(call.request, "teach_type", "", turn, tool.teach_frame);
         const double direction = direction_of(call.request);
-        const ToolPlanner planner(call.controller, percent_of(call));
-        const auto plan = [planner, &controller = call.controller, axis, direction](const JointVector& start) {
-            for (double amount = reach(controller, axis, direction, start);; amount /= 2) {
+        const ToolPlanner planner(arm, tool, percent_of(call));
+        const auto plan = [planner, &arm, &tool, axis, direction](const JointVector& start) {
+            for (double amount = reach(arm, tool, axis, direction, start);; amount /= 2) {
                 try {
                     return path_along(planner, axis, direction * amount, start);
                 } catch (const NoPath&) {
@@ -164,34 +161,34 @@ Action jog_tool(bool turn) {
                 }
             }
         };
-        return start_jog(call, tool_move(plan, call.controller.tool_pose()));
+        return start_jog(arm, call, tool_move(plan, tool.pose()));
     };
 }
 
-Action step_tool(bool turn) {
-    return [turn](Call& call) {
-        const Axis axis = requested_axis(call, "step_type", "_step", turn);
+Action step_tool(Arm& arm, const Tool& tool, bool turn) {
+    return [&arm, &tool, turn](const Call& call) {
+        const Axis axis = requested_axis(call.request, "step_type", "_step", turn, tool.teach_frame);
         const double amount = call.request.integer("step") / (turn ? 1e3 : 1e6);
-        const ToolPlanner planner(call.controller, percent_of(call));
+        const ToolPlanner planner(arm, tool, percent_of(call));
         const auto plan = [planner, axis, amount](const JointVector& start) {
             return path_along(planner, axis, amount, start);
         };
-        const KDL::Frame tool = planner.tool_at(call.controller.arm.end());
-        return start_step(call, tool_move(plan, displaced(tool, axis, amount)));
+        const KDL::Frame start = planner.tool_at(arm.end());
+        return start_step(arm, call, tool_move(plan, displaced(start, axis, amount)));
     };
 }
 
 }  // namespace
 
-void add_teach_commands(CommandTable& table) {
+void add_teach_commands(CommandTable& table, Arm& arm, const Tool& tool) {
     constexpr bool kAlong = false, kAbout = true;
-    table.set("set_joint_teach", "joint_teach", jog_joint);
-    table.set("set_pos_teach", "pos_teach", jog_tool(kAlong));
-    table.set("set_ort_teach", "ort_teach", jog_tool(kAbout));
-    table.set("set_stop_teach", "stop_teach", stop_jog);
-    table.set("set_joint_step", "joint_step", step_joint).refused = report_refusal;
-    table.set("set_pos_step", "pos_step", step_tool(kAlong)).refused = report_refusal;
-    table.set("set_ort_step", "ort_step", step_tool(kAbout)).refused = report_refusal;
+    table.set("set_joint_teach", "joint_teach", with(jog_joint, arm));
+    table.set("set_pos_teach", "pos_teach", jog_tool(arm, tool, kAlong));
+    table.set("set_ort_teach", "ort_teach", jog_tool(arm, tool, kAbout));
+    table.set("set_stop_teach", "stop_teach", with(stop_jog, arm.motion()));
+    table.set("set_joint_step", "joint_step", with(step_joint, arm)).refused = report_refusal;
+    table.set("set_pos_step", "pos_step", step_tool(arm, tool, kAlong)).refused = report_refusal;
+    table.set("set_ort_step", "ort_step", step_tool(arm, tool, kAbout)).refused = report_refusal;
 }
 
 }  // namespace sim

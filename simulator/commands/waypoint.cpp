@@ -3,7 +3,8 @@
 #include <map>
 
 #include "commands/commands.h"
-#include "controller.h"
+#include "motion/arm.h"
+#include "wire/command_table.h"
 #include "wire/pages.h"
 
 namespace sim {
@@ -21,37 +22,36 @@ std::string short_text(const Request& request, const char* key, size_t most) {
 }
 
 // Clients store the texts in fields of this size, with a terminating zero.
-Json waypoint_of(const Call& call) {
-    const Request& request = call.request;
+Json waypoint_of(const Request& request, const Arm& arm) {
     return {{"point_name", short_text(request, "point_name", 15)},
-            {"joint", request.integers("joint", call.controller.arm.joint_count())},
+            {"joint", request.integers("joint", arm.joint_count())},
             {"pose", request.integers("pose", 6)},
             {"work_frame", short_text(request, "work_frame", 11)},
             {"tool_frame", short_text(request, "tool_frame", 11)},
             {"time", short_text(request, "time", 49)}};
 }
 
-bool add(Call& call, GlobalWaypoints& waypoints) {
-    const Json waypoint = waypoint_of(call);
+bool add(const Arm& arm, const Call& call, GlobalWaypoints& waypoints) {
+    const Json waypoint = waypoint_of(call.request, arm);
     const std::string name = waypoint.at("point_name");
     if (name.empty() || waypoints.size() == kMaxGlobalWaypoints) return false;
     return waypoints.emplace(name, waypoint).second;
 }
 
-bool update(Call& call, GlobalWaypoints& waypoints) {
-    const Json waypoint = waypoint_of(call);
+bool update(const Arm& arm, const Call& call, GlobalWaypoints& waypoints) {
+    const Json waypoint = waypoint_of(call.request, arm);
     const auto found = waypoints.find(waypoint.at("point_name"));
     if (found == waypoints.end()) return false;
     found->second = waypoint;
     return true;
 }
 
-Json given(Call& call, const GlobalWaypoints& waypoints) {
+Json given(const Call& call, const GlobalWaypoints& waypoints) {
     const auto found = waypoints.find(call.request.text("point_name"));
     return found == waypoints.end() ? Json{{"given_state", false}} : found->second;
 }
 
-Json list(Call& call, const GlobalWaypoints& waypoints) {
+Json list(const Call& call, const GlobalWaypoints& waypoints) {
     std::vector<Json> entries;
     for (const auto& [name, waypoint] : waypoints) entries.push_back(waypoint);
     Json reply = page_reply(page_of(call.request, kMostOnAPage), entries, "point_name");
@@ -61,16 +61,18 @@ Json list(Call& call, const GlobalWaypoints& waypoints) {
 
 }  // namespace
 
-void add_waypoint_commands(CommandTable& table) {
+void add_waypoint_commands(CommandTable& table, const Arm& arm) {
     const auto waypoints = std::make_shared<GlobalWaypoints>();
-    table.set("add_global_waypoint", "add_state", [waypoints](Call& call) { return add(call, *waypoints); });
-    table.set("update_global_waypoint", "update_state", [waypoints](Call& call) { return update(call, *waypoints); });
+    table.set("add_global_waypoint", "add_state",
+              [&arm, waypoints](const Call& call) { return add(arm, call, *waypoints); });
+    table.set("update_global_waypoint", "update_state",
+              [&arm, waypoints](const Call& call) { return update(arm, call, *waypoints); });
     table.set("delete_global_waypoint", "delete_state",
-              [waypoints](Call& call) { return waypoints->erase(call.request.text("point_name")) != 0; });
+              [waypoints](const Call& call) { return waypoints->erase(call.request.text("point_name")) != 0; });
     table.query("given_global_waypoint", "given_global_waypoint",
-                [waypoints](Call& call) { return given(call, *waypoints); });
+                [waypoints](const Call& call) { return given(call, *waypoints); });
     table.query("get_global_waypoints_list", "get_global_waypoints_list",
-                [waypoints](Call& call) { return list(call, *waypoints); });
+                [waypoints](const Call& call) { return list(call, *waypoints); });
 }
 
 }  // namespace sim

@@ -2,17 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <numbers>
-#include <sstream>
-#include <stdexcept>
 
 namespace sim {
 namespace {
 
 constexpr size_t kMaxSamples = 10 * 60 * 1000 / DragTeach::kSampleMs;  // ten minutes
 constexpr double kSampleSeconds = DragTeach::kSampleMs / 1000.0;
-constexpr double kMaxLegSeconds = 3600;
 
 // From 0 to 1 by a raised sine: the maximum speed is 2, the maximum acceleration 2 pi.
 double eased(double u) {
@@ -49,25 +45,6 @@ JointVector sampled(const std::vector<JointVector>& samples, double time) {
 }
 
 }  // namespace
-
-std::vector<HandLeg> read_hand(const std::string& path) {
-    std::ifstream file(path);
-    if (!file) throw std::invalid_argument("cannot read " + path);
-    std::vector<HandLeg> legs;
-    std::string line;
-    for (int number = 1; std::getline(file, line); ++number) {
-        line.resize(std::min(line.find('#'), line.size()));
-        std::replace(line.begin(), line.end(), ',', ' ');
-        std::istringstream words(line);
-        JointVector values;
-        for (double value; words >> value;) values.push_back(value);
-        const bool whole = words.eof() && values.size() != 1;
-        if (!whole || (!values.empty() && !(values[0] >= 0 && values[0] <= kMaxLegSeconds)))
-            throw std::invalid_argument(path + ":" + std::to_string(number) + ": needs seconds and joint angles");
-        if (!values.empty()) legs.push_back({values[0], JointVector(values.begin() + 1, values.end())});
-    }
-    return legs;
-}
 
 void DragTeach::start(bool record, const std::string& status) {
     active_ = true;

@@ -5,18 +5,9 @@
 #include <vector>
 
 #include "motion/arm.h"
+#include "world/hand.h"
 
 namespace sim {
-
-// One leg of a hand's path: to these joints in this time, or as soon as the joints can.
-struct HandLeg {
-    double seconds;
-    JointVector joints;  // degrees
-};
-
-// Reads legs from a file. Each line holds the seconds and then the joints, separated by commas or blanks; '#' starts a
-// comment. Throws std::invalid_argument.
-std::vector<HandLeg> read_hand(const std::string& path);
 
 // Drag teaching. A scripted hand replaces the operator's: it leads the arm while the arm yields, and the motion is
 // recorded.

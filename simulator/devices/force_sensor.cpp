@@ -5,8 +5,6 @@
 namespace sim {
 namespace {
 
-const KDL::Vector kGravity(0, 0, -9.81);  // metres per second squared, in the room
-
 // The zero offset of the electronics.
 const KDL::Wrench kOffset(KDL::Vector(1.8, -2.3, 4.1), KDL::Vector(0.06, -0.04, 0.02));
 
@@ -37,11 +35,6 @@ bool solve(const Eigen::MatrixXd& A, const Eigen::VectorXd& b, Eigen::VectorXd& 
 }
 
 }  // namespace
-
-KDL::Wrench weight_of(const Load& load, const KDL::Rotation& flange) {
-    const KDL::Vector force = flange.Inverse(kGravity) * load.mass;
-    return {force, load.centre * force};  // KDL's product of two vectors is the cross product
-}
 
 ForceSensor::ForceSensor(const Load& true_load, double noise, unsigned seed)
     : load(true_load), noise_(noise), random_(seed) {}

@@ -5,13 +5,9 @@
 #include <random>
 #include <vector>
 
-namespace sim {
+#include "world/load.h"
 
-// The load on the sensor.
-struct Load {
-    double mass = 0;     // kilograms
-    KDL::Vector centre;  // of gravity, in the flange frame, metres
-};
+namespace sim {
 
 // The sensor at the flange. It measures the wrench on everything beyond it: the weight of the load and contacts, with a
 // zero offset and noise. Wrenches are in the axes of the flange and about its origin.
@@ -58,8 +54,5 @@ class ForceSensor {
     KDL::Wrench zero_;  // found by the calibration
     Load found_;
 };
-
-// The wrench of a load's weight on a flange with this pose in the room.
-KDL::Wrench weight_of(const Load& load, const KDL::Rotation& flange);
 
 }  // namespace sim

@@ -6,22 +6,18 @@
 namespace sim {
 namespace {
 
-constexpr double kHalfWireUnit = 0.0005;             // degrees
-constexpr double kDegreesPerWireSpeed = 6.0 / 1000;  // one revolution per minute is six degrees per second
+constexpr double kHalfWireUnit = 0.0005;  // degrees
 
 JointLimits wire_limits(const JointRange& range) {
     const auto down = [](double value) { return static_cast<int>(std::floor(value + 1e-9)); };
     return {static_cast<int>(std::lround(range.min * 1000)), static_cast<int>(std::lround(range.max * 1000)),
-            down(range.speed / kDegreesPerWireSpeed), down(range.acc / kDegreesPerWireSpeed)};
+            down(range.speed / JointLimits::kDegrees), down(range.acc / JointLimits::kDegrees)};
 }
 
 }  // namespace
 
-double JointLimits::speed() const { return max_speed * kDegreesPerWireSpeed; }
-double JointLimits::acc() const { return max_acc * kDegreesPerWireSpeed; }
-
 Arm::Arm(const RobotModel& model, const JointVector& joints)
-    : model_(model), joints_(joints), ordered_(joints), states_(model.joint_count()) {
+    : model_(model), kinematics_(model), joints_(joints), ordered_(joints), states_(model.joint_count()) {
     for (const JointRange& joint : model.joints) range_.push_back(wire_limits(joint));
     limits = drive_limits = range_;
     motion_.check = [this](const Path& path) { check(path); };

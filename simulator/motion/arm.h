@@ -1,25 +1,16 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "motion/kinematics.h"
+#include "motion/limits.h"
 #include "motion/motion_queue.h"
 #include "motion/robot_model.h"
 
 namespace sim {
-
-// The limits of a joint in the units of the wire: positions in thousandths of a degree, speeds and accelerations in
-// thousandths of a revolution per minute (per second).
-struct JointLimits {
-    int min_pos;
-    int max_pos;
-    int max_speed;
-    int max_acc;
-
-    double speed() const;  // degrees per second
-    double acc() const;    // degrees per second squared
-};
 
 struct JointState {
     bool enabled = true;
@@ -48,6 +39,14 @@ class Arm {
 
     // The joints at the end of all queued moves.
     JointVector end() const { return motion_.end(ordered_); }
+
+    // The pose of the flange in the arm's own base, now and with these joints.
+    KDL::Frame flange() const { return flange_at(joints_); }
+    KDL::Frame flange_at(const JointVector& joints) const { return kinematics_.flange_at(joints); }
+    // The joints near `seed` and within their limits that put the flange at this pose; nothing if there are none.
+    std::optional<JointVector> joints_at(const KDL::Frame& flange, const JointVector& seed) const {
+        return kinematics_.joints_at(flange, seed, limits);
+    }
 
     // The mechanical limits. No other limit may exceed them.
     const std::vector<JointLimits>& range() const { return range_; }
@@ -98,6 +97,7 @@ class Arm {
 
  private:
     RobotModel model_;
+    Kinematics kinematics_;
     JointVector joints_;
     JointVector ordered_;
     std::vector<JointState> states_;

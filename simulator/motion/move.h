@@ -3,20 +3,20 @@
 #include <functional>
 #include <kdl/frames.hpp>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "motion/profile.h"
 #include "motion/robot_model.h"
+#include "wire/refusal.h"
 
 namespace sim {
 
 class Client;
 
 // The reason why no path to a move's target exists.
-struct NoPath : std::runtime_error {
-    using std::runtime_error::runtime_error;
+struct NoPath : Refusal {
+    using Refusal::Refusal;
 };
 
 // A path of the joints over a parameter from 0 to 1, with the limits of the parameter's speed and acceleration.

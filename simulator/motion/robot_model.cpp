@@ -1,6 +1,7 @@
 #include "motion/robot_model.h"
 
 #include <array>
+#include <kdl/chain.hpp>
 #include <numbers>
 #include <stdexcept>
 
@@ -156,7 +157,7 @@ RobotModel make_model(const ArmTable& arm, size_t sensor) {
     RobotModel model;
     model.name = std::string(arm.name) + kSensorMarks[sensor];
     model.sensor = static_cast<Sensor>(sensor);
-    model.chain = make_chain(arm, arm.flange[sensor]);
+    model.chain = std::make_shared<const KDL::Chain>(make_chain(arm, arm.flange[sensor]));
     for (size_t i = 0; i < arm.joints; ++i) {
         model.joints.push_back({arm.min[i], arm.max[i], arm.speed[i], kAcceleration});
         model.home.push_back(arm.home[i]);

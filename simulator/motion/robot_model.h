@@ -1,8 +1,12 @@
 #pragma once
 
-#include <kdl/chain.hpp>
+#include <memory>
 #include <string>
 #include <vector>
+
+namespace KDL {
+class Chain;
+}
 
 namespace sim {
 
@@ -22,7 +26,7 @@ struct JointRange {
 struct RobotModel {
     std::string name;  // in "Product_version", such as "ZK65-B"
     Sensor sensor;
-    KDL::Chain chain;  // base to flange
+    std::shared_ptr<const KDL::Chain> chain;  // base to flange
     std::vector<JointRange> joints;
     JointVector home;  // the joints at the start, away from limits and singularities
 

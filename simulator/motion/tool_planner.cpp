@@ -41,15 +41,10 @@ void hold(Path& path, double slope, double bend, double speed, double acc) {
 
 }  // namespace
 
-ToolPlanner::ToolPlanner(const Controller& controller, double percent)
-    : controller_(controller),
-      around_(controller.surroundings()),
-      limits_(controller.tool_limits),
-      share_(percent / 100) {}
+ToolPlanner::ToolPlanner(const Arm& arm, const Tool& tool, double percent)
+    : arm_(arm), around_(tool.surroundings()), limits_(tool.limits), share_(percent / 100) {}
 
-KDL::Frame ToolPlanner::tool_at(const JointVector& joints) const {
-    return around_.tool_of(controller_.flange_at(joints));
-}
+KDL::Frame ToolPlanner::tool_at(const JointVector& joints) const { return around_.tool_of(arm_.flange_at(joints)); }
 
 Path ToolPlanner::along(const Curve& curve, const JointVector& start) const {
     for (size_t pieces = pieces_of(curve); pieces <= kMostPieces; pieces *= 2) {
@@ -61,7 +56,7 @@ Path ToolPlanner::along(const Curve& curve, const JointVector& start) const {
         path.at = [joints = std::make_shared<const Spline>(parameters, knots)](double s) { return joints->at(s); };
         if (!keeps_to(curve, path.at, pieces)) continue;
         set_pace(tools, knots, path);
-        controller_.arm.check(path);
+        arm_.check(path);
         return path;
     }
     throw NoPath("the arm cannot follow the path");
@@ -70,7 +65,7 @@ Path ToolPlanner::along(const Curve& curve, const JointVector& start) const {
 std::vector<JointVector> ToolPlanner::solve(const std::vector<KDL::Frame>& tools, const JointVector& start) const {
     std::vector<JointVector> knots{start};
     for (size_t i = 1; i < tools.size(); ++i) {
-        const auto joints = controller_.joints_at(tools[i], knots.back(), around_);
+        const auto joints = arm_.joints_at(around_.flange_of(tools[i]), knots.back());
         if (!joints) throw NoPath("the path leads out of reach");
         knots.push_back(*joints);
     }
@@ -104,7 +99,7 @@ void ToolPlanner::set_pace(const std::vector<KDL::Frame>& tools, const std::vect
     hold(path, turn, 0, limits_.angular_speed * share_ * kThousandth, limits_.angular_acc * kThousandth);
     // A path that moves a joint too fast is refused, not slowed down.
     for (size_t j = 0; j < joints.size(); ++j)
-        if (joints[j] > 0) path.acc = std::min(path.acc, controller_.arm.limits[j].acc() / 2 / joints[j]);
+        if (joints[j] > 0) path.acc = std::min(path.acc, arm_.limits[j].acc() / 2 / joints[j]);
 }
 
 }  // namespace sim

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "controller.h"
 #include "motion/curve.h"
 #include "motion/move.h"
+#include "motion/tool.h"
 
 namespace sim {
 
@@ -10,7 +10,7 @@ namespace sim {
 class ToolPlanner {
  public:
     // At `percent` of the tool's speed limits.
-    ToolPlanner(const Controller& controller, double percent);
+    ToolPlanner(const Arm& arm, const Tool& tool, double percent);
 
     // The tool in the work frame.
     KDL::Frame tool_at(const JointVector& joints) const;
@@ -25,7 +25,7 @@ class ToolPlanner {
     bool keeps_to(const Curve& curve, const std::function<JointVector(double)>& joints, size_t pieces) const;
     void set_pace(const std::vector<KDL::Frame>& tools, const std::vector<JointVector>& knots, Path& path) const;
 
-    const Controller& controller_;
+    const Arm& arm_;
     Surroundings around_;
     CartesianLimits limits_;
     double share_;  // of the speed limits

@@ -66,6 +66,7 @@ class Reception : public Receiver {
 class Files {
  public:
     std::string directory;  // where they are stored; empty: nowhere
+    TransferFault fault;    // of the transfers to come
     std::vector<FileRecord> records;
 
     // False for an invalid file name. Throws BadRequest for a file that cannot be written.

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "controller.h"
 #include "wire/note.h"
 
 namespace sim {
@@ -76,7 +75,7 @@ int first_wrong_line(const std::vector<std::string>& lines) {
     return open_loops == 0 ? 0 : static_cast<int>(lines.size());
 }
 
-// Sends the orders of a program to the controller and receives their reports.
+// Sends the orders of a program and receives their reports.
 class Programs::Orders : public Client {
  public:
     void send(const Json& message) override {
@@ -93,10 +92,10 @@ class Programs::Orders : public Client {
     std::string name() const override { return "program"; }
 
     // A motion is reported at its end, unless it is joined to the next.
-    void send(Controller& controller, const Json& order, const std::shared_ptr<Client>& self) {
+    void send(const Dispatcher& dispatcher, const Json& order, const std::shared_ptr<Client>& self) {
         answered_ = false;
         waiting_ = order.at("command") != "timer" && order.at("trajectory_connect") == 0;
-        controller.handle(order.dump(), self);
+        dispatcher.handle(order.dump(), self);
         if (!answered_) refused_ = true;
     }
     bool waiting() const { return waiting_ && !refused_; }
@@ -120,13 +119,13 @@ bool Programs::next() {
     return true;
 }
 
-void Programs::step(Controller& controller) {
+void Programs::step() {
     for (int lines = 0; run_ && lines < kMaxLinesAStep; ++lines) {
         Run& run = *run_;
         if (run.orders->refused()) return end(false);
         if (run.orders->waiting() || run.held) return;
         if (run.line == run.program.lines.size()) {
-            if (controller.arm.motion().idle()) end(true);
+            if (arm_.motion().idle()) end(true);
             return;
         }
         const std::string& text = run.program.lines[run.line++];
@@ -143,7 +142,7 @@ void Programs::step(Controller& controller) {
             Json order = line;
             complete(order, run.speed);
             run.held = run.step_mode;
-            run.orders->send(controller, order, run.orders);
+            run.orders->send(dispatcher_, order, run.orders);
         }
     }
 }
@@ -156,14 +155,14 @@ void Programs::end(bool finished) {
     if (finished && starter) starter->send({{"state", "program_run_finish"}, {"finish_id", run.program.id}});
 }
 
-Json Programs::state(const Controller& controller) const {
+Json Programs::state() const {
     if (!run_) return {{"run_state", 0}, {"edit_id", 0}};
     std::vector<int> rounds, totals;
     for (const Loop& loop : run_->loops) {
         totals.push_back(loop.rounds);
         rounds.push_back(loop.round);
     }
-    const bool paused = run_->held || controller.arm.motion().status() == "pause";
+    const bool paused = run_->held || arm_.motion().status() == "pause";
     return {{"run_state", paused ? 2 : 1},
             {"id", run_->program.id},
             {"plan_num", run_->line},

@@ -7,11 +7,10 @@
 #include <string_view>
 #include <vector>
 
-#include "wire/client.h"
+#include "motion/arm.h"
+#include "wire/dispatcher.h"
 
 namespace sim {
-
-class Controller;
 
 // A program is a text with one JSON object per line. A line with a "command" orders a motion; {"loop": N} and
 // {"end_loop": true} repeat the lines between them; other objects and empty lines are ignored.
@@ -30,6 +29,9 @@ int first_wrong_line(const std::vector<std::string>& lines);
 // The stored programs and the running one.
 class Programs {
  public:
+    // The lines of a program are requests to the dispatcher that move the arm.
+    Programs(const Dispatcher& dispatcher, const Arm& arm) : dispatcher_(dispatcher), arm_(arm) {}
+
     static constexpr int kMaxId = 200;
 
     std::map<int, Program> kept;
@@ -43,10 +45,10 @@ class Programs {
     bool next();
 
     // Orders the next lines when the arm has finished the previous ones.
-    void step(Controller& controller);
+    void step();
 
     // The state that clients query.
-    Json state(const Controller& controller) const;
+    Json state() const;
 
  private:
     class Orders;
@@ -69,6 +71,8 @@ class Programs {
 
     void end(bool finished);
 
+    const Dispatcher& dispatcher_;
+    const Arm& arm_;
     std::optional<Run> run_;
 };
 

@@ -2,7 +2,11 @@
 
 #include <cmath>
 
-#include "controller.h"
+#include "devices/devices.h"
+#include "devices/drag_teach.h"
+#include "devices/force_control.h"
+#include "motion/tool.h"
+#include "world/time.h"
 
 namespace sim {
 namespace {
@@ -14,8 +18,7 @@ std::vector<int> wire_speeds(const Arm& arm) {
     return speeds;
 }
 
-Json joint_status(const Controller& controller) {
-    const Arm& arm = controller.arm;
+Json joint_status(const Arm& arm, bool with_speeds) {
     std::vector<int> enabled, errors;
     for (const JointState& state : arm.states()) {
         enabled.push_back(state.enabled);
@@ -27,12 +30,11 @@ Json joint_status(const Controller& controller) {
                 {"joint_position", thousandths(arm.joints())},
                 {"joint_temperature", arm.temperatures()},
                 {"joint_voltage", arm.voltages()}};
-    if (controller.push.joint_speed) status["joint_speed"] = wire_speeds(arm);
+    if (with_speeds) status["joint_speed"] = wire_speeds(arm);
     return status;
 }
 
-Json waypoint(const Controller& controller) {
-    const KDL::Frame pose = controller.tool_pose();
+Json waypoint(const KDL::Frame& pose) {
     const WirePose wire = wire_pose(pose);
     double x, y, z, w;
     pose.M.GetQuaternion(x, y, z, w);
@@ -42,10 +44,6 @@ Json waypoint(const Controller& controller) {
             {"position", {wire[0], wire[1], wire[2]}}};
 }
 
-std::string status_of(const Controller& controller) {
-    return controller.drag.active() ? controller.drag.status() : controller.arm.motion().status();
-}
-
 // Thousandths: all six axes of one sensor, the force along z of the other.
 std::vector<int> wire_forces(const KDL::Wrench& wrench, Sensor sensor) {
     std::vector<int> wire;
@@ -53,17 +51,6 @@ std::vector<int> wire_forces(const KDL::Wrench& wrench, Sensor sensor) {
         if (sensor == Sensor::kSixForce || i == 2) wire.push_back(static_cast<int>(std::lround(wrench(i) * 1000)));
     }
     return wire;
-}
-
-void add_force(const Controller& controller, Json& message) {
-    const Sensor sensor = controller.arm.model().sensor;
-    if (sensor == Sensor::kBare) return;
-    const int coordinate = controller.push.force_coordinate;
-    const KDL::Wrench zero = controller.felt(static_cast<ForceAxes>(coordinate));
-    message[sensor == Sensor::kSixForce ? "six_force_sensor" : "one_force_sensor"] = {
-        {"force", wire_forces(controller.sensor.measured(), sensor)},
-        {"zero_force", wire_forces(zero, sensor)},
-        {"coordinate", coordinate}};
 }
 
 Json lift_state(const LinearAxis& lift) {
@@ -89,26 +76,41 @@ Json hand_state(const Hand& hand) {
             {"hand_err", 0}};
 }
 
-void add_devices(const Controller& controller, Json& message) {
-    const PushSettings& settings = controller.push;
-    const Devices& devices = controller.devices;
+}  // namespace
+
+void Push::add_force(Json& message) const {
+    const Sensor sensor = parts_.arm.model().sensor;
+    if (sensor == Sensor::kBare) return;
+    const KDL::Wrench zero = parts_.force.felt(static_cast<ForceAxes>(settings.force_coordinate));
+    message[sensor == Sensor::kSixForce ? "six_force_sensor" : "one_force_sensor"] = {
+        {"force", wire_forces(parts_.force.sensor.measured(), sensor)},
+        {"zero_force", wire_forces(zero, sensor)},
+        {"coordinate", settings.force_coordinate}};
+}
+
+void Push::add_devices(Json& message) const {
+    const Devices& devices = parts_.devices;
     if (settings.lift_state) message["lift_state"] = lift_state(devices.lift);
     if (settings.expand_state) message["expand_state"] = expansion_state(devices.expansion);
     if (settings.hand) message["hand"] = hand_state(devices.hand);
     if (settings.aloha_state) message["aloha_state"] = {{"io1_state", 0}, {"io2_state", 0}};
 }
 
-}  // namespace
+bool Push::due() const {
+    return settings.enable && parts_.time.milliseconds % (settings.cycle * PushSettings::kCycleMs) == 0;
+}
 
-std::string push_datagram(const Controller& controller) {
-    Json message{{"time", controller.milliseconds()},
-                 {"joint_status", joint_status(controller)},
-                 {"waypoint", waypoint(controller)},
-                 {"arm_err", controller.arm.arm_error()},
-                 {"sys_err", controller.arm.system_error()}};
-    if (controller.push.arm_current_status) message["arm_current_status"] = status_of(controller);
-    add_force(controller, message);
-    add_devices(controller, message);
+std::string Push::datagram() const {
+    const Arm& arm = parts_.arm;
+    Json message{{"time", parts_.time.milliseconds},
+                 {"joint_status", joint_status(arm, settings.joint_speed)},
+                 {"waypoint", waypoint(parts_.tool.pose())},
+                 {"arm_err", arm.arm_error()},
+                 {"sys_err", arm.system_error()}};
+    if (settings.arm_current_status)
+        message["arm_current_status"] = parts_.drag.active() ? parts_.drag.status() : arm.motion().status();
+    add_force(message);
+    add_devices(message);
     std::string text = message.dump();
     // A truncated datagram would be useless: optional parts are dropped first.
     for (const char* optional : {"time", "aloha_state", "hand", "expand_state", "lift_state"}) {

@@ -3,21 +3,20 @@
 #include <asio/io_context.hpp>
 #include <asio/ip/udp.hpp>
 
-#include "controller.h"
+#include "push/push.h"
 
 namespace sim {
 
-// Sends the real-time push of a controller once in each cycle.
+// Sends the real-time push once in each cycle.
 class PushSender {
  public:
-    PushSender(asio::io_context& io, const Controller& controller);
+    PushSender(asio::io_context& io, const Push& push);
 
     // Call it after every step of the controller.
-
     void step();
 
  private:
-    const Controller& controller_;
+    const Push& push_;
     asio::ip::udp::socket socket_;
 };
 

@@ -11,7 +11,7 @@ Command& CommandTable::query(const std::string& name, const std::string& literal
 }
 
 Command& CommandTable::order(const std::string& name, Hook hook) {
-    const auto action = [hook = std::move(hook)](Call& call) {
+    const auto action = [hook = std::move(hook)](const Call& call) {
         hook(call);
         return true;
     };

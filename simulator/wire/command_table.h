@@ -11,18 +11,21 @@
 
 namespace sim {
 
-class Controller;
-
-// The arguments of a command: the controller, the client and the request.
+// The arguments of a command.
 struct Call {
-    Controller& controller;
     std::shared_ptr<Client> client;
     const Request& request;
 };
 
-using Action = std::function<bool(Call&)>;
-using Query = std::function<Json(Call&)>;
-using Hook = std::function<void(Call&)>;
+using Action = std::function<bool(const Call&)>;
+using Query = std::function<Json(const Call&)>;
+using Hook = std::function<void(const Call&)>;
+
+// The function, called with the parts of the controller on which it acts in front of its call.
+template <class Function, class... Parts>
+auto with(Function function, Parts&... parts) {
+    return [function, &parts...](const Call& call) { return function(parts..., call); };
+}
 
 struct Command {
     std::string literal;              // by which the client classifies the reply
@@ -38,7 +41,7 @@ struct Command {
 class CommandTable {
  public:
     // Acknowledged with {"command": <literal>, <key>: true or false}. The literal is the command's name unless the row
-    // sets another. Also false when the action throws BadRequest or NoPath.
+    // sets another. Also false when the action throws a Refusal.
     Command& set(const std::string& name, const std::string& key, Action action);
 
     // Answered with {"state": <literal>, ...} and the keys that `query` returns. Not answered after a BadRequest.

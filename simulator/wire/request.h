@@ -1,17 +1,17 @@
 #pragma once
 
 #include <climits>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "wire/json.h"
+#include "wire/refusal.h"
 
 namespace sim {
 
-// A request that lacks a key, or holds a wrong type or a value out of range. The text names the key.
-struct BadRequest : std::runtime_error {
-    using std::runtime_error::runtime_error;
+// A request that lacks a key, or holds a wrong type or a value out of range. The text names command and key.
+struct BadRequest : Refusal {
+    using Refusal::Refusal;
 };
 
 // A view of one JSON object with a "command"; the object must outlive it. Every reader throws BadRequest when the key

@@ -9,8 +9,8 @@ namespace sim {
 
 using asio::ip::tcp;
 
-Server::Server(asio::io_context& io, Controller& controller, const std::string& address, int port)
-    : controller_(controller),
+Server::Server(asio::io_context& io, const Dispatcher& dispatcher, const std::string& address, int port)
+    : dispatcher_(dispatcher),
       acceptor_(io, tcp::endpoint(asio::ip::make_address_v4(address), static_cast<asio::ip::port_type>(port))),
       retry_(io) {
     accept();
@@ -20,7 +20,7 @@ void Server::accept() {
     acceptor_.async_accept([this](const asio::error_code& error, tcp::socket socket) {
         if (error == asio::error::operation_aborted) return;
         if (!error) {
-            std::make_shared<Session>(std::move(socket), controller_)->start();
+            std::make_shared<Session>(std::move(socket), dispatcher_)->start();
             accept();
             return;
         }

@@ -20,8 +20,8 @@ std::string name_of(const asio::ip::tcp::socket& socket) {
 
 }  // namespace
 
-Session::Session(asio::ip::tcp::socket socket, Controller& controller)
-    : socket_(std::move(socket)), timer_(socket_.get_executor()), controller_(controller), name_(name_of(socket_)) {
+Session::Session(asio::ip::tcp::socket socket, const Dispatcher& dispatcher)
+    : socket_(std::move(socket)), timer_(socket_.get_executor()), dispatcher_(dispatcher), name_(name_of(socket_)) {
     asio::error_code ignored;
     socket_.set_option(asio::ip::tcp::no_delay(true), ignored);
 }
@@ -65,7 +65,7 @@ void Session::handle_requests() {
         const std::string_view request = std::string_view(pending_).substr(begin, end - begin);
         begin = end + kEnd.size();
         if (std::exchange(dropping_, false) || request.empty()) continue;
-        controller_.handle(request, shared_from_this());
+        dispatcher_.handle(request, shared_from_this());
         if (receiving()) begin += receiver_->take(std::string_view(pending_).substr(begin));
     }
     pending_.erase(0, begin);
@@ -80,7 +80,7 @@ void Session::leave(const std::string& reason) {
 void Session::send(const Json& message) {
     if (!socket_.is_open() || (left_ && outbox_.empty())) return;
     outbox_.push_back({message.dump(-1, ' ', false, Json::error_handler_t::replace) + std::string(kEnd),
-                       std::chrono::steady_clock::now() + std::chrono::milliseconds(controller_.faults.delay_ms)});
+                       std::chrono::steady_clock::now() + std::chrono::milliseconds(dispatcher_.faults.delay_ms)});
     outbox_bytes_ += outbox_.back().text.size();
     if (outbox_bytes_ > kMaxUnread) {
         note(name_ + ": does not read its replies, disconnected");

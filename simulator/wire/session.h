@@ -8,8 +8,8 @@
 #include <memory>
 #include <string>
 
-#include "controller.h"
 #include "wire/client.h"
+#include "wire/dispatcher.h"
 
 namespace sim {
 
@@ -17,7 +17,7 @@ namespace sim {
 // The bytes of a file are not cut.
 class Session : public Client, public std::enable_shared_from_this<Session> {
  public:
-    Session(asio::ip::tcp::socket socket, Controller& controller);
+    Session(asio::ip::tcp::socket socket, const Dispatcher& dispatcher);
 
     void start();
     void send(const Json& message) override;
@@ -44,7 +44,7 @@ class Session : public Client, public std::enable_shared_from_this<Session> {
 
     asio::ip::tcp::socket socket_;
     asio::steady_timer timer_;
-    Controller& controller_;
+    const Dispatcher& dispatcher_;
     std::string name_;
 
     std::array<char, 4096> buffer_{};

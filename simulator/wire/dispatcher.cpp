@@ -1,0 +1,41 @@
+#include "wire/dispatcher.h"
+
+#include "wire/note.h"
+
+namespace sim {
+
+void Dispatcher::handle(std::string_view text, const std::shared_ptr<Client>& client) const {
+    try {
+        const Json body = Json::parse(text, nullptr, false);
+        if (body.is_discarded()) throw BadRequest("a request that is no JSON");
+        const Request request(body);
+        const Command* command = commands.find(request.command());
+        if (!command) throw BadRequest("unknown command '" + request.command() + "'");
+        if (faults.silent_on.count(request.command()) != 0) return;
+        carry_out(*command, {client, request});
+    } catch (const std::exception& error) {
+        note(client->name() + ": " + error.what());
+    }
+}
+
+void Dispatcher::carry_out(const Command& command, const Call& call) const {
+    if (command.query) {
+        Json reply{{"state", command.literal}};
+        reply.update(command.query(call));
+        call.client->send(reply);
+        return;
+    }
+    bool done = false;
+    try {
+        done = faults.refuse_on.count(call.request.command()) == 0 && command.action(call);
+    } catch (const BadRequest& error) {
+        note(call.client->name() + ": " + error.what());
+    } catch (const Refusal& refusal) {
+        note(call.client->name() + ": " + call.request.command() + ": " + refusal.what());
+    }
+    const bool later = done && command.acknowledged_later;
+    if (!command.key.empty() && !later) call.client->send({{"command", command.literal}, {command.key, done}});
+    if (!done && command.refused) command.refused(call);
+}
+
+}  // namespace sim
