@@ -108,7 +108,7 @@ Json requested_spheres(const Request& request) {
                            {"z", sphere.integer("z")}});
         if (sphere.text("name").size() > kMaxName) throw BadRequest(request.command() + ": a name that is too long");
     }
-    if (spheres.size() > kMostSpheres) throw BadRequest(request.command() + ": too many spheres");
+    if (spheres.items().size() > kMostSpheres) throw BadRequest(request.command() + ": too many spheres");
     return spheres;
 }
 

@@ -1,5 +1,7 @@
 // Streamed set-points: followed at once, without an acknowledgement and without a report of arrival.
 
+#include <utility>
+
 #include "commands/commands.h"
 #include "commands/set_points.h"
 #include "wire/note.h"
@@ -33,7 +35,7 @@ Verdict follow(Arm& arm, const Tool& tool, const Call& call, const Manner& manne
 // Degrees, metres and radians: clients do not scale these numbers.
 Json report(const Arm& arm, const Tool& tool, const Manner& manner, Verdict verdict) {
     Json report{{"state", manner.report}, {"joint", reported_joints(arm)}, {"arm_err", static_cast<int>(verdict)}};
-    if (report["state"] == "pose_state") {
+    if (manner.report == std::string("pose_state")) {
         const WirePose wire = wire_pose(tool.pose());
         std::vector<double> pose;
         for (size_t i = 0; i < wire.size(); ++i) pose.push_back(wire[i] / (i < 3 ? 1e6 : 1e3));

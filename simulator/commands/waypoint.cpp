@@ -33,14 +33,14 @@ Json waypoint_of(const Request& request, const Arm& arm) {
 
 bool add(const Arm& arm, const Call& call, GlobalWaypoints& waypoints) {
     const Json waypoint = waypoint_of(call.request, arm);
-    const std::string name = waypoint.at("point_name");
+    const std::string& name = waypoint.at("point_name").text();
     if (name.empty() || waypoints.size() == kMaxGlobalWaypoints) return false;
     return waypoints.emplace(name, waypoint).second;
 }
 
 bool update(const Arm& arm, const Call& call, GlobalWaypoints& waypoints) {
     const Json waypoint = waypoint_of(call.request, arm);
-    const auto found = waypoints.find(waypoint.at("point_name"));
+    const auto found = waypoints.find(waypoint.at("point_name").text());
     if (found == waypoints.end()) return false;
     found->second = waypoint;
     return true;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "wire/note.h"
 
@@ -13,37 +14,25 @@ constexpr int kMaxLinesAStep = 100;  // so that a loop without a motion does not
 constexpr std::array kMotions{"movej", "movel", "movec", "moves", "movej_p", "timer"};
 
 bool is_motion(const Json& line) {
-    const auto command = line.find("command");
-    return command != line.end() && command->is_string() &&
-           std::find(kMotions.begin(), kMotions.end(), command->get<std::string>()) != kMotions.end();
+    const Json* command = line.find("command");
+    return command && command->is_string() &&
+           std::find(kMotions.begin(), kMotions.end(), command->text()) != kMotions.end();
 }
 
 bool is_loop(const Json& line) {
-    const auto loop = line.find("loop");
-    return loop != line.end() && loop->is_number_integer() && loop->get<int64_t>() >= 1 && loop->get<int64_t>() <= 1e6;
+    const Json* loop = line.find("loop");
+    return loop && loop->is_integer() && loop->integer() >= 1 && loop->integer() <= 1'000'000;
 }
 
 bool is_blank(const std::string& line) { return line.find_first_not_of(" \t") == std::string::npos; }
-
-// Nothing if a line is not JSON or is nested too deeply: copying and printing it recurse once per level.
-Json parsed(const std::string& line) {
-    constexpr int kDeepest = 16;
-    bool too_deep = false;
-    const auto look = [&](int depth, Json::parse_event_t, const Json&) {
-        too_deep = too_deep || depth > kDeepest;
-        return true;
-    };
-    Json json = Json::parse(line, look, false);
-    return too_deep ? Json(Json::value_t::discarded) : json;
-}
 
 // The keys that a motion may omit.
 void complete(Json& line, int speed) {
     for (const char* key : {"r", "trajectory_connect"}) {
         if (!line.contains(key)) line[key] = 0;
     }
-    const auto v = line.find("v");
-    const int64_t own = v == line.end() ? 100 : v->is_number_integer() ? v->get<int64_t>() : 0;
+    const Json* v = line.find("v");
+    const int64_t own = !v ? 100 : v->is_integer() ? v->integer() : 0;
     if (own > 0 && own <= 100) line["v"] = std::max<int64_t>(1, own * speed / 100);
 }
 
@@ -65,11 +54,11 @@ int first_wrong_line(const std::vector<std::string>& lines) {
     int open_loops = 0;
     for (size_t i = 0; i < lines.size(); ++i) {
         if (is_blank(lines[i])) continue;
-        const Json line = parsed(lines[i]);
-        bool good = line.is_object();
-        if (good && line.contains("command")) good = is_motion(line);
-        if (good && line.contains("loop")) good = is_loop(line), ++open_loops;
-        if (good && line.contains("end_loop")) good = --open_loops >= 0;
+        const std::optional<Json> line = Json::parse(lines[i], true);
+        bool good = line && line->is_object();
+        if (good && line->contains("command")) good = is_motion(*line);
+        if (good && line->contains("loop")) good = is_loop(*line), ++open_loops;
+        if (good && line->contains("end_loop")) good = --open_loops >= 0;
         if (!good) return static_cast<int>(i) + 1;
     }
     return open_loops == 0 ? 0 : static_cast<int>(lines.size());
@@ -81,12 +70,12 @@ class Programs::Orders : public Client {
     void send(const Json& message) override {
         if (message.contains("trajectory_state")) {
             waiting_ = false;
-            if (!message.at("trajectory_state").get<bool>()) refused_ = true;
+            if (!message.at("trajectory_state").boolean()) refused_ = true;
             return;
         }
         answered_ = true;
-        for (const auto& [key, value] : message.items()) {
-            if (value.is_boolean() && !value.get<bool>()) refused_ = true;
+        for (const auto& [key, value] : message.members()) {
+            if (value.is_boolean() && !value.boolean()) refused_ = true;
         }
     }
     std::string name() const override { return "program"; }
@@ -94,7 +83,8 @@ class Programs::Orders : public Client {
     // A motion is reported at its end, unless it is joined to the next.
     void send(const Dispatcher& dispatcher, const Json& order, const std::shared_ptr<Client>& self) {
         answered_ = false;
-        waiting_ = order.at("command") != "timer" && order.at("trajectory_connect") == 0;
+        const Json& connect = order.at("trajectory_connect");
+        waiting_ = order.at("command").text() != "timer" && connect.is_number() && connect.number() == 0;
         dispatcher.handle(order.dump(), self);
         if (!answered_) refused_ = true;
     }
@@ -129,9 +119,9 @@ void Programs::step() {
             return;
         }
         const std::string& text = run.program.lines[run.line++];
-        const Json line = is_blank(text) ? Json::object() : Json::parse(text);
+        const Json line = is_blank(text) ? Json::object() : *Json::parse(text);
         if (line.contains("loop")) {
-            run.loops.push_back({run.line, line.at("loop").get<int>(), 1});
+            run.loops.push_back({run.line, static_cast<int>(line.at("loop").integer()), 1});
         } else if (line.contains("end_loop")) {
             Loop& loop = run.loops.back();
             if (loop.round++ < loop.rounds)

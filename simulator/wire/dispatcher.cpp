@@ -6,9 +6,9 @@ namespace sim {
 
 void Dispatcher::handle(std::string_view text, const std::shared_ptr<Client>& client) const {
     try {
-        const Json body = Json::parse(text, nullptr, false);
-        if (body.is_discarded()) throw BadRequest("a request that is no JSON");
-        const Request request(body);
+        const std::optional<Json> body = Json::parse(text);
+        if (!body) throw BadRequest("a request that is no JSON");
+        const Request request(*body);
         const Command* command = commands.find(request.command());
         if (!command) throw BadRequest("unknown command '" + request.command() + "'");
         if (faults.silent_on.count(request.command()) != 0) return;

@@ -26,7 +26,7 @@ inline Json page_reply(const Page& page, const std::vector<Json>& entries, const
     int64_t found = 0;
     const int64_t first = (page.number - int64_t{1}) * page.size;
     for (const Json& entry : entries) {
-        if (entry.at(name_key).get<std::string>().find(page.search) == std::string::npos) continue;
+        if (entry.at(name_key).text().find(page.search) == std::string::npos) continue;
         if (found >= first && found < first + page.size) list.push_back(entry);
         ++found;
     }

@@ -6,30 +6,35 @@ namespace sim {
 
 Request::Request(const Json& body) : body_(body) {
     if (!body_.is_object()) throw BadRequest("a request that is no JSON object");
-    const auto command = body_.find("command");
-    if (command == body_.end() || !command->is_string()) throw BadRequest("a request without a \"command\"");
-    command_ = command->get<std::string>();
+    const Json* command = body_.find("command");
+    if (!command || !command->is_string()) throw BadRequest("a request without a \"command\"");
+    command_ = command->text();
+}
+
+bool Request::is_true(const char* key) const {
+    const Json* item = body_.find(key);
+    return item && item->is_boolean() && item->boolean();
 }
 
 bool Request::flag(const char* key) const {
     const Json& item = at(key);
     if (!item.is_boolean()) refuse(key, "is no boolean");
-    return item.get<bool>();
+    return item.boolean();
 }
 
 std::string Request::text(const char* key) const {
     const Json& item = at(key);
     if (!item.is_string()) refuse(key, "is no string");
-    return item.get<std::string>();
+    return item.text();
 }
 
 std::vector<std::string> Request::texts(const char* key) const {
     const Json& item = at(key);
     if (!item.is_array()) refuse(key, "is no array");
     std::vector<std::string> values;
-    for (const Json& element : item) {
+    for (const Json& element : item.items()) {
         if (!element.is_string()) refuse(key, "holds something else than strings");
-        values.push_back(element.get<std::string>());
+        values.push_back(element.text());
     }
     return values;
 }
@@ -37,19 +42,18 @@ std::vector<std::string> Request::texts(const char* key) const {
 double Request::number(const char* key) const {
     const Json& item = at(key);
     if (!item.is_number()) refuse(key, "is no number");
-    const double value = item.get<double>();
+    const double value = item.number();
     if (!std::isfinite(value)) refuse(key, "is not finite");
     return value;
 }
 
 std::vector<double> Request::numbers(const char* key, size_t size) const {
     const Json& item = at(key);
-    if (!item.is_array() || item.size() != size) refuse(key, "is no array of " + std::to_string(size));
+    if (!item.is_array() || item.items().size() != size) refuse(key, "is no array of " + std::to_string(size));
     std::vector<double> values;
-    for (const Json& element : item) {
-        if (!element.is_number() || !std::isfinite(element.get<double>()))
-            refuse(key, "holds something else than numbers");
-        values.push_back(element.get<double>());
+    for (const Json& element : item.items()) {
+        if (!element.is_number() || !std::isfinite(element.number())) refuse(key, "holds something else than numbers");
+        values.push_back(element.number());
     }
     return values;
 }
@@ -63,7 +67,7 @@ int Request::integer(const char* key, int low, int high) const {
 std::vector<int> Request::integers(const char* key) const {
     const Json& item = at(key);
     if (!item.is_array()) refuse(key, "is no array");
-    return integers(key, item.size());
+    return integers(key, item.items().size());
 }
 
 std::vector<int> Request::integers(const char* key, size_t size) const {
@@ -85,7 +89,7 @@ std::vector<Request> Request::objects(const char* key) const {
     const Json& item = at(key);
     if (!item.is_array()) refuse(key, "is no array");
     std::vector<Request> objects;
-    for (const Json& element : item) {
+    for (const Json& element : item.items()) {
         if (!element.is_object()) refuse(key, "holds something else than objects");
         objects.push_back(Request(element, command_ + "." + key));
     }
@@ -93,8 +97,8 @@ std::vector<Request> Request::objects(const char* key) const {
 }
 
 const Json& Request::at(const char* key) const {
-    const auto item = body_.find(key);
-    if (item == body_.end()) refuse(key, "is missing");
+    const Json* item = body_.find(key);
+    if (!item) refuse(key, "is missing");
     return *item;
 }
 

@@ -22,7 +22,7 @@ class Request {
 
     const std::string& command() const { return command_; }
     bool has(const char* key) const { return body_.contains(key); }
-    bool is_true(const char* key) const { return body_.contains(key) && body_.at(key) == true; }
+    bool is_true(const char* key) const;
 
     bool flag(const char* key) const;
     std::string text(const char* key) const;

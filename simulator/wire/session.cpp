@@ -79,7 +79,7 @@ void Session::leave(const std::string& reason) {
 
 void Session::send(const Json& message) {
     if (!socket_.is_open() || (left_ && outbox_.empty())) return;
-    outbox_.push_back({message.dump(-1, ' ', false, Json::error_handler_t::replace) + std::string(kEnd),
+    outbox_.push_back({message.dump() + std::string(kEnd),
                        std::chrono::steady_clock::now() + std::chrono::milliseconds(dispatcher_.faults.delay_ms)});
     outbox_bytes_ += outbox_.back().text.size();
     if (outbox_bytes_ > kMaxUnread) {
