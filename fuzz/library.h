@@ -4,11 +4,14 @@
 
 #include <fcntl.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <chrono>
@@ -92,6 +95,14 @@ inline const Command& command_of(const std::string& name) {
 // -------------------------------------------------------------------------------------------------------- Connection
 // --
 
+// The replies with a text that ends the process where it does not fit: replies_fuzz reads them.
+inline bool may_end_the_process(const std::string& bytes) {
+    constexpr std::array kLiterals{"get_high_ethernet", "get_wired_net",        "get_wifi_net",
+                                   "arm_software_info", "arm_software_version", "get_realtime_push"};
+    return std::any_of(kLiterals.begin(), kLiterals.end(),
+                       [&](const char* literal) { return bytes.find(literal) != bytes.npos; });
+}
+
 // A connection and the controller's end of it: a socket pair, or what the start-up opens.
 class Wire {
  public:
@@ -103,12 +114,11 @@ class Wire {
         library_ = fcntl(ends[1], F_DUPFD_CLOEXEC, kAboveStatuses);
         close(ends[1]);
     }
-    explicit Wire(int controller) : controller_(controller) {}
-    ~Wire() {
-        const linger at_once{1, 0};  // leaves no port behind
-        setsockopt(controller_, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
-        close(controller_);  // the library closes its own
+    explicit Wire(int controller) : controller_(controller) {
+        const int on = 1;  // each slice goes out by itself
+        setsockopt(controller, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     }
+    ~Wire() { reset(); }  // the library closes its own end
     Wire(const Wire&) = delete;
     Wire& operator=(const Wire&) = delete;
 
@@ -131,6 +141,12 @@ class Wire {
         return {bytes, got > 0 ? static_cast<std::size_t>(got) : 0};
     }
     void send_no_more() { shutdown(controller_, SHUT_WR); }
+    void hang_up() { close(std::exchange(controller_, -1)); }
+    void reset() {  // leaves no port behind
+        const linger at_once{1, 0};
+        setsockopt(controller_, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
+        hang_up();
+    }
 
  private:
     int controller_;
@@ -145,13 +161,17 @@ class Listener {
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         socklen_t size = sizeof address;
-        expect(bind(descriptor_, reinterpret_cast<sockaddr*>(&address), size) == 0 && listen(descriptor_, 1) == 0,
+        expect(bind(descriptor_, reinterpret_cast<sockaddr*>(&address), size) == 0 && listen(descriptor_, 8) == 0,
                "a port of the loopback is free");
         getsockname(descriptor_, reinterpret_cast<sockaddr*>(&address), &size);
         port_ = ntohs(address.sin_port);
     }
     int port() const { return port_; }
     int accept() const { return ::accept(descriptor_, nullptr, nullptr); }
+    bool is_called() const {
+        pollfd caller{descriptor_, POLLIN, 0};
+        return poll(&caller, 1, 0) == 1;
+    }
 
  private:
     int descriptor_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -187,6 +207,50 @@ class Receiver {
     Wire wire_;
 };
 
+inline thread_local std::atomic<int>* own_sleeps = nullptr;
+
+// One call at a time, on a thread of its own.
+class Caller {
+ public:
+    ~Caller() { join(); }
+    template <class Call>
+    void start(Call call) {
+        join();
+        ended_ = false;
+        sleeps_ = 0;
+        thread_ = std::thread([this, call = std::move(call)] {
+            own_sleeps = &sleeps_;
+            call();
+            ended_ = true;
+        });
+    }
+    bool has_ended() const { return ended_; }
+    int sleeps() const { return sleeps_; }  // of the call, in the library
+    void join() {
+        if (thread_.joinable()) thread_.join();
+    }
+
+ private:
+    std::thread thread_;
+    std::atomic<bool> ended_{true};
+    std::atomic<int> sleeps_{0};
+};
+
+constexpr std::size_t kMostConnections = 4;  // at once, the receiver's among them
+
+// An input finds the library as the one before did.
+inline void forget() {
+    wait_until([] { return ZK_Queue_Empty(&Socket_Tx_Buffer) == 1; });
+    expect(m_nSockeRIinfosLen == 0, "a call takes its entry off the pending list");
+#define ZK_CLEAR(name) std::memset(static_cast<void*>(name), 0, kMostConnections * sizeof name[0]);
+    ZK_EVERY_MAILBOX(ZK_CLEAR)
+#undef ZK_CLEAR
+    Algo_Init_Sys_Data(0, 0);
+    Tool_Matrix = Frame_Matrix = Matrix{};
+    Curr_Robot_Type = Curr_Senser_Type = 0;
+    g_is_robot_type_i = 0;
+}
+
 // A connection for the time of one input, and one call at a time on it.
 class Arm {
  public:
@@ -197,7 +261,7 @@ class Arm {
     Arm(int arm_mode, const Listener& controller) : receiver_(Receiver::started()) {
         CUR_ARM_MODE = arm_mode;
         std::promise<Wire*> wire;
-        start([&controller, accepted = wire.get_future().share()] {
+        caller_.start([&controller, accepted = wire.get_future().share()] {
             const ArmSocket socket = Arm_Socket_Start("127.0.0.1", controller.port(), 0);
             accepted.get()->opened(socket);
         });
@@ -209,8 +273,6 @@ class Arm {
         receiver_.come_round(2 + std::min(sent_ / kBytesPerRound, kMostRounds));
         finish_call();
         close();
-        wait_until([] { return ZK_Queue_Empty(&Socket_Tx_Buffer) == 1; });
-        expect(m_nSockeRIinfosLen == 0, "a call takes its entry off the pending list");
         forget();
     }
     Arm(const Arm&) = delete;
@@ -231,17 +293,16 @@ class Arm {
 
     void call(const std::string& name, Input arguments) {
         finish_call();
-        start([socket = wire_->library(), &command = command_of(name), arguments = std::move(arguments)] {
+        caller_.start([socket = wire_->library(), &command = command_of(name), arguments = std::move(arguments)] {
             command(socket, arguments);
         });
     }
-    bool has_ended() const { return ended_; }
+    bool has_ended() const { return caller_.has_ended(); }
     // Lets time pass. A call that waits as long as the arm moves, or longer than any limit, ends with its connection.
     void finish_call() {
-        if (!caller_.joinable()) return;
         int seconds = 0;
         wait_until([&] {
-            if (ended_) return true;
+            if (has_ended()) return true;
             pass(1000);
             if (++seconds == kLongestLimit) close();
             return false;
@@ -258,35 +319,17 @@ class Arm {
         Arm_Socket_Close(wire_->library());
         wire_->opened(0);
     }
-    template <class Call>
-    void start(Call call) {
-        ended_ = false;
-        caller_ = std::thread([this, call = std::move(call)] {
-            call();
-            ended_ = true;
-        });
-    }
-    // An input finds the library as the one before did.
-    static void forget() {
-#define ZK_CLEAR(name) std::memset(static_cast<void*>(name), 0, 2 * sizeof name[0]);
-        ZK_EVERY_MAILBOX(ZK_CLEAR)
-#undef ZK_CLEAR
-        Algo_Init_Sys_Data(0, 0);
-        Tool_Matrix = Frame_Matrix = Matrix{};
-        Curr_Robot_Type = Curr_Senser_Type = 0;
-        g_is_robot_type_i = 0;
-    }
 
     Receiver& receiver_;
     std::unique_ptr<Wire> wire_;
     std::size_t sent_ = 0;
-    std::thread caller_;
-    std::atomic<bool> ended_{true};
+    Caller caller_;
 };
 
 }  // namespace zk::fuzz
 
 ZK_API int32_t Get_Program_Runtime(void) { return zk::fuzz::now; }
 ZK_API void sleep_cp(int32_t milliseconds) {
+    if (zk::fuzz::own_sleeps) ++*zk::fuzz::own_sleeps;
     std::this_thread::sleep_for(std::chrono::microseconds(10 * std::min(milliseconds, 100)));
 }

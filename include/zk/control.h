@@ -68,9 +68,9 @@ ZK_API int ZK_Close(ArmSocket arm);
 /* Closes all connections of ZK_Connect. Returns how many. */
 ZK_API int ZK_Close_All(void);
 
-/* What the last of ZK_Connect, ZK_Close, ZK_Stop, ZK_Set_Deadline, ZK_Connection and ZK_Get_State that failed on the
- * calling thread has to say beyond its status: names, numbers, the system's own error. Valid until the thread's next
- * call; "" before the first failure. */
+/* What the last call of this header that failed on the calling thread has to say: names, numbers, the system's own
+ * error, or the text of its status. ZK_Cancel and ZK_Explain say nothing. Valid until the thread's next call; "" before
+ * the first failure. */
 ZK_API const char* ZK_Failure(void);
 
 /* A new model of the arm as its controller described it at the start-up. Free it with ZK_Model_Free. Returns null for

@@ -48,11 +48,11 @@ typedef void (*ZK_TransferProgress)(int64_t sent, int64_t total, void* user);
  * above 300, 17 for a file that cannot be read or is larger than 2 GiB; 6 when the request could not be written; 7 when
  * no reply comes within m_nOutTime, or within m_nOutTime + 10 s after the last byte, or when the controller stops
  * reading for as long, or within 1 s after it closes the connection. A project name that makes the request longer than
- * 299 bytes ends the process.
+ * 299 bytes ends the process; on a connection of ZK_Connect it returns 19.
  *
  * With a non-zero project_type the file is copied to <directory>//<name><time>.txt with two header lines in front. The
  * copy is sent and remains. Then a path without '/' returns -4, and a file that cannot be read ends the process with
- * status 1.
+ * status 1; on a connection of ZK_Connect it returns 17.
  *
  * The project is sent ten bytes at a time. A zero byte, and what follows it in its ten, is not sent.
  *
@@ -76,7 +76,8 @@ ZK_API int Send_Project_Block(ArmSocket socket, const char* data, int32_t size, 
 ZK_API const char* zk_get_cur_time(void);
 
 /* Copies a text file with two header lines in front: the connection's joint count, and the number of lines. A target
- * that cannot be written is reported on standard error; a source that cannot be read ends the process with status 1. */
+ * that cannot be written is reported on standard error; a source that cannot be read ends the process with status 1,
+ * but on a connection of ZK_Connect. */
 ZK_API void add_lines_to_file(ArmSocket socket, const char* source, const char* target);
 
 /* Counts the lines of a text file; a line of n characters, with its line feed, counts as 1 + n / 1024. A file that
@@ -91,7 +92,8 @@ ZK_API int countLinesInFile(const char* path);
  * Returns 0; 15 for a length above 300; 16 for a path without '/' or '\', or when the controller refuses; 17 for a file
  * that cannot be opened, is empty or larger than 2 GiB; 7 when no reply comes within m_nOutTime, or within m_nOutTime +
  * 10 s after the last byte, or when the controller stops reading for as long, or within 1 s after it closes the
- * connection; 19 for a null path. A name that makes the request longer than 299 bytes ends the process.
+ * connection; 19 for a null path. A name that makes the request longer than 299 bytes ends the process; on a connection
+ * of ZK_Connect it returns 19, as does one with a quote, a backslash or a line end.
  *
  * ZK_UpdataSoftWare_With_Progress does the same and reports its progress, unless the callback is null.
  */

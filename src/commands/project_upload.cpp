@@ -80,6 +80,16 @@ std::string project_name(std::string_view path) {
     return std::string(path.substr(0, path.rfind('.')));
 }
 
+// The lines of a file, or -1 when it cannot be read.
+int lines_in(const char* path) {
+    const File file(std::fopen(path ? path : "", "r"));
+    if (!file) return -1;
+    int lines = 0;
+    char line[1024];
+    while (std::fgets(line, sizeof line, file.get())) ++lines;
+    return lines;
+}
+
 // Copies a project with the header lines to a file of that name in its directory. The doubled separator is part of the
 // interface.
 bool add_header(ArmSocket s, std::string& path, const std::string& name) {
@@ -174,10 +184,10 @@ ZK_API const char* zk_get_cur_time() {
 }
 
 ZK_API void add_lines_to_file(ArmSocket s, const char* source, const char* target) {
-    const int lines = countLinesInFile(source);
-    const File in(std::fopen(source, "r"));
+    const int lines = is_handle(s) ? lines_in(source) : countLinesInFile(source);
+    const File in(lines < 0 ? nullptr : std::fopen(source, "r"));
     if (!in) {
-        std::printf("Failed to open file: %s\n", source);
+        std::printf("Failed to open file: %s\n", source ? source : "");
         return;
     }
     const File out(std::fopen(target ? target : "", "w"));
@@ -190,13 +200,8 @@ ZK_API void add_lines_to_file(ArmSocket s, const char* source, const char* targe
 }
 
 ZK_API int countLinesInFile(const char* path) {
-    const File file(std::fopen(path ? path : "", "r"));
-    if (!file) {
-        std::perror("打开文件失败");
-        std::exit(1);
-    }
-    int lines = 0;
-    char line[1024];
-    while (std::fgets(line, sizeof line, file.get())) ++lines;
-    return lines;
+    const int lines = lines_in(path);
+    if (lines >= 0) return lines;
+    std::perror("打开文件失败");
+    std::exit(1);
 }

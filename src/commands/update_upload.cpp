@@ -22,13 +22,16 @@ namespace {
 constexpr size_t kChunk = 2000;
 constexpr int kLongestPath = 1023;
 
-// The one request that is a single line, and whose name is not escaped.
-Frame announcement(const std::string& name, int32_t file_size) {
+// The one request that is a single line, and whose name is not escaped. Empty for a name that a connection of
+// ZK_Connect refuses.
+Frame announcement(ArmSocket s, const std::string& name, int32_t file_size) {
     Frame frame;
     frame.length = std::snprintf(frame.text, Request::kUsualFrame,
                                  "{\"command\":\"update_software\",\"file_size\":%d,\"update_name\":\"%s\"}\r\n",
                                  file_size, name.c_str());
-    if (frame.length >= Request::kUsualFrame) {
+    const bool fits = frame.length < Request::kUsualFrame;
+    if (is_handle(s) && (!fits || name.find_first_of("\"\\\r\n") != name.npos)) return Frame{};
+    if (!fits) {
         die("the request \"update_software\" takes %d bytes, its frame holds %d", frame.length,
             Request::kUsualFrame - 1);
     }
@@ -36,7 +39,7 @@ Frame announcement(const std::string& name, int32_t file_size) {
 }
 
 int announce(ArmSocket s, const std::string& name, int32_t file_size) {
-    const Frame frame = announcement(name, file_size);
+    const Frame frame = announcement(s, name, file_size);
     std::printf("Run_Update_Software_Block: %s", frame.text);
     return set(s, frame, Run_Update_Software_Project_Cmd);
 }

@@ -79,6 +79,7 @@ int set(ArmSocket socket, const Frame& frame, Mailbox mailbox, const SetForm& fo
     if ((!form.clears && !form.keeps_count) || is_handle(socket)) mailbox.clear(connection.slot());
 
     if (form.direct) {
+        if (frame.length < 1) return ZK_BAD_ARGUMENT;
         if (stream(socket, frame, true) < 1) return ZK_SEND_FAILED;
     } else if (const int status = post(socket, frame)) {
         return status;

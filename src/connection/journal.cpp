@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <string>
 
+#include "connection/line.h"
+
 namespace zk {
 namespace {
 
@@ -13,6 +15,17 @@ namespace {
 auto& log_callback = *new Callback<ZK_LogCallback>;
 auto& connection_callback = *new Callback<ZK_ConnectionCallback>;
 std::atomic<int> level_in_use{0};
+
+// Calls a callback for a connection, whose close waits for its end.
+template <class Callback, class... Arguments>
+void report(Callback& callback, ArmSocket arm, Arguments... arguments) {
+    if (!is_handle(arm)) return callback.call(arguments...);
+    Line* line = Line::of(arm);
+    if (!line) return;
+    ++line->reports;
+    if (line->handle() == arm) callback.call(arguments...);
+    --line->reports;
+}
 
 const char* name_of(ZK_ConnectionState state) {
     return state == ZK_CONNECTION_UP ? "up" : state == ZK_CONNECTION_LOST ? "lost" : "closed";
@@ -34,7 +47,7 @@ void log(ZK_LogLevel level, ArmSocket arm, const char* format, ...) {
     va_start(arguments, format);
     std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
-    log_callback.call(level, arm, static_cast<const char*>(text));
+    report(log_callback, arm, level, arm, static_cast<const char*>(text));
 }
 
 void log_frame(ArmSocket arm, Way way, const char* bytes, size_t size) {
@@ -46,7 +59,7 @@ void log_frame(ArmSocket arm, Way way, const char* bytes, size_t size) {
         if (std::isspace(byte) && text.back() != ' ') text += ' ';
     }
     if (text.back() == ' ' && text.size() > 2) text.pop_back();
-    log_callback.call(ZK_LOG_FRAMES, arm, text.c_str());
+    report(log_callback, arm, ZK_LOG_FRAMES, arm, text.c_str());
 }
 
 void set_connection_callback(ZK_ConnectionCallback callback, void* context) {
@@ -54,8 +67,14 @@ void set_connection_callback(ZK_ConnectionCallback callback, void* context) {
 }
 
 void report_change(ArmSocket arm, ZK_ConnectionState state, const char* cause) {
-    log(ZK_LOG_EVENTS, arm, "%s%s%s", name_of(state), *cause ? ": " : "", cause);
-    connection_callback.call(arm, state, cause);
+    const ArmSocket open = state == ZK_CONNECTION_CLOSED ? 0 : arm;
+    if (is_logged(ZK_LOG_EVENTS)) {
+        const std::string text = std::string(name_of(state)) + (*cause ? ": " : "") + cause;
+        report(log_callback, open, ZK_LOG_EVENTS, arm, text.c_str());
+    }
+    report(connection_callback, open, arm, state, cause);
 }
+
+bool is_reporting() { return log_callback.is_inside() || connection_callback.is_inside(); }
 
 }  // namespace zk

@@ -1,5 +1,5 @@
 // What the library reports to the application: the log, and the changes of connections. No lock is held during a call
-// into the application.
+// into the application. Of a connection that is closed nothing but its end is reported.
 #pragma once
 
 #include <condition_variable>
@@ -37,6 +37,8 @@ class Callback {
         if (--entry->running == 0) left_.notify_all();
     }
 
+    bool is_inside() const { return depth > 0; }
+
  private:
     struct Entry {
         Function function = nullptr;
@@ -61,5 +63,8 @@ void log_frame(ArmSocket arm, Way way, const char* bytes, size_t size);
 void set_connection_callback(ZK_ConnectionCallback callback, void* context);
 // Also logs the change.
 void report_change(ArmSocket arm, ZK_ConnectionState state, const char* cause);
+
+// Whether this thread is inside one of these callbacks.
+bool is_reporting();
 
 }  // namespace zk

@@ -129,7 +129,7 @@ void Line::introduce() {
     wake_receiver();
 }
 
-// The receive thread is out of the line before its slot is free.
+// The receive thread and all callbacks are out of the line before its slot is free.
 bool Line::close(ArmSocket handle) {
     int descriptor = -1;
     {
@@ -143,6 +143,7 @@ bool Line::close(ArmSocket handle) {
     const bool was_introduced = introduced_;
     receive_use.wait_until_left(descriptor);
     if (!on_receive_thread) dispatch_use.wait_until_left(slot_of(handle));
+    for (Pause pause; reports > 0 && !is_reporting() && !on_receive_thread;) pause.next();
     forget_connection(handle);
     forget_frames(handle);
     wake_receiver();

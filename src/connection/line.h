@@ -83,6 +83,7 @@ class Line {
     // The calls that are in progress end when this changes.
     std::atomic<unsigned> cancels{0};
     std::atomic<bool> stops_at_exit{false};
+    std::atomic<int> reports{0};  // callbacks of the application that run for it
 
  private:
     using Clock = std::chrono::steady_clock;

@@ -21,7 +21,7 @@ ZK_API int ZK_Set_Deadline(ArmSocket arm, int32_t ms, uint32_t flags) {
     if (flags & ~uint32_t{ZK_ALL_THREADS | ZK_STOP_AT_DEADLINE}) {
         return fail(ZK_BAD_ARGUMENT, "the flags 0x%x have unknown bits", flags);
     }
-    if (!Line::of(arm)) return fail_stale();
+    if (!Line::of(arm)) return fail(ZK_STALE_HANDLE);
     const Deadline deadline{ms, flags & ZK_STOP_AT_DEADLINE ? stop_at_deadline : nullptr};
     (flags & ZK_ALL_THREADS ? set_deadline_of_all : set_deadline_of_thread)(arm, deadline);
     return ZK_OK;

@@ -138,15 +138,13 @@ int connect(const char* host, int32_t port, const ZK_ConnectOptions& options, Ar
     }
     entry.handle = handle;
     add_arm(connection.slot(), std::move(entry));
-    if (found.push.enable) {
-        if (const int error = open_stream(connection.slot(), handle, found.peer.address, found.push.port)) {
-            log(ZK_LOG_EVENTS, handle, "no real-time stream: port %d: %s", found.push.port, std::strerror(error));
-        }
-    }
+    const bool pushes = found.push.enable;
+    const int error = pushes ? open_stream(connection.slot(), handle, found.peer.address, found.push.port) : 0;
     if (!keeps_model) {
         put_into_model(found);
         model.unlock();
     }
+    if (error) log(ZK_LOG_EVENTS, handle, "no real-time stream: port %d: %s", found.push.port, std::strerror(error));
     if (options.flags & ZK_STOP_AT_EXIT) {
         Line::at(connection.slot()).stops_at_exit = true;
         watch_the_exit();
@@ -167,7 +165,7 @@ int fail(int status, const char* format, ...) {
     return status;
 }
 
-int fail_stale() { return fail(ZK_STALE_HANDLE, "%s", ZK_Status_Text(ZK_STALE_HANDLE)); }
+int fail(int status) { return fail(status, "%s", ZK_Status_Text(status)); }
 
 void add_arm(int slot, Arm arm) {
     const std::lock_guard guard(arms().lock);
@@ -199,12 +197,12 @@ ZK_API int ZK_Connect(const char* host, int32_t port, const ZK_ConnectOptions* o
     if (const int status = check(host, port, options ? *options : usual, arm)) return status;
     return connect(host, port, options ? *options : usual, arm);
 } catch (const std::bad_alloc&) {
-    return fail(ZK_NO_MEMORY, "%s", ZK_Status_Text(ZK_NO_MEMORY));
+    return fail(ZK_NO_MEMORY);
 }
 
 ZK_API int ZK_Close(ArmSocket arm) {
     Line* line = Line::of(arm);
-    if (!line || !line->close(arm)) return fail_stale();
+    if (!line || !line->close(arm)) return fail(ZK_STALE_HANDLE);
     close_stream(arm);
     remove_arm(arm);
     return ZK_OK;
@@ -224,9 +222,9 @@ ZK_API const char* ZK_Failure() { return failure_text; }
 
 ZK_API ZK_Model* ZK_Arm_Model(ArmSocket arm) try {
     const Arm found = arm_of(arm);
-    if (found.handle == 0) fail_stale();
+    if (found.handle == 0) fail(ZK_STALE_HANDLE);
     return found.geometry ? ZK_Model_Clone(found.geometry.get()) : nullptr;
 } catch (const std::bad_alloc&) {
-    fail(ZK_NO_MEMORY, "%s", ZK_Status_Text(ZK_NO_MEMORY));
+    fail(ZK_NO_MEMORY);
     return nullptr;
 }

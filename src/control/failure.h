@@ -6,7 +6,7 @@ namespace zk {
 // Keeps the text for ZK_Failure and returns the status.
 [[gnu::format(printf, 2, 3)]] int fail(int status, const char* format, ...);
 
-// The status of a stale handle, with its text.
-int fail_stale();
+// The same with the text of the status.
+int fail(int status);
 
 }  // namespace zk

@@ -26,7 +26,7 @@ ZK_API int ZK_Connection(ArmSocket arm, ZK_ConnectionRecord* record) try {
     *record = {};
     Line* line = Line::of(arm);
     const Arm known = arm_of(arm);
-    if (!line || known.handle == 0) return fail_stale();
+    if (!line || known.handle == 0) return fail(ZK_STALE_HANDLE);
     const Connection connection(arm);
     copy_cut(line->cause(), record->cause);
     copy_cut(known.host, record->host);
@@ -52,9 +52,9 @@ ZK_API int ZK_Connection(ArmSocket arm, ZK_ConnectionRecord* record) try {
     record->round_trip_last_ms = trips.last;
     record->round_trip_median_ms = trips.median;
     record->round_trip_worst_ms = trips.worst;
-    return connection.is_open() ? int(ZK_OK) : fail_stale();
+    return connection.is_open() ? int(ZK_OK) : fail(ZK_STALE_HANDLE);
 } catch (const std::bad_alloc&) {
-    return fail(ZK_NO_MEMORY, "%s", ZK_Status_Text(ZK_NO_MEMORY));
+    return fail(ZK_NO_MEMORY);
 }
 
 ZK_API void ZK_Set_Connection_Callback(ZK_ConnectionCallback callback, void* context) {

@@ -12,9 +12,9 @@ ZK_API int ZK_Get_State(ArmSocket arm, ZK_State* state, int32_t max_age_ms) {
     if (!state) return fail(ZK_BAD_ARGUMENT, "the place for the state is null");
     if (max_age_ms < 0) return fail(ZK_BAD_ARGUMENT, "the age is %d ms", max_age_ms);
     const int slot = Line::of(arm) ? slot_of(arm) : -1;
-    if (slot < 0) return fail_stale();
+    if (slot < 0) return fail(ZK_STALE_HANDLE);
     StreamRecord record;
-    if (!last_record(slot, arm, record)) return fail(ZK_NO_STATE, "%s", ZK_Status_Text(ZK_NO_STATE));
+    if (!last_record(slot, arm, record)) return fail(ZK_NO_STATE);
     const double age_ms = static_cast<double>(monotonic_ns() - record.host_ns) / 1e6;
     *state = {.status = record.status,
               .joint_count = joint_count_of_slot(slot),

@@ -46,8 +46,8 @@ ZK_API int ZK_Stop(ArmSocket arm, int kind) {
     const std::string_view bytes = bytes_of(kind & ~ZK_DROP_QUEUED);
     if (bytes.empty()) return fail(ZK_BAD_ARGUMENT, "%d is no kind of stop", kind);
     Line* line = Line::of(arm);
-    if (!line) return fail_stale();
-    if (line->is_lost()) return fail(ZK_LOST, "%s", ZK_Status_Text(ZK_LOST));
+    if (!line) return fail(ZK_STALE_HANDLE);
+    if (line->is_lost()) return fail(ZK_LOST);
     if (kind & ZK_DROP_QUEUED) {
         forget_frames(arm);
         wait_for_frame();  // one that has left the queue goes out before the stop
@@ -56,7 +56,7 @@ ZK_API int ZK_Stop(ArmSocket arm, int kind) {
     int status = ZK_OK;
     if (!sent) {
         status = line->is_in_transfer() ? send_on_second_connection(*line, arm, bytes)
-                 : line->is_lost()      ? fail(ZK_LOST, "%s", ZK_Status_Text(ZK_LOST))
+                 : line->is_lost()      ? fail(ZK_LOST)
                                         : fail(ZK_SEND_FAILED, "the controller reads nothing");
     }
     log(ZK_LOG_EVENTS, arm, "stop of kind %d: %s", kind & ~ZK_DROP_QUEUED, ZK_Status_Text(status));

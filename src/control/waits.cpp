@@ -22,24 +22,26 @@ constexpr int32_t kLookMs = 100;  // between two looks at the controller
 constexpr int32_t kFreshNs = 1'000'000'000;
 
 // Asks what the controller does. A reply to an earlier call that ended early may come for the first answer, so that an
-// idle arm has to be reported twice. limit: ms of each query, 0 for m_nOutTime.
-int ask_trajectory(ArmSocket s, int32_t limit, TrajectoryReply& reply) {
+// idle arm has to be reported twice. limit: returns the ms for the next query, 0 for m_nOutTime.
+template <class Limit>
+int ask_trajectory(ArmSocket s, Limit limit, TrajectoryReply& reply) {
     const auto ask = [&] {
         return query({s, "get_arm_current_trajectory"}, Get_Arm_Current_Trajectory_Cmd,
                      [&](const TrajectoryReply& found) { reply = found; },
-                     {.clears_before = true, .clears_after = true, .limit = limit});
+                     {.clears_before = true, .clears_after = true, .limit = limit()});
     };
     const int status = ask();
     return status == ZK_OK && reply.type == ZK_TRAJECTORY_NONE ? ask() : status;
 }
 
 // The same for programs. The parser returns the state of the program as its status.
-int ask_program(ArmSocket s, int32_t limit, ProgramRunState& state) {
+template <class Limit>
+int ask_program(ArmSocket s, Limit limit, ProgramRunState& state) {
     const auto ask = [&] {
         state.run_state = INT_MIN;
         const int status = query({s, "get_program_run_state"}, Get_Program_Run_State_Cmd,
                                  [&](const ProgramRunStateReply& found) { state = found.state; },
-                                 {.clears_before = true, .clears_after = true, .limit = limit});
+                                 {.clears_before = true, .clears_after = true, .limit = limit()});
         return status == state.run_state ? int(ZK_OK) : status;
     };
     const int status = ask();
@@ -50,19 +52,20 @@ int ask_program(ArmSocket s, int32_t limit, ProgramRunState& state) {
 template <class Look>
 int look_until(ArmSocket arm, int32_t ms, Look look) {
     if (ms <= 0) return fail(ZK_BAD_ARGUMENT, "the time to wait is %d ms", ms);
-    if (!Line::of(arm)) return fail_stale();
+    if (!Line::of(arm)) return fail(ZK_STALE_HANDLE);
     const Wait call(arm);
     const int32_t start = Get_Program_Runtime();
     const auto left = [&] { return ms - elapsed_since(start); };
+    const auto limit = [&] { return std::max(1, std::min(left(), read(m_nOutTime))); };
     do {
         bool done = false;
-        const int status = look(std::max(1, std::min(left(), read(m_nOutTime))), done);
-        if (status != ZK_OK && status != ZK_TIMEOUT) return status;
+        const int status = look(limit, done);
+        if (status != ZK_OK && status != ZK_TIMEOUT) return fail(status);
         if (done) return ZK_OK;
         pause(call, std::min(kLookMs, left()));
-        if (const int ended = call.status()) return ended;
+        if (const int ended = call.status()) return fail(ended);
     } while (left() > 0);
-    return ZK_TIMEOUT;
+    return fail(ZK_TIMEOUT, "it was not over after %d ms", ms);
 }
 
 using Joints = std::array<float, 7>;
@@ -106,7 +109,7 @@ Joints joints_of(const float (&values)[size]) {
 }  // namespace
 
 ZK_API int ZK_Wait_Idle(ArmSocket arm, int32_t ms) {
-    return look_until(arm, ms, [arm](int32_t limit, bool& done) {
+    return look_until(arm, ms, [arm](auto limit, bool& done) {
         TrajectoryReply reply{};
         const int status = ask_trajectory(arm, limit, reply);
         done = status == ZK_OK && reply.type == ZK_TRAJECTORY_NONE;
@@ -116,7 +119,7 @@ ZK_API int ZK_Wait_Idle(ArmSocket arm, int32_t ms) {
 
 ZK_API int ZK_Wait_Program(ArmSocket arm, int32_t ms, ZK_ProgramOutcome* outcome) {
     ZK_ProgramOutcome last{};
-    const int status = look_until(arm, ms, [arm, &last](int32_t limit, bool& done) {
+    const int status = look_until(arm, ms, [arm, &last](auto limit, bool& done) {
         ProgramRunState state{};
         if (const int failure = ask_program(arm, limit, state)) return failure;
         last.run_state = state.run_state;
@@ -134,9 +137,11 @@ ZK_API int ZK_Wait_Program(ArmSocket arm, int32_t ms, ZK_ProgramOutcome* outcome
 ZK_API int ZK_Move_Progress(ArmSocket arm, float* share) {
     if (!share) return fail(ZK_BAD_ARGUMENT, "the place for the share is null");
     const int slot = Line::of(arm) ? slot_of(arm) : -1;
-    if (slot < 0) return fail_stale();
+    if (slot < 0) return fail(ZK_STALE_HANDLE);
     TrajectoryReply reply{};
-    if (const int status = ask_trajectory(arm, 0, reply)) return status;
+    if (const int status = ask_trajectory(
+            arm, [] { return 0; }, reply))
+        return fail(status);
     if (reply.type == ZK_TRAJECTORY_NONE) return *share = 1, ZK_OK;
     StreamRecord record;
     if (!last_record(slot, arm, record) || monotonic_ns() - record.host_ns > kFreshNs)

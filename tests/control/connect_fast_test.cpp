@@ -1,5 +1,7 @@
 // Connecting: to peers that are no controller, and to each arm.
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <netdb.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -14,6 +16,18 @@
 #include "zk/arm_state.h"
 #include "zk/control.h"
 #include "zk/model.h"
+
+// A name with commas has the addresses that it lists.
+extern "C" [[gnu::visibility("default")]] int getaddrinfo(const char* host, const char* port, const addrinfo* wanted,
+                                                          addrinfo** list) {
+    static const auto resolve = reinterpret_cast<decltype(&getaddrinfo)>(dlsym(RTLD_NEXT, "getaddrinfo"));
+    std::string names = host;
+    if (names.find(',') == names.npos || wanted->ai_flags & AI_NUMERICHOST) return resolve(host, port, wanted, list);
+    for (std::istringstream each(names); std::getline(each, names, ','); list = &(*list)->ai_next) {
+        if (const int error = resolve(names.c_str(), port, wanted, list)) return error;
+    }
+    return 0;
+}
 
 namespace {
 
@@ -51,7 +65,7 @@ int status_of(int port, int arm_mode = 0, const char* host = "127.0.0.1") {
 struct OddPeer {
     const char* name;
     const char* command;
-    const char* bytes;  // "": silence; "close": closes
+    const char* bytes;  // "": silence; "close", "reset", "half-close": ends in this way
     int status;
     const char* failure;  // a part of what ZK_Failure says
 };
@@ -62,7 +76,12 @@ class StrangePeer : public testing::TestWithParam<OddPeer> {};
 
 TEST_P(StrangePeer, IsNamedAndLeavesNoTrace) {
     const OddPeer& peer = GetParam();
+    using End = ScriptedController::End;
+    static const std::map<std::string, End> kEnds{
+        {"close", End::kClose}, {"reset", End::kReset}, {"half-close", End::kHalfClose}};
     const std::string bytes = peer.bytes;
+    const auto how = kEnds.find(bytes);
+    const bool ends = how != kEnds.end();
     ZK_API_Init(65, nullptr);
     ScriptedController controller;
     answer_start_up(controller);
@@ -72,7 +91,7 @@ TEST_P(StrangePeer, IsNamedAndLeavesNoTrace) {
     const Surroundings before;
     std::thread end([&] {  // only the limit of the question in hand is let run out
         controller.wait_for_request(peer.command);
-        if (bytes == "close") return controller.close();
+        if (ends) return controller.close(ScriptedController::kLatest, how->second);
         controller.wait_until_read();
         set_time_factor(1000000);
     });
@@ -80,7 +99,7 @@ TEST_P(StrangePeer, IsNamedAndLeavesNoTrace) {
     EXPECT_NE(std::string(ZK_Failure()).find(peer.failure), std::string::npos) << ZK_Failure();
     end.join();
     set_time_factor(1);
-    if (bytes != "close") {
+    if (!ends || how->second == End::kHalfClose) {
         controller.wait_for_close();
         controller.close();
     }
@@ -95,6 +114,8 @@ INSTANTIATE_TEST_SUITE_P(
         OddPeer{"SendsOtherJson", "get_arm_software_info", "{\"hello\":1}\r\n", ZK_NO_CONTROLLER, "no reply"},
         OddPeer{"Closes", "get_arm_software_info", "close", ZK_LOST, "closed"},
         OddPeer{"ClosesLater", "get_realtime_push", "close", ZK_LOST, "closed"},
+        OddPeer{"Resets", "get_arm_software_info", "reset", ZK_LOST, "reset"},
+        OddPeer{"HalfCloses", "get_joint_max_acc", "half-close", ZK_LOST, "closed"},
         OddPeer{"SpeaksHttp", "get_arm_software_info", "HTTP/1.1 400 Bad Request\r\n\r\n", ZK_NO_CONTROLLER,
                 "HTTP/1.1"},
         OddPeer{"SpeaksInOtherLines", "get_arm_software_info", "SSH-2.0-x\n", ZK_NO_CONTROLLER, "SSH-2.0-x"},
@@ -121,6 +142,20 @@ TEST(Connecting, FailuresHaveNamesAndLeaveEverythingAsItWas) {
     EXPECT_EQ(status_of(8080, 64), ZK_BAD_ARGUMENT);
     controller.close();
     expect_same(before);
+}
+
+// The listener has 127.0.0.1 alone.
+TEST(Connecting, TriesEveryAddressOfAName) {
+    ScriptedController controller;
+    answer_start_up(controller);
+    for (const auto& [name, status] : {std::pair{"::1,127.0.0.1", 0},
+                                       {"127.0.0.2,127.0.0.1", 0},
+                                       {"255.255.255.255,127.0.0.1", 0},
+                                       {"127.0.0.2,255.255.255.255", int{ZK_CONNECTION_REFUSED}},
+                                       {"255.255.255.255", int{ZK_NO_ROUTE}}}) {
+        EXPECT_EQ(status_of(controller.port(), 0, name), status) << name << ": " << ZK_Failure();
+    }
+    EXPECT_EQ(ZK_Close_All(), 3);
 }
 
 // A report between, a reply in single bytes, texts that are too long for their fields, and the start of a message after

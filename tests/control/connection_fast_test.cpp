@@ -63,7 +63,13 @@ INSTANTIATE_TEST_SUITE_P(, EveryWait, testing::ValuesIn(kWaits),
 TEST_P(EveryWait, EndsAtOnceWhenItIsToEnd) {
     EXPECT_EQ(status_after([](ScriptedController&, ArmSocket arm) { EXPECT_EQ(ZK_Cancel(arm), 0); }), ZK_CANCELLED);
     EXPECT_EQ(status_after([](ScriptedController&, ArmSocket arm) { EXPECT_EQ(ZK_Close(arm), 0); }), ZK_NOT_CONNECTED);
-    EXPECT_EQ(status_after([](ScriptedController& controller, ArmSocket) { controller.close(); }), ZK_LOST);
+    using End = ScriptedController::End;
+    for (const End end : {End::kClose, End::kReset, End::kHalfClose}) {
+        const auto lose = [end](ScriptedController& controller, ArmSocket) {
+            controller.close(ScriptedController::kLatest, end);
+        };
+        EXPECT_EQ(status_after(lose), ZK_LOST) << static_cast<int>(end);
+    }
 }
 
 // What waits for the end of a motion, a program, a replay or a file is refused; anything else waits for its turn.
@@ -140,6 +146,8 @@ TEST_F(Connections, AStopDuringATransferTakesASecondConnection) {
     EXPECT_EQ(controller_.wait_for_request("set_arm_stop", 1), kStopRequest);
     EXPECT_NE(controller_.wait_for_request("set_arm_power", 1), "");
     EXPECT_EQ(Move_Stop_Cmd_NonBlock(arm), ZK_SENDING_FILE);
+    Movej_CANFD(arm, kJoints, false, 0);
+    EXPECT_EQ(controller_.received(0, 0).find("canfd"), std::string::npos);
     ZK_Cancel(arm);
     EXPECT_EQ(transfer.get(), ZK_CANCELLED);
 }
@@ -225,6 +233,20 @@ TEST_F(Connections, ATransferThatOutlivesItsConnectionLeavesTheNextAlone) {
     EXPECT_EQ(transfer.get(), ZK_NOT_CONNECTED);
     EXPECT_EQ(ZK_Stop(arm, ZK_STOP), 0);
     EXPECT_EQ(first_speed(arm), 180);
+}
+
+// They end the process on a connection of Arm_Socket_Start.
+TEST_F(Connections, FilesThatCannotBeReadAndLongNamesAreRefused) {
+    const ArmSocket arm = connect(controller_);
+    const std::string name(300, 'n'), missing = "/nowhere/at_all.txt", quoted = "a\",\"b";
+    const auto announce = [arm](const std::string& text) {
+        return Run_Update_Software_Block_E(arm, text.c_str(), static_cast<int32_t>(text.size()), 1);
+    };
+    add_lines_to_file(arm, nullptr, nullptr);
+    EXPECT_EQ(Send_TrajectoryFile_Block(arm, 0, 0, missing.c_str(), 100, 20, 0, 0, nullptr, 1), ZK_FILE_UNREADABLE);
+    EXPECT_EQ(Run_Project_Block(arm, 0, 0, name.c_str(), 300, 1, 20, 0, 0), ZK_BAD_ARGUMENT);
+    EXPECT_EQ(announce(name), ZK_BAD_ARGUMENT);
+    EXPECT_EQ(announce(quoted), ZK_BAD_ARGUMENT);
 }
 
 struct Journal {

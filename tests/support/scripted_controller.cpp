@@ -111,13 +111,13 @@ void ScriptedController::wait_until_read(int connection) {
     });
 }
 
-void ScriptedController::close(int connection) {
+void ScriptedController::close(int connection, End end) {
     std::unique_lock lock(mutex_);
     Connection* target = find(connection);
     if (target == nullptr) throw std::logic_error("there is no connection to close");
-    target->to_close = true;
+    target->end = end;
     wake();
-    wait_until(lock, "the connection to close", [&] { return target->descriptor < 0; });
+    wait_until(lock, "the connection to close", [&] { return !target->end || target->descriptor < 0; });
 }
 
 std::string ScriptedController::wait_for_request(const std::string& command, int connection) {
@@ -228,11 +228,19 @@ bool ScriptedController::serve(int index, short events) {
     }
     if (connection.unread) connection.unread = !is_read(connection.descriptor, port_, connection.peer_port);
     if (!connection.unread && !connection.to_send.empty()) send_next(connection);
-    if (connection.to_close && !connection.unread && connection.to_send.empty()) {
-        ::close(connection.descriptor);
-        connection.descriptor = -1;
-    }
+    if (connection.end && !connection.unread && connection.to_send.empty()) end(connection);
     return connection.unread;
+}
+
+void ScriptedController::end(Connection& connection) {
+    const End end = *std::exchange(connection.end, std::nullopt);
+    if (end == End::kHalfClose) {
+        shutdown(connection.descriptor, SHUT_WR);
+        return;
+    }
+    const linger at_once{end == End::kReset, 0};
+    setsockopt(connection.descriptor, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
+    ::close(std::exchange(connection.descriptor, -1));
 }
 
 void ScriptedController::accept_connection() {

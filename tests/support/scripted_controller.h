@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -49,8 +50,9 @@ class ScriptedController {
     // Waits until the peer has read all that was sent on a connection.
     void wait_until_read(int connection = kLatest);
 
-    // Closes a connection when the peer has read all that is to be sent on it.
-    void close(int connection = kLatest);
+    // Ends a connection when the peer has read all that is to be sent on it: closes it, resets it, or sends no more.
+    enum class End { kClose, kReset, kHalfClose };
+    void close(int connection = kLatest, End end = End::kClose);
 
     // The first request of this command that no call has taken yet: its exact text, without the CRLF that ends it.
     // Waits for it; fails the test and returns nothing when it does not come.
@@ -73,7 +75,7 @@ class ScriptedController {
     struct Connection {
         int descriptor = -1;
         int peer_port = 0;
-        bool to_close = false;
+        std::optional<End> end;  // to come
         bool closed_by_peer = false;
         std::string received;
         size_t uncut = 0;  // where the first request begins that is not whole yet
@@ -92,6 +94,7 @@ class ScriptedController {
     void receive(Connection& connection);
     void answer_requests(int index);
     void send_next(Connection& connection);
+    static void end(Connection& connection);
     void wake();
     Connection* find(int connection);
     template <class Condition>
