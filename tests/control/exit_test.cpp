@@ -28,9 +28,10 @@ void move(ArmSocket arm) {
 }
 
 void stream(ArmSocket arm) {
-    for (float joint[7] = {}; joint[1] < 5; joint[1] += 0.1f, sleep_cp(2)) {
-        if (Movej_CANFD(arm, joint, false, 0) != 0) _exit(2);
-    }
+    float joint[7] = {};
+    if (Get_Joint_Degree(arm, joint) != 0) _exit(2);
+    for (const float end = joint[1] + 5; joint[1] < end; joint[1] += 0.1f, sleep_cp(2))
+        Movej_CANFD(arm, joint, false, 0);
 }
 
 struct End {
@@ -39,7 +40,7 @@ struct End {
     void (*act)(ArmSocket);
     void (*end)();
     int signal;               // that ends or halts the program; 0: it exits
-    float at_least, at_most;  // where the second joint rests
+    float at_least, at_most;  // where the second joint rests; it starts at -20
 };
 void PrintTo(const End& end, std::ostream* out) { *out << end.name; }
 
@@ -68,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(
                         0, 59.9f, 60.1f},
                     End{"Killed", ZK_STOP_AT_EXIT, move, [] { raise(SIGKILL); }, SIGKILL, 59.9f, 60.1f},
                     End{"Halted", ZK_STOP_AT_EXIT, move, [] { raise(SIGSTOP); }, SIGSTOP, 59.9f, 60.1f},
-                    End{"KilledInAStream", 0, stream, [] { raise(SIGKILL); }, SIGKILL, 4.8f, 5.2f}),
+                    End{"KilledInAStream", 0, stream, [] { raise(SIGKILL); }, SIGKILL, -15.2f, -14.8f}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST_P(Exit, StopsTheArmWhereAskedTo) {

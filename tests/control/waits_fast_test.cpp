@@ -169,6 +169,20 @@ TEST_F(ScriptedWaits, ALookWithoutAReplyFindsNothing) {
     EXPECT_EQ(ZK_Wait_Idle(arm_, kLong), 0);
 }
 
+// The arm is idle at the end of the time, and the second question gets no reply.
+TEST_F(ScriptedWaits, AWaitKeepsItsTimeWhateverItAsks) {
+    constexpr int kTime = 2000;
+    set_time_factor(10);
+    controller_.answer_with(kTrajectory, [end = Get_Program_Runtime() + kTime * 9 / 10, looks = 0](auto&) mutable {
+        if (++looks > 1) return Pieces{};
+        while (Get_Program_Runtime() < end) std::this_thread::yield();
+        return Pieces{line(trajectory("none"))};
+    });
+    const int64_t before = slept();
+    EXPECT_EQ(ZK_Wait_Idle(arm_, kTime), ZK_TIMEOUT);
+    EXPECT_LE(slept() - before, kTime);
+}
+
 TEST_F(ScriptedWaits, EndAsTheyAreAsked) {
     float share;
     controller_.answer(kTrajectory, trajectory("movel"));
@@ -185,6 +199,8 @@ TEST_F(ScriptedWaits, EndAsTheyAreAsked) {
     controller_.wait_for_request(kTrajectory);
     controller_.close();
     EXPECT_EQ(wait.get(), ZK_LOST);
+    EXPECT_EQ(ZK_Wait_Idle(arm_, kLong), ZK_LOST);
+    EXPECT_STREQ(ZK_Failure(), ZK_Status_Text(ZK_LOST));
     EXPECT_EQ(ZK_Close(arm_), 0);
     EXPECT_EQ(ZK_Wait_Idle(arm_, kLong), ZK_STALE_HANDLE);
     EXPECT_EQ(ZK_Wait_Program(arm_, kLong, nullptr), ZK_STALE_HANDLE);
