@@ -22,7 +22,7 @@ int run(Options options) {
 
     Controller controller(options);
     Server server(io, controller.dispatcher(), options.listen, options.port);
-    PushSender push(io, controller.push());
+    PushSender push(io, controller.push(), options.listen);
     Clock clock(io, std::chrono::milliseconds(Controller::kStepMs), [&] {
         controller.step();
         push.step();

@@ -2,6 +2,7 @@
 
 #include <asio/io_context.hpp>
 #include <asio/ip/udp.hpp>
+#include <string>
 
 #include "push/push.h"
 
@@ -10,7 +11,8 @@ namespace sim {
 // Sends the real-time push once in each cycle.
 class PushSender {
  public:
-    PushSender(asio::io_context& io, const Push& push);
+    // From `address`, so that listeners can distinguish controllers.
+    PushSender(asio::io_context& io, const Push& push, const std::string& address);
 
     // Call it after every step of the controller.
     void step();
@@ -18,6 +20,7 @@ class PushSender {
  private:
     const Push& push_;
     asio::ip::udp::socket socket_;
+    asio::ip::udp::socket unbound_;  // to other hosts from a loopback address, which cannot reach them
 };
 
 // A UDP port that is free at this moment.

@@ -118,6 +118,15 @@ TEST(Push, FollowsItsSettingsForDestinationAndEnable) {
     EXPECT_GE(gap, 1000);
 }
 
+TEST(Push, ComesFromTheAddressOnWhichTheControllerListens) {
+    for (const char* address : {"127.0.0.1", "127.0.0.2"}) {
+        const SimulatorProcess simulator({"--quiet", "--listen", address});
+        UdpReceiver push(simulator.push_port());
+        push.receive();
+        EXPECT_EQ(push.sender(), address);
+    }
+}
+
 TEST(Push, RefusesInvalidSettings) {
     Talk talk({"--quiet"});
     const Json before = talk.ask("get_realtime_push");

@@ -1,5 +1,6 @@
 #include "support/udp.h"
 
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -25,7 +26,12 @@ std::string UdpReceiver::receive() {
         ADD_FAILURE() << "no datagram came to port " << port_;
         return {};
     }
-    datagram.resize(checked(static_cast<int>(recv(descriptor_, datagram.data(), datagram.size(), 0)), "recv"));
+    sockaddr_in from{};
+    socklen_t size = sizeof from;
+    auto* const address = reinterpret_cast<sockaddr*>(&from);
+    datagram.resize(checked(
+        static_cast<int>(recvfrom(descriptor_, datagram.data(), datagram.size(), 0, address, &size)), "recvfrom"));
+    sender_ = inet_ntoa(from.sin_addr);
     return datagram;
 }
 

@@ -18,12 +18,16 @@ class UdpReceiver {
     // The next datagram, waiting for it; fails the test and returns nothing when none comes.
     std::string receive();
 
+    // The address from which that datagram came.
+    const std::string& sender() const { return sender_; }
+
     // Drops what has come so far, so that the next datagram is one sent after this.
     void forget();
 
  private:
     int descriptor_;
     int port_;
+    std::string sender_;
 };
 
 // Sends one datagram to a port of 127.0.0.1.
