@@ -61,8 +61,8 @@ void Controller::add_commands() {
     add_limit_commands(table, arm_, tool_);
     add_frame_commands(table, arm_, tool_);
     add_motion_commands(table, arm_, tool_);
-    add_trajectory_commands(table, arm_);
-    add_streaming_commands(table, arm_, tool_);
+    add_trajectory_commands(table, arm_, programs_);
+    add_streaming_commands(table, arm_, tool_, devices_.expansion);
     add_teach_commands(table, arm_, tool_);
     add_drag_commands(table, arm_, drag_, force_.hold);
     add_force_commands(table, arm_, force_);

@@ -21,8 +21,9 @@ void demand(const Arm& arm, const Call& call, Sensor sensor) {
     if (arm.model().sensor != sensor) throw BadRequest(call.request.command() + ": the arm has no such sensor");
 }
 
-Json force_data(const Arm& arm, const ForceControl& force, const Call& call) {
-    demand(arm, call, Sensor::kSixForce);
+// Without the sensor both queries are answered by what clients read as an error.
+Json force_data(const Arm& arm, const ForceControl& force, const Call&) {
+    if (arm.model().sensor != Sensor::kSixForce) return {{"get_state", false}};
     return {{"force_data", wire_forces(force.sensor.measured())},
             {"zero_force_data", wire_forces(force.felt(ForceAxes::kSensor))},
             {"work_zero_force_data", wire_forces(force.felt(ForceAxes::kWork))},
@@ -30,8 +31,8 @@ Json force_data(const Arm& arm, const ForceControl& force, const Call& call) {
 }
 
 // In this reply false means success.
-Json fz(const Arm& arm, const ForceControl& force, const Call& call) {
-    demand(arm, call, Sensor::kOneForce);
+Json fz(const Arm& arm, const ForceControl& force, const Call&) {
+    if (arm.model().sensor != Sensor::kOneForce) return {{"set_state", true}};
     const auto along_z = [](const KDL::Wrench& wrench) { return std::lround(wrench.force.z() * 1000); };
     return {{"set_state", false},
             {"Fz", along_z(force.sensor.measured())},
@@ -89,9 +90,11 @@ void measure_at(const SharedCalibration& calibration, const JointVector& joints,
 }
 
 void demand_poses(const Arm& arm, const Call& call, const std::vector<JointVector>& poses) {
+    JointVector from = arm.end();
     for (const JointVector& pose : poses) {
         const std::string reason = arm.reason_not_to_move_to(pose);
         if (!reason.empty()) throw BadRequest(call.request.command() + ": " + reason);
+        arm.check(arm.joint_path(std::exchange(from, pose), pose, kPercent).course());
     }
     if (!arm.motion().idle() && !call.request.command().starts_with("manual_set_force"))
         throw BadRequest(call.request.command() + ": the arm moves");

@@ -146,7 +146,10 @@ void add_states(CommandTable& table, Arm& arm) {
     table.query("get_joint_software_version", "joint_software_version", with(software_versions, arm));
     table.set("auto_set_joint_limit", "limit_mode", [&arm](const Call& call) {
         call.request.integer("limit_mode");
-        arm.limits = arm.range();
+        for (size_t i = 0; i < arm.joint_count(); ++i) {
+            arm.limits[i].min_pos = arm.range()[i].min_pos;
+            arm.limits[i].max_pos = arm.range()[i].max_pos;
+        }
         return true;
     });
 }

@@ -74,6 +74,7 @@ Verdict follow_set_point(Arm& arm, const Tool& tool, const Call& call, const Fol
     if (!target) return Verdict::kUnreachable;
     if (!arm.reason_not_to_move_to(*target).empty()) return Verdict::kBeyondLimit;
     if (following.near && too_far(arm, *target)) return Verdict::kTooFar;
+    if (arm.clear_until(arm.joints(), *target) != *target) return Verdict::kBeyondLimit;
     const bool taken = arm.motion().follow({*target, arm.paces(), following.direct, following.status});
     return taken ? Verdict::kFollowed : Verdict::kNotNow;
 }

@@ -4,6 +4,7 @@
 
 #include "commands/commands.h"
 #include "commands/set_points.h"
+#include "devices/devices.h"
 #include "wire/note.h"
 
 namespace sim {
@@ -25,11 +26,28 @@ constexpr Manner kManners[] = {
     {"movep_follow", "pose_state", "move_through_pose", false, pose_target},
 };
 
-Verdict follow(Arm& arm, const Tool& tool, const Call& call, const Manner& manner) {
+// The parts on which these commands act.
+struct Streaming {
+    Arm& arm;
+    const Tool& tool;
+    LinearAxis& expansion;
+};
+
+// "expand" is the set-point of the expansion axis.
+Verdict follow(const Streaming& parts, const Call& call, const Manner& manner) {
+    LinearAxis& axis = parts.expansion;
     const bool direct = manner.passed_on && call.request.has("follow") && call.request.flag("follow");
-    return follow_set_point(
-        arm, tool, call,
+    const bool expands = call.request.has("expand");
+    const int expansion = expands ? call.request.integer("expand") : 0;
+    if (expansion < axis.low || expansion > axis.high) return Verdict::kBeyondLimit;
+    const Verdict verdict = follow_set_point(
+        parts.arm, parts.tool, call,
         {.target = manner.target, .direct = direct, .near = manner.passed_on, .status = manner.status});
+    if (!expands || verdict != Verdict::kFollowed) return verdict;
+    constexpr double kPercent = 100;
+    axis.audience.expect(call.client, false);
+    axis.go(expansion, kPercent);
+    return verdict;
 }
 
 // Degrees, metres and radians: clients do not scale these numbers.
@@ -51,10 +69,10 @@ struct Counts {
     Verdict last = Verdict::kFollowed;
 };
 
-void take(Arm& arm, const Tool& tool, const Call& call, const Manner& manner, Counts& counts) {
+void take(const Streaming& parts, const Call& call, const Manner& manner, Counts& counts) {
     Verdict verdict = Verdict::kMalformed;
     try {
-        verdict = follow(arm, tool, call, manner);
+        verdict = follow(parts, call, manner);
     } catch (const BadRequest&) {
     }
     ++counts.received;
@@ -63,16 +81,16 @@ void take(Arm& arm, const Tool& tool, const Call& call, const Manner& manner, Co
     // A wrong stream is refused a thousand times a second: only its first refusal is printed.
     if (std::exchange(counts.last, verdict) != verdict && !followed)
         note(call.client->name() + ": " + manner.name + ": set-point refused: " + reason(verdict));
-    if (manner.passed_on || !followed) call.client->send(report(arm, tool, manner, verdict));
+    if (manner.passed_on || !followed) call.client->send(report(parts.arm, parts.tool, manner, verdict));
 }
 
 }  // namespace
 
-void add_streaming_commands(CommandTable& table, Arm& arm, const Tool& tool) {
+void add_streaming_commands(CommandTable& table, Arm& arm, const Tool& tool, LinearAxis& expansion) {
     const auto counts = std::make_shared<Counts>();
+    const Streaming parts{arm, tool, expansion};
     for (const Manner& manner : kManners)
-        table.order(manner.name,
-                    [&arm, &tool, counts, manner](const Call& call) { take(arm, tool, call, manner, *counts); });
+        table.order(manner.name, [parts, counts, manner](const Call& call) { take(parts, call, manner, *counts); });
     table.query("zk_sim_stream", "zk_sim_stream", [counts](const Call&) {
         return Json{{"received", counts->received}, {"refused", counts->refused}};
     });

@@ -88,11 +88,15 @@ void add_counters(CommandTable& table, const SimulatedTime& time, Arm& arm) {
 }
 
 // The network settings of clients, stored and returned. They do not change the host's interfaces.
-struct Network {
-    std::string ip = "192.168.1.18";
+struct Card {
+    std::string ip, mac, gateway;
     std::string mask = "255.255.255.0";
-    std::string gateway = "192.168.1.1";
-    std::string mac = "02:00:00:00:00:18";
+};
+
+struct Network {
+    Card wired{"192.168.1.18", "02:00:00:00:00:18", "192.168.1.1"};
+    Card high_speed{"192.168.2.18", "02:00:00:00:00:28", "192.168.2.1"};
+    Card wifi{"192.168.3.18", "02:00:00:00:00:38", "192.168.3.1"};
     int wifi_channel = 0;
     std::string wifi_mode = "off";
     std::string ssid, password;
@@ -115,19 +119,20 @@ void add_ethernet(CommandTable& table, const std::shared_ptr<Network>& net) {
     });
     table.set("set_high_ethernet", "state", [net](const Call& call) {
         const std::string ip = address(call.request, "ip"), mask = address(call.request, "mask");
-        net->gateway = address(call.request, "gateway");
-        net->ip = ip;
-        net->mask = mask;
+        net->high_speed.gateway = address(call.request, "gateway");
+        net->high_speed.ip = ip;
+        net->high_speed.mask = mask;
         return true;
     });
     table.query("get_high_ethernet", "get_high_ethernet", [net](const Call&) {
-        return Json{{"ip", net->ip}, {"mask", net->mask}, {"gateway", net->gateway}, {"mac", net->mac}};
+        const Card& card = net->high_speed;
+        return Json{{"ip", card.ip}, {"mask", card.mask}, {"gateway", card.gateway}, {"mac", card.mac}};
     });
     table.query("get_wired_net", "get_wired_net", [net](const Call&) {
-        return Json{{"ip", net->ip}, {"mask", net->mask}, {"mac", net->mac}};
+        return Json{{"ip", net->wired.ip}, {"mask", net->wired.mask}, {"mac", net->wired.mac}};
     });
     table.set("set_NetIP", "status", [net](const Call& call) {
-        net->ip = address(call.request, "ip");
+        net->wired.ip = address(call.request, "ip");
         return true;
     });
     table.set("set_net_default", "net_default_state", [net](const Call&) {
@@ -149,9 +154,9 @@ void add_wireless_and_serial(CommandTable& table, const std::shared_ptr<Network>
     table.order("set_wifi_sta", [set_wifi](const Call& call) { set_wifi(call, "router_name", "sta"); });
     table.query("get_wifi_net", "get_wifi_net", [net](const Call&) {
         return Json{{"channel", net->wifi_channel},
-                    {"ip", net->ip},
-                    {"mac", net->mac},
-                    {"mask", net->mask},
+                    {"ip", net->wifi.ip},
+                    {"mac", net->wifi.mac},
+                    {"mask", net->wifi.mask},
                     {"mode", net->wifi_mode},
                     {"password", net->password},
                     {"ssid", net->ssid}};

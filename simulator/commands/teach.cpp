@@ -46,8 +46,10 @@ bool stop_jog(MotionQueue& motion, const Call&) {
 
 // -------------------------------------------------------------------------------------------------------- One joint --
 
+enum class Extent { kWhole, kAsFarAsClear };
+
 // `end` maps the current position of the joint to its target.
-Move joint_move(const Arm& arm, const Call& call, int number, const std::function<double(double)>& end) {
+Move joint_move(const Arm& arm, const Call& call, int number, Extent extent, const std::function<double(double)>& end) {
     if (number < 1 || number > static_cast<int>(arm.joint_count()))
         throw BadRequest(call.request.command() + ": a joint that the arm has not");
     const auto target = [joint = static_cast<size_t>(number - 1), end](JointVector joints) {
@@ -57,10 +59,11 @@ Move joint_move(const Arm& arm, const Call& call, int number, const std::functio
     Move move;
     move.type = "movej";
     move.status = "move_J";
-    move.plan = [&arm, target, percent = percent_of(call)](const JointVector& start) {
-        const std::string reason = arm.reason_not_to_move_to(target(start));
+    move.plan = [&arm, target, extent, percent = percent_of(call)](const JointVector& start) {
+        const JointVector end = target(start);
+        const std::string reason = arm.reason_not_to_move_to(end);
         if (!reason.empty()) throw NoPath(reason);
-        return arm.joint_path(start, target(start), percent);
+        return arm.joint_path(start, extent == Extent::kWhole ? end : arm.clear_until(start, end), percent);
     };
     return move;
 }
@@ -72,13 +75,14 @@ bool jog_joint(Arm& arm, const Call& call) {
         const JointLimits& limits = arm.limits[static_cast<size_t>(number - 1)];
         return (up ? limits.max_pos : limits.min_pos) / 1000.0;
     };
-    return start_jog(arm, call, joint_move(arm, call, number, limit));
+    return start_jog(arm, call, joint_move(arm, call, number, Extent::kAsFarAsClear, limit));
 }
 
 bool step_joint(Arm& arm, const Call& call) {
     const std::vector<double> step = call.request.numbers("joint_step", 2);
     const int number = static_cast<int>(std::clamp(step[0], 0.0, 100.0));
-    return start_step(arm, call, joint_move(arm, call, number, [=](double joint) { return joint + step[1] / 1000; }));
+    const auto target = [=](double joint) { return joint + step[1] / 1000; };
+    return start_step(arm, call, joint_move(arm, call, number, Extent::kWhole, target));
 }
 
 // --------------------------------------------------------------------------------------------------------- The tool --
@@ -110,7 +114,8 @@ Axis requested_axis(const Request& request, const char* key, const char* suffix,
     throw BadRequest(request.command() + ": no axis '" + requested + "'");
 }
 
-// How far the tool can go at full speed before a joint reaches its limit or maximum speed, in whole steps.
+// How far the tool can go at full speed before a joint reaches its limit or maximum speed or the arm a hazard, in whole
+// steps.
 double reach(const Arm& arm, const Tool& tool, const Axis& axis, double direction, JointVector joints) {
     constexpr double kSpeedShare = 0.9;  // of a joint's limit, since the speed varies between two points
     const double step = axis.turn ? 0.02 : 0.005, most = axis.turn ? 2 * std::numbers::pi : 2.0;
@@ -120,7 +125,7 @@ double reach(const Arm& arm, const Tool& tool, const Axis& axis, double directio
     const KDL::Frame start = around.tool_of(arm.flange_at(joints));
     for (double amount = 0; amount < most; amount += step) {
         const auto next = arm.joints_at(around.flange_of(displaced(start, axis, direction * (amount + step))), joints);
-        if (!next) return amount;
+        if (!next || arm.clear_until(joints, *next) != *next) return amount;
         for (size_t i = 0; i < joints.size(); ++i) {
             const double speed = std::abs((*next)[i] - joints[i]) / seconds;
             if (speed > kSpeedShare * arm.limits[i].speed()) return amount;

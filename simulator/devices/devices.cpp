@@ -14,26 +14,20 @@ constexpr double kChargeRate = 1;          // percent of the battery per second
 // ------------------------------------------------------------------------------------------------------------ Slide --
 
 void Slide::go(double target, double speed) {
-    start_ = position_;
-    direction_ = target < start_ ? -1 : 1;
-    profile_ = Profile::between_rests(std::abs(target - start_), speed, acc);
-    time_ = 0;
+    target_ = target;
+    most_ = speed;
 }
 
 void Slide::brake() {
-    const double speed = profile_.speed(time_);
-    const double left = profile_.length() - profile_.distance(time_);
-    const Profile braking = Profile::braking(speed, acc);
-    if (braking.length() >= left) return;  // its own final ramp is shorter
-    start_ = position_;
-    profile_ = braking;
-    time_ = 0;
+    const double way = braking_distance(speed_, acc);
+    const bool arrives_first = way * left() > 0 && std::abs(way) >= std::abs(left());
+    if (!arrives_first) target_ = position_ + way;
 }
 
 void Slide::step(double seconds) {
     if (!moving()) return;
-    time_ += seconds;
-    position_ = start_ + direction_ * profile_.distance(time_);
+    speed_ = pursuit_speed(speed_, left(), {most_, acc}, seconds);
+    approach(position_, target_, speed_, seconds);
 }
 
 // --------------------------------------------------------------------------------------------------------- Audience --
@@ -141,7 +135,9 @@ void MobileBase::drive(int linear, int angular) {
     state_ = linear != 0 || angular != 0 ? State::kDrives : State::kRests;
 }
 
+// An order to the station to which it drives already changes its speed alone.
 void MobileBase::go_to_station(int station, int speed) {
+    if (state_ == State::kNavigates && station == target_) return way_.go(way_.position() + way_.left(), speed);
     target_ = station;
     const double x = station * kStationDistance - place_.x, y = -place_.y;
     place_.heading = std::atan2(y, x);
@@ -151,7 +147,9 @@ void MobileBase::go_to_station(int station, int speed) {
     state_ = State::kNavigates;
 }
 
-void MobileBase::charge(bool on) { state_ = on ? State::kCharges : State::kRests; }
+void MobileBase::charge(bool on) {
+    if (on || state_ == State::kCharges) state_ = on ? State::kCharges : State::kRests;
+}
 
 void MobileBase::stand_at(int station) {
     station_ = station;

@@ -5,31 +5,30 @@
 #include <memory>
 #include <optional>
 
-#include "motion/profile.h"
+#include "motion/pursuit.h"
 #include "wire/arrival_report.h"
 
 namespace sim {
 
-// A value that moves to a target, in units of its own. A new target restarts it from rest.
+// A value that moves to a target, in units of its own. To a new target it goes on from the speed that it has.
 class Slide {
  public:
-    explicit Slide(double acc, double position = 0) : acc(acc), position_(position) {}
+    explicit Slide(double acc, double position = 0) : acc(acc), position_(position), target_(position) {}
 
     void go(double target, double speed);
     void brake();
     void step(double seconds);
 
     double position() const { return position_; }
-    bool moving() const { return time_ < profile_.duration(); }
+    bool moving() const { return position_ != target_ || speed_ != 0; }
+    double left() const { return target_ - position_; }
 
     double acc;  // per second squared
 
  private:
-    double position_;
-    double start_ = 0;
-    double direction_ = 1;
-    Profile profile_;
-    double time_ = 0;
+    double position_, target_;
+    double speed_ = 0;
+    double most_ = 0;  // of the speed
 };
 
 // The client that gets the report at the end of a device's motion.

@@ -44,6 +44,22 @@ JointVector sampled(const std::vector<JointVector>& samples, double time) {
     return joints;
 }
 
+// How many times longer it has to take, so that the joints keep within their speeds.
+double slowing_of(const Course& course, const Arm& arm) {
+    constexpr double kStep = 0.005, kShare = 0.99;  // seconds; of the speed limits, since it varies within a step
+    double slowing = 1;
+    JointVector before = course.at(0);
+    for (double time = kStep; time < course.seconds; time += kStep) {
+        const JointVector joints = course.at(time);
+        for (size_t i = 0; i < joints.size(); ++i) {
+            const double speed = std::abs(joints[i] - before[i]) / kStep;
+            slowing = std::max(slowing, speed / (kShare * arm.limits[i].speed()));
+        }
+        before = joints;
+    }
+    return slowing;
+}
+
 }  // namespace
 
 void DragTeach::start(bool record, const std::string& status) {
@@ -67,6 +83,7 @@ void DragTeach::stop() {
 void DragTeach::lead(const HandLeg& leg) { legs_.push_back(leg); }
 
 void DragTeach::step(double seconds) {
+    if (active_ && !arm_.reason_to_brake().empty()) stop();
     if (!active_) return;
     if (leg_seconds_ == 0 && !legs_.empty()) begin_leg();
     if (leg_seconds_ > 0) {
@@ -74,13 +91,22 @@ void DragTeach::step(double seconds) {
         const double share = eased(leg_time_ / leg_seconds_);
         JointVector joints(from_);
         for (size_t i = 0; i < joints.size(); ++i) joints[i] += share * (legs_.front().joints[i] - from_[i]);
-        arm_.drag_to(joints);
+        arm_.drag_to(within_limits(joints));
         if (leg_time_ == leg_seconds_) {
             legs_.pop_front();
             leg_seconds_ = 0;
         }
     }
     record(seconds);
+}
+
+// A joint that is beyond its limit goes no further.
+JointVector DragTeach::within_limits(JointVector joints) const {
+    for (size_t i = 0; i < joints.size(); ++i) {
+        const double now = arm_.joints()[i], low = arm_.limits[i].min_pos / 1e3, high = arm_.limits[i].max_pos / 1e3;
+        joints[i] = std::clamp(joints[i], std::min(low, now), std::max(high, now));
+    }
+    return joints;
 }
 
 void DragTeach::begin_leg() {
@@ -107,6 +133,7 @@ Path DragTeach::replay(const JointVector& start) const {
         return joints;
     };
     path.speed = 1 / duration;
+    path.speed /= slowing_of({[&](double time) { return path.at(time / duration); }, duration}, arm_);
     path.acc = 2 * path.speed / kRampSeconds;
     return path;
 }

@@ -32,7 +32,8 @@ class DragTeach {
     // The joints of the last recording, sampled every kSampleMs, and those at its end.
     const std::vector<JointVector>& recording() const { return recording_; }
 
-    // The recording as a path at its recorded pace. It starts near the current joints.
+    // The recording as a path at its recorded pace, or slower where the limits demand it. It starts near the current
+    // joints.
     Path replay(const JointVector& start) const;
 
     std::vector<HandLeg> script;  // restarts with each start
@@ -40,6 +41,7 @@ class DragTeach {
 
  private:
     void begin_leg();
+    JointVector within_limits(JointVector joints) const;
     void record(double seconds);
 
     Arm& arm_;

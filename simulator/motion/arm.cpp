@@ -19,8 +19,8 @@ JointLimits wire_limits(const JointRange& range) {
 Arm::Arm(const RobotModel& model, const JointVector& joints)
     : model_(model), kinematics_(model), joints_(joints), ordered_(joints), states_(model.joint_count()) {
     for (const JointRange& joint : model.joints) range_.push_back(wire_limits(joint));
-    limits = drive_limits = range_;
-    motion_.check = [this](const Path& path) { check(path); };
+    limits = drive_limits = adopted_ = range_;
+    motion_.check = [this](const Course& course) { check(course); };
 }
 
 Path Arm::joint_path(const JointVector& start, const JointVector& target, double percent) const {
@@ -51,15 +51,16 @@ std::vector<Pace> Arm::paces() const {
     return paces;
 }
 
-void Arm::check(const Path& path) const {
+void Arm::check(const Course& course) const {
     constexpr double kStep = 0.005, kMostSteps = 2000;
     constexpr double kRounding = 1e-6;  // degrees
-    const Profile profile = path.profile();
-    const double step = std::max(kStep, profile.duration() / kMostSteps);
-    const JointVector start = path.at(0);
+    const double step = std::max(kStep, course.seconds / kMostSteps);
+    const JointVector start = course.at(0);
+    const Survey depths = survey();
+    const Depths allowed = depths ? depths(start) : Depths();
     JointVector before = start;
-    for (double time = step; time < profile.duration() + step; time += step) {
-        const JointVector joints = path.at(std::min(1.0, profile.distance(time)));
+    for (double time = step; time < course.seconds + step; time += step) {
+        const JointVector joints = course.at(time);
         for (size_t i = 0; i < joints.size(); ++i) {
             // A joint beyond its limit may move back.
             const bool inside = joints[i] >= std::min(start[i], limits[i].min_pos / 1000.0) - kHalfWireUnit &&
@@ -68,24 +69,92 @@ void Arm::check(const Path& path) const {
             if (std::abs(joints[i] - before[i]) > limits[i].speed() * step + kRounding)
                 throw NoPath("joint " + std::to_string(i + 1) + " would be too fast");
         }
+        if (const auto hazard = depths ? entered(allowed, depths(joints)) : std::nullopt) throw HazardousPath(*hazard);
         before = joints;
     }
+}
+
+JointVector Arm::clear_until(const JointVector& start, const JointVector& target) const {
+    constexpr double kStep = 0.5, kMostSteps = 400;  // degrees
+    const Survey depths = survey();
+    if (!depths) return target;
+    double turn = 0;
+    for (size_t i = 0; i < start.size(); ++i) turn = std::max(turn, std::abs(target[i] - start[i]));
+    const Depths allowed = depths(start);
+    const int steps = static_cast<int>(std::clamp(std::ceil(turn / kStep), 1.0, kMostSteps));
+    JointVector clear = start;
+    for (int step = 1; step <= steps; ++step) {
+        JointVector joints = target;
+        for (size_t i = 0; step < steps && i < joints.size(); ++i)
+            joints[i] = start[i] + (target[i] - start[i]) * step / steps;
+        if (entered(allowed, depths(joints))) return clear;
+        clear = joints;
+    }
+    return clear;
+}
+
+void Arm::hazards_changed() {
+    if (const Survey depths = survey()) allowed_ = depths(joints_);
+    check_motion_again();
+}
+
+// After an error the arm may leave the hazard that it has entered.
+void Arm::watch_hazards() {
+    const Survey depths = survey();
+    if (!depths) return;
+    const Depths now = depths(joints_);
+    if (arm_error_ != 0) {
+        allowed_ = now;
+        return;
+    }
+    auto hazard = entered(allowed_, now);
+    const bool led = dragged_ || !motion_.stream().resting();
+    if (!hazard && led) hazard = entered(allowed_, depths(stopping_place()));
+    if (hazard) set_errors(error_word(*hazard), system_error_);
+    for (size_t i = 0; i < kHazards; ++i) allowed_[i] = std::min(allowed_[i], now[i]);
+}
+
+JointVector Arm::stopping_place() const {
+    JointVector joints = joints_;
+    for (size_t i = 0; i < joints.size(); ++i) joints[i] += braking_distance(states_[i].speed, limits[i].acc());
+    return joints;
 }
 
 std::string Arm::reason_not_to_move_to(const JointVector& target) const {
     if (target.size() != joint_count())
         return std::to_string(target.size()) + " joints for an arm of " + std::to_string(joint_count());
-    for (size_t i = 0; i < target.size(); ++i) {
-        const double wire = target[i] * 1000;
+    const std::string broken = limit_broken_by(target);
+    return broken.empty() ? reason_not_to_move() : broken;
+}
+
+std::string Arm::limit_broken_by(const JointVector& joints) const {
+    for (size_t i = 0; i < joints.size(); ++i) {
+        const double wire = joints[i] * 1000;
         if (!(wire >= limits[i].min_pos - 0.5 && wire <= limits[i].max_pos + 0.5))
             return "joint " + std::to_string(i + 1) + " beyond its limit";
     }
-    return reason_not_to_move();
+    return {};
+}
+
+void Arm::check_motion_again() {
+    adopted_ = limits;
+    try {
+        motion_.check_again(paces());
+        if (!motion_.stream().resting() && !limit_broken_by(motion_.stream().last(joints_)).empty()) motion_.stop();
+    } catch (const HazardousPath& path) {
+        set_errors(error_word(path.hazard), system_error_);
+    } catch (const NoPath&) {
+        motion_.stop();
+    }
 }
 
 std::string Arm::reason_not_to_move() const {
-    if (!powered_) return "the arm is powered off";
     if (dragged_) return "the arm is being dragged";
+    return reason_to_brake();
+}
+
+std::string Arm::reason_to_brake() const {
+    if (!powered_) return "the arm is powered off";
     if (arm_error_ != 0 || system_error_ != 0) return "the arm is in error";
     for (const JointState& state : states_) {
         if (state.error != 0) return "a joint is in error";
@@ -142,12 +211,14 @@ std::vector<int> Arm::currents() const {
 
 void Arm::step(double seconds) {
     const JointVector before = joints_;
+    if (limits != adopted_) check_motion_again();
     motion_.step(seconds, ordered_);
     joints_ = yielding ? yielding(ordered_) : ordered_;
     for (size_t i = 0; i < joints_.size(); ++i) {
         states_[i].speed = (joints_[i] - before[i]) / seconds;
         states_[i].odometer += std::abs(joints_[i] - before[i]);
     }
+    if (joints_ != before) watch_hazards();
 }
 
 std::vector<int> thousandths(const JointVector& joints) {

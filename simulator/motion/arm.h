@@ -9,6 +9,7 @@
 #include "motion/limits.h"
 #include "motion/motion_queue.h"
 #include "motion/robot_model.h"
+#include "motion/survey.h"
 
 namespace sim {
 
@@ -43,6 +44,7 @@ class Arm {
     // The pose of the flange in the arm's own base, now and with these joints.
     KDL::Frame flange() const { return flange_at(joints_); }
     KDL::Frame flange_at(const JointVector& joints) const { return kinematics_.flange_at(joints); }
+    std::vector<KDL::Frame> frames_at(const JointVector& joints) const { return kinematics_.frames_at(joints); }
     // The joints near `seed` and within their limits that put the flange at this pose; nothing if there are none.
     std::optional<JointVector> joints_at(const KDL::Frame& flange, const JointVector& seed) const {
         return kinematics_.joints_at(flange, seed, limits);
@@ -50,7 +52,7 @@ class Arm {
 
     // The mechanical limits. No other limit may exceed them.
     const std::vector<JointLimits>& range() const { return range_; }
-    std::vector<JointLimits> limits;        // in force
+    std::vector<JointLimits> limits;        // in force; a motion that would break new ones stops in the next step
     std::vector<JointLimits> drive_limits;  // of the drives, stored but not enforced
 
     // A path straight in joint space at `percent` of the speed limits.
@@ -58,12 +60,22 @@ class Arm {
 
     std::vector<Pace> paces() const;  // of all joints, at their limits
 
-    // Checks a path in advance. Throws NoPath where a joint would leave its limits or exceed its speed.
-    void check(const Path& path) const;
+    // Throws NoPath where a joint would leave its limits or exceed its speed, or the arm would enter a hazard.
+    void check(const Course& course) const;
+
+    // The last place on the straight way from `start` at which the arm has entered no hazard.
+    JointVector clear_until(const JointVector& start, const JointVector& target) const;
+
+    // What the arm must keep clear of. A motion into a hazard stops with the hazard's error word.
+    std::function<Survey()> hazards;
+    // Call it when other hazards hold than in the last step.
+    void hazards_changed();
 
     // Why the arm would not move to `target`, or an empty text.
     std::string reason_not_to_move_to(const JointVector& target) const;
     std::string reason_not_to_move() const;
+    // Why its joints are held by their brakes: power, errors, joints that are disabled; or an empty text.
+    std::string reason_to_brake() const;
 
     bool powered() const { return powered_; }
     void set_power(bool on);
@@ -96,12 +108,20 @@ class Arm {
     void step(double seconds);
 
  private:
+    std::string limit_broken_by(const JointVector& joints) const;
+    Survey survey() const { return hazards ? hazards() : Survey(); }
+    void check_motion_again();
+    void watch_hazards();
+    JointVector stopping_place() const;
+
     RobotModel model_;
     Kinematics kinematics_;
     JointVector joints_;
     JointVector ordered_;
     std::vector<JointState> states_;
     std::vector<JointLimits> range_;
+    std::vector<JointLimits> adopted_;  // the limits in the last step
+    Depths allowed_{};  // in the hazards: where the arm stood when they began to hold, or has left since
     MotionQueue motion_;
     bool powered_ = true;
     bool dragged_ = false;

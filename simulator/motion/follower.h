@@ -4,21 +4,16 @@
 #include <string>
 #include <vector>
 
+#include "motion/pursuit.h"
 #include "motion/robot_model.h"
 
 namespace sim {
 
-// The limits of a joint's motion in degrees per second and per second squared.
-struct Pace {
-    double speed;
-    double acc;
-};
-
 struct SetPoint {
     JointVector joints;
-    std::vector<Pace> paces;
-    bool direct;         // only the speed limit holds; otherwise the acceleration limit too
-    std::string status;  // in the real-time push
+    std::vector<Pace> paces;  // degrees
+    bool direct;              // only the speed limit holds; otherwise the acceleration limit too
+    std::string status;       // in the real-time push
 };
 
 // Follows the set-points that a client streams. Without new ones the joints come to rest at the last.
@@ -27,8 +22,10 @@ class Follower {
     // Replaces the set-point by a new one. False after a stop until the stream has paused.
     bool follow(SetPoint set_point);
 
-    // A joint brakes at its acceleration limit; with direct set-points it rests at the last one.
+    // A joint brakes at its acceleration limit; with direct set-points it rests at once.
     void stop();
+
+    void set_paces(const std::vector<Pace>& paces) { set_point_.paces = paces; }
 
     void step(double seconds, JointVector& joints);
 

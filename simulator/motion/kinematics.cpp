@@ -74,6 +74,16 @@ KDL::Frame Kinematics::flange_at(const JointVector& joints) const {
     return flange;
 }
 
+std::vector<KDL::Frame> Kinematics::frames_at(const JointVector& joints) const {
+    std::vector<KDL::Frame> frames{KDL::Frame::Identity()};
+    size_t joint = 0;
+    for (const KDL::Segment& segment : solvers_->chain.segments) {
+        const bool turns = segment.getJoint().getType() != KDL::Joint::None;
+        frames.push_back(frames.back() * segment.pose(turns ? joints[joint++] * kRadians : 0));
+    }
+    return frames;
+}
+
 // When the solver stalls, a start with a slightly turned elbow often succeeds.
 std::optional<JointVector> Kinematics::joints_at(const KDL::Frame& flange, const JointVector& seed,
                                                  const std::vector<JointLimits>& limits) const {

@@ -19,6 +19,8 @@ class Kinematics {
     Kinematics& operator=(const Kinematics&) = delete;
 
     KDL::Frame flange_at(const JointVector& joints) const;
+    // The places of the joints and of the flange, from the base on. Some stand at the same place.
+    std::vector<KDL::Frame> frames_at(const JointVector& joints) const;
 
     // The joints near `seed`, in degrees and within the limits, that put the flange at this pose; nothing if there are
     // none.

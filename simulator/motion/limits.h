@@ -12,6 +12,7 @@ struct JointLimits {
 
     double speed() const { return max_speed * kDegrees; }  // degrees per second
     double acc() const { return max_acc * kDegrees; }      // degrees per second squared
+    bool operator==(const JointLimits&) const = default;
 
     static constexpr double kDegrees = 6.0 / 1000;  // one revolution per minute is six degrees per second
 };

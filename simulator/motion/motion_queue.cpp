@@ -23,8 +23,9 @@ void MotionQueue::add(Move move, const JointVector& joints) {
     const bool joined = move.connect != 0;
     if (size() >= kMostMoves || (joined && joined_.size() >= kMostJoined)) throw NoPath("too many moves wait");
     Trajectory longer = joined_;
+    if (longer.outdated()) longer.replan(longer.start());
     longer.add(std::move(move), end(joints));
-    if (longer.size() > 1 && check) check(longer.path());
+    if (check) check(longer.path().course());
     if (!joined) waiting_.push_back(std::exchange(longer, {}));
     joined_ = std::move(longer);
 }
@@ -34,6 +35,18 @@ JointVector MotionQueue::end(const JointVector& joints) const {
     if (!waiting_.empty()) return waiting_.back().end();
     const bool arrives = brake_ == Brake::kNone || brake_ == Brake::kPause;
     return running_ && arrives ? running_->path.at(1) : stream_.last(joints);
+}
+
+void MotionQueue::check_again(const std::vector<Pace>& paces) {
+    for (Trajectory& trajectory : waiting_) trajectory.outdate();
+    joined_.outdate();
+    stream_.set_paces(paces);
+    if (running_ && check) check(running_->rest());
+}
+
+void MotionQueue::drop_joined_of(const std::shared_ptr<Client>& client) {
+    const Move* last = joined_.last();
+    if (last && last->client.lock() == client) drop(std::exchange(joined_, {}));
 }
 
 void MotionQueue::stop() {
@@ -59,6 +72,17 @@ void MotionQueue::delete_current() {
         waiting_.pop_front();
     } else {
         drop(std::exchange(joined_, {}));
+    }
+}
+
+void MotionQueue::remove(const void* owner) {
+    if (running_ && running_->trajectory.last()->owner == owner) delete_current();
+    for (Trajectory& trajectory : std::exchange(waiting_, {})) {
+        if (trajectory.last()->owner == owner) {
+            drop(trajectory);
+        } else {
+            waiting_.push_back(std::move(trajectory));
+        }
     }
 }
 
@@ -90,6 +114,15 @@ const Move* MotionQueue::current() const {
     return waiting_.empty() ? nullptr : &waiting_.front().move_at(0);
 }
 
+const Move* MotionQueue::next_motion() const {
+    const auto moves = [](const Move* move) { return move && move->type != "none"; };
+    if (running_ && moves(current())) return current();
+    for (const Trajectory& trajectory : waiting_) {
+        if (moves(&trajectory.move_at(0))) return &trajectory.move_at(0);
+    }
+    return nullptr;
+}
+
 size_t MotionQueue::size() const {
     size_t moves = joined_.size() + (running_ ? running_->trajectory.size() : 0);
     for (const Trajectory& trajectory : waiting_) moves += trajectory.size();
@@ -118,8 +151,9 @@ void MotionQueue::begin(const JointVector& joints) {
     Trajectory trajectory = std::move(waiting_.front());
     waiting_.pop_front();
     try {
-        if (!same_place(trajectory.start(), joints)) trajectory.replan(joints);
+        if (trajectory.outdated() || !same_place(trajectory.start(), joints)) trajectory.replan(joints);
         Path path = trajectory.path();
+        if (check) check(path.course());
         const Profile profile = path.profile();
         running_ = Running{std::move(trajectory), std::move(path), profile, 0, 0};
     } catch (const NoPath&) {

@@ -18,8 +18,8 @@ class MotionQueue {
     // Called for every move that ends, at its target or dropped before it.
     std::function<void(const Move&, bool arrived)> on_end;
 
-    // Throws NoPath for a path that the arm may not run.
-    std::function<void(const Path&)> check;
+    // Throws NoPath for a course that the arm may not run.
+    std::function<void(const Course&)> check;
 
     // Plans a move from the end of the queued ones; `joints` are the current ones. A joined move waits for one that is
     // not joined; then all run as one trajectory. Throws NoPath and changes nothing when no path exists or too many
@@ -37,10 +37,18 @@ class MotionQueue {
     bool follow(SetPoint set_point) { return !current() && stream_.follow(std::move(set_point)); }
     const Follower& stream() const { return stream_; }
 
+    // What `check` looks at has changed: the moves that wait are planned anew before they start. `paces` are those of
+    // the joints now. Throws NoPath if the running trajectory may not go on.
+    void check_again(const std::vector<Pace>& paces);
+
+    // Drops the joined moves of this client that wait for their successor.
+    void drop_joined_of(const std::shared_ptr<Client>& client);
+
     // These brake on the path. Dropped moves are reported when the arm has come to rest.
     void stop();
     void slow_stop();
     void delete_current();
+    void remove(const void* owner);  // the moves of this owner
     void delete_all() { stop(); }
 
     // False if there is nothing to pause, or nothing is paused.
@@ -51,6 +59,8 @@ class MotionQueue {
 
     // The running move, or the next one; null if there is none.
     const Move* current() const;
+    // The same, but behind waits the move that they delay.
+    const Move* next_motion() const;
     size_t size() const;  // moves, joined ones included
     bool idle() const { return !current() && stream_.resting(); }
 
@@ -72,6 +82,7 @@ class MotionQueue {
         double time;     // in this profile
 
         double position() const { return std::min(1.0, covered + profile.distance(time)); }
+        Course rest() const { return path.course(profile, covered, time); }
     };
 
     void begin(const JointVector& joints);

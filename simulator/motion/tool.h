@@ -28,14 +28,13 @@ class Tool {
 
     KDL::Frame pose() const;            // of the current tool in the current work frame
     KDL::Frame mounted_flange() const;  // in the room
+    KDL::Frame room_T_base() const;
 
     // The joints near `seed` and within their limits that put the tool at this pose in the work frame; nothing if there
     // are none.
     std::optional<JointVector> joints_at(const KDL::Frame& pose, const JointVector& seed) const;
 
  private:
-    KDL::Frame room_T_base() const;
-
     const Arm& arm_;
 };
 

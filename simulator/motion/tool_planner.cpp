@@ -56,7 +56,7 @@ Path ToolPlanner::along(const Curve& curve, const JointVector& start) const {
         path.at = [joints = std::make_shared<const Spline>(parameters, knots)](double s) { return joints->at(s); };
         if (!keeps_to(curve, path.at, pieces)) continue;
         set_pace(tools, knots, path);
-        arm_.check(path);
+        arm_.check(path.course());
         return path;
     }
     throw NoPath("the arm cannot follow the path");

@@ -37,6 +37,7 @@ void Trajectory::replan(const JointVector& start) {
         plan(leg);
         from = leg.path->at(1);
     }
+    outdated_ = false;
     schedule();
 }
 

@@ -16,6 +16,10 @@ class Trajectory {
     // Plans all moves anew. Throws NoPath.
     void replan(const JointVector& start);
 
+    // Its plan may no longer hold.
+    void outdate() { outdated_ = true; }
+    bool outdated() const { return outdated_ && !empty(); }
+
     bool empty() const { return legs_.empty(); }
     size_t size() const { return legs_.size(); }
     const JointVector& start() const { return legs_.front().start; }
@@ -47,6 +51,7 @@ class Trajectory {
     void schedule();
 
     std::vector<Leg> legs_;
+    bool outdated_ = false;
 };
 
 }  // namespace sim

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <utility>
 
 #include "wire/note.h"
@@ -17,6 +18,13 @@ bool is_motion(const Json& line) {
     const Json* command = line.find("command");
     return command && command->is_string() &&
            std::find(kMotions.begin(), kMotions.end(), command->text()) != kMotions.end();
+}
+
+// Whether the motion of this line is joined to the next.
+bool is_joined(const Json& line) {
+    const Json* connect = line.find("trajectory_connect");
+    return line.at("command").text() != "timer" && connect && connect->is_number() &&
+           std::trunc(connect->number()) != 0;
 }
 
 bool is_loop(const Json& line) {
@@ -51,40 +59,37 @@ std::vector<std::string> program_lines(const std::string& text) {
 }
 
 int first_wrong_line(const std::vector<std::string>& lines) {
-    int open_loops = 0;
+    int open_loops = 0, joined_line = 0;
     for (size_t i = 0; i < lines.size(); ++i) {
         if (is_blank(lines[i])) continue;
         const std::optional<Json> line = Json::parse(lines[i], true);
         bool good = line && line->is_object();
         if (good && line->contains("command")) good = is_motion(*line);
+        if (good && line->contains("command")) joined_line = is_joined(*line) ? static_cast<int>(i) + 1 : 0;
         if (good && line->contains("loop")) good = is_loop(*line), ++open_loops;
         if (good && line->contains("end_loop")) good = --open_loops >= 0;
         if (!good) return static_cast<int>(i) + 1;
     }
-    return open_loops == 0 ? 0 : static_cast<int>(lines.size());
+    return open_loops == 0 ? joined_line : static_cast<int>(lines.size());
 }
 
 // Sends the orders of a program and receives their reports.
 class Programs::Orders : public Client {
  public:
     void send(const Json& message) override {
-        if (message.contains("trajectory_state")) {
-            waiting_ = false;
-            if (!message.at("trajectory_state").boolean()) refused_ = true;
-            return;
-        }
+        if (message.contains("trajectory_state")) return end(message.at("trajectory_state").boolean());
         answered_ = true;
         for (const auto& [key, value] : message.members()) {
             if (value.is_boolean() && !value.boolean()) refused_ = true;
         }
     }
     std::string name() const override { return "program"; }
+    void timer_ended(bool ran_out) override { end(ran_out); }
 
-    // A motion is reported at its end, unless it is joined to the next.
+    // The end of a motion is reported, unless it is joined to the next.
     void send(const Dispatcher& dispatcher, const Json& order, const std::shared_ptr<Client>& self) {
         answered_ = false;
-        const Json& connect = order.at("trajectory_connect");
-        waiting_ = order.at("command").text() != "timer" && connect.is_number() && connect.number() == 0;
+        waiting_ = !is_joined(order);
         dispatcher.handle(order.dump(), self);
         if (!answered_) refused_ = true;
     }
@@ -92,6 +97,11 @@ class Programs::Orders : public Client {
     bool refused() const { return refused_; }
 
  private:
+    void end(bool whole) {
+        waiting_ = false;
+        if (!whole) refused_ = true;
+    }
+
     bool answered_ = false;
     bool waiting_ = false;
     bool refused_ = false;
@@ -109,13 +119,19 @@ bool Programs::next() {
     return true;
 }
 
+void Programs::stop() {
+    if (run_) run_->stopped = true;
+}
+
 void Programs::step() {
+    const MotionQueue& motion = arm_.motion();
     for (int lines = 0; run_ && lines < kMaxLinesAStep; ++lines) {
         Run& run = *run_;
-        if (run.orders->refused()) return end(false);
-        if (run.orders->waiting() || run.held) return;
+        const bool stopped = run.stopped || !arm_.reason_not_to_move().empty();
+        if (run.orders->refused() || (stopped && motion.idle())) return end(false);
+        if (stopped || run.orders->waiting() || run.held) return;
         if (run.line == run.program.lines.size()) {
-            if (arm_.motion().idle()) end(true);
+            if (motion.idle()) end(true);
             return;
         }
         const std::string& text = run.program.lines[run.line++];
@@ -140,6 +156,7 @@ void Programs::step() {
 // Only a program that reached its end reports that, so that no client takes an aborted one for done.
 void Programs::end(bool finished) {
     const Run run = *std::exchange(run_, std::nullopt);
+    arm_.motion().drop_joined_of(run.orders);
     if (!finished) note("program " + run.program.name + ": ended before its end");
     const auto starter = run.starter.lock();
     if (finished && starter) starter->send({{"state", "program_run_finish"}, {"finish_id", run.program.id}});

@@ -22,7 +22,8 @@ struct Program {
     std::vector<std::string> lines;
 };
 
-// The lines of a program's text and the number, from 1, of the first invalid one; 0 if all are valid.
+// The lines of a program's text and the number, from 1, of the first invalid one; 0 if all are valid. The last motion
+// must not wait to be joined to another.
 std::vector<std::string> program_lines(const std::string& text);
 int first_wrong_line(const std::vector<std::string>& lines);
 
@@ -30,7 +31,7 @@ int first_wrong_line(const std::vector<std::string>& lines);
 class Programs {
  public:
     // The lines of a program are requests to the dispatcher that move the arm.
-    Programs(const Dispatcher& dispatcher, const Arm& arm) : dispatcher_(dispatcher), arm_(arm) {}
+    Programs(const Dispatcher& dispatcher, Arm& arm) : dispatcher_(dispatcher), arm_(arm) {}
 
     static constexpr int kMaxId = 200;
 
@@ -43,6 +44,8 @@ class Programs {
     bool runs(int id) const { return run_ && run_->program.id == id; }
     // Runs the next line in step mode. False if the program does not wait for it.
     bool next();
+    // Ends the running program before its end, as soon as the arm rests.
+    void stop();
 
     // Orders the next lines when the arm has finished the previous ones.
     void step();
@@ -66,13 +69,14 @@ class Programs {
         std::shared_ptr<Orders> orders;
         size_t line = 0;    // ordered next
         bool held = false;  // in step mode, until `next`
+        bool stopped = false;
         std::vector<Loop> loops = {};
     };
 
     void end(bool finished);
 
     const Dispatcher& dispatcher_;
-    const Arm& arm_;
+    Arm& arm_;
     std::optional<Run> run_;
 };
 

@@ -27,6 +27,10 @@ class Client {
     virtual void send(const Json& message) = 0;
     virtual std::string name() const = 0;
 
+    // A timer that this client ordered has run out, or was dropped. The wire has no report of that: only programs
+    // listen.
+    virtual void timer_ended(bool /*ran_out*/) {}
+
     // Passes the received bytes to the receiver until it needs no more.
     virtual void receive(const std::shared_ptr<Receiver>&) {}
 

@@ -59,6 +59,39 @@ TEST(Devices, MoveInTheirOwnTimeAndReportWhoMoved) {
     EXPECT_EQ(talk.ask("get_gripper_state").at("actpos"), 400);
 }
 
+// Orders of a stream come long before the device has reached the target of the one before.
+TEST(Devices, GoOnFromTheirSpeedWhenTheNextOrderComes) {
+    struct Stream {
+        const char* command;
+        std::function<Json(int)> keys;
+        int64_t every;  // simulated milliseconds
+        int orders;
+        const char* where;
+        int least;
+    };
+    const auto finger = [](int i) { return Json{{"hand_angle", {20 * i, -1, -1, -1, -1, -1}}}; };
+    const auto opening = [](int i) { return Json{{"position", 1000 - 20 * i}}; };
+    const auto speed = [](int) { return Json{{"speed", 100}}; };
+    const Stream streams[] = {
+        {"hand_follow_angle", finger, 20, 40, "/hand/hand_angle/0", 500},
+        {"set_gripper_position", opening, 20, 40, "", 500},
+        {"set_lift_speed", speed, 100, 15, "/lift_state/height", 300},
+    };
+    for (const auto& [command, keys, every, orders, where, least] : streams) {
+        Talk talk({"--quiet"});
+        push_all(talk);
+        Json state = talk.state();
+        for (int i = 1; i <= orders; ++i) {
+            talk.ask(command, keys(i));
+            for (const int64_t next = state.at("time").get<int64_t>() + every; state.at("time") < next;)
+                state = talk.state();
+        }
+        const int at = *where ? state.at(Json::json_pointer(where)).get<int>()
+                              : 1000 - talk.ask("get_gripper_state").at("actpos").get<int>();
+        EXPECT_GE(at, least) << command;
+    }
+}
+
 TEST(Devices, ReportOnlyToClientsThatWait) {
     Talk talk({"--quiet"});
     EXPECT_EQ(talk.ask("set_gripper_release", {{"speed", 1000}, {"block", 0}}).at("state"), true);
@@ -87,7 +120,8 @@ TEST(Devices, BaseTravelsToItsStationAndCharges) {
     const int battery = state.at("battery_volume");
     while (talk.ask("get_car_state").at("battery_volume") == battery) continue;
     EXPECT_EQ(talk.ask("set_car_move", {{"linear_speed", 1}, {"angular_speed", 0}}).at("set_state"), true);
-    EXPECT_EQ(talk.ask("get_car_state").at("car_state"), 1);
+    EXPECT_EQ(talk.ask("set_car_charge", {{"charge_state", 0}}).at("navigation_state"), true);
+    EXPECT_EQ(talk.ask("get_car_state").at("car_state"), 1) << "it does not charge, and drives on";
     EXPECT_EQ(talk.ask("set_car_move", {{"linear_speed", 0}, {"angular_speed", 0}}).at("set_state"), true);
     EXPECT_EQ(talk.ask("get_car_state").at("car_state"), 0);
 }

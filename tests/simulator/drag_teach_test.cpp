@@ -101,6 +101,24 @@ TEST_F(DragTeach, ADraggedArmRejectsMoves) {
     EXPECT_TRUE(talk.movej(home, 50));
 }
 
+TEST_F(DragTeach, EndsWhenTheArmBrakes) {
+    const std::pair<const char*, Json> brakes[] = {{"set_arm_power", {{"arm_power", 64}}},
+                                                   {"zk_sim_fault", {{"joint_err", {0, 0, 7, 0, 0, 0}}}}};
+    for (const auto& [command, keys] : brakes) {
+        ASSERT_TRUE(talk.ask("start_drag_teach", {{"trajectory_record", 1}}).at("drag_teach"));
+        const Joints start = talk.joints();
+        ASSERT_TRUE(lead(plus(start, 10), 10));
+        talk.samples_until([&](const Sample& sample) { return distance(sample.joints, start) > 0.1; });
+        talk.ask(command, keys);
+        talk.push.forget();
+        const Sample held = talk.sample();
+        EXPECT_FALSE(talk.ask("stop_drag_teach").at("drag_teach")) << command;
+        talk.samples_until([&](const Sample& sample) { return sample.time > held.time + 200; });
+        EXPECT_EQ(talk.joints(), held.joints) << command;
+        talk.ask("set_arm_power", {{"arm_power", 1}});
+    }
+}
+
 TEST(DragTeachByFile, FollowsTheScript) {
     const std::string path = testing::TempDir() + "hand_" + std::to_string(getpid());
     std::ofstream(path) << "# seconds, joints\n0.2, 0 0 0 0 0 0\n\n0, 5,5,5,5,5,5  # as soon as it can\n";

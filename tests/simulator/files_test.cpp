@@ -65,6 +65,8 @@ TEST(Files, OfProgramsAreCheckedLineByLine) {
         {"{\"loop\":0}\n{\"end_loop\":true}", 1},
         {"{\"end_loop\":true}", 1},
         {"{}\n{\"loop\":2}\n{}", 3},
+        {"{\"command\":\"movej\",\"trajectory_connect\":1}\n{\"command\":\"timer\",\"wait_time\":1}", 0},
+        {"{\"command\":\"timer\",\"wait_time\":1}\n{\"command\":\"movej\",\"trajectory_connect\":1}\n{}", 2},
     };
     for (const auto& [text, line] : texts) {
         EXPECT_EQ(talk.ask("run_project", program(text.size())).at("project_state"), true);

@@ -236,13 +236,85 @@ TEST(Motion, PowerOffStopsTheArm) {
 
 TEST(Motion, TheTimerDelaysTheNextMove) {
     Talk talk(kCycleOption);
-    ASSERT_TRUE(talk.ask("timer", {{"wait_time", 400}}).at("wait_time"));
+    ASSERT_TRUE(talk.ask("timer", {{"wait_time", 1000}}).at("wait_time"));
     const std::vector<double> target = plus(talk.joints(), 1);
     const int64_t asked = talk.sample().time;
     ASSERT_TRUE(talk.movej(target, 100));
+    const Json coming = talk.ask("get_arm_current_trajectory");
+    EXPECT_EQ(coming.at("type"), "movej");
+    EXPECT_EQ(coming.at("data"), thousandths(target));
     EXPECT_TRUE(talk.read_arrival());
     EXPECT_GE(talk.samples_until([&](const Sample& s) { return s.joints[0] > target[0] - 0.001; }).back().time,
-              asked + 380);
+              asked + 980);
+}
+
+// Of joint 1, in thousandths.
+void set_limit(Talk& talk, const std::string& name, int limit) {
+    ASSERT_TRUE(talk.ask("set_" + name, {{name, {1, limit}}}).at(name));
+}
+
+const Joints kHome{0, -20, -60, 15, -40, 20}, kNear{10, -20, -60, 15, -40, 20}, kFar{120, -20, -60, 15, -40, 20};
+const std::vector<std::string> kAtHome{"--quiet", "--joints", "0,-20,-60,15,-40,20"};
+
+bool add_waypoint(Talk& talk, const Joints& point) {
+    return talk.ask("add_waypoint", {{"joint", thousandths(point)}}).at("waypoint_state");
+}
+
+TEST(Motion, NoneLeavesTheLimitsThatHoldWhenItMoves) {
+    const Json jog{{"teach_joint", 1}, {"direction", "pos"}, {"v", 100}};
+    const Json point{{"joint", thousandths(kFar)}}, lead{{"seconds", 0}, {"joint", {45, -20, -60, 15, -40, 20}}};
+    const std::pair<const char*, std::function<void(Talk&)>> motions[] = {
+        {"a move", [](Talk& talk) { talk.movej(kFar, 100); }},
+        {"one that waits", [](Talk& talk) { talk.movej(kNear, 100), talk.movej(kFar, 100); }},
+        {"joined moves", [](Talk& talk) { talk.movej(kNear, 100, 1), talk.movej(kFar, 100); }},
+        {"waypoints",
+         [](Talk& talk) {
+             add_waypoint(talk, kFar), talk.ask("start_waypoint", {{"frequency", 1}});
+         }},
+        {"a jog", [&](Talk& talk) { talk.ask("set_joint_teach", jog); }},
+        {"a stream", [&](Talk& talk) { talk.send("movej_follow", point); }},
+        {"a hand",
+         [&](Talk& talk) {
+             talk.ask("start_multi_drag_teach", {{"mode", 0}, {"singular_wall", 0}}), talk.ask("zk_sim_hand", lead);
+         }},
+    };
+    for (const auto& [what, start] : motions) {
+        Talk talk(kAtHome);
+        set_limit(talk, "joint_max_speed", 4500);  // 27 degrees per second
+        start(talk);
+        const Sample first = talk.samples_until([](const Sample& sample) { return sample.joints[0] > 0.1; }).back();
+        talk.send("set_joint_max_pos", {{"joint_max_pos", {1, 30000}}});
+        for (const Sample& sample : talk.samples_until([&](const Sample& s) { return s.time > first.time + 2800; }))
+            ASSERT_LE(sample.joints[0], 30) << what;
+    }
+}
+
+TEST(Motion, LimitsHoldForWhatWasStoredOrQueuedBefore) {
+    Talk talk(kAtHome);
+    ASSERT_TRUE(add_waypoint(talk, kFar));
+    set_limit(talk, "joint_max_pos", 30000);
+    EXPECT_FALSE(talk.ask("start_waypoint", {{"frequency", 100}}).at("waypoint_state"));
+    set_limit(talk, "joint_max_pos", 170000);
+    ASSERT_TRUE(talk.ask("timer", {{"wait_time", 1500}}).at("wait_time"));
+    ASSERT_TRUE(talk.movej(kFar, 100));
+    set_limit(talk, "joint_max_speed", 10000);
+    EXPECT_TRUE(talk.read_arrival());
+    EXPECT_LE(peaks_of(talk.samples_until([](const Sample& s) { return s.joints == kFar; }), 0).speed, 60.3);
+}
+
+TEST(Motion, AStopOfTheWaypointsLeavesOtherMoves) {
+    Talk talk(kAtHome);
+    ASSERT_TRUE(add_waypoint(talk, kFar));
+    ASSERT_TRUE(talk.movej(kNear, 20));
+    ASSERT_TRUE(talk.ask("start_waypoint", {{"frequency", 1}}).at("waypoint_state"));
+    ASSERT_TRUE(talk.ask("stop_waypoint").at("waypoint_state"));
+    EXPECT_TRUE(talk.read_arrival());
+    ASSERT_TRUE(talk.ask("start_waypoint", {{"frequency", 1}}).at("waypoint_state"));
+    ASSERT_TRUE(talk.movej(kHome, 100));
+    talk.samples_until([](const Sample& sample) { return sample.joints[0] > kNear[0] + 1; });
+    ASSERT_TRUE(talk.ask("stop_waypoint").at("waypoint_state"));
+    EXPECT_TRUE(talk.read_arrival());
+    expect_near(talk.joints(), kHome);
 }
 
 TEST(Motion, WaypointsRunInOrder) {

@@ -75,6 +75,19 @@ TEST(Streaming, ReportsHoldTheCurrentPosition) {
     EXPECT_EQ(report.at("joint"), Json({10.5, -20.0, -60.0, 15.0, -40.0, 20.0}));
 }
 
+TEST(Streaming, SetPointsLeadTheExpansionAxis) {
+    Talk talk({"--quiet"});
+    Json keys = joints(talk.joints(), false);
+    for (int i = 1; i <= 100; ++i) {
+        keys["expand"] = 10 * i;
+        EXPECT_EQ(verdict(talk.ask("movej_canfd", keys)), 0);
+    }
+    talk.push.forget();
+    const int64_t end = talk.sample().time + 1000;
+    talk.samples_until([&](const Sample& sample) { return sample.time > end; });
+    EXPECT_EQ(talk.ask("expand_get_state").at("pos"), 1000);
+}
+
 TEST(Streaming, RefusedSetPointsAreReportedAndNotFollowed) {
     Talk talk({"--quiet"});
     const std::vector<double> start = talk.joints();
@@ -87,8 +100,9 @@ TEST(Streaming, RefusedSetPointsAreReportedAndNotFollowed) {
     std::vector<double> beyond = start;
     beyond[1] = -130.1;
     const std::pair<Json, int> rows[] = {
-        {joints({1, 2, 3, 4, 5}), 257}, {changed("joint", "home"), 257},       {changed("follow", 1), 257},
-        {joints(beyond, true), 258},    {joints(plus(start, 37), false), 259},
+        {joints({1, 2, 3, 4, 5}), 257},   {changed("joint", "home"), 257},       {changed("follow", 1), 257},
+        {joints(beyond, true), 258},      {joints(plus(start, 37), false), 259}, {changed("expand", "far"), 257},
+        {changed("expand", 200001), 258},
     };
     for (const auto& [keys, error] : rows) EXPECT_EQ(verdict(talk.ask("movej_canfd", keys)), error) << keys;
     EXPECT_EQ(verdict(talk.ask("movej_follow", joints(beyond))), 258);
@@ -98,7 +112,7 @@ TEST(Streaming, RefusedSetPointsAreReportedAndNotFollowed) {
     talk.ask("set_arm_power", {{"arm_power", 1}});
     EXPECT_EQ(verdict(talk.ask("movej_canfd", good)), 0);
     EXPECT_EQ(talk.joints(), start);
-    EXPECT_EQ(talk.ask("zk_sim_stream").at("refused"), 7);
+    EXPECT_EQ(talk.ask("zk_sim_stream").at("refused"), 9);
 }
 
 TEST(Streaming, AMoveWaitsForTheLastSetPointAndLaterOnesAreRefused) {
