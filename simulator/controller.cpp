@@ -68,7 +68,7 @@ void Controller::add_commands() {
     add_force_commands(table, arm_, force_);
     add_force_position_commands(table, arm_, tool_, force_);
     add_push_commands(table, push_.settings, arm_);
-    add_fence_commands(table, tool_.tools);
+    add_fence_commands(table, guard_.safety, tool_.tools);
     add_modbus_commands(table, modbus_);
     add_system_commands(table, time_, arm_, modbus_);
     add_io_commands(table);
@@ -84,6 +84,7 @@ void Controller::add_commands() {
 void Controller::step() {
     constexpr double kSeconds = kStepMs / 1000.0;
     time_.milliseconds += kStepMs;
+    guard_.step();
     drag_.step(kSeconds);
     force_.step_hold(kSeconds);
     arm_.step(kSeconds);

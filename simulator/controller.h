@@ -10,6 +10,7 @@
 #include "programs/program.h"
 #include "push/push.h"
 #include "wire/dispatcher.h"
+#include "world/guard.h"
 #include "world/time.h"
 
 namespace sim {
@@ -44,6 +45,7 @@ class Controller {
     Dispatcher dispatcher_;
     Programs programs_{dispatcher_, arm_};
     Push push_;
+    Guard guard_{arm_, tool_};
 };
 
 }  // namespace sim

@@ -18,6 +18,7 @@ class Programs;
 class Tool;
 struct Devices;
 struct PushSettings;
+struct Safety;
 struct SimulatedTime;
 
 // One function for each family of commands, in <family>.cpp. It gets the parts of the controller on which they act.
@@ -33,7 +34,7 @@ void add_drag_commands(CommandTable& table, Arm& arm, DragTeach& drag, const For
 void add_force_commands(CommandTable& table, Arm& arm, ForceControl& force);
 void add_force_position_commands(CommandTable& table, Arm& arm, const Tool& tool, ForceControl& force);
 void add_push_commands(CommandTable& table, PushSettings& settings, const Arm& arm);
-void add_fence_commands(CommandTable& table, const FrameStore& tools);
+void add_fence_commands(CommandTable& table, Safety& safety, const FrameStore& tools);
 void add_modbus_commands(CommandTable& table, ModbusMaster& modbus);
 void add_system_commands(CommandTable& table, const SimulatedTime& time, Arm& arm, ModbusMaster& modbus);
 void add_io_commands(CommandTable& table);

@@ -1,8 +1,23 @@
 #include "world/fences.h"
 
-#include <kdl/frames.hpp>
+#include <algorithm>
+#include <limits>
 
 namespace sim {
+namespace {
+
+// The three lengths that begin with the name of an axis, in metres.
+KDL::Vector place(const Fence& fence, const std::string& suffix) {
+    const auto metres = [&](const char* axis) { return fence.lengths.at(axis + suffix) / 1e3; };
+    return {metres("x"), metres("y"), metres("z")};
+}
+
+KDL::Vector normal(const Fence& fence) {
+    const KDL::Vector first = place(fence, "1");
+    return (place(fence, "2") - first) * (place(fence, "3") - first);  // KDL's product is the cross product
+}
+
+}  // namespace
 
 const std::vector<std::string>& Fence::keys(int form) {
     static const std::vector<std::string> kKeys[kForms + 1] = {
@@ -17,17 +32,45 @@ bool Fence::has_extent() const {
     const auto positive = [&](const std::string& axis) {
         return lengths.at(axis + "_min_limit") < lengths.at(axis + "_max_limit");
     };
-    const auto corner = [&](const std::string& number) {
-        return KDL::Vector(lengths.at("x" + number), lengths.at("y" + number), lengths.at("z" + number));
-    };
     switch (form) {
         case 1:
             return positive("x") && positive("y") && positive("z");
         case 2:
-            return ((corner("2") - corner("1")) * (corner("3") - corner("1"))).Norm() > 0;
+            return normal(*this).Norm() > 0;
         default:
             return lengths.at("radius") > 0;
     }
+}
+
+Region::Region(const Fence& fence) : form_(fence.form) {
+    switch (form_) {
+        case 1:
+            low_ = place(fence, "_min_limit");
+            high_ = place(fence, "_max_limit");
+            break;
+        case 2:
+            place_ = place(fence, "1");
+            normal_ = normal(fence);
+            normal_.Normalize();
+            break;
+        case 3:
+            place_ = place(fence, "");
+            radius_ = fence.lengths.at("radius") / 1e3;
+            break;
+    }
+}
+
+double Region::inside(const KDL::Vector& point) const {
+    if (form_ == 2) return dot(normal_, point - place_);
+    if (form_ == 3) return radius_ - (point - place_).Norm();
+    double nearest = std::numeric_limits<double>::infinity();  // of the faces
+    KDL::Vector beyond;
+    for (int i = 0; form_ == 1 && i < 3; ++i) {
+        const double way = std::min(point(i) - low_(i), high_(i) - point(i));
+        nearest = std::min(nearest, way);
+        beyond(i) = std::min(way, 0.0);
+    }
+    return nearest >= 0 ? nearest : -beyond.Norm();
 }
 
 const Fence* FenceStore::find(const std::string& name) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kdl/frames.hpp>
 #include <map>
 #include <string>
 #include <vector>
@@ -17,6 +18,24 @@ struct Fence {
 
     // Whether it bounds a space: sides and radius are positive, and the points are not collinear.
     bool has_extent() const;
+};
+
+// The space that a fence bounds, in metres.
+class Region {
+ public:
+    explicit Region(const Fence& fence);
+
+    // How far a point is inside: negative outside. In front of a plane, from where its points run counterclockwise, is
+    // inside. Without a fence all is.
+    double inside(const KDL::Vector& point) const;
+
+    bool operator==(const Region&) const = default;
+
+ private:
+    int form_;
+    KDL::Vector low_, high_;      // of the cuboid
+    KDL::Vector place_, normal_;  // of the plane; place_ is the centre of the sphere
+    double radius_ = 0;
 };
 
 // The stored fences, by name.
