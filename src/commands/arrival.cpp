@@ -60,8 +60,10 @@ int move_accepted(const Request& request) {
     Mailbox mailbox(Move_Receive_Cmd);
     const Wait connection(request.socket());
     if (const int status = connection.claim(mailbox)) return status;
+    // Settled connections clear it after queueing, and may lose a fast acknowledgement.
+    if (is_handle(request.socket())) mailbox.clear(connection.slot());
     if (const int status = post(request)) return status;
-    mailbox.clear(connection.slot());  // after queueing: an acknowledgement of an earlier move does not count
+    if (!is_handle(request.socket())) mailbox.clear(connection.slot());
     if (!arm_is_known(connection)) return ZK_OK;
     return await_result(mailbox, connection, kAcknowledgementMs, Take::kOne);
 }
