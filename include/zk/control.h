@@ -207,7 +207,8 @@ typedef struct ZK_ConnectionRecord {
 ZK_API int ZK_Connection(ArmSocket arm, ZK_ConnectionRecord* record);
 
 /* Called once at every change: up, lost, closed. cause is valid during the call. The receive thread calls it for lost,
- * the thread of ZK_Connect and ZK_Close for the others. It may call what is allowed in callbacks. */
+ * unless ZK_Close comes first; the thread of ZK_Connect and ZK_Close for the others. It may call what is allowed in
+ * callbacks. */
 typedef void (*ZK_ConnectionCallback)(void* context, ArmSocket arm, ZK_ConnectionState state, const char* cause);
 
 /* Sets the callback of all connections; null removes it. The previous one does not run any more when the call returns,

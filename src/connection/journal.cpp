@@ -67,7 +67,7 @@ void set_connection_callback(ZK_ConnectionCallback callback, void* context) {
 }
 
 void report_change(ArmSocket arm, ZK_ConnectionState state, const char* cause) {
-    const ArmSocket open = state == ZK_CONNECTION_CLOSED ? 0 : arm;
+    const ArmSocket open = state == ZK_CONNECTION_UP ? arm : 0;  // a close waits for a loss, or reports it
     if (is_logged(ZK_LOG_EVENTS)) {
         const std::string text = std::string(name_of(state)) + (*cause ? ": " : "") + cause;
         report(log_callback, open, ZK_LOG_EVENTS, arm, text.c_str());

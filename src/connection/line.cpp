@@ -120,6 +120,7 @@ void Line::lose(ArmSocket handle, const char* cause) {
     wake_receiver();
 }
 
+// Once: the receive thread does, or a close that comes first.
 void Line::report_loss(ArmSocket handle) {
     if (!is_loss_reported_.exchange(true)) report_change(handle, ZK_CONNECTION_LOST, cause().c_str());
 }
@@ -144,6 +145,7 @@ bool Line::close(ArmSocket handle) {
     receive_use.wait_until_left(descriptor);
     if (!on_receive_thread) dispatch_use.wait_until_left(slot_of(handle));
     for (Pause pause; reports > 0 && !is_reporting() && !on_receive_thread;) pause.next();
+    if (was_introduced && lost_) report_loss(handle);
     forget_connection(handle);
     forget_frames(handle);
     wake_receiver();

@@ -56,7 +56,7 @@ class Line {
     // that the system takes in part loses the line, since the rest cannot follow later.
     ssize_t send(ArmSocket handle, const char* bytes, size_t size, bool announces_file = false);
     int duplicate(ArmSocket handle);  // a descriptor of its own for the same connection, or -1
-    // Ends the line; the receive thread reports it.
+    // Ends the line; the receive thread reports it, or a close that comes first.
     void lose(ArmSocket handle, const char* cause);
     bool close(ArmSocket handle);  // false when another thread has closed it
 
