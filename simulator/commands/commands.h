@@ -24,7 +24,7 @@ struct SimulatedTime;
 // One function for each family of commands, in <family>.cpp. It gets the parts of the controller on which they act.
 void add_joint_commands(CommandTable& table, Arm& arm);
 void add_state_commands(CommandTable& table, const Arm& arm, Tool& tool);
-void add_limit_commands(CommandTable& table, const Arm& arm, Tool& tool);
+void add_limit_commands(CommandTable& table, Arm& arm, Tool& tool);
 void add_frame_commands(CommandTable& table, const Arm& arm, Tool& tool);
 void add_motion_commands(CommandTable& table, Arm& arm, const Tool& tool);
 void add_trajectory_commands(CommandTable& table, Arm& arm, Programs& programs);

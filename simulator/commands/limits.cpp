@@ -7,21 +7,24 @@
 namespace sim {
 namespace {
 
-void add_limit(CommandTable& table, const std::string& name, const char* key, int& limit, int most) {
-    table.set("set_" + name, key, [&limit, key, most](const Call& call) {
+void add_limit(CommandTable& table, const std::string& name, const char* key, int& limit, int most,
+               MotionQueue& motion) {
+    table.set("set_" + name, key, [&limit, key, most, &motion](const Call& call) {
         limit = call.request.integer(key, 1, most);
+        motion.outdate();
         return true;
     });
     table.query("get_" + name, name, [&limit, key](const Call&) { return Json{{key, limit}}; });
 }
 
-void add_cartesian_limits(CommandTable& table, CartesianLimits& limits) {
-    add_limit(table, "arm_max_line_speed", "arm_line_speed", limits.line_speed, 1000);
-    add_limit(table, "arm_max_line_acc", "arm_line_acc", limits.line_acc, 5000);
-    add_limit(table, "arm_max_angular_speed", "arm_angular_speed", limits.angular_speed, 3000);
-    add_limit(table, "arm_max_angular_acc", "arm_angular_acc", limits.angular_acc, 12000);
-    table.set("set_arm_init", "arm_init", [&limits](const Call&) {
+void add_cartesian_limits(CommandTable& table, CartesianLimits& limits, MotionQueue& motion) {
+    add_limit(table, "arm_max_line_speed", "arm_line_speed", limits.line_speed, 1000, motion);
+    add_limit(table, "arm_max_line_acc", "arm_line_acc", limits.line_acc, 5000, motion);
+    add_limit(table, "arm_max_angular_speed", "arm_angular_speed", limits.angular_speed, 3000, motion);
+    add_limit(table, "arm_max_angular_acc", "arm_angular_acc", limits.angular_acc, 12000, motion);
+    table.set("set_arm_init", "arm_init", [&limits, &motion](const Call&) {
         limits = {};
+        motion.outdate();
         return true;
     });
 }
@@ -80,8 +83,8 @@ void add_collision_and_modes(CommandTable& table, TeachFrame& frame) {
 
 }  // namespace
 
-void add_limit_commands(CommandTable& table, const Arm& arm, Tool& tool) {
-    add_cartesian_limits(table, tool.limits);
+void add_limit_commands(CommandTable& table, Arm& arm, Tool& tool) {
+    add_cartesian_limits(table, tool.limits, arm.motion());
     add_model(table, arm);
     add_collision_and_modes(table, tool.teach_frame);
 }

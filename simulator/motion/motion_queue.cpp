@@ -37,9 +37,13 @@ JointVector MotionQueue::end(const JointVector& joints) const {
     return running_ && arrives ? running_->path.at(1) : stream_.last(joints);
 }
 
-void MotionQueue::check_again(const std::vector<Pace>& paces) {
+void MotionQueue::outdate() {
     for (Trajectory& trajectory : waiting_) trajectory.outdate();
     joined_.outdate();
+}
+
+void MotionQueue::check_again(const std::vector<Pace>& paces) {
+    outdate();
     stream_.set_paces(paces);
     if (running_ && check) check(running_->rest());
 }

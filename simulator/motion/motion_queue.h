@@ -37,8 +37,9 @@ class MotionQueue {
     bool follow(SetPoint set_point) { return !current() && stream_.follow(std::move(set_point)); }
     const Follower& stream() const { return stream_; }
 
-    // What `check` looks at has changed: the moves that wait are planned anew before they start. `paces` are those of
-    // the joints now. Throws NoPath if the running trajectory may not go on.
+    // The moves that wait are planned anew before they start, since limits have changed.
+    void outdate();
+    // The same, with these limits of the joints. Throws NoPath if the running trajectory may not go on.
     void check_again(const std::vector<Pace>& paces);
 
     // Drops the joined moves of this client that wait for their successor.

@@ -27,7 +27,7 @@ class ToolPlanner {
 
     const Arm& arm_;
     Surroundings around_;
-    CartesianLimits limits_;
+    const CartesianLimits& limits_;
     double share_;  // of the speed limits
 };
 

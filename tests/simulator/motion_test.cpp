@@ -300,6 +300,17 @@ TEST(Motion, LimitsHoldForWhatWasStoredOrQueuedBefore) {
     set_limit(talk, "joint_max_speed", 10000);
     EXPECT_TRUE(talk.read_arrival());
     EXPECT_LE(peaks_of(talk.samples_until([](const Sample& s) { return s.joints == kFar; }), 0).speed, 60.3);
+
+    std::vector<int> pose = talk.pose();
+    pose[2] -= 50000;
+    ASSERT_TRUE(talk.ask("timer", {{"wait_time", 1500}}).at("wait_time"));
+    const Json down{{"pose", pose}, {"v", 100}, {"r", 0}, {"trajectory_connect", 0}};
+    ASSERT_TRUE(talk.ask("movel", down).at("receive_state"));
+    ASSERT_TRUE(talk.ask("set_arm_max_line_speed", {{"arm_line_speed", 50}}).at("arm_line_speed"));
+    const double height = talk.tool().p.z();
+    const Sample start = talk.samples_until([&](const Sample& s) { return s.tool.p.z() < height; }).back();
+    EXPECT_TRUE(talk.read_arrival());
+    EXPECT_GE(talk.samples_until("idle").back().time - start.time, 1000) << "5 cm at 5 cm/s";
 }
 
 TEST(Motion, AStopOfTheWaypointsLeavesOtherMoves) {
