@@ -1,6 +1,7 @@
 // Force-position moves: streamed set-points, each with the force to hold. Each is reported.
 
 #include <cmath>
+#include <utility>
 
 #include "commands/commands.h"
 #include "commands/force_orders.h"

@@ -20,7 +20,7 @@ KDL::Rotation rotation(const Request& request, int w, int x, int y, int z) {
     return KDL::Rotation::Quaternion(x / length, y / length, z / length, w / length);
 }
 
-KDL::Frame requested_pose(const Request& request) {
+KDL::Frame set_point_pose(const Request& request) {
     if (request.has("pose_quat")) {
         const std::vector<int> p = request.integers("pose_quat", 7);
         return {rotation(request, p[3], p[4], p[5], p[6]), KDL::Vector(p[0] / 1e6, p[1] / 1e6, p[2] / 1e6)};
@@ -65,7 +65,7 @@ std::optional<JointVector> joint_target(const Arm& arm, const Tool&, const Call&
 }
 
 std::optional<JointVector> pose_target(const Arm& arm, const Tool& tool, const Call& call) {
-    return tool.joints_at(requested_pose(call.request), arm.motion().stream().last(arm.joints()));
+    return tool.joints_at(set_point_pose(call.request), arm.motion().stream().last(arm.joints()));
 }
 
 Verdict follow_set_point(Arm& arm, const Tool& tool, const Call& call, const Following& following) {

@@ -103,14 +103,8 @@ struct Network {
     int baudrate = 115200;
 };
 
-std::string short_text(const Request& request, const char* key, size_t most) {
-    const std::string text = request.text(key);
-    if (text.size() > most) throw BadRequest(request.command() + ": \"" + key + "\" is too long");
-    return text;
-}
-
 // Clients store such a text in 16 bytes.
-std::string address(const Request& request, const char* key) { return short_text(request, key, 15); }
+std::string address(const Request& request, const char* key) { return request.text(key, 15); }
 
 void add_ethernet(CommandTable& table, const std::shared_ptr<Network>& net) {
     table.set("set_high_speed_eth", "set_state", [](const Call& call) {
@@ -144,8 +138,8 @@ void add_ethernet(CommandTable& table, const std::shared_ptr<Network>& net) {
 
 void add_wireless_and_serial(CommandTable& table, const std::shared_ptr<Network>& net, ModbusMaster& modbus) {
     const auto set_wifi = [net](const Call& call, const char* name_key, const char* mode) {
-        const std::string ssid = short_text(call.request, name_key, 32);
-        net->password = short_text(call.request, "password", 15);
+        const std::string ssid = call.request.text(name_key, 32);
+        net->password = call.request.text("password", 15);
         net->ssid = ssid;
         net->wifi_mode = mode;
         net->wifi_channel = 6;

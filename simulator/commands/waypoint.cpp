@@ -15,20 +15,11 @@ constexpr int kMostOnAPage = 30;
 
 using GlobalWaypoints = std::map<std::string, Json>;
 
-std::string short_text(const Request& request, const char* key, size_t most) {
-    const std::string text = request.text(key);
-    if (text.size() > most) throw BadRequest(request.command() + ": \"" + key + "\" is too long");
-    return text;
-}
-
 // Clients store the texts in fields of this size, with a terminating zero.
 Json waypoint_of(const Request& request, const Arm& arm) {
-    return {{"point_name", short_text(request, "point_name", 15)},
-            {"joint", request.integers("joint", arm.joint_count())},
-            {"pose", request.integers("pose", 6)},
-            {"work_frame", short_text(request, "work_frame", 11)},
-            {"tool_frame", short_text(request, "tool_frame", 11)},
-            {"time", short_text(request, "time", 49)}};
+    return {{"point_name", request.text("point_name", 15)}, {"joint", request.integers("joint", arm.joint_count())},
+            {"pose", request.integers("pose", 6)},          {"work_frame", request.text("work_frame", 11)},
+            {"tool_frame", request.text("tool_frame", 11)}, {"time", request.text("time", 49)}};
 }
 
 bool add(const Arm& arm, const Call& call, GlobalWaypoints& waypoints) {

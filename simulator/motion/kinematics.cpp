@@ -3,12 +3,9 @@
 #include <cmath>
 #include <kdl/chainfksolverpos_recursive.hpp>
 #include <kdl/chainiksolverpos_lma.hpp>
-#include <numbers>
 
 namespace sim {
 namespace {
-
-constexpr double kRadians = std::numbers::pi / 180;
 
 // Metres and radians have equal weights. The solver iterates to a hundredth of the wire's resolution; if it stalls
 // earlier, an error below the second number is accepted.

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <kdl/chain.hpp>
-#include <numbers>
 #include <stdexcept>
 
 namespace sim {
@@ -10,7 +9,6 @@ namespace {
 
 constexpr size_t kMaxJoints = 7;
 constexpr double kAcceleration = 1000;  // degrees per second squared, on every joint of every arm
-constexpr double kRadians = std::numbers::pi / 180;
 
 using Row = std::array<double, kMaxJoints>;
 

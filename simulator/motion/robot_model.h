@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <numbers>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,8 @@ namespace sim {
 
 // One number per joint; angles in degrees unless a name says otherwise.
 using JointVector = std::vector<double>;
+
+constexpr double kRadians = std::numbers::pi / 180;  // in a degree
 
 enum class Sensor { kBare, kOneForce, kSixForce };
 

@@ -1,7 +1,5 @@
 #include "motion/tool.h"
 
-#include <numbers>
-
 namespace sim {
 
 Surroundings Tool::surroundings() const {
@@ -17,7 +15,6 @@ std::optional<JointVector> Tool::joints_at(const KDL::Frame& pose, const JointVe
 }
 
 KDL::Frame Tool::room_T_base() const {
-    constexpr double kRadians = std::numbers::pi / 180;
     const auto& [rx, ry, rz] = mounting;
     return KDL::Frame(KDL::Rotation::RPY(rx * kRadians, ry * kRadians, rz * kRadians));
 }

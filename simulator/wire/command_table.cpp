@@ -2,15 +2,20 @@
 
 namespace sim {
 
-Command& CommandTable::set(const std::string& name, const std::string& key, Action action) {
-    return add(name, {.literal = name, .key = key, .action = std::move(action), .query = {}, .refused = {}});
+Command& CommandTable::set(std::string_view name, std::string_view key, Action action) {
+    return add(name, {.literal = std::string(name),
+                      .key = std::string(key),
+                      .action = std::move(action),
+                      .query = {},
+                      .refused = {}});
 }
 
-Command& CommandTable::query(const std::string& name, const std::string& literal, Query query) {
-    return add(name, {.literal = literal, .key = {}, .action = {}, .query = std::move(query), .refused = {}});
+Command& CommandTable::query(std::string_view name, std::string_view literal, Query query) {
+    return add(name,
+               {.literal = std::string(literal), .key = {}, .action = {}, .query = std::move(query), .refused = {}});
 }
 
-Command& CommandTable::order(const std::string& name, Hook hook) {
+Command& CommandTable::order(std::string_view name, Hook hook) {
     const auto action = [hook = std::move(hook)](const Call& call) {
         hook(call);
         return true;
@@ -29,9 +34,9 @@ std::vector<std::string> CommandTable::names() const {
     return names;
 }
 
-Command& CommandTable::add(const std::string& name, Command command) {
+Command& CommandTable::add(std::string_view name, Command command) {
     const auto [row, added] = commands_.emplace(name, std::move(command));
-    if (!added) throw std::logic_error("two commands named " + name);
+    if (!added) throw std::logic_error("two commands named " + std::string(name));
     return row->second;
 }
 

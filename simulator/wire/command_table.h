@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "wire/client.h"
@@ -42,19 +43,19 @@ class CommandTable {
  public:
     // Acknowledged with {"command": <literal>, <key>: true or false}. The literal is the command's name unless the row
     // sets another. Also false when the action throws a Refusal.
-    Command& set(const std::string& name, const std::string& key, Action action);
+    Command& set(std::string_view name, std::string_view key, Action action);
 
     // Answered with {"state": <literal>, ...} and the keys that `query` returns. Not answered after a BadRequest.
-    Command& query(const std::string& name, const std::string& literal, Query query);
+    Command& query(std::string_view name, std::string_view literal, Query query);
 
     // Executed without an answer.
-    Command& order(const std::string& name, Hook hook);
+    Command& order(std::string_view name, Hook hook);
 
     const Command* find(const std::string& name) const;
     std::vector<std::string> names() const;
 
  private:
-    Command& add(const std::string& name, Command command);
+    Command& add(std::string_view name, Command command);
 
     std::map<std::string, Command> commands_;
 };

@@ -81,6 +81,21 @@ Library printable(const Json& json) {
 
 }  // namespace
 
+Json::Json() = default;
+Json::~Json() = default;
+Json::Json(const Json& other) = default;
+Json::Json(Json&& other) noexcept = default;
+Json& Json::operator=(const Json& other) = default;
+Json& Json::operator=(Json&& other) noexcept = default;
+
+Json::Json(bool value) : value_(value) {}
+Json::Json(int number) : value_(int64_t{number}) {}
+Json::Json(int64_t number) : value_(number) {}
+Json::Json(uint64_t number) : value_(static_cast<int64_t>(number)) {}
+Json::Json(double number) : value_(number) {}
+Json::Json(const char* text) : value_(std::string(text)) {}
+Json::Json(std::string text) : value_(std::move(text)) {}
+
 Json::Json(std::initializer_list<Json> items) {
     const bool object = std::all_of(items.begin(), items.end(), [](const Json& item) {
         return item.is_array() && item.items().size() == 2 && item.items()[0].is_string();

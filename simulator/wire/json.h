@@ -1,6 +1,5 @@
 #pragma once
 
-#include <concepts>
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
@@ -17,19 +16,26 @@ class Json {
  public:
     struct Member;
 
-    Json() = default;  // null
-    template <class Number>
-    requires std::integral<Number> || std::floating_point<Number> Json(Number number) {
-        if constexpr (std::same_as<Number, bool> || std::floating_point<Number>)
-            value_ = number;
-        else
-            value_ = static_cast<int64_t>(number);
-    }
-    Json(const char* text) : value_(std::string(text)) {}
-    Json(std::string text) : value_(std::move(text)) {}
+    // What copies and destroys is not inline: commands make many values.
+    Json();  // null
+    ~Json();
+    Json(const Json& other);
+    Json(Json&& other) noexcept;
+    Json& operator=(const Json& other);
+    Json& operator=(Json&& other) noexcept;
+
+    Json(bool value);
+    Json(int number);
+    Json(int64_t number);
+    Json(uint64_t number);
+    Json(double number);
+    Json(const char* text);
+    Json(std::string text);
     template <class List>
     requires requires(const List& list) { list.begin() != list.end(); }
-    Json(const List& list) : value_(std::vector<Json>(list.begin(), list.end())) {}
+    Json(const List& list) : Json(array()) {
+        for (const auto& item : list) push_back(item);
+    }
 
     // An object if every item is an array of a text and one more value, otherwise an array.
     Json(std::initializer_list<Json> items);

@@ -28,6 +28,12 @@ std::string Request::text(const char* key) const {
     return item.text();
 }
 
+std::string Request::text(const char* key, size_t most) const {
+    std::string value = text(key);
+    if (value.size() > most) refuse(key, "is too long");
+    return value;
+}
+
 std::vector<std::string> Request::texts(const char* key) const {
     const Json& item = at(key);
     if (!item.is_array()) refuse(key, "is no array");

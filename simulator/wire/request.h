@@ -26,6 +26,7 @@ class Request {
 
     bool flag(const char* key) const;
     std::string text(const char* key) const;
+    std::string text(const char* key, size_t most) const;  // of up to so many bytes
     std::vector<std::string> texts(const char* key) const;
     double number(const char* key) const;
     std::vector<double> numbers(const char* key, size_t size) const;

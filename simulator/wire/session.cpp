@@ -2,6 +2,7 @@
 
 #include <asio/buffer.hpp>
 #include <asio/write.hpp>
+#include <utility>
 
 #include "wire/note.h"
 
