@@ -175,7 +175,7 @@ class Application {
                 break;
             case 6:
                 peer_.question = input.up_to_any(",");
-                peer_.answer_to_it = (input.byte(), take(input));
+                peer_.answer_to_it = (input.byte(), input.up_to_any(kActions));
                 break;
             case 7: {
                 const int call = input.byte() % kControls;
@@ -184,10 +184,10 @@ class Application {
                 break;
             }
             case 8:
-                peer_.send(take(input));
+                peer_.send(input.up_to_any(kActions));
                 break;
             case 11:
-                push(take(input));
+                push(input.up_to_any(kActions));
                 break;
             case 12:
                 peer_.end(input.byte() % 3);
@@ -207,11 +207,6 @@ class Application {
     static const zk::fuzz::Listener& shared_listener() {
         static const zk::fuzz::Listener listener;
         return listener;
-    }
-    std::string take(Input& input) {
-        const std::string bytes = input.up_to_any(kActions);
-        sent_ += bytes;
-        return zk::fuzz::may_end_the_process(sent_) ? std::string() : bytes;
     }
     ArmSocket arm() const { return arms_.empty() ? kNoHandle : arms_[arms_.size() - 1 - chosen_ % arms_.size()]; }
 
@@ -378,7 +373,6 @@ class Application {
     std::vector<ArmSocket> arms_;
     std::size_t chosen_ = 0;
     std::map<ArmSocket, int> deadlines_;
-    std::string sent_;
     int limit_ = kNone;
     ArmSocket target_ = 0, connected_ = 0;
     zk::fuzz::Caller caller_;

@@ -11,7 +11,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <array>
 #include <atomic>
 #include <cerrno>
 #include <chrono>
@@ -94,14 +93,6 @@ inline const Command& command_of(const std::string& name) {
 
 // -------------------------------------------------------------------------------------------------------- Connection
 // --
-
-// The replies with a text that ends the process where it does not fit: replies_fuzz reads them.
-inline bool may_end_the_process(const std::string& bytes) {
-    constexpr std::array kLiterals{"get_high_ethernet", "get_wired_net",        "get_wifi_net",
-                                   "arm_software_info", "arm_software_version", "get_realtime_push"};
-    return std::any_of(kLiterals.begin(), kLiterals.end(),
-                       [&](const char* literal) { return bytes.find(literal) != bytes.npos; });
-}
 
 // A connection and the controller's end of it: a socket pair, or what the start-up opens.
 class Wire {

@@ -18,6 +18,7 @@
 #include "connection/in_use.h"
 #include "connection/journal.h"
 #include "connection/line.h"
+#include "connection/reply.h"
 #include "connection/wait.h"
 #include "zk/mailboxes.h"
 
@@ -212,6 +213,7 @@ class SlotReader {
         dispatch_use.enter(slot);
         if (is_current()) {
             log_frame(connection_.socket(), Way::kReceived, message, std::strlen(message));
+            cuts_texts = line_ != nullptr;
             if (!line_) {
                 handle_Recv_Json(slot, message);
             } else if (line_->takes(slot, message)) {

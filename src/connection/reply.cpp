@@ -112,9 +112,12 @@ void wire_pose(Item array, Position& position, Euler& euler) {
 
 void copy_text(Item text, const char* key, char* field, size_t size) {
     if (!text) return;
-    const size_t length = std::strlen(text.text());
-    if (length >= size) die("the text of \"%s\" takes %zu bytes, its field holds %zu", key, length, size - 1);
-    std::memcpy(field, text.text(), length + 1);
+    size_t length = std::strlen(text.text());
+    if (length >= size && !cuts_texts)
+        die("the text of \"%s\" takes %zu bytes, its field holds %zu", key, length, size - 1);
+    length = std::min(length, size - 1);
+    std::memcpy(field, text.text(), length);
+    field[length] = '\0';
 }
 
 void copy_name(const char* name, char* field, size_t size) {

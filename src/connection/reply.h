@@ -107,7 +107,9 @@ void scaled(Item array, int count, float divisor, float* values);
 // Six integers: millionths of a metre, thousandths of a radian.
 void wire_pose(Item array, Position& position, Euler& euler);
 
-// Copies a text and its terminating zero into a fixed field; a text that does not fit ends the process.
+// Copies a text and its terminating zero into a fixed field; a text that does not fit ends the process, or is cut on a
+// connection of ZK_Connect.
+inline thread_local bool cuts_texts = false;  // set while replies of such a connection are read
 void copy_text(Item text, const char* key, char* field, size_t size);
 
 // Copies at most `size` bytes, and a terminating zero only when the name is shorter.

@@ -5,7 +5,6 @@
 
 #include <cctype>
 #include <cerrno>
-#include <cstring>
 #include <new>
 #include <system_error>
 
@@ -239,16 +238,11 @@ class Learner {
     int push() {
         const int status = talk_.ask("get_realtime_push", "get_realtime_push", kPushMs);
         if (status) return status == ZK_NO_ANSWER ? int(ZK_OK) : status;
-        if (!fits(talk_.message())) return ZK_OK;
         RealtimePushConfig config{};
+        cuts_texts = true;
         if (Parser_Get_Realtime_Push(talk_.message(), &config) == ZK_OK) arm_.push = config;
+        cuts_texts = false;
         return ZK_OK;
-    }
-
-    // The parser ends the process for an address that is too long.
-    static bool fits(const char* text) {
-        const Reply reply(text);
-        return std::strlen(reply.find("ip").text()) < sizeof RealtimePushConfig::ip;
     }
 
     int32_t arm_mode_;

@@ -235,8 +235,7 @@ TEST_F(Connections, ATransferThatOutlivesItsConnectionLeavesTheNextAlone) {
     EXPECT_EQ(first_speed(arm), 180);
 }
 
-// They end the process on a connection of Arm_Socket_Start.
-TEST_F(Connections, FilesThatCannotBeReadAndLongNamesAreRefused) {
+TEST_F(Connections, WhatEndsTheProcessElsewhereIsRefusedOrCut) {
     const ArmSocket arm = connect(controller_);
     const std::string name(300, 'n'), missing = "/nowhere/at_all.txt", quoted = "a\",\"b";
     const auto announce = [arm](const std::string& text) {
@@ -247,6 +246,10 @@ TEST_F(Connections, FilesThatCannotBeReadAndLongNamesAreRefused) {
     EXPECT_EQ(Run_Project_Block(arm, 0, 0, name.c_str(), 300, 1, 20, 0, 0), ZK_BAD_ARGUMENT);
     EXPECT_EQ(announce(name), ZK_BAD_ARGUMENT);
     EXPECT_EQ(announce(quoted), ZK_BAD_ARGUMENT);
+    controller_.answer("get_wired_net", R"({"state":"get_wired_net","ip":"1234567890123456","mask":"","mac":""})");
+    char ip[16], mask[16], mac[18];
+    EXPECT_EQ(Get_Wired_Net(arm, ip, mask, mac), 0);
+    EXPECT_STREQ(ip, "123456789012345");
 }
 
 struct Journal {
