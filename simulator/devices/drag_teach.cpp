@@ -85,7 +85,8 @@ void DragTeach::lead(const HandLeg& leg) { legs_.push_back(leg); }
 void DragTeach::step(double seconds) {
     if (active_ && !arm_.reason_to_brake().empty()) stop();
     if (!active_) return;
-    if (leg_seconds_ == 0 && !legs_.empty()) begin_leg();
+    const bool anew = leg_seconds_ > 0 && limits_ != arm_.limits;
+    if (anew || (leg_seconds_ == 0 && !legs_.empty())) begin_leg();
     if (leg_seconds_ > 0) {
         leg_time_ = std::min(leg_time_ + seconds, leg_seconds_);
         const double share = eased(leg_time_ / leg_seconds_);
@@ -111,6 +112,7 @@ JointVector DragTeach::within_limits(JointVector joints) const {
 
 void DragTeach::begin_leg() {
     from_ = arm_.joints();
+    limits_ = arm_.limits;
     leg_time_ = 0;
     leg_seconds_ = std::max({legs_.front().seconds, shortest_seconds(arm_, from_, legs_.front().joints), 1e-3});
 }

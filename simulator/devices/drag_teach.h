@@ -49,9 +49,10 @@ class DragTeach {
     bool recording_now_ = false;
     std::string status_;
     std::deque<HandLeg> legs_;
-    JointVector from_;        // of the leg in progress
-    double leg_time_ = 0;     // seconds
-    double leg_seconds_ = 0;  // 0: none is in progress
+    JointVector from_;                 // of the leg in progress
+    std::vector<JointLimits> limits_;  // when it began; with others it begins anew
+    double leg_time_ = 0;              // seconds
+    double leg_seconds_ = 0;           // 0: none is in progress
     double sample_time_ = 0;
     std::vector<JointVector> recording_;
 };

@@ -71,6 +71,7 @@ TEST(Motion, LowerLimitsOfAJointHold) {
     Talk talk(kCycleOption);
     ASSERT_TRUE(talk.ask("set_joint_max_speed", {{"joint_max_speed", {1, 5000}}}).at("joint_max_speed"));  // 30 deg/s
     ASSERT_TRUE(talk.ask("set_joint_max_acc", {{"joint_max_acc", {1, 20000}}}).at("joint_max_acc"));  // 120 deg/s^2
+    ASSERT_TRUE(talk.ask("auto_set_joint_limit", {{"limit_mode", 1}}).at("limit_mode"));  // of the positions alone
     const Limits limits = limits_of(talk);
     EXPECT_NEAR(limits.speed[0], 30, 1e-9);
     ASSERT_TRUE(talk.movej(plus(talk.joints(), 20), 100));
@@ -261,31 +262,27 @@ bool add_waypoint(Talk& talk, const Joints& point) {
 }
 
 TEST(Motion, NoneLeavesTheLimitsThatHoldWhenItMoves) {
-    const Json jog{{"teach_joint", 1}, {"direction", "pos"}, {"v", 100}};
-    const Json point{{"joint", thousandths(kFar)}}, lead{{"seconds", 0}, {"joint", {45, -20, -60, 15, -40, 20}}};
-    const std::pair<const char*, std::function<void(Talk&)>> motions[] = {
-        {"a move", [](Talk& talk) { talk.movej(kFar, 100); }},
-        {"one that waits", [](Talk& talk) { talk.movej(kNear, 100), talk.movej(kFar, 100); }},
-        {"joined moves", [](Talk& talk) { talk.movej(kNear, 100, 1), talk.movej(kFar, 100); }},
-        {"waypoints",
-         [](Talk& talk) {
-             add_waypoint(talk, kFar), talk.ask("start_waypoint", {{"frequency", 1}});
-         }},
-        {"a jog", [&](Talk& talk) { talk.ask("set_joint_teach", jog); }},
-        {"a stream", [&](Talk& talk) { talk.send("movej_follow", point); }},
-        {"a hand",
-         [&](Talk& talk) {
-             talk.ask("start_multi_drag_teach", {{"mode", 0}, {"singular_wall", 0}}), talk.ask("zk_sim_hand", lead);
-         }},
+    const auto to = [](const Joints& target, int connect = 0) {
+        return Json{{"joint", thousandths(target)}, {"v", 100}, {"trajectory_connect", connect}};
     };
-    for (const auto& [what, start] : motions) {
+    const Json far = to(kFar), lead{{"seconds", 0}, {"joint", {45, -20, -60, 15, -40, 20}}};
+    const std::vector<std::pair<const char*, Json>> motions[] = {
+        {{"movej", far}},
+        {{"movej", to(kNear)}, {"movej", far}},
+        {{"movej", to(kNear, 1)}, {"movej", far}},
+        {{"add_waypoint", far}, {"start_waypoint", {{"frequency", 1}}}},
+        {{"set_joint_teach", {{"teach_joint", 1}, {"direction", "pos"}, {"v", 100}}}},
+        {{"movej_follow", far}},
+        {{"start_multi_drag_teach", {{"mode", 0}, {"singular_wall", 0}}}, {"zk_sim_hand", lead}},
+    };
+    for (const auto& requests : motions) {
         Talk talk(kAtHome);
         set_limit(talk, "joint_max_speed", 4500);  // 27 degrees per second
-        start(talk);
+        for (const auto& [command, keys] : requests) talk.send(command, keys);
         const Sample first = talk.samples_until([](const Sample& sample) { return sample.joints[0] > 0.1; }).back();
         talk.send("set_joint_max_pos", {{"joint_max_pos", {1, 30000}}});
         for (const Sample& sample : talk.samples_until([&](const Sample& s) { return s.time > first.time + 2800; }))
-            ASSERT_LE(sample.joints[0], 30) << what;
+            ASSERT_LE(sample.joints[0], 30) << requests.back().first;
     }
 }
 

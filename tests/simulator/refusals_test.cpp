@@ -64,16 +64,6 @@ TEST(Refusals, MovesOfAnArmThatMayNotMove) {
     }
 }
 
-TEST(Refusals, TheAutomaticLimitsAreThoseOfThePositions) {
-    Talk talk({"--quiet"});
-    for (const char* limit : {"joint_max_speed", "joint_max_acc"}) {
-        ASSERT_TRUE(talk.ask(std::string("set_") + limit, {{limit, {1, 5000}}}).at(limit));
-    }
-    ASSERT_TRUE(talk.ask("auto_set_joint_limit", {{"limit_mode", 1}}).at("limit_mode"));
-    EXPECT_EQ(talk.ask("get_joint_max_speed").at("joint_speed")[0], 5000);
-    EXPECT_EQ(talk.ask("get_joint_max_acc").at("joint_acc")[0], 5000);
-}
-
 TEST(Refusals, ARefusedReturnIntoTheLimitsHasNoReport) {
     Talk talk({"--quiet"});
     talk.ask("set_arm_power", {{"arm_power", 64}});
