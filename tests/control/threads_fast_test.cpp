@@ -140,8 +140,7 @@ TEST_F(Threads, WhatWaitsForNothing) {
     ScriptedController silent;
     set_shared(m_nOutTime, INT32_MAX);
     auto start = std::async(std::launch::async, [&] { return Arm_Socket_Start("127.0.0.1", silent.port(), 0); });
-    silent.wait_for_connections(1);
-    eventually([&] { return shared(m_nSockInfoLen) == 2; });
+    silent.wait_for_request("get_arm_software_info");
     set_shared(IsSendFile, 1);
     ZK_Mutex_Lock();
     Queue_Mutex_Lock();
@@ -160,9 +159,15 @@ TEST_F(Threads, WhatWaitsForNothing) {
     ZK_ConnectOptions options{};
     options.flags = ZK_KEEP_MODEL;
     EXPECT_EQ(ZK_Connect("127.0.0.1", controller_.port(), &options, &arm_), 0) << ZK_Failure();
-    set_time_factor(40);
+    controller_.forget_requests();
+    std::thread end([&] {
+        controller_.wait_for_request("get_realtime_push");
+        controller_.wait_until_read();
+        set_time_factor(1000000);
+    });
     EXPECT_EQ(connect_to(controller_.port(), arm_), ZK_NO_ANSWER);
     EXPECT_NE(std::string(ZK_Failure()).find("process-wide model"), std::string::npos) << ZK_Failure();
+    end.join();
     Arm_Socket_Close(shared(SockInfo[1].socket));
     EXPECT_EQ(start.get(), 5);
 }
