@@ -10,6 +10,9 @@ int enqueue(ArmSocket socket, const char* text, int32_t length);
 // Drops the queued frames of a socket, since its number may become that of another arm.
 void forget_frames(ArmSocket socket);
 
+// Returns when the queue holds a frame, for the transmit thread.
+void wait_for_queued();
+
 // Returns when no frame is between the queue and the wire.
 void wait_for_frame();
 

@@ -1,10 +1,12 @@
 // The ring that carries all queued requests.
 #include "zk/queue.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 
 #include "connection/die.h"
+#include "connection/transmit.h"
 #include "zk/connection.h"
 
 TxQueue Socket_Tx_Buffer;
@@ -17,6 +19,8 @@ int32_t QueuelockInit = 0;
 namespace {
 
 constexpr size_t kUsualFrame = 300;
+
+std::atomic<uint32_t> enqueued{0};  // frames of all rings; what an idle transmit thread waits for
 
 class QueueLock {
  public:
@@ -72,11 +76,23 @@ ZK_API int ZK_Queue_Empty(TxQueue* queue) {
 
 ZK_API int ZK_Enqueu(TxQueue* queue, TxFrame* frame) {
     if (ZK_Queue_Full(queue)) return 0;
-    QueueLock lock;
-    if (!queue->base) return 0;
-    copy_frame(&queue->base[queue->rear], frame);
-    queue->rear = next(*queue, queue->rear);
+    {
+        QueueLock lock;
+        if (!queue->base) return 0;
+        copy_frame(&queue->base[queue->rear], frame);
+        queue->rear = next(*queue, queue->rear);
+    }
+    enqueued.fetch_add(1, std::memory_order_release);
+    enqueued.notify_one();
     return 1;
+}
+
+void zk::wait_for_queued() {
+    for (;;) {
+        const uint32_t seen = enqueued.load(std::memory_order_acquire);
+        if (!ZK_Queue_Empty(&Socket_Tx_Buffer)) return;
+        enqueued.wait(seen, std::memory_order_acquire);
+    }
 }
 
 ZK_API int ZK_Dequeue(TxQueue* queue, TxFrame* frame) {
