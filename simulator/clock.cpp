@@ -5,33 +5,62 @@
 namespace sim {
 namespace {
 
+using std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds kStep{Controller::kStepMs};
 constexpr std::chrono::seconds kMostToCatchUp{2};
 constexpr std::chrono::milliseconds kLongestTurn{20};
+constexpr int kMostAfterARequest = 60'000 / Controller::kStepMs;
+
+steady_clock::duration period(double speed) {
+    return std::chrono::duration_cast<steady_clock::duration>(std::chrono::nanoseconds(kStep) / speed);
+}
 
 }  // namespace
 
-Clock::Clock(asio::io_context& io, std::chrono::milliseconds period, std::function<void()> step)
-    : timer_(io), period_(period), step_(std::move(step)), due_(std::chrono::steady_clock::now() + period) {
+Clock::Clock(asio::io_context& io, Controller& controller, std::function<void()> stepped)
+    : timer_(io), controller_(controller), stepped_(std::move(stepped)), due_(steady_clock::now() + kStep) {
+    controller_.dispatcher().handled = [this] { run_to_rest(); };
     wait();
 }
 
 void Clock::wait() {
     timer_.expires_at(due_);
-    timer_.async_wait([this](const asio::error_code& error) {
-        if (error) return;
-        catch_up();
+    timer_.async_wait([this, alive = std::weak_ptr(alive_)](const asio::error_code& error) {
+        if (error || alive.expired()) return;
+        turn();
         wait();
     });
 }
 
-void Clock::catch_up() {
-    const auto now = std::chrono::steady_clock::now();
+void Clock::turn() {
+    const Time now = steady_clock::now();
+    if (controller_.time().speed != kAtOnce) return catch_up(now);
+    while (!controller_.rests() && steady_clock::now() < now + kLongestTurn) step();
+    due_ = controller_.rests() ? now + kStep : now;
+}
+
+void Clock::catch_up(Time now) {
     if (now - due_ > kMostToCatchUp) {
         note("halted for more than 2 s; simulated time skips the halt");
         due_ = now;
     }
     // Clients are served even when a step takes longer than the time that it simulates.
-    for (; due_ <= now && std::chrono::steady_clock::now() < now + kLongestTurn; due_ += period_) step_();
+    for (; due_ <= now && steady_clock::now() < now + kLongestTurn; due_ += period(controller_.time().speed)) step();
+}
+
+// The orders of a program are requests too, in the middle of a step.
+void Clock::run_to_rest() {
+    if (controller_.time().speed != kAtOnce || stepping_) return;
+    step();
+    for (int steps = 1; steps < kMostAfterARequest && !controller_.rests(); ++steps) step();
+}
+
+void Clock::step() {
+    stepping_ = true;
+    controller_.step();
+    stepped_();
+    stepping_ = false;
 }
 
 }  // namespace sim

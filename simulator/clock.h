@@ -4,23 +4,40 @@
 #include <asio/steady_timer.hpp>
 #include <chrono>
 #include <functional>
+#include <memory>
+
+#include "controller.h"
 
 namespace sim {
 
-// Calls `step` once for every `period` since the start. On a busy machine the calls come late and several at once, but
-// none is lost. Only the steps missed during a long halt of the whole process are skipped.
+// Passes simulated time: steps the controller, at the speed that it has at that moment.
+//
+// At a finite speed a step follows every Controller::kStepMs of simulated time. On a busy machine the steps come late
+// and several at once, but none is lost. Only the steps missed during a long halt of the whole process are skipped.
+//
+// At kAtOnce the time belongs to the requests, so that it does not depend on the machine: after each one the controller
+// steps until it rests, at least once, and then stands. What does not end within a minute of simulated time goes on
+// between the requests.
 class Clock {
  public:
-    Clock(asio::io_context& io, std::chrono::milliseconds period, std::function<void()> step);
+    // Calls `stepped` after each step.
+    Clock(asio::io_context& io, Controller& controller, std::function<void()> stepped);
 
  private:
+    using Time = std::chrono::steady_clock::time_point;
+
     void wait();
-    void catch_up();
+    void turn();
+    void catch_up(Time now);
+    void run_to_rest();
+    void step();
 
     asio::steady_timer timer_;
-    std::chrono::milliseconds period_;
-    std::function<void()> step_;
-    std::chrono::steady_clock::time_point due_;
+    Controller& controller_;
+    std::function<void()> stepped_;
+    Time due_;
+    bool stepping_ = false;
+    std::shared_ptr<Clock*> alive_ = std::make_shared<Clock*>(this);  // for a handler that runs late
 };
 
 }  // namespace sim

@@ -24,6 +24,7 @@ Controller::Controller(const Options& options)
     select(tool_.tools, "tool", options.tool);
     select(tool_.works, "work", options.work);
     tool_.mounting = options.install;
+    time_.speed = options.speed;
     drag_.script = options.hand;
     files_.directory = options.files;
     files_.fault = options.transfer_fault;
@@ -40,7 +41,8 @@ Controller::Controller(const Options& options)
 void Controller::set_faults(const Options& options) {
     const CommandTable& commands = dispatcher_.commands;
     Faults& faults = dispatcher_.faults;
-    faults.delay_ms = options.delay_ms;
+    faults.wire = options.wire;
+    faults.seed = options.seed;
     for (const std::string& name : options.silent_on) {
         if (!commands.find(name)) throw std::invalid_argument("--silent-on: unknown command '" + name + "'");
         faults.silent_on.insert(name);
@@ -78,6 +80,7 @@ void Controller::add_commands() {
     add_file_commands(table, files_, programs_, drag_);
     add_program_commands(table, programs_, arm_);
     add_waypoint_commands(table, arm_);
+    add_time_commands(table, time_);
     add_fault_commands(table, dispatcher_, files_, arm_);
 }
 
@@ -91,7 +94,12 @@ void Controller::step() {
     devices_.step(kSeconds);
     force_.measure();
     programs_.step();
-    files_.step(kStepMs);
+    files_.step(kStepMs / time_.speed);
+}
+
+bool Controller::rests() const {
+    return arm_.motion().rests() && !drag_.leads() && devices_.rest() && !programs_.proceed() &&
+           !force_.hold.active() && !force_.hold.stands_off();
 }
 
 }  // namespace sim

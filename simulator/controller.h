@@ -24,11 +24,16 @@ class Controller {
 
     static constexpr int kStepMs = PushSettings::kCycleMs;
 
-    const Dispatcher& dispatcher() const { return dispatcher_; }
+    Dispatcher& dispatcher() { return dispatcher_; }
     const Push& push() const { return push_; }
+
+    const SimulatedTime& time() const { return time_; }
 
     // Advances the simulated time by `kStepMs`.
     void step();
+
+    // True when nothing changes before the next request.
+    bool rests() const;
 
  private:
     void add_commands();

@@ -13,7 +13,8 @@ namespace {
 int run(int argc, char** argv) {
     constexpr int kUsageError = 2;
     try {
-        const Options options = parse_options(argc, argv);
+        const std::vector<Options> arms = parse_options(argc, argv);
+        const Options& options = arms.front();
         if (options.help) {
             std::cout << usage();
             return 0;
@@ -23,7 +24,7 @@ int run(int argc, char** argv) {
             return 0;
         }
         if (options.quiet) silence_notes();
-        serve(options);
+        serve(arms);
         return 0;
     } catch (const std::invalid_argument& error) {
         std::cerr << "zk_simulator: " << error.what() << "\nTry --help.\n";

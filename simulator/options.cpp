@@ -7,10 +7,15 @@
 #include <charconv>
 #include <climits>
 #include <cmath>
+#include <fstream>
+#include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <string_view>
 
 #include "devices/devices.h"
+#include "wire/json.h"
+#include "world/time.h"
 
 namespace sim {
 namespace {
@@ -125,6 +130,26 @@ Wall parse_wall(std::string_view option, std::string_view text) {
     return wall;
 }
 
+double parse_speed(std::string_view option, std::string_view text) {
+    if (text == kAtOnceName) return kAtOnce;
+    const double speed = parse_number<double>(option, text);
+    if (!(speed >= kSlowest && speed <= kFastest))
+        throw std::invalid_argument("--speed: must be from 0.1 to 100, or max");
+    return speed;
+}
+
+void set_wire_fault(WireFaults& faults, const std::string& text) {
+    const size_t equals = std::min(text.find('='), text.size());
+    const std::string name = text.substr(0, equals);
+    for (const WireFaultRow& row : wire_fault_rows()) {
+        if (name != row.name) continue;
+        const std::string value = text.substr(std::min(equals + 1, text.size()));
+        row.value(faults) = parse_integer("fault " + name, value, 0, row.highest);
+        return;
+    }
+    throw std::invalid_argument("--fault: there is no fault '" + name + "'");
+}
+
 struct OptionRow {
     const char* name;
     const char* value;  // its argument's name in the help; empty if it takes none
@@ -140,6 +165,8 @@ constexpr OptionRow kOptions[] = {
      [](Options& o, const string& value) { o.listen = parse_address("listen", value); }},
     {"port", "N", "TCP port, 0 for any free one (8080)",
      [](Options& o, const string& value) { o.port = parse_integer("port", value, 0, kMaxPort); }},
+    {"arms", "N|FILE", "several arms: a number of them, or a JSON list of objects with these options as keys",
+     [](Options& o, const string& value) { o.arms = value; }},
     {"push-ip", "IP", "destination of the real-time push (127.0.0.1)",
      [](Options& o, const string& value) { o.push.ip = parse_address("push-ip", value); }},
     {"push-port", "N", "its UDP port, 0 for any free one (8089)",
@@ -167,16 +194,23 @@ constexpr OptionRow kOptions[] = {
      [](Options& o, const string& value) { o.force_noise = parse_noise("force-noise", value); }},
     {"seed", "N", "seed of that noise (1)",
      [](Options& o, const string& value) { o.seed = static_cast<unsigned>(parse_integer("seed", value, 0, INT_MAX)); }},
+    {"speed", "N", "speed of simulated time, 0.1 to 100 (1); max: each request runs to rest at once",
+     [](Options& o, const string& value) { o.speed = parse_speed("speed", value); }},
     {"silent-on", "COMMAND", "ignore this command; may be given several times",
      [](Options& o, const string& value) { o.silent_on.push_back(value); }},
     {"refuse-on", "COMMAND", "answer this command with false; may be given several times",
      [](Options& o, const string& value) { o.refuse_on.push_back(value); }},
     {"delay-ms", "N", "delay every reply and report by this time",
-     [](Options& o, const string& value) { o.delay_ms = parse_integer("delay-ms", value, 0, kMaxDelayMs); }},
+     [](Options& o, const string& value) {
+         o.wire.replies.delay_ms = parse_integer("delay-ms", value, 0, kMaxDelayMs);
+     }},
+    {"fault", "NAME=N", "disturb the wire by one of the faults below; may be given several times",
+     [](Options& o, const string& value) { set_wire_fault(o.wire, value); }},
     {"transfer-fault", "KIND:N", "disturb file transfers: refuse, error_line:LINE, silent, close:BYTES, stall:BYTES",
      [](Options& o, const string& value) { o.transfer_fault = parse_transfer_fault("transfer-fault", value); }},
     {"files", "DIRECTORY", "store the files that clients send in this directory, which must exist",
      [](Options& o, const string& value) { o.files = value; }},
+    {"until-eof", "", "end when standard input ends", [](Options& o, const string&) { o.until_eof = true; }},
     {"quiet", "", "no notes on standard error", [](Options& o, const string&) { o.quiet = true; }},
     {"commands", "", "list all commands and exit", [](Options& o, const string&) { o.commands = true; }},
     {"help", "", "this text", [](Options& o, const string&) { o.help = true; }},
@@ -206,9 +240,7 @@ void check_joints(const RobotModel& model, const std::string& option, const Join
     }
 }
 
-}  // namespace
-
-Options parse_options(int argc, char** argv) {
+Options parse_command_line(int argc, char** argv) {
     Options options;
     options.model = make_model("ZK65-B");
     opterr = 0;
@@ -220,21 +252,84 @@ Options parse_options(int argc, char** argv) {
         kOptions[row].take(options, optarg ? optarg : "");
     }
     if (optind < argc) throw std::invalid_argument(std::string("unexpected argument ") + argv[optind]);
-    if (!options.joints.empty()) check_joints(options.model, "--joints", options.joints);
-    for (const HandLeg& leg : options.hand) check_joints(options.model, "--hand", leg.joints);
     return options;
+}
+
+// A value of the list of arms as the command line spells it.
+std::string spelled(const Json& value) {
+    if (value.is_string()) return value.text();
+    if (!value.is_array()) return value.dump();
+    std::string list;
+    for (const Json& item : value.items()) list += (list.empty() ? "" : ",") + spelled(item);
+    return list;
+}
+
+// The options of one arm of the list, {"model": "ZK75-6F", "port": 8081, ...}, over those of the command line.
+Options options_of(const Json& arm, Options options) {
+    if (!arm.is_object()) throw std::invalid_argument("--arms: is no list of objects");
+    for (const auto& [name, value] : arm.members()) {
+        const auto row = std::find_if(std::begin(kOptions), std::end(kOptions),
+                                      [&name = name](const OptionRow& known) { return name == known.name; });
+        if (row == std::end(kOptions)) throw std::invalid_argument("--arms: unknown option '" + name + "'");
+        row->take(options, spelled(value));
+    }
+    return options;
+}
+
+std::vector<Options> listed_arms(const Options& common) {
+    std::ostringstream text;
+    text << std::ifstream(common.arms).rdbuf();
+    const std::optional<Json> list = Json::parse(text.str(), true);
+    if (!list || !list->is_array() || list->items().empty())
+        throw std::invalid_argument("--arms: '" + common.arms + "' holds no list");
+    std::vector<Options> arms;
+    for (const Json& arm : list->items()) arms.push_back(options_of(arm, common));
+    return arms;
+}
+
+// On successive addresses, like real arms; on one address, each with a port of its own, when any port will do.
+std::vector<Options> counted_arms(const Options& common, int count) {
+    std::vector<Options> arms(static_cast<size_t>(count), common);
+    in_addr address;
+    inet_pton(AF_INET, common.listen.c_str(), &address);
+    for (int i = 0; common.port != 0 && i < count; ++i) {
+        const in_addr own{htonl(ntohl(address.s_addr) + static_cast<uint32_t>(i))};
+        char text[INET_ADDRSTRLEN];
+        arms[static_cast<size_t>(i)].listen = inet_ntop(AF_INET, &own, text, sizeof text);
+    }
+    return arms;
+}
+
+std::vector<Options> all_arms(const Options& common) {
+    constexpr int kMostArms = 64;
+    if (common.arms.empty()) return {common};
+    const bool is_number = common.arms.find_first_not_of("0123456789") == std::string::npos;
+    return is_number ? counted_arms(common, parse_integer("arms", common.arms, 1, kMostArms)) : listed_arms(common);
+}
+
+}  // namespace
+
+std::vector<Options> parse_options(int argc, char** argv) {
+    const std::vector<Options> arms = all_arms(parse_command_line(argc, argv));
+    for (const Options& arm : arms) {
+        if (!arm.joints.empty()) check_joints(arm.model, "--joints", arm.joints);
+        for (const HandLeg& leg : arm.hand) check_joints(arm.model, "--hand", leg.joints);
+    }
+    return arms;
 }
 
 std::string usage() {
     std::string text =
         "Usage: zk_simulator [options]\n"
         "A controller without an arm: commands over TCP, real-time state over UDP.\n\n";
-    constexpr size_t kColumn = 26;
-    for (const OptionRow& row : kOptions) {
-        std::string left = std::string("  --") + row.name + ' ' + row.value;
+    static constexpr size_t kColumn = 26;
+    const auto add = [&](std::string left, const char* help) {
         left.resize(std::max(left.size() + 1, kColumn), ' ');
-        text += left + row.help + '\n';
-    }
+        text += left + help + '\n';
+    };
+    for (const OptionRow& row : kOptions) add(std::string("  --") + row.name + ' ' + row.value, row.help);
+    text += "\nFaults of the wire:\n";
+    for (const WireFaultRow& row : wire_fault_rows()) add(std::string("  ") + row.name, row.help);
     return text + "\nModels: " + all_model_names() +
            "\n\nThe first line on standard output names the model and the ports:\n"
            "  zk_simulator model=ZK65-B port=40123 push_port=40124\n"

@@ -9,6 +9,7 @@
 #include "motion/robot_model.h"
 #include "programs/files.h"
 #include "push/push.h"
+#include "wire/disturbance.h"
 #include "world/hand.h"
 #include "world/load.h"
 #include "world/wall.h"
@@ -20,6 +21,8 @@ struct Options {
     bool help = false;
     bool commands = false;  // list the commands and exit
     bool quiet = false;
+    bool until_eof = false;  // end with standard input
+    std::string arms;        // their number, or a file with a list of them; empty: one
     std::string listen = "127.0.0.1";
     int port = 8080;  // 0: any free port
     RobotModel model;
@@ -32,17 +35,18 @@ struct Options {
     Load load;                        // on the sensor
     double force_noise = 0.02;        // newtons
     unsigned seed = 1;
+    double speed = 1;  // of simulated time
     Wall wall;
     PushSettings push{.port = 8089};
     std::vector<std::string> silent_on;
     std::vector<std::string> refuse_on;
-    int delay_ms = 0;
+    WireFaults wire;
     TransferFault transfer_fault;
     std::string files;  // directory where files from clients are stored; empty: nowhere
 };
 
-// Throws std::invalid_argument with a message for the user.
-Options parse_options(int argc, char** argv);
+// The options of each arm, at least one. Throws std::invalid_argument with a message for the user.
+std::vector<Options> parse_options(int argc, char** argv);
 std::string usage();
 
 }  // namespace sim

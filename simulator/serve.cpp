@@ -1,32 +1,49 @@
 #include "serve.h"
 
+#include <unistd.h>
+
+#include <array>
+#include <asio/buffer.hpp>
 #include <asio/io_context.hpp>
+#include <asio/posix/stream_descriptor.hpp>
 #include <asio/signal_set.hpp>
 #include <csignal>
 #include <iostream>
+#include <memory>
+#include <string>
 
-#include "clock.h"
-#include "controller.h"
-#include "push/push_sender.h"
-#include "wire/server.h"
+#include "station.h"
 
 namespace sim {
+namespace {
 
-void serve(Options options) {
+// Whoever started the program holds the other end of its standard input, and has ended with it.
+void stop_at_end(asio::io_context& io, asio::posix::stream_descriptor& input, std::array<char, 64>& buffer) {
+    input.async_read_some(asio::buffer(buffer), [&](const asio::error_code& error, size_t) {
+        error ? io.stop() : stop_at_end(io, input, buffer);
+    });
+}
+
+}  // namespace
+
+void serve(const std::vector<Options>& arms) {
     asio::io_context io(1);
     asio::signal_set signals(io, SIGINT, SIGTERM);
     signals.async_wait([&io](const asio::error_code&, int) { io.stop(); });
-    if (options.push.port == 0) options.push.port = free_udp_port(io);
-
-    Controller controller(options);
-    Server server(io, controller.dispatcher(), options.listen, options.port);
-    PushSender push(io, controller.push(), options.listen);
-    Clock clock(io, std::chrono::milliseconds(Controller::kStepMs), [&] {
-        controller.step();
-        push.step();
-    });
-    std::cout << "zk_simulator model=" << options.model.name << " port=" << server.port()
-              << " push_port=" << options.push.port << std::endl;
+    asio::posix::stream_descriptor input(io);
+    std::array<char, 64> dropped;
+    if (arms.front().until_eof) {
+        input.assign(STDIN_FILENO);
+        stop_at_end(io, input, dropped);
+    }
+    std::vector<std::unique_ptr<Station>> stations;
+    std::string line = "zk_simulator";
+    for (const Options& arm : arms) {
+        stations.push_back(std::make_unique<Station>(io, arm));
+        line += ' ' + stations.back()->description();
+        if (arms.size() > 1) line += " address=" + stations.back()->address();
+    }
+    std::cout << line << std::endl;
     io.run();
 }
 

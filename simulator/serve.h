@@ -1,10 +1,13 @@
 #pragma once
 
+#include <vector>
+
 #include "options.h"
 
 namespace sim {
 
-// Serves clients until SIGINT or SIGTERM. Throws when a port is in use.
-void serve(Options options);
+// Prints the first line of the program, and serves the clients of all arms until a signal, or the end of standard input
+// where the first arm's options want that, ends the program. Throws asio::system_error when it cannot listen.
+void serve(const std::vector<Options>& arms);
 
 }  // namespace sim

@@ -44,6 +44,7 @@ void add_axis_commands(CommandTable& table, Devices& devices);
 void add_file_commands(CommandTable& table, Files& files, Programs& programs, const DragTeach& drag);
 void add_program_commands(CommandTable& table, Programs& programs, const Arm& arm);
 void add_waypoint_commands(CommandTable& table, const Arm& arm);
+void add_time_commands(CommandTable& table, SimulatedTime& time);
 void add_fault_commands(CommandTable& table, Dispatcher& dispatcher, Files& files, Arm& arm);
 
 }  // namespace sim

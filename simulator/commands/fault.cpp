@@ -10,6 +10,8 @@
 namespace sim {
 namespace {
 
+constexpr int kMinute = 60'000;
+
 std::set<std::string> known_commands(const CommandTable& table, const Request& request, const char* key) {
     const std::vector<std::string> names = request.texts(key);
     for (const std::string& name : names) {
@@ -28,13 +30,18 @@ TransferFault transfer_fault(const Request& fault) {
 // Reads the whole request before it changes anything.
 bool set_faults(Dispatcher& dispatcher, Files& files, Arm& arm, const Call& call) {
     constexpr int kMaxWord = 65535;
-    constexpr int kMaxDelayMs = 60'000;
     const Request& request = call.request;
     Faults faults = dispatcher.faults;
     TransferFault transfer = files.fault;
     if (request.has("silent_on")) faults.silent_on = known_commands(dispatcher.commands, request, "silent_on");
     if (request.has("refuse_on")) faults.refuse_on = known_commands(dispatcher.commands, request, "refuse_on");
-    if (request.has("delay_ms")) faults.delay_ms = request.integer("delay_ms", 0, kMaxDelayMs);
+    for (const WireFaultRow& row : wire_fault_rows()) {
+        if (request.has(row.name)) row.value(faults.wire) = request.integer(row.name, 0, row.highest);
+    }
+    if (request.has("silence_ms")) {
+        faults.silent_until =
+            std::chrono::steady_clock::now() + std::chrono::milliseconds(request.integer("silence_ms", 0, kMinute));
+    }
     if (request.has("transfer")) transfer = transfer_fault(request.object("transfer"));
     const auto word = [&](const char* key, int now) {
         return request.has(key) ? request.integer(key, 0, kMaxWord) : now;
@@ -50,10 +57,25 @@ bool set_faults(Dispatcher& dispatcher, Files& files, Arm& arm, const Call& call
     return true;
 }
 
+// {"command": "zk_sim_disconnect", "reset": true}
+bool disconnect(const Dispatcher& dispatcher, const Call& call) {
+    if (dispatcher.disconnect_others) dispatcher.disconnect_others(*call.client, call.request.is_true("reset"));
+    return true;
+}
+
+// {"command": "zk_sim_restart", "pause_ms": 500}: nobody listens in between.
+bool restart(const Dispatcher& dispatcher, const Call& call) {
+    const int pause_ms = call.request.has("pause_ms") ? call.request.integer("pause_ms", 0, kMinute) : 0;
+    if (dispatcher.restart) dispatcher.restart(pause_ms);
+    return dispatcher.restart != nullptr;
+}
+
 }  // namespace
 
 void add_fault_commands(CommandTable& table, Dispatcher& dispatcher, Files& files, Arm& arm) {
     table.set("zk_sim_fault", "done", with(set_faults, dispatcher, files, arm));
+    table.set("zk_sim_disconnect", "done", with(disconnect, dispatcher));
+    table.set("zk_sim_restart", "done", with(restart, dispatcher));
 }
 
 }  // namespace sim

@@ -192,4 +192,10 @@ void Devices::step(double seconds) {
     base.step(seconds);
 }
 
+bool Devices::rest() const {
+    const bool base_drives =
+        base.state() == MobileBase::State::kDrives || base.state() == MobileBase::State::kNavigates;
+    return !gripper.moving() && hand.rests() && !lift.moving() && !expansion.moving() && !base_drives;
+}
+
 }  // namespace sim

@@ -87,6 +87,7 @@ class Hand {
 
     Posture angles() const;
     Posture moving() const;  // 1 for a finger in motion
+    bool rests() const { return in_posture_; }
 
     int speed = kBent;  // per second
     int force = kBent;
@@ -170,6 +171,7 @@ struct Devices {
     explicit Devices(int object_width) : gripper(object_width) {}
     void configure_expansion(const ExpansionConfig& config);
     void step(double seconds);
+    bool rest() const;
 
     Gripper gripper;
     Hand hand;

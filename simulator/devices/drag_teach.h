@@ -22,6 +22,8 @@ class DragTeach {
     void start(bool record, const std::string& status);
     void stop();
     bool active() const { return active_; }
+    // True while the hand has a way to go.
+    bool leads() const { return active_ && (leg_seconds_ > 0 || !legs_.empty()); }
     const std::string& status() const { return status_; }
 
     // Appends a leg to the script.

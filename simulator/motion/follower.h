@@ -30,6 +30,8 @@ class Follower {
     void step(double seconds, JointVector& joints);
 
     bool resting() const { return resting_; }
+    // Resting, and ready for a new stream.
+    bool rests() const { return resting_ && !stopped_; }
     const std::string& status() const { return set_point_.status; }
 
     // The joints at which it comes to rest: the last set-point, or the current joints.

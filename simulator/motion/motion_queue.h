@@ -65,6 +65,9 @@ class MotionQueue {
     size_t size() const;  // moves, joined ones included
     bool idle() const { return !current() && stream_.resting(); }
 
+    // True when nothing changes before the next order: idle, or paused at rest.
+    bool rests() const { return (paused_ || !current()) && dropped_.empty() && stream_.rests(); }
+
     // True if all moves were stopped and none has been added since.
     bool stopping() const { return brake_ > Brake::kPause && waiting_.empty(); }
 

@@ -79,7 +79,7 @@ void Reception::end(bool good, int error_line) {
     if (const auto client = order_.client.lock()) client->send(verdict);
 }
 
-void Reception::wait(int milliseconds) {
+void Reception::wait(double milliseconds) {
     silence_ms_ += milliseconds;
     if (ended_ || silence_ms_ < kSilenceMs) return;
     note("only " + std::to_string(got_.size) + " of " + std::to_string(order_.file.size) + " bytes of " +
@@ -98,7 +98,7 @@ bool Files::receive(const std::shared_ptr<Client>& client, Reception::Order orde
     return true;
 }
 
-void Files::step(int milliseconds) {
+void Files::step(double milliseconds) {
     for (const auto& running : running_) {
         if (const auto reception = running.lock()) reception->wait(milliseconds);
     }

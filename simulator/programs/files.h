@@ -44,8 +44,8 @@ class Reception : public Receiver {
     size_t take(std::string_view bytes) override;
     bool wants_more() const override { return !ended_; }
 
-    // Advances the time. A transfer that stalls is refused.
-    void wait(int milliseconds);
+    // Passes time. A transfer that stalls is refused.
+    void wait(double milliseconds);
 
  private:
     void give_verdict();
@@ -57,7 +57,7 @@ class Reception : public Receiver {
     std::vector<FileRecord>& records_;
     std::string text_;
     FileRecord got_;
-    int silence_ms_ = 0;
+    double silence_ms_ = 0;
     bool ended_ = false;
     bool kept_ = false;
 };
@@ -71,7 +71,8 @@ class Files {
 
     // False for an invalid file name. Throws BadRequest for a file that cannot be written.
     bool receive(const std::shared_ptr<Client>& client, Reception::Order order);
-    void step(int milliseconds);
+    // Passes the time of the clients, not that of the arm.
+    void step(double milliseconds);
 
  private:
     std::vector<std::weak_ptr<Reception>> running_;

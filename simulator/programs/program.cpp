@@ -153,6 +153,10 @@ void Programs::step() {
     }
 }
 
+bool Programs::proceed() const {
+    return run_ && !(run_->held && !run_->orders->waiting()) && arm_.motion().status() != "pause";
+}
+
 // Only a program that reached its end reports that, so that no client takes an aborted one for done.
 void Programs::end(bool finished) {
     const Run run = *std::exchange(run_, std::nullopt);

@@ -42,6 +42,8 @@ class Programs {
     bool start(const Program& program, int speed, bool step_mode, const std::shared_ptr<Client>& starter);
     bool running() const { return run_.has_value(); }
     bool runs(int id) const { return run_ && run_->program.id == id; }
+    // False when it does not go on before the next request.
+    bool proceed() const;
     // Runs the next line in step mode. False if the program does not wait for it.
     bool next();
     // Ends the running program before its end, as soon as the arm rests.

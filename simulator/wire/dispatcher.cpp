@@ -5,6 +5,11 @@
 namespace sim {
 
 void Dispatcher::handle(std::string_view text, const std::shared_ptr<Client>& client) const {
+    carry_out(text, client);
+    if (handled) handled();
+}
+
+void Dispatcher::carry_out(std::string_view text, const std::shared_ptr<Client>& client) const {
     try {
         const std::optional<Json> body = Json::parse(text);
         if (!body) throw BadRequest("a request that is no JSON");

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <chrono>
+#include <functional>
 #include <set>
 #include <string>
 #include <string_view>
 
 #include "wire/command_table.h"
+#include "wire/disturbance.h"
 
 namespace sim {
 
@@ -12,7 +15,9 @@ namespace sim {
 struct Faults {
     std::set<std::string> silent_on;  // requests ignored
     std::set<std::string> refuse_on;  // actions refused
-    int delay_ms = 0;                 // before each message is sent
+    WireFaults wire;
+    std::chrono::steady_clock::time_point silent_until;  // nothing is sent before
+    unsigned seed = 1;                                   // of what is drawn
 };
 
 // Executes requests.
@@ -24,7 +29,13 @@ class Dispatcher {
     CommandTable commands;
     Faults faults;
 
+    // What requests ask of those who serve the controller.
+    std::function<void()> handled;                                            // a request has ended
+    std::function<void(const Client& spared, bool reset)> disconnect_others;  // all clients but this one
+    std::function<void(int pause_ms)> restart;                                // lose all state
+
  private:
+    void carry_out(std::string_view text, const std::shared_ptr<Client>& client) const;
     void carry_out(const Command& command, const Call& call) const;
 };
 

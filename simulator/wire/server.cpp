@@ -16,21 +16,43 @@ Server::Server(asio::io_context& io, const Dispatcher& dispatcher, const std::st
     accept();
 }
 
+// A client that sees its connection closed finds no listener.
+Server::~Server() {
+    asio::error_code ignored;
+    acceptor_.close(ignored);
+    disconnect_others(nullptr, false);
+}
+
 void Server::accept() {
-    acceptor_.async_accept([this](const asio::error_code& error, tcp::socket socket) {
-        if (error == asio::error::operation_aborted) return;
+    acceptor_.async_accept([this, alive = std::weak_ptr(alive_)](const asio::error_code& error, tcp::socket socket) {
+        if (error == asio::error::operation_aborted || alive.expired()) return;
         if (!error) {
-            std::make_shared<Session>(std::move(socket), dispatcher_)->start();
+            admit(std::move(socket));
             accept();
             return;
         }
         // Most likely out of descriptors, until a client disconnects.
         note("cannot accept a client: " + error.message());
         retry_.expires_after(std::chrono::milliseconds(100));
-        retry_.async_wait([this](const asio::error_code& stopped) {
-            if (!stopped) accept();
+        retry_.async_wait([this, alive](const asio::error_code& stopped) {
+            if (!stopped && !alive.expired()) accept();
         });
     });
+}
+
+void Server::admit(tcp::socket socket) {
+    std::erase_if(sessions_, [](const auto& session) { return session.expired(); });
+    if (sessions_.size() >= static_cast<size_t>(dispatcher_.faults.wire.max_clients)) return;
+    const auto session = std::make_shared<Session>(std::move(socket), dispatcher_);
+    sessions_.push_back(session);
+    session->start();
+}
+
+void Server::disconnect_others(const Client* spared, bool reset) {
+    for (const auto& known : sessions_) {
+        const auto session = known.lock();
+        if (session && session.get() != spared) session->drop(reset);
+    }
 }
 
 }  // namespace sim

@@ -1,5 +1,6 @@
 #include "wire/session.h"
 
+#include <algorithm>
 #include <asio/buffer.hpp>
 #include <asio/write.hpp>
 #include <utility>
@@ -19,10 +20,23 @@ std::string name_of(const asio::ip::tcp::socket& socket) {
     return error ? "client" : endpoint.address().to_string() + ":" + std::to_string(endpoint.port());
 }
 
+// Tests can always talk to the simulator itself.
+bool is_of_a_test(const std::string& reply) { return reply.find(":\"zk_sim_") < reply.find(','); }
+
+std::chrono::steady_clock::time_point next_multiple(std::chrono::steady_clock::time_point time,
+                                                    std::chrono::steady_clock::duration period) {
+    const auto rest = time.time_since_epoch() % period;
+    return rest.count() == 0 ? time : time + (period - rest);
+}
+
 }  // namespace
 
 Session::Session(asio::ip::tcp::socket socket, const Dispatcher& dispatcher)
-    : socket_(std::move(socket)), timer_(socket_.get_executor()), dispatcher_(dispatcher), name_(name_of(socket_)) {
+    : socket_(std::move(socket)),
+      timer_(socket_.get_executor()),
+      dispatcher_(dispatcher),
+      name_(name_of(socket_)),
+      disturbance_(dispatcher.faults.seed) {
     asio::error_code ignored;
     socket_.set_option(asio::ip::tcp::no_delay(true), ignored);
 }
@@ -75,43 +89,82 @@ void Session::handle_requests() {
 void Session::leave(const std::string& reason) {
     note(name_ + ": " + reason + (pending_.empty() ? "" : " in the middle of a request"));
     left_ = true;
-    if (outbox_.empty()) close();
+    if (unread_bytes_ == 0) close();
 }
 
 void Session::send(const Json& message) {
-    if (!socket_.is_open() || (left_ && outbox_.empty())) return;
-    outbox_.push_back({message.dump() + std::string(kEnd),
-                       std::chrono::steady_clock::now() + std::chrono::milliseconds(dispatcher_.faults.delay_ms)});
-    outbox_bytes_ += outbox_.back().text.size();
-    if (outbox_bytes_ > kMaxUnread) {
+    if (!socket_.is_open() || (left_ && unread_bytes_ == 0)) return;
+    const std::string text = message.dump() + std::string(kEnd);
+    is_of_a_test(text) ? post({text, last_due_}, true) : disturb(text);
+    if (unread_bytes_ > kMaxUnread) {
         note(name_ + ": does not read its replies, disconnected");
         close();
-    } else if (!sending_) {
-        send_next();
+    } else {
+        send_due();
     }
 }
 
-void Session::send_next() {
-    sending_ = !outbox_.empty();
-    if (!sending_) {
+void Session::disturb(const std::string& text) {
+    const WireFaults& faults = dispatcher_.faults.wire;
+    const Time now = std::chrono::steady_clock::now();
+    for (Sending& sending : disturbance_.sendings(text, faults.replies)) {
+        Time due = std::max(now, dispatcher_.faults.silent_until) + sending.delay;
+        if (faults.join_ms > 0) due = next_multiple(due, std::chrono::milliseconds(faults.join_ms));
+        post({disturbance_.garbage(faults.garbage) + sending.text, due}, sending.keeps_order);
+    }
+}
+
+// A message is later than those before it, unless it is overtaken.
+void Session::post(Message message, bool keeps_order) {
+    if (keeps_order) message.due = last_due_ = std::max(last_due_, message.due);
+    unread_bytes_ += message.text.size();
+    const auto later = std::upper_bound(outbox_.begin(), outbox_.end(), message.due,
+                                        [](Time due, const Message& other) { return due < other.due; });
+    outbox_.insert(later, std::move(message));
+}
+
+void Session::send_due() {
+    if (!writing_.empty()) return;
+    for (const Time now = std::chrono::steady_clock::now(); !outbox_.empty() && outbox_.front().due <= now;) {
+        writing_ += outbox_.front().text;
+        outbox_.pop_front();
+    }
+    if (!writing_.empty()) return write(0);
+    if (outbox_.empty()) {
         if (left_) close();
         return;
     }
-    if (outbox_.front().due <= std::chrono::steady_clock::now()) return write_first();
     timer_.expires_at(outbox_.front().due);
     timer_.async_wait([this, self = shared_from_this()](const asio::error_code& error) {
-        if (!error) write_first();
+        if (!error && socket_.is_open()) send_due();
     });
 }
 
-void Session::write_first() {
-    asio::async_write(socket_, asio::buffer(outbox_.front().text),
-                      [this, self = shared_from_this()](const asio::error_code& error, size_t) {
-                          if (error) return close();
-                          outbox_bytes_ -= outbox_.front().text.size();
-                          outbox_.pop_front();
-                          send_next();
+void Session::write(size_t begin) {
+    const WireFaults& faults = dispatcher_.faults.wire;
+    const size_t rest = writing_.size() - begin;
+    const size_t size = faults.slice_bytes > 0 ? std::min<size_t>(rest, faults.slice_bytes) : rest;
+    asio::async_write(socket_, asio::buffer(writing_.data() + begin, size),
+                      [this, self = shared_from_this(), begin, size](const asio::error_code& error, size_t) {
+                          if (error || !socket_.is_open()) return close();
+                          unread_bytes_ -= size;
+                          if (begin + size < writing_.size()) return write_later(begin + size);
+                          writing_.clear();
+                          send_due();
                       });
+}
+
+void Session::write_later(size_t begin) {
+    timer_.expires_after(std::chrono::milliseconds(dispatcher_.faults.wire.slice_delay_ms));
+    timer_.async_wait([this, self = shared_from_this(), begin](const asio::error_code& error) {
+        if (!error && socket_.is_open()) write(begin);
+    });
+}
+
+void Session::drop(bool reset) {
+    asio::error_code ignored;
+    if (reset) socket_.set_option(asio::socket_base::linger(true, 0), ignored);
+    close();
 }
 
 // Keeps the messages: a pending write may still use one of them.

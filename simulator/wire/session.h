@@ -10,6 +10,7 @@
 
 #include "wire/client.h"
 #include "wire/dispatcher.h"
+#include "wire/disturbance.h"
 
 namespace sim {
 
@@ -26,10 +27,15 @@ class Session : public Client, public std::enable_shared_from_this<Session> {
     void stop_reading() override;
     void disconnect() override { close(); }
 
+    // Closes the connection at once, with a reset on request.
+    void drop(bool reset);
+
  private:
+    using Time = std::chrono::steady_clock::time_point;
+
     struct Message {
         std::string text;
-        std::chrono::steady_clock::time_point due;
+        Time due;
     };
 
     void read();
@@ -38,8 +44,11 @@ class Session : public Client, public std::enable_shared_from_this<Session> {
     bool receiving() const { return receiver_ && receiver_->wants_more(); }
     void leave(const std::string& reason);
 
-    void send_next();
-    void write_first();
+    void disturb(const std::string& text);
+    void post(Message message, bool keeps_order);
+    void send_due();
+    void write(size_t begin);
+    void write_later(size_t begin);
     void close();
 
     asio::ip::tcp::socket socket_;
@@ -53,10 +62,12 @@ class Session : public Client, public std::enable_shared_from_this<Session> {
     bool stopped_ = false;   // nothing more is read
     std::shared_ptr<Receiver> receiver_;
 
-    std::deque<Message> outbox_;
-    size_t outbox_bytes_ = 0;
-    bool sending_ = false;  // the first message waits for its time, or is on its way
-    bool left_ = false;     // nothing more will come
+    Disturbance disturbance_;
+    std::deque<Message> outbox_;  // by the time that each is due
+    Time last_due_;               // of those that keep their order
+    std::string writing_;         // on its way
+    size_t unread_bytes_ = 0;
+    bool left_ = false;  // nothing more will come
 };
 
 }  // namespace sim

@@ -46,6 +46,8 @@ const ReplyRow kReplies[] = {
     {"clear_waypoint", {}, 231, "waypoint_state"},
     {"zk_sim_stream", {}, 0, "received", Json::value_t::number_unsigned},
     {"zk_sim_files", {}, 0, "files", Json::value_t::array},
+    {"zk_sim_speed", {{"speed", 1}}, 0, "done"},
+    {"zk_sim_time", {}, 0, "time", Json::value_t::number_unsigned},
     {"zk_sim_hand", {{"seconds", 1}, {"joint", {0, 0, 0, 0, 0, 0}}}, 0, "done"},
 };
 

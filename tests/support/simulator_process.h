@@ -1,41 +1,23 @@
-// The simulated controller, as a program of its own.
+// The simulated controller of this build, as a program of its own.
 #pragma once
 
-#include <sys/types.h>
-
-#include <string>
-#include <vector>
+#include "support/paths.h"
+#include "support/udp.h"
+#include "zk/simulator.hpp"
 
 namespace zk::test {
 
-class SimulatorProcess {
+class SimulatorProcess : public Simulator {
  public:
-    // Starts it on free ports with these arguments, and waits until it listens.
-    explicit SimulatorProcess(const std::vector<std::string>& arguments = {});
-    // Ends it, if it still runs.
-    ~SimulatorProcess();
-    SimulatorProcess(const SimulatorProcess&) = delete;
-    SimulatorProcess& operator=(const SimulatorProcess&) = delete;
-
-    int port() const { return port_; }
-    int push_port() const { return push_port_; }
-
-    // Its first line of output, with model and ports.
-    const std::string& first_line() const { return first_line_; }
-
-    pid_t id() const { return process_; }
-
-    // Waits for the program to end of its own accord; its exit status, or -1 when a signal ended it.
-    int wait_for_exit();
+    // Pushes to a port that nobody else takes.
+    explicit SimulatorProcess(const std::vector<std::string>& arguments = {})
+        : Simulator(with_push_port(arguments), kSimulator) {}
 
  private:
-    void end();
-
-    pid_t process_ = -1;
-    int output_ = -1;
-    std::string first_line_;
-    int port_ = 0;
-    int push_port_ = 0;
+    static std::vector<std::string> with_push_port(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"--push-port", std::to_string(reserve_udp_port())});
+        return arguments;
+    }
 };
 
 }  // namespace zk::test

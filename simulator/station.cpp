@@ -1,0 +1,59 @@
+#include "station.h"
+
+#include <asio/post.hpp>
+
+#include "clock.h"
+#include "push/push_sender.h"
+#include "wire/note.h"
+#include "wire/server.h"
+
+namespace sim {
+
+struct Station::Running {
+    Running(asio::io_context& io, const Options& options)
+        : controller(options),
+          server(io, controller.dispatcher(), options.listen, options.port),
+          push(io, controller.push(), options.listen, controller.dispatcher().faults),
+          clock(io, controller, [this] { push.step(); }) {
+        controller.dispatcher().disconnect_others = [this](const Client& spared, bool reset) {
+            server.disconnect_others(&spared, reset);
+        };
+    }
+
+    Controller controller;
+    Server server;
+    PushSender push;
+    Clock clock;
+};
+
+Station::Station(asio::io_context& io, Options options) : io_(io), options_(std::move(options)), pause_(io) {
+    if (options_.push.port == 0) options_.push.port = free_udp_port(io);
+    start();
+    options_.port = running_->server.port();
+}
+
+Station::~Station() = default;
+
+std::string Station::description() const {
+    return "model=" + options_.model.name + " port=" + std::to_string(options_.port) +
+           " push_port=" + std::to_string(options_.push.port);
+}
+
+void Station::start() {
+    running_ = std::make_unique<Running>(io_, options_);
+    running_->controller.dispatcher().restart = [this](int pause_ms) { restart(pause_ms); };
+}
+
+// In a handler of its own: a request of the controller asks for it.
+void Station::restart(int pause_ms) {
+    asio::post(io_, [this, pause_ms] {
+        note("restart");
+        running_.reset();
+        pause_.expires_after(std::chrono::milliseconds(pause_ms));
+        pause_.async_wait([this](const asio::error_code& error) {
+            if (!error) start();
+        });
+    });
+}
+
+}  // namespace sim
