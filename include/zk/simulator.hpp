@@ -40,8 +40,7 @@ class Simulator {
 
     /* Starts it on free ports of 127.0.0.1 with these further arguments (zk_simulator --help lists them), and waits
      * until it listens. Throws std::runtime_error when it does not start. */
-    explicit Simulator(const std::vector<std::string>& arguments = {},
-                       const std::string& program = default_program()) {
+    explicit Simulator(const std::vector<std::string>& arguments = {}, const std::string& program = default_program()) {
         std::vector<std::string> words{program, "--port", "0", "--push-port", "0", "--until-eof"};
         words.insert(words.end(), arguments.begin(), arguments.end());
         start(words);
@@ -58,8 +57,8 @@ class Simulator {
     Simulator(const Simulator&) = delete;
     Simulator& operator=(const Simulator&) = delete;
 
-    int port() const { return port_; }            /* TCP, for requests */
-    int push_port() const { return push_port_; }  /* UDP, to which it pushes its state */
+    int port() const { return port_; }           /* TCP, for requests */
+    int push_port() const { return push_port_; } /* UDP, to which it pushes its state */
     pid_t id() const { return process_; }
 
     /* Its first line of output, with the model and the ports. */
@@ -164,7 +163,7 @@ class Simulator {
     }
 
     pid_t process_ = -1;
-    int input_ = -1;   /* held open: its end ends the simulator */
+    int input_ = -1; /* held open: its end ends the simulator */
     int output_ = -1;
     std::string first_line_;
     int port_ = 0;

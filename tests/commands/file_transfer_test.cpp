@@ -7,11 +7,11 @@
 
 #include <algorithm>
 #include <cstring>
-#include <regex>
 
 #include "commands/project.h"
 #include "support/command_case.h"
 #include "support/parser_case.h"
+#include "support/pattern.h"
 #include "support/simulated_arm.h"
 #include "support/temporary_file.h"
 #include "support/wire_protocol.h"
@@ -340,8 +340,7 @@ TEST(Project, WithItsHeaderGoesOutAsACopyUnderANewName) {
     ASSERT_EQ(Send_TrajectoryFile(arm, nullptr, params), 0);
     std::string name;
     for (const auto& entry : std::filesystem::directory_iterator(directory().path())) {
-        if (std::regex_match(entry.path().filename().string(),
-                             std::regex(R"(a\.b\d{4}-\d\d-\d\d \d\d_\d\d_\d\d\.txt)")))
+        if (matches(entry.path().filename().string(), R"(a\.b\d{4}-\d\d-\d\d \d\d_\d\d_\d\d\.txt)"))
             name = entry.path().filename();
     }
     const std::string expected =

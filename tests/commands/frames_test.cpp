@@ -3,11 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
-
 #include "support/command_case.h"
 #include "support/kdl_frames.h"
 #include "support/parser_case.h"
+#include "support/pattern.h"
 #include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
 #include "zk/algorithm.h"
@@ -137,8 +136,8 @@ const std::vector<CommandCase> kRows = {
 
 // Only these names touch the local picture.
 bool touches(const std::string& name, const std::string& kind) {
-    static const std::regex touching("(Get_Current|(Unwaited_)?(Change|Delete))_(Tool|Work)_Frame");
-    return std::regex_match(name, touching) && name.find(kind) != std::string::npos;
+    return matches(name, "(Get_Current|(Unwaited_)?(Change|Delete))_(Tool|Work)_Frame") &&
+           name.find(kind) != std::string::npos;
 }
 
 class Frames : public testing::TestWithParam<CommandCase> {};

@@ -3,10 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
-
 #include "commands/wire.h"
 #include "support/parser_case.h"
+#include "support/pattern.h"
 #include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
 #include "zk/mailboxes.h"
@@ -104,9 +103,8 @@ TEST(IoGuards, SingleInputsAndOutputsWaitInTheQueueDuringAFileTransfer) {
     set_shared(m_nOutTime, 1);
     const ArmSocket arm = connect_arm(controller);
     std::vector<CommandCase> rows = kRows;
-    std::erase_if(rows, [](const CommandCase& row) {
-        return !std::regex_match(row.name, std::regex("(Unwaited_)?(Set_[DA]O|Get_[DA][IO])_State"));
-    });
+    std::erase_if(
+        rows, [](const CommandCase& row) { return !matches(row.name, "(Unwaited_)?(Set_[DA]O|Get_[DA][IO])_State"); });
     EXPECT_EQ(rows.size(), 8u);
     set_shared(IsSendFile, 1);
     std::string outputs;

@@ -5,12 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <regex>
 #include <set>
 #include <sstream>
 
 #include "support/parser_case.h"
 #include "support/paths.h"
+#include "support/pattern.h"
 #include "zk_base.h"
 
 namespace {
@@ -30,15 +30,13 @@ TEST(SecondParsers, AreTheirNamesakes) {
     std::stringstream text;
     text << std::ifstream(std::string(kSourceFolder) + "/include/zk/replies/second_parsers.h").rdbuf();
     const std::string header = text.str();
-    const std::regex declaration(R"(ZK_API int (\w+)_E\()");
-    size_t count = 0;
-    for (std::sregex_iterator found(header.begin(), header.end(), declaration), end; found != end; ++found, ++count) {
-        const std::string name = (*found)[1];
+    const std::vector<std::string> names = found_in(header, R"(ZK_API int (\w+)_E\()");
+    for (const std::string& name : names) {
         void* const second = dlsym(RTLD_DEFAULT, (name + "_E").c_str());
         EXPECT_NE(second, nullptr) << name;
         EXPECT_EQ(second == dlsym(RTLD_DEFAULT, name.c_str()), own.count(name + "_E") == 0) << name;
     }
-    EXPECT_GT(count, own.size());
+    EXPECT_GT(names.size(), own.size());
 }
 
 // Parsers of acknowledgements that no row runs: their replies reach no mailbox, or no command asks for them.

@@ -8,11 +8,11 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <set>
 #include <sstream>
 
 #include "support/paths.h"
+#include "support/pattern.h"
 #include "zk_base.h"
 
 namespace {
@@ -195,20 +195,17 @@ size_t size_without_guard(void* start, size_t size) {
 // Every mailbox that the headers declare.
 std::vector<Mailbox> all_mailboxes() {
     std::vector<Mailbox> all;
-    const std::regex declaration(R"(ZK_API \w+ (\w+_Cmd)\[ZK_SLOTS\];)");
     for (const auto& header :
          std::filesystem::recursive_directory_iterator(std::string(zk::test::kSourceFolder) + "/include/zk")) {
         if (!header.is_regular_file()) continue;
         std::ostringstream text;
         text << std::ifstream(header.path()).rdbuf();
-        const std::string content = text.str();
-        for (std::sregex_iterator found(content.begin(), content.end(), declaration), end; found != end; ++found) {
-            void* const records = dlsym(RTLD_DEFAULT, (*found)[1].str().c_str());
+        for (const std::string& name : zk::test::found_in(text.str(), R"(ZK_API \w+ (\w+_Cmd)\[ZK_SLOTS\];)")) {
+            void* const records = dlsym(RTLD_DEFAULT, name.c_str());
             Dl_info info;
             ElfW(Sym)* symbol = nullptr;
             dladdr1(records, &info, reinterpret_cast<void**>(&symbol), RTLD_DL_SYMENT);
-            all.push_back(
-                {(*found)[1], static_cast<char*>(records), size_without_guard(records, symbol->st_size) / ZK_SLOTS});
+            all.push_back({name, static_cast<char*>(records), size_without_guard(records, symbol->st_size) / ZK_SLOTS});
         }
     }
     return all;

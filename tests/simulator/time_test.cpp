@@ -49,7 +49,7 @@ TEST(Time, ChangesItsSpeedWhileTheArmMoves) {
     Talk talk({"--quiet", "--speed", "0.1"});
     EXPECT_EQ(talk.ask("zk_sim_time").at("speed"), 0.1);
     ASSERT_TRUE(talk.movej({90, 0, 0, 0, 0, 0}, 1));  // minutes
-    for (const Json speed : {Json(0.05), Json(101), Json("fast"), Json(true)})
+    for (const Json& speed : {Json(0.05), Json(101), Json("fast"), Json(true)})
         EXPECT_EQ(talk.ask("zk_sim_speed", {{"speed", speed}}).at("done"), false) << speed;
     EXPECT_EQ(talk.ask("zk_sim_speed", {{"speed", 100}}).at("done"), true);
     EXPECT_TRUE(talk.read_arrival());
