@@ -118,13 +118,13 @@ TEST_F(WireFaults, DisturbDatagrams) {
     const auto time_pushed = [&] { return talk_.state().at("time").get<int64_t>(); };
     set({{"push_drop", 100}});
     talk_.push.forget();
-    ask_power();
+    talk_.ask("get_arm_power_state");
     set({{"push_drop", 0}, {"push_double", 100}});
     const int64_t now = talk_.ask("zk_sim_time").at("time");
     EXPECT_EQ(time_pushed(), now);
     EXPECT_EQ(time_pushed(), now);
     set({{"push_double", 0}, {"push_reorder", 30}});
-    for (int i = 0; i < 20; ++i) ask_power();
+    for (int i = 0; i < 20; ++i) talk_.ask("get_arm_power_state");
     int64_t before = 0, time = 0;
     while ((time = time_pushed()) >= before && time > 0) before = time;
     EXPECT_LT(time, before) << "an older datagram comes later";
