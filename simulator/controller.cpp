@@ -35,6 +35,7 @@ Controller::Controller(const Options& options)
     };
     add_commands();
     set_faults(options);
+    if (options.events) scenario_.emplace(*options.events, Scenario::Parts{time_, arm_, ports_, dispatcher_});
     force_.measure();
 }
 
@@ -73,13 +74,14 @@ void Controller::add_commands() {
     add_fence_commands(table, guard_.safety, tool_.tools);
     add_modbus_commands(table, modbus_);
     add_system_commands(table, time_, arm_, modbus_);
-    add_io_commands(table);
+    add_io_commands(table, ports_);
     add_gripper_commands(table, devices_.gripper);
     add_hand_commands(table, devices_.hand);
     add_axis_commands(table, devices_);
     add_file_commands(table, files_, programs_, drag_);
     add_program_commands(table, programs_, arm_);
     add_waypoint_commands(table, arm_);
+    add_world_commands(table, ports_, modbus_, force_.wall, devices_.gripper);
     add_time_commands(table, time_);
     add_fault_commands(table, dispatcher_, files_, arm_);
 }
@@ -87,6 +89,7 @@ void Controller::add_commands() {
 void Controller::step() {
     constexpr double kSeconds = kStepMs / 1000.0;
     time_.milliseconds += kStepMs;
+    if (scenario_) scenario_->step();
     guard_.step();
     drag_.step(kSeconds);
     force_.step_hold(kSeconds);
@@ -99,7 +102,7 @@ void Controller::step() {
 
 bool Controller::rests() const {
     return arm_.motion().rests() && !drag_.leads() && devices_.rest() && !programs_.proceed() &&
-           !force_.hold.active() && !force_.hold.stands_off();
+           !force_.hold.active() && !force_.hold.stands_off() && !(scenario_ && scenario_->waits());
 }
 
 }  // namespace sim

@@ -11,6 +11,8 @@
 #include "push/push.h"
 #include "wire/dispatcher.h"
 #include "world/guard.h"
+#include "world/ports.h"
+#include "world/scenario.h"
 #include "world/time.h"
 
 namespace sim {
@@ -46,11 +48,13 @@ class Controller {
     DragTeach drag_{arm_};
     Devices devices_;
     ModbusMaster modbus_;
+    Ports ports_;
     Files files_;
     Dispatcher dispatcher_;
     Programs programs_{dispatcher_, arm_};
     Push push_;
     Guard guard_{arm_, tool_};
+    std::optional<Scenario> scenario_;
 };
 
 }  // namespace sim

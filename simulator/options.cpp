@@ -122,10 +122,9 @@ double parse_noise(std::string_view option, std::string_view text) {
 }
 
 Wall parse_wall(std::string_view option, std::string_view text) {
-    constexpr double kStiffest = 50'000;  // newtons per metre; a hold on a stiffer wall does not settle
     const std::vector<double> values = parse_list(option, text, 7);
     Wall wall{KDL::Vector(values[0], values[1], values[2]), KDL::Vector(values[3], values[4], values[5]), values[6]};
-    if (wall.normal.Normalize() == 0 || wall.stiffness < 0 || wall.stiffness > kStiffest)
+    if (wall.normal.Normalize() == 0 || wall.stiffness < 0 || wall.stiffness > Wall::kStiffest)
         throw std::invalid_argument("--wall: needs a normal, and a stiffness from 0 to 50000 N/m");
     return wall;
 }
@@ -149,6 +148,8 @@ void set_wire_fault(WireFaults& faults, const std::string& text) {
     }
     throw std::invalid_argument("--fault: there is no fault '" + name + "'");
 }
+
+void take_scenario(Options& options, const std::string& path);
 
 struct OptionRow {
     const char* name;
@@ -196,6 +197,8 @@ constexpr OptionRow kOptions[] = {
      [](Options& o, const string& value) { o.seed = static_cast<unsigned>(parse_integer("seed", value, 0, INT_MAX)); }},
     {"speed", "N", "speed of simulated time, 0.1 to 100 (1); max: each request runs to rest at once",
      [](Options& o, const string& value) { o.speed = parse_speed("speed", value); }},
+    {"scenario", "FILE", "options and events from a file; options after it replace its own",
+     [](Options& o, const string& value) { take_scenario(o, value); }},
     {"silent-on", "COMMAND", "ignore this command; may be given several times",
      [](Options& o, const string& value) { o.silent_on.push_back(value); }},
     {"refuse-on", "COMMAND", "answer this command with false; may be given several times",
@@ -266,20 +269,41 @@ std::string spelled(const Json& value) {
 
 // The options of one arm of the list, {"model": "ZK75-6F", "port": 8081, ...}, over those of the command line.
 Options options_of(const Json& arm, Options options) {
-    if (!arm.is_object()) throw std::invalid_argument("--arms: is no list of objects");
+    if (!arm.is_object()) throw std::invalid_argument("the options of an arm are no object");
     for (const auto& [name, value] : arm.members()) {
         const auto row = std::find_if(std::begin(kOptions), std::end(kOptions),
                                       [&name = name](const OptionRow& known) { return name == known.name; });
-        if (row == std::end(kOptions)) throw std::invalid_argument("--arms: unknown option '" + name + "'");
-        row->take(options, spelled(value));
+        if (row == std::end(kOptions)) throw std::invalid_argument("unknown option '" + name + "'");
+        if (*row->value)
+            row->take(options, spelled(value));
+        else if (value.is_boolean() && value.boolean())
+            row->take(options, "");
     }
     return options;
 }
 
-std::vector<Options> listed_arms(const Options& common) {
+std::optional<Json> json_in(const std::string& path) {
     std::ostringstream text;
-    text << std::ifstream(common.arms).rdbuf();
-    const std::optional<Json> list = Json::parse(text.str(), true);
+    text << std::ifstream(path).rdbuf();
+    return Json::parse(text.str(), true);
+}
+
+void take_scenario(Options& options, const std::string& path) {
+    const std::optional<Json> scenario = json_in(path);
+    if (!scenario || !scenario->is_object())
+        throw std::invalid_argument("--scenario: '" + path + "' holds no JSON object");
+    for (const auto& [name, value] : scenario->members()) {
+        if (name == "options")
+            options = options_of(value, options);
+        else if (name == "events" && value.is_array())
+            options.events = value;
+        else if (name != "description")
+            throw std::invalid_argument("--scenario: '" + name + "' is none of description, options, events");
+    }
+}
+
+std::vector<Options> listed_arms(const Options& common) {
+    const std::optional<Json> list = json_in(common.arms);
     if (!list || !list->is_array() || list->items().empty())
         throw std::invalid_argument("--arms: '" + common.arms + "' holds no list");
     std::vector<Options> arms;

@@ -10,6 +10,7 @@
 #include "programs/files.h"
 #include "push/push.h"
 #include "wire/disturbance.h"
+#include "wire/json.h"
 #include "world/hand.h"
 #include "world/load.h"
 #include "world/wall.h"
@@ -41,6 +42,7 @@ struct Options {
     std::vector<std::string> silent_on;
     std::vector<std::string> refuse_on;
     WireFaults wire;
+    std::optional<Json> events;  // of a scenario
     TransferFault transfer_fault;
     std::string files;  // directory where files from clients are stored; empty: nowhere
 };

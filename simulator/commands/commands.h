@@ -17,9 +17,11 @@ class ModbusMaster;
 class Programs;
 class Tool;
 struct Devices;
+struct Ports;
 struct PushSettings;
 struct Safety;
 struct SimulatedTime;
+struct Wall;
 
 // One function for each family of commands, in <family>.cpp. It gets the parts of the controller on which they act.
 void add_joint_commands(CommandTable& table, Arm& arm);
@@ -37,13 +39,14 @@ void add_push_commands(CommandTable& table, PushSettings& settings, const Arm& a
 void add_fence_commands(CommandTable& table, Safety& safety, const FrameStore& tools);
 void add_modbus_commands(CommandTable& table, ModbusMaster& modbus);
 void add_system_commands(CommandTable& table, const SimulatedTime& time, Arm& arm, ModbusMaster& modbus);
-void add_io_commands(CommandTable& table);
+void add_io_commands(CommandTable& table, Ports& ports);
 void add_gripper_commands(CommandTable& table, Gripper& gripper);
 void add_hand_commands(CommandTable& table, Hand& hand);
 void add_axis_commands(CommandTable& table, Devices& devices);
 void add_file_commands(CommandTable& table, Files& files, Programs& programs, const DragTeach& drag);
 void add_program_commands(CommandTable& table, Programs& programs, const Arm& arm);
 void add_waypoint_commands(CommandTable& table, const Arm& arm);
+void add_world_commands(CommandTable& table, Ports& ports, ModbusMaster& modbus, Wall& wall, Gripper& gripper);
 void add_time_commands(CommandTable& table, SimulatedTime& time);
 void add_fault_commands(CommandTable& table, Dispatcher& dispatcher, Files& files, Arm& arm);
 

@@ -10,7 +10,7 @@
 namespace sim {
 namespace {
 
-constexpr int kMinute = 60'000;
+constexpr int kLongestMs = 60'000;
 
 std::set<std::string> known_commands(const CommandTable& table, const Request& request, const char* key) {
     const std::vector<std::string> names = request.texts(key);
@@ -40,7 +40,7 @@ bool set_faults(Dispatcher& dispatcher, Files& files, Arm& arm, const Call& call
     }
     if (request.has("silence_ms")) {
         faults.silent_until =
-            std::chrono::steady_clock::now() + std::chrono::milliseconds(request.integer("silence_ms", 0, kMinute));
+            std::chrono::steady_clock::now() + std::chrono::milliseconds(request.integer("silence_ms", 0, kLongestMs));
     }
     if (request.has("transfer")) transfer = transfer_fault(request.object("transfer"));
     const auto word = [&](const char* key, int now) {
@@ -65,7 +65,7 @@ bool disconnect(const Dispatcher& dispatcher, const Call& call) {
 
 // {"command": "zk_sim_restart", "pause_ms": 500}: nobody listens in between.
 bool restart(const Dispatcher& dispatcher, const Call& call) {
-    const int pause_ms = call.request.has("pause_ms") ? call.request.integer("pause_ms", 0, kMinute) : 0;
+    const int pause_ms = call.request.has("pause_ms") ? call.request.integer("pause_ms", 0, kLongestMs) : 0;
     if (dispatcher.restart) dispatcher.restart(pause_ms);
     return dispatcher.restart != nullptr;
 }

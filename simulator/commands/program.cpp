@@ -7,7 +7,7 @@
 namespace sim {
 namespace {
 
-constexpr int kMostOnAPage = 100;
+constexpr int kMostPrograms = 100;
 constexpr size_t kLongestName = 31;  // clients store a name in 32 bytes
 
 int id_of(const Request& request) { return request.integer("id", 1, Programs::kMaxId); }
@@ -20,7 +20,7 @@ Json program_list(const Programs& programs, const Call& call) {
                            {"speed", program.speed},
                            {"trajectory_name", program.name.substr(0, kLongestName)}});
     }
-    return page_reply(page_of(call.request, kMostOnAPage), entries, "trajectory_name");
+    return page_reply(page_of(call.request, kMostPrograms), entries, "trajectory_name");
 }
 
 bool start_program(Programs& programs, const Arm& arm, const Call& call) {

@@ -11,7 +11,7 @@ namespace sim {
 namespace {
 
 constexpr size_t kMaxGlobalWaypoints = 100;
-constexpr int kMostOnAPage = 30;
+constexpr int kMostWaypoints = 30;
 
 using GlobalWaypoints = std::map<std::string, Json>;
 
@@ -45,7 +45,7 @@ Json given(const Call& call, const GlobalWaypoints& waypoints) {
 Json list(const Call& call, const GlobalWaypoints& waypoints) {
     std::vector<Json> entries;
     for (const auto& [name, waypoint] : waypoints) entries.push_back(waypoint);
-    Json reply = page_reply(page_of(call.request, kMostOnAPage), entries, "point_name");
+    Json reply = page_reply(page_of(call.request, kMostWaypoints), entries, "point_name");
     reply["get_state"] = true;
     return reply;
 }

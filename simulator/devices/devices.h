@@ -60,6 +60,7 @@ class Gripper {
     int opening() const;
     bool moving() const { return fingers_.moving(); }
     bool holds_object() const;
+    void put_between(int object_width) { object_ = object_width; }
     int force() const { return holds_object() ? force_ : 0; }
     Mode mode() const { return mode_; }
 

@@ -7,29 +7,33 @@
 
 namespace sim {
 
-// The registers of one device on a bus. Coils and holding registers are 0 until written. Inputs are constant: a
-// discrete input is on at odd addresses, an input register holds its address.
+// The registers of one device on a bus. Coils and holding registers are 0 until written. Until it is set from outside,
+// a discrete input is on at odd addresses, and an input register holds its address.
 class ModbusDevice {
  public:
     static constexpr int kAddresses = 65536;  // of each kind
 
-    bool coil(int address) const { return held(coils_, address) != 0; }
-    bool discrete_input(int address) const { return address % 2 != 0; }
-    int holding_register(int address) const { return held(registers_, address); }
-    int input_register(int address) const { return address; }
+    bool coil(int address) const { return held(coils_, address, 0) != 0; }
+    bool discrete_input(int address) const { return held(discrete_inputs_, address, address % 2) != 0; }
+    int holding_register(int address) const { return held(registers_, address, 0); }
+    int input_register(int address) const { return held(input_registers_, address, address); }
 
-    void write_coil(int address, bool on) { coils_[address] = on ? 1 : 0; }
+    void write_coil(int address, int on) { coils_[address] = on ? 1 : 0; }
     void write_register(int address, int value) { registers_[address] = value; }
+    void set_discrete_input(int address, int on) { discrete_inputs_[address] = on ? 1 : 0; }
+    void set_input_register(int address, int value) { input_registers_[address] = value; }
 
  private:
     using Bank = std::map<int, int>;
-    static int held(const Bank& bank, int address) {
+    static int held(const Bank& bank, int address, int otherwise) {
         const auto found = bank.find(address);
-        return found == bank.end() ? 0 : found->second;
+        return found == bank.end() ? otherwise : found->second;
     }
 
     Bank coils_;
     Bank registers_;
+    Bank discrete_inputs_;
+    Bank input_registers_;
 };
 
 // One port of the controller, with its devices. When open, it is the master of its bus.

@@ -6,6 +6,8 @@ namespace sim {
 
 // An elastic wall in the room. It presses a tool that enters it back along its normal.
 struct Wall {
+    static constexpr double kStiffest = 50'000;  // newtons per metre; a hold on a stiffer wall does not settle
+
     KDL::Vector place;
     KDL::Vector normal{0, 0, 1};
     double stiffness = 0;  // newtons per metre; 0: there is no wall

@@ -1,0 +1,87 @@
+// What surrounds the arm, changed from outside: inputs, Modbus registers, the wall, the object for the gripper.
+
+#include "commands/commands.h"
+#include "devices/devices.h"
+#include "devices/modbus.h"
+#include "wire/command_table.h"
+#include "world/ports.h"
+#include "world/wall.h"
+
+namespace sim {
+namespace {
+
+constexpr double kFarthest = 10;  // metres
+
+template <class Port, size_t size>
+bool drive(const Request& request, std::array<Port, size>& ports, int highest) {
+    Port& port = ports[static_cast<size_t>(request.integer("IO_Num", 1, static_cast<int>(size)) - 1)];
+    if (request.has("value"))
+        port.driven = request.integer("value", 0, highest);
+    else
+        port.driven.reset();
+    return true;
+}
+
+// {"command": "zk_sim_input", "kind": "DI", "IO_Num": 3, "value": 1}; without a value it is left to its output again.
+bool set_input(Ports& ports, const Call& call) {
+    const std::string kind = call.request.text("kind");
+    if (kind == "DI") return drive(call.request, ports.digital, 1);
+    if (kind == "AI") return drive(call.request, ports.analogue, AnaloguePort::kHighest);
+    if (kind == "tool_DI") return drive(call.request, ports.tool, 1);
+    throw BadRequest("\"kind\" is none of DI, AI, tool_DI");
+}
+
+// {"command": "zk_sim_modbus", "port": 0, "device": 1, "kind": "input_register", "address": 7, "values": [1, 2]}
+bool set_registers(ModbusMaster& modbus, const Call& call) {
+    const Request& request = call.request;
+    const int port = request.integer("port", 0, ModbusMaster::ZK_K_PORTS - 1);
+    const int number = request.integer("device", 1, ModbusPort::kDevices);
+    const std::vector<int> values = request.integers("values");
+    const int first = request.integer("address", 0, ModbusDevice::kAddresses - static_cast<int>(values.size()));
+    ModbusDevice& device = modbus.port(port).devices[static_cast<size_t>(number - 1)];
+    const std::string kind = request.text("kind");
+    void (ModbusDevice::*write)(int, int) = kind == "coil"               ? &ModbusDevice::write_coil
+                                            : kind == "discrete_input"   ? &ModbusDevice::set_discrete_input
+                                            : kind == "holding_register" ? &ModbusDevice::write_register
+                                            : kind == "input_register"   ? &ModbusDevice::set_input_register
+                                                                         : nullptr;
+    if (!write) throw BadRequest("\"kind\" is none of coil, discrete_input, holding_register, input_register");
+    for (size_t i = 0; i < values.size(); ++i) {
+        if (values[i] < 0 || values[i] > 65535) throw BadRequest("\"values\" are no words");
+    }
+    for (size_t i = 0; i < values.size(); ++i) (device.*write)(first + static_cast<int>(i), values[i]);
+    return true;
+}
+
+// {"command": "zk_sim_wall", "place": [x, y, z]} moves the wall; "normal" and "stiffness" may be changed as well.
+bool set_wall(Wall& wall, const Call& call) {
+    const auto vector = [&](const char* key, const KDL::Vector& now) {
+        if (!call.request.has(key)) return now;
+        const std::vector<double> v = call.request.numbers(key, 3);
+        return KDL::Vector(v[0], v[1], v[2]);
+    };
+    Wall moved{vector("place", wall.place), vector("normal", wall.normal), wall.stiffness};
+    if (call.request.has("stiffness")) moved.stiffness = call.request.number("stiffness");
+    const bool is_near = moved.place.Norm() <= kFarthest;
+    if (!is_near || moved.normal.Normalize() == 0 || moved.stiffness < 0 || moved.stiffness > Wall::kStiffest)
+        return false;
+    wall = moved;
+    return true;
+}
+
+// {"command": "zk_sim_object", "width": 300}: an object between the fingers, 0 for none.
+bool set_object(Gripper& gripper, const Call& call) {
+    gripper.put_between(call.request.integer("width", 0, Gripper::kOpen - 1));
+    return true;
+}
+
+}  // namespace
+
+void add_world_commands(CommandTable& table, Ports& ports, ModbusMaster& modbus, Wall& wall, Gripper& gripper) {
+    table.set("zk_sim_input", "done", with(set_input, ports));
+    table.set("zk_sim_modbus", "done", with(set_registers, modbus));
+    table.set("zk_sim_wall", "done", with(set_wall, wall));
+    table.set("zk_sim_object", "done", with(set_object, gripper));
+}
+
+}  // namespace sim

@@ -1,0 +1,130 @@
+#include "world/scenario.h"
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+#include "motion/arm.h"
+#include "wire/dispatcher.h"
+#include "wire/note.h"
+#include "world/ports.h"
+#include "world/time.h"
+
+namespace sim {
+namespace {
+
+constexpr double kEver = std::numeric_limits<double>::infinity();
+
+// Notes what is refused.
+class Director : public Client {
+ public:
+    void send(const Json& reply) override {
+        for (const Json::Member& member : reply.members()) {
+            if (member.value.is_boolean() && !member.value.boolean()) note("scenario: refused: " + reply.dump());
+        }
+    }
+    std::string name() const override { return "scenario"; }
+};
+
+double number(const Json& object, std::string_view key, double otherwise, double low) {
+    const Json* found = object.find(key);
+    if (!found) return otherwise;
+    if (!found->is_number() || !(found->number() >= low))
+        throw std::invalid_argument("\"" + std::string(key) + "\" is no number that makes sense");
+    return found->number();
+}
+
+void allow_keys(const Json& object, std::initializer_list<std::string_view> keys) {
+    if (!object.is_object()) throw std::invalid_argument("is no object");
+    for (const Json::Member& member : object.members()) {
+        if (std::find(keys.begin(), keys.end(), member.key) == keys.end())
+            throw std::invalid_argument("unknown key \"" + member.key + "\"");
+    }
+}
+
+}  // namespace
+
+Scenario::Scenario(const Json& events, const Parts& parts) : parts_(parts), client_(std::make_shared<Director>()) {
+    if (!events.is_array()) return;
+    for (const Json& event : events.items()) {
+        try {
+            events_.push_back(event_of(event));
+        } catch (const std::invalid_argument& error) {
+            throw std::invalid_argument("scenario: event " + std::to_string(events_.size() + 1) + ": " + error.what());
+        }
+    }
+}
+
+Scenario::Event Scenario::event_of(const Json& json) const {
+    allow_keys(json, {"at", "every", "when", "after", "again", "do"});
+    if (json.contains("at") + json.contains("every") + json.contains("when") != 1)
+        throw std::invalid_argument("needs one of \"at\", \"every\" and \"when\"");
+    Event event;
+    event.every = number(json, "every", 0, 0.005);
+    event.at = number(json, "at", event.every, 0);
+    event.after = number(json, "after", 0, 0);
+    if (const Json* when = json.find("when")) read_condition(*when, event);
+    if (const Json* again = json.find("again")) event.again = again->is_boolean() && again->boolean();
+    if (!json.contains("do")) throw std::invalid_argument("needs \"do\", a list of requests");
+    read_requests(json.at("do"), event);
+    return event;
+}
+
+// {"joint": 1, "above": 45}, {"joint": 2, "below": 0}, {"output": 3, "is": 1}
+void Scenario::read_condition(const Json& when, Event& event) const {
+    allow_keys(when, {"joint", "above", "below", "output", "is"});
+    const bool of_joint = when.contains("joint");
+    event.cause = of_joint ? Cause::kJoint : Cause::kOutput;
+    event.number = static_cast<size_t>(number(when, of_joint ? "joint" : "output", 0, 1));
+    if (event.number < 1 || event.number > (of_joint ? parts_.arm.joint_count() : parts_.ports.digital.size()))
+        throw std::invalid_argument("\"when\" names no joint and no output");
+    event.low = of_joint ? number(when, "above", -kEver, -kEver) : number(when, "is", 1, 0);
+    event.high = of_joint ? number(when, "below", kEver, -kEver) : event.low;
+}
+
+void Scenario::read_requests(const Json& requests, Event& event) const {
+    if (!requests.is_array()) throw std::invalid_argument("\"do\" is no list of requests");
+    for (const Json& request : requests.items()) {
+        const Json* command = request.is_object() ? request.find("command") : nullptr;
+        if (!command || !command->is_string() || !parts_.dispatcher.commands.find(command->text()))
+            throw std::invalid_argument("unknown request " + request.dump());
+        event.requests.push_back(request.dump());
+    }
+}
+
+bool Scenario::holds(const Event& event) const {
+    const double value = event.cause == Cause::kJoint ? parts_.arm.joints()[event.number - 1]
+                                                      : parts_.ports.digital[event.number - 1].state;
+    return value >= event.low && value <= event.high;
+}
+
+void Scenario::note_cause(Event& event, double now) const {
+    if (event.cause == Cause::kTime) {
+        if (event.is_spent || now < event.at) return;
+        event.is_spent = event.every == 0;
+        event.at += event.every;
+    } else {
+        const bool was_true = std::exchange(event.was_true, holds(event));
+        if (event.is_spent || was_true || !event.was_true) return;
+        event.is_spent = !event.again;
+    }
+    event.due.push_back(now + event.after);
+}
+
+bool Scenario::waits() const {
+    return std::any_of(events_.begin(), events_.end(), [](const Event& event) { return !event.due.empty(); });
+}
+
+void Scenario::step() {
+    const double now = static_cast<double>(parts_.time.milliseconds) / 1000;
+    for (Event& event : events_) {
+        note_cause(event, now);
+        while (!event.due.empty() && event.due.front() <= now) {
+            event.due.erase(event.due.begin());
+            for (const std::string& request : event.requests) parts_.dispatcher.handle(request, client_);
+        }
+    }
+}
+
+}  // namespace sim
