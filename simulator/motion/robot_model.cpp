@@ -151,7 +151,7 @@ KDL::Chain make_chain(const ArmTable& arm, double flange) {
     return chain;
 }
 
-RobotModel make_model(const ArmTable& arm, size_t sensor) {
+RobotModel model_of(const ArmTable& arm, size_t sensor) {
     RobotModel model;
     model.name = std::string(arm.name) + kSensorMarks[sensor];
     model.sensor = static_cast<Sensor>(sensor);
@@ -168,7 +168,7 @@ RobotModel make_model(const ArmTable& arm, size_t sensor) {
 RobotModel make_model(const std::string& name) {
     for (const ArmTable& arm : kArms) {
         for (size_t sensor = 0; sensor < arm.sensors; ++sensor) {
-            if (name == std::string(arm.name) + kSensorMarks[sensor]) return make_model(arm, sensor);
+            if (name == std::string(arm.name) + kSensorMarks[sensor]) return model_of(arm, sensor);
         }
     }
     throw std::invalid_argument("unknown model '" + name + "'");
