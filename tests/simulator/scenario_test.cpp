@@ -54,7 +54,8 @@ TEST(Scenario, EventsMakeRequests) {
     const int64_t before = talk.ask("zk_sim_time").at("time");
     talk.move_to({50, 0, 0, 0, 0, 0, 0});
     EXPECT_EQ(inputs().at("AI"), Json({700, 0, 0, 0}));
-    EXPECT_GT(talk.ask("zk_sim_time").at("time").get<int64_t>(), before + 3000) << "the event comes three seconds later";
+    EXPECT_GT(talk.ask("zk_sim_time").at("time").get<int64_t>(), before + 3000)
+        << "the event comes three seconds later";
 }
 
 TEST(Scenario, TheShippedOnesRunAndWrongOnesAreRefused) {
