@@ -153,7 +153,7 @@ void owned_model(benchmark::State& state, int model, Kind kind) {
 // All tasks at once; the time is that of one.
 void batch(benchmark::State& state, int model, int threads) {
     const Tasks tasks(model);
-    constexpr int kCount = 4096;
+    constexpr int kCount = 65536;
     ZK_Model* const owned = ZK_Model_New(model, 0);
     std::vector<Pose> poses;
     std::vector<float> seeds, answers(kCount * tasks.arm.joints);

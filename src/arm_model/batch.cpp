@@ -15,21 +15,24 @@ namespace {
 
 constexpr int kMostThreads = 64, kAllFour = (1 << kFour) - 1;
 
-// Calls part(begin, end) for shares of 0 ... count on as many threads, this one among them. This one also does what the
-// system has no thread for.
+// Calls part(begin, end) for shares of 0 ... count on as many threads, this one among them. Each takes the next share
+// when it is done with one, since a new thread begins late. This one also does what the system has no thread for.
 template <class Part>
 void share_out(int count, int threads, Part part) {
-    const auto begin_of = [&](int share) { return static_cast<int>(std::int64_t{count} * share / threads); };
+    constexpr int kShare = 64;
+    std::atomic<std::int64_t> next = 0;
+    const auto work = [&] {
+        for (std::int64_t begin; (begin = next.fetch_add(kShare)) < count;) {
+            part(static_cast<int>(begin), static_cast<int>(std::min<std::int64_t>(begin + kShare, count)));
+        }
+    };
     std::array<std::thread, kMostThreads> others;
     int started = 1;
     try {
-        for (; started < threads; ++started) {
-            others[started] = std::thread(part, begin_of(started), begin_of(started + 1));
-        }
+        for (; started < threads && (started - 1) * kShare < count; ++started) others[started] = std::thread(work);
     } catch (const std::exception&) {
-        part(begin_of(started), count);
     }
-    part(0, begin_of(1));
+    work();
     for (int i = 1; i < started; ++i) others[i].join();
 }
 
