@@ -16,14 +16,20 @@ namespace {
 constexpr int kMostThreads = 64, kAllFour = (1 << kFour) - 1;
 
 // Calls part(begin, end) for shares of 0 ... count on as many threads, this one among them. Each takes the next share
-// when it is done with one, since a new thread begins late. This one also does what the system has no thread for.
+// when it is done with one, since a new thread begins late. Shares are large at first, since neighbours disturb each
+// other's caches, and small at the end, so that all end together. This thread also does what the system has no other
+// for.
 template <class Part>
 void share_out(int count, int threads, Part part) {
     constexpr int kShare = 64;
-    std::atomic<std::int64_t> next = 0;
+    std::atomic<int> next = 0;
     const auto work = [&] {
-        for (std::int64_t begin; (begin = next.fetch_add(kShare)) < count;) {
-            part(static_cast<int>(begin), static_cast<int>(std::min<std::int64_t>(begin + kShare, count)));
+        for (int begin = next; begin < count;) {
+            const int left = count - begin, share = std::max(kShare, left / (2 * threads) / kShare * kShare);
+            const int end = begin + std::min(share, left);
+            if (!next.compare_exchange_weak(begin, end)) continue;
+            part(begin, end);
+            begin = next;
         }
     };
     std::array<std::thread, kMostThreads> others;

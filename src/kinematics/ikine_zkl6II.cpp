@@ -23,12 +23,10 @@ struct Zkl63_2 {
         float k = (out * out + z * z - a3 * a3 - a4 * a4 - d4 * d4) / (2 * a3);  // (S5)
         if (k > 1 && k < 1.0002f) k = 1;
         const float root = std::sqrt(d4 * d4 + a4 * a4 - k * k);
-        return {elbow(k, root), elbow(k, -root)};
-    }
-
-    Elbow elbow(float k, float v) const {
-        const float y = d4 * k + a4 * v, x = a4 * k - d4 * v;  // (S6)
-        return {arc_tangent(y, x), direction(y, x)};
+        const float y0 = d4 * k + a4 * root, x0 = a4 * k - d4 * root;  // (S6)
+        const float y1 = d4 * k - a4 * root, x1 = a4 * k + d4 * root;
+        const auto [first, second] = arc_tangents(y0, x0, y1, x1);
+        return {{first, direction(y0, x0)}, {second, direction(y1, x1)}};
     }
 
     Point toward_t23(float r, float z, SineCosine t3) const {

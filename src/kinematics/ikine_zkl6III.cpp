@@ -24,7 +24,10 @@ class Zkl63_3 {
         const float q = wrist_.x * wrist_.x + wrist_.y * wrist_.y - d2_ * d2_;  // (L5)
         if (!(q >= 0)) return kUnreachable;
         const float root = std::sqrt(q);
-        const Shoulder shoulders[2] = {shoulder_at(root), shoulder_at(-root)};
+        const TwoPoints at = both_signs(wrist_.x, wrist_.y, d2_, root);  // (L6)
+        const Angles t1 = nearest(0, at.angles()), distances = seed_.squared(0, t1);
+        const Shoulder shoulders[2] = {{t1[0], at.direction_of(0), distances[0]},
+                                       {t1[1], at.direction_of(1), distances[1]}};
         nearest_first(shoulders, [this](const Shoulder& shoulder, int i) { try_shoulder(shoulder, 2 * i); });
         if (!found_) {  // the seed is too far away, or NaN: the first candidate is the answer
             any_is_near_ = true;
@@ -34,14 +37,17 @@ class Zkl63_3 {
     }
 
  private:
-    // A joint 1, the point at its angle, and its part of the distance to the seed.
+    // A joint 1, its sine and cosine, and its part of the distance to the seed.
     struct Shoulder {
-        float t1, y, x;
+        float t1;
+        SineCosine sc1;
         float distance;
     };
-    // A joint 2, the point at its angle before turns are added, and the part of joints 1 and 2.
+    // A joint 2, its angle before turns are added, and the part of joints 1 and 2.
     struct Elbow {
-        float t2, y, x, angle;
+        float t2;
+        SineCosine sc2;
+        float angle;
         float distance;
     };
     struct Arm {
@@ -53,10 +59,19 @@ class Zkl63_3 {
         float t4, t6;
     };
 
-    Shoulder shoulder_at(float v) const {
-        const float y1 = -wrist_.x * d2_ - wrist_.y * v, x1 = wrist_.y * d2_ - wrist_.x * v;  // (L6)
-        const float t1 = nearest(0, arc_tangent(y1, x1));
-        return {t1, y1, x1, seed_.squared(0, t1)};
+    // Two points, and their angles.
+    struct TwoPoints {
+        float y[2], x[2];
+        Angles angles() const {
+            const auto [first, second] = arc_tangents(y[0], x[0], y[1], x[1]);
+            return Angles{first, second};
+        }
+        SineCosine direction_of(int i) const { return direction(y[i], x[i]); }
+    };
+
+    // The points (y, x) = (-p k - q v, q k - p v) for v and for -v.
+    static TwoPoints both_signs(float p, float q, float k, float v) {
+        return {{-p * k - q * v, -p * k + q * v}, {q * k - p * v, q * k + p * v}};
     }
 
     // Whether a candidate of at least this distance may be the answer: the nearest, or else the first of all.
@@ -66,14 +81,17 @@ class Zkl63_3 {
 
     void try_shoulder(const Shoulder& shoulder, int order) {
         if (!may_take(shoulder.distance, order)) return;  // the other joints only add to it
-        const auto [s1, c1] = direction(shoulder.y, shoulder.x);
+        const auto [s1, c1] = shoulder.sc1;
         const Plane<float> plane = plane_of(wrist_, shoulder.t1, s1, c1, a2_);
         const float squares = plane.r * plane.r + plane.height * plane.height;
         const float k = (a3_ * a3_ + squares - (a4_ * a4_ + d4_ * d4_)) / (2 * a3_);  // (L9)
         const float q2 = squares - k * k;
         if (!(q2 >= 0)) return;
         const float root = std::sqrt(q2);
-        const Elbow elbows[2] = {elbow_at(shoulder, plane, k, root), elbow_at(shoulder, plane, k, -root)};
+        const TwoPoints at = both_signs(plane.height, plane.r, k, root);  // (L10)
+        const Angles angle = at.angles(), t2 = nearest(1, angle), distances = shoulder.distance + seed_.squared(1, t2);
+        const Elbow elbows[2] = {{t2[0], at.direction_of(0), angle[0], distances[0]},
+                                 {t2[1], at.direction_of(1), angle[1], distances[1]}};
         if (any_is_near_) {
             for (const Elbow& elbow : elbows) try_elbow(plane, elbow, order);
         } else {
@@ -81,18 +99,12 @@ class Zkl63_3 {
         }
     }
 
-    Elbow elbow_at(const Shoulder& shoulder, const Plane<float>& plane, float k, float v) const {
-        const float y2 = -plane.height * k - plane.r * v, x2 = plane.r * k - plane.height * v;
-        const float angle = arc_tangent(y2, x2), t2 = nearest(1, angle);  // (L10)
-        return {t2, y2, x2, angle, shoulder.distance + seed_.squared(1, t2)};
-    }
-
     void try_elbow(const Plane<float>& plane, const Elbow& elbow, int order) {
         if (!may_take(elbow.distance, order)) return;
-        const auto [s2, c2] = direction(elbow.y, elbow.x);
+        const auto [s2, c2] = elbow.sc2;
         const float gx = plane.r - a3_ * c2, gy = -plane.height - a3_ * s2;  // (L11)
         const float y23 = a4_ * gy + d4_ * gx, x23 = a4_ * gx - d4_ * gy;
-        const float t3 = nearest(2, arc_tangent(y23, x23) - elbow.angle);  // (L12)
+        const float t3 = nearest(2, Angles{arc_tangent(y23, x23) - elbow.angle})[0];  // (L12)
         const Arm arm = {plane.t1, elbow.t2, t3, direction(y23, x23), elbow.distance + seed_.squared(2, t3)};
         try_wrists(plane, arm, order);
     }
@@ -111,18 +123,17 @@ class Zkl63_3 {
         const float t5 = arc_tangent(std::sqrt((1 - c5) * (1 + c5)), c5);  // (L13)
         if (std::fabs(c5) < 1) {
             const auto [t4, t6] = regular_wrist(n);
-            offer(arm, order, t4, t5, t6);
-            offer(arm, order, opposite(t4), -t5, opposite(t6));
+            offer(arm, order, Angles{t4, opposite(t4)}, t5, Angles{t6, opposite(t6)});
         } else {
             const auto [t4, t6] = singular_wrist(n, c5);
-            offer(arm, order, t4, t5, t6);
-            offer(arm, order, t4, -t5, t6);
+            offer(arm, order, Angles{t4, t4}, t5, Angles{t6, t6});
         }
     }
 
     // Of the wrist with sin t5 above 0; in the other one both pairs change sign.  (L14)
     static Ends regular_wrist(const float (&n)[3][3]) {
-        return {arc_tangent(n[1][2], n[0][2]), arc_tangent(n[2][1], -n[2][0])};
+        const auto [t4, t6] = arc_tangents(n[1][2], n[0][2], n[2][1], -n[2][0]);
+        return {t4, t6};
     }
 
     // Only t4 + t6, or t6 - t4, is defined. It is split evenly between the joints, counted from the seed's joint 4 and
@@ -137,19 +148,19 @@ class Zkl63_3 {
         return {s4 - h, h + e};
     }
 
-    // The angle moved by turns: into its limits, then next to the seed, within the limits or not.
-    float nearest(int j, float theta) const { return beside(seed_.theta[j], range_.wrapped(j, theta)); }
+    // Angles moved by turns: into the limits of a joint, then next to the seed, within the limits or not.
+    Angles nearest(int j, Angles theta) const { return beside(Angles{} + seed_.theta[j], range_.wrapped(j, theta)); }
 
-    // Keeps the nearest to the seed; the first of all when none is near.
-    void offer(const Arm& arm, int order, float t4, float t5, float t6) {
-        const float theta[6] = {arm.t1, arm.t2, arm.t3, nearest(3, t4), nearest(4, t5), nearest(5, t6)};
-        const float distance =
-            arm.distance + seed_.squared(3, theta[3]) + seed_.squared(4, theta[4]) + seed_.squared(5, theta[5]);
-        if (!may_take(distance, order)) return;
-        std::copy_n(theta, 6, best_.theta);
-        best_.distance = distance;
-        best_.order = order;
-        found_ = true;
+    // Of the two wrists of an arm, with t5 and -t5, keeps the nearer to the seed; the first of all when none is near.
+    void offer(const Arm& arm, int order, Angles t4, float t5, Angles t6) {
+        t4 = nearest(3, t4), t6 = nearest(5, t6);
+        const Angles both5 = nearest(4, Angles{t5, -t5});
+        const Angles distance = arm.distance + seed_.squared(3, t4) + seed_.squared(4, both5) + seed_.squared(5, t6);
+        for (int i = 0; i < 2; ++i) {
+            if (!may_take(distance[i], order)) continue;
+            best_ = {{arm.t1, arm.t2, arm.t3, t4[i], both5[i], t6[i]}, distance[i], order};
+            found_ = true;
+        }
     }
 
     int write(float* joint) const {

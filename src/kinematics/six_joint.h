@@ -16,12 +16,23 @@ namespace zk {
 
 inline constexpr float kTurn = 6.2831855f, kHalfTurn = 3.1415927f, kQuarterTurn = 1.5707964f;
 
-// The angle moved by a turn if that brings it nearer to the seed. Without a branch, like `wrapped`: no processor can
+// Four angles in a register.
+typedef float Angles __attribute__((vector_size(16)));
+
+// Angles moved by a turn, up where they are below and down where they are above. Without a branch: no processor can
 // predict the direction.
-inline float beside(float seed, float theta) {
-    const float e = seed - theta;
-    return theta + kTurn * static_cast<float>((e > kHalfTurn) - (e < -kHalfTurn));
+template <class Mask>
+Angles turned(Angles theta, Mask below, Mask above) {
+    const Mask turn = (Mask)(Angles{} + kTurn);
+    return theta + ((Angles)(below & turn) - (Angles)(above & turn));
 }
+
+// Angles moved by a turn where that brings them nearer to the seed's.
+inline Angles beside(Angles seed, Angles theta) {
+    const Angles e = seed - theta;
+    return turned(theta, e > kHalfTurn, e < -kHalfTurn);
+}
+inline float beside(float seed, float theta) { return beside(Angles{seed}, Angles{theta})[0]; }
 
 // The angle of the opposite direction, atan2(-y, -x).
 inline float opposite(float theta) { return std::signbit(theta) ? theta + kHalfTurn : theta - kHalfTurn; }
@@ -99,8 +110,9 @@ struct Seed {
     }
 
     // A term of E = 2.4 e1^2 + 2.4 e2^2 + 2.4 e3^2 + e4^2 + e5^2 + e6^2, the distance to the seed.
-    Real squared(int j, Real angle) const {
-        const Real e = angle - theta[j];
+    template <class Angle>
+    Angle squared(int j, Angle angle) const {
+        const Angle e = angle - theta[j];
         return j < 3 ? Real(2.4) * e * e : e * e;
     }
 };
@@ -127,10 +139,12 @@ struct Range {
     }
     bool holds(int joint, float theta) const { return theta >= min[joint] && theta <= max[joint]; }
 
-    // An angle outside the range, moved by a turn towards it.
-    float wrapped(int joint, float theta) const {
-        return theta + kTurn * static_cast<float>((min[joint] > theta) - (theta > max[joint]));
+    // Angles outside the range of a joint, moved by a turn towards it.
+    Angles wrapped(int joint, Angles theta) const {
+        const auto below = theta<min[joint], above = theta> max[joint];
+        return turned(theta, below, above);
     }
+    float wrapped(int joint, float theta) const { return wrapped(joint, Angles{theta})[0]; }
 };
 
 // The candidate nearest to the seed so far. Of equals the first in order is the nearest, in whatever order they are
