@@ -20,7 +20,6 @@ namespace {
 
 constexpr int kSlotBits = 5;
 constexpr unsigned kGenerations = 1u << (30 - kSlotBits);
-constexpr int kMostUnanswered = 3;
 static_assert(ZK_SLOTS <= 1 << kSlotBits);
 
 std::array<Line, ZK_SLOTS>& lines() {
@@ -47,21 +46,19 @@ Line* Line::of(ArmSocket handle) {
     return slot < ZK_SLOTS && at(slot).handle() == handle ? &at(slot) : nullptr;
 }
 
-ArmSocket Line::open(int descriptor, int32_t arm_mode, const Heartbeat& heartbeat, std::string received) {
+ArmSocket Line::open(int descriptor, int32_t arm_mode, const HeartbeatQuery& heartbeat, std::string received) {
     const ArmSocket handle = take_slot(arm_mode, [&](int slot) {
         const ArmSocket handle = next_handle(slot);
         forget_round_trips(slot);
         Line& line = at(slot);
         const std::lock_guard guard(line.lock_);
-        line.cause_.clear();
+        line.introduced_ = false;
+        line.loss_.reset();
         line.traffic_.reset();
-        line.heartbeat_ = heartbeat;
+        line.heartbeat_.begin(heartbeat);
         line.received_ = std::move(received);
-        line.replies_due_ = 0;
         line.transfers_ = 0;
         line.stops_at_exit = false;
-        line.lost_ = line.introduced_ = line.is_loss_reported_ = false;
-        line.heard(0);
         line.descriptor_.store(descriptor, std::memory_order_release);
         line.handle_.store(handle, std::memory_order_release);
         return handle;
@@ -77,7 +74,7 @@ std::string Line::take_received() {
 
 std::string Line::cause() const {
     const std::lock_guard guard(lock_);
-    return cause_;
+    return loss_.cause;
 }
 
 ssize_t Line::send(ArmSocket handle, const char* bytes, size_t size, bool announces_file) {
@@ -87,7 +84,7 @@ ssize_t Line::send(ArmSocket handle, const char* bytes, size_t size, bool announ
         const std::lock_guard guard(lock_);
         const bool is_held = (transfers_ > 0 && !announces_file) || (stops_at_exit && process_ends);
         error = is_held ? EBUSY : EBADF;
-        if (handle_ == handle && !lost_ && !is_held) {
+        if (handle_ == handle && !is_lost() && !is_held) {
             sent = send_on(descriptor_, bytes, size);
             error = errno;
         }
@@ -106,15 +103,15 @@ ssize_t Line::send(ArmSocket handle, const char* bytes, size_t size, bool announ
 
 int Line::duplicate(ArmSocket handle) {
     const std::lock_guard guard(lock_);
-    return handle_ == handle && !lost_ ? fcntl(descriptor_, F_DUPFD_CLOEXEC, 0) : -1;
+    return handle_ == handle && !is_lost() ? fcntl(descriptor_, F_DUPFD_CLOEXEC, 0) : -1;
 }
 
 void Line::lose(ArmSocket handle, const char* cause) {
     {
         const std::lock_guard guard(lock_);
-        if (handle_ != handle || lost_) return;
-        cause_ = cause;
-        lost_.store(true, std::memory_order_release);
+        if (handle_ != handle || is_lost()) return;
+        loss_.cause = cause;
+        loss_.has_come.store(true, std::memory_order_release);
         shutdown(descriptor_, SHUT_RDWR);
     }
     wake_receiver();
@@ -122,7 +119,7 @@ void Line::lose(ArmSocket handle, const char* cause) {
 
 // Once: the receive thread does, or a close that comes first.
 void Line::report_loss(ArmSocket handle) {
-    if (!is_loss_reported_.exchange(true)) report_change(handle, ZK_CONNECTION_LOST, cause().c_str());
+    if (!loss_.is_reported.exchange(true)) report_change(handle, ZK_CONNECTION_LOST, cause().c_str());
 }
 
 void Line::introduce() {
@@ -145,7 +142,7 @@ bool Line::close(ArmSocket handle) {
     receive_use.wait_until_left(descriptor);
     if (!on_receive_thread) dispatch_use.wait_until_left(slot_of(handle));
     for (Pause pause; reports > 0 && !is_reporting() && !on_receive_thread;) pause.next();
-    if (was_introduced && lost_) report_loss(handle);
+    if (was_introduced && is_lost()) report_loss(handle);
     forget_connection(handle);
     forget_frames(handle);
     wake_receiver();
@@ -166,37 +163,27 @@ void Line::end_transfer(ArmSocket handle) {
 
 void Line::heard(ssize_t bytes) {
     traffic_.bytes_received += bytes;
-    unanswered_ = 0;
-    last_beat_ = Clock::now().time_since_epoch().count();
+    heartbeat_.heard();
 }
 
 int Line::beat(ArmSocket handle) {
-    const auto period = heartbeat_.period;
-    if (period.count() == 0 || is_lost()) return -1;
-    const auto next = Clock::time_point(Clock::duration(last_beat_.load())) + period;
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now()).count();
-    if (left > 0) return static_cast<int>(left);
-    if (unanswered_ == kMostUnanswered) {
+    if (!heartbeat_.is_on() || is_lost()) return -1;
+    if (const int left = heartbeat_.left()) return left;
+    if (heartbeat_.is_unanswered()) {
         lose(handle, "the controller fell silent: it answers no heartbeat");
         return -1;
     }
-    last_beat_ = Clock::now().time_since_epoch().count();
-    const bool is_sent = send_silently(handle, heartbeat_.request.data(), heartbeat_.request.size()) > 0;
-    if (is_sent) {
-        ++unanswered_;
-        ++replies_due_;
-    }
-    return static_cast<int>(period.count());
+    heartbeat_.wait_a_period();
+    const std::string& request = heartbeat_.request();
+    if (send_silently(handle, request.data(), request.size()) > 0) heartbeat_.sent();
+    return heartbeat_.left();
 }
 
 bool Line::takes(int slot, const char* message) {
     ++traffic_.messages_received;
     const int code = Get_Json_KeyCode(message);
     if (code == 0) ++traffic_.unmatched;
-    // A call that waits for the same query may as well have the reply to a heartbeat.
-    if (replies_due_ == 0 || code != heartbeat_.reply || is_claimed(slot, *heartbeat_.mailbox)) return true;
-    --replies_due_;
-    return false;
+    return !heartbeat_.takes(slot, code);
 }
 
 ssize_t send_silently(ArmSocket socket, const char* bytes, size_t size, bool announces_file) {

@@ -5,14 +5,12 @@
 #include <sys/types.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
-#include <optional>
 #include <string>
 
-#include "connection/mailbox.h"
+#include "connection/heartbeat.h"
 #include "connection/slots.h"
 
 namespace zk {
@@ -28,25 +26,28 @@ struct Traffic {
     }
 };
 
-// A query that changes nothing, written in each silent period. Its replies reach no call.
-struct Heartbeat {
-    std::chrono::milliseconds period{0};  // 0: none
-    std::string request;
-    int reply = 0;                   // key code of its reply
-    std::optional<Mailbox> mailbox;  // of the calls that make the same query
+// The end of a connection that the application did not ask for.
+struct Loss {
+    std::atomic<bool> has_come{false}, is_reported{false};
+    std::string cause;
+
+    void reset() {
+        has_come = is_reported = false;
+        cause.clear();
+    }
 };
 
 class Line {
  public:
     // Takes a slot and the descriptor. `received` is what was read of it and is no message yet. Returns the handle, or
     // -1 when all slots are taken.
-    static ArmSocket open(int descriptor, int32_t arm_mode, const Heartbeat& heartbeat, std::string received);
+    static ArmSocket open(int descriptor, int32_t arm_mode, const HeartbeatQuery& heartbeat, std::string received);
     // The line of a handle, or null when the connection is closed.
     static Line* of(ArmSocket handle);
     static Line& at(int slot);
 
     ArmSocket handle() const { return handle_.load(std::memory_order_seq_cst); }
-    bool is_lost() const { return lost_.load(std::memory_order_acquire); }
+    bool is_lost() const { return loss_.has_come.load(std::memory_order_acquire); }
     std::string cause() const;  // why it is lost
     const Traffic& traffic() const { return traffic_; }
     Traffic& traffic() { return traffic_; }
@@ -77,7 +78,7 @@ class Line {
     // Sends the heartbeat when its time has come; loses the line after three without an answer. Returns the
     // milliseconds to the next, or -1. The caller has entered dispatch_use.
     int beat(ArmSocket handle);
-    bool has_loss_to_report() const { return lost_ && introduced_ && !is_loss_reported_; }
+    bool has_loss_to_report() const { return is_lost() && introduced_ && !loss_.is_reported; }
     void report_loss(ArmSocket handle);
 
     // The calls that are in progress end when this changes.
@@ -86,19 +87,15 @@ class Line {
     std::atomic<int> reports{0};  // callbacks of the application that run for it
 
  private:
-    using Clock = std::chrono::steady_clock;
-
     mutable std::mutex lock_;  // held for a write that does not wait, and while the descriptor changes
     std::atomic<ArmSocket> handle_{0};
     std::atomic<int> descriptor_{-1};
-    std::atomic<bool> lost_{false}, introduced_{false}, is_loss_reported_{false};
+    std::atomic<bool> introduced_{false};
     std::atomic<int> transfers_{0};
-    std::string cause_;
+    Loss loss_;
     Traffic traffic_;
     Heartbeat heartbeat_;
     std::string received_;
-    std::atomic<Clock::rep> last_beat_{0};  // or the last bytes
-    std::atomic<int> unanswered_{0}, replies_due_{0};
 };
 
 // Sends on a connection of either kind, without waiting.

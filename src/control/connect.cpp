@@ -72,7 +72,7 @@ void start_library(int32_t arm_mode) {
     }
 }
 
-Heartbeat heartbeat_of(const ZK_ConnectOptions& options) {
+HeartbeatQuery heartbeat_of(const ZK_ConnectOptions& options) {
     if (options.heartbeat_ms == 0) return {};
     const Frame frame = Request(0, "get_joint_max_speed").frame();
     return {.period = std::chrono::milliseconds(options.heartbeat_ms),
