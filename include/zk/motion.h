@@ -19,10 +19,10 @@
  * after six failed polls of the trajectory in progress their status, such as 7. A joined move returns 0 at once. To end
  * the wait, stop the arm from another thread.
  *
- * Movej_Cmd_NonBlock waits at most 100 ms for the acknowledgement: 0 accepted; 1 refused; 5; 7 no acknowledgement; 9 it
- * is not JSON or lacks a key; 11 it has a value of another type or names another command. Before the first successful
- * Arm_Socket_Start of the process nothing waits for the acknowledgement: NonBlock returns 0 at once, and a joined
- * blocking move waits for an arrival.
+ * Movej_Cmd_NonBlock waits for the acknowledgement, at most 100 ms, on a connection of ZK_Connect at most m_nOutTime
+ * (3000 ms): 0 accepted; 1 refused; 5; 7 no acknowledgement; 9 it is not JSON or lacks a key; 11 it has a value of
+ * another type or names another command. Before the first successful Arm_Socket_Start of the process nothing waits for
+ * the acknowledgement: NonBlock returns 0 at once, and a joined blocking move waits for an arrival.
  *
  * One move at a time on a connection: a blocking move that is sent while another runs ends with the arrival of the
  * first.

@@ -56,7 +56,9 @@ ZK_API void ZK_Mutex_UnLock(void);
 /*
  * Queues a frame of `length` bytes for a socket. If the ring is full, the frame is dropped and a line is printed on
  * standard output. A frame of more than 516 bytes, or a library that is not initialised, ends the process. In a frame
- * of 501 to 516 bytes the socket's number overwrites bytes 501 to 504. Any thread.
+ * of 501 to 516 bytes the socket's number overwrites bytes 501 to 504. On a handle of ZK_Connect none of this happens:
+ * the frame is dropped unless it has 1 to 500 bytes and finds room; the log says so, and ZK_Connection counts it. Any
+ * thread.
  */
 ZK_API void Add_Queue(int32_t socket, const char* frame, int32_t length);
 

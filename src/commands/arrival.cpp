@@ -17,7 +17,7 @@ bool arm_is_known(const Connection& connection) {
 }
 
 // Returns a refusal that has arrived already. The count was cleared just before the request was queued, so this rarely
-// polls twice: a refused move ends by its report.
+// polls twice: a refused move ends by its report. On a socket a late look at an acceptance counts as none.
 int early_refusal(const Connection& connection) {
     const int32_t start = Get_Program_Runtime();
     const Mailbox mailbox(Move_Receive_Cmd);
@@ -26,6 +26,7 @@ int early_refusal(const Connection& connection) {
         if (const int status = connection.status()) return status;
         if (!arrived) return ZK_OK;
         if (const int status = take_result(mailbox, connection, Take::kOne)) return status;
+        if (is_handle(connection.socket())) return ZK_OK;
         if (elapsed_since(start) >= kAcknowledgementMs) return ZK_TIMEOUT;
     }
 }
@@ -65,7 +66,8 @@ int move_accepted(const Request& request) {
     if (const int status = post(request)) return status;
     if (!is_handle(request.socket())) mailbox.clear(connection.slot());
     if (!arm_is_known(connection)) return ZK_OK;
-    return await_result(mailbox, connection, kAcknowledgementMs, Take::kOne);
+    const int32_t limit = is_handle(request.socket()) ? read(m_nOutTime) : kAcknowledgementMs;
+    return await_result(mailbox, connection, limit, Take::kOne);
 }
 
 MoveReport take_report(int slot) {
@@ -91,6 +93,10 @@ int await_report(const Connection& connection, Device device, const std::functio
         }
         MotionPoll motion;
         if (const int status = poll(motion)) {
+            if (is_held_by_file(connection, status)) {
+                pause(connection, kMotionPollMs);
+                continue;
+            }
             if (++fails == kMostFailedPolls) return status;
             continue;
         }

@@ -22,8 +22,9 @@ int ask_for_points(const Wait& connection, const std::string& path, int32_t limi
     const size_t separator = last_separator(path);
     if (separator == path.npos) return ZK_BAD_PATH;
     Mailbox(Save_Trajectory_Cmd).clear(connection.slot());
-    post(Request(connection.socket(), "save_trajectory").text("trajectory_name", path.c_str() + separator + 1));
-    const int status = await(Save_Trajectory_Cmd, connection, limit);
+    int status =
+        post(Request(connection.socket(), "save_trajectory").text("trajectory_name", path.c_str() + separator + 1));
+    if (!status) status = await(Save_Trajectory_Cmd, connection, limit);
     if (status && status != ZK_TIMEOUT) close_recording();
     return status;
 }

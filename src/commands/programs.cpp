@@ -120,7 +120,9 @@ class Run {
             if (refusal) return refusal;
             ProgramRunState state{};
             const int status = Get_Program_Run_State(connection_.socket(), &state);
-            if (status != ZK_OK && status != state.run_state) {
+            if (is_held_by_file(connection_, status)) {
+                pause(connection_, kRunPollMs);
+            } else if (status != ZK_OK && status != state.run_state) {
                 if (++fails_ > kMostFailedPolls) return status;
             } else if (state.run_state == ZK_PROGRAM_RUNNING) {
                 if (has_arrived(finish_, connection_)) return take_result(finish_, connection_);

@@ -52,11 +52,12 @@ class StallDetector {
             }
             if (elapsed_since(since_) >= read(m_nOutTime_max)) {
                 Angles angles{};
-                if (const int status = read_angles(connection_, angles)) {
+                const int status = read_angles(connection_, angles);
+                if (status && !is_held_by_file(connection_, status)) {
                     if (fails_++ > kMostFailedReads) return status;
                     continue;
                 }
-                if (stands_still(angles)) return ZK_NO_TRAJECTORY;
+                if (!status && stands_still(angles)) return ZK_NO_TRAJECTORY;
             }
             pause(connection_, kStallPollMs);
         }

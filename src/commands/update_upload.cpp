@@ -22,15 +22,15 @@ namespace {
 constexpr size_t kChunk = 2000;
 constexpr int kLongestPath = 1023;
 
-// The one request that is a single line, and whose name is not escaped. Empty for a name that a connection of
-// ZK_Connect refuses.
+// The one request that is a single line, and whose name is not escaped. A connection of ZK_Connect refuses a name that
+// needs to be, or does not fit.
 Frame announcement(ArmSocket s, const std::string& name, int32_t file_size) {
     Frame frame;
     frame.length = std::snprintf(frame.text, Request::kUsualFrame,
                                  "{\"command\":\"update_software\",\"file_size\":%d,\"update_name\":\"%s\"}\r\n",
                                  file_size, name.c_str());
     const bool fits = frame.length < Request::kUsualFrame;
-    if (is_handle(s) && (!fits || name.find_first_of("\"\\\r\n") != name.npos)) return Frame{};
+    if (is_handle(s) && (!fits || name.find_first_of("\"\\\r\n") != name.npos)) return Frame::refused(ZK_BAD_ARGUMENT);
     if (!fits) {
         die("the request \"update_software\" takes %d bytes, its frame holds %d", frame.length,
             Request::kUsualFrame - 1);

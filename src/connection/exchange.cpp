@@ -18,6 +18,7 @@ static int post(ArmSocket socket, const Frame& frame) {
     const Connection connection(socket);
     if (const int status = connection.status()) return status;
     if (Line::at(connection.slot()).is_in_transfer()) return ZK_SENDING_FILE;
+    if (frame.refusal) return frame.refusal;
     if (frame.length < 1 || frame.length > static_cast<int>(sizeof TxFrame::data)) return ZK_BAD_ARGUMENT;
     return enqueue(socket, frame.text, frame.length);
 }
@@ -79,7 +80,7 @@ int set(ArmSocket socket, const Frame& frame, Mailbox mailbox, const SetForm& fo
     if ((!form.clears && !form.keeps_count) || is_handle(socket)) mailbox.clear(connection.slot());
 
     if (form.direct) {
-        if (frame.length < 1) return ZK_BAD_ARGUMENT;
+        if (frame.refusal) return frame.refusal;
         if (stream(socket, frame, true) < 1) return ZK_SEND_FAILED;
     } else if (const int status = post(socket, frame)) {
         return status;

@@ -9,6 +9,7 @@
 #include "connection/die.h"
 #include "connection/line.h"
 #include "connection/slots.h"
+#include "zk/status.h"
 
 namespace zk {
 namespace {
@@ -134,11 +135,15 @@ Request& Request::joints(const char* key, const float* degrees) {
 
 Frame Request::frame() const {
     const std::unique_ptr<char, decltype(&cJSON_free)> text(cJSON_Print(tree_.get()), cJSON_free);
-    if (!text) die("no memory for the request \"%s\"", command_);
+    const bool is_refused = is_handle(socket_);  // where a socket's call ends the process
+    if (!text) {
+        if (is_refused) return Frame::refused(ZK_NO_MEMORY);
+        die("no memory for the request \"%s\"", command_);
+    }
     const size_t length = std::strlen(text.get());
-    if (is_handle(socket_) && !is_utf8(text.get())) return Frame{};
+    if (is_refused && !is_utf8(text.get())) return Frame::refused(ZK_BAD_ARGUMENT);
     if (length + 3 > static_cast<size_t>(frame_size_)) {
-        if (is_handle(socket_)) return Frame{};
+        if (is_refused) return Frame::refused(ZK_BAD_ARGUMENT);
         die("the request \"%s\" takes %zu bytes, its frame holds %d", command_, length + 2, frame_size_ - 1);
     }
     Frame frame;

@@ -90,6 +90,13 @@ Self& Fields<Self>::objects(const char* key, int count, Fill fill) {
 struct Frame {
     char text[1000];
     int length = 0;
+    int refusal = 0;  // the status of a request that is not sent
+
+    static Frame refused(int status) {
+        Frame frame{};
+        frame.refusal = status;
+        return frame;
+    }
 };
 
 class Request : public Fields<Request> {
@@ -103,8 +110,8 @@ class Request : public Fields<Request> {
     Request& joints(const char* key, const float* degrees);
 
     ArmSocket socket() const { return socket_; }
-    // Ends the process when the text does not fit the frame. For a handle the frame is empty then, and when the text is
-    // not UTF-8; it is refused.
+    // Ends the process when the text does not fit the frame. For a handle the frame is refused then, and when the text
+    // is not UTF-8.
     Frame frame() const;
 
  private:

@@ -97,7 +97,18 @@ int zk::enqueue(ArmSocket socket, const char* text, int32_t length) {
     return status;
 }
 
+// What does not fit or finds no queue is dropped and counted, where a socket's frame is changed or ends the process.
+static void add_for_handle(ArmSocket handle, const char* text, int32_t length) {
+    const bool fits = length >= 1 && length <= int32_t{sizeof TxFrame::data};
+    const int status = fits ? enqueue(handle, text, length) : int(ZK_BAD_ARGUMENT);
+    if (status == ZK_OK) return;
+    if (Line* line = Line::of(handle)) ++line->traffic().dropped;
+    log(ZK_LOG_EVENTS, handle, "a frame of %d bytes is dropped: %s", length,
+        fits ? ZK_Status_Text(status) : "a frame has 1 to 500");
+}
+
 ZK_API void Add_Queue(int32_t socket, const char* text, int32_t length) {
+    if (is_handle(socket)) return add_for_handle(socket, text, length);
     wake_receiver();  // an application may have put the socket into the table itself
     const int status = enqueue(socket, text, length);
     if (status == ZK_NOT_RUNNING) {

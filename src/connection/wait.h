@@ -7,6 +7,7 @@
 
 #include "connection/mailbox.h"
 #include "connection/slots.h"
+#include "zk/status.h"
 
 namespace zk {
 
@@ -27,6 +28,12 @@ class Wait : public Connection {
     // limit: of the wait for the turn, ms; 0: m_nOutTime.
     int claim(Mailbox mailbox, Sharing sharing = Sharing::kInTurn, int32_t limit = 0) const;
 };
+
+// Whether a query within a wait was not sent since a file is on its way: the wait goes on. On a connection of
+// Arm_Socket_Start that is a failure like another.
+inline bool is_held_by_file(const Connection& connection, int status) {
+    return status == ZK_SENDING_FILE && is_handle(connection.socket());
+}
 
 // Sleeps, in short steps where the wait may be ended early.
 void pause(const Connection& connection, int32_t milliseconds);

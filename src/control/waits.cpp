@@ -48,7 +48,7 @@ int ask_program(ArmSocket s, Limit limit, ProgramRunState& state) {
     return status == ZK_OK && state.run_state == ZK_PROGRAM_NONE ? ask() : status;
 }
 
-// Looks until `look(limit, done)` is done. A look without a reply counts as one that found nothing.
+// Looks until `look(limit, done)` is done. A look without a reply, or during a file, counts as one that found nothing.
 template <class Look>
 int look_until(ArmSocket arm, int32_t ms, Look look) {
     if (ms <= 0) return fail(ZK_BAD_ARGUMENT, "the time to wait is %d ms", ms);
@@ -60,7 +60,7 @@ int look_until(ArmSocket arm, int32_t ms, Look look) {
     do {
         bool done = false;
         const int status = look(limit, done);
-        if (status != ZK_OK && status != ZK_TIMEOUT) return fail(status);
+        if (status != ZK_OK && status != ZK_TIMEOUT && status != ZK_SENDING_FILE) return fail(status);
         if (done) return ZK_OK;
         pause(call, std::min(kLookMs, left()));
         if (const int ended = call.status()) return fail(ended);

@@ -25,6 +25,7 @@ class Waits : public testing::TestWithParam<WaitingCall> {
     void SetUp() override {
         set_time_factor(0);
         ZK_API_Init(65, nullptr);
+        set_shared(g_is_robot_type_i, uint8_t{1});
         arm_ = connect_arm(controller_);
         keep_waiting(controller_, GetParam());
     }

@@ -34,6 +34,11 @@ inline int send_project(ArmSocket s) {
     return Send_Project_Block(s, line, sizeof line - 1, nullptr);
 }
 
+inline int save_trajectory(ArmSocket s) {
+    int32_t total;
+    return Save_Trajectory(s, "/dev/null", &total);
+}
+
 #define WAITING_IN(command, ...) #command, [](ArmSocket s) { return command(s __VA_OPT__(, ) __VA_ARGS__); }
 
 inline const WaitingCall kWaits[] = {
@@ -41,6 +46,10 @@ inline const WaitingCall kWaits[] = {
     {WAITING_IN(ask_speed), "get_joint_max_speed", {kSpeeds}, &Joint_Max_Speed_Cmd[0].count},
     {WAITING_IN(Arm_Socket_State_Block), "get_joint_max_speed", {kSpeeds}, &Joint_Max_Speed_Cmd[0].count},
     {WAITING_IN(Movej_Cmd, kJoints, 20, 0, 0, true), "get_arm_current_trajectory", {kReport}, &Move_Cmd[0].count},
+    {WAITING_IN(Movel_Cmd, Pose{}, 20, 0, 0, false),
+     "movel",
+     {done("movel", "receive_state")},
+     &Move_Receive_Cmd[0].count},
     {WAITING_IN(Pos_Step_Cmd_Block, 0, 20, 0.1f), "set_pos_step", {kReport}, &Move_Cmd[0].count},
     {WAITING_IN(Set_Gripper_Pick, 500, 200, true, 30),
      "set_gripper_pick",
@@ -73,6 +82,10 @@ inline const WaitingCall kWaits[] = {
      {done("auto_fix_joint_over_soft_limit"), kReport},
      &Move_Cmd[0].count},
     {WAITING_IN(send_project), "file", {done("download_project", "project_state")}, &Send_Project_Cmd[0].count},
+    {WAITING_IN(save_trajectory),
+     "save_trajectory",
+     {R"({"command":"save_trajectory","total_num":1,"save_state":true})"},
+     &Save_Trajectory_Cmd[0].count},
     {WAITING_IN(Set_Lift, 300, 20, true), "set_lift", {kSpeeds}, &Joint_Max_Speed_Cmd[0].count},
 };
 

@@ -1,7 +1,9 @@
 // Connections of ZK_Connect: how their calls end, who may call while another does, and what they report.
+#include <cjson/cJSON.h>
 #include <gtest/gtest.h>
 
 #include <future>
+#include <map>
 #include <mutex>
 #include <set>
 
@@ -72,20 +74,61 @@ TEST_P(EveryWait, EndsAtOnceWhenItIsToEnd) {
     }
 }
 
-// What waits for the end of a motion, a program, a replay or a file is refused; anything else waits for its turn.
+struct Sharing {
+    std::string excludes;       // calls of its kind; "": none
+    std::string reply;          // of calls that have it in turn; "": its own
+    std::string first_request;  // where the call waits after a later one
+};
+Sharing sharing_of(const std::string& name) {
+    static const std::map<std::string, Sharing> all = {
+        {"Movej_Cmd", {"motion", "acceptance", "movej"}},
+        {"Movel_Cmd", {"", "acceptance", ""}},
+        {"Pos_Step_Cmd_Block", {"motion", "", ""}},
+        {"Set_Lift_Height", {"motion", "", "set_lift_height"}},
+        {"Expand_Set_Pos", {"motion", "", ""}},
+        {"Set_Gripper_Pick", {"motion", "", ""}},
+        {"Auto_Fix_Joint_Over_Soft_Limit", {"motion", "", ""}},
+        {"Set_Program_ID_Start", {"program", "", "set_program_id_start"}},
+        {"Run_Drag_Trajectory", {"replay", "", "run_drag_trajectory"}},
+        {"save_trajectory", {"recording", "", ""}},
+        {"send_project", {"file", "", ""}},
+        {"ask_speed", {"", "speed", ""}},
+        {"Arm_Socket_State_Block", {"", "speed", ""}}};
+    const auto found = all.find(name);
+    return found == all.end() ? Sharing{} : found->second;
+}
+
+// Each pair, in both orders.
 TEST_P(EveryWait, SharesTheConnectionByTheRule) {
-    const std::set<std::string> alone = {"Movej_Cmd",      "Pos_Step_Cmd_Block",   "Set_Lift_Height",
-                                         "Expand_Set_Pos", "Set_Program_ID_Start", "Run_Drag_Trajectory",
-                                         "send_project",   "Set_Gripper_Pick",     "Auto_Fix_Joint_Over_Soft_Limit"};
-    const auto call_again = [&](ScriptedController&, ArmSocket arm) {
-        std::future<int> second = std::async(std::launch::async, [arm] { return GetParam().call(arm); });
-        const bool is_alone = alone.contains(GetParam().name);
+    ScriptedController controller;
+    const ArmSocket arm = connect(controller);
+    controller.ignore("get_joint_max_speed");
+    keep_waiting(controller, GetParam());
+    set_time_factor(0);
+    const Sharing held = sharing_of(GetParam().name);
+    for (const WaitingCall& other : kWaits) {
+        const std::string name = other.name;
+        const Sharing wanted = sharing_of(name);
+        controller.forget_requests();
+        std::future<int> first = std::async(std::launch::async, [arm] { return GetParam().call(arm); });
+        controller.wait_for_request(GetParam().request);
+        std::future<int> second = std::async(std::launch::async, [&] { return other.call(arm); });
+        if (!held.excludes.empty() && held.excludes == wanted.excludes) {
+            EXPECT_EQ(second.get(), ZK_BUSY) << name;
+        } else if (held.excludes == "file") {
+            const bool is_written_at_once = name == "Arm_Socket_State_Block" || name == "Set_Lift";
+            EXPECT_EQ(second.get(), is_written_at_once ? ZK_SEND_FAILED : ZK_SENDING_FILE) << name;
+        } else if (name != GetParam().name && (held.reply.empty() || held.reply != wanted.reply)) {
+            controller.wait_for_request(wanted.first_request.empty() ? other.request : wanted.first_request);
+        }
         // A cancel does not end a call that begins after it.
-        while (!is_alone && second.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) ZK_Cancel(arm);
-        EXPECT_EQ(second.get(), is_alone ? ZK_BUSY : ZK_CANCELLED);
+        while (second.valid() && second.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) {
+            ZK_Cancel(arm);
+        }
         ZK_Cancel(arm);
-    };
-    EXPECT_EQ(status_after(call_again), ZK_CANCELLED);
+        EXPECT_EQ(first.get(), ZK_CANCELLED) << name;
+    }
+    ZK_Close(arm);
 }
 
 TEST_P(EveryWait, EndsAtItsDeadlineAndStopsTheArm) {
@@ -186,6 +229,40 @@ TEST_F(Connections, AClosedConnectionLeavesTheOthersAlone) {
     EXPECT_EQ(shared(m_nSockInfoLen), 0);
 }
 
+// What asks the controller meanwhile cannot do so while a file is sent.
+TEST_F(Connections, AWaitOutlastsAFile) {
+    const ArmSocket arm = connect(controller_);
+    keep_waiting(controller_, kWaits[0]);
+    controller_.answer_with("get_current_arm_state", [angle = 0](const std::string&) mutable {
+        const std::string joint = std::to_string(angle += 1000) + ",0,0,0,0,0";
+        return Pieces{line(R"({"state":"current_arm_state","arm_state":{"joint":[)" + joint +
+                           R"(],"pose":[0,0,0,0,0,0],"arm_err":0,"sys_err":0}})")};
+    });
+    set_shared(m_nOutTime, INT32_MAX);
+    struct Polling {
+        int (*call)(ArmSocket);
+        const char* request;
+    };
+    for (const auto& [call, request] :
+         {Polling{[](ArmSocket s) { return Movej_Cmd(s, kJoints, 20, 0, 0, true); }, "get_arm_current_trajectory"},
+          {[](ArmSocket s) { return Set_Program_ID_Start(s, 3, 20, true); }, "get_program_run_state"},
+          {[](ArmSocket s) { return Drag_Trajectory_Origin(s, true); }, "get_current_arm_state"},
+          {[](ArmSocket s) { return ZK_Wait_Idle(s, INT32_MAX); }, "get_arm_current_trajectory"}}) {
+        set_time_factor(100);
+        controller_.forget_requests();
+        std::future<int> wait = std::async(std::launch::async, call, arm);
+        controller_.wait_for_request(request);
+        std::future<int> file = std::async(std::launch::async, send_project, arm);
+        controller_.wait_for_request("file");
+        for (const int32_t start = Get_Program_Runtime(); Get_Program_Runtime() < start + 3000;) sleep_cp(10);
+        set_time_factor(0);
+        controller_.say(done("download_project", "project_state"));
+        EXPECT_EQ(file.get(), 0) << request;
+        ZK_Cancel(arm);
+        EXPECT_EQ(wait.get(), ZK_CANCELLED) << request;
+    }
+}
+
 // Half a message, a flood and a silence on one arm, while the clock stands still.
 TEST_F(Connections, OneArmDoesNotDelayAnother) {
     ScriptedController second;
@@ -250,6 +327,35 @@ TEST_F(Connections, WhatEndsTheProcessElsewhereIsRefusedOrCut) {
     char ip[16], mask[16], mac[18];
     EXPECT_EQ(Get_Wired_Net(arm, ip, mask, mac), 0);
     EXPECT_STREQ(ip, "123456789012345");
+
+    static std::string log;
+    ZK_Set_Log([](void*, ZK_LogLevel, ArmSocket, const char* text) { log += text; }, nullptr, ZK_LOG_EVENTS);
+    const std::string frame(517, 'x');
+    for (const int32_t length : {517, 501, 0, -1}) Add_Queue(arm, frame.data(), length);
+    EXPECT_EQ(look_at(arm).dropped, 4);
+    EXPECT_NE(log.find("517"), std::string::npos) << log;
+    cJSON_Hooks full{[](size_t) -> void* { return nullptr; }, std::free};
+    cJSON_InitHooks(&full);
+    EXPECT_EQ(Move_Stop_Cmd_NonBlock(arm), ZK_NO_MEMORY);
+    cJSON_InitHooks(nullptr);
+    ZK_API_UnInit();
+    EXPECT_EQ(Move_Stop_Cmd_NonBlock(arm), ZK_NOT_RUNNING);
+    Add_Queue(arm, "{}\r\n", 4);
+    EXPECT_EQ(look_at(arm).dropped, 5);
+}
+
+// The controller acknowledges late; the arm moves all the same.
+TEST_F(Connections, AMoveThatDoesNotWaitForItsEndWaitsForItsAcknowledgement) {
+    const ArmSocket arm = connect(controller_);
+    set_shared(m_nOutTime, 60000);
+    controller_.answer_with("movej", [](const std::string&) {
+        const int32_t start = Get_Program_Runtime();
+        set_time_factor(20);
+        while (Get_Program_Runtime() < start + 300) std::this_thread::yield();
+        set_time_factor(0);
+        return Pieces{line(done("movej", "receive_state"))};
+    });
+    EXPECT_EQ(Movej_Cmd(arm, kJoints, 20, 0, 0, false), 0);
 }
 
 struct Journal {
