@@ -17,11 +17,24 @@
 #include "zk/control.h"
 #include "zk/model.h"
 
-// A name with commas has the addresses that it lists.
+// A name with commas has the addresses that it lists; "slow" has none until its resolver is let go.
+static std::atomic<bool> is_slow{true}, has_resolver_ended{false};
+static std::atomic<std::thread::id> resolver;
+
 extern "C" [[gnu::visibility("default")]] int getaddrinfo(const char* host, const char* port, const addrinfo* wanted,
                                                           addrinfo** list) {
     static const auto resolve = reinterpret_cast<decltype(&getaddrinfo)>(dlsym(RTLD_NEXT, "getaddrinfo"));
     std::string names = host;
+    if (names == "slow" && !(wanted->ai_flags & AI_NUMERICHOST)) {
+        thread_local struct AtEnd {
+            ~AtEnd() { has_resolver_ended = true; }
+        } at_end;
+        (void)&at_end;
+        resolver = std::this_thread::get_id();
+        while (is_slow) std::this_thread::yield();
+        names = "127.0.0.1";
+        return resolve(names.c_str(), port, wanted, list);
+    }
     if (names.find(',') == names.npos || wanted->ai_flags & AI_NUMERICHOST) return resolve(host, port, wanted, list);
     for (std::istringstream each(names); std::getline(each, names, ','); list = &(*list)->ai_next) {
         if (const int error = resolve(names.c_str(), port, wanted, list)) return error;
@@ -141,6 +154,21 @@ TEST(Connecting, FailuresHaveNamesAndLeaveEverythingAsItWas) {
     EXPECT_EQ(status_of(0), ZK_BAD_ARGUMENT);
     EXPECT_EQ(status_of(8080, 64), ZK_BAD_ARGUMENT);
     controller.close();
+    expect_same(before);
+}
+
+TEST(Connecting, AResolverOutlivesTheCallOnAThreadOfItsOwn) {
+    ZK_ConnectOptions options{};
+    options.timeout_ms = 20;
+    ArmSocket arm;
+    const Surroundings before;
+    EXPECT_EQ(ZK_Connect("slow", 8080, &options, &arm), ZK_NO_ANSWER);
+    EXPECT_NE(std::string(ZK_Failure()).find("\"slow\" was not resolved"), std::string::npos) << ZK_Failure();
+    eventually([] { return resolver.load() != std::thread::id(); });
+    EXPECT_NE(resolver.load(), std::this_thread::get_id());
+    EXPECT_FALSE(has_resolver_ended);
+    is_slow = false;
+    eventually([] { return has_resolver_ended.load(); });
     expect_same(before);
 }
 

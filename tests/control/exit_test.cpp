@@ -22,8 +22,7 @@ float second_joint(ArmSocket arm) {
 }
 
 void move(ArmSocket arm) {
-    const int status = Movej_Cmd(arm, kTarget, 10, 0, 0, false);
-    if (status != ZK_OK && status != ZK_TIMEOUT) _exit(2);  // an acknowledgement may take too long
+    if (Movej_Cmd(arm, kTarget, 10, 0, 0, false) != ZK_OK) _exit(2);
     while (second_joint(arm) < 2) {
     }
 }
@@ -64,6 +63,8 @@ INSTANTIATE_TEST_SUITE_P(
     , Exit,
     testing::Values(End{"Exits", ZK_STOP_AT_EXIT, move, [] { std::exit(0); }, 0, 2, 59},
                     End{"Signal", ZK_STOP_AT_EXIT, move, [] { raise(SIGTERM); }, SIGTERM, 2, 59},
+                    End{"Interrupt", ZK_STOP_AT_EXIT, move, [] { raise(SIGINT); }, SIGINT, 2, 59},
+                    End{"HangUp", ZK_STOP_AT_EXIT, move, [] { raise(SIGHUP); }, SIGHUP, 2, 59},
                     End{"WithoutTheOption", 0, move, [] { raise(SIGTERM); }, SIGTERM, 59.9f, 60.1f},
                     End{"OwnHandler", ZK_STOP_AT_EXIT, move,
                         [] {
@@ -73,6 +74,7 @@ INSTANTIATE_TEST_SUITE_P(
                         0, 59.9f, 60.1f},
                     End{"Killed", ZK_STOP_AT_EXIT, move, [] { raise(SIGKILL); }, SIGKILL, 59.9f, 60.1f},
                     End{"Halted", ZK_STOP_AT_EXIT, move, [] { raise(SIGSTOP); }, SIGSTOP, 59.9f, 60.1f},
+                    End{"HaltedInAStream", 0, stream, [] { raise(SIGSTOP); }, SIGSTOP, -15.2f, -14.8f},
                     End{"KilledInAStream", 0, stream, [] { raise(SIGKILL); }, SIGKILL, -15.2f, -14.8f}),
     [](const auto& row) { return std::string(row.param.name); });
 

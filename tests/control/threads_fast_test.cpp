@@ -1,5 +1,8 @@
 // Threads: what a callback may call, what waits for its end, and which calls wait for nothing.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <unistd.h>
 
 #include <csignal>
 
@@ -170,6 +173,63 @@ TEST_F(Threads, WhatWaitsForNothing) {
     end.join();
     Arm_Socket_Close(shared(SockInfo[1].socket));
     EXPECT_EQ(start.get(), 5);
+}
+
+// While this thread has the second lock, another one gets the first and waits.
+TEST_F(Threads, WhatTakesBothLocks) {
+    for (int (*call)(ArmSocket) : {Move_Pause_Cmd_NonBlock, Move_Stop_Cmd_Block,
+                                   +[](ArmSocket s) { return ZK_Stop(s, ZK_STOP | ZK_DROP_QUEUED); }, ZK_Close}) {
+        controller_.answer("set_arm_stop", R"({"command":"set_arm_stop","arm_stop":true})");
+        Queue_Mutex_Lock();
+        auto status = std::async(std::launch::async, call, arm_);
+        eventually([] {
+            const bool is_taken = pthread_mutex_trylock(&m_hMutex) != 0;
+            if (!is_taken) ZK_Mutex_UnLock();
+            return is_taken;
+        });
+        Queue_Mutex_UnLock();
+        EXPECT_EQ(status.get(), 0);
+    }
+}
+
+// The disk takes no more until this thread reads, and then it is full.
+TEST_F(Threads, ARecordingDelaysNobodyAndReports) {
+    constexpr int kPoints = 30;
+    int ends[2], total = 0;
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
+    fcntl(ends[1], F_SETFL, 0);
+    std::string points;
+    for (int i = 0; i < kPoints; ++i) points += line(R"({"point":[")" + std::string(5000, 'x') + "\"]}");
+    const std::string announcement = R"({"command":"save_trajectory","save_state":true,"total_num":)";
+    controller_.answer_bytes("save_trajectory", {line(announcement + std::to_string(kPoints) + "}") + points});
+    EXPECT_EQ(Save_Trajectory(arm_, ("/proc/self/fd/" + std::to_string(ends[1])).c_str(), &total), 0);
+    float speed[7];
+    eventually([&] {
+        pollfd disk{ends[1], POLLOUT, 0};
+        return poll(&disk, 1, 0) == 0;
+    });
+    EXPECT_EQ(Get_Joint_Speed_Block(arm_, speed), 0);
+    eventually([&] {
+        char bytes[4096];
+        while (read(ends[0], bytes, sizeof bytes) > 0) continue;
+        return shared(F_SaveDragTeach) == nullptr;
+    });
+
+    static ArmSocket arm;
+    static std::atomic<bool> is_reported{false};
+    arm = arm_;
+    ZK_Set_Log(
+        [](void*, ZK_LogLevel, ArmSocket, const char* text) {
+            float joint[7];
+            EXPECT_EQ(Get_Joint_Speed_Block(arm, joint), 0) << "neither under a lock nor on a thread of replies";
+            if (std::string(text).find("recording") != std::string::npos) is_reported = true;
+        },
+        nullptr, ZK_LOG_EVENTS);
+    controller_.answer_bytes("save_trajectory", {line(announcement + "1}") + line(R"({"point":[1]})")});
+    EXPECT_EQ(Save_Trajectory(arm_, "/dev/full", &total), 0);
+    eventually([] { return is_reported.load(); });
+    ZK_Set_Log(nullptr, nullptr, ZK_LOG_EVENTS);
+    for (const int end : ends) close(end);
 }
 
 TEST_F(Threads, ACallThatWaitsForItsTurnKeepsItsLimit) {
