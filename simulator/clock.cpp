@@ -35,9 +35,9 @@ void Clock::wait() {
 
 void Clock::turn() {
     const Time now = steady_clock::now();
-    if (controller_.time().speed != kAtOnce) return catch_up(now);
-    while (!controller_.rests() && steady_clock::now() < now + kLongestTurn) step();
-    due_ = controller_.rests() ? now + kStep : now;
+    if (!at_once()) return catch_up(now);
+    while (at_once() && !controller_.rests() && steady_clock::now() < now + kLongestTurn) step();
+    due_ = at_once() && !controller_.rests() ? now : now + kStep;
 }
 
 void Clock::catch_up(Time now) {
@@ -46,14 +46,15 @@ void Clock::catch_up(Time now) {
         due_ = now;
     }
     // Clients are served even when a step takes longer than the time that it simulates.
-    for (; due_ <= now && steady_clock::now() < now + kLongestTurn; due_ += period(controller_.time().speed)) step();
+    // A step may change the speed.
+    for (; !at_once() && due_ <= now && steady_clock::now() < now + kLongestTurn; due_ += period(speed())) step();
 }
 
 // The orders of a program are requests too, in the middle of a step.
 void Clock::run_to_rest() {
-    if (controller_.time().speed != kAtOnce || stepping_) return;
+    if (!at_once() || stepping_) return;
     step();
-    for (int steps = 1; steps < kMostAfterARequest && !controller_.rests(); ++steps) step();
+    for (int steps = 1; at_once() && steps < kMostAfterARequest && !controller_.rests(); ++steps) step();
 }
 
 void Clock::step() {

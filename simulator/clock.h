@@ -26,6 +26,8 @@ class Clock {
  private:
     using Time = std::chrono::steady_clock::time_point;
 
+    double speed() const { return controller_.time().speed; }
+    bool at_once() const { return speed() == kAtOnce; }
     void wait();
     void turn();
     void catch_up(Time now);

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "simulator/talk.h"
+#include "support/temporary_file.h"
 
 namespace zk::test {
 namespace {
@@ -43,6 +44,17 @@ TEST(Time, AtFullSpeedItStandsBetweenTheRequests) {
     EXPECT_EQ(talk.read().at("command"), "download_project");
     EXPECT_EQ(talk.read().at("state"), "program_run_finish");
     EXPECT_GE(talk.ask("zk_sim_time").at("time").get<int64_t>(), arrived + 30'000);
+}
+
+TEST(Time, StandsAtOnceWhenAScenarioSetsFullSpeed) {
+    const TemporaryDirectory folder;
+    const std::string file =
+        folder.file("fast.json", R"({"events":[{"at":0.1,"do":[{"command":"zk_sim_speed","speed":"max"}]}]})");
+    Talk talk({"--quiet", "--scenario", file});
+    Json now;
+    do now = talk.ask("zk_sim_time");
+    while (now.at("speed") != "max");
+    EXPECT_EQ(now.at("time"), 100);
 }
 
 TEST(Time, ChangesItsSpeedWhileTheArmMoves) {
