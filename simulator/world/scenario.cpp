@@ -1,6 +1,7 @@
 #include "world/scenario.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <stdexcept>
 #include <utility>
@@ -35,7 +36,9 @@ double number(const Json& object, std::string_view key, double otherwise, double
     return found->number();
 }
 
-void allow_keys(const Json& object, std::initializer_list<std::string_view> keys) {
+using Keys = std::vector<std::string_view>;
+
+void allow_keys(const Json& object, const Keys& keys) {
     if (!object.is_object()) throw std::invalid_argument("is no object");
     for (const Json::Member& member : object.members()) {
         if (std::find(keys.begin(), keys.end(), member.key) == keys.end())
@@ -58,6 +61,7 @@ Scenario::Scenario(const Json& events, const Parts& parts) : parts_(parts), clie
 
 Scenario::Event Scenario::event_of(const Json& json) const {
     allow_keys(json, {"at", "every", "when", "after", "again", "do"});
+    if (json.contains("again") && !json.contains("when")) throw std::invalid_argument("\"again\" is for \"when\"");
     if (json.contains("at") + json.contains("every") + json.contains("when") != 1)
         throw std::invalid_argument("needs one of \"at\", \"every\" and \"when\"");
     Event event;
@@ -65,7 +69,10 @@ Scenario::Event Scenario::event_of(const Json& json) const {
     event.at = number(json, "at", event.every, 0);
     event.after = number(json, "after", 0, 0);
     if (const Json* when = json.find("when")) read_condition(*when, event);
-    if (const Json* again = json.find("again")) event.again = again->is_boolean() && again->boolean();
+    if (const Json* again = json.find("again")) {
+        if (!again->is_boolean()) throw std::invalid_argument("\"again\" is neither true nor false");
+        event.again = again->boolean();
+    }
     if (!json.contains("do")) throw std::invalid_argument("needs \"do\", a list of requests");
     read_requests(json.at("do"), event);
     return event;
@@ -73,14 +80,20 @@ Scenario::Event Scenario::event_of(const Json& json) const {
 
 // {"joint": 1, "above": 45}, {"joint": 2, "below": 0}, {"output": 3, "is": 1}
 void Scenario::read_condition(const Json& when, Event& event) const {
-    allow_keys(when, {"joint", "above", "below", "output", "is"});
-    const bool of_joint = when.contains("joint");
+    const bool of_joint = when.is_object() && when.contains("joint");
+    allow_keys(when, of_joint ? Keys{"joint", "above", "below"} : Keys{"output", "is"});
     event.cause = of_joint ? Cause::kJoint : Cause::kOutput;
-    event.number = static_cast<size_t>(number(when, of_joint ? "joint" : "output", 0, 1));
-    if (event.number < 1 || event.number > (of_joint ? parts_.arm.joint_count() : parts_.ports.digital.size()))
-        throw std::invalid_argument("\"when\" names no joint and no output");
+    const double which = number(when, of_joint ? "joint" : "output", 0, 1);
+    event.number = static_cast<size_t>(which);
+    const size_t count = of_joint ? parts_.arm.joint_count() : parts_.ports.digital.size();
+    if (event.number < 1 || !(which <= static_cast<double>(count)) || which != std::floor(which))
+        throw std::invalid_argument("\"when\" names no joint and no output of this arm");
     event.low = of_joint ? number(when, "above", -kEver, -kEver) : number(when, "is", 1, 0);
     event.high = of_joint ? number(when, "below", kEver, -kEver) : event.low;
+    if (of_joint && !when.contains("above") && !when.contains("below"))
+        throw std::invalid_argument("\"joint\" needs \"above\" or \"below\"");
+    if (event.low > event.high) throw std::invalid_argument("no angle is above \"above\" and below \"below\"");
+    if (!of_joint && event.low != 0 && event.low != 1) throw std::invalid_argument("\"is\" is 0 or 1");
 }
 
 void Scenario::read_requests(const Json& requests, Event& event) const {

@@ -72,7 +72,10 @@ TEST(Scenario, TheShippedOnesRunAndWrongOnesAreRefused) {
     for (const std::string event :
          {R"({"at":1})", R"({"at":1,"every":2,"do":[]})", R"({"at":-1,"do":[]})", R"({"every":0,"do":[]})",
           R"({"at":1,"do":[{"command":"make_coffee"}]})", R"({"when":{"joint":7,"above":1},"do":[]})",
-          R"({"when":{"lift":1},"do":[]})", R"({"at":1,"then":[],"do":[]})"}) {
+          R"({"when":{"lift":1},"do":[]})", R"({"at":1,"then":[],"do":[]})", R"({"at":1,"again":true,"do":[]})",
+          R"({"when":{"joint":1,"is":1},"do":[]})", R"({"when":{"output":1,"above":1},"do":[]})",
+          R"({"when":{"joint":1},"do":[]})", R"({"when":{"joint":1.5,"above":1},"do":[]})",
+          R"({"when":{"joint":1,"above":2,"below":1},"do":[]})", R"({"when":{"output":1,"is":2},"do":[]})"}) {
         const Finished run =
             run_simulator("--port 0 --scenario " + folder.file("wrong.json", R"({"events":[)" + event + "]}"));
         EXPECT_EQ(run.status, 2) << event;
