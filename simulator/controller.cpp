@@ -19,7 +19,7 @@ void select(FrameStore& frames, const char* name, const std::optional<WirePose>&
 Controller::Controller(const Options& options)
     : arm_(options.model, options.joints.empty() ? options.model.home : options.joints),
       force_(arm_, tool_, options.wall, ForceSensor(options.load, options.force_noise, options.seed)),
-      devices_(options.object_width),
+      devices_(options.object),
       push_(options.push, {time_, arm_, tool_, drag_, force_, devices_}) {
     select(tool_.tools, "tool", options.tool);
     select(tool_.works, "work", options.work);
@@ -42,18 +42,18 @@ Controller::Controller(const Options& options)
 void Controller::set_faults(const Options& options) {
     const CommandTable& commands = dispatcher_.commands;
     Faults& faults = dispatcher_.faults;
-    faults.wire = options.wire;
+    faults.wire = options.faults.wire;
     faults.seed = options.seed;
-    for (const std::string& name : options.silent_on) {
-        if (!commands.find(name)) throw std::invalid_argument("--silent-on: unknown command '" + name + "'");
-        faults.silent_on.insert(name);
+    if (faults.wire.silence_ms > 0) faults.begin_silence();
+    try {
+        demand_possible(options.faults, arm_.joint_count());
+        faults.silent_on = commands.known(options.silent_on, false);
+        faults.refuse_on = commands.known(options.refuse_on, true);
+    } catch (const Refusal& refusal) {
+        throw std::invalid_argument(refusal.what());
     }
-    for (const std::string& name : options.refuse_on) {
-        const Command* command = commands.find(name);
-        if (!command || command->key.empty())
-            throw std::invalid_argument("--refuse-on: '" + name + "' is no command that is acknowledged");
-        faults.refuse_on.insert(name);
-    }
+    files_.disk_full = options.faults.arm.full_disk != 0;
+    fault_effects_.set(options.faults.arm);
 }
 
 // Each family gets the parts on which its commands act.
@@ -83,26 +83,29 @@ void Controller::add_commands() {
     add_waypoint_commands(table, arm_);
     add_world_commands(table, ports_, modbus_, force_.wall, devices_.gripper);
     add_time_commands(table, time_);
-    add_fault_commands(table, dispatcher_, files_, arm_);
+    add_fault_commands(table, dispatcher_, fault_effects_, files_, arm_);
 }
 
 void Controller::step() {
     constexpr double kSeconds = kStepMs / 1000.0;
     time_.milliseconds += kStepMs;
     if (scenario_) scenario_->step();
+    fault_effects_.step(kSeconds);
     guard_.step();
     drag_.step(kSeconds);
     force_.step_hold(kSeconds);
     arm_.step(kSeconds);
     devices_.step(kSeconds);
+    force_.carried = devices_.gripper.carried();
     force_.measure();
     programs_.step();
     files_.step(kStepMs / time_.speed);
 }
 
 bool Controller::rests() const {
-    return arm_.motion().rests() && !drag_.leads() && devices_.rest() && !programs_.proceed() &&
-           !force_.hold.active() && !force_.hold.stands_off() && !(scenario_ && scenario_->waits());
+    return arm_.motion().rests() && !drag_.leads() && devices_.rest() && fault_effects_.rests() &&
+           !programs_.proceed() && !force_.hold.active() && !force_.hold.stands_off() &&
+           !(scenario_ && scenario_->waits());
 }
 
 }  // namespace sim

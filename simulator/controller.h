@@ -2,6 +2,7 @@
 
 #include "devices/devices.h"
 #include "devices/drag_teach.h"
+#include "devices/fault_effects.h"
 #include "devices/force_control.h"
 #include "devices/modbus.h"
 #include "motion/tool.h"
@@ -54,6 +55,7 @@ class Controller {
     Programs programs_{dispatcher_, arm_};
     Push push_;
     Guard guard_{arm_, tool_};
+    FaultEffects fault_effects_{arm_, tool_, devices_};
     std::optional<Scenario> scenario_;
 };
 

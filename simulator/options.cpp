@@ -13,7 +13,6 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "devices/devices.h"
 #include "wire/json.h"
 #include "world/time.h"
 
@@ -137,13 +136,23 @@ double parse_speed(std::string_view option, std::string_view text) {
     return speed;
 }
 
-void set_wire_fault(WireFaults& faults, const std::string& text) {
+// WIDTH, or WIDTH,KG.
+Object parse_object(std::string_view option, const std::string& text) {
+    const size_t comma = std::min(text.find(','), text.size());
+    Object object{parse_integer(option, text.substr(0, comma), 0, Gripper::kOpen - 1), 0};
+    if (comma < text.size()) object.mass = parse_list(option, text.substr(comma + 1), 1)[0];
+    if (!(object.mass >= 0 && object.mass <= Object::kHeaviest))
+        throw std::invalid_argument("--object: must be from 0 to 20 kg");
+    return object;
+}
+
+void set_fault(FaultNumbers& faults, const std::string& text) {
     const size_t equals = std::min(text.find('='), text.size());
     const std::string name = text.substr(0, equals);
-    for (const WireFaultRow& row : wire_fault_rows()) {
+    for (const FaultRow& row : fault_rows()) {
         if (name != row.name) continue;
         const std::string value = text.substr(std::min(equals + 1, text.size()));
-        row.value(faults) = parse_integer("fault " + name, value, 0, row.highest);
+        row.number(faults) = parse_integer("fault " + name, value, 0, row.highest);
         return;
     }
     throw std::invalid_argument("--fault: there is no fault '" + name + "'");
@@ -183,8 +192,8 @@ constexpr OptionRow kOptions[] = {
      [](Options& o, const string& value) { o.work = parse_pose("work", value); }},
     {"install", "RX,RY,RZ", "mounting angles, degrees",
      [](Options& o, const string& value) { o.install = parse_angles("install", value); }},
-    {"object", "WIDTH", "width of an object for the gripper, 1 to 999 of an opening of 1000 (0: none)",
-     [](Options& o, const string& value) { o.object_width = parse_integer("object", value, 0, Gripper::kOpen - 1); }},
+    {"object", "WIDTH,KG", "an object for the gripper: 1 to 999 of an opening of 1000 wide (0: none), its mass (0)",
+     [](Options& o, const string& value) { o.object = parse_object("object", value); }},
     {"hand", "FILE", "the hand's path in drag teaching: lines of seconds and joint angles",
      [](Options& o, const string& value) { o.hand = read_hand(value); }},
     {"load", "KG,X,Y,Z", "mass of the load on the force sensor and its centre of gravity in the flange frame (0)",
@@ -205,10 +214,10 @@ constexpr OptionRow kOptions[] = {
      [](Options& o, const string& value) { o.refuse_on.push_back(value); }},
     {"delay-ms", "N", "delay every reply and report by this time",
      [](Options& o, const string& value) {
-         o.wire.replies.delay_ms = parse_integer("delay-ms", value, 0, kMaxDelayMs);
+         o.faults.wire.replies.delay_ms = parse_integer("delay-ms", value, 0, kMaxDelayMs);
      }},
-    {"fault", "NAME=N", "disturb the wire by one of the faults below; may be given several times",
-     [](Options& o, const string& value) { set_wire_fault(o.wire, value); }},
+    {"fault", "NAME=N", "one of the faults below; may be given several times",
+     [](Options& o, const string& value) { set_fault(o.faults, value); }},
     {"transfer-fault", "KIND:N", "disturb file transfers: refuse, error_line:LINE, silent, close:BYTES, stall:BYTES",
      [](Options& o, const string& value) { o.transfer_fault = parse_transfer_fault("transfer-fault", value); }},
     {"files", "DIRECTORY", "store the files that clients send in this directory, which must exist",
@@ -352,8 +361,9 @@ std::string usage() {
         text += left + help + '\n';
     };
     for (const OptionRow& row : kOptions) add(std::string("  --") + row.name + ' ' + row.value, row.help);
-    text += "\nFaults of the wire:\n";
-    for (const WireFaultRow& row : wire_fault_rows()) add(std::string("  ") + row.name, row.help);
+    text += "\nFaults:\n";
+    for (const FaultRow& row : fault_rows())
+        add(std::string("  ") + row.name, (std::string(row.takes) + ": " + row.effect).c_str());
     return text + "\nModels: " + all_model_names() +
            "\n\nThe first line on standard output names the model and the ports:\n"
            "  zk_simulator model=ZK65-B port=40123 push_port=40124\n"

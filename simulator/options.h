@@ -5,12 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "devices/devices.h"
 #include "motion/frames.h"
 #include "motion/robot_model.h"
 #include "programs/files.h"
 #include "push/push.h"
-#include "wire/disturbance.h"
 #include "wire/json.h"
+#include "world/faults.h"
 #include "world/hand.h"
 #include "world/load.h"
 #include "world/wall.h"
@@ -31,7 +32,7 @@ struct Options {
     std::optional<WirePose> tool;     // in use from the start, under the name "tool"
     std::optional<WirePose> work;     // the same, under the name "work"
     std::array<double, 3> install{};  // degrees
-    int object_width = 0;             // between the fingers of the gripper, 0 for none
+    Object object;                    // between the fingers of the gripper
     std::vector<HandLeg> hand;        // the path of the hand in drag teaching
     Load load;                        // on the sensor
     double force_noise = 0.02;        // newtons
@@ -41,7 +42,7 @@ struct Options {
     PushSettings push{.port = 8089};
     std::vector<std::string> silent_on;
     std::vector<std::string> refuse_on;
-    WireFaults wire;
+    FaultNumbers faults;
     std::optional<Json> events;  // of a scenario
     TransferFault transfer_fault;
     std::string files;  // directory where files from clients are stored; empty: nowhere

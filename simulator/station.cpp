@@ -18,6 +18,8 @@ struct Station::Running {
         controller.dispatcher().disconnect_others = [this](const Client& spared, bool reset) {
             server.disconnect_others(&spared, reset);
         };
+        controller.dispatcher().refuse_clients = [this](int milliseconds) { server.refuse(milliseconds); };
+        if (options.faults.wire.refuse_ms > 0) server.refuse(options.faults.wire.refuse_ms);
     }
 
     Controller controller;

@@ -37,7 +37,10 @@ Hook refusal_of(Device device) {
 }
 
 Json lift_state(const LinearAxis& lift, const Call&) {
-    return {{"height", lift.position()}, {"current", lift.current()}, {"err_flag", 0}, {"mode", lift.moving() ? 1 : 0}};
+    return {{"height", lift.position()},
+            {"current", lift.current()},
+            {"err_flag", lift.stuck() ? 1 : 0},
+            {"mode", lift.moving() ? 1 : 0}};
 }
 
 // Clients that do not wait for the reply send the name with a trailing blank.
@@ -49,7 +52,10 @@ void add_lift(CommandTable& table, LinearAxis& lift) {
 }
 
 Json expansion_state(const LinearAxis& axis, const Call&) {
-    return {{"pos", axis.position()}, {"current", axis.current()}, {"err_flag", 0}, {"mode", axis.moving() ? 1 : 0}};
+    return {{"pos", axis.position()},
+            {"current", axis.current()},
+            {"err_flag", axis.stuck() ? 1 : 0},
+            {"mode", axis.moving() ? 1 : 0}};
 }
 
 bool configure_expansion(Devices& devices, const Call& call) {

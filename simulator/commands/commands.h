@@ -6,6 +6,7 @@ class Arm;
 class CommandTable;
 class Dispatcher;
 class DragTeach;
+class FaultEffects;
 class Files;
 class ForceControl;
 class ForceHold;
@@ -48,6 +49,6 @@ void add_program_commands(CommandTable& table, Programs& programs, const Arm& ar
 void add_waypoint_commands(CommandTable& table, const Arm& arm);
 void add_world_commands(CommandTable& table, Ports& ports, ModbusMaster& modbus, Wall& wall, Gripper& gripper);
 void add_time_commands(CommandTable& table, SimulatedTime& time);
-void add_fault_commands(CommandTable& table, Dispatcher& dispatcher, Files& files, Arm& arm);
+void add_fault_commands(CommandTable& table, Dispatcher& dispatcher, FaultEffects& effects, Files& files, Arm& arm);
 
 }  // namespace sim

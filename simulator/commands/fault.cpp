@@ -1,8 +1,11 @@
 // Injects faults by request: {"command": "zk_sim_fault", ...} with any of the keys below.
 
 #include <algorithm>
+#include <array>
+#include <optional>
 
 #include "commands/commands.h"
+#include "devices/fault_effects.h"
 #include "motion/arm.h"
 #include "programs/files.h"
 #include "wire/dispatcher.h"
@@ -12,12 +15,33 @@ namespace {
 
 constexpr int kLongestMs = 60'000;
 
-std::set<std::string> known_commands(const CommandTable& table, const Request& request, const char* key) {
-    const std::vector<std::string> names = request.texts(key);
-    for (const std::string& name : names) {
-        if (!table.find(name)) throw BadRequest("unknown command '" + name + "'");
+constexpr int kMaxWord = 65535;
+
+// The parts on which faults act.
+struct Targets {
+    Dispatcher& dispatcher;
+    FaultEffects& effects;
+    Files& files;
+    Arm& arm;
+};
+
+// What a request asks for. All of it is read and checked before anything changes.
+struct NewFaults {
+    std::set<std::string> silent_on, refuse_on;
+    FaultNumbers numbers;
+    TransferFault transfer;
+    std::optional<int> arm_err, sys_err;  // nothing: as they are
+    std::vector<int> joint_err;           // empty: the same
+};
+
+void demand_known_keys(const Request& request) {
+    constexpr std::array kOthers{"command", "silent_on", "refuse_on", "transfer", "arm_err", "sys_err", "joint_err"};
+    for (const std::string& key : request.keys()) {
+        const auto named = [&key](const FaultRow& row) { return key == row.name; };
+        if (std::find(kOthers.begin(), kOthers.end(), key) == kOthers.end() &&
+            std::none_of(fault_rows().begin(), fault_rows().end(), named))
+            throw BadRequest("there is no fault '" + key + "'");
     }
-    return {names.begin(), names.end()};
 }
 
 // The fault of the next file transfers: {"kind": ..., "at": ...}.
@@ -27,33 +51,62 @@ TransferFault transfer_fault(const Request& fault) {
     return transfer;
 }
 
-// Reads the whole request before it changes anything.
-bool set_faults(Dispatcher& dispatcher, Files& files, Arm& arm, const Call& call) {
-    constexpr int kMaxWord = 65535;
-    const Request& request = call.request;
-    Faults faults = dispatcher.faults;
-    TransferFault transfer = files.fault;
-    if (request.has("silent_on")) faults.silent_on = known_commands(dispatcher.commands, request, "silent_on");
-    if (request.has("refuse_on")) faults.refuse_on = known_commands(dispatcher.commands, request, "refuse_on");
-    for (const WireFaultRow& row : wire_fault_rows()) {
-        if (request.has(row.name)) row.value(faults.wire) = request.integer(row.name, 0, row.highest);
-    }
-    if (request.has("silence_ms")) {
-        faults.silent_until =
-            std::chrono::steady_clock::now() + std::chrono::milliseconds(request.integer("silence_ms", 0, kLongestMs));
-    }
-    if (request.has("transfer")) transfer = transfer_fault(request.object("transfer"));
-    const auto word = [&](const char* key, int now) {
-        return request.has(key) ? request.integer(key, 0, kMaxWord) : now;
+NewFaults faults_of(const Targets& targets, const Request& request) {
+    const CommandTable& commands = targets.dispatcher.commands;
+    const auto names = [&](const char* key, const std::set<std::string>& now, bool acknowledged) {
+        return request.has(key) ? commands.known(request.texts(key), acknowledged) : now;
     };
-    const int arm_err = word("arm_err", arm.arm_error()), sys_err = word("sys_err", arm.system_error());
-    std::vector<int> joint_errors;
-    if (request.has("joint_err")) joint_errors = request.integers("joint_err", arm.joint_count());
+    const auto word = [&](const char* key) {
+        return request.has(key) ? std::optional(request.integer(key, 0, kMaxWord)) : std::nullopt;
+    };
+    const Faults& now = targets.dispatcher.faults;
+    demand_known_keys(request);
+    NewFaults faults{names("silent_on", now.silent_on, false),
+                     names("refuse_on", now.refuse_on, true),
+                     {now.wire, targets.effects.faults()},
+                     request.has("transfer") ? transfer_fault(request.object("transfer")) : targets.files.fault,
+                     word("arm_err"),
+                     word("sys_err"),
+                     {}};
+    for (const FaultRow& row : fault_rows()) {
+        if (request.has(row.name)) row.number(faults.numbers) = request.integer(row.name, 0, row.highest);
+    }
+    if (request.has("joint_err")) faults.joint_err = request.integers("joint_err", targets.arm.joint_count());
+    return faults;
+}
 
-    dispatcher.faults = std::move(faults);
-    files.fault = transfer;
-    arm.set_errors(arm_err, sys_err);
-    for (size_t i = 0; i < joint_errors.size(); ++i) arm.set_joint_error(i, std::clamp(joint_errors[i], 0, kMaxWord));
+void demand_possible(const NewFaults& faults, size_t joint_count) {
+    demand_possible(faults.numbers, joint_count);
+    const ArmFaults& arm = faults.numbers.arm;
+    for (const int word : faults.joint_err) {
+        if (word < 0 || word > kMaxWord) throw Refusal("joint_err: " + std::to_string(word) + " is no error word");
+    }
+    for (const std::string& name : faults.refuse_on) {
+        if (faults.silent_on.count(name) != 0)
+            throw Refusal("refuse_on: '" + name + "' is ignored by silent_on, so it is not answered");
+    }
+    if (arm.emergency_stop != 0 && faults.sys_err.value_or(kEmergencyStop) != kEmergencyStop)
+        throw Refusal("sys_err: the emergency stop is pressed; release it first");
+    if (arm.full_disk != 0 && !faults.transfer.kind.empty())
+        throw Refusal("transfer: with a full_disk no transfer begins");
+}
+
+bool set_faults(const Targets& targets, const Call& call) {
+    NewFaults faults = faults_of(targets, call.request);
+    demand_possible(faults, targets.arm.joint_count());
+    Dispatcher& dispatcher = targets.dispatcher;
+    dispatcher.faults.silent_on = std::move(faults.silent_on);
+    dispatcher.faults.refuse_on = std::move(faults.refuse_on);
+    dispatcher.faults.wire = faults.numbers.wire;
+    if (call.request.has("silence_ms")) dispatcher.faults.begin_silence();
+    if (call.request.has("refuse_ms") && dispatcher.refuse_clients)
+        dispatcher.refuse_clients(faults.numbers.wire.refuse_ms);
+    targets.files.fault = faults.transfer;
+    targets.files.disk_full = faults.numbers.arm.full_disk != 0;
+    targets.arm.set_errors(faults.arm_err.value_or(targets.arm.arm_error()),
+                           faults.sys_err.value_or(targets.arm.system_error()));
+    for (size_t i = 0; i < faults.joint_err.size(); ++i) targets.arm.set_joint_error(i, faults.joint_err[i]);
+    targets.effects.set(faults.numbers.arm);
     return true;
 }
 
@@ -72,8 +125,9 @@ bool restart(const Dispatcher& dispatcher, const Call& call) {
 
 }  // namespace
 
-void add_fault_commands(CommandTable& table, Dispatcher& dispatcher, Files& files, Arm& arm) {
-    table.set("zk_sim_fault", "done", with(set_faults, dispatcher, files, arm));
+void add_fault_commands(CommandTable& table, Dispatcher& dispatcher, FaultEffects& effects, Files& files, Arm& arm) {
+    const Targets targets{dispatcher, effects, files, arm};
+    table.set("zk_sim_fault", "done", [targets](const Call& call) { return set_faults(targets, call); });
     table.set("zk_sim_disconnect", "done", with(disconnect, dispatcher));
     table.set("zk_sim_restart", "done", with(restart, dispatcher));
 }

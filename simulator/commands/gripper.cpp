@@ -46,7 +46,7 @@ bool route(Gripper& gripper, const Call& call) {
 Json state(const Gripper& gripper, const Call&) {
     return {{"enable", 1},
             {"status", 1},
-            {"error", 0},
+            {"error", gripper.stuck() ? 1 : 0},
             {"mode", static_cast<int>(gripper.mode())},
             {"current_force", gripper.force()},
             {"temperature", 30},

@@ -135,8 +135,7 @@ void add_states(CommandTable& table, Arm& arm) {
         return true;
     });
     table.set("set_joint_clear_err", "joint_clear_err", [&arm](const Call& call) {
-        arm.set_joint_error(joint_index(arm, call, call.request.integer("joint_clear_err")), 0);
-        return true;
+        return arm.clear_joint_error(joint_index(arm, call, call.request.integer("joint_clear_err")));
     });
     table.set("set_joint_zero_pos", "joint_zero_pos", [&arm](const Call& call) {
         return arm.set_joint_zero(joint_index(arm, call, call.request.integer("joint_zero_pos")));

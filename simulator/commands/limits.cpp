@@ -47,18 +47,17 @@ void add_model(CommandTable& table, const Arm& arm) {
     });
 }
 
-void add_collision_and_modes(CommandTable& table, TeachFrame& frame) {
-    const auto stage = std::make_shared<int>(0);
+void add_collision_and_modes(CommandTable& table, int& stage, TeachFrame& frame) {
     table
         .set("set_collision_stage", "collision_state",
-             [stage](const Call& call) {
+             [&stage](const Call& call) {
                  constexpr int kLightest = 8;
-                 *stage = call.request.integer("collision_stage", 0, kLightest);
+                 stage = call.request.integer("collision_stage", 0, kLightest);
                  return true;
              })
         .literal = "set_collision_state";
-    table.query("get_collision_stage", "get_collision_stage", [stage](const Call&) {
-        return Json{{"collision_stage", *stage}};
+    table.query("get_collision_stage", "get_collision_stage", [&stage](const Call&) {
+        return Json{{"collision_stage", stage}};
     });
     table.set("set_teach_frame", "set_state", [&frame](const Call& call) {
         frame = static_cast<TeachFrame>(call.request.integer("frame_type", 0, 1));
@@ -86,7 +85,7 @@ void add_collision_and_modes(CommandTable& table, TeachFrame& frame) {
 void add_limit_commands(CommandTable& table, Arm& arm, Tool& tool) {
     add_cartesian_limits(table, tool.limits, arm.motion());
     add_model(table, arm);
-    add_collision_and_modes(table, tool.teach_frame);
+    add_collision_and_modes(table, arm.collision_stage, tool.teach_frame);
 }
 
 }  // namespace sim

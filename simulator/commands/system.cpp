@@ -14,8 +14,7 @@ bool set_arm_power(Arm& arm, const Call& call) {
     constexpr int kOff = 64;
     const int power = call.request.integer("arm_power");
     if (power != 0 && power != 1 && power != kOff) return false;
-    arm.set_power(power == 1);
-    return true;
+    return arm.set_power(power == 1);
 }
 
 Json controller_state(const Arm& arm, const Call&) {
@@ -55,7 +54,7 @@ void add_power_and_errors(CommandTable& table, Arm& arm) {
     });
     table.set("clear_system_err", "clear_state", [&arm](const Call&) {
         arm.set_errors(0, 0);
-        return true;
+        return !arm.emergency_stop_pressed();
     });
     table.query("get_controller_state", "controller_state", with(controller_state, arm));
 }

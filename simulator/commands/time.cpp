@@ -11,7 +11,7 @@ namespace {
 bool set_speed(SimulatedTime& time, const Call& call) {
     const bool at_once = call.request.is_text("speed") && call.request.text("speed") == kAtOnceName;
     const double speed = at_once ? kAtOnce : call.request.number("speed");
-    if (!at_once && !(speed >= kSlowest && speed <= kFastest)) return false;
+    if (!at_once && !(speed >= kSlowest && speed <= kFastest)) throw BadRequest("\"speed\" is from 0.1 to 100, or max");
     time.speed = speed;
     return true;
 }

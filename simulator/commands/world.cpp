@@ -62,16 +62,22 @@ bool set_wall(Wall& wall, const Call& call) {
     };
     Wall moved{vector("place", wall.place), vector("normal", wall.normal), wall.stiffness};
     if (call.request.has("stiffness")) moved.stiffness = call.request.number("stiffness");
-    const bool is_near = moved.place.Norm() <= kFarthest;
-    if (!is_near || moved.normal.Normalize() == 0 || moved.stiffness < 0 || moved.stiffness > Wall::kStiffest)
-        return false;
+    if (!(moved.place.Norm() <= kFarthest)) throw BadRequest("\"place\" is within 10 m");
+    if (moved.normal.Normalize() == 0) throw BadRequest("\"normal\" has no direction");
+    if (!(moved.stiffness >= 0 && moved.stiffness <= Wall::kStiffest))
+        throw BadRequest("\"stiffness\" is from 0 to 50000 N/m");
     wall = moved;
     return true;
 }
 
-// {"command": "zk_sim_object", "width": 300}: an object between the fingers, 0 for none.
+// {"command": "zk_sim_object", "width": 300, "mass": 0.5}: an object between the fingers, 0 for none.
 bool set_object(Gripper& gripper, const Call& call) {
-    gripper.put_between(call.request.integer("width", 0, Gripper::kOpen - 1));
+    const Request& request = call.request;
+    const Object object{request.integer("width", 0, Gripper::kOpen - 1),
+                        request.has("mass") ? request.number("mass") : 0};
+    if (!(object.mass >= 0 && object.mass <= Object::kHeaviest)) throw BadRequest("\"mass\" is from 0 to 20 kg");
+    if (object.width == 0 && object.mass > 0) throw BadRequest("\"mass\" is of an object, which has a width");
+    object.width > 0 ? gripper.put_between(object) : gripper.take_object();
     return true;
 }
 

@@ -47,23 +47,36 @@ void Audience::tell_arrival() {
 
 // The object is always between the closing fingers.
 void Gripper::go(int opening, int speed, int force, Mode mode) {
-    const int reachable = fingers_.position() >= object_ ? std::max(opening, object_) : opening;
+    const int reachable = fingers_.position() >= object_.width ? std::max(opening, object_.width) : opening;
     fingers_.go(std::clamp(reachable, narrowest, widest), speed);
+    wanted_ = opening;
+    speed_ = speed;
     force_ = force;
     mode_ = mode;
     arrived_ = false;
 }
 
 void Gripper::step(double seconds) {
-    fingers_.step(seconds);
-    if (arrived_ || moving()) return;
+    jammed ? fingers_.halt() : fingers_.step(seconds);
+    if (arrived_ || fingers_.moving()) return;
     arrived_ = true;
     audience.tell_arrival();
 }
 
 int Gripper::opening() const { return static_cast<int>(std::lround(fingers_.position())); }
 
-bool Gripper::holds_object() const { return object_ > 0 && !moving() && opening() == object_; }
+bool Gripper::holds_object() const { return object_.width > 0 && !moving() && opening() == object_.width; }
+
+void Gripper::take_object() {
+    const bool held = holds_object();
+    object_ = {};
+    if (held) fingers_.go(std::clamp(wanted_, narrowest, widest), speed_);
+}
+
+Load Gripper::carried() const {
+    constexpr double kReach = 0.15;  // metres from the flange to the middle of the fingers
+    return {holds_object() ? object_.mass : 0, KDL::Vector(0, 0, kReach)};
+}
 
 // ------------------------------------------------------------------------------------------------------------- Hand --
 
@@ -82,7 +95,7 @@ void Hand::begin_next() {
 }
 
 void Hand::step(double seconds) {
-    for (Slide& finger : fingers_) finger.step(seconds);
+    for (Slide& finger : fingers_) jammed ? finger.halt() : finger.step(seconds);
     const bool moving = std::any_of(fingers_.begin(), fingers_.end(), [](const Slide& f) { return f.moving(); });
     if (in_posture_ || moving) return;
     if (!waiting_.empty()) return begin_next();
@@ -98,7 +111,7 @@ Hand::Posture Hand::angles() const {
 
 Hand::Posture Hand::moving() const {
     Posture moving;
-    for (size_t i = 0; i < fingers_.size(); ++i) moving[i] = fingers_[i].moving();
+    for (size_t i = 0; i < fingers_.size(); ++i) moving[i] = fingers_[i].moving() && !jammed;
     return moving;
 }
 
@@ -119,7 +132,7 @@ void LinearAxis::run(double percent) {
 }
 
 void LinearAxis::step(double seconds) {
-    slide_.step(seconds);
+    jammed ? slide_.halt() : slide_.step(seconds);
     if (arrived_ || slide_.moving()) return;
     arrived_ = true;
     audience.tell_arrival();

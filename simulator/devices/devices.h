@@ -7,6 +7,7 @@
 
 #include "motion/pursuit.h"
 #include "wire/arrival_report.h"
+#include "world/load.h"
 
 namespace sim {
 
@@ -17,6 +18,7 @@ class Slide {
 
     void go(double target, double speed);
     void brake();
+    void halt() { speed_ = 0; }
     void step(double seconds);
 
     double position() const { return position_; }
@@ -46,30 +48,46 @@ class Audience {
     std::weak_ptr<Client> client_;
 };
 
+// What the fingers close on.
+struct Object {
+    static constexpr double kHeaviest = 20;
+
+    int width = 0;    // in units of the opening; 0: there is none
+    double mass = 0;  // kilograms
+};
+
 // Two fingers that open to 1000, with or without an object between them.
 class Gripper {
  public:
     static constexpr int kOpen = 1000;
     enum class Mode { kPosition = 0, kPick = 1, kPickOn = 2 };
 
-    explicit Gripper(int object_width) : object_(object_width) {}
+    explicit Gripper(const Object& object) : object_(object) {}
 
     void go(int opening, int speed, int force, Mode mode);
     void step(double seconds);
 
     int opening() const;
-    bool moving() const { return fingers_.moving(); }
+    bool moving() const { return fingers_.moving() && !jammed; }
+    bool stuck() const { return fingers_.moving() && jammed; }
     bool holds_object() const;
-    void put_between(int object_width) { object_ = object_width; }
+    void put_between(const Object& object) { object_ = object; }
+    // The fingers close further.
+    void take_object();
+    // What its flange bears.
+    Load carried() const;
     int force() const { return holds_object() ? force_ : 0; }
     Mode mode() const { return mode_; }
 
     int narrowest = 0, widest = kOpen;
+    bool jammed = false;
     Audience audience{Device::kGripper};
 
  private:
     Slide fingers_{5000, kOpen};
-    int object_;  // its width; 0 for none
+    Object object_;
+    int wanted_ = kOpen;  // the opening without an object
+    int speed_ = 0;
     int force_ = 0;
     Mode mode_ = Mode::kPosition;
     bool arrived_ = true;
@@ -88,10 +106,12 @@ class Hand {
 
     Posture angles() const;
     Posture moving() const;  // 1 for a finger in motion
-    bool rests() const { return in_posture_; }
+    bool rests() const { return in_posture_ || jammed; }
+    bool stuck() const { return !in_posture_ && jammed; }
 
     int speed = kBent;  // per second
     int force = kBent;
+    bool jammed = false;
     Audience audience{Device::kHand};
 
  private:
@@ -115,11 +135,13 @@ class LinearAxis {
     void step(double seconds);
 
     int position() const;
-    bool moving() const { return slide_.moving(); }
+    bool moving() const { return slide_.moving() && !jammed; }
+    bool stuck() const { return slide_.moving() && jammed; }
     int current() const { return moving() ? 1500 : 0; }  // milliamperes
 
     const double low, high;
     double speed;  // maximum
+    bool jammed = false;
     Audience audience;
 
  private:
@@ -169,7 +191,7 @@ class MobileBase {
 
 // All devices that can be attached to the arm.
 struct Devices {
-    explicit Devices(int object_width) : gripper(object_width) {}
+    explicit Devices(const Object& object) : gripper(object) {}
     void configure_expansion(const ExpansionConfig& config);
     void step(double seconds);
     bool rest() const;

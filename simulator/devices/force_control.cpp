@@ -11,7 +11,8 @@ ForceControl::ForceControl(Arm& arm, const Tool& tool, const Wall& a_wall, const
 
 void ForceControl::measure() {
     const KDL::Frame flange = tool_.mounted_flange();
-    sensor.measure(flange, contact_with(wall, flange, tool_.surroundings().flange_T_tool));
+    const KDL::Wrench contact = contact_with(wall, flange, tool_.surroundings().flange_T_tool);
+    sensor.measure(flange, contact + weight_of(carried, flange.M));
 }
 
 KDL::Wrench ForceControl::felt(ForceAxes axes) const {

@@ -29,6 +29,7 @@ class ForceControl {
     ForceSensor sensor;
     ForceHold hold;
     Wall wall;
+    Load carried;  // by the gripper, beside the load of the sensor
 
  private:
     JointVector yielded(const JointVector& ordered);

@@ -163,9 +163,16 @@ std::string Arm::reason_to_brake() const {
     return {};
 }
 
-void Arm::set_power(bool on) {
+bool Arm::set_power(bool on) {
+    if (on && !supplied_) return false;
     powered_ = on;
     if (!on) motion_.stop();
+    return true;
+}
+
+void Arm::set_supply(bool on) {
+    supplied_ = on;
+    if (!on) set_power(false);
 }
 
 void Arm::set_joint_enabled(size_t joint, bool enabled) {
@@ -178,10 +185,21 @@ void Arm::set_joint_error(size_t joint, int error) {
     if (error != 0) motion_.stop();
 }
 
+bool Arm::clear_joint_error(size_t joint) {
+    if (too_hot(joint)) return false;
+    states_[joint].error = 0;
+    return true;
+}
+
 void Arm::set_errors(int arm_error, int system_error) {
     arm_error_ = arm_error;
-    system_error_ = system_error;
-    if (arm_error != 0 || system_error != 0) motion_.stop();
+    system_error_ = stop_pressed_ ? kEmergencyStop : system_error;
+    if (arm_error_ != 0 || system_error_ != 0) motion_.stop();
+}
+
+void Arm::press_emergency_stop(bool pressed) {
+    stop_pressed_ = pressed;
+    set_errors(arm_error_, system_error_);
 }
 
 void Arm::clear_odometers() {
@@ -196,8 +214,14 @@ bool Arm::set_joint_zero(size_t joint) {
 
 std::vector<int> Arm::temperatures() const {
     std::vector<int> wire;
-    for (size_t i = 0; i < joint_count(); ++i) wire.push_back(32000 + 250 * static_cast<int>(i));
+    for (size_t i = 0; i < joint_count(); ++i)
+        wire.push_back(32000 + 250 * static_cast<int>(i) + static_cast<int>(std::lround(states_[i].heat * 1000)));
     return wire;
+}
+
+bool Arm::too_hot(size_t joint) const {
+    constexpr int kHottest = 80'000;  // thousandths of a degree Celsius
+    return temperatures()[joint] >= kHottest;
 }
 
 std::vector<int> Arm::voltages() const { return std::vector<int>(joint_count(), powered_ ? 24000 : 0); }
@@ -214,11 +238,28 @@ void Arm::step(double seconds) {
     if (limits != adopted_) check_motion_again();
     motion_.step(seconds, ordered_);
     joints_ = yielding ? yielding(ordered_) : ordered_;
+    const auto stuck = static_cast<size_t>(stuck_joint_ - 1);
+    if (stuck_joint_ > 0) joints_[stuck] = before[stuck];
     for (size_t i = 0; i < joints_.size(); ++i) {
         states_[i].speed = (joints_[i] - before[i]) / seconds;
         states_[i].odometer += std::abs(joints_[i] - before[i]);
     }
+    watch_drives();
     if (joints_ != before) watch_hazards();
+}
+
+void Arm::watch_drives() {
+    constexpr double kFarthest = 1;  // degrees behind its path
+    const auto fail = [this](size_t joint, int error) {
+        if (states_[joint].error == 0) set_joint_error(joint, error);
+    };
+    for (size_t i = 0; i < joint_count(); ++i) {
+        if (too_hot(i)) fail(i, kOverTemperature);
+    }
+    if (stuck_joint_ == 0) return;
+    const auto stuck = static_cast<size_t>(stuck_joint_ - 1);
+    if (std::abs(ordered_[stuck] - joints_[stuck]) > kFarthest) fail(stuck, kFollowingError);
+    if (motion_.idle()) ordered_[stuck] = joints_[stuck];
 }
 
 std::vector<int> thousandths(const JointVector& joints) {

@@ -18,7 +18,13 @@ struct JointState {
     int error = 0;
     double speed = 0;     // degrees per second
     double odometer = 0;  // degrees travelled
+    double heat = 0;      // degrees Celsius above its usual temperature
 };
+
+// Error words: of joints, of the arm and of the system. Those of hazards come from `error_word`.
+constexpr int kOverTemperature = 1, kFollowingError = 2;
+constexpr int kCollision = 4100;
+constexpr int kEmergencyStop = 1;
 
 // The arm: its joints, their limits, its motion and the conditions that prevent motion.
 class Arm {
@@ -78,15 +84,27 @@ class Arm {
     std::string reason_to_brake() const;
 
     bool powered() const { return powered_; }
-    void set_power(bool on);
+    // False without a supply.
+    bool set_power(bool on);
+    void set_supply(bool on);
     void set_joint_enabled(size_t joint, bool enabled);
     void set_joint_error(size_t joint, int error);
+    // False while the joint is too hot.
+    bool clear_joint_error(size_t joint);
+    // A pressed emergency stop keeps its own word.
     void set_errors(int arm_error, int system_error);
+    void press_emergency_stop(bool pressed);
+    bool emergency_stop_pressed() const { return stop_pressed_; }
+    void heat(size_t joint, double degrees) { states_[joint].heat += degrees; }
+    // It stays where it is; counted from 1, 0: none.
+    void set_stuck_joint(int joint) { stuck_joint_ = joint; }
     void clear_odometers();
 
     // While a hand drags the arm, the arm rejects moves and follows the hand.
     void set_dragged(bool dragged) { dragged_ = dragged; }
     void drag_to(const JointVector& joints) { ordered_ = joints; }
+
+    int collision_stage = 0;  // the sensitivity of the collision detection, 1 to 8; 0: off
 
     // The commanded joints. The actual joints differ from them while the arm yields to a force.
     std::function<JointVector(const JointVector& ordered)> yielding;
@@ -100,7 +118,7 @@ class Arm {
     int system_error() const { return system_error_; }
 
     // The drives' measurements in thousandths of a degree Celsius, a volt and an ampere. The current grows with the
-    // speed; the others are constant.
+    // speed.
     std::vector<int> temperatures() const;
     std::vector<int> voltages() const;
     std::vector<int> currents() const;
@@ -112,6 +130,8 @@ class Arm {
     Survey survey() const { return hazards ? hazards() : Survey(); }
     void check_motion_again();
     void watch_hazards();
+    void watch_drives();
+    bool too_hot(size_t joint) const;
     JointVector stopping_place() const;
 
     RobotModel model_;
@@ -124,7 +144,10 @@ class Arm {
     Depths allowed_{};  // in the hazards: where the arm stood when they began to hold, or has left since
     MotionQueue motion_;
     bool powered_ = true;
+    bool supplied_ = true;
+    bool stop_pressed_ = false;
     bool dragged_ = false;
+    int stuck_joint_ = 0;
     int arm_error_ = 0;
     int system_error_ = 0;
 };

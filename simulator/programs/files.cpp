@@ -25,8 +25,8 @@ bool is_transfer_fault(const std::string& kind) {
     return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
 }
 
-Reception::Reception(Order order, const std::string& path, std::vector<FileRecord>& records)
-    : order_(std::move(order)), path_(path), records_(records), got_(order_.file) {
+Reception::Reception(Order order, const std::string& path, std::vector<FileRecord>& records, const bool& disk_full)
+    : order_(std::move(order)), path_(path), records_(records), disk_full_(disk_full), got_(order_.file) {
     got_.size = 0;
     got_.digest = kDigestStart;
     if (!path_.empty()) copy_.open(path_, std::ios::binary | std::ios::trunc);
@@ -61,6 +61,8 @@ void Reception::give_verdict() {
         client->disconnect();
     } else if (fault.kind == "stall") {
         client->stop_reading();
+    } else if (disk_full_) {
+        end(false, 0);
     } else if (fault.kind == "refuse" || fault.kind == "error_line") {
         end(false, fault.kind == "refuse" ? 0 : static_cast<int>(fault.at));
     } else {
@@ -90,9 +92,10 @@ void Reception::wait(double milliseconds) {
 bool Files::receive(const std::shared_ptr<Client>& client, Reception::Order order) {
     const std::string name = order.file.name;
     if (name.empty() || name == "." || name == ".." || name.find('/') != std::string::npos) return false;
+    if (disk_full) throw Refusal("the disk is full");
     order.client = client;
     const std::string path = directory.empty() ? "" : directory + "/" + name;
-    const auto reception = std::make_shared<Reception>(std::move(order), path, records);
+    const auto reception = std::make_shared<Reception>(std::move(order), path, records, disk_full);
     running_.push_back(reception);
     client->receive(reception);
     return true;

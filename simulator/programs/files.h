@@ -36,7 +36,7 @@ class Reception : public Receiver {
         // Parses the text and returns the first line that is wrong, or 0.
         std::function<int(std::string text)> judge;
     };
-    Reception(Order order, const std::string& path, std::vector<FileRecord>& records);
+    Reception(Order order, const std::string& path, std::vector<FileRecord>& records, const bool& disk_full);
     ~Reception() override;
     Reception(const Reception&) = delete;
     Reception& operator=(const Reception&) = delete;
@@ -55,6 +55,7 @@ class Reception : public Receiver {
     std::string path_;
     std::ofstream copy_;
     std::vector<FileRecord>& records_;
+    const bool& disk_full_;
     std::string text_;
     FileRecord got_;
     double silence_ms_ = 0;
@@ -67,9 +68,10 @@ class Files {
  public:
     std::string directory;  // where they are stored; empty: nowhere
     TransferFault fault;    // of the transfers to come
+    bool disk_full = false;
     std::vector<FileRecord> records;
 
-    // False for an invalid file name. Throws BadRequest for a file that cannot be written.
+    // False for an invalid file name. Throws Refusal for a file that cannot be written.
     bool receive(const std::shared_ptr<Client>& client, Reception::Order order);
     // Passes the time of the clients, not that of the arm.
     void step(double milliseconds);

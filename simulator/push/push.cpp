@@ -57,14 +57,17 @@ Json lift_state(const LinearAxis& lift) {
     return {{"pos", lift.position() * 1000},
             {"height", lift.position()},
             {"current", lift.current()},
-            {"err_flag", 0},
+            {"err_flag", lift.stuck() ? 1 : 0},
             {"en_flag", 1}};
 }
 
 Json expansion_state(const LinearAxis& axis) {
-    return {{"joint_id", 1},          {"mode", axis.moving() ? 1 : 0},
-            {"pos", axis.position()}, {"current", axis.current()},
-            {"err_flag", 0},          {"en_flag", 1}};
+    return {{"joint_id", 1},
+            {"mode", axis.moving() ? 1 : 0},
+            {"pos", axis.position()},
+            {"current", axis.current()},
+            {"err_flag", axis.stuck() ? 1 : 0},
+            {"en_flag", 1}};
 }
 
 Json hand_state(const Hand& hand) {
@@ -73,7 +76,7 @@ Json hand_state(const Hand& hand) {
             {"hand_angle", hand.angles()},
             {"hand_force", none},
             {"hand_state", hand.moving()},
-            {"hand_err", 0}};
+            {"hand_err", hand.stuck() ? 1 : 0}};
 }
 
 }  // namespace

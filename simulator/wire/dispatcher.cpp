@@ -31,15 +31,22 @@ void Dispatcher::carry_out(const Command& command, const Call& call) const {
         return;
     }
     bool done = false;
+    std::string reason;
     try {
         done = faults.refuse_on.count(call.request.command()) == 0 && command.action(call);
     } catch (const BadRequest& error) {
-        note(call.client->name() + ": " + error.what());
+        reason = error.what();
     } catch (const Refusal& refusal) {
-        note(call.client->name() + ": " + call.request.command() + ": " + refusal.what());
+        reason = call.request.command() + ": " + refusal.what();
     }
+    if (!reason.empty()) note(call.client->name() + ": " + reason);
     const bool later = done && command.acknowledged_later;
-    if (!command.key.empty() && !later) call.client->send({{"command", command.literal}, {command.key, done}});
+    if (!command.key.empty() && !later) {
+        Json reply{{"command", command.literal}, {command.key, done}};
+        // The controller itself states no reasons, and clients search its replies for literals.
+        if (!reason.empty() && call.request.command().starts_with("zk_sim_")) reply["reason"] = reason;
+        call.client->send(reply);
+    }
     if (!done && command.refused) command.refused(call);
 }
 

@@ -18,6 +18,10 @@ struct Faults {
     WireFaults wire;
     std::chrono::steady_clock::time_point silent_until;  // nothing is sent before
     unsigned seed = 1;                                   // of what is drawn
+
+    void begin_silence() {
+        silent_until = std::chrono::steady_clock::now() + std::chrono::milliseconds(wire.silence_ms);
+    }
 };
 
 // Executes requests.
@@ -32,6 +36,7 @@ class Dispatcher {
     // What requests ask of those who serve the controller.
     std::function<void()> handled;                                            // a request has ended
     std::function<void(const Client& spared, bool reset)> disconnect_others;  // all clients but this one
+    std::function<void(int milliseconds)> refuse_clients;                     // new ones, for this time
     std::function<void(int pause_ms)> restart;                                // lose all state
 
  private:

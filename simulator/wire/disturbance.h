@@ -23,18 +23,12 @@ struct WireFaults {
     int garbage = 0;         // percent of the replies that a line of other bytes precedes
     int slice_bytes = 0;     // replies leave in pieces of this size; 0: whole
     int slice_delay_ms = 1;  // between two pieces
+    int cut_at = 0;          // the size of the first of two pieces; 0: whole
     int join_ms = 0;         // replies wait and leave together once in this time; 0: at once
+    int silence_ms = 0;      // nothing is sent for this time
+    int refuse_ms = 0;       // nobody listens for this time
     int max_clients = 1000;  // more are disconnected at once
 };
-
-// The faults that are numbers, by their names in options and requests.
-struct WireFaultRow {
-    const char* name;
-    int highest;
-    int& (*value)(WireFaults&);
-    const char* help;
-};
-const std::vector<WireFaultRow>& wire_fault_rows();
 
 // A copy of a message that is sent.
 struct Sending {

@@ -102,6 +102,12 @@ std::vector<Request> Request::objects(const char* key) const {
     return objects;
 }
 
+std::vector<std::string> Request::keys() const {
+    std::vector<std::string> keys;
+    for (const Json::Member& member : body_.members()) keys.push_back(member.key);
+    return keys;
+}
+
 const Json& Request::at(const char* key) const {
     const Json* item = body_.find(key);
     if (!item) refuse(key, "is missing");

@@ -22,6 +22,7 @@ class Request {
 
     const std::string& command() const { return command_; }
     bool has(const char* key) const { return body_.contains(key); }
+    std::vector<std::string> keys() const;
     bool is_true(const char* key) const;
     bool is_text(const char* key) const { return has(key) && body_.at(key).is_string(); }
 

@@ -9,9 +9,16 @@ namespace sim {
 
 using asio::ip::tcp;
 
+namespace {
+
+constexpr int kRetryMs = 100;
+
+}  // namespace
+
 Server::Server(asio::io_context& io, const Dispatcher& dispatcher, const std::string& address, int port)
     : dispatcher_(dispatcher),
       acceptor_(io, tcp::endpoint(asio::ip::make_address_v4(address), static_cast<asio::ip::port_type>(port))),
+      endpoint_(acceptor_.local_endpoint()),
       retry_(io) {
     accept();
 }
@@ -24,6 +31,7 @@ Server::~Server() {
 }
 
 void Server::accept() {
+    if (!acceptor_.is_open()) return;
     acceptor_.async_accept([this, alive = std::weak_ptr(alive_)](const asio::error_code& error, tcp::socket socket) {
         if (error == asio::error::operation_aborted || alive.expired()) return;
         if (!error) {
@@ -33,11 +41,31 @@ void Server::accept() {
         }
         // Most likely out of descriptors, until a client disconnects.
         note("cannot accept a client: " + error.message());
-        retry_.expires_after(std::chrono::milliseconds(100));
-        retry_.async_wait([this, alive](const asio::error_code& stopped) {
-            if (!stopped && !alive.expired()) accept();
-        });
+        accept_after(kRetryMs);
     });
+}
+
+void Server::accept_after(int milliseconds) {
+    retry_.expires_after(std::chrono::milliseconds(milliseconds));
+    retry_.async_wait([this, alive = std::weak_ptr(alive_)](const asio::error_code& stopped) {
+        if (stopped || alive.expired()) return;
+        if (!acceptor_.is_open()) listen_again();
+        acceptor_.is_open() ? accept() : accept_after(kRetryMs);
+    });
+}
+
+void Server::refuse(int milliseconds) {
+    asio::error_code ignored;
+    acceptor_.close(ignored);
+    accept_after(milliseconds);
+}
+
+void Server::listen_again() {
+    try {
+        acceptor_ = tcp::acceptor(acceptor_.get_executor(), endpoint_);
+    } catch (const asio::system_error& error) {
+        note(std::string("cannot listen: ") + error.what());
+    }
 }
 
 void Server::admit(tcp::socket socket) {

@@ -23,17 +23,23 @@ class Server {
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
 
-    int port() const { return acceptor_.local_endpoint().port(); }
+    int port() const { return endpoint_.port(); }
 
     // Disconnects all clients but one, with a reset on request.
     void disconnect_others(const Client* spared, bool reset);
 
+    // Refuses new clients for this time.
+    void refuse(int milliseconds);
+
  private:
     void accept();
+    void accept_after(int milliseconds);
+    void listen_again();
     void admit(asio::ip::tcp::socket socket);
 
     const Dispatcher& dispatcher_;
     asio::ip::tcp::acceptor acceptor_;
+    asio::ip::tcp::endpoint endpoint_;
     asio::steady_timer retry_;
     std::vector<std::weak_ptr<Session>> sessions_;
     std::shared_ptr<Server*> alive_ = std::make_shared<Server*>(this);  // for handlers that run late

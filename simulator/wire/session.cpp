@@ -95,7 +95,7 @@ void Session::leave(const std::string& reason) {
 void Session::send(const Json& message) {
     if (!socket_.is_open() || (left_ && unread_bytes_ == 0)) return;
     const std::string text = message.dump() + std::string(kEnd);
-    is_of_a_test(text) ? post({text, last_due_}, true) : disturb(text);
+    is_of_a_test(text) ? post({text, last_due_, 0}, true) : disturb(text);
     if (unread_bytes_ > kMaxUnread) {
         note(name_ + ": does not read its replies, disconnected");
         close();
@@ -110,7 +110,8 @@ void Session::disturb(const std::string& text) {
     for (Sending& sending : disturbance_.sendings(text, faults.replies)) {
         Time due = std::max(now, dispatcher_.faults.silent_until) + sending.delay;
         if (faults.join_ms > 0) due = next_multiple(due, std::chrono::milliseconds(faults.join_ms));
-        post({disturbance_.garbage(faults.garbage) + sending.text, due}, sending.keeps_order);
+        post({disturbance_.garbage(faults.garbage) + sending.text, due, static_cast<size_t>(faults.cut_at)},
+             sending.keeps_order);
     }
 }
 
@@ -126,8 +127,12 @@ void Session::post(Message message, bool keeps_order) {
 void Session::send_due() {
     if (!writing_.empty()) return;
     for (const Time now = std::chrono::steady_clock::now(); !outbox_.empty() && outbox_.front().due <= now;) {
+        const bool alone = outbox_.front().cut_at > 0;
+        if (alone && !writing_.empty()) break;
+        cut_at_ = outbox_.front().cut_at;
         writing_ += outbox_.front().text;
         outbox_.pop_front();
+        if (alone) break;
     }
     if (!writing_.empty()) return write(0);
     if (outbox_.empty()) {
@@ -143,7 +148,8 @@ void Session::send_due() {
 void Session::write(size_t begin) {
     const WireFaults& faults = dispatcher_.faults.wire;
     const size_t rest = writing_.size() - begin;
-    const size_t size = faults.slice_bytes > 0 ? std::min<size_t>(rest, faults.slice_bytes) : rest;
+    const size_t most = begin == 0 && cut_at_ > 0 ? cut_at_ : static_cast<size_t>(faults.slice_bytes);
+    const size_t size = most > 0 ? std::min(rest, most) : rest;
     asio::async_write(socket_, asio::buffer(writing_.data() + begin, size),
                       [this, self = shared_from_this(), begin, size](const asio::error_code& error, size_t) {
                           if (error || !socket_.is_open()) return close();

@@ -36,6 +36,7 @@ class Session : public Client, public std::enable_shared_from_this<Session> {
     struct Message {
         std::string text;
         Time due;
+        size_t cut_at = 0;
     };
 
     void read();
@@ -66,6 +67,7 @@ class Session : public Client, public std::enable_shared_from_this<Session> {
     std::deque<Message> outbox_;  // by the time that each is due
     Time last_due_;               // of those that keep their order
     std::string writing_;         // on its way
+    size_t cut_at_ = 0;           // the size of its first piece; 0: as the slices
     size_t unread_bytes_ = 0;
     bool left_ = false;  // nothing more will come
 };

@@ -3,7 +3,7 @@
 #include <sys/socket.h>
 
 #include <chrono>
-#include <optional>
+#include <memory>
 
 #include "simulator/talk.h"
 #include "support/pattern.h"
@@ -26,6 +26,17 @@ class WireFaults : public testing::Test {
         if (!wait_readable(talk_.client.descriptor())) return {};
         const ssize_t got = recv(talk_.client.descriptor(), bytes, sizeof bytes, 0);
         return got < 0 ? std::string() : std::string(bytes, static_cast<size_t>(got));
+    }
+
+    // As soon as it is accepted.
+    std::unique_ptr<LineClient> new_client() {
+        for (;;) {
+            try {
+                return std::make_unique<LineClient>(talk_.simulator.port());
+            } catch (const std::exception&) {
+                continue;
+            }
+        }
     }
 
     Talk talk_{{"--quiet", "--speed", "max", "--seed", "2"}};
@@ -83,6 +94,32 @@ TEST_F(WireFaults, SliceJoinAndDelayReplies) {
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
 }
 
+TEST_F(WireFaults, CutReplies) {
+    constexpr int kLongMs = 60'000;
+    const std::string reply = kPower + "\r\n";
+    for (int bytes = 1; bytes < static_cast<int>(reply.size()); ++bytes) {
+        set({{"cut_at", bytes}, {"slice_delay_ms", kLongMs}});
+        LineClient other(talk_.simulator.port());
+        other.send_line(request_text("get_arm_power_state"));
+        char first[4096];
+        ASSERT_TRUE(wait_readable(other.descriptor()));
+        EXPECT_EQ(recv(other.descriptor(), first, sizeof first, 0), bytes);
+        set({{"slice_delay_ms", 1}});
+        ask_power();
+        EXPECT_EQ(talk_.client.read_line(), kPower);
+    }
+}
+
+TEST_F(WireFaults, RefuseNewClientsForATime) {
+    set({{"arm_err", 5}, {"refuse_ms", 60'000}});
+    EXPECT_THROW(LineClient(talk_.simulator.port()), std::exception);
+    ask_power();
+    EXPECT_EQ(talk_.client.read_line(), kPower);
+    set({{"refuse_ms", 0}});
+    const Json state = Json::parse(new_client()->ask(request_text("get_current_arm_state"))).at("arm_state");
+    EXPECT_EQ(state.at("arm_err"), 5) << "no state is lost";
+}
+
 TEST_F(WireFaults, EndConnections) {
     for (const bool reset : {false, true}) {
         LineClient other(talk_.simulator.port());
@@ -102,15 +139,8 @@ TEST_F(WireFaults, ARestartLosesTheState) {
     set({{"arm_err", 5}, {"max_clients", 1}});
     EXPECT_EQ(talk_.ask("zk_sim_restart", {{"pause_ms", 1}}).at("done"), true);
     EXPECT_TRUE(talk_.client.wait_for_close());
-    for (std::optional<LineClient> again; !again;) {
-        try {
-            again.emplace(talk_.simulator.port());
-        } catch (const std::exception&) {
-            continue;  // not yet
-        }
-        const Json state = Json::parse(again->ask(request_text("get_current_arm_state"))).at("arm_state");
-        EXPECT_EQ(state.at("arm_err"), 0);
-    }
+    const Json state = Json::parse(new_client()->ask(request_text("get_current_arm_state"))).at("arm_state");
+    EXPECT_EQ(state.at("arm_err"), 0);
 }
 
 // A request takes one step of time, and each step pushes once.
