@@ -5,7 +5,6 @@
 
 #include "support/command_case.h"
 #include "support/parser_case.h"
-#include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
 
 namespace {
@@ -130,33 +129,6 @@ TEST(KeptLength, ChangesWithSettingsAndReplies) {
     lwt = 0;
     EXPECT_EQ(ask(), 11);
     EXPECT_EQ(lwt, 0);
-}
-
-// -------------------------------------------------------------------------------------------------- A simulated arm --
-
-TEST(ArmLimitsOfASimulatedArm, ReturnsItsSettings) {
-    const SimulatedArm arm;
-    const Call line_speed = asking(Get_Arm_Line_Speed), line_acc = asking(Get_Arm_Line_Acc),
-               angular_speed = asking(Get_Arm_Angular_Speed), angular_acc = asking(Get_Arm_Angular_Acc),
-               collision = asking(Get_Collision_Stage), frame = asking(Get_Teach_Frame), dh = asking(Get_DH_Data);
-    expect_kept(arm, {{CALL(Set_Arm_Line_Speed, (s, 0.125f, true)), 0, line_speed, "0.125"},
-                      {CALL(Set_Arm_Line_Speed, (s, 1000, true)), 1, line_speed, "0.125"},
-                      {CALL(Set_Arm_Line_Acc, (s, 0.125f, true)), 0, line_acc, "0.125"},
-                      {CALL(Set_Arm_Line_Acc, (s, 0, true)), 1, line_acc, "0.125"},
-                      {CALL(Set_Arm_Angular_Speed, (s, 0.125f, true)), 0, angular_speed, "0.125"},
-                      {CALL(Set_Arm_Angular_Speed, (s, 1000, true)), 1, angular_speed, "0.125"},
-                      {CALL(Set_Arm_Angular_Acc, (s, 0.125f, true)), 0, angular_acc, "0.125"},
-                      {CALL(Set_Arm_Angular_Acc, (s, 0, true)), 1, angular_acc, "0.125"},
-                      {CALL(Set_Arm_Tip_Init, (s, true)), 0, line_speed, "0.25"},
-                      {CALL(Set_Collision_Stage, (s, 8, true)), 0, collision, "8"},
-                      {CALL(Set_Collision_Stage, (s, 9, true)), 1, collision, "8"},
-                      {CALL(Set_Teach_Frame, (s, 1, true)), 0, frame, "1"},
-                      {CALL(Set_Teach_Frame, (s, 2, true)), 1, frame, "1"},
-                      {CALL(Set_DH_Data, (s, 240.5f, 0, -0.1f, 256, 144, true)), 0, dh, "240.5; 0; -0.1; 256; 144"},
-                      {CALL(Set_Plan_Speed, (s, 101, true)), 1, line_acc, "1.6"},
-                      {CALL(Set_Joint_Zero_Offset, (s, kOffsets, true)), 0, angular_speed, "0.6"},
-                      {CALL(Set_Arm_Dynamic_Parm, (s, kDynamics, true)), 0, angular_acc, "4"},
-                      {CALL(Set_Arm_Servo_State, (s, 1, true)), 0, frame, "1"}});
 }
 
 }  // namespace

@@ -202,21 +202,4 @@ TEST(ArmStateOfASimulatedArm, AgreesWithTheLocalModel) {
     EXPECT_NEAR(pose.euler.rz, computed.euler.rz, 1e-3);
 }
 
-TEST(ArmStateOfASimulatedArm, ReportsMeasurementsAndSettings) {
-    const SimulatedArm arm;
-    const auto nothing = [](ArmSocket) { return 0; };
-    const std::string temperatures = "32 32.25 32.5 32.75 33 33.25", voltages = "24 24 24 24 24 24",
-                      currents = "0.1 0.1 0.1 0.1 0.1 0.1";
-    expect_kept(
-        arm, {{"temperatures", nothing, 0, asking(Get_Joint_Temperature), temperatures},
-              {"currents", nothing, 0, asking(Get_Joint_Current), currents},
-              {"voltages", nothing, 0, asking(Get_Joint_Voltage), voltages},
-              {"all of them", nothing, 0, asking(Get_Arm_All_State),
-               temperatures + " 0, " + voltages + " 0, " + currents + " 0, 1 1 1 1 1 1 0, 0 0 0 0 0 0 0, 0"},
-              {"moves", nothing, 0, asking(Get_Arm_Plan_Num), "0"},
-              {CALL(Set_Arm_Init_Pose, (s, kJoints, true)), 0, asking(Get_Arm_Init_Pose), "0.25 -90 1.5 0 178 12.345"},
-              {CALL(Set_Install_Pose, (s, true, 180, 0.5f, 90)), 0, asking(Get_Install_Pose), "180; 0.5; 90"},
-              {CALL(Set_Install_Pose, (s, true, NAN, 0, 0)), 1, asking(Get_Install_Pose), "180; 0.5; 90"}});
-}
-
 }  // namespace

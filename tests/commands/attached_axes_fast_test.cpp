@@ -10,7 +10,6 @@
 #include "commands/wire.h"
 #include "support/command_case.h"
 #include "support/parser_case.h"
-#include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
 #include "zk/gripper_and_hand.h"
 #include "zk/queue.h"
@@ -267,30 +266,5 @@ TEST(AttachedAxesParsers, ReadTheStateOfTheBase) {
     expect_parsed(parsing(Parser_Get_Car_State),
                   {{kCar, 0, "80; 1; 2; 0; 1; 3"}, {R"({"battery_volume":80})", 9, "80; -; -; -; -; -"}});
 }
-
-// -------------------------------------------------------------------------------------------------- A simulated arm --
-
-TEST(AxesOfASimulatedArm, RefuseValuesBeyondTheirRanges) {
-    set_time_factor(0);
-    SimulatedArm arm;
-    int32_t value = 0, pos = 0, height = 0, low = 0, high = 0, version = 0;
-    uint16_t err_flag = 0;
-    EXPECT_EQ(Set_Lift_Height(arm, 2000, 100, true), 1) << "higher than it is";
-    EXPECT_EQ(Expand_Set_Pos(arm, 1, 200, true), 1) << "faster than it is";
-    EXPECT_EQ(Expand_Config(arm, 6000, 60000, 1000), 0);
-    EXPECT_EQ(Expand_Get_Config(arm, &value, &value, &value, &low, &high), 0);
-    EXPECT_EQ(text_of({value, low, high}), "1000 -200000 200000");
-    EXPECT_EQ(Expand_Set_Version(arm, 3), 0);
-    EXPECT_EQ(Expand_Get_Version(arm, &version), 0);
-    EXPECT_EQ(version, 3);
-
-    EXPECT_EQ(Expand_Set_Speed(arm, 20, false), 0);
-    eventually([&] { return Expand_Get_State(arm, &pos, &err_flag, &value, &value) == 0 && pos > 5000; });
-    EXPECT_EQ(Expand_Set_Speed(arm, 0, true), 0) << "brakes";
-    EXPECT_EQ(Set_Lift_NonBlock(arm, 100, 100), 0);
-    eventually([&] { return Get_Lift_State(arm, &height, &value, &err_flag, &value) == 0 && height == 100; });
-}
-
-TEST(AttachedAxesOnASimulatedArm, AnswersEveryRow) { expect_simulated(kRows); }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include "commands/wire.h"
 #include "support/command_case.h"
 #include "support/parser_case.h"
-#include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
 
 namespace {
@@ -111,18 +110,6 @@ TEST(ForceControlParsers, ReadArraysOfAnySize) {
 TEST(ForceControlParsers, RefuseAnFzThatIsSet) {
     expect_parsed(parsing(Parser_Get_Fz),
                   {{R"({"set_state":true,"Fz":1,"zero_Fz":1,"work_zero_Fz":1,"tool_zero_Fz":1})", 9, ""}});
-}
-
-TEST(ForceControlOnASimulatedArm, AnswersWithAnErrorWithoutTheSensor) {
-    const SimulatedArm arm;
-    float forces[4][6];
-    EXPECT_EQ(Get_Force_Data(arm, forces[0], forces[1], forces[2], forces[3]), 9);
-    EXPECT_EQ(Get_Fz(arm, forces[0], forces[1], forces[2], forces[3]), 9);
-}
-
-TEST(ForceControlOnASimulatedArm, AnswersEveryRow) {
-    expect_simulated(kRows, "ZK65-6F", "Get_Fz.*");
-    expect_simulated(kRows, "ZK65-ZF", "(?!Get_Fz).*");
 }
 
 }  // namespace

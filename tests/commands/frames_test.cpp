@@ -7,7 +7,6 @@
 #include "support/kdl_frames.h"
 #include "support/parser_case.h"
 #include "support/pattern.h"
-#include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
 #include "zk/algorithm.h"
 #include "zk/connection.h"
@@ -150,8 +149,6 @@ TEST_P(Frames, OnTheWire) {
 INSTANTIATE_TEST_SUITE_P(, Frames, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
 
 ZK_WIRE_GUARDS(Frames, "frames.h", "Frames and payload", kRows)
-
-TEST(FramesOnASimulatedArm, AnswersEveryRow) { expect_simulated(kRows); }
 
 TEST(FramesGuards, QueriesByNameRefuseNullPointers) {
     static FrameRec frame;
@@ -334,35 +331,6 @@ TEST(FrameMatrices, ChangeWithTheReplies) {
     EXPECT_EQ(Get_Current_Tool_Frame_Block(arm, &frame), 9);
     EXPECT_EQ(Get_Current_Work_Frame_Block(arm, &frame), 10);
     EXPECT_EQ(Tool_Matrix.rows + Frame_Matrix.rows, 0);
-}
-
-// -------------------------------------------------------------------------------------------------- A simulated arm --
-
-const Pose kGrip{{0.1f, 0, 0.15f}, {}, {0, 0, 1.5f}};
-
-TEST(FramesOfASimulatedArm, AreReadBackAsSet) {
-    const Call tool = asking(Get_Current_Tool_Frame), work = asking(Get_Current_Work_Frame),
-               given_tool = kAskGivenTool(Get_Given_Tool_Frame), given_work = kAskGivenWork(Get_Given_Work_Frame);
-    const std::string pose = ", 0.1 0 0.15, 0 0 1.5, ", none = ", 0 0 0, 0 0 0, 0 0 0 0";
-    const SimulatedArm arm;
-    expect_kept(
-        arm,
-        {{CALL(Manual_Set_Tool_Frame, (s, "grip", kGrip, 1.5f, 0.01f, 0.02f, -0.03f, true)), 0, given_tool,
-          "grip" + pose + "1.5 0.01 0.02 -0.03"},
-         {CALL(Update_Tool_Frame, (s, "grip", kGrip, 2.5f, 0, 0, 0)), 0, asking(Get_All_Tool_Frame), "Arm_Tip grip; 2"},
-         {CALL(Change_Tool_Frame, (s, "none", true)), 1, tool, "Arm_Tip" + none},
-         {CALL(Change_Tool_Frame, (s, "grip", true)), 0, tool, "grip" + pose + "2.5 0 0 0"},
-         {CALL(Delete_Tool_Frame, (s, "grip", true)), 0, tool, "Arm_Tip" + none},
-         {CALL(Manual_Set_Work_Frame, (s, "table", kGrip, true)), 0, given_work, "table; 0.1 0 0.15, 0 0 1.5"},
-         {CALL(Update_Work_Frame, (s, "table", kPose)), 0, asking(Get_All_Work_Frame), "Base table; 2"},
-         {CALL(Change_Work_Frame, (s, "table", true)), 0, work,
-          "table, 0.123456 -0.3 1e-06, 3.141 -1.57 0.001, 0 0 0 0"},
-         {CALL(Delete_Work_Frame, (s, "table", true)), 0, work, "Base" + none}});
-    FrameRec frame{};
-    Pose gone{};
-    char name[12] = "table";
-    EXPECT_EQ(Get_Given_Tool_Frame(arm, "grip", &frame), 1);
-    EXPECT_EQ(Get_Given_Work_Frame(arm, name, &gone), 1);
 }
 
 }  // namespace

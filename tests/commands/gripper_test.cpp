@@ -3,7 +3,6 @@
 
 #include "commands/wire.h"
 #include "support/command_case.h"
-#include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
 #include "zk/replies/gripper_and_hand.h"
 #include "zk/replies/joint_configuration.h"
@@ -118,37 +117,5 @@ TEST(GripperState, HasTheStatusOfAnotherQuery) {
     set_shared(Get_Joint_Drive_Max_Pos_Cmd[0].result, int32_t{10});
     EXPECT_EQ(Get_Gripper_State(arm, &state), 10);
 }
-
-// -------------------------------------------------------------------------------------------------- A simulated arm --
-
-int opening(ArmSocket arm) {
-    GripperState state{};
-    EXPECT_EQ(Get_Gripper_State(arm, &state), 0);
-    return state.actpos;
-}
-
-TEST(GripperOfASimulatedArm, GripsWhatThereIs) {
-    SimulatedArm arm({"--object", "300"});
-    EXPECT_EQ(opening(arm), 1000);
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(Set_Gripper_Pick(arm, 1000, 200, true, 60), 0);
-    GripperState state{};
-    EXPECT_EQ(Get_Gripper_State(arm, &state), 0);
-    EXPECT_EQ(text_of(state), "1 1, 0 1 200 30 300");
-    EXPECT_EQ(Set_Gripper_Route(arm, 100, 900, true), 0);
-    EXPECT_EQ(Set_Gripper_Release(arm, 1000, true, 60), 0);
-    EXPECT_EQ(opening(arm), 900);
-    EXPECT_EQ(Set_Gripper_Position(arm, 950, true, 60), 1) << "beyond the route";
-    EXPECT_EQ(Set_Gripper_Pick_On(arm, 1000, 5, true, 60), 1) << "no such force";
-    // The non-blocking motion sends no report, so the hand's wait meets none of the gripper.
-    EXPECT_EQ(Set_Gripper_Position(arm, 500, false, 1), 0);
-    eventually([&] { return opening(arm) == 500; });
-    EXPECT_EQ(Set_Hand_Posture(arm, 2, true), 0);
-    EXPECT_EQ(Set_Hand_Posture(arm, 99, true), 1);
-    EXPECT_EQ(Set_Hand_Speed(arm, 1000, true), 0);
-    EXPECT_EQ(Set_Hand_Seq(arm, 1, true), 0);
-    EXPECT_EQ(Set_PWM(arm, 1000, 50, false), 0);
-}
-
-TEST(GripperOnASimulatedArm, AnswersEveryRow) { expect_simulated(kRows); }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include "commands/wire.h"
 #include "support/parser_case.h"
 #include "support/pattern.h"
-#include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
 #include "zk/mailboxes.h"
 
@@ -133,27 +132,6 @@ TEST(IoParsers, Banks) {
                   {{R"({"DI":[1,2,3,4,5],"AI":[1,2,3,4,5]})", 0, "1 2 3 4; 0.001 0.002 0.003 0.004"},
                    {R"({"DI":[1],"AI":[]})", 0, "1; -"}});
     expect_parsed(parsing(Parser_Get_Tool_IO_State), {{R"({"IO_Mode":[1,0,1],"IO_State":[1]})", 0, "1 0; 1"}});
-}
-
-// -------------------------------------------------------------------------------------------------- A simulated arm --
-
-TEST(IoOfASimulatedArm, OutputsAreReadBackAndAppearAtTheirInputs) {
-    const Call outputs = asking(Get_IO_Output), inputs = asking(Get_IO_Input), tool = asking(Get_Tool_IO_State);
-    const std::string second_on = "0 1 0 0; 0 0 0 2.5";
-    const SimulatedArm arm;
-    expect_kept(
-        arm,
-        {{CALL(Set_DO_State, (s, 2, 1, true)), 0, outputs, "0 1 0 0; 0 0 0 0"},
-         {CALL(Set_AO_State, (s, 4, 2.5f, true)), 0, inputs, second_on},
-         {"more than ten volts", [](ArmSocket s) { return Set_AO_State(s, 4, 10.5f, true); }, 1, outputs, second_on},
-         {"there are four", [](ArmSocket s) { return Set_DO_State(s, 5, 1, true); }, 1, outputs, second_on},
-         {CALL(Set_IO_Mode, (s, 3, 0)), 0, asking_3(Get_IO_State), "0; 0"},
-         {"an input", [](ArmSocket s) { return Set_DO_State(s, 3, 1, true); }, 1, asking_3(Get_IO_State), "0; 0"},
-         {CALL(Set_Tool_IO_Mode, (s, 1, 0, true)), 0, tool, "0 1; 0 0"},
-         {"an input of the tool", [](ArmSocket s) { return Set_Tool_DO_State(s, 1, 1, true); }, 1, tool, "0 1; 0 0"},
-         {CALL(Set_Tool_DO_State, (s, 2, 1, true)), 0, tool, "0 1; 0 1"},
-         {CALL(Set_Tool_Voltage, (s, 3, true)), 0, asking(Get_Tool_Voltage), "3"},
-         {CALL(Set_Voltage, (s, 2, 1)), 0, asking(Get_Voltage), "2"}});
 }
 
 }  // namespace

@@ -295,50 +295,6 @@ TEST(JointConfigurationOfASimulatedArm, LimitsAreReadBackAsSet) {
         EXPECT_FLOAT_EQ(model[1], limit.good);
     }
     EXPECT_EQ(Set_Joint_Min_Pos(arm, 2, 100.5f, true), 1) << "nothing left between them";
-    EXPECT_EQ(Auto_Set_Joint_Limit(arm, 1), 0);
-    EXPECT_EQ(Get_Joint_Max_Pos(arm, out), 0);
-    EXPECT_EQ(out[1], 130);
-
-    const struct {
-        int (*set)(ArmSocket, uint8_t, float);
-        int (*get)(ArmSocket, float*);
-        float good, bad;
-    } drives[] = {{Set_Joint_Drive_Speed, Get_Joint_Drive_Speed, 60, 181},
-                  {Set_Joint_Drive_Acc, Get_Joint_Drive_Acc, 60, 0},
-                  {Set_Joint_Drive_Min_Pos, Get_Joint_Drive_Min_Pos, -60, -179},
-                  {Set_Joint_Drive_Max_Pos, Get_Joint_Drive_Max_Pos, 60, 179}};
-    for (const auto& drive : drives) {
-        EXPECT_EQ(drive.set(arm, 1, drive.good), 0);
-        EXPECT_EQ(drive.set(arm, 1, drive.bad), 1);
-        EXPECT_EQ(drive.get(arm, out), 0);
-        EXPECT_EQ(out[0], drive.good);
-    }
-}
-
-TEST(JointConfigurationOfASimulatedArm, ReportsItsJoints) {
-    const Call enabled = asking(Get_Joint_EN_State), errors = asking(Get_Joint_Err_Flag),
-               versions = asking(Get_Joint_Software_Version);
-    const std::string fourth_braked = "0 0 0 0 0 0; 0 0 0 1 0 0";
-    const SimulatedArm arm;
-    expect_kept(arm,
-                {{CALL(Set_Joint_EN_State, (s, 4, 0, true)), 0, enabled, "1 1 1 0 1 1"},
-                 {CALL(Set_Joint_EN_State, (s, 0, 1, true)), 1, errors, fourth_braked},
-                 {CALL(Set_Joint_Err_Clear, (s, 4, true)), 0, errors, fourth_braked},
-                 {CALL(Set_Joint_Err_Clear, (s, 9, true)), 1, versions, "131072 131073 131074 131075 131076 131077"},
-                 {"a disabled joint", [](ArmSocket s) { return Auto_Fix_Joint_Over_Soft_Limit(s, true); }, 1, enabled,
-                  "1 1 1 0 1 1"},
-                 {CALL(Set_Joint_Zero_Pos, (s, 2, true)), 0, enabled, "1 1 1 0 1 1"},
-                 {CALL(Set_Joint_EN_State, (s, 4, 1, true)), 0, enabled, "1 1 1 1 1 1"},
-                 {CALL(Auto_Fix_Joint_Over_Soft_Limit, (s, false)), 0, enabled, "1 1 1 1 1 1"}});
-}
-
-TEST(JointConfigurationOfASimulatedArm, ReturnsIntoItsSoftLimits) {
-    SimulatedArm arm({"--joints", "0,0,90,0,90,0"});
-    EXPECT_EQ(Set_Joint_Max_Pos(arm, 3, 89.5f, true), 0);
-    EXPECT_EQ(Auto_Fix_Joint_Over_Soft_Limit(arm, true), 0);
-    float joints[6];
-    EXPECT_EQ(Get_Joint_Degree(arm, joints), 0);
-    EXPECT_EQ(joints[2], 89.5f);
 }
 
 }  // namespace

@@ -211,6 +211,4 @@ TEST_F(Bus, RefusesWithoutADevice) {
     EXPECT_EQ(read(Get_Read_Coils, s_, 0, 0, 1, 1), "status 1") << "closed";
 }
 
-TEST(ModbusOnASimulatedArm, AnswersEveryRow) { expect_simulated(kRows); }
-
 }  // namespace

@@ -190,9 +190,4 @@ TEST_P(DerivedMoves, MoveOnALineToTheComputedTarget) {
     for (int i = 0; i < 6; ++i) EXPECT_NEAR(request["pose"][i].get<int>(), expected[i], 2) << i;
 }
 
-TEST(MotionOnASimulatedArm, AnswersEveryRow) {
-    set_time_factor(0);
-    expect_simulated(kRows, "ZK65-6F", "OfSevenJoints_.*");
-}
-
 }  // namespace

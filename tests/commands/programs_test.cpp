@@ -356,20 +356,4 @@ TEST_F(SimulatedPrograms, AreListedChangedAndDeleted) {
     EXPECT_EQ(Delete_Program_Trajectory(arm_, 3), 1);
 }
 
-TEST_F(SimulatedPrograms, AreListedWithWaypoints) {
-    GlobalWaypoint w = waypoint(), back{};
-    EXPECT_EQ(Add_Global_Waypoint(arm_, w), 0);
-    EXPECT_EQ(Add_Global_Waypoint(arm_, w), 1) << "the name is taken";
-    w.joint[0] = 9;
-    EXPECT_EQ(Update_Global_Waypoint(arm_, w), 0);
-    ASSERT_EQ(Given_Global_Waypoint(arm_, "w1", &back), 0);
-    EXPECT_EQ(waypoint_text(back), "w1, 9 -2.5 3 0 5 6 0, 0.1 -0.2 0.3, 3.141 0 -1.5, quaternion!, Base, Arm_Tip, t");
-    GlobalWaypointList list = asked<GlobalWaypointList>(1, 10, "w");
-    ASSERT_EQ(Get_Global_Point_List(arm_, &list), 0);
-    EXPECT_EQ(list.total_size, 1);
-    EXPECT_EQ(Given_Global_Waypoint(arm_, "w2", &back), 1);
-    EXPECT_EQ(Delete_Global_Waypoint(arm_, "w1"), 0);
-    EXPECT_EQ(Delete_Global_Waypoint(arm_, "w1"), 1);
-}
-
 }  // namespace

@@ -1,11 +1,10 @@
-// Safety geometry: every command on the wire, its guards, its parsers, and the fences of a simulated arm.
+// Safety geometry: every command on the wire, its guards, its parsers.
 #include "zk/replies/safety_geometry.h"
 
 #include <gtest/gtest.h>
 
 #include "support/command_case.h"
 #include "support/parser_case.h"
-#include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
 
 namespace {
@@ -225,65 +224,6 @@ TEST(SafetyGeometryParsers, StopAtTheEndOfTheirRecords) {
                     "twelve byte 1, twelve byte 0 0 0 0"},
                    {R"({"tool_name":"grip","list":[{"name":"a","radius":50,"x":1,"y":2}]})", 11, "grip 1, a 0 0 0 0"},
                    {R"({"get_state":false,"tool_name":"grip","list":[]})", 1, ""}});
-}
-
-// -------------------------------------------------------------------------------------------------- A simulated arm --
-
-FenceConfig ball(const char* name, float radius) {
-    FenceConfig config = fence(3, name);
-    config.radius = radius;
-    config.x = 0.25f;
-    return config;
-}
-FenceConfig box(const char* name, float half_side) {
-    FenceConfig config = fence(1, name);
-    config.x_min_limit = config.y_min_limit = config.z_min_limit = -half_side;
-    config.x_max_limit = config.y_max_limit = config.z_max_limit = half_side;
-    return config;
-}
-
-TEST(FencesOfASimulatedArm, AreKeptByName) {
-    SimulatedArm simulated;
-    const ArmSocket arm = simulated;
-    EXPECT_EQ(Add_Electronic_Fence_Config(arm, ball("ball", 0.5f)), 0);
-    EXPECT_EQ(Add_Electronic_Fence_Config(arm, box("box", 1)), 0);
-    EXPECT_EQ(Add_Electronic_Fence_Config(arm, box("box", 2)), 1) << "there already";
-    EXPECT_EQ(Add_Electronic_Fence_Config(arm, fence(2, "line")), 1) << "its points are one";
-    EXPECT_EQ(Add_Electronic_Fence_Config(arm, box("inside out", -1)), 1);
-    EXPECT_EQ(Add_Electronic_Fence_Config(arm, fence(4, "four")), 1);
-    EXPECT_EQ(Update_Electronic_Fence_Config(arm, ball("ball", 0.75f)), 0);
-    EXPECT_EQ(Update_Electronic_Fence_Config(arm, ball("none", 0.75f)), 1);
-    std::string outputs;
-    EXPECT_EQ(with_outputs<FenceConfig>(outputs, Given_Electronic_Fence_Config, arm, "ball"), 0);
-    EXPECT_EQ(outputs, "3 'ball' 15:0.75 16:0.25");
-    EXPECT_EQ((with_outputs<FenceName, int32_t>(outputs, Get_Electronic_Fence_List_Names, arm)), 0);
-    EXPECT_EQ(outputs, "ball box; 2");
-    EXPECT_EQ((with_outputs<FenceConfig, int32_t>(outputs, Get_Electronic_Fence_List_Info, arm)), 0);
-    EXPECT_EQ(outputs, "3 'ball' 15:0.75 16:0.25 1 'box' 0:-1 1:1 2:-1 3:1 4:-1 5:1; 2");
-    EXPECT_EQ(Delete_Electronic_Fence_Config(arm, "ball"), 0);
-    EXPECT_EQ(Delete_Electronic_Fence_Config(arm, "ball"), 1);
-    EXPECT_EQ(with_outputs<FenceConfig>(outputs, Given_Electronic_Fence_Config, arm, "ball"), 1);
-}
-
-TEST(FencesOfASimulatedArm, AreIndependentOfTheWall) {
-    ToolEnvelope tip = envelope(2);
-    std::strcpy(tip.tool_name, "Arm_Tip");
-    const Call in_use = asking(Get_Electronic_Fence_Config), wall = asking(Get_Virtual_Wall_Config),
-               enabled = asking(Get_Electronic_Fence_Enable), wall_enabled = asking(Get_Virtual_Wall_Enable),
-               self = asking(Get_Self_Collision_Enable), tool = asking_for("Arm_Tip", Get_Tool_Envelope);
-    const std::string one_metre = "1 '' 0:-1 1:1 2:-1 3:1 4:-1 5:1";
-    const SimulatedArm arm;
-    expect_kept(arm, {{CALL(Set_Virtual_Wall_Config, (s, ball("", 1))), 0, in_use, "0 ''"},
-                      {CALL(Set_Electronic_Fence_Config, (s, box("", 1))), 0, in_use, one_metre},
-                      {"a plane is no wall", [](ArmSocket s) { return Set_Virtual_Wall_Config(s, filled(2)); }, 1, wall,
-                       "3 ''"},
-                      {CALL(Set_Electronic_Fence_Enable, (s, 1, 1, 2)), 0, enabled, "1; 1; 2"},
-                      {CALL(Set_Self_Collision_Enable, (s, 0)), 0, wall_enabled, "0; 0; 0"},
-                      {CALL(Set_Self_Collision_Enable, (s, 0)), 0, self, "0"},
-                      {CALL(Set_Self_Collision_Enable, (s, 1)), 0, self, "1"},
-                      {"no such tool", [](ArmSocket s) { return Set_Tool_Envelope(s, envelope(2)); }, 1, self, "1"},
-                      {"a tool", [=](ArmSocket s) { return Set_Tool_Envelope(s, tip); }, 0, tool,
-                       "Arm_Tip 2, a 0.05 0.001 -0.001 1, b 1 2 3 4"}});
 }
 
 }  // namespace

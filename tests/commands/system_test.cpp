@@ -5,7 +5,6 @@
 
 #include "support/command_case.h"
 #include "support/parser_case.h"
-#include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
 
 namespace {
@@ -222,41 +221,6 @@ TEST(SystemParsers, TextsFitTheirFields) {
     in(kWifi, R"("mode":")", wifi, 5);
     in(kWifi, R"("password":")", wifi, 16);
     in(kWifi, R"("ssid":")", wifi, 33);
-}
-
-// -------------------------------------------------------------------------------------------------- A simulated arm --
-
-TEST(SystemOfASimulatedArm, ReportsItsStateAndKeepsItsSettings) {
-    const SimulatedArm arm;
-    const Call versions = asking(Get_Arm_Software_Version), power = asking(Get_Arm_Power_State),
-               run_mode = asking(Get_Arm_Run_Mode), high = asking(Get_High_Ethernet), wired = asking(Get_Wired_Net),
-               wifi = asking(Get_Wifi_Net), serial = asking(Get_Controller_RS485_Mode);
-    const std::string mac = "02:00:00:00:00:18", others = "; 255.255.255.0; " + mac;
-    expect_kept(arm, {{CALL(Clear_System_Err, (s, true)), 0, versions, "100000; 100000; 1000; 1000; ZK65-B"},
-                      {CALL(Clear_System_Err, (s, true)), 0, asking(Get_Tool_Software_Version), "256"},
-                      {CALL(Clear_System_Err, (s, true)), 0, asking(Get_Controller_State), "24; 1.2; 38; 0"},
-                      {CALL(Clear_Joint_Odom, (s, true)), 0, asking(Get_Joint_Odom), "0 0 0 0 0 0"},
-                      {CALL(Set_Arm_Power, (s, 0, true)), 0, power, "0"},
-                      {CALL(Set_Arm_Power, (s, 1, true)), 0, power, "1"},
-                      {CALL(Set_Arm_Run_Mode, (s, 0)), 0, run_mode, "0"},
-                      {CALL(Set_Arm_Run_Mode, (s, 7)), 1, run_mode, "0"},
-                      {CALL(Set_High_Ethernet, (s, "10.0.0.2", "255.0.0.0", "10.0.0.1")), 0, high,
-                       "10.0.0.2; 255.0.0.0; 10.0.0.1; 02:00:00:00:00:28"},
-                      {CALL(Set_NetIP, (s, "10.0.0.3")), 0, wired, "10.0.0.3" + others},
-                      {CALL(Set_NetIP, (s, "a text of sixteen")), 1, wired, "10.0.0.3" + others},
-                      {CALL(Set_High_Speed_Eth_Block, (s, 9)), 1, wired, "10.0.0.3" + others},
-                      {CALL(Set_Net_Default, (s)), 0, wired, "192.168.1.18" + others},
-                      {CALL(Set_WiFi_AP_Data, (s, "own", "word")), 0, wifi,
-                       "6, 192.168.3.18, 02:00:00:00:00:38, 255.255.255.0, ap, word, own"},
-                      {CALL(Set_WiFI_STA_Data, (s, "hall", "secret")), 0, wifi,
-                       "6, 192.168.3.18, 02:00:00:00:00:38, 255.255.255.0, sta, secret, hall"},
-                      {CALL(Set_RS485, (s, 9600)), 0, serial, "0; 9600; 0"},
-                      {CALL(Save_Device_Info_All, (s)), 0, asking(Get_Tool_RS485_Mode), "0; 9600; 0"}});
-    EXPECT_EQ(Clear_System_Runtime(arm, true), 0);
-    int32_t day = 9, hour = 9, min = 9, sec = 99;
-    EXPECT_EQ(Get_System_Runtime(arm, &day, &hour, &min, &sec), 0);
-    EXPECT_EQ(text_of({day, hour}), "0 0");
-    EXPECT_LT(sec, 60);
 }
 
 }  // namespace

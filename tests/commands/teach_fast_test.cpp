@@ -74,6 +74,4 @@ TEST(TeachGuards, JoggingWithoutAReplyReturns7) {
     }
 }
 
-TEST(TeachOnASimulatedArm, AnswersEveryRow) { expect_simulated(kRows); }
-
 }  // namespace

@@ -1,5 +1,4 @@
-// Replies that no command of the library reads. The rows of the commands are called on a simulated arm, which proves
-// all other replies.
+// Replies that no command of the library reads. coverage_test.cpp proves all others.
 #include <gtest/gtest.h>
 
 #include <fstream>

@@ -307,15 +307,6 @@ void expect_nulls_refused(const std::vector<CommandCase>& rows) {
     expect_nothing_sent(all);
 }
 
-void expect_kept(ArmSocket arm, const std::vector<Setting>& settings) {
-    for (const Setting& setting : settings) {
-        std::string outputs;
-        EXPECT_EQ(setting.set(arm, outputs), setting.status) << setting.name;
-        EXPECT_EQ(setting.ask(arm, outputs), 0) << setting.name;
-        EXPECT_EQ(outputs, setting.outputs) << setting.name;
-    }
-}
-
 std::string commands_without_row(const std::string& header, const std::vector<CommandCase>& rows) {
     std::ifstream file(std::string(kSourceFolder) + "/include/zk/" + header);
     std::stringstream text;

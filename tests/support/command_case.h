@@ -233,16 +233,6 @@ void expect_nothing_sent(const std::vector<BadCall>& calls, int status = 19);
 // Every pointer of the plain names among the rows that the library tests returns 19 for null, and sends nothing.
 void expect_nulls_refused(const std::vector<CommandCase>& rows);
 
-// A setting that an arm keeps: the call, its status, the query and its outputs.
-struct Setting {
-    std::string name;
-    Call set;
-    int status;
-    Call ask;
-    std::string outputs;
-};
-void expect_kept(ArmSocket arm, const std::vector<Setting>& settings);
-
 // The commands that a header of include/zk declares and no row is named after. Parsers are no commands.
 std::string commands_without_row(const std::string& header, const std::vector<CommandCase>& rows);
 

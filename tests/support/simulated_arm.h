@@ -11,6 +11,7 @@ class SimulatedArm {
     // Model ZK65-B unless the arguments name another; a model with seven joints needs an arm mode with seven.
     explicit SimulatedArm(const std::vector<std::string>& arguments = {}, int arm_mode = 65);
     operator ArmSocket() const { return arm_; }
+    const Simulator& simulator() const { return simulator_; }
 
  private:
     SimulatorProcess simulator_;

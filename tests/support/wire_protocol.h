@@ -12,18 +12,11 @@ namespace zk::test {
 // the words and the keys of their replies.
 void expect_documented(const std::string& section, const std::vector<CommandCase>& rows);
 
-// Calls every row that gets a reply, in order, on one simulated arm; of the forms with the same exchange only the
-// first. Each returns 0 or 1: then the reply has the literal, the keys and the types that the library expects. Each
-// acknowledgement returns 1 on an arm that refuses it. Rows whose name matches `omitted` are not called. Rows of arm
-// mode 75 are called on an arm of seven joints.
-void expect_simulated(const std::vector<CommandCase>& rows, const std::string& model = "ZK65-6F",
-                      const std::string& omitted = "");
-
 }  // namespace zk::test
 
 // ZK_WIRE_ROWS: the exchange of each row, after `set_up`. ZK_WIRE_GUARDS: a
 // row for each command of the header; a section of the page for all of them; status 18 during a file transfer; status
-// 19 for null pointers. ZK_WIRE_TESTS: both, and the rows on a simulated arm.
+// 19 for null pointers. ZK_WIRE_TESTS: both.
 #define ZK_WIRE_ROWS(suite, rows, set_up)                                  \
     class suite : public testing::TestWithParam<zk::test::CommandCase> {}; \
     TEST_P(suite, OnTheWire) {                                             \
@@ -40,5 +33,4 @@ void expect_simulated(const std::vector<CommandCase>& rows, const std::string& m
     TEST(suite##Guards, PlainNamesRefuseNullPointers) { zk::test::expect_nulls_refused(rows); }
 #define ZK_WIRE_TESTS(suite, header, section, rows)  \
     ZK_WIRE_ROWS(suite, rows, static_cast<void>(0)); \
-    ZK_WIRE_GUARDS(suite, header, section, rows)     \
-    TEST(suite##OnASimulatedArm, AnswersEveryRow) { zk::test::expect_simulated(rows); }
+    ZK_WIRE_GUARDS(suite, header, section, rows)
