@@ -332,6 +332,7 @@ TEST_F(Connections, WhatEndsTheProcessElsewhereIsRefusedOrCut) {
     ZK_Set_Log([](void*, ZK_LogLevel, ArmSocket, const char* text) { log += text; }, nullptr, ZK_LOG_EVENTS);
     const std::string frame(517, 'x');
     for (const int32_t length : {517, 501, 0, -1}) Add_Queue(arm, frame.data(), length);
+    ZK_Set_Log(nullptr, nullptr, ZK_LOG_EVENTS);
     EXPECT_EQ(look_at(arm).dropped, 4);
     EXPECT_NE(log.find("517"), std::string::npos) << log;
     cJSON_Hooks full{[](size_t) -> void* { return nullptr; }, std::free};

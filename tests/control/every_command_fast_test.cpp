@@ -3,12 +3,14 @@
 
 #include <cstring>
 #include <deque>
+#include <filesystem>
 #include <limits>
 #include <nlohmann/json.hpp>
 
 #include "interface.h"
 #include "support/scaled_time.h"
 #include "support/start_up.h"
+#include "support/temporary_file.h"
 
 namespace {
 
@@ -68,6 +70,8 @@ int call(int (*command)(ArmSocket, Arguments...), ArmSocket arm, [[maybe_unused]
 
 // A wait without an end hangs the test; a write outside of a buffer is AddressSanitizer's to see.
 TEST(EveryCommand, EndsInItsDeadlineAndSendsOneObjectAFrame) {
+    const TemporaryDirectory directory;  // of the files that are saved
+    std::filesystem::current_path(directory.path());
     ScriptedController controller;
     answer_start_up(controller);
     ArmSocket arm = 0;
@@ -86,6 +90,12 @@ TEST(EveryCommand, EndsInItsDeadlineAndSendsOneObjectAFrame) {
         EXPECT_STRNE(ZK_Status_Text(status), "unknown status") << #name << " " << variant << ": " << status;      \
     }
         ZK_EVERY_COMMAND(ZK_CALL)
+        ZK_CALL(Save_Trajectory)
+        ZK_CALL(Save_Drag_Teach_File_Block_NC_E)
+        ZK_CALL(Save_Drag_Teach_File_NonBlock)
+        ZK_CALL(ZK_Stop)
+        ZK_CALL(ZK_Wait_Idle)
+        ZK_CALL(ZK_Wait_Program)
 #undef ZK_CALL
     }
     EXPECT_EQ(ZK_Close(arm), 0);
