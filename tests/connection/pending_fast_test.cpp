@@ -119,17 +119,15 @@ class ListOfThree : public testing::Test {
 };
 
 TEST_F(ListOfThree, TheLaterRecordsMoveDown) {
+    ClearList(list_, &count_, 2);
+    EXPECT_EQ(count_, 2);
+    EXPECT_EQ(row(1), "11 21 1 1 bb");
+    EXPECT_EQ(row(2), "12 22 2 2 c") << "nothing is below it";
+    count_ = 3;
     ClearList(list_, &count_, 0);
     EXPECT_EQ(count_, 2);
     EXPECT_EQ(row(0), "11 21 1 1 bb");
     EXPECT_EQ(row(1), "12 22 2 2 c");
-}
-
-TEST_F(ListOfThree, RemovingTheLastRecordLowersTheCount) {
-    ClearList(list_, &count_, 2);
-    EXPECT_EQ(count_, 2);
-    EXPECT_EQ(row(1), "11 21 1 1 bb");
-    EXPECT_EQ(row(2), "12 22 2 2 c");
 }
 
 TEST_F(ListOfThree, AnIndexOutsideChangesNothing) {

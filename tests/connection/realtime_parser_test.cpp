@@ -52,21 +52,13 @@ TEST(RealtimeParser, ReadsEveryPart) {
 }
 
 TEST(RealtimeParser, NamesWhatTheArmDoes) {
-    const char* texts[] = {"idle",
-                           "move_L",
-                           "move_J",
-                           "move_C",
-                           "move_S",
-                           "move_through_joint",
-                           "move_through_pose",
-                           "move_through_force_pose",
-                           "move_through_current",
-                           "stop",
-                           "slow_stop",
-                           "pause",
-                           "current_drag",
-                           "sensor_drag",
-                           "tech_demonstration"};
+    // clang-format off
+    const char* const texts[] = {
+        "idle", "move_L", "move_J", "move_C", "move_S", "move_through_joint", "move_through_pose",
+        "move_through_force_pose", "move_through_current", "stop", "slow_stop", "pause", "current_drag",
+        "sensor_drag", "tech_demonstration",
+    };
+    // clang-format on
     for (int i = 0; i < 15; ++i) EXPECT_EQ(get_arm_status_from_string(texts[i]), i);
     for (const char* text : {"", "Idle", "move", "move_L ", "stopped"}) EXPECT_EQ(get_arm_status_from_string(text), 0);
 }

@@ -98,36 +98,15 @@ const Literal kLiterals[] = {
 // clang-format on
 
 // No mailbox waits for these, nor for reports without a callback and points without a file.
-const std::set<std::string> kDropped = {"start_calibrate",
-                                        "stop_calibrate",
-                                        "calibrate_state",
-                                        "set_system_state_servo",
-                                        "add_waypoint",
-                                        "timer",
-                                        "set_joint_step",
-                                        "set_pos_step",
-                                        "set_ort_step",
-                                        "arm_hardware_version",
-                                        "get_log_file",
-                                        "set_PWM",
-                                        "set_vehicle",
-                                        "set_lift_speed",
-                                        "set_lift_height",
-                                        "set_lift",
-                                        "set_car_move",
-                                        "set_car_speed",
-                                        "set_car_navigation_speed",
-                                        "set_car_navigation_mode",
-                                        "get_car_state",
-                                        "set_car_charge",
-                                        "set_car_station_num",
-                                        "set_lift_version",
-                                        "point",
-                                        "joint_state",
-                                        "pose_state",
-                                        "Force_Position_State",
-                                        "start_waypoint",
-                                        "clear_waypoint"};
+// clang-format off
+const std::set<std::string> kDropped = {
+    "start_calibrate", "stop_calibrate", "calibrate_state", "set_system_state_servo", "add_waypoint", "timer",
+    "set_joint_step", "set_pos_step", "set_ort_step", "arm_hardware_version", "get_log_file", "set_PWM", "set_vehicle",
+    "set_lift_speed", "set_lift_height", "set_lift", "set_car_move", "set_car_speed", "set_car_navigation_speed",
+    "set_car_navigation_mode", "get_car_state", "set_car_charge", "set_car_station_num", "set_lift_version", "point",
+    "joint_state", "pose_state", "Force_Position_State", "start_waypoint", "clear_waypoint",
+};
+// clang-format on
 
 constexpr int kSlot = 3;
 
