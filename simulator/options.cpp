@@ -158,6 +158,11 @@ void set_fault(FaultNumbers& faults, const std::string& text) {
     throw std::invalid_argument("--fault: there is no fault '" + name + "'");
 }
 
+void set_faults(FaultNumbers& faults, const std::string& list) {
+    std::istringstream texts(list);
+    for (std::string text; std::getline(texts, text, ',');) set_fault(faults, text);
+}
+
 void take_scenario(Options& options, const std::string& path);
 
 struct OptionRow {
@@ -216,8 +221,8 @@ constexpr OptionRow kOptions[] = {
      [](Options& o, const string& value) {
          o.faults.wire.replies.delay_ms = parse_integer("delay-ms", value, 0, kMaxDelayMs);
      }},
-    {"fault", "NAME=N", "one of the faults below; may be given several times",
-     [](Options& o, const string& value) { set_fault(o.faults, value); }},
+    {"fault", "NAME=N,...", "faults of those below",
+     [](Options& o, const string& value) { set_faults(o.faults, value); }},
     {"transfer-fault", "KIND:N", "disturb file transfers: refuse, error_line:LINE, silent, close:BYTES, stall:BYTES",
      [](Options& o, const string& value) { o.transfer_fault = parse_transfer_fault("transfer-fault", value); }},
     {"files", "DIRECTORY", "store the files that clients send in this directory, which must exist",

@@ -86,6 +86,25 @@ TEST(ArmFaults, StopTheArmUntilTheyEndAndAreCleared) {
     talk.move_to(kHome);  // too weak for this stage
 }
 
+TEST(ArmFaults, AScenarioStartsAndEndsThem) {
+    const TemporaryDirectory folder;
+    const std::string file = folder.file("scenario.json", R"({
+        "options": {"speed": "max", "fault": ["delay_ms=1", "over_temperature=6"]},
+        "events": [
+            {"at": 0.1, "do": [{"command": "zk_sim_fault", "over_temperature": 0}]},
+            {"when": {"joint": 1, "above": 30}, "do": [{"command": "zk_sim_fault", "emergency_stop": 1}]},
+            {"when": {"joint": 1, "above": 30}, "after": 3, "do": [
+                {"command": "zk_sim_fault", "emergency_stop": 0}, {"command": "clear_system_err"}]}
+        ]})");
+    Talk talk({"--quiet", "--scenario", file});
+    talk.move_to(kHome);
+    ASSERT_TRUE(talk.movej(kElsewhere, 100));
+    EXPECT_FALSE(talk.read_arrival());
+    const double stopped = talk.joints()[0];
+    EXPECT_TRUE(stopped > 30 && stopped < kElsewhere[0]) << stopped;
+    talk.move_to(kElsewhere);
+}
+
 TEST(ArmFaults, AJointSinksWhenItsBrakeSlips) {
     Talk talk({"--quiet", "--speed", "max", "--fault", "brake_slip=2"});
     const auto power = [&](int on) { EXPECT_EQ(talk.ask("set_arm_power", {{"arm_power", on}}).at("arm_power"), true); };
