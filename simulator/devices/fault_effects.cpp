@@ -2,10 +2,19 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "devices/devices.h"
 
 namespace sim {
+namespace {
+
+// Faults count joints from 1; 0: none.
+std::optional<size_t> joint_of(int number) {
+    return number > 0 ? std::optional(static_cast<size_t>(number - 1)) : std::nullopt;
+}
+
+}  // namespace
 
 void FaultEffects::set(const ArmFaults& faults) {
     faults_ = faults;
@@ -20,8 +29,7 @@ void FaultEffects::set(const ArmFaults& faults) {
 void FaultEffects::step(double seconds) {
     rests_ = true;
     change_temperatures(seconds);
-    // A joint behind its path would jump if it came free during the motion.
-    if (faults_.following_error > 0 || arm_.motion().idle()) arm_.set_stuck_joint(faults_.following_error);
+    arm_.set_stuck_joint(joint_of(faults_.following_error));
     collide();
     sink(seconds);
     if (faults_.grip_loss != 0 && devices_.gripper.holds_object()) devices_.gripper.take_object();
@@ -30,7 +38,7 @@ void FaultEffects::step(double seconds) {
 void FaultEffects::change_temperatures(double seconds) {
     constexpr double kHottest = 60, kRate = 10;  // degrees Celsius above the usual temperature, and per second
     for (size_t i = 0; i < arm_.joint_count(); ++i) {
-        const double goal = faults_.over_temperature == static_cast<int>(i) + 1 ? kHottest : 0;
+        const double goal = joint_of(faults_.over_temperature) == i ? kHottest : 0;
         const double left = goal - arm_.states()[i].heat;
         if (left == 0) continue;
         rests_ = false;
@@ -52,16 +60,15 @@ void FaultEffects::collide() {
 void FaultEffects::sink(double seconds) {
     constexpr double kRate = 60;                    // degrees per second and metre of the lever
     constexpr double kTurn = 0.01, kAtRest = 1e-5;  // degrees
-    if (faults_.brake_slip == 0 || !arm_.motion().idle()) return;
-    const auto joint = static_cast<size_t>(faults_.brake_slip - 1);
-    if (arm_.powered() && arm_.states()[joint].enabled) return;
+    const std::optional<size_t> joint = joint_of(faults_.brake_slip);
+    if (!joint || !arm_.motion().idle() || (arm_.powered() && arm_.states()[*joint].enabled)) return;
     JointVector joints = arm_.joints(), above(joints), below(joints);
-    above[joint] += kTurn;
-    below[joint] -= kTurn;
+    above[*joint] += kTurn;
+    below[*joint] -= kTurn;
     const double lever = (height(above) - height(below)) / (2 * kTurn * kRadians);
-    const JointLimits& range = arm_.range()[joint];
-    joints[joint] = std::clamp(joints[joint] - kRate * lever * seconds, range.min_pos / 1e3, range.max_pos / 1e3);
-    if (std::abs(joints[joint] - arm_.joints()[joint]) < kAtRest) return;
+    const JointLimits& range = arm_.range()[*joint];
+    joints[*joint] = std::clamp(joints[*joint] - kRate * lever * seconds, range.min_pos / 1e3, range.max_pos / 1e3);
+    if (std::abs(joints[*joint] - arm_.joints()[*joint]) < kAtRest) return;
     rests_ = false;
     arm_.drag_to(joints);
 }

@@ -202,6 +202,11 @@ void Arm::press_emergency_stop(bool pressed) {
     set_errors(arm_error_, system_error_);
 }
 
+// A joint behind its path would jump if it came free during the motion.
+void Arm::set_stuck_joint(std::optional<size_t> joint) {
+    if (!stuck_joint_ || motion_.idle()) stuck_joint_ = joint;
+}
+
 void Arm::clear_odometers() {
     for (JointState& state : states_) state.odometer = 0;
 }
@@ -214,15 +219,11 @@ bool Arm::set_joint_zero(size_t joint) {
 
 std::vector<int> Arm::temperatures() const {
     std::vector<int> wire;
-    for (size_t i = 0; i < joint_count(); ++i)
-        wire.push_back(32000 + 250 * static_cast<int>(i) + static_cast<int>(std::lround(states_[i].heat * 1000)));
+    for (size_t i = 0; i < joint_count(); ++i) wire.push_back(static_cast<int>(std::lround(temperature(i) * 1000)));
     return wire;
 }
 
-bool Arm::too_hot(size_t joint) const {
-    constexpr int kHottest = 80'000;  // thousandths of a degree Celsius
-    return temperatures()[joint] >= kHottest;
-}
+double Arm::temperature(size_t joint) const { return 32 + 0.25 * static_cast<double>(joint) + states_[joint].heat; }
 
 std::vector<int> Arm::voltages() const { return std::vector<int>(joint_count(), powered_ ? 24000 : 0); }
 
@@ -238,8 +239,7 @@ void Arm::step(double seconds) {
     if (limits != adopted_) check_motion_again();
     motion_.step(seconds, ordered_);
     joints_ = yielding ? yielding(ordered_) : ordered_;
-    const auto stuck = static_cast<size_t>(stuck_joint_ - 1);
-    if (stuck_joint_ > 0) joints_[stuck] = before[stuck];
+    if (stuck_joint_) joints_[*stuck_joint_] = before[*stuck_joint_];
     for (size_t i = 0; i < joints_.size(); ++i) {
         states_[i].speed = (joints_[i] - before[i]) / seconds;
         states_[i].odometer += std::abs(joints_[i] - before[i]);
@@ -256,10 +256,11 @@ void Arm::watch_drives() {
     for (size_t i = 0; i < joint_count(); ++i) {
         if (too_hot(i)) fail(i, kOverTemperature);
     }
-    if (stuck_joint_ == 0) return;
-    const auto stuck = static_cast<size_t>(stuck_joint_ - 1);
-    if (std::abs(ordered_[stuck] - joints_[stuck]) > kFarthest) fail(stuck, kFollowingError);
-    if (motion_.idle()) ordered_[stuck] = joints_[stuck];
+    if (!stuck_joint_) return;
+    double& ordered = ordered_[*stuck_joint_];
+    const double now = joints_[*stuck_joint_];
+    if (std::abs(ordered - now) > kFarthest) fail(*stuck_joint_, kFollowingError);
+    if (motion_.idle()) ordered = now;
 }
 
 std::vector<int> thousandths(const JointVector& joints) {

@@ -96,8 +96,8 @@ class Arm {
     void press_emergency_stop(bool pressed);
     bool emergency_stop_pressed() const { return stop_pressed_; }
     void heat(size_t joint, double degrees) { states_[joint].heat += degrees; }
-    // It stays where it is; counted from 1, 0: none.
-    void set_stuck_joint(int joint) { stuck_joint_ = joint; }
+    // It stays where it is, and comes free when the arm rests.
+    void set_stuck_joint(std::optional<size_t> joint);
     void clear_odometers();
 
     // While a hand drags the arm, the arm rejects moves and follows the hand.
@@ -126,12 +126,15 @@ class Arm {
     void step(double seconds);
 
  private:
+    static constexpr double kHottest = 80;  // degrees Celsius
+
     std::string limit_broken_by(const JointVector& joints) const;
     Survey survey() const { return hazards ? hazards() : Survey(); }
     void check_motion_again();
     void watch_hazards();
     void watch_drives();
-    bool too_hot(size_t joint) const;
+    double temperature(size_t joint) const;  // degrees Celsius
+    bool too_hot(size_t joint) const { return temperature(joint) >= kHottest; }
     JointVector stopping_place() const;
 
     RobotModel model_;
@@ -147,7 +150,7 @@ class Arm {
     bool supplied_ = true;
     bool stop_pressed_ = false;
     bool dragged_ = false;
-    int stuck_joint_ = 0;
+    std::optional<size_t> stuck_joint_;
     int arm_error_ = 0;
     int system_error_ = 0;
 };
