@@ -27,7 +27,6 @@ Controller::Controller(const Options& options)
     time_.speed = options.speed;
     drag_.script = options.hand;
     files_.directory = options.files;
-    files_.fault = options.transfer_fault;
     arm_.motion().on_end = [](const Move& move, bool arrived) {
         if (move.ended) return move.ended(arrived);
         if (arrived && move.connect != 0) return;  // joined to the next
@@ -39,21 +38,18 @@ Controller::Controller(const Options& options)
     force_.measure();
 }
 
+// As a request sets them.
 void Controller::set_faults(const Options& options) {
-    const CommandTable& commands = dispatcher_.commands;
-    Faults& faults = dispatcher_.faults;
-    faults.wire = options.faults.wire;
-    faults.seed = options.seed;
-    if (faults.wire.silence_ms > 0) faults.begin_silence();
+    dispatcher_.faults.seed = options.seed;
+    Json faults{{"command", "zk_sim_fault"}, {"silent_on", options.silent_on}, {"refuse_on", options.refuse_on}};
+    faults["transfer"] = {{"kind", options.transfer_fault.kind}, {"at", options.transfer_fault.at}};
+    FaultNumbers numbers = options.faults;
+    for (const FaultRow& row : fault_rows()) faults[row.name] = row.number(numbers);
     try {
-        demand_possible(options.faults, arm_.joint_count());
-        faults.silent_on = commands.known(options.silent_on, false);
-        faults.refuse_on = commands.known(options.refuse_on, true);
+        dispatcher_.commands.find("zk_sim_fault")->action({nullptr, Request(faults)});
     } catch (const Refusal& refusal) {
         throw std::invalid_argument(refusal.what());
     }
-    files_.disk_full = options.faults.arm.full_disk != 0;
-    fault_effects_.set(options.faults.arm);
 }
 
 // Each family gets the parts on which its commands act.

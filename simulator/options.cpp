@@ -146,7 +146,7 @@ Object parse_object(std::string_view option, const std::string& text) {
     return object;
 }
 
-void set_fault(FaultNumbers& faults, const std::string& text) {
+void take_fault(FaultNumbers& faults, const std::string& text) {
     const size_t equals = std::min(text.find('='), text.size());
     const std::string name = text.substr(0, equals);
     for (const FaultRow& row : fault_rows()) {
@@ -158,9 +158,9 @@ void set_fault(FaultNumbers& faults, const std::string& text) {
     throw std::invalid_argument("--fault: there is no fault '" + name + "'");
 }
 
-void set_faults(FaultNumbers& faults, const std::string& list) {
+void take_faults(FaultNumbers& faults, const std::string& list) {
     std::istringstream texts(list);
-    for (std::string text; std::getline(texts, text, ',');) set_fault(faults, text);
+    for (std::string text; std::getline(texts, text, ',');) take_fault(faults, text);
 }
 
 void take_scenario(Options& options, const std::string& path);
@@ -222,7 +222,7 @@ constexpr OptionRow kOptions[] = {
          o.faults.wire.replies.delay_ms = parse_integer("delay-ms", value, 0, kMaxDelayMs);
      }},
     {"fault", "NAME=N,...", "faults of those below",
-     [](Options& o, const string& value) { set_faults(o.faults, value); }},
+     [](Options& o, const string& value) { take_faults(o.faults, value); }},
     {"transfer-fault", "KIND:N", "disturb file transfers: refuse, error_line:LINE, silent, close:BYTES, stall:BYTES",
      [](Options& o, const string& value) { o.transfer_fault = parse_transfer_fault("transfer-fault", value); }},
     {"files", "DIRECTORY", "store the files that clients send in this directory, which must exist",

@@ -14,7 +14,6 @@ namespace sim {
 namespace {
 
 constexpr int kLongestMs = 60'000;
-
 constexpr int kMaxWord = 65535;
 
 // The parts on which faults act.
@@ -44,6 +43,16 @@ void demand_known_keys(const Request& request) {
     }
 }
 
+std::set<std::string> known_commands(const CommandTable& table, const std::vector<std::string>& names,
+                                     bool acknowledged) {
+    for (const std::string& name : names) {
+        const Command* command = table.find(name);
+        if (!command) throw Refusal("unknown command '" + name + "'");
+        if (acknowledged && command->key.empty()) throw Refusal("'" + name + "' is no command that is acknowledged");
+    }
+    return {names.begin(), names.end()};
+}
+
 // The fault of the next file transfers: {"kind": ..., "at": ...}.
 TransferFault transfer_fault(const Request& fault) {
     const TransferFault transfer{fault.text("kind"), fault.has("at") ? fault.integer("at", 0) : 0};
@@ -54,7 +63,7 @@ TransferFault transfer_fault(const Request& fault) {
 NewFaults faults_of(const Targets& targets, const Request& request) {
     const CommandTable& commands = targets.dispatcher.commands;
     const auto names = [&](const char* key, const std::set<std::string>& now, bool acknowledged) {
-        return request.has(key) ? commands.known(request.texts(key), acknowledged) : now;
+        return request.has(key) ? known_commands(commands, request.texts(key), acknowledged) : now;
     };
     const auto word = [&](const char* key) {
         return request.has(key) ? std::optional(request.integer(key, 0, kMaxWord)) : std::nullopt;

@@ -28,15 +28,6 @@ const Command* CommandTable::find(const std::string& name) const {
     return found == commands_.end() ? nullptr : &found->second;
 }
 
-std::set<std::string> CommandTable::known(const std::vector<std::string>& names, bool acknowledged) const {
-    for (const std::string& name : names) {
-        const Command* command = find(name);
-        if (!command) throw Refusal("unknown command '" + name + "'");
-        if (acknowledged && command->key.empty()) throw Refusal("'" + name + "' is no command that is acknowledged");
-    }
-    return {names.begin(), names.end()};
-}
-
 std::vector<std::string> CommandTable::names() const {
     std::vector<std::string> names;
     for (const auto& [name, command] : commands_) names.push_back(name);

@@ -3,7 +3,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -53,8 +52,6 @@ class CommandTable {
     Command& order(std::string_view name, Hook hook);
 
     const Command* find(const std::string& name) const;
-    // Throws Refusal for a name that is no command, or none that is acknowledged where it has to be.
-    std::set<std::string> known(const std::vector<std::string>& names, bool acknowledged) const;
     std::vector<std::string> names() const;
 
  private:
