@@ -13,7 +13,7 @@
 namespace zk {
 namespace {
 
-constexpr int kPollMs = 10;
+constexpr int kLookMs = 10;
 
 }  // namespace
 
@@ -79,7 +79,7 @@ bool ByteStream::is_closed_by_peer() const {
 int ByteStream::wait_for_room() const {
     const int32_t start = Get_Program_Runtime();
     pollfd room{descriptor_, POLLOUT, 0};
-    while (poll(&room, 1, kPollMs) <= 0) {
+    while (poll(&room, 1, kLookMs) <= 0) {
         if (const int status = connection_.status()) return status;
         if (elapsed_since(start) >= silence_limit_) return ZK_TIMEOUT;
     }
