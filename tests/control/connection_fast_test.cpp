@@ -229,6 +229,24 @@ TEST_F(Connections, AClosedConnectionLeavesTheOthersAlone) {
     EXPECT_EQ(shared(m_nSockInfoLen), 0);
 }
 
+// The wire has no number for a request: what the controller says to the first call ends the second.
+TEST_F(Connections, WhatHasEndedEarlyMayEndTheNextOfItsKind) {
+    const ArmSocket arm = connect(controller_);
+    for (const WaitingCall& wait : kWaits) {
+        const std::string name = wait.name;
+        if (name != "ask_speed" && name != "Expand_Set_Pos") continue;
+        controller_.ignore("get_joint_max_speed");
+        std::future<int> first = std::async(std::launch::async, wait.call, arm);
+        controller_.wait_for_request(wait.request);
+        ZK_Cancel(arm);
+        EXPECT_EQ(first.get(), ZK_CANCELLED);
+        std::future<int> second = std::async(std::launch::async, wait.call, arm);
+        controller_.wait_for_request(wait.request);
+        for (const std::string& message : wait.messages) controller_.say(message);
+        EXPECT_EQ(second.get(), name == "ask_speed" ? ZK_OK : ZK_OTHER_DEVICE) << name;
+    }
+}
+
 // What asks the controller meanwhile cannot do so while a file is sent.
 TEST_F(Connections, AWaitOutlastsAFile) {
     const ArmSocket arm = connect(controller_);
@@ -360,6 +378,7 @@ TEST_F(Connections, AMoveThatDoesNotWaitForItsEndWaitsForItsAcknowledgement) {
 }
 
 struct Journal {
+    std::thread::id caller = std::this_thread::get_id();
     std::mutex lock;
     std::vector<ZK_ConnectionState> changes;
     std::string log;
@@ -372,6 +391,7 @@ TEST_F(Connections, ReportEachChangeOnceAndEachFrame) {
             auto& seen = *static_cast<Journal*>(context);
             const std::lock_guard guard(seen.lock);
             seen.changes.push_back(state);
+            EXPECT_EQ(std::this_thread::get_id() == seen.caller, state != ZK_CONNECTION_LOST);
         },
         &journal);
     ZK_Set_Log(
