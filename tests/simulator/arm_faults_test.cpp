@@ -58,8 +58,10 @@ TEST(ArmFaults, StopTheArmUntilTheyEndAndAreCleared) {
         EXPECT_EQ(done(talk, row.clear, row.keys), row.cleared_early);
         EXPECT_EQ(talk.movej(kElsewhere, 100), row.cleared_early);
         EXPECT_FALSE(talk.read_arrival()) << "it fails again";
+        const Joints stopped = talk.joints();
         ASSERT_TRUE(set(talk, {{row.fault, 0}}));
         while (!done(talk, row.clear, row.keys)) continue;  // a joint cools in seconds
+        EXPECT_EQ(talk.joints(), stopped);
     }
     ASSERT_TRUE(done(talk, "set_collision_stage", {{"collision_stage", 6}}) && set(talk, {{"collision", 30}}));
     talk.move_to(kElsewhere);  // the blow is too weak for this stage
