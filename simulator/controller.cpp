@@ -10,20 +10,27 @@ namespace {
 
 void select(FrameStore& frames, const char* name, const std::optional<WirePose>& pose) {
     if (!pose) return;
-    frames.add(name, {.pose = *pose, .payload = 0, .position = {}});
+    const Frame frame{.pose = *pose, .payload = 0, .position = {}};
+    if (!frames.update(name, frame)) frames.add(name, frame);
     frames.select(name);
 }
 
 }  // namespace
 
-Controller::Controller(const Options& options)
+Controller::Controller(const Options& options, const Json& kept)
     : arm_(options.model, options.joints.empty() ? options.model.home : options.joints),
       force_(arm_, tool_, options.wall, ForceSensor(options.load, options.force_noise, options.seed)),
       devices_(options.object),
       push_(options.push, {time_, arm_, tool_, drag_, force_, devices_}) {
+    add_commands();
+    try {
+        memory_.load(kept);
+    } catch (const Refusal& refusal) {
+        throw std::invalid_argument("--state: '" + options.state + "': " + refusal.what());
+    }
     select(tool_.tools, "tool", options.tool);
     select(tool_.works, "work", options.work);
-    tool_.mounting = options.install;
+    if (options.install) tool_.mounting = *options.install;
     time_.speed = options.speed;
     drag_.script = options.hand;
     files_.directory = options.files;
@@ -32,7 +39,6 @@ Controller::Controller(const Options& options)
         if (arrived && move.connect != 0) return;  // joined to the next
         report_arrival(move.client.lock(), Device::kArm, arrived, move.connect);
     };
-    add_commands();
     set_faults(options);
     if (options.events) scenario_.emplace(*options.events, Scenario::Parts{time_, arm_, ports_, dispatcher_});
     force_.measure();
@@ -55,28 +61,28 @@ void Controller::set_faults(const Options& options) {
 // Each family gets the parts on which its commands act.
 void Controller::add_commands() {
     CommandTable& table = dispatcher_.commands;
-    add_joint_commands(table, arm_);
-    add_state_commands(table, arm_, tool_);
-    add_limit_commands(table, arm_, tool_);
-    add_frame_commands(table, arm_, tool_);
+    add_joint_commands(table, memory_, arm_);
+    add_state_commands(table, memory_, arm_, tool_);
+    add_limit_commands(table, memory_, arm_, tool_);
+    add_frame_commands(table, memory_, arm_, tool_);
     add_motion_commands(table, arm_, tool_);
     add_trajectory_commands(table, arm_, programs_);
     add_streaming_commands(table, arm_, tool_, devices_.expansion);
     add_teach_commands(table, arm_, tool_);
-    add_drag_commands(table, arm_, drag_, force_.hold);
+    add_drag_commands(table, memory_, arm_, drag_, force_.hold);
     add_force_commands(table, arm_, force_);
     add_force_position_commands(table, arm_, tool_, force_);
     add_push_commands(table, push_.settings, arm_);
-    add_fence_commands(table, guard_.safety, tool_.tools);
+    add_fence_commands(table, memory_, guard_.safety, tool_.tools);
     add_modbus_commands(table, modbus_);
-    add_system_commands(table, time_, arm_, modbus_);
+    add_system_commands(table, memory_, time_, arm_, modbus_);
     add_io_commands(table, ports_);
-    add_gripper_commands(table, devices_.gripper);
+    add_gripper_commands(table, memory_, devices_.gripper);
     add_hand_commands(table, devices_.hand);
-    add_axis_commands(table, devices_);
+    add_axis_commands(table, memory_, devices_);
     add_file_commands(table, files_, programs_, drag_);
-    add_program_commands(table, programs_, arm_);
-    add_waypoint_commands(table, arm_);
+    add_program_commands(table, memory_, programs_, arm_);
+    add_waypoint_commands(table, memory_, arm_);
     add_world_commands(table, ports_, modbus_, force_.wall, devices_.gripper);
     add_time_commands(table, time_);
     add_fault_commands(table, dispatcher_, fault_effects_, files_, arm_);

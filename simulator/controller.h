@@ -11,6 +11,7 @@
 #include "programs/program.h"
 #include "push/push.h"
 #include "wire/dispatcher.h"
+#include "wire/memory.h"
 #include "world/guard.h"
 #include "world/ports.h"
 #include "world/scenario.h"
@@ -21,7 +22,9 @@ namespace sim {
 // All parts of the controller. It runs in one thread and knows no sockets. Simulated time passes only in `step`.
 class Controller {
  public:
-    explicit Controller(const Options& options);
+    // `kept` is what an earlier one kept over a loss of power. Throws std::invalid_argument for something else, and for
+    // options that contradict each other.
+    explicit Controller(const Options& options, const Json& kept = Json::object());
     Controller(const Controller&) = delete;
     Controller& operator=(const Controller&) = delete;
 
@@ -31,6 +34,7 @@ class Controller {
     const Push& push() const { return push_; }
 
     const SimulatedTime& time() const { return time_; }
+    const Memory& memory() const { return memory_; }
 
     // Advances the simulated time by `kStepMs`.
     void step();
@@ -51,6 +55,7 @@ class Controller {
     ModbusMaster modbus_;
     Ports ports_;
     Files files_;
+    Memory memory_;
     Dispatcher dispatcher_;
     Programs programs_{dispatcher_, arm_};
     Push push_;

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
@@ -227,6 +228,8 @@ constexpr OptionRow kOptions[] = {
      [](Options& o, const string& value) { o.transfer_fault = parse_transfer_fault("transfer-fault", value); }},
     {"files", "DIRECTORY", "store the files that clients send in this directory, which must exist",
      [](Options& o, const string& value) { o.files = value; }},
+    {"state", "FILE", "keep settings, programs and waypoints in this file, and start with what it holds",
+     [](Options& o, const string& value) { o.state = value; }},
     {"until-eof", "", "end when standard input ends", [](Options& o, const string&) { o.until_eof = true; }},
     {"quiet", "", "no notes on standard error", [](Options& o, const string&) { o.quiet = true; }},
     {"commands", "", "list all commands and exit", [](Options& o, const string&) { o.commands = true; }},
@@ -330,6 +333,8 @@ std::vector<Options> counted_arms(const Options& common, int count) {
     std::vector<Options> arms(static_cast<size_t>(count), common);
     in_addr address;
     inet_pton(AF_INET, common.listen.c_str(), &address);
+    for (int i = 0; !common.state.empty() && i < count; ++i)
+        arms[static_cast<size_t>(i)].state += '.' + std::to_string(i + 1);
     for (int i = 0; common.port != 0 && i < count; ++i) {
         const in_addr own{htonl(ntohl(address.s_addr) + static_cast<uint32_t>(i))};
         char text[INET_ADDRSTRLEN];
@@ -349,7 +354,10 @@ std::vector<Options> all_arms(const Options& common) {
 
 std::vector<Options> parse_options(int argc, char** argv) {
     const std::vector<Options> arms = all_arms(parse_command_line(argc, argv));
+    std::set<std::string> states;
     for (const Options& arm : arms) {
+        if (!arm.state.empty() && !states.insert(arm.state).second)
+            throw std::invalid_argument("--state: two arms cannot share '" + arm.state + "'");
         if (!arm.joints.empty()) check_joints(arm.model, "--joints", arm.joints);
         for (const HandLeg& leg : arm.hand) check_joints(arm.model, "--hand", leg.joints);
     }

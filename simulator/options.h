@@ -28,14 +28,15 @@ struct Options {
     std::string listen = "127.0.0.1";
     int port = 8080;  // 0: any free port
     RobotModel model;
-    JointVector joints;               // degrees; empty: the model's home
-    std::optional<WirePose> tool;     // in use from the start, under the name "tool"
-    std::optional<WirePose> work;     // the same, under the name "work"
-    std::array<double, 3> install{};  // degrees
-    Object object;                    // between the fingers of the gripper
-    std::vector<HandLeg> hand;        // the path of the hand in drag teaching
-    Load load;                        // on the sensor
-    double force_noise = 0.02;        // newtons
+    JointVector joints;                            // degrees; empty: the model's home
+    std::optional<WirePose> tool;                  // in use from the start, under the name "tool"
+    std::optional<WirePose> work;                  // the same, under the name "work"
+    std::optional<std::array<double, 3>> install;  // degrees
+    std::string state;                             // the file of what is kept over a loss of power; empty: none
+    Object object;                                 // between the fingers of the gripper
+    std::vector<HandLeg> hand;                     // the path of the hand in drag teaching
+    Load load;                                     // on the sensor
+    double force_noise = 0.02;                     // newtons
     unsigned seed = 1;
     double speed = 1;  // of simulated time
     Wall wall;

@@ -10,8 +10,8 @@
 namespace sim {
 
 struct Station::Running {
-    Running(asio::io_context& io, const Options& options)
-        : controller(options),
+    Running(asio::io_context& io, const Options& options, const Json& kept)
+        : controller(options, kept),
           server(io, controller.dispatcher(), options.listen, options.port),
           push(io, controller.push(), options.listen, controller.dispatcher().faults),
           clock(io, controller, [this] { push.step(); }) {
@@ -28,13 +28,36 @@ struct Station::Running {
     Clock clock;
 };
 
-Station::Station(asio::io_context& io, Options options) : io_(io), options_(std::move(options)), pause_(io) {
+Station::Station(asio::io_context& io, Options options)
+    : io_(io), options_(std::move(options)), pause_(io), saving_(io) {
+    if (!options_.state.empty()) kept_ = state_.emplace(options_.state, options_.model.name).sections();
     if (options_.push.port == 0) options_.push.port = free_udp_port(io);
     start();
     options_.port = running_->server.port();
+    if (!state_) return;
+    kept_ = running_->controller.memory().saved();
+    if (!state_->save(kept_)) throw std::invalid_argument("--state: '" + options_.state + "' cannot be written");
+    save_from_time_to_time();
 }
 
-Station::~Station() = default;
+Station::~Station() { save(); }
+
+void Station::save() {
+    if (!state_ || !running_) return;
+    kept_ = running_->controller.memory().saved();
+    const bool saved = state_->save(kept_);
+    if (!saved && state_written_) note("the state cannot be written to " + options_.state);
+    state_written_ = saved;
+}
+
+void Station::save_from_time_to_time() {
+    saving_.expires_after(std::chrono::milliseconds(200));
+    saving_.async_wait([this](const asio::error_code& error) {
+        if (error) return;
+        save();
+        save_from_time_to_time();
+    });
+}
 
 std::string Station::description() const {
     return "model=" + options_.model.name + " port=" + std::to_string(options_.port) +
@@ -42,7 +65,7 @@ std::string Station::description() const {
 }
 
 void Station::start() {
-    running_ = std::make_unique<Running>(io_, options_);
+    running_ = std::make_unique<Running>(io_, options_, kept_);
     running_->controller.dispatcher().restart = [this](int pause_ms) { restart(pause_ms); };
 }
 
@@ -50,6 +73,7 @@ void Station::start() {
 void Station::restart(int pause_ms) {
     asio::post(io_, [this, pause_ms] {
         note("restart");
+        save();
         running_.reset();
         pause_.expires_after(std::chrono::milliseconds(pause_ms));
         pause_.async_wait([this](const asio::error_code& error) {

@@ -3,9 +3,11 @@
 #include <asio/io_context.hpp>
 #include <asio/steady_timer.hpp>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "options.h"
+#include "state_file.h"
 
 namespace sim {
 
@@ -26,12 +28,17 @@ class Station {
     struct Running;
 
     void start();
+    void save();
+    void save_from_time_to_time();
     void restart(int pause_ms);
 
     asio::io_context& io_;
     Options options_;  // with the ports in use
+    std::optional<StateFile> state_;
+    bool state_written_ = true;
+    Json kept_ = Json::object();
     std::unique_ptr<Running> running_;
-    asio::steady_timer pause_;
+    asio::steady_timer pause_, saving_;
 };
 
 }  // namespace sim

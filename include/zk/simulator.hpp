@@ -5,6 +5,8 @@
  *     zk::Simulator simulator({"--model", "ZK75-6F", "--speed", "max"});
  *     ... a client connects to 127.0.0.1, simulator.port() ...
  *     simulator.set_faults(R"("silent_on":["get_joint_degree"])");
+ *
+ * With {"--state", "cell.json"} it keeps its settings, programs and waypoints in that file, for the next one.
  */
 #ifndef ZK_SIMULATOR_HPP
 #define ZK_SIMULATOR_HPP
@@ -153,12 +155,14 @@ class Simulator {
             throw std::invalid_argument("the simulator refuses " + request + ": " + answer);
     }
 
+    /* The end of its input ends it, after it has saved its state; one that hangs is killed. */
     void end() {
-        if (process_ > 0) {
-            ::kill(process_, SIGKILL);
-            wait_for_exit();
-        }
         ::close(input_);
+        for (int waited_ms = 0; process_ > 0; ++waited_ms) {
+            if (::waitpid(process_, nullptr, WNOHANG) != 0) break;
+            if (waited_ms == 1000) ::kill(process_, SIGKILL);
+            ::usleep(1000);
+        }
         ::close(output_);
     }
 

@@ -4,6 +4,7 @@
 #include "commands/commands.h"
 #include "devices/devices.h"
 #include "wire/command_table.h"
+#include "wire/memory.h"
 
 namespace sim {
 namespace {
@@ -58,17 +59,21 @@ Json expansion_state(const LinearAxis& axis, const Call&) {
             {"mode", axis.moving() ? 1 : 0}};
 }
 
-bool configure_expansion(Devices& devices, const Call& call) {
+void set_expansion(Devices& devices, const Request& request) {
     constexpr int kMaxRpm = 6000, kMaxRpmPerSecond = 60'000, kMaxUnits = 1'000'000;
     ExpansionConfig config = devices.expansion_config;
-    config.rpm_max = call.request.integer("rpm_max", 1, kMaxRpm);
-    config.rpm_acc = call.request.integer("rpm_acc", 1, kMaxRpmPerSecond);
-    config.units_per_revolution = call.request.integer("conversin_coe", 1, kMaxUnits);
+    config.rpm_max = request.integer("rpm_max", 1, kMaxRpm);
+    config.rpm_acc = request.integer("rpm_acc", 1, kMaxRpmPerSecond);
+    config.units_per_revolution = request.integer("conversin_coe", 1, kMaxUnits);
     devices.configure_expansion(config);
+}
+
+bool configure_expansion(Devices& devices, const Call& call) {
+    set_expansion(devices, call.request);
     return true;
 }
 
-Json expansion_config(const Devices& devices, const Call&) {
+Json expansion_config(const Devices& devices) {
     const ExpansionConfig& config = devices.expansion_config;
     return {{"rpm_max", config.rpm_max},
             {"rpm_acc", config.rpm_acc},
@@ -77,13 +82,18 @@ Json expansion_config(const Devices& devices, const Call&) {
             {"limit_max", static_cast<int>(devices.expansion.high)}};
 }
 
-void add_expansion(CommandTable& table, Devices& devices) {
+void add_expansion(CommandTable& table, Memory& memory, Devices& devices) {
     table.set("expand_set_pos", "set_state", go(devices.expansion, "pos")).refused = refusal_of(Device::kExpansionAxis);
     table.set("expand_set_speed", "set_state", run(devices.expansion, true)).refused =
         refusal_of(Device::kExpansionAxis);
     table.query("expand_get_state", "expand_state", with(expansion_state, devices.expansion));
+    memory.keep(
+        "expansion_axis", [&devices] { return expansion_config(devices); },
+        [&devices](const Request& saved) { set_expansion(devices, saved); });
+    memory.keep("expansion_version", {{"expand_version", devices.expansion_config.version, 0}});
     table.set("expand_config", "config_state", with(configure_expansion, devices));
-    table.query("expand_get_config", "expand_get_config", with(expansion_config, devices));
+    table.query("expand_get_config", "expand_get_config",
+                [&devices](const Call&) { return expansion_config(devices); });
     table.set("expand_set_version", "expand_version", [&devices](const Call& call) {
         devices.expansion_config.version = call.request.integer("expand_version", 0);
         return true;
@@ -143,9 +153,9 @@ void add_base(CommandTable& table, MobileBase& base) {
 
 }  // namespace
 
-void add_axis_commands(CommandTable& table, Devices& devices) {
+void add_axis_commands(CommandTable& table, Memory& memory, Devices& devices) {
     add_lift(table, devices.lift);
-    add_expansion(table, devices);
+    add_expansion(table, memory, devices);
     add_base(table, devices.base);
 }
 

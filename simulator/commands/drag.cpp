@@ -8,6 +8,7 @@
 #include "devices/force_hold.h"
 #include "wire/arrival_report.h"
 #include "wire/command_table.h"
+#include "wire/memory.h"
 
 namespace sim {
 namespace {
@@ -133,13 +134,14 @@ bool run_drag_trajectory(const Teaching& teaching, const Call& call, const std::
 
 }  // namespace
 
-void add_drag_commands(CommandTable& table, Arm& arm, DragTeach& drag, const ForceHold& hold) {
+void add_drag_commands(CommandTable& table, Memory& memory, Arm& arm, DragTeach& drag, const ForceHold& hold) {
     const Teaching teaching{arm, drag, hold};
     const auto replay = std::make_shared<Replay>();
     table.set("start_drag_teach", "drag_teach", [=](const Call& call) { return start_drag_teach(teaching, call); });
     table.set("stop_drag_teach", "drag_teach", with(stop_drag_teach, drag));
     table.set("start_multi_drag_teach", "set_state",
               [=](const Call& call) { return start_multi_drag_teach(teaching, call); });
+    memory.keep("drag_teaching", {{"grade", drag.sensitivity, 0, 100}});
     table.set("set_drag_teach_sensitivity", "set_state", [&drag](const Call& call) {
         drag.sensitivity = call.request.integer("grade", 0, 100);
         return true;

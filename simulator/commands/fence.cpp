@@ -3,6 +3,7 @@
 #include "commands/commands.h"
 #include "motion/frames.h"
 #include "wire/command_table.h"
+#include "wire/memory.h"
 #include "world/safety.h"
 
 namespace sim {
@@ -28,6 +29,27 @@ Json named_reply(const std::string& name, const Fence& fence) {
     return reply;
 }
 
+void set_switch(Barrier& barrier, const Request& request) {
+    const bool enabled = request.flag("set_enable");
+    const int side = request.integer("in_out_side");
+    barrier.region = request.integer("effective_region");
+    barrier.side = side;
+    barrier.enabled = enabled;
+}
+
+void keep_barrier(Memory& memory, const char* section, Barrier& barrier) {
+    const auto save = [&barrier] {
+        Json saved = fence_reply(barrier.shape);
+        saved.update(
+            {{"set_enable", barrier.enabled}, {"in_out_side", barrier.side}, {"effective_region", barrier.region}});
+        return saved;
+    };
+    memory.keep(section, save, [&barrier](const Request& saved) {
+        if (saved.integer("form") != 0) barrier.shape = requested_fence(saved);
+        set_switch(barrier, saved);
+    });
+}
+
 // The four commands that fences and walls share. A plane wall has no lengths on the wire.
 void add_barrier(CommandTable& table, const std::string& kind, Barrier& barrier) {
     table.set("set_" + kind + "_config", "set_config", [&barrier](const Call& call) {
@@ -37,11 +59,7 @@ void add_barrier(CommandTable& table, const std::string& kind, Barrier& barrier)
     table.query("get_" + kind + "_config", "get_" + kind + "_config",
                 [&barrier](const Call&) { return fence_reply(barrier.shape); });
     table.set("set_" + kind + "_enable", "set_state", [&barrier](const Call& call) {
-        const bool enabled = call.request.flag("set_enable");
-        const int side = call.request.integer("in_out_side");
-        barrier.region = call.request.integer("effective_region");
-        barrier.side = side;
-        barrier.enabled = enabled;
+        set_switch(barrier, call.request);
         return true;
     });
     table.query("get_" + kind + "_enable", "get_" + kind + "_enable", [&barrier](const Call&) {
@@ -50,7 +68,7 @@ void add_barrier(CommandTable& table, const std::string& kind, Barrier& barrier)
     });
 }
 
-void add_named_fences(CommandTable& table, FenceStore& fences) {
+void add_named_fences(CommandTable& table, Memory& memory, FenceStore& fences) {
     table.set("add_electronic_fence_config", "add_config", [&fences](const Call& call) {
         return fences.add(call.request.text("form_name"), requested_fence(call.request));
     });
@@ -69,14 +87,28 @@ void add_named_fences(CommandTable& table, FenceStore& fences) {
         for (const auto& [name, fence] : fences.all()) names.push_back(name);
         return Json{{"name_list", names}};
     });
-    table.query("get_electronic_fence_list_infos", "get_electronic_fence_list_infos", [&fences](const Call&) {
-        Json infos = Json::array();
-        for (const auto& [name, fence] : fences.all()) infos.push_back(named_reply(name, fence));
-        return Json{{"info_list", infos}};
+    const auto infos = [&fences] {
+        Json list = Json::array();
+        for (const auto& [name, fence] : fences.all()) list.push_back(named_reply(name, fence));
+        return Json{{"info_list", list}};
+    };
+    table.query("get_electronic_fence_list_infos", "get_electronic_fence_list_infos",
+                [infos](const Call&) { return infos(); });
+    memory.keep("fences", infos, [&fences](const Request& saved) {
+        for (const Request& fence : saved.objects("info_list")) {
+            const std::string name = fence.text("form_name");
+            if (!fences.add(name, requested_fence(fence))) throw Refusal("a fence '" + name + "' that cannot be");
+        }
     });
 }
 
-void add_self_collision(CommandTable& table, bool& enabled) {
+void add_self_collision(CommandTable& table, Memory& memory, bool& enabled) {
+    memory.keep(
+        "self_collision",
+        [&enabled] {
+            return Json{{"set_enable", enabled}};
+        },
+        [&enabled](const Request& saved) { enabled = saved.flag("set_enable"); });
     table.set("set_self_collision_enable", "set_state", [&enabled](const Call& call) {
         enabled = call.request.flag("set_enable");
         return true;
@@ -105,6 +137,18 @@ Json envelope_reply(const std::string& tool, const Envelope& envelope) {
     return {{"tool_name", tool}, {"list", list}};
 }
 
+void keep_envelopes(Memory& memory, std::map<std::string, Envelope>& envelopes) {
+    const auto save = [&envelopes] {
+        Json list = Json::array();
+        for (const auto& [tool, envelope] : envelopes) list.push_back(envelope_reply(tool, envelope));
+        return Json{{"envelopes", list}};
+    };
+    memory.keep("tool_envelopes", save, [&envelopes](const Request& saved) {
+        for (const Request& envelope : saved.objects("envelopes"))
+            envelopes[envelope.text("tool_name")] = requested_envelope(envelope);
+    });
+}
+
 // An envelope belongs to an existing tool.
 void add_envelopes(CommandTable& table, std::map<std::string, Envelope>& envelopes, const FrameStore& tools) {
     table.set("set_tool_envelope", "set_state", [&envelopes, &tools](const Call& call) {
@@ -123,12 +167,15 @@ void add_envelopes(CommandTable& table, std::map<std::string, Envelope>& envelop
 
 }  // namespace
 
-void add_fence_commands(CommandTable& table, Safety& safety, const FrameStore& tools) {
+void add_fence_commands(CommandTable& table, Memory& memory, Safety& safety, const FrameStore& tools) {
     add_barrier(table, "electronic_fence", safety.fence);
     add_barrier(table, "virtual_wall", safety.wall);
-    add_named_fences(table, safety.fences);
-    add_self_collision(table, safety.self_collision);
+    add_named_fences(table, memory, safety.fences);
+    add_self_collision(table, memory, safety.self_collision);
     add_envelopes(table, safety.envelopes, tools);
+    keep_barrier(memory, "fence_in_use", safety.fence);
+    keep_barrier(memory, "virtual_wall", safety.wall);
+    keep_envelopes(memory, safety.envelopes);
 }
 
 }  // namespace sim

@@ -8,6 +8,7 @@
 #include "commands/commands.h"
 #include "motion/tool.h"
 #include "wire/command_table.h"
+#include "wire/memory.h"
 
 namespace sim {
 namespace {
@@ -48,8 +49,8 @@ Action name_frame(Kind kind, bool (FrameStore::*act)(const std::string&)) {
     return [=](const Call& call) { return (kind.store.*act)(call.request.text(kind.name_key)); };
 }
 
-Json frame_reply(const Kind& kind, const std::string& name, const Frame& frame) {
-    Json reply{{kind.name_key, name}, {"pose", frame.pose}};
+Json frame_reply(const Kind& kind, const std::string& name, const Frame& frame, const char* pose_key = "pose") {
+    Json reply{{kind.name_key, name}, {pose_key, frame.pose}};
     if (kind.payload) {
         reply["payload"] = frame.payload;
         reply["position"] = frame.position;
@@ -71,6 +72,24 @@ Query given_frame(Kind kind) {
 
 Query frame_names(const FrameStore& store, const char* key) {
     return [&store, key](const Call&) { return Json{{key, store.names()}}; };
+}
+
+void keep_frames(Memory& memory, const char* section, const Kind& kind) {
+    const auto save = [kind] {
+        Json frames = Json::array();
+        for (const std::string& name : kind.store.names())
+            frames.push_back(frame_reply(kind, name, *kind.store.find(name), kind.pose_key));
+        return Json{{"current", kind.store.current_name()}, {"frames", frames}};
+    };
+    memory.keep(section, save, [kind](const Request& saved) {
+        for (const Request& frame : saved.objects("frames")) {
+            const std::string name = frame.text(kind.name_key);
+            const bool built_in = name == kind.store.names().front();
+            if (!built_in && !kind.store.add(name, requested_frame(frame, kind)))
+                throw Refusal("a frame '" + name + "' that cannot be");
+        }
+        if (!kind.store.select(saved.text("current"))) throw Refusal("an unknown frame in use");
+    });
 }
 
 // The poses that a client has recorded for an automatic calibration.
@@ -150,13 +169,23 @@ void add_automatic_work(CommandTable& table, Tool& tool) {
     });
 }
 
-void add_payload(CommandTable& table, Frame& payload) {
+void set_payload(Frame& payload, const Request& request) {
+    constexpr int kMaxPayload = 50'000;
+    payload.payload = request.integer("payload", 0, kMaxPayload);
+    payload.position = array_of<3>(request.integers("position", 3));
+}
+
+void add_payload(CommandTable& table, Memory& memory, Frame& payload) {
     table.set("set_payload", "set_state", [&payload](const Call& call) {
-        constexpr int kMaxPayload = 50'000;
-        payload.payload = call.request.integer("payload", 0, kMaxPayload);
-        payload.position = array_of<3>(call.request.integers("position", 3));
+        set_payload(payload, call.request);
         return true;
     });
+    memory.keep(
+        "payload",
+        [&payload] {
+            return Json{{"payload", payload.payload}, {"position", payload.position}};
+        },
+        [&payload](const Request& saved) { set_payload(payload, saved); });
     table.set("set_none_payload", "set_state", [&payload](const Call&) {
         payload = {};
         return true;
@@ -165,7 +194,7 @@ void add_payload(CommandTable& table, Frame& payload) {
 
 }  // namespace
 
-void add_frame_commands(CommandTable& table, const Arm& arm, Tool& tool) {
+void add_frame_commands(CommandTable& table, Memory& memory, const Arm& arm, Tool& tool) {
     const Kind tools{tool.tools, "tool_name", "tool_pose", true};
     const Kind works{tool.works, "frame_name", "frame_pose", false};
     table.set("set_manual_tool_frame", "manual_tool_frame", store_frame(tools, &FrameStore::add));
@@ -184,7 +213,9 @@ void add_frame_commands(CommandTable& table, const Arm& arm, Tool& tool) {
     table.query("get_total_work_frame", "total_work_frame", frame_names(works.store, "frame_names"));
     add_automatic_tool(table, arm, tool.tools);
     add_automatic_work(table, tool);
-    add_payload(table, tool.payload);
+    add_payload(table, memory, tool.payload);
+    keep_frames(memory, "tool_frames", tools);
+    keep_frames(memory, "work_frames", works);
 }
 
 }  // namespace sim

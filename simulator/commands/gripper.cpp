@@ -3,6 +3,7 @@
 #include "commands/commands.h"
 #include "devices/devices.h"
 #include "wire/command_table.h"
+#include "wire/memory.h"
 
 namespace sim {
 namespace {
@@ -35,11 +36,15 @@ bool position(Gripper& gripper, const Call& call) {
     return true;
 }
 
-bool route(Gripper& gripper, const Call& call) {
-    const int min = call.request.integer("min", 0, Gripper::kOpen - 1);
-    const int max = call.request.integer("max", min + 1, Gripper::kOpen);
+void set_route(Gripper& gripper, const Request& request) {
+    const int min = request.integer("min", 0, Gripper::kOpen - 1);
+    const int max = request.integer("max", min + 1, Gripper::kOpen);
     gripper.narrowest = min;
     gripper.widest = max;
+}
+
+bool route(Gripper& gripper, const Call& call) {
+    set_route(gripper, call.request);
     return true;
 }
 
@@ -55,7 +60,13 @@ Json state(const Gripper& gripper, const Call&) {
 
 }  // namespace
 
-void add_gripper_commands(CommandTable& table, Gripper& gripper) {
+void add_gripper_commands(CommandTable& table, Memory& memory, Gripper& gripper) {
+    memory.keep(
+        "gripper",
+        [&gripper] {
+            return Json{{"min", gripper.narrowest}, {"max", gripper.widest}};
+        },
+        [&gripper](const Request& saved) { set_route(gripper, saved); });
     table.set("set_gripper_route", "state", with(route, gripper));
     table.set("set_gripper_release", "state", with(release, gripper));
     table.set("set_gripper_pick", "state", pick(gripper, Gripper::Mode::kPick));

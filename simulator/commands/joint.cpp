@@ -3,6 +3,7 @@
 #include "commands/commands.h"
 #include "motion/arm.h"
 #include "wire/command_table.h"
+#include "wire/memory.h"
 
 namespace sim {
 namespace {
@@ -62,6 +63,42 @@ Query get(const Limits& limits, int JointLimits::*limit, const char* key) {
         for (const JointLimits& joint : limits) values.push_back(joint.*limit);
         return Json{{key, values}};
     };
+}
+
+constexpr struct {
+    const char* key;
+    int JointLimits::*limit;
+} kKept[] = {{"min_pos", &JointLimits::min_pos},
+             {"max_pos", &JointLimits::max_pos},
+             {"max_speed", &JointLimits::max_speed},
+             {"max_acc", &JointLimits::max_acc}};
+
+Json saved_limits(const Limits& limits) {
+    Json saved;
+    for (const auto& [key, limit] : kKept) {
+        for (const JointLimits& joint : limits) saved[key].push_back(joint.*limit);
+    }
+    return saved;
+}
+
+void load_limits(const Arm& arm, Limits& limits, const Request& saved) {
+    for (const auto& [key, limit] : kKept) {
+        const std::vector<int> values = saved.integers(key, arm.joint_count());
+        for (size_t i = 0; i < values.size(); ++i) limits[i].*limit = values[i];
+    }
+    for (size_t i = 0; i < limits.size(); ++i) {
+        const JointLimits &limit = limits[i], &range = arm.range()[i];
+        const bool fits = limit.min_pos >= range.min_pos && limit.min_pos < limit.max_pos &&
+                          limit.max_pos <= range.max_pos && limit.max_speed >= 1 &&
+                          limit.max_speed <= range.max_speed && limit.max_acc >= 1 && limit.max_acc <= range.max_acc;
+        if (!fits) throw Refusal("limits beyond those of joint " + std::to_string(i + 1));
+    }
+}
+
+void keep_limits(Memory& memory, const char* section, const Arm& arm, Limits& limits) {
+    memory.keep(
+        section, [&limits] { return saved_limits(limits); },
+        [&arm, &limits](const Request& saved) { load_limits(arm, limits, saved); });
 }
 
 void add_limits(CommandTable& table, Arm& arm) {
@@ -155,9 +192,11 @@ void add_states(CommandTable& table, Arm& arm) {
 
 }  // namespace
 
-void add_joint_commands(CommandTable& table, Arm& arm) {
+void add_joint_commands(CommandTable& table, Memory& memory, Arm& arm) {
     add_limits(table, arm);
     add_drive_limits(table, arm);
+    keep_limits(memory, "joint_limits", arm, arm.limits);
+    keep_limits(memory, "drive_limits", arm, arm.drive_limits);
     add_calibration(table, arm);
     add_states(table, arm);
 }

@@ -2,6 +2,7 @@
 
 #include "programs/program.h"
 #include "commands/commands.h"
+#include "wire/memory.h"
 #include "wire/pages.h"
 
 namespace sim {
@@ -54,9 +55,38 @@ bool set_default(Programs& programs, const Call& call) {
     return true;
 }
 
+Json saved_programs(const Programs& programs) {
+    Json list = Json::array();
+    for (const auto& [id, program] : programs.kept) {
+        list.push_back({{"id", id},
+                        {"name", program.name},
+                        {"size", program.size},
+                        {"plan_speed", program.speed},
+                        {"lines", program.lines}});
+    }
+    return {{"default", programs.default_id}, {"programs", list}};
+}
+
+void load_programs(Programs& programs, const Request& saved) {
+    for (const Request& request : saved.objects("programs")) {
+        Program program;
+        program.id = id_of(request);
+        program.name = request.text("name");
+        program.size = request.integer("size", 0);
+        program.speed = request.integer("plan_speed", 1, 100);
+        program.lines = request.texts("lines");
+        if (first_wrong_line(program.lines) != 0) throw Refusal("the program " + program.name + " is wrong");
+        programs.kept[program.id] = program;
+    }
+    programs.default_id = saved.integer("default", 0, Programs::kMaxId);
+}
+
 }  // namespace
 
-void add_program_commands(CommandTable& table, Programs& programs, const Arm& arm) {
+void add_program_commands(CommandTable& table, Memory& memory, Programs& programs, const Arm& arm) {
+    memory.keep(
+        "programs", [&programs] { return saved_programs(programs); },
+        [&programs](const Request& saved) { load_programs(programs, saved); });
     table.query("get_program_trajectory_list", "get_program_trajectory_list", with(program_list, programs));
     table.query("get_program_run_state", "get_program_run_state",
                 [&programs](const Call&) { return programs.state(); });

@@ -3,6 +3,7 @@
 #include "commands/commands.h"
 #include "motion/tool.h"
 #include "wire/command_table.h"
+#include "wire/memory.h"
 
 namespace sim {
 namespace {
@@ -30,26 +31,36 @@ Json all_state(const Arm& arm, const Call&) {
               {"sys_err", arm.system_error()}}}};
 }
 
-bool set_install_pose(Tool& tool, const Call& call) {
-    const std::vector<double> angles = call.request.numbers("pose", 3);
+void set_mounting(Tool& tool, const Request& request) {
+    const std::vector<double> angles = request.numbers("pose", 3);
     tool.mounting = {angles[0], angles[1], angles[2]};
+}
+
+bool set_install_pose(Tool& tool, const Call& call) {
+    set_mounting(tool, call.request);
     return true;
 }
 
+void set_init_pose(JointVector& pose, const Request& request) {
+    const std::vector<int> joints = request.integers("init_pose", pose.size());
+    for (size_t i = 0; i < joints.size(); ++i) pose[i] = joints[i] / 1000.0;
+}
+
 // A pose that is stored and returned.
-void add_init_pose(CommandTable& table, const Arm& arm) {
+void add_init_pose(CommandTable& table, Memory& memory, const Arm& arm) {
     const auto pose = std::make_shared<JointVector>(arm.joint_count());
     table.set("set_init_pose", "init_pose", [pose](const Call& call) {
-        const std::vector<int> joints = call.request.integers("init_pose", pose->size());
-        for (size_t i = 0; i < joints.size(); ++i) (*pose)[i] = joints[i] / 1000.0;
+        set_init_pose(*pose, call.request);
         return true;
     });
-    table.query("get_init_pose", "init_pose", [pose](const Call&) { return Json{{"init_pose", thousandths(*pose)}}; });
+    const auto saved = [pose] { return Json{{"init_pose", thousandths(*pose)}}; };
+    table.query("get_init_pose", "init_pose", [saved](const Call&) { return saved(); });
+    memory.keep("init_pose", saved, [pose](const Request& request) { set_init_pose(*pose, request); });
 }
 
 }  // namespace
 
-void add_state_commands(CommandTable& table, const Arm& arm, Tool& tool) {
+void add_state_commands(CommandTable& table, Memory& memory, const Arm& arm, Tool& tool) {
     table.query("get_current_arm_state", "current_arm_state", with(arm_state, arm, tool));
     table.query("get_arm_all_state", "arm_all_state", with(all_state, arm));
     table.query("get_joint_degree", "joint_degree", [&arm](const Call&) {
@@ -67,9 +78,11 @@ void add_state_commands(CommandTable& table, const Arm& arm, Tool& tool) {
     table.query("get_arm_plan_num", "arm_plan_num", [&arm](const Call&) {
         return Json{{"plan_num", arm.motion().size()}};
     });
-    add_init_pose(table, arm);
+    add_init_pose(table, memory, arm);
     table.set("set_install_pose", "set_state", with(set_install_pose, tool));
-    table.query("get_install_pose", "install_pose", [&tool](const Call&) { return Json{{"pose", tool.mounting}}; });
+    const auto mounting = [&tool] { return Json{{"pose", tool.mounting}}; };
+    table.query("get_install_pose", "install_pose", [mounting](const Call&) { return mounting(); });
+    memory.keep("mounting", mounting, [&tool](const Request& request) { set_mounting(tool, request); });
 }
 
 }  // namespace sim

@@ -4,6 +4,7 @@
 #include "devices/modbus.h"
 #include "motion/arm.h"
 #include "wire/command_table.h"
+#include "wire/memory.h"
 #include "world/time.h"
 
 namespace sim {
@@ -105,6 +106,34 @@ struct Network {
 // Clients store such a text in 16 bytes.
 std::string address(const Request& request, const char* key) { return request.text(key, 15); }
 
+struct Text {
+    const char* key;
+    std::string& value;
+    size_t most;  // bytes
+};
+
+std::vector<Text> texts_of(Network& net) {
+    return {{"wired_ip", net.wired.ip, 15},
+            {"high_speed_ip", net.high_speed.ip, 15},
+            {"high_speed_mask", net.high_speed.mask, 15},
+            {"high_speed_gateway", net.high_speed.gateway, 15},
+            {"wifi_mode", net.wifi_mode, 15},
+            {"ssid", net.ssid, 32},
+            {"password", net.password, 15}};
+}
+
+Json saved_network(Network& net) {
+    Json saved{{"wifi_channel", net.wifi_channel}, {"baudrate", net.baudrate}};
+    for (const Text& text : texts_of(net)) saved[text.key] = text.value;
+    return saved;
+}
+
+void load_network(Network& net, const Request& saved) {
+    net.wifi_channel = saved.integer("wifi_channel");
+    net.baudrate = saved.integer("baudrate", 1);
+    for (const Text& text : texts_of(net)) text.value = saved.text(text.key, text.most);
+}
+
 void add_ethernet(CommandTable& table, const std::shared_ptr<Network>& net) {
     table.set("set_high_speed_eth", "set_state", [](const Call& call) {
         call.request.integer("mode", 0, 1);
@@ -181,8 +210,11 @@ void add_run_mode(CommandTable& table) {
 
 }  // namespace
 
-void add_system_commands(CommandTable& table, const SimulatedTime& time, Arm& arm, ModbusMaster& modbus) {
+void add_system_commands(CommandTable& table, Memory& memory, const SimulatedTime& time, Arm& arm,
+                         ModbusMaster& modbus) {
     const auto net = std::make_shared<Network>();
+    memory.keep(
+        "network", [net] { return saved_network(*net); }, [net](const Request& saved) { load_network(*net, saved); });
     add_power_and_errors(table, arm);
     add_versions(table, arm);
     add_counters(table, time, arm);

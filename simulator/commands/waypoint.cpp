@@ -5,6 +5,7 @@
 #include "commands/commands.h"
 #include "motion/arm.h"
 #include "wire/command_table.h"
+#include "wire/memory.h"
 #include "wire/pages.h"
 
 namespace sim {
@@ -22,8 +23,8 @@ Json waypoint_of(const Request& request, const Arm& arm) {
             {"tool_frame", request.text("tool_frame", 11)}, {"time", request.text("time", 49)}};
 }
 
-bool add(const Arm& arm, const Call& call, GlobalWaypoints& waypoints) {
-    const Json waypoint = waypoint_of(call.request, arm);
+bool add(const Arm& arm, const Request& request, GlobalWaypoints& waypoints) {
+    const Json waypoint = waypoint_of(request, arm);
     const std::string& name = waypoint.at("point_name").text();
     if (name.empty() || waypoints.size() == kMaxGlobalWaypoints) return false;
     return waypoints.emplace(name, waypoint).second;
@@ -42,20 +43,34 @@ Json given(const Call& call, const GlobalWaypoints& waypoints) {
     return found == waypoints.end() ? Json{{"given_state", false}} : found->second;
 }
 
-Json list(const Call& call, const GlobalWaypoints& waypoints) {
+std::vector<Json> all(const GlobalWaypoints& waypoints) {
     std::vector<Json> entries;
     for (const auto& [name, waypoint] : waypoints) entries.push_back(waypoint);
-    Json reply = page_reply(page_of(call.request, kMostWaypoints), entries, "point_name");
+    return entries;
+}
+
+Json list(const Call& call, const GlobalWaypoints& waypoints) {
+    Json reply = page_reply(page_of(call.request, kMostWaypoints), all(waypoints), "point_name");
     reply["get_state"] = true;
     return reply;
 }
 
 }  // namespace
 
-void add_waypoint_commands(CommandTable& table, const Arm& arm) {
+void add_waypoint_commands(CommandTable& table, Memory& memory, const Arm& arm) {
     const auto waypoints = std::make_shared<GlobalWaypoints>();
+    memory.keep(
+        "waypoints",
+        [waypoints] {
+            return Json{{"list", all(*waypoints)}};
+        },
+        [&arm, waypoints](const Request& saved) {
+            for (const Request& waypoint : saved.objects("list")) {
+                if (!add(arm, waypoint, *waypoints)) throw Refusal("a waypoint that cannot be");
+            }
+        });
     table.set("add_global_waypoint", "add_state",
-              [&arm, waypoints](const Call& call) { return add(arm, call, *waypoints); });
+              [&arm, waypoints](const Call& call) { return add(arm, call.request, *waypoints); });
     table.set("update_global_waypoint", "update_state",
               [&arm, waypoints](const Call& call) { return update(arm, call, *waypoints); });
     table.set("delete_global_waypoint", "delete_state",

@@ -19,6 +19,8 @@ struct BadRequest : Refusal {
 class Request {
  public:
     explicit Request(const Json& body);
+    // An object that is no request, under this name in the texts of refusals.
+    Request(const Json& body, std::string name) : body_(body), command_(std::move(name)) {}
 
     const std::string& command() const { return command_; }
     bool has(const char* key) const { return body_.contains(key); }
@@ -43,8 +45,6 @@ class Request {
     std::vector<Request> objects(const char* key) const;
 
  private:
-    Request(const Json& body, std::string command) : body_(body), command_(std::move(command)) {}
-
     const Json& at(const char* key) const;
     [[noreturn]] void refuse(const std::string& key, const std::string& reason) const;
 

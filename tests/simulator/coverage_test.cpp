@@ -179,6 +179,8 @@ Call outside(const std::string& request) {
         [request](ArmSocket) { return Json::parse(Place::current->arm.simulator().ask(request)).at("done") ? 0 : 1; };
 }
 
+Call at_speed(int speed) { return outside(R"({"command":"zk_sim_speed","speed":)" + std::to_string(speed) + "}"); }
+
 ProjectSendParams stored(int id, const std::string& text, bool only_save = true) {
     ProjectSendParams params = project(Place::current->directory.file("task.txt", text));
     params.save_id = id;
@@ -446,10 +448,12 @@ const Table kTables[] = {
           ASK(Get_Joint_Degree), kAtNear},
          {CALL(Stop_Drag_Teach, (s, true)), PUSHED(arm_current_status), "0"},
          {CALL(Drag_Trajectory_Origin, (s, true)), ASK(Get_Joint_Degree), kAtJoints},
+         {"", at_speed(1)},
          {CALL(Run_Drag_Trajectory_NonBlock, (s)), DOING, "4"},
          {CALL(Pause_Drag_Trajectory, (s, true)), PUSHED(arm_current_status), "11"},
          {CALL(Continue_Drag_Trajectory, (s, true)), PUSHED(arm_current_status), "5"},
          {CALL(Stop_Drag_Trajectory, (s, true)), DOING, "0"},
+         {"", at_speed(10)},
          {CALL(Drag_Trajectory_Origin, (s, true)), ASK(Get_Joint_Degree), kAtJoints},
          {CALL(Run_Drag_Trajectory, (s, true)), ASK(Get_Joint_Degree), kAtNear},
          {"Save_Trajectory", saving(Save_Trajectory), "", kSaved, "points"},
@@ -467,8 +471,10 @@ const Table kTables[] = {
          {CALL(Manual_Set_Force, (s, 2, kTurned))},
          {CALL(Manual_Set_Force, (s, 3, kBent))},
          {CALL(Manual_Set_Force, (s, 4, kTilted)), ASK(Get_Joint_Degree), "10 -20 -30 75 20 20"},
+         {"", at_speed(1)},
          {CALL(Set_Force_Sensor_NonBlock, (s)), DOING, "1"},
          {CALL(Stop_Set_Force_Sensor, (s, true)), DOING, "0"},
+         {"", at_speed(10)},
          {CALL(Movej_Cmd, (s, kJoints, 100, 0, 0, true)), ASK(Get_Joint_Degree), kAtJoints},
          {CALL(Start_Force_Position_Move, (s, true))},
          {CALL(Force_Position_Move_Joint, (s, kNear, 1, 0, 2, 0, 0)), ASK(Get_Joint_Degree), kAtNear},
@@ -610,7 +616,7 @@ const Table kTables[] = {
               return Send_TrajectoryFile(s, nullptr, params);
           },
           PROGRAM, "2 5"},
-         {CALL(Set_Online_Next_E, (s)), PROGRAM, "1 5"},
+         {CALL(Set_Online_Next_E, (s)), ASK(Get_Joint_Degree), "90 0 0 0 0 0"},
          {CALL(Add_Global_Waypoint, (s, waypoint(1))), WAYPOINT, "w 1 0 0 0 0 0 0, 0.1 0 0.15, 0 0 1.5, Base Arm_Tip noon"},
          {CALL(Add_Global_Waypoint, (s, waypoint(2))), WAYPOINTS, "1", 1},
          {CALL(Update_Global_Waypoint, (s, waypoint(2))), WAYPOINT, "w 2 0 0 0 0 0 0, 0.1 0 0.15, 0 0 1.5, Base Arm_Tip noon"},
