@@ -14,5 +14,5 @@ for source in fuzz/*_fuzz.cpp; do
     cp "$WORK/build/bin/${name}_fuzz" "$OUT"
     (cd "fuzz/corpora/$name" && zip -q -r "$OUT/${name}_fuzz_seed_corpus.zip" .)
     # Shared libraries that the machine that runs it does not have.
-    ldd "$OUT/${name}_fuzz" | grep -oE '/\S*/lib(ZK_Base|cjson|orocos-kdl)\S*' | xargs -I{} cp -L {} "$OUT/lib"
+    ldd "$WORK/build/bin/${name}_fuzz" | grep -oE '/\S*/lib(ZK_Base|cjson|orocos-kdl)\S*' | xargs -I{} cp -L {} "$OUT/lib"
 done
