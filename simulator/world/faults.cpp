@@ -25,15 +25,15 @@ int& of_wire(FaultNumbers& numbers) {
     return numbers.wire.*fault;
 }
 
-template <Disorder WireFaults::*way, int Disorder::*fault>
-int& of_way(FaultNumbers& numbers) {
-    return numbers.wire.*way.*fault;
+template <int Disorder::*fault>
+int& of_replies(FaultNumbers& numbers) {
+    return numbers.wire.replies.*fault;
 }
 
 template <int Disorder::*fault>
-constexpr auto of_replies = of_way<&WireFaults::replies, fault>;
-template <int Disorder::*fault>
-constexpr auto of_push = of_way<&WireFaults::push, fault>;
+int& of_push(FaultNumbers& numbers) {
+    return numbers.wire.push.*fault;
+}
 
 FaultRow fault_row(const char* name, const Takes& takes, int& (*number)(FaultNumbers&), const char* effect) {
     return {name, takes.what, takes.highest, number, effect};
