@@ -1,17 +1,38 @@
+# What `cmake --install` puts under a prefix, by component: each is a package of its own, see Package.cmake.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS ZK_Base EXPORT ZK_BaseTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(EXPORT ZK_BaseTargets NAMESPACE ZK:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/ZK_Base)
-configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/ZK_BaseConfig.cmake.in ${CMAKE_BINARY_DIR}/ZK_BaseConfig.cmake
-                              INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/ZK_Base)
-write_basic_package_version_file(${CMAKE_BINARY_DIR}/ZK_BaseConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${CMAKE_BINARY_DIR}/ZK_BaseConfig.cmake ${CMAKE_BINARY_DIR}/ZK_BaseConfigVersion.cmake
-        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/ZK_Base)
+set(ZK_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/ZK_Base)
+set(ZK_DOC_DIR ${CMAKE_INSTALL_DATAROOTDIR}/doc)
+
+install(TARGETS ZK_Base EXPORT ZK_BaseTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(EXPORT ZK_BaseTargets NAMESPACE ZK:: DESTINATION ${ZK_PACKAGE_DIR} COMPONENT development)
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/ZK_BaseConfig.cmake.in ${PROJECT_BINARY_DIR}/ZK_BaseConfig.cmake
+                              INSTALL_DESTINATION ${ZK_PACKAGE_DIR})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/ZK_BaseConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/ZK_BaseConfig.cmake ${PROJECT_BINARY_DIR}/ZK_BaseConfigVersion.cmake
+        DESTINATION ${ZK_PACKAGE_DIR} COMPONENT development)
 file(RELATIVE_PATH ZK_PREFIX_OF_PKGCONFIG /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
-configure_file(${CMAKE_CURRENT_LIST_DIR}/zk_base.pc.in ${CMAKE_BINARY_DIR}/zk_base.pc @ONLY)
-install(FILES ${CMAKE_BINARY_DIR}/zk_base.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/zk_base.pc.in ${PROJECT_BINARY_DIR}/zk_base.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/zk_base.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples ${PROJECT_SOURCE_DIR}/docs DESTINATION ${ZK_DOC_DIR}/libzk-base-dev
+        COMPONENT development PATTERN CMakeLists.txt EXCLUDE)
+
 if(ZK_BUILD_SIMULATOR AND NOT ZK_SIMULATOR)
-  install(TARGETS zk_simulator RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-  install(DIRECTORY ${PROJECT_SOURCE_DIR}/simulator/scenarios DESTINATION ${CMAKE_INSTALL_DATADIR}/zk_base)
+  install(TARGETS zk_simulator RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT simulator)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/simulator/scenarios DESTINATION ${CMAKE_INSTALL_DATADIR}/zk_base
+          COMPONENT simulator)
+  install(FILES ${PROJECT_SOURCE_DIR}/simulator/README.md ${PROJECT_SOURCE_DIR}/docs/simulator.md
+          DESTINATION ${ZK_DOC_DIR}/zk-simulator COMPONENT simulator)
+  find_program(HELP2MAN help2man)
+  if(HELP2MAN AND NOT CMAKE_CROSSCOMPILING)
+    add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/zk_simulator.1.gz
+                       COMMAND ${HELP2MAN} --no-info --name "simulated controller of a robot arm"
+                               --output ${PROJECT_BINARY_DIR}/zk_simulator.1 $<TARGET_FILE:zk_simulator>
+                       COMMAND gzip -9nf ${PROJECT_BINARY_DIR}/zk_simulator.1
+                       DEPENDS zk_simulator VERBATIM)
+    add_custom_target(zk_manual ALL DEPENDS ${PROJECT_BINARY_DIR}/zk_simulator.1.gz)
+    install(FILES ${PROJECT_BINARY_DIR}/zk_simulator.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT simulator)
+  endif()
 endif()

@@ -19,6 +19,10 @@ int run(int argc, char** argv) {
             std::cout << usage();
             return 0;
         }
+        if (options.version) {
+            std::cout << "zk_simulator " ZK_VERSION "\n";
+            return 0;
+        }
         if (options.commands) {
             for (const std::string& name : Controller(options).dispatcher().commands.names()) std::cout << name << '\n';
             return 0;

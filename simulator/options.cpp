@@ -233,6 +233,7 @@ constexpr OptionRow kOptions[] = {
     {"until-eof", "", "end when standard input ends", [](Options& o, const string&) { o.until_eof = true; }},
     {"quiet", "", "no notes on standard error", [](Options& o, const string&) { o.quiet = true; }},
     {"commands", "", "list all commands and exit", [](Options& o, const string&) { o.commands = true; }},
+    {"version", "", "the version", [](Options& o, const string&) { o.version = true; }},
     {"help", "", "this text", [](Options& o, const string&) { o.help = true; }},
 };
 

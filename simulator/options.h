@@ -20,7 +20,7 @@ namespace sim {
 
 // The options of the command line.
 struct Options {
-    bool help = false;
+    bool help = false, version = false;
     bool commands = false;  // list the commands and exit
     bool quiet = false;
     bool until_eof = false;  // end with standard input

@@ -5,6 +5,7 @@
 #include "simulator/talk.h"
 #include "support/paths.h"
 #include "support/pattern.h"
+#include "zk/export.h"
 
 namespace zk::test {
 namespace {
@@ -29,6 +30,7 @@ TEST(Program, HelpNamesEveryModelAndTheCycle) {
     EXPECT_EQ(run.status, 0);
     for (const char* text : {"ZK65-B", "ZK75-6F", "72-B", "ORB63-ZF", "--push-port", "units of 5 ms"})
         EXPECT_NE(run.output.find(text), std::string::npos) << text;
+    EXPECT_EQ(run_simulator("--version").output, "zk_simulator " ZK_VERSION_STRING "\n");
 }
 
 TEST(Program, WrongOptionsEndWithTwoAndAMessage) {
