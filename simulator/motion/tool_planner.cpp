@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "motion/spline.h"
 
@@ -57,6 +58,7 @@ Path ToolPlanner::along(const Curve& curve, const JointVector& start) const {
         if (!keeps_to(curve, path.at, pieces)) continue;
         set_pace(tools, knots, path);
         arm_.check(path.course());
+        slow_for_bends(pieces, path);
         return path;
     }
     throw NoPath("the arm cannot follow the path");
@@ -100,6 +102,22 @@ void ToolPlanner::set_pace(const std::vector<KDL::Frame>& tools, const std::vect
     // A path that moves a joint too fast is refused, not slowed down.
     for (size_t j = 0; j < joints.size(); ++j)
         if (joints[j] > 0) path.acc = std::min(path.acc, arm_.limits[j].acc() / 2 / joints[j]);
+}
+
+// Near a singularity the joints turn faster and slower along an even path of the tool.
+void ToolPlanner::slow_for_bends(size_t pieces, Path& path) const {
+    constexpr size_t kFiner = 4;  // the bend is greatest next to a solved point
+    const size_t steps = kFiner * pieces;
+    const auto at = [&](size_t i) { return path.at(static_cast<double>(i) / steps); };
+    JointVector before = at(0), here = at(1);
+    for (size_t i = 2; i <= steps; ++i) {
+        const JointVector next = at(i);
+        for (size_t j = 0; j < next.size(); ++j) {
+            const double bend = std::abs(next[j] - 2 * here[j] + before[j]) * steps * steps;
+            hold(path, 0, bend, 0, arm_.limits[j].acc());
+        }
+        before = std::exchange(here, next);
+    }
 }
 
 }  // namespace sim

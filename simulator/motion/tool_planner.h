@@ -24,6 +24,7 @@ class ToolPlanner {
     std::vector<JointVector> solve(const std::vector<KDL::Frame>& tools, const JointVector& start) const;
     bool keeps_to(const Curve& curve, const std::function<JointVector(double)>& joints, size_t pieces) const;
     void set_pace(const std::vector<KDL::Frame>& tools, const std::vector<JointVector>& knots, Path& path) const;
+    void slow_for_bends(size_t pieces, Path& path) const;
 
     const Arm& arm_;
     Surroundings around_;

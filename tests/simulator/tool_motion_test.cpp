@@ -322,5 +322,17 @@ TEST(ToolMotion, ALineAfterADeletedMoveStartsAtTheCurrentPosition) {
     expect_at(talk.tool(), target, 1e-5);
 }
 
+// Near a singularity the joints bend sharply while the tool moves evenly.
+TEST(ToolMotion, KeepsTheJointsWithinTheirAcceleration) {
+    std::vector<std::string> options = arguments("ORB63-B");
+    options.insert(options.end(), {"--joints", "179,44.787,116.964,52.248,179,-50.989"});
+    Talk talk(options);
+    const Limits limits = limits_of(talk);
+    const Json pose{{"pose_via", {-248845, 167577, 25858, 1633, 1426, 3105}},
+                    {"pose_to", {-196438, 145618, -51624, 2078, 1350, -2557}}};
+    ASSERT_TRUE(accepted(talk, "movec", {{"pose", pose}, {"v", 54}, {"r", 0}, {"loop", 0}, {"trajectory_connect", 0}}));
+    expect_within_limits(run(talk), limits, 1);
+}
+
 }  // namespace
 }  // namespace zk::test
