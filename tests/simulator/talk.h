@@ -125,8 +125,7 @@ inline Joints Talk::joints() {
     return joints;
 }
 
-inline Sample Talk::sample() {
-    const Json state = this->state();
+inline Sample sample_of(const Json& state) {
     const std::vector<double> p = state.at("waypoint").at("position"), q = state.at("waypoint").at("quat");
     Sample sample{state.at("time"), state.at("joint_status").at("joint_position"), state.at("arm_current_status"),
                   KDL::Frame(KDL::Rotation::Quaternion(q[1] / 1e6, q[2] / 1e6, q[3] / 1e6, q[0] / 1e6),
@@ -134,6 +133,8 @@ inline Sample Talk::sample() {
     for (double& joint : sample.joints) joint /= 1000;
     return sample;
 }
+
+inline Sample Talk::sample() { return sample_of(state()); }
 
 inline KDL::Frame Talk::tool() {
     push.forget();

@@ -16,15 +16,15 @@ namespace {
 
 constexpr int64_t kStepMs = 5;
 
-// Receives while the moves run, since at full speed they push faster than a socket stores.
+// Receives while the moves run, since at full speed they push more than a socket stores.
 class Recorder {
  public:
     explicit Recorder(Talk& talk) : talk_(talk) {
         thread_ = std::thread([this] {
             while (!ended_) {
-                const Sample sample = talk_.sample();
+                const std::string datagram = talk_.push.receive();
                 const std::lock_guard lock(mutex_);
-                samples_.push_back(sample);
+                datagrams_.emplace_back(datagram.begin(), datagram.end());  // without the room of the longest
             }
         });
     }
@@ -37,22 +37,24 @@ class Recorder {
 
     // What was pushed up to this time, except what was lost on the way.
     std::vector<Sample> take(int64_t time) {
-        for (int tries = 0; tries < 200; ++tries) {
+        std::vector<Sample> samples;
+        for (int tries = 0; tries < 200 && (samples.empty() || samples.back().time < time); ++tries) {
+            std::vector<std::string> datagrams;
             {
                 const std::lock_guard lock(mutex_);
-                if (!samples_.empty() && samples_.back().time >= time) return std::exchange(samples_, {});
+                datagrams.swap(datagrams_);
             }
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            for (const std::string& datagram : datagrams) samples.push_back(sample_of(Json::parse(datagram)));
+            if (datagrams.empty()) std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
-        const std::lock_guard lock(mutex_);
-        return std::exchange(samples_, {});
+        return samples;
     }
 
  private:
     Talk& talk_;
     std::atomic<bool> ended_ = false;
     std::mutex mutex_;
-    std::vector<Sample> samples_;
+    std::vector<std::string> datagrams_;
     std::thread thread_;
 };
 
@@ -110,8 +112,11 @@ class Truth : public testing::TestWithParam<const char*> {
     bool order_moves() {
         const int count = moves_.any(1, 3);
         const std::vector<double> from = talk_.joints();
+        orders_ = "from " + Json(from).dump();
         for (int i = 1; i <= count; ++i) {
-            talk_.client.send_line(moves_.next(from, i < count).dump());
+            const std::string order = moves_.next(from, i < count).dump();
+            orders_ += "\n" + order;
+            talk_.client.send_line(order);
             if (!talk_.read().at("receive_state").get<bool>()) return drop_all();
         }
         return talk_.read_arrival();
@@ -132,6 +137,7 @@ class Truth : public testing::TestWithParam<const char*> {
             worst_place_ = std::max(worst_place_, off.vel.Norm());
             worst_turn_ = std::max(worst_turn_, off.rot.Norm());
         }
+        SCOPED_TRACE(orders_);
         if (spaced.size() > 2) expect_within_limits(spaced, limits_, 1);
         const auto moves = [](const Sample& sample) { return sample.status != "idle"; };
         const auto rest = std::find_if(samples.rbegin(), samples.rend(), moves).base();
@@ -145,6 +151,7 @@ class Truth : public testing::TestWithParam<const char*> {
     const Limits limits_ = limits_of(talk_);
     RandomMoves moves_{GetParam(), talk_.ask("get_joint_min_pos").at("min_pos"),
                        talk_.ask("get_joint_max_pos").at("max_pos")};
+    std::string orders_;
     double worst_place_ = 0, worst_turn_ = 0;
     int judged_ = 0;
 };
@@ -154,19 +161,15 @@ TEST_P(Truth, OfTheStream) {
     const char* const wanted = std::getenv("ZK_TRUTH_MOVES");
     const int count = wanted ? std::atoi(wanted) : 4;
     Recorder recorder(talk_);
-    for (int tries = 0, arrived = 0; arrived < count; ++tries) {
-        ASSERT_LT(tries, 20 * count) << "most are refused";
+    for (int tries = 0; judged_ < count; ++tries) {
+        ASSERT_LT(tries, 20 * count) << "most are refused, or their datagrams are lost";
         const bool moved = order_moves();
         const int64_t now = talk_.ask("zk_sim_time").at("time");
         const std::vector<Sample> samples = recorder.take(now);
-        if (!moved) continue;
-        ++arrived;
-        expect_true(samples, now);
+        if (moved) expect_true(samples, now);
     }
     EXPECT_LT(worst_place_, 1e-4);
     EXPECT_LT(worst_turn_, 1e-4);
-    EXPECT_GT(judged_, 0);
-    RecordProperty("judged", judged_);
 }
 
 }  // namespace
