@@ -37,6 +37,7 @@ void Clock::turn() {
     const Time now = steady_clock::now();
     if (!at_once()) return catch_up(now);
     while (at_once() && !controller_.rests() && steady_clock::now() < now + kLongestTurn) step();
+    if (controller_.rests()) restless_ = false;
     due_ = at_once() && !controller_.rests() ? now : now + kStep;
 }
 
@@ -53,8 +54,10 @@ void Clock::catch_up(Time now) {
 // The orders of a program are requests too, in the middle of a step.
 void Clock::run_to_rest() {
     if (!at_once() || stepping_) return;
+    const int most = restless_ ? 1 : kMostAfterARequest;
     step();
-    for (int steps = 1; at_once() && steps < kMostAfterARequest && !controller_.rests(); ++steps) step();
+    for (int steps = 1; at_once() && steps < most && !controller_.rests(); ++steps) step();
+    restless_ = !controller_.rests();
 }
 
 void Clock::step() {

@@ -17,7 +17,7 @@ namespace sim {
 //
 // At kAtOnce the time belongs to the requests, so that it does not depend on the machine: after each one the controller
 // steps until it rests, at least once, and then stands. What does not end within a minute of simulated time goes on
-// between the requests.
+// between the requests, each of which then passes a step alone.
 class Clock {
  public:
     // Calls `stepped` after each step.
@@ -39,6 +39,7 @@ class Clock {
     std::function<void()> stepped_;
     Time due_;
     bool stepping_ = false;
+    bool restless_ = false;  // at kAtOnce: the last minute did not end what moves
     std::shared_ptr<Clock*> alive_ = std::make_shared<Clock*>(this);  // for a handler that runs late
 };
 

@@ -300,28 +300,33 @@ Options options_of(const Json& arm, Options options) {
     return options;
 }
 
-std::optional<Json> json_in(const std::string& path) {
+std::optional<Json> json_in(const std::string& path, const char* option) {
+    std::ifstream file(path);
+    if (!file) throw std::invalid_argument(std::string("--") + option + ": '" + path + "' cannot be read");
     std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
+    text << file.rdbuf();
     return Json::parse(text.str(), true);
 }
 
 void take_scenario(Options& options, const std::string& path) {
-    const std::optional<Json> scenario = json_in(path);
+    const std::optional<Json> scenario = json_in(path, "scenario");
     if (!scenario || !scenario->is_object())
         throw std::invalid_argument("--scenario: '" + path + "' holds no JSON object");
     for (const auto& [name, value] : scenario->members()) {
-        if (name == "options")
+        if (name == "options") {
+            if (value.is_object() && value.contains("scenario"))
+                throw std::invalid_argument("--scenario: a scenario cannot read another");
             options = options_of(value, options);
-        else if (name == "events" && value.is_array())
+        } else if (name == "events") {
+            if (!value.is_array()) throw std::invalid_argument("--scenario: 'events' is no list");
             options.events = value;
-        else if (name != "description")
+        } else if (name != "description")
             throw std::invalid_argument("--scenario: '" + name + "' is none of description, options, events");
     }
 }
 
 std::vector<Options> listed_arms(const Options& common) {
-    const std::optional<Json> list = json_in(common.arms);
+    const std::optional<Json> list = json_in(common.arms, "arms");
     if (!list || !list->is_array() || list->items().empty())
         throw std::invalid_argument("--arms: '" + common.arms + "' holds no list");
     std::vector<Options> arms;

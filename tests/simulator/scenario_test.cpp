@@ -81,6 +81,9 @@ TEST(Scenario, TheShippedOnesRunAndWrongOnesAreRefused) {
         EXPECT_EQ(run.status, 2) << event;
         EXPECT_NE(run.output.find("event 1"), std::string::npos) << run.output;
     }
+    const std::string itself = folder.file("itself.json", R"({"options":{"scenario":"itself.json"}})");
+    for (const std::string& path : {itself, folder.path() + "/missing.json"})
+        EXPECT_EQ(run_simulator("--port 0 --scenario " + path).status, 2);
 }
 
 }  // namespace
