@@ -9,7 +9,7 @@
 namespace zk::test {
 namespace {
 
-const Joints kHome{10, -20, -60, 15, -40, 20}, kElsewhere{60, 20, -30, 15, -40, 20};
+const Joints kFolded{10, -20, -60, 15, -40, 20}, kElsewhere{60, 20, -30, 15, -40, 20};
 
 bool done(Talk& talk, const std::string& command, const Json& keys) {
     return talk.ask(command, keys).dump().find(":true") != std::string::npos;
@@ -45,9 +45,9 @@ TEST(ArmFaults, StopTheArmUntilTheyEndAndAreCleared) {
     ASSERT_TRUE(done(talk, "set_collision_stage", {{"collision_stage", 7}}));
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        talk.move_to(kHome);
+        talk.move_to(kFolded);
         ASSERT_TRUE(talk.movej(kElsewhere, 2));
-        while (talk.joints()[0] < kHome[0] + 0.1) continue;
+        while (talk.joints()[0] < kFolded[0] + 0.1) continue;
         ASSERT_TRUE(set(talk, {{row.fault, row.number}}));
         EXPECT_FALSE(talk.read_arrival());
         EXPECT_LT(talk.joints()[0], kElsewhere[0] - 1);
@@ -71,15 +71,15 @@ TEST(ArmFaults, StopTheArmUntilTheyEndAndAreCleared) {
 
 TEST(ArmFaults, AJointSinksWhenItsBrakeSlips) {
     Talk talk({"--quiet", "--speed", "max", "--fault", "delay_ms=1,brake_slip=2"});
-    talk.move_to(kHome);
+    talk.move_to(kFolded);
     ASSERT_TRUE(done(talk, "set_arm_power", {{"arm_power", 0}}));
     EXPECT_EQ(joints_pushed(talk), Joints({10000, -130000, -60000, 15000, -40000, 20000}))
         << "to its end; the other brakes hold";
     ASSERT_TRUE(done(talk, "set_arm_power", {{"arm_power", 1}}));
-    talk.move_to(kHome);
+    talk.move_to(kFolded);
     ASSERT_TRUE(set(talk, {{"brake_slip", 0}}));
     ASSERT_TRUE(done(talk, "set_arm_power", {{"arm_power", 0}}));
-    EXPECT_EQ(talk.joints(), kHome);
+    EXPECT_EQ(talk.joints(), kFolded);
 }
 
 TEST(ArmFaults, AStuckDeviceHasAnErrorAndGoesOnWhenItIsFree) {
@@ -134,7 +134,7 @@ TEST(ArmFaults, AGrippedObjectIsCarriedUntilItIsLostOrReleased) {
         ASSERT_TRUE(set(talk, {{"grip_loss", 0}}) && done(talk, "set_gripper_release", {{"speed", 500}}));
         ASSERT_TRUE(done(talk, "zk_sim_object", {{"width", 300}, {"mass", 1.2}}));
         ASSERT_TRUE(done(talk, "set_gripper_pick_on", {{"speed", 500}, {"force", 200}}));
-        for (const Joints& posture : {kHome, kElsewhere, Joints{-90, 30, -60, 80, 50, -100}}) {
+        for (const Joints& posture : {kFolded, kElsewhere, Joints{-90, 30, -60, 80, 50, -100}}) {
             talk.move_to(posture);
             expect_weight_of(1.2);
         }

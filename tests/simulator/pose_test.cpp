@@ -14,7 +14,7 @@ KDL::Frame wire_frame(const std::vector<double>& pose) {
     return {KDL::Rotation::RPY(pose[3], pose[4], pose[5]), KDL::Vector(pose[0], pose[1], pose[2])};
 }
 
-constexpr double kClose = 5e-6;
+constexpr double kRounding = 5e-6;
 
 const std::vector<double> kTool{0.02, -0.03, 0.15, 0.3, -0.2, 0.5};
 const std::vector<double> kWork{0.4, 0.1, -0.2, -0.1, 0.4, 1.2};
@@ -26,7 +26,7 @@ KDL::Frame expected_pose(const KDL::Frame& flange) {
     return wire_frame(kWork).Inverse() * mounting * flange * wire_frame(kTool);
 }
 
-std::vector<int> wire(const std::vector<double>& pose) {
+std::vector<int> wire_pose(const std::vector<double>& pose) {
     std::vector<int> wire;
     for (size_t i = 0; i < 6; ++i) wire.push_back(static_cast<int>(std::lround(pose[i] * (i < 3 ? 1e6 : 1e3))));
     return wire;
@@ -35,15 +35,16 @@ std::vector<int> wire(const std::vector<double>& pose) {
 TEST(Pose, FramesAndMountingFromTheWire) {
     Talk talk({"--quiet"});
     const KDL::Frame flange = talk.tool();
-    const Json tool{{"tool_name", "probe"}, {"tool_pose", wire(kTool)}, {"payload", 1250.5}, {"position", {1, 2, 3}}};
+    const Json tool{
+        {"tool_name", "probe"}, {"tool_pose", wire_pose(kTool)}, {"payload", 1250.5}, {"position", {1, 2, 3}}};
     ASSERT_TRUE(talk.ask("set_manual_tool_frame", tool).at("manual_tool_frame"));
-    EXPECT_TRUE(KDL::Equal(talk.tool(), flange, kClose));  // stored, not yet in use
+    EXPECT_TRUE(KDL::Equal(talk.tool(), flange, kRounding));  // stored, not yet in use
     ASSERT_TRUE(talk.ask("set_change_tool_frame", {{"tool_name", "probe"}}).at("change_tool_frame"));
-    ASSERT_TRUE(talk.ask("set_manual_work_frame", {{"frame_name", "bench"}, {"frame_pose", wire(kWork)}})
+    ASSERT_TRUE(talk.ask("set_manual_work_frame", {{"frame_name", "bench"}, {"frame_pose", wire_pose(kWork)}})
                     .at("manual_work_frame"));
     ASSERT_TRUE(talk.ask("set_change_work_frame", {{"frame_name", "bench"}}).at("change_work_frame"));
     ASSERT_TRUE(talk.ask("set_install_pose", {{"pose", kInstall}}).at("set_state"));
-    EXPECT_TRUE(KDL::Equal(talk.tool(), expected_pose(flange), kClose));
+    EXPECT_TRUE(KDL::Equal(talk.tool(), expected_pose(flange), kRounding));
 }
 
 TEST(Pose, ValuesBeyondTheWireAreClamped) {

@@ -7,7 +7,7 @@ namespace zk::test {
 namespace {
 
 // The tool swings about the base, from the first through the second to the third, by a metre and more along y.
-const Joints kStart{0, -20, -60, 15, -40, 20}, kNear{3, -20, -60, 15, -40, 20}, kFar{40, -20, -60, 15, -40, 20};
+const Joints kStart{0, -20, -60, 15, -40, 20}, kShort{3, -20, -60, 15, -40, 20}, kLong{40, -20, -60, 15, -40, 20};
 const std::vector<std::string> kAtStart{"--quiet", "--push-cycle", "2", "--joints", "0,-20,-60,15,-40,20"};
 
 Json fence(int form, const std::map<std::string, double>& metres) {
@@ -57,12 +57,12 @@ TEST(Safety, MovesStayOnTheirSideOfAFenceAndOfAWall) {
     };
     for (const auto& [barrier, shape, side] : rows) {
         enable(talk, barrier, shape, side);
-        EXPECT_TRUE(goes(talk, kNear)) << barrier << shape;
-        EXPECT_FALSE(goes(talk, kFar)) << barrier << shape;
-        EXPECT_EQ(talk.ask("movej_follow", {{"joint", thousandths(kFar)}}).at("arm_err"), 258) << "as a set-point";
+        EXPECT_TRUE(goes(talk, kShort)) << barrier << shape;
+        EXPECT_FALSE(goes(talk, kLong)) << barrier << shape;
+        EXPECT_EQ(talk.ask("movej_follow", {{"joint", thousandths(kLong)}}).at("arm_err"), 258) << "as a set-point";
         EXPECT_TRUE(goes(talk, kStart));
         enable(talk, barrier, shape, side, 0, false);
-        EXPECT_TRUE(goes(talk, kFar));
+        EXPECT_TRUE(goes(talk, kLong));
         EXPECT_TRUE(goes(talk, kStart));
     }
 }
@@ -72,7 +72,7 @@ TEST(Safety, TheEnvelopeCountsAndInTheOtherRegionTheLinks) {
     enable(talk, "electronic_fence", cuboid(talk.tool().p, 0.1));
     const Json ball{{"name", "all"}, {"radius", 95}, {"x", 0}, {"y", 0}, {"z", 0}};
     ASSERT_TRUE(talk.ask("set_tool_envelope", {{"tool_name", "Arm_Tip"}, {"list", {ball}}}).at("set_state"));
-    EXPECT_FALSE(goes(talk, kNear));
+    EXPECT_FALSE(goes(talk, kShort));
 
     // The elbow rises above the ceiling, the tool does not.
     const Joints high{0, 0, -120, 0, 0, 0};
@@ -100,13 +100,13 @@ TEST(Safety, TheLinksKeepApartAndNoModelIsInItsOwnWayAtItsStart) {
 }
 
 TEST(Safety, MotionIntoAHazardStopsWithItsErrorWordAndMayLeadBack) {
-    const Json move{{"joint", thousandths(kFar)}, {"v", 10}, {"trajectory_connect", 0}};
+    const Json move{{"joint", thousandths(kLong)}, {"v", 10}, {"trajectory_connect", 0}};
     const std::tuple<const char*, int, std::vector<std::pair<const char*, Json>>> rows[] = {
         {"electronic_fence", 4097, {{"movej", move}}},
         {"virtual_wall",
          4098,
          {{"start_multi_drag_teach", {{"mode", 0}, {"singular_wall", 0}}},
-          {"zk_sim_hand", {{"seconds", 6}, {"joint", kFar}}}}},
+          {"zk_sim_hand", {{"seconds", 6}, {"joint", kLong}}}}},
     };
     for (const auto& [barrier, word, requests] : rows) {
         Talk talk(kAtStart);
