@@ -229,7 +229,10 @@ constexpr OptionRow kOptions[] = {
     {"files", "DIRECTORY", "store the files that clients send in this directory, which must exist",
      [](Options& o, const string& value) { o.files = value; }},
     {"state", "FILE", "keep settings, programs and waypoints in this file, and start with what it holds",
-     [](Options& o, const string& value) { o.state = value; }},
+     [](Options& o, const string& value) {
+         if (value.empty()) throw std::invalid_argument("--state: needs the name of a file");
+         o.state = value;
+     }},
     {"until-eof", "", "end when standard input ends", [](Options& o, const string&) { o.until_eof = true; }},
     {"quiet", "", "no notes on standard error", [](Options& o, const string&) { o.quiet = true; }},
     {"commands", "", "list all commands and exit", [](Options& o, const string&) { o.commands = true; }},

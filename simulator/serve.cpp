@@ -45,6 +45,7 @@ void serve(const std::vector<Options>& arms) {
     }
     std::cout << line << std::endl;
     io.run();
+    for (const auto& station : stations) station->write_state();  // the destructors save those after one that fails
 }
 
 }  // namespace sim

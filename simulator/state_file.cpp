@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -27,9 +28,11 @@ bool write_all(int file, const std::string& text) {
 }  // namespace
 
 StateFile::StateFile(std::string path, std::string model) : path_(std::move(path)), model_(std::move(model)) {
+    std::error_code ignored;
     const auto refuse = [this](const std::string& reason) {
         throw std::invalid_argument("--state: '" + path_ + "' " + reason);
     };
+    if (std::filesystem::is_directory(path_, ignored)) refuse("is a directory");
     std::ifstream file(path_, std::ios::binary);
     if (!file) {
         if (::access(path_.c_str(), F_OK) == 0) refuse("cannot be read");

@@ -1,6 +1,7 @@
 #include "station.h"
 
 #include <asio/post.hpp>
+#include <stdexcept>
 
 #include "clock.h"
 #include "push/push_sender.h"
@@ -40,14 +41,22 @@ Station::Station(asio::io_context& io, Options options)
     save_from_time_to_time();
 }
 
-Station::~Station() { save(); }
+Station::~Station() { saved(); }
+
+bool Station::saved() {
+    if (!state_) return true;
+    if (running_) kept_ = running_->controller.memory().saved();
+    return state_->save(kept_);
+}
 
 void Station::save() {
-    if (!state_ || !running_) return;
-    kept_ = running_->controller.memory().saved();
-    const bool saved = state_->save(kept_);
-    if (!saved && state_written_) note("the state cannot be written to " + options_.state);
-    state_written_ = saved;
+    const bool written = saved();
+    if (!written && state_written_) note("the state cannot be written to " + options_.state);
+    state_written_ = written;
+}
+
+void Station::write_state() {
+    if (!saved()) throw std::runtime_error("the state cannot be written to " + options_.state + ", it is lost");
 }
 
 void Station::save_from_time_to_time() {

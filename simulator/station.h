@@ -24,10 +24,14 @@ class Station {
     std::string description() const;
     const std::string& address() const { return options_.listen; }
 
+    // Writes the state to its file. Throws std::runtime_error when that fails.
+    void write_state();
+
  private:
     struct Running;
 
     void start();
+    bool saved();
     void save();
     void save_from_time_to_time();
     void restart(int pause_ms);

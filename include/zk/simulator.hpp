@@ -13,12 +13,14 @@
 
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <locale>
@@ -26,6 +28,7 @@
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace zk {
@@ -47,9 +50,10 @@ class Simulator {
         words.insert(words.end(), arguments.begin(), arguments.end());
         start(words);
         try {
-            for (char next; ::read(output_, &next, 1) == 1 && next != '\n';) first_line_ += next;
+            for (char next; ::read(output_.number(), &next, 1) == 1 && next != '\n';) first_line_ += next;
             port_ = number_of("port");
             push_port_ = number_of("push_port");
+            connection_ = connect();
         } catch (...) {
             end();
             throw;
@@ -66,8 +70,12 @@ class Simulator {
     /* Its first line of output, with the model and the ports. */
     const std::string& first_line() const { return first_line_; }
 
-    /* Simulated seconds in a second, 0.1 to 100. */
+    /* After this time without a byte of an answer, in milliseconds, the methods that ask throw std::runtime_error. */
+    void set_patience(int milliseconds) { patience_ms_ = milliseconds; }
+
+    /* Simulated seconds in a second, 0.1 to 100; std::invalid_argument for another number. */
     void set_speed(double speed) {
+        if (!std::isfinite(speed)) throw std::invalid_argument("a speed that is not finite");
         std::ostringstream text;
         text.imbue(std::locale::classic());
         text << R"({"command":"zk_sim_speed","speed":)" << speed << '}';
@@ -78,23 +86,27 @@ class Simulator {
     void run_at_once() { expect_done(R"({"command":"zk_sim_speed","speed":"max"})"); }
 
     /* Sets faults: keys and values of a JSON object, as the request zk_sim_fault takes them. Throws
-     * std::invalid_argument when the simulator refuses them; then none is set. */
-    void set_faults(const std::string& keys) { expect_done(R"({"command":"zk_sim_fault",)" + keys + "}"); }
+     * std::invalid_argument when they are no such text, or the simulator refuses them; then none is set. */
+    void set_faults(const std::string& keys) {
+        if (!may_be_members(keys)) throw std::invalid_argument("no keys and values of a JSON object: " + keys);
+        expect_done(R"({"command":"zk_sim_fault",)" + keys + "}");
+    }
 
-    /* Sends a request, a JSON object, on a connection of its own and returns the first line of the answer. */
+    /* Sends a request, a JSON object, and returns the first line of the answer. A request of the simulator itself
+     * ("zk_sim_...") leaves on the connection that this object keeps, which counts as one of "max_clients"; any other
+     * on a connection of its own. */
     std::string ask(const std::string& request) const {
-        const int client = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(static_cast<std::uint16_t>(port_));
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        const std::string text = request + "\r\n";
         std::string line;
-        if (client >= 0 && ::connect(client, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
-            ::send(client, text.data(), text.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(text.size())) {
-            for (char next; ::read(client, &next, 1) == 1 && next != '\n';) line += next;
+        if (request.find("\"zk_sim_") == std::string::npos) {
+            const Descriptor client = connect();
+            line = answer(client, request);
+        } else {
+            line = answer(connection_, request);
+            if (line.empty()) { /* the simulator has closed it, as a restart does */
+                connection_ = connect();
+                line = answer(connection_, request);
+            }
         }
-        ::close(client);
         if (line.empty()) throw std::runtime_error("the simulator does not answer " + request);
         line.pop_back();
         return line;
@@ -110,42 +122,122 @@ class Simulator {
     }
 
  private:
+    class Descriptor {
+     public:
+        explicit Descriptor(int number = -1) : number_(number) {}
+        Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+        Descriptor& operator=(Descriptor&& other) noexcept {
+            std::swap(number_, other.number_);
+            return *this;
+        }
+        ~Descriptor() { close(); }
+        void close() {
+            if (number_ >= 0) ::close(number_);
+            number_ = -1;
+        }
+        int number() const { return number_; }
+
+     private:
+        int number_;
+    };
+
     struct Pipe {
         Pipe() {
-            if (::pipe2(ends, O_CLOEXEC) != 0) throw std::system_error(errno, std::generic_category(), "pipe2");
+            int numbers[2];
+            if (::pipe2(numbers, O_CLOEXEC) != 0) throw std::system_error(errno, std::generic_category(), "pipe2");
+            read = above_standard(Descriptor(numbers[0]));
+            write = above_standard(Descriptor(numbers[1]));
         }
-        ~Pipe() {
-            for (const int end : ends)
-                if (end >= 0) ::close(end);
-        }
-        int release(int end) {
-            const int descriptor = ends[end];
-            ends[end] = -1;
-            return descriptor;
-        }
-        int ends[2];
+        Descriptor read, write;
     };
+
+    /* A program without standard input may get its number for a pipe, which the child then could not pass on. */
+    static Descriptor above_standard(Descriptor low) {
+        if (low.number() > STDERR_FILENO) return low;
+        Descriptor high(::fcntl(low.number(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+        if (high.number() < 0) throw std::system_error(errno, std::generic_category(), "fcntl");
+        return high;
+    }
 
     void start(std::vector<std::string>& words) {
         std::vector<char*> arguments;
         for (std::string& word : words) arguments.push_back(word.data());
         arguments.push_back(nullptr);
-        Pipe input, output;
+        Pipe input, output, failure;
         process_ = ::fork();
         if (process_ == 0) {
-            if (::dup2(input.ends[0], STDIN_FILENO) >= 0 && ::dup2(output.ends[1], STDOUT_FILENO) >= 0)
+            if (::dup2(input.read.number(), STDIN_FILENO) >= 0 && ::dup2(output.write.number(), STDOUT_FILENO) >= 0)
                 ::execvp(arguments[0], arguments.data());
-            ::_exit(127);
+            const int reason = errno;
+            ::_exit(::write(failure.write.number(), &reason, sizeof reason) > 0 ? 127 : 126);
         }
         if (process_ < 0) throw std::system_error(errno, std::generic_category(), "fork");
-        input_ = input.release(1);
-        output_ = output.release(0);
+        failure.write.close();
+        int reason = 0;
+        if (::read(failure.read.number(), &reason, sizeof reason) == static_cast<ssize_t>(sizeof reason)) {
+            ::waitpid(process_, nullptr, 0);
+            throw std::runtime_error("cannot run '" + words[0] + "': " + std::generic_category().message(reason));
+        }
+        program_ = words[0];
+        input_ = std::move(input.write);
+        output_ = std::move(output.read);
+    }
+
+    /* None when the simulator refuses it. */
+    Descriptor connect() const {
+        Descriptor client(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(static_cast<std::uint16_t>(port_));
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        if (::connect(client.number(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) client.close();
+        return client;
+    }
+
+    /* The first line of the answer; empty when the simulator closes the connection instead. After a time without an
+     * answer the connection is closed: the answer may still come. */
+    std::string answer(const Descriptor& client, const std::string& request) const {
+        const std::string text = request + "\r\n";
+        std::string line;
+        if (::send(client.number(), text.data(), text.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(text.size()))
+            return line;
+        for (char next = 0;; line += next) {
+            pollfd wire{client.number(), POLLIN, 0};
+            const int ready = ::poll(&wire, 1, patience_ms_);
+            if (ready < 0 && errno == EINTR) continue;
+            if (ready == 0) {
+                ::shutdown(client.number(), SHUT_RDWR);
+                throw std::runtime_error("the simulator is silent for " + std::to_string(patience_ms_) +
+                                         " ms after the request " + request);
+            }
+            if (::read(client.number(), &next, 1) != 1 || next == '\n') return line;
+        }
+    }
+
+    /* Whether this begins as a member of a JSON object does, and closes what it opens. The simulator ignores a request
+     * that is no JSON. */
+    static bool may_be_members(const std::string& text) {
+        const std::size_t first = text.find_first_not_of(" \t\r\n");
+        if (first == std::string::npos || text[first] != '"') return false;
+        bool quoted = false, named = false;
+        int depth = 0;
+        for (std::size_t i = first; i < text.size() && depth >= 0; ++i) {
+            if (text[i] == '"') quoted = !quoted;
+            if (quoted && text[i] == '\\') ++i;
+            if (quoted) continue;
+            if (text[i] == ':') named = true;
+            if (text[i] == '{' || text[i] == '[') ++depth;
+            if (text[i] == '}' || text[i] == ']') --depth;
+        }
+        return named && !quoted && depth == 0;
     }
 
     /* The number after " name=" in the first line. */
     int number_of(const std::string& name) const {
         const std::size_t at = first_line_.find(" " + name + "=");
-        if (at == std::string::npos) throw std::runtime_error("the simulator did not start: " + first_line_);
+        if (at == std::string::npos)
+            throw std::runtime_error("'" + program_ + "' did not start" +
+                                     (first_line_.empty() ? "; standard error has its reason" : ": " + first_line_));
         return std::stoi(first_line_.substr(at + name.size() + 2));
     }
 
@@ -157,21 +249,23 @@ class Simulator {
 
     /* The end of its input ends it, after it has saved its state; one that hangs is killed. */
     void end() {
-        ::close(input_);
+        input_.close();
         for (int waited_ms = 0; process_ > 0; ++waited_ms) {
             if (::waitpid(process_, nullptr, WNOHANG) != 0) break;
             if (waited_ms == 1000) ::kill(process_, SIGKILL);
             ::usleep(1000);
         }
-        ::close(output_);
     }
 
     pid_t process_ = -1;
-    int input_ = -1; /* held open: its end ends the simulator */
-    int output_ = -1;
+    std::string program_;
+    Descriptor input_; /* held open: its end ends the simulator */
+    Descriptor output_;
     std::string first_line_;
     int port_ = 0;
     int push_port_ = 0;
+    int patience_ms_ = 10'000;
+    mutable Descriptor connection_; /* open from the start, so that a limit of clients does not lock this object out */
 };
 
 }  // namespace zk

@@ -13,11 +13,19 @@ namespace {
 
 constexpr int kRetryMs = 100;
 
+tcp::acceptor listener(asio::io_context& io, const std::string& address, int port) {
+    try {
+        return {io, tcp::endpoint(asio::ip::make_address_v4(address), static_cast<asio::ip::port_type>(port))};
+    } catch (const asio::system_error& error) {
+        throw asio::system_error(error.code(), "cannot listen on " + address + ":" + std::to_string(port));
+    }
+}
+
 }  // namespace
 
 Server::Server(asio::io_context& io, const Dispatcher& dispatcher, const std::string& address, int port)
     : dispatcher_(dispatcher),
-      acceptor_(io, tcp::endpoint(asio::ip::make_address_v4(address), static_cast<asio::ip::port_type>(port))),
+      acceptor_(listener(io, address, port)),
       endpoint_(acceptor_.local_endpoint()),
       retry_(io) {
     accept();

@@ -1,6 +1,9 @@
 // The simulator as a program: its options, its first line, its exit status.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <unistd.h>
+
+#include <cmath>
 
 #include "simulator/talk.h"
 #include "support/paths.h"
@@ -58,6 +61,8 @@ TEST(Program, WrongOptionsEndWithTwoAndAMessage) {
         {"--arms none.json", "none.json"},
         {"--silent-on make_coffee", "make_coffee"},
         {"--refuse-on get_joint_degree", "get_joint_degree"},
+        {"--state ''", "--state"},
+        {"--state /", "is a directory"},
         {"now", "now"},
     };
     for (const auto& [arguments, mentioned] : cases) {
@@ -71,7 +76,57 @@ TEST(Program, APortInUseIsAnError) {
     Talk talk({"--quiet"});
     const Finished run = run_simulator("--port " + std::to_string(talk.simulator.port()));
     EXPECT_EQ(run.status, 1);
-    EXPECT_NE(run.output, "");
+    const std::string place = "127.0.0.1:" + std::to_string(talk.simulator.port());
+    EXPECT_NE(run.output.find(place), std::string::npos) << run.output;
+}
+
+TEST(Helper, RefusesWhatTheSimulatorWouldIgnore) {
+    SimulatorProcess simulator({"--quiet"});
+    for (const char* keys : {"", "drop:10", "\"drop\"", "\"drop\":10}", "\"silent_on\":[", "\"drop:10"})
+        EXPECT_THROW(simulator.set_faults(keys), std::invalid_argument) << keys;
+    EXPECT_THROW(simulator.set_speed(std::nan("")), std::invalid_argument);
+    simulator.set_faults(R"( "silent_on":["movej"],"transfer":{"kind":""})");
+}
+
+TEST(Helper, WaitsForAnAnswerForATime) {
+    SimulatorProcess simulator({"--quiet"});
+    simulator.set_patience(50);
+    EXPECT_THROW(simulator.ask(R"({"command":"make_coffee"})"), std::runtime_error);
+    kill(simulator.id(), SIGSTOP);
+    EXPECT_THROW(simulator.ask(R"({"command":"zk_sim_time"})"), std::runtime_error);
+    kill(simulator.id(), SIGCONT);
+    simulator.set_patience(10'000);
+    simulator.set_speed(2);
+}
+
+TEST(Helper, IsNotLockedOut) {
+    SimulatorProcess simulator({"--quiet"});
+    simulator.set_faults(R"("max_clients":0,"refuse_ms":60000)");
+    simulator.set_faults(R"("max_clients":1000,"refuse_ms":0)");
+    EXPECT_NE(simulator.ask(R"({"command":"zk_sim_restart"})").find("true"), std::string::npos);
+    while (true) {
+        try {
+            return simulator.set_faults(R"("drop":1)");
+        } catch (const std::runtime_error&) {  // it does not listen yet
+        }
+    }
+}
+
+TEST(Helper, StartsWithoutStandardInput) {
+    const int kept = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    EXPECT_NO_THROW(SimulatorProcess({"--quiet"}).set_speed(2));
+    dup2(kept, STDIN_FILENO);
+    close(kept);
+}
+
+TEST(Helper, NamesAMissingProgram) {
+    try {
+        const Simulator simulator({}, "/none/zk_simulator");
+        FAIL();
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "cannot run '/none/zk_simulator': No such file or directory");
+    }
 }
 
 }  // namespace

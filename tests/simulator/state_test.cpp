@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <filesystem>
 
 #include "simulator/talk.h"
 #include "support/temporary_file.h"
@@ -158,6 +159,16 @@ TEST_F(State, OutlivesARestartAndNothingElseDoes) {
     const auto ask = [&](const std::string& request) { return Json::parse(again->ask(request)); };
     EXPECT_EQ(ask(R"({"command":"get_wired_net"})").at("ip"), "10.0.0.2");
     EXPECT_EQ(ask(R"({"command":"get_DO_state","IO_Num":1})").at("IO_state"), 0);
+}
+
+TEST_F(State, ThatCannotBeWrittenAtTheEndIsAnError) {
+    const std::string folder = directory_ / "gone";
+    std::filesystem::create_directory(folder);
+    Talk talk({"--quiet", "--state", folder + "/state.json"});
+    std::filesystem::remove_all(folder);
+    talk.ask("set_NetIP", {{"ip", "10.0.0.2"}});
+    kill(talk.simulator.id(), SIGTERM);
+    EXPECT_EQ(talk.simulator.wait_for_exit(), 1);
 }
 
 TEST_F(State, EachArmHasItsOwn) {
