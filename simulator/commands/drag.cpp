@@ -70,12 +70,15 @@ bool stop_drag_teach(DragTeach& drag, const Call&) {
 // {"seconds": ..., "joint": [degrees]}: the next leg of the hand.
 bool lead_hand(const Arm& arm, DragTeach& drag, const Call& call) {
     constexpr double kMaxSeconds = 3600;
+    call.request.demand_known_keys({"seconds", "joint"});
     const double seconds = call.request.number("seconds");
     const JointVector joints = call.request.numbers("joint", arm.joint_count());
-    if (!drag.active() || seconds < 0 || seconds > kMaxSeconds) return false;
+    if (!drag.active()) throw Refusal("the hand leads the arm in drag teaching only");
+    if (seconds < 0 || seconds > kMaxSeconds) throw Refusal("\"seconds\" is from 0 to 3600");
     for (size_t i = 0; i < joints.size(); ++i) {
         const double wire = joints[i] * 1000;
-        if (wire < arm.range()[i].min_pos || wire > arm.range()[i].max_pos) return false;
+        if (wire < arm.range()[i].min_pos || wire > arm.range()[i].max_pos)
+            throw Refusal("\"joint\" holds an angle beyond a limit, of joint " + std::to_string(i + 1));
     }
     drag.lead({seconds, joints});
     return true;

@@ -24,6 +24,7 @@ bool drive(const Request& request, std::array<Port, size>& ports, int highest) {
 
 // {"command": "zk_sim_input", "kind": "DI", "IO_Num": 3, "value": 1}; without a value it is left to its output again.
 bool set_input(Ports& ports, const Call& call) {
+    call.request.demand_known_keys({"kind", "IO_Num", "value"});
     const std::string kind = call.request.text("kind");
     if (kind == "DI") return drive(call.request, ports.digital, 1);
     if (kind == "AI") return drive(call.request, ports.analogue, AnaloguePort::kHighest);
@@ -34,6 +35,7 @@ bool set_input(Ports& ports, const Call& call) {
 // {"command": "zk_sim_modbus", "port": 0, "device": 1, "kind": "input_register", "address": 7, "values": [1, 2]}
 bool set_registers(ModbusMaster& modbus, const Call& call) {
     const Request& request = call.request;
+    request.demand_known_keys({"port", "device", "kind", "address", "values"});
     const int port = request.integer("port", 0, ModbusMaster::ZK_K_PORTS - 1);
     const int number = request.integer("device", 1, ModbusPort::kDevices);
     const std::vector<int> values = request.integers("values");
@@ -55,6 +57,7 @@ bool set_registers(ModbusMaster& modbus, const Call& call) {
 
 // {"command": "zk_sim_wall", "place": [x, y, z]} moves the wall; "normal" and "stiffness" may be changed as well.
 bool set_wall(Wall& wall, const Call& call) {
+    call.request.demand_known_keys({"place", "normal", "stiffness"});
     const auto vector = [&](const char* key, const KDL::Vector& now) {
         if (!call.request.has(key)) return now;
         const std::vector<double> v = call.request.numbers(key, 3);
@@ -73,10 +76,14 @@ bool set_wall(Wall& wall, const Call& call) {
 // {"command": "zk_sim_object", "width": 300, "mass": 0.5}: an object between the fingers, 0 for none.
 bool set_object(Gripper& gripper, const Call& call) {
     const Request& request = call.request;
+    request.demand_known_keys({"width", "mass"});
     const Object object{request.integer("width", 0, Gripper::kOpen - 1),
                         request.has("mass") ? request.number("mass") : 0};
     if (!(object.mass >= 0 && object.mass <= Object::kHeaviest)) throw BadRequest("\"mass\" is from 0 to 20 kg");
     if (object.width == 0 && object.mass > 0) throw BadRequest("\"mass\" is of an object, which has a width");
+    if (object.width > gripper.opening())
+        throw Refusal("\"width\" is above the opening of the gripper, " + std::to_string(gripper.opening()));
+    if (object.width > 0 && gripper.slips) throw Refusal("the gripper loses each object until grip_loss ends");
     object.width > 0 ? gripper.put_between(object) : gripper.take_object();
     return true;
 }

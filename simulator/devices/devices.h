@@ -81,6 +81,7 @@ class Gripper {
 
     int narrowest = 0, widest = kOpen;
     bool jammed = false;
+    bool slips = false;  // loses what it holds
     Audience audience{Device::kGripper};
 
  private:

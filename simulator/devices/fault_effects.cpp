@@ -21,6 +21,7 @@ void FaultEffects::set(const ArmFaults& faults) {
     arm_.press_emergency_stop(faults.emergency_stop != 0);
     arm_.set_supply(faults.power_loss == 0);
     devices_.gripper.jammed = faults.jam_gripper != 0;
+    devices_.gripper.slips = faults.grip_loss != 0;
     devices_.hand.jammed = faults.jam_hand != 0;
     devices_.lift.jammed = faults.jam_lift != 0;
     devices_.expansion.jammed = faults.jam_expansion != 0;
@@ -32,7 +33,7 @@ void FaultEffects::step(double seconds) {
     arm_.set_stuck_joint(joint_of(faults_.following_error));
     collide();
     sink(seconds);
-    if (faults_.grip_loss != 0 && devices_.gripper.holds_object()) devices_.gripper.take_object();
+    if (devices_.gripper.slips && devices_.gripper.holds_object()) devices_.gripper.take_object();
 }
 
 void FaultEffects::change_temperatures(double seconds) {

@@ -45,15 +45,28 @@ void ForceControl::step_hold(double seconds) {
 
 // The arm stays where it cannot yield any further.
 JointVector ForceControl::yielded(const JointVector& ordered) {
-    constexpr double kFarthest = 5;  // degrees of a joint in one step
     if (!hold.stands_off()) return ordered;
-    const KDL::Frame pose = tool_.surroundings().tool_of(arm_.flange_at(ordered));
-    const auto joints = tool_.joints_at(hold.shifted(pose), arm_.joints());
-    bool near = joints.has_value();
-    for (size_t i = 0; near && i < joints->size(); ++i) near = std::abs((*joints)[i] - arm_.joints()[i]) < kFarthest;
-    if (near) return *joints;
+    const auto around = tool_.surroundings();
+    const KDL::Frame flange = around.flange_of(hold.shifted(around.tool_of(arm_.flange_at(ordered))));
+    if (auto joints = joints_near(flange)) return *joints;
     hold.step_back();
     return arm_.joints();
+}
+
+std::optional<JointVector> ForceControl::joints_near(const KDL::Frame& flange) {
+    constexpr double kFarthest = 5;       // degrees of a joint in one step
+    constexpr double kResolution = 1e-6;  // metres; the noise of the sensor shifts the pose by less
+    const JointVector& from = arm_.joints();
+    if (out_of_reach_ && KDL::Equal(out_of_reach_->flange, flange, kResolution) && out_of_reach_->from == from &&
+        out_of_reach_->limits == arm_.limits)
+        return std::nullopt;
+    auto joints = arm_.joints_at(flange, from);
+    for (size_t i = 0; joints && i < from.size(); ++i) {
+        if (!(std::abs((*joints)[i] - from[i]) < kFarthest)) joints.reset();
+    }
+    out_of_reach_.reset();
+    if (!joints) out_of_reach_ = OutOfReach{flange, from, arm_.limits};
+    return joints;
 }
 
 }  // namespace sim

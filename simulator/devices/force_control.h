@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+#include <vector>
+
 #include "devices/force_hold.h"
 #include "devices/force_sensor.h"
 #include "motion/tool.h"
@@ -32,11 +35,20 @@ class ForceControl {
     Load carried;  // by the gripper, beside the load of the sensor
 
  private:
+    // A pose of the flange that is out of reach. While nothing changes, every step would search for it again.
+    struct OutOfReach {
+        KDL::Frame flange;
+        JointVector from;
+        std::vector<JointLimits> limits;
+    };
+
     JointVector yielded(const JointVector& ordered);
+    std::optional<JointVector> joints_near(const KDL::Frame& flange);
     bool settle_hold();
 
     Arm& arm_;
     const Tool& tool_;
+    std::optional<OutOfReach> out_of_reach_;
 };
 
 }  // namespace sim

@@ -1,5 +1,6 @@
 #include "wire/request.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace sim {
@@ -106,6 +107,13 @@ std::vector<std::string> Request::keys() const {
     std::vector<std::string> keys;
     for (const Json::Member& member : body_.members()) keys.push_back(member.key);
     return keys;
+}
+
+void Request::demand_known_keys(const std::vector<std::string>& known, const char* noun) const {
+    for (const std::string& key : keys()) {
+        if (key != "command" && std::find(known.begin(), known.end(), key) == known.end())
+            throw Refusal(std::string("there is no ") + noun + " '" + key + "'");
+    }
 }
 
 const Json& Request::at(const char* key) const {

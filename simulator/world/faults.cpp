@@ -104,6 +104,11 @@ void demand_possible(const FaultNumbers& numbers, size_t joint_count) {
     demand_joint("brake_slip", arm.brake_slip, joint_count);
     if (arm.brake_slip > 0 && arm.brake_slip == arm.following_error)
         throw Refusal("brake_slip: a joint that is stuck by following_error does not sink");
+    if (arm.power_loss != 0 && arm.collision > 0) throw Refusal("collision: an arm without power does not move");
+    if (arm.power_loss != 0 && arm.following_error > 0)
+        throw Refusal("following_error: an arm without power follows no path");
+    if (arm.jam_gripper != 0 && arm.grip_loss != 0)
+        throw Refusal("grip_loss: a gripper that is stuck by jam_gripper does not close further");
     if (wire.cut_at > 0 && wire.slice_bytes > 0) throw Refusal("cut_at: replies are in pieces already, by slice_bytes");
     demand_loss_alone(wire.replies, wire.garbage, "");
     demand_loss_alone(wire.push, 0, "push_");

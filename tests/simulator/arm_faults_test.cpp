@@ -148,6 +148,9 @@ TEST(ArmFaults, ImpossibleOnesAreRefusedWithTheReason) {
     const std::pair<Json, const char*> rows[] = {
         {{{"over_temperature", 7}}, "the arm has 6 joints"},
         {{{"brake_slip", 2}, {"following_error", 2}}, "does not sink"},
+        {{{"power_loss", 1}, {"collision", 30}}, "does not move"},
+        {{{"power_loss", 1}, {"following_error", 1}}, "follows no path"},
+        {{{"jam_gripper", 1}, {"grip_loss", 1}}, "does not close"},
         {{{"cut_at", 3}, {"slice_bytes", 1}}, "in pieces already"},
         {{{"push_drop", 100}, {"push_double", 1}}, "always lost"},
         {{{"emergency_stop", 1}, {"sys_err", 0}}, "release it first"},

@@ -34,6 +34,25 @@ TEST(World, InputsAndRegistersAreSetFromOutside) {
     EXPECT_EQ(done("zk_sim_modbus", beyond), false);
 }
 
+TEST(World, WhatCannotBeIsRefusedWithTheReason) {
+    const Json zeros{0, 0, 0, 0, 0, 0};
+    const std::tuple<const char*, Json, const char*> rows[] = {
+        {"zk_sim_input", {{"kind", "DI"}, {"IO_Num", 3}, {"valu", 1}}, "no key 'valu'"},
+        {"zk_sim_wall", {{"plce", {0, 0, 1}}}, "no key 'plce'"},
+        {"zk_sim_object", {{"width", 300}, {"kg", 1}}, "no key 'kg'"},
+        {"zk_sim_object", {{"width", 300}}, "until grip_loss ends"},
+        {"zk_sim_hand", {{"seconds", 1}, {"joint", zeros}}, "in drag teaching only"}};
+    Talk talk({"--quiet", "--speed", "max", "--fault", "grip_loss=1"});
+    const auto expect_refusal = [&](const char* command, const Json& keys, const char* reason) {
+        const Json reply = talk.ask(command, keys);
+        EXPECT_NE(reply.value("reason", "").find(reason), std::string::npos) << reply;
+    };
+    for (const auto& [command, keys, reason] : rows) expect_refusal(command, keys, reason);
+    ASSERT_EQ(talk.ask("zk_sim_fault", {{"grip_loss", 0}}).at("done"), true);
+    talk.ask("set_gripper_position", {{"position", 200}});
+    expect_refusal("zk_sim_object", {{"width", 300}}, "above the opening of the gripper, 200");
+}
+
 TEST(Scenario, EventsMakeRequests) {
     const TemporaryDirectory folder;
     const std::string file = folder.file("scenario.json", R"({
