@@ -11,10 +11,10 @@
  *   - in ZK_CANCELLED within 20 ms after ZK_Cancel,
  *   - in ZK_DEADLINE when the deadline of ZK_Set_Deadline passes,
  *   - in ZK_BUSY when another thread's call excludes it (docs/threads.md lists the pairs).
- * Nothing that its controller sends ends the process: a text that does not fit its field is cut. Every call that sends a
- * request, one that waits for nothing too, returns what keeps it from the wire: 19 when it does not fit its frame or is
- * no UTF-8, 6 when the transmit queue is full, 2 after ZK_API_UnInit, 5, 18, ZK_LOST and ZK_NO_MEMORY. Connections of
- * Arm_Socket_Start keep their behaviour; here their sockets return ZK_STALE_HANDLE.
+ * Nothing that its controller sends ends the process: a text that does not fit its field is cut. Every call that sends
+ * a request, one that waits for nothing too, returns what keeps it from the wire: 19 when it does not fit its frame or
+ * is no UTF-8, 6 when the transmit queue is full, 2 after ZK_API_UnInit, 5, 18, ZK_LOST and ZK_NO_MEMORY. Connections
+ * of Arm_Socket_Start keep their behaviour; here their sockets return ZK_STALE_HANDLE.
  *
  * The statuses of these calls are below 0 (zk/status.h); ZK_Explain says what to do about one.
  */
