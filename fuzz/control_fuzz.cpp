@@ -306,7 +306,9 @@ class Application {
             case 0:
                 return connect(way);
             case 1:
-                return start_named(limit_within(time), [time](ArmSocket arm) { return ZK_Wait_Idle(arm, time); });
+                return start_named(limit_within(time), [time](ArmSocket arm) {
+                    return time % 20 == 1 ? ZK_Wait_Idle(arm, time) : ZK_Wait_Move(arm, time);
+                });
             case 2:
                 return start_named(limit_within(time), [time](ArmSocket arm) {
                     ZK_ProgramOutcome outcome;

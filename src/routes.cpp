@@ -5,9 +5,11 @@
 // The last rows have no literal: the commands that wait for their mailboxes get no reply.
 #include <cstring>
 
+#include "commands/arrival.h"
 #include "commands/counters.h"
 #include "commands/drag_point.h"
 #include "commands/pages.h"
+#include "connection/line.h"
 #include "connection/reply.h"
 #include "payloads.h"
 #include "routes.h"
@@ -96,6 +98,7 @@ void arrival(int slot, char* message) {
     mailbox.fill(slot, &report);
     mailbox.finish(slot, status);
     mailbox.raise(slot, false);
+    if (is_of(report, Device::kArm) && report.trajectory_connect == 0) Line::at(slot).motions().report(status);
 }
 
 // clang-format off

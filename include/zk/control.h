@@ -122,6 +122,16 @@ ZK_API int ZK_Stop(ArmSocket arm, int kind);
 
 /* ------------------------------------------------------------------------------------------------------- Waiting -- */
 
+/*
+ * Waits until the motions of the arm have ended that were started on this connection without waiting (the non-blocking
+ * forms of zk/motion.h, but for joined ones). May be called again after 7, and from several threads.
+ *
+ * Returns 0 when the last of them arrived; 1 when it was refused, or ended before its target; 7 after ms milliseconds;
+ * 14 when none was started, or the arm is idle and no report came; 19 when ms is not above 0; the statuses of a
+ * blocking call. Once they have ended it returns the same again until the next motion. Application threads.
+ */
+ZK_API int ZK_Wait_Move(ArmSocket arm, int32_t ms);
+
 /* Waits until the controller reports no motion; it is asked every 100 ms. Returns 0; 7 after ms milliseconds; 19 when
  * they are not above 0; the statuses of a blocking call. Application threads. */
 ZK_API int ZK_Wait_Idle(ArmSocket arm, int32_t ms);

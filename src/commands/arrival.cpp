@@ -1,6 +1,7 @@
 #include "commands/arrival.h"
 
 #include "connection/elapsed.h"
+#include "connection/line.h"
 #include "zk/connection.h"
 #include "zk/trajectory.h"
 
@@ -31,6 +32,15 @@ int early_refusal(const Connection& connection) {
     }
 }
 
+// Queues the request of a move. A move that is not joined to the next ends in a report.
+int post_move(const Request& request, int32_t trajectory_connect) {
+    Line* line = trajectory_connect == 0 ? Line::of(request.socket()) : nullptr;
+    if (line) line->motions().start();
+    const int status = post(request);
+    if (line && status) line->motions().withdraw();
+    return status;
+}
+
 }  // namespace
 
 int move_and_arrive(const Request& request, Trajectory expected, int32_t trajectory_connect) {
@@ -41,7 +51,7 @@ int move_and_arrive(const Request& request, Trajectory expected, int32_t traject
         if (const int status = acceptance.claim(Move_Receive_Cmd)) return status;
         Mailbox(Move_Cmd).clear(connection.slot());
         Mailbox(Move_Receive_Cmd).clear(connection.slot());
-        if (const int status = post(request)) return status;
+        if (const int status = post_move(request, trajectory_connect)) return status;
         if (arm_is_known(connection)) {
             if (const int status = early_refusal(connection)) return status;
             if (trajectory_connect != 0) return ZK_OK;
@@ -57,13 +67,13 @@ int move_and_arrive(const Request& request, Trajectory expected, int32_t traject
     });
 }
 
-int move_accepted(const Request& request) {
+int move_accepted(const Request& request, int32_t trajectory_connect) {
     Mailbox mailbox(Move_Receive_Cmd);
     const Wait connection(request.socket());
     if (const int status = connection.claim(mailbox)) return status;
     // Settled connections clear it after queueing, and may lose a fast acknowledgement.
     if (is_handle(request.socket())) mailbox.clear(connection.slot());
-    if (const int status = post(request)) return status;
+    if (const int status = post_move(request, trajectory_connect)) return status;
     if (!is_handle(request.socket())) mailbox.clear(connection.slot());
     if (!arm_is_known(connection)) return ZK_OK;
     const int32_t limit = is_handle(request.socket()) ? read(m_nOutTime) : kAcknowledgementMs;

@@ -18,7 +18,7 @@ enum class Device : int32_t { kArm = 0, kGripper = 1, kHand = 2, kLift = 3, kExp
 int move_and_arrive(const Request& request, Trajectory expected, int32_t trajectory_connect);
 
 // Queues a move and waits for the controller's acknowledgement.
-int move_accepted(const Request& request);
+int move_accepted(const Request& request, int32_t trajectory_connect);
 
 // Copies the report and clears its mailbox.
 MoveReport take_report(int slot);

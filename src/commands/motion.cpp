@@ -60,7 +60,7 @@ ZK_API int Movej_Cmd_Block(ArmSocket s, const float* joint, uint8_t v, uint8_t r
     return move_and_arrive(movej(s, joint, v, r, trajectory_connect), Trajectory::kJoint, trajectory_connect);
 }
 ZK_API int Movej_Cmd_NonBlock(ArmSocket s, const float* joint, uint8_t v, uint8_t r, int32_t trajectory_connect) {
-    return move_accepted(movej(s, joint, v, r, trajectory_connect));
+    return move_accepted(movej(s, joint, v, r, trajectory_connect), trajectory_connect);
 }
 
 static Request to_pose(ArmSocket s, const char* command, const Pose& pose, uint8_t v, uint8_t r, int32_t connect) {
@@ -74,7 +74,7 @@ ZK_API int Movel_Cmd_Block(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32_t
     return move_and_arrive(to_pose(s, "movel", pose, v, r, trajectory_connect), Trajectory::kLine, trajectory_connect);
 }
 ZK_API int Movel_Cmd_NonBlock(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32_t trajectory_connect) {
-    return move_accepted(to_pose(s, "movel", pose, v, r, trajectory_connect));
+    return move_accepted(to_pose(s, "movel", pose, v, r, trajectory_connect), trajectory_connect);
 }
 
 ZK_API int Moves_Cmd(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32_t trajectory_connect, bool block) {
@@ -85,7 +85,7 @@ ZK_API int Moves_Cmd_Block(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32_t
                            trajectory_connect);
 }
 ZK_API int Moves_Cmd_NonBlock(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32_t trajectory_connect) {
-    return move_accepted(to_pose(s, "moves", pose, v, r, trajectory_connect));
+    return move_accepted(to_pose(s, "moves", pose, v, r, trajectory_connect), trajectory_connect);
 }
 
 // The controller reports the joint move to a pose as a joint move.
@@ -97,7 +97,7 @@ ZK_API int Movej_P_Cmd_Block(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32
                            trajectory_connect);
 }
 ZK_API int Movej_P_Cmd_NonBlock(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32_t trajectory_connect) {
-    return move_accepted(to_pose(s, "movej_p", pose, v, r, trajectory_connect));
+    return move_accepted(to_pose(s, "movej_p", pose, v, r, trajectory_connect), trajectory_connect);
 }
 
 static Request movec(ArmSocket s, const Pose& via, const Pose& to, uint8_t v, uint8_t r, uint8_t loop,
@@ -119,7 +119,7 @@ ZK_API int Movec_Cmd_Block(ArmSocket s, Pose via, Pose to, uint8_t v, uint8_t r,
 }
 ZK_API int Movec_Cmd_NonBlock(ArmSocket s, Pose via, Pose to, uint8_t v, uint8_t r, uint8_t loop,
                               int32_t trajectory_connect) {
-    return move_accepted(movec(s, via, to, v, r, loop, trajectory_connect));
+    return move_accepted(movec(s, via, to, v, r, loop, trajectory_connect), trajectory_connect);
 }
 
 // A line to a target that the host computes from the present pose.

@@ -55,6 +55,7 @@ ArmSocket Line::open(int descriptor, int32_t arm_mode, const HeartbeatQuery& hea
         line.introduced_ = false;
         line.loss_.reset();
         line.traffic_.reset();
+        line.motions_.reset();
         line.heartbeat_.begin(heartbeat);
         line.received_ = std::move(received);
         line.transfers_ = 0;

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "connection/heartbeat.h"
+#include "connection/motions.h"
 #include "connection/slots.h"
 
 namespace zk {
@@ -51,6 +52,7 @@ class Line {
     std::string cause() const;  // why it is lost
     const Traffic& traffic() const { return traffic_; }
     Traffic& traffic() { return traffic_; }
+    Motions& motions() { return motions_; }
 
     // Writes without waiting. Returns what send does; -1 on a line that is lost or closed, and while a file is on its
     // way, since the controller would take the frame for a part of it; the file's own announcement is written. A frame
@@ -94,6 +96,7 @@ class Line {
     std::atomic<int> transfers_{0};
     Loss loss_;
     Traffic traffic_;
+    Motions motions_;
     Heartbeat heartbeat_;
     std::string received_;
 };

@@ -19,6 +19,8 @@ using namespace zk;
 namespace {
 
 constexpr int32_t kLookMs = 100;  // between two looks at the controller
+constexpr int32_t kStepMs = 10;   // between two looks for a report
+constexpr int kMostIdleLooks = 50;
 constexpr int32_t kFreshNs = 1'000'000'000;
 
 // Asks what the controller does. A reply to an earlier call that ended early may come for the first answer, so that an
@@ -50,7 +52,7 @@ int ask_program(ArmSocket s, Limit limit, ProgramRunState& state) {
 
 // Looks until `look(limit, done)` is done. A look without a reply, or during a file, counts as one that found nothing.
 template <class Look>
-int look_until(ArmSocket arm, int32_t ms, Look look) {
+int look_until(ArmSocket arm, int32_t ms, Look look, int32_t pause_ms = kLookMs) {
     if (ms <= 0) return fail(ZK_BAD_ARGUMENT, "the time to wait is %d ms", ms);
     if (!Line::of(arm)) return fail(ZK_STALE_HANDLE);
     const Wait call(arm);
@@ -62,7 +64,7 @@ int look_until(ArmSocket arm, int32_t ms, Look look) {
         const int status = look(limit, done);
         if (status != ZK_OK && status != ZK_TIMEOUT && status != ZK_SENDING_FILE) return fail(status);
         if (done) return ZK_OK;
-        pause(call, std::min(kLookMs, left()));
+        pause(call, std::min(pause_ms, left()));
         if (const int ended = call.status()) return fail(ended);
     } while (left() > 0);
     return fail(ZK_TIMEOUT, "it was not over after %d ms", ms);
@@ -115,6 +117,29 @@ ZK_API int ZK_Wait_Idle(ArmSocket arm, int32_t ms) {
         done = status == ZK_OK && reply.type == ZK_TRAJECTORY_NONE;
         return status;
     });
+}
+
+// An arm that is seen idle after its motion, or idle for long, sends no report any more.
+ZK_API int ZK_Wait_Move(ArmSocket arm, int32_t ms) {
+    Line* line = Line::of(arm);  // without one nothing is looked for
+    bool seen = false;
+    int steps = 0, idles = 0, result = ZK_OK;
+    const auto look = [&](auto limit, bool& done) {
+        Motions& motions = line->motions();
+        done = motions.are_over();
+        result = motions.result();
+        if (done || ++steps % (kLookMs / kStepMs) != 0) return int(ZK_OK);
+        const unsigned started = motions.started();
+        TrajectoryReply reply{};
+        if (const int status = ask_trajectory(arm, limit, reply)) return status;
+        if (reply.type != ZK_TRAJECTORY_NONE)
+            seen = true;
+        else if (seen || ++idles == kMostIdleLooks)
+            motions.settle(started);
+        return int(ZK_OK);
+    };
+    const int status = look_until(arm, ms, look, kStepMs);
+    return status == ZK_OK && result != ZK_OK ? fail(result) : status;
 }
 
 ZK_API int ZK_Wait_Program(ArmSocket arm, int32_t ms, ZK_ProgramOutcome* outcome) {

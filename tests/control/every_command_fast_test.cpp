@@ -95,6 +95,7 @@ TEST(EveryCommand, EndsInItsDeadlineAndSendsOneObjectAFrame) {
         ZK_CALL(Save_Drag_Teach_File_NonBlock)
         ZK_CALL(ZK_Stop)
         ZK_CALL(ZK_Wait_Idle)
+        ZK_CALL(ZK_Wait_Move)
         ZK_CALL(ZK_Wait_Program)
 #undef ZK_CALL
     }

@@ -64,6 +64,32 @@ TEST(Waiting, FollowsAMotionToItsEnd) {
     EXPECT_EQ(ZK_Wait_Idle(arm, kLong), 0);
 }
 
+TEST(Waiting, ForMotionsThatWereStartedWithoutWaiting) {
+    const SimulatorProcess simulator({"--joints", "0,0,0,0,0,0"});
+    const ArmSocket arm = connected(simulator.port());
+    float there[7] = {20, 0, 0, 0, 0, 0}, back[7] = {10, 0, 0, 0, 0, 0}, beyond[7] = {1000}, joint[7];
+    EXPECT_EQ(ZK_Wait_Move(arm, kLong), ZK_NO_TRAJECTORY) << "none was started";
+    ASSERT_EQ(Movej_Cmd(arm, there, 50, 0, 0, false), 0);
+    ASSERT_EQ(Movej_Cmd(arm, back, 50, 0, 0, false), 0);
+    EXPECT_EQ(Movej_Cmd(arm, beyond, 50, 0, 0, false), ZK_REFUSED);
+    EXPECT_EQ(ZK_Wait_Move(arm, 1), ZK_TIMEOUT);
+    EXPECT_EQ(ZK_Wait_Move(arm, kLong), 0) << "the motion before the refused one ends last";
+    ASSERT_EQ(Get_Joint_Degree(arm, joint), 0);
+    EXPECT_NEAR(joint[0], 10, 0.01) << "the end of the first one is not the end";
+    EXPECT_EQ(ZK_Wait_Move(arm, kLong), 0) << "again";
+    EXPECT_EQ(Movej_Cmd(arm, beyond, 50, 0, 0, false), ZK_REFUSED);
+    EXPECT_EQ(ZK_Wait_Move(arm, kLong), ZK_REFUSED);
+    ASSERT_EQ(Movej_Cmd(arm, there, 50, 0, 1, false), 0);
+    EXPECT_EQ(Movej_Cmd(arm, there, 50, 0, 0, true), 0);
+    EXPECT_EQ(ZK_Wait_Move(arm, kLong), 0) << "a motion that was waited for counts as well";
+
+    ASSERT_EQ(Movej_Cmd(arm, back, 1, 0, 0, false), 0);
+    ASSERT_EQ(Movej_Cmd(arm, there, 1, 0, 0, false), 0);
+    auto wait = std::async(std::launch::async, [&] { return ZK_Wait_Move(arm, kLong); });
+    EXPECT_EQ(ZK_Stop(arm, ZK_STOP | ZK_DROP_QUEUED), 0);
+    EXPECT_EQ(wait.get(), ZK_REFUSED);
+}
+
 class ScriptedWaits : public testing::Test {
  protected:
     void SetUp() override {
@@ -183,6 +209,18 @@ TEST_F(ScriptedWaits, AWaitKeepsItsTimeWhateverItAsks) {
     EXPECT_LE(slept() - before, kTime);
 }
 
+// The controller has lost the report of the motion.
+TEST_F(ScriptedWaits, AnIdleArmSendsNoReport) {
+    float joint[7] = {};
+    controller_.answer("movej", R"({"command":"movej","receive_state":true})");
+    ASSERT_EQ(Movej_Cmd(arm_, joint, 20, 0, 0, false), 0);
+    controller_.answer_in_turn(kTrajectory, {trajectory("none"), trajectory("none"), trajectory("movej"),
+                                             trajectory("none"), trajectory("none")});
+    EXPECT_EQ(ZK_Wait_Move(arm_, kLong), ZK_NO_TRAJECTORY);
+    for (int i = 0; i < 5; ++i) EXPECT_NE(controller_.wait_for_request(kTrajectory), "") << "not idle before it moved";
+    EXPECT_EQ(ZK_Wait_Move(arm_, 0), 19);
+}
+
 TEST_F(ScriptedWaits, EndAsTheyAreAsked) {
     float share;
     controller_.answer(kTrajectory, trajectory("movel"));
@@ -204,6 +242,7 @@ TEST_F(ScriptedWaits, EndAsTheyAreAsked) {
     EXPECT_EQ(ZK_Close(arm_), 0);
     EXPECT_EQ(ZK_Wait_Idle(arm_, kLong), ZK_STALE_HANDLE);
     EXPECT_EQ(ZK_Wait_Program(arm_, kLong, nullptr), ZK_STALE_HANDLE);
+    EXPECT_EQ(ZK_Wait_Move(arm_, kLong), ZK_STALE_HANDLE);
     EXPECT_EQ(ZK_Move_Progress(arm_, &share), ZK_STALE_HANDLE);
 }
 
