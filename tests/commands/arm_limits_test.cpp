@@ -14,7 +14,7 @@ using namespace zk::test;
 const float kOffsets[7] = {0.251f, -90.0f, 1.5f, -0.0009f, 178.0f, 12.3456f, -7.25f};
 const float kDynamics[14] = {0.0123456f, 1.5f, -2.0f, 0.001f, 1e-10f, 123456.7f, -0.0f, 3e6f, 0, 0, 0, -1.25f, 7, 8};
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kArmLimitsRows = {
     // Metres, radians and seconds in thousandths.
     SETTER(Set_Arm_Line_Speed, or_8(Set_Arm_Max_Line_Speed_Cmd),
            R"({"command": "set_arm_max_line_speed", "arm_line_speed": 250})", "arm_line_speed", 0.251f),
@@ -82,7 +82,7 @@ const std::vector<CommandCase> kRows = {
     NO_REPLY(Set_System_State_Servo, R"({"command": "set_system_state_servo", "servo_state": 3})", "servo_state", 3),
 };
 
-ZK_WIRE_TESTS(ArmLimits, "arm_limits.h", "Limits of the arm", kRows)
+ZK_WIRE_TESTS(ArmLimits, "arm_limits.h", "Limits of the arm", kArmLimitsRows)
 
 TEST(ArmLimitsParsers, TruncateNumbersToThousandths) {
     expect_parsed(parsing(Parser_Get_Arm_Line_Speed),

@@ -31,7 +31,7 @@ const char* const kAllStateOutputs =
     "30 30.25 0.003 0.004 0.005 0.006 0, 24 24.001 0.003 0.004 0.005 0.006 0, 0.1 0.2 0.003 0.004 0.005 0.006 0, "
     "1 0 1 1 0 1 0, 0 1 2 3 4 1 0, 9";
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kArmStateRows = {
     QUERY(Get_Current_Arm_State, Arm_Current_State_Cmd, "get_current_arm_state", kState,
           "1 -90.001 0.001 0 0.005 0.006; 0.1 -0.2 1e-06, 3.141 -1.57 0.001; 7; 0",
           .reads({{}, {{"/arm_state/joint", {9, 11, 11}}}})),
@@ -99,7 +99,7 @@ const std::vector<CommandCase> kRows = {
              R"({"state":"install_pose","pose":[0.1,-45.5,1e3]})", "0.1; -45.5; 1000"),
 };
 
-ZK_WIRE_TESTS(ArmState, "arm_state.h", "State of the arm", kRows)
+ZK_WIRE_TESTS(ArmState, "arm_state.h", "State of the arm", kArmStateRows)
 
 TEST(ArmStateGuards, TheStateRefusesNullErrorWords) {
     static float joints[7];

@@ -34,7 +34,7 @@ const char* const kLiftSpeed = R"({"command": "set_lift_speed", "speed": 20})";
 const char* const kSetVersion = R"({"command": "expand_set_version", "expand_version": -7})";
 const char* const kSetConfig = R"({"command": "expand_config", "rpm_max": 3000, "rpm_acc": 200, "conversin_coe": -3})";
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kAttachedAxesRows = {
     queued(CALL(Set_Lift_Height_NonBLock, (s, 300, 20)),
            R"({"command": "set_lift_height", "height": 300, "speed": 20})"),
     QUERY(Get_Lift_State, Get_Lift_State_Cmd, "get_lift_state", kLift, "-5; 1500; 1; 1", .setting_the_count()),
@@ -81,7 +81,7 @@ const std::vector<CommandCase> kRows = {
 };
 
 // The clock runs only where the call ends at its limit.
-ZK_WIRE_ROWS(AttachedAxes, kRows, set_time_factor(GetParam().status == 7 ? 500 : 0));
+ZK_WIRE_ROWS(AttachedAxes, kAttachedAxesRows, set_time_factor(GetParam().status == 7 ? 500 : 0));
 
 // The moves that end with a report. `reply` is the number of the device in it.
 const std::vector<CommandCase> kMoves = {
@@ -95,7 +95,7 @@ const std::vector<CommandCase> kMoves = {
 
 // The page does not list "set_lift " with its space.
 std::vector<CommandCase> all_rows() {
-    std::vector<CommandCase> rows = kRows;
+    std::vector<CommandCase> rows = kAttachedAxesRows;
     std::erase_if(rows, [](const CommandCase& row) { return row.name == "Set_Lift_NonBlock"; });
     for (const CommandCase& move : kMoves) rows.push_back({move.name, move.call, "", ""});
     rows.push_back({CALL(Set_Lift_NonBlock, (s, 300, 20)), "", ""});

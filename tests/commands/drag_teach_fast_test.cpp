@@ -13,7 +13,7 @@ namespace {
 
 using namespace zk::test;
 
-std::string trajectory(const std::string& type) {
+std::string trajectory_named(const std::string& type) {
     return R"({"state":"arm_current_trajectory","type":")" + type + R"(","data":[0,0,0,0,0,0]})";
 }
 std::string replayed(bool whole) {
@@ -40,7 +40,7 @@ class Waits : public testing::Test {
 };
 
 TEST_F(Waits, AReplayHasNoLimitWhileItRuns) {
-    controller_.answer("get_arm_current_trajectory", trajectory("re_trajectory"));
+    controller_.answer("get_arm_current_trajectory", trajectory_named("re_trajectory"));
     std::future<int> status = start_replay();
     wait_for_polls(2);
     const int32_t start = Get_Program_Runtime();
@@ -54,17 +54,17 @@ TEST_F(Waits, AReplayHasNoLimitWhileItRuns) {
 
 TEST_F(Waits, AReplayWaitsForTheMoveBeforeIt) {
     controller_.answer("run_drag_trajectory", replayed(true));
-    controller_.answer("get_arm_current_trajectory", trajectory("movej"));
+    controller_.answer("get_arm_current_trajectory", trajectory_named("movej"));
     std::future<int> status = start_replay();
     wait_for_polls(3);
     EXPECT_EQ(shared(Run_Drag_Trajectory_Cmd[0].count), 1);
     EXPECT_EQ(status.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
-    controller_.answer("get_arm_current_trajectory", trajectory("none"));
+    controller_.answer("get_arm_current_trajectory", trajectory_named("none"));
     EXPECT_EQ(status.get(), 0);
 }
 
 TEST_F(Waits, AReplayThatNeverStartsReturns7) {
-    controller_.answer("get_arm_current_trajectory", trajectory("none"));
+    controller_.answer("get_arm_current_trajectory", trajectory_named("none"));
     m_nOutTime = 5000;
     EXPECT_GT(time_to_give_up(200, [this] { return Run_Drag_Trajectory(arm_, true); }), 5000 + 29999);
 }

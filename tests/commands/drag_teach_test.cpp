@@ -28,7 +28,7 @@ CommandCase replayed(const std::string& name, Call call) {
 const char* const kStart = R"({"command": "start_drag_teach", "trajectory_record": 1})";
 const char* const kMulti = R"({"command": "start_multi_drag_teach", "mode": 3, "singular_wall": 0})";
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kDragTeachRows = {
     SETTER(Start_Drag_Teach, Start_Drag_Teach_Cmd, kStart, "drag_teach"),
     SETTER(Stop_Drag_Teach, Stop_Drag_Teach_Cmd, "stop_drag_teach", "drag_teach"),
     SETTER(Start_Multi_Drag_Teach, Start_Multi_Drag_Teach_Cmd, kMulti, "set_state", 3, 0),
@@ -48,7 +48,7 @@ const std::vector<CommandCase> kRows = {
     SETTER(Drag_Trajectory_Origin, Move_Cmd, "drag_trajectory_origin", report(0)),
 };
 
-ZK_WIRE_TESTS(DragTeach, "drag_teach.h", "Drag teaching", kRows)
+ZK_WIRE_TESTS(DragTeach, "drag_teach.h", "Drag teaching", kDragTeachRows)
 
 TEST(DragTeachParsers, ReadTheReportOfTheOrigin) {
     expect_parsed(parsing(Parser_Drag_Trajectory_Origin), {{R"({"trajectory_state":true,"device":3})", 0, "3"},

@@ -101,7 +101,7 @@ const char* const kIpSet = R"({"command":"set_NetIP","status":true})";
 #define FORMS(row, name, arguments, ...) \
     row(CALL(name##_E, arguments), __VA_ARGS__), row(CALL(name##_Block_E, arguments), __VA_ARGS__)
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kFileTransferRows = {
     {"Send_TrajectoryFile", send_trajectory, kRunProject, kAccepted, 0, 65, "0", {}, {kContent, kDone}},
     transfer(
         CALL(ZK_Send_TrajectoryFile_With_Progress, (s, nullptr, project(file_named("a.b.txt"), 20), nullptr, nullptr)),
@@ -135,7 +135,7 @@ const std::vector<CommandCase> kRows = {
     queued(CALL(Set_Popup_NonBlock_E, (s)), R"({"command": "popup", "popup_result": true})"),
 };
 
-ZK_WIRE_ROWS(FileTransfer, kRows, static_cast<void>(0));
+ZK_WIRE_ROWS(FileTransfer, kFileTransferRows, static_cast<void>(0));
 
 // The update's request is the one that is not formatted.
 struct UpdateRow {
@@ -202,7 +202,7 @@ TEST(FileTransferNumbers, AreKept) {
 
 // The page lists requests, not the bytes of files.
 std::vector<CommandCase> all_rows() {
-    std::vector<CommandCase> rows = kRows;
+    std::vector<CommandCase> rows = kFileTransferRows;
     for (CommandCase& row : rows) {
         if (row.wire == kContent) row.wire = "";
     }
@@ -217,7 +217,9 @@ TEST(FileTransferGuards, EveryCommandHasARow) {
     EXPECT_EQ(commands_without_row("file_transfer.h", rows), "");
 }
 TEST(FileTransferGuards, ThePageDescribesTheWire) { expect_documented("File transfer", all_rows()); }
-TEST(FileTransferGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+TEST(FileTransferGuards, PlainNamesDoNothingDuringAFileTransfer) {
+    expect_nothing_during_a_file_transfer(kFileTransferRows);
+}
 
 int update_at(ArmSocket s, const std::string& path) {
     return UpdataSoftWare_Block_E(s, path.c_str(), static_cast<int32_t>(path.size()));

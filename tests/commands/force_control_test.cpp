@@ -44,7 +44,7 @@ std::string manual_fz(const std::string& pose1, const std::string& pose2) {
     return R"({"command": "manual_set_Fz", "pose1": )" + pose1 + R"(, "pose2": )" + pose2 + "}";
 }
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kForceControlRows = {
     // The plain name counts in newtons, the forms in tenths of them.
     acknowledged(CALL(Set_Force_Postion, (s, 1, 2, 3, 5, true)), Set_Force_Postion_Cmd, hold(50), "set_state"),
     acknowledged(CALL(Set_Force_Postion_Block, (s, 1, 2, 3, 5)), Set_Force_Postion_Cmd, hold(5), "set_state"),
@@ -80,8 +80,8 @@ const std::vector<CommandCase> kRows = {
         .on(75),
 };
 
-ZK_WIRE_ROWS(ForceControl, kRows, static_cast<void>(0));
-ZK_WIRE_GUARDS(ForceControl, "force_control.h", "Force control", kRows)
+ZK_WIRE_ROWS(ForceControl, kForceControlRows, static_cast<void>(0));
+ZK_WIRE_GUARDS(ForceControl, "force_control.h", "Force control", kForceControlRows)
 
 // A request that no controller understands: there is no fifth pose.
 TEST(Calibration, AnUnknownPoseIsSentWithoutACommand) {

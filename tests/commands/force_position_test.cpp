@@ -13,15 +13,15 @@ namespace {
 
 using namespace zk::test;
 
-const float kJoint[7] = {1.9f, -2, 3, 4, 5, 6.0006f, 1.9f};
+const float kHeldJoint[7] = {1.9f, -2, 3, 4, 5, 6.0006f, 1.9f};
 const Position kPosition{0.1f, -0.2f, 0.3f};
 const Euler kEuler{1.5f, -0.5f, 3};
 const Pose kByEuler{kPosition, {}, kEuler};
 const Pose kByQuaternion{kPosition, {1, 0, 0, 0}, kEuler};
 const Pose kBeside{kPosition, {0.5f, 0.5f, 0.5f, 0.59f}, kEuler};  // squares of 1.0981
 
-const char* const kSix = "[1900, -2000, 3000, 4000, 5000, 6000]";
-const char* const kSeven = "[1900, -2000, 3000, 4000, 5000, 6000, 1000]";  // the seventh lost its fraction
+const char* const kSixHeld = "[1900, -2000, 3000, 4000, 5000, 6000]";
+const char* const kSevenHeld = "[1900, -2000, 3000, 4000, 5000, 6000, 1000]";  // the seventh lost its fraction
 const char* const kPose = R"("pose": [100000, -200000, 300000, 1500, -500, 3000])";
 const char* const kPoseQuat = R"("pose_quat": [100000, -200000, 300000, 1000000, 0, 0, 0])";
 const char* const kReport = R"({"state":"Force_Position_State","joint":[1,2,3,4,5,6],"force":20,"arm_err":0})";
@@ -51,7 +51,7 @@ std::string move_wire(const std::string& set_point) {
            R"("limit_vel": [100, 100, 0.500000, 10000, 10000, 10000]})";
 }
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kForcePositionRows = {
     SETTER(Start_Force_Position_Move, Start_Force_Position_Move_Cmd, "Start_Force_Position_Move", "set_state"),
     SETTER(Stop_Force_Position_Move, Stop_Force_Position_Move_Cmd, "Stop_Force_Position_Move", "set_state"),
 
@@ -61,28 +61,30 @@ const std::vector<CommandCase> kRows = {
            wire(R"("pose_quat": [100000, -200000, 300000, 500000, 500000, 500000, 590000])", kSmooth)),
     queued(CALL(Force_Position_Move_Pose_NonBlock, (s, 1, 255, -3, 0, kByEuler, 0.25f)), wire(kPose, kSmooth)),
     no_reply(CALL(Force_Position_Move_Pose_Block, (s, 1, 255, -3, kByQuaternion, 0.25f)), wire(kPose, ""), kReport),
-    queued(CALL(Force_Position_Move_Joint, (s, kJoint, 1, 255, -3, 1, 0.25f)), wire(joints(kSix), kFollow)),
-    queued("Seven_" CALL(Force_Position_Move_Joint, (s, kJoint, 1, 255, -3, 1, 0.25f)), wire(joints(kSeven), kFollow),
-           75),
-    queued(CALL(Force_Position_Move_Joint_NonBlock, (s, kJoint, 1, 255, -3, 0, 0.25f)), wire(joints(kSix), kSmooth)),
-    no_reply(CALL(Force_Position_Move_Joint_Block, (s, kJoint, 1, 255, -3, 0.25f)), wire(joints(kSix), ""), kReport),
-    queued(CALL(Force_Position_Move, (s, move(0, kByEuler))), move_wire(joints(kSix))),
+    queued(CALL(Force_Position_Move_Joint, (s, kHeldJoint, 1, 255, -3, 1, 0.25f)), wire(joints(kSixHeld), kFollow)),
+    queued("Seven_" CALL(Force_Position_Move_Joint, (s, kHeldJoint, 1, 255, -3, 1, 0.25f)),
+           wire(joints(kSevenHeld), kFollow), 75),
+    queued(CALL(Force_Position_Move_Joint_NonBlock, (s, kHeldJoint, 1, 255, -3, 0, 0.25f)),
+           wire(joints(kSixHeld), kSmooth)),
+    no_reply(CALL(Force_Position_Move_Joint_Block, (s, kHeldJoint, 1, 255, -3, 0.25f)), wire(joints(kSixHeld), ""),
+             kReport),
+    queued(CALL(Force_Position_Move, (s, move(0, kByEuler))), move_wire(joints(kSixHeld))),
     queued("Seven_" CALL(Force_Position_Move, (s, move(2, kByEuler))),
            move_wire(joints("[1900, -2000, 3000, 4000, 5000, 6000, 1900]")), 72),
     queued("Euler_" CALL(Force_Position_Move, (s, move(1, kByEuler))), move_wire(kPose)),
     queued(CALL(Force_Position_Move_NonBlock, (s, move(1, kByQuaternion))), move_wire(kPoseQuat)),
 };
 
-ZK_WIRE_TESTS(ForcePosition, "force_position.h", "Force-position moves", kRows)
+ZK_WIRE_TESTS(ForcePosition, "force_position.h", "Force-position moves", kForcePositionRows)
 
 // Unlike the streaming of plain moves.
 TEST(ForcePositionGuards, ReturnSixWhenTheSetPointIsNotWritten) {
     ZK_API_Init(65, nullptr);
     expect_nothing_sent({{CALL(Force_Position_Move, (-s, move(0, kByEuler)))},
                          {CALL(Force_Position_Move_Pose, (-s, 1, 2, 3, 0, kByEuler, 5))},
-                         {CALL(Force_Position_Move_Joint, (-s, kJoint, 1, 2, 3, 0, 5))},
+                         {CALL(Force_Position_Move_Joint, (-s, kHeldJoint, 1, 2, 3, 0, 5))},
                          {CALL(Force_Position_Move_Pose_Block, (-s, 1, 2, 3, kByEuler, 5))},
-                         {CALL(Force_Position_Move_Joint_Block, (-s, kJoint, 1, 2, 3, 5))}},
+                         {CALL(Force_Position_Move_Joint_Block, (-s, kHeldJoint, 1, 2, 3, 5))}},
                         6);
     EXPECT_EQ(shared(m_nSockeRIinfosLen), 0);
 }

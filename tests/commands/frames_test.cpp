@@ -16,11 +16,11 @@ namespace {
 using namespace zk::test;
 
 // Only position and Euler angles of a pose are sent.
-const Pose kPose{{0.123456f, -0.3f, 0.0000019f}, {1, 2, 3, 4}, {3.1415f, -1.5708f, 0.0015f}};
+const Pose kFramePose{{0.123456f, -0.3f, 0.0000019f}, {1, 2, 3, 4}, {3.1415f, -1.5708f, 0.0015f}};
 
-const Exchange kTool{"get_current_tool_frame",
-                     R"({"state":"current_tool_frame","tool_name":"grip","pose":[100000,-200000,1,3141,-1570,1],)"
-                     R"("payload":1234.5,"position":[100000,-1500,1]})"};
+const Exchange kToolFrame{"get_current_tool_frame",
+                          R"({"state":"current_tool_frame","tool_name":"grip","pose":[100000,-200000,1,3141,-1570,1],)"
+                          R"("payload":1234.5,"position":[100000,-1500,1]})"};
 const char* const kToolOutputs = "grip, 0.1 -0.2 1e-06, 3.141 -1.57 0.001, 1.2345 0.1 -0.0015 1e-06";
 const Reading kToolRead{{}, {{"/tool_name", {9, 0}}}};
 const Exchange kWork{"get_current_work_frame",
@@ -47,7 +47,7 @@ const auto kAskGivenWork = [](auto form) {
 #define GIVEN(name, call, mailbox, wire, reply, outputs) \
     answered(name, call, mailbox, wire, reply, outputs).clearing_old_replies().wiping()
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kFramesRows = {
     // Tools: mass and centre of gravity have other scales in each form.
     SETTER(Auto_Set_Tool_Frame, Auto_Set_Tool_Frame_Cmd, R"({"command": "set_auto_tool_frame", "point_num": 6})",
            "auto_tool_frame", 6),
@@ -63,16 +63,16 @@ const std::vector<CommandCase> kRows = {
              R"("position": [100000, -1500, 1]})",
              R"({"command": "set_manual_tool_frame", "tool_name": "a \"b\"", )"
              R"("tool_pose": [123456, -300000, 1, 3141, -1570, 1], "payload": 0.333300, "position": [100, -1, 0]})",
-             "manual_tool_frame", {}, "a \"b\"", kPose, 0.3333f, CENTRE),
+             "manual_tool_frame", {}, "a \"b\"", kFramePose, 0.3333f, CENTRE),
     WAITING_WITH(.adding(), Update_Tool_Frame, Update_Tool_Frame_Cmd,
                  R"({"command": "update_tool_frame", "tool_name": "grip", )"
                  R"("tool_pose": [123456, -300000, 1, 3141, -1570, 1], "payload": 1234.500000, )"
                  R"("position": [100000, -1500, 1]})",
-                 "update_state", "grip", kPose, 1.2345f, CENTRE),
+                 "update_state", "grip", kFramePose, 1.2345f, CENTRE),
     SELECTION(Change_Tool_Frame, Change_Tool_Frame_Cmd, R"({"command": "set_change_tool_frame", "tool_name": ""})",
-              "change_tool_frame", kTool, ""),
+              "change_tool_frame", kToolFrame, ""),
     SELECTION(Delete_Tool_Frame, Delete_Tool_Frame_Cmd, R"({"command": "set_delete_tool_frame", "tool_name": "grip"})",
-              "delete_tool_frame", kTool, "grip"),
+              "delete_tool_frame", kToolFrame, "grip"),
 
     // The load: thousandths of a metre in both forms.
     acknowledged(CALL(Set_Payload_Block, (s, 2147483647, CENTRE)), Set_Payload_Cmd,
@@ -82,7 +82,8 @@ const std::vector<CommandCase> kRows = {
     acknowledged(CALL(Set_None_Payload_Block, (s)), Set_None_Payload_Cmd, "set_none_payload", "set_state"),
     queued(CALL(Set_None_Payload_NonBlock, (s)), "set_none_payload"),
 
-    QUERY(Get_Current_Tool_Frame, Current_Tool_Cmd, kTool.wire, kTool.reply, kToolOutputs, .wiping().reads(kToolRead)),
+    QUERY(Get_Current_Tool_Frame, Current_Tool_Cmd, kToolFrame.wire, kToolFrame.reply, kToolOutputs,
+          .wiping().reads(kToolRead)),
     GIVEN("Get_Given_Tool_Frame", kAskGivenTool(Get_Given_Tool_Frame), Given_Tool_Cmd,
           R"({"command": "get_tool_frame", "tool_name": "grip"})",
           R"({"state":"given_tool_frame","tool_name":"tool_frame_long","pose":[1.9,2,3e0,4,5,6],"payload":2.5,)"
@@ -104,11 +105,11 @@ const std::vector<CommandCase> kRows = {
     SETTER(Manual_Set_Work_Frame, Manual_Set_Work_Frame_Cmd,
            R"({"command": "set_manual_work_frame", "frame_name": "table", )"
            R"("frame_pose": [123456, -300000, 1, 3141, -1570, 1]})",
-           "manual_work_frame", "table", kPose),
+           "manual_work_frame", "table", kFramePose),
     WAITING_WITH(.adding(), Update_Work_Frame, Update_Work_Frame_Cmd,
                  R"({"command": "update_work_frame", "frame_name": "table", )"
                  R"("frame_pose": [123456, -300000, 1, 3141, -1570, 1]})",
-                 "update_state", "table", kPose),
+                 "update_state", "table", kFramePose),
     SELECTION(Change_Work_Frame, Change_Work_Frame_Cmd,
               R"({"command": "set_change_work_frame", "frame_name": "table"})", "change_work_frame", kWork, "table"),
     SELECTION(Delete_Work_Frame, Delete_Work_Frame_Cmd,
@@ -146,9 +147,9 @@ TEST_P(Frames, OnTheWire) {
     EXPECT_EQ(g_tool_pose.position.x != 7, touches(GetParam().name, "Tool"));
     EXPECT_EQ(g_work_pose.position.x != 7, touches(GetParam().name, "Work"));
 }
-INSTANTIATE_TEST_SUITE_P(, Frames, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(, Frames, testing::ValuesIn(kFramesRows), [](const auto& row) { return row.param.name; });
 
-ZK_WIRE_GUARDS(Frames, "frames.h", "Frames and payload", kRows)
+ZK_WIRE_GUARDS(Frames, "frames.h", "Frames and payload", kFramesRows)
 
 TEST(FramesGuards, QueriesByNameRefuseNullPointers) {
     static FrameRec frame;

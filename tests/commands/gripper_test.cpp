@@ -14,11 +14,11 @@ using namespace zk::test;
 const int32_t kFingers[6] = {0, 1000, -1, 2147483647, -2147483647 - 1, 5};
 
 // An acknowledgement, immediately followed by the report of the device's arrival.
-const std::string kAccepted = done("set_gripper", "state");
-const std::string kGripped = kAccepted + "\r\n" + report(1);
+const std::string kGripperAccepted = done("set_gripper", "state");
+const std::string kGripped = kGripperAccepted + "\r\n" + report(1);
 std::string posed(const std::string& command) { return done(command) + "\r\n" + report(2); }
 
-const char* const kState =
+const char* const kGripperState =
     R"({"state":"get_gripper_state","enable":2,"status":0,"error":-1,"mode":3,"current_force":4,"temperature":5,)"
     R"("actpos":1000})";
 const char* const kStateOutputs = "1 0, -1 3 4 5 1000";
@@ -36,13 +36,13 @@ const char* const kPwm = R"({"command": "set_PWM", "PWM_Frq": 1000, "PWM_Dpulse"
     acknowledged(#command, ZK_FORM(command, __VA_ARGS__, true, 60), {}, wire, kGripped), \
         acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__, 60), {}, wire, kGripped)
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kGripperRows = {
     SETTER(Set_Gripper_Route, Set_Gripper_Route_Cmd, R"({"command": "set_gripper_route", "min": -1, "max": 1000})",
            "state", -1, 1000),
 
     GRIPPING(Set_Gripper_Release, R"({"command": "set_gripper_release", "speed": -1, "block": true})", -1),
     acknowledged(CALL(Set_Gripper_Release_NonBlock, (s, 500, 1)), Set_Gripper_Release_Cmd,
-                 R"({"command": "set_gripper_release", "speed": 500, "block": 0})", kAccepted)
+                 R"({"command": "set_gripper_release", "speed": 500, "block": 0})", kGripperAccepted)
         .taking_old_replies(),
     queued("AtOnce_" CALL(Set_Gripper_Release, (s, 500, false, 0)),
            R"({"command": "set_gripper_release", "speed": 500, "block": 0})"),
@@ -53,11 +53,11 @@ const std::vector<CommandCase> kRows = {
     GRIPPING(Set_Gripper_Pick_On, R"({"command": "set_gripper_pick_on", "speed": 500, "force": 200, "block": true})",
              500, 200),
     acknowledged(CALL(Set_Gripper_Pick_On_NonBlock, (s, 500, 200, -1)), Set_Gripper_Release_Cmd,
-                 R"({"command": "set_gripper_pick_on", "speed": 500, "force": 200, "block": 0})", kAccepted)
+                 R"({"command": "set_gripper_pick_on", "speed": 500, "force": 200, "block": 0})", kGripperAccepted)
         .taking_old_replies(),
     GRIPPING(Set_Gripper_Position, R"({"command": "set_gripper_position", "position": 300, "block": true})", 300),
     queued(CALL(Set_Gripper_Position_NonBlock, (s, 300, 0)), R"({"command": "set_gripper_position", "position": 300})"),
-    QUERY(Get_Gripper_State, Get_Gripper_State_Cmd, "get_gripper_state", kState, kStateOutputs,
+    QUERY(Get_Gripper_State, Get_Gripper_State_Cmd, "get_gripper_state", kGripperState, kStateOutputs,
           .with_the_status_of_another()),
 
     acknowledged(CALL(Set_Hand_Posture, (s, 3, true)), {}, kPosture, posed("set_hand_posture")),
@@ -82,11 +82,11 @@ const std::vector<CommandCase> kRows = {
     queued(CALL(Set_PWM_NoBlock, (s, 1000, -5)), kPwm),
 };
 
-ZK_WIRE_ROWS(Gripper, kRows, static_cast<void>(0));
+ZK_WIRE_ROWS(Gripper, kGripperRows, static_cast<void>(0));
 
 // Those that send nothing, and those of gripper_fast_test.cpp, whose limit cannot be raised.
-std::vector<CommandCase> all_rows() {
-    std::vector<CommandCase> rows = kRows;
+std::vector<CommandCase> all_gripper_rows() {
+    std::vector<CommandCase> rows = kGripperRows;
     rows.insert(rows.end(), {{CALL(Stop_PWM, (s, true)), "", ""},
                              {CALL(Stop_PWM_Block, (s)), "", ""},
                              {CALL(Stop_PWM_NonBlock, (s)), "", ""},
@@ -95,7 +95,7 @@ std::vector<CommandCase> all_rows() {
     return rows;
 }
 
-ZK_WIRE_GUARDS(Gripper, "gripper_and_hand.h", "Gripper and hand", all_rows())
+ZK_WIRE_GUARDS(Gripper, "gripper_and_hand.h", "Gripper and hand", all_gripper_rows())
 
 TEST(GripperGuards, PwmCannotBeStopped) {
     expect_nothing_sent({{CALL(Stop_PWM, (s, true))},

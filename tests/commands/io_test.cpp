@@ -33,9 +33,9 @@ const char* const kOn = R"({"command": "set_DO_state", "IO_Num": 3, "state": 1})
 const char* const kOff = R"({"command": "set_DO_state", "IO_Num": 3, "state": 0})";
 const char* const kSupply = R"({"command": "set_voltage", "voltage_type": 3, "start_enable": true})";
 const char* const kSupplyType = R"({"state":"voltage_state","voltage_type":3})";
-const char* const kState = R"({"state":"IO_state","IO_state":1,"IO_Mode":3})";
+const char* const kIoState = R"({"state":"IO_state","IO_state":1,"IO_Mode":3})";
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kIoRows = {
     SETTER(Set_DO_State, Set_DO_State_Cmd, kOn, "set_state", 3, 200),
     queued("Off_" CALL(Set_DO_State_NonBlock, (s, 3, 0)), kOff),
     // A single-precision product, truncated.
@@ -61,7 +61,7 @@ const std::vector<CommandCase> kRows = {
           R"({"state":"IO_input","DI":[1,0,1,-1],"AI":[2500,0,1,10000]})", "1 0 1 -1; 2.5 0 0.001 10"),
     QUERY(Get_IO_Output, Get_IO_Output_State_Cmd, "get_IO_output",
           R"({"state":"IO_output","DO":[0,1,0,1],"AO":[1,2500,0,10000]})", "0 1 0 1; 0.001 2.5 0 10"),
-    QUERY_BY(asking_3, Get_IO_State, Get_DIO_State_Cmd, of_3("get_IO_state"), kState, "1; 3",
+    QUERY_BY(asking_3, Get_IO_State, Get_DIO_State_Cmd, of_3("get_IO_state"), kIoState, "1; 3",
              .reads({{}, {{"/IO_Mode", {0, 0}}}})),
     WAITING(Set_IO_Mode, Set_IO_Mode_Cmd, R"({"command": "set_IO_mode", "IO_Num": 3, "IO_mode": 255})", "set_state", 3,
             255),
@@ -88,12 +88,12 @@ const std::vector<CommandCase> kRows = {
              "set_state"),
     UNFED(Set_IO_State, given(3, 2), kOff, "set_state"),
     no_reply("One_" CALL(Set_IO_State_Block_NC_E, (s, 3, 1)), kOn, "set_state"),
-    UNFED(Get_IO_State, asking_3, of_3("get_IO_state"), kState),
+    UNFED(Get_IO_State, asking_3, of_3("get_IO_state"), kIoState),
     UNFED(Get_Controller_Voltage, asking, "get_voltage", kSupplyType),
     UNFED(Set_Controller_Voltage, given(3, 2), kSupply, "state"),
 };
 
-ZK_WIRE_TESTS(Io, "io.h", "Inputs and outputs", kRows)
+ZK_WIRE_TESTS(Io, "io.h", "Inputs and outputs", kIoRows)
 
 // They go on during a file transfer, as far as the queue that it holds.
 TEST(IoGuards, SingleInputsAndOutputsWaitInTheQueueDuringAFileTransfer) {
@@ -101,7 +101,7 @@ TEST(IoGuards, SingleInputsAndOutputsWaitInTheQueueDuringAFileTransfer) {
     ZK_API_Init(65, nullptr);
     set_shared(m_nOutTime, 1);
     const ArmSocket arm = connect_arm(controller);
-    std::vector<CommandCase> rows = kRows;
+    std::vector<CommandCase> rows = kIoRows;
     std::erase_if(
         rows, [](const CommandCase& row) { return !matches(row.name, "(Unwaited_)?(Set_[DA]O|Get_[DA][IO])_State"); });
     EXPECT_EQ(rows.size(), 8u);

@@ -35,7 +35,7 @@ const char* const kHighestDegrees = "178 130.001 0 0.001 0.002 0.003";
     acknowledged(#command, ZK_FORM(command, __VA_ARGS__), mailbox, wire, reply).adding(), \
         acknowledged(#command "_Block", ZK_FORM(command##_Block, __VA_ARGS__), mailbox, wire, other_reply).adding()
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kJointConfigurationRows = {
     // Speed and acceleration go out in thousandths of a revolution per minute, in the non-blocking form without the
     // division by 6.
     FOLLOWED(Set_Joint_Speed, or_8(Set_Joint_Max_Speed_Cmd),
@@ -124,7 +124,7 @@ const std::vector<CommandCase> kRows = {
     acknowledged(CALL(Auto_Set_Joint_Limit_Block_E, (s, 200)), Auto_Set_Joint_Limit_Cmd, kLimitMode, kLimitModeSet),
 };
 
-ZK_WIRE_TESTS(JointConfiguration, "joint_configuration.h", "Joint configuration", kRows)
+ZK_WIRE_TESTS(JointConfiguration, "joint_configuration.h", "Joint configuration", kJointConfigurationRows)
 
 // The three that look at the connection: first whether there is one, then whether the library runs.
 TEST(JointConfigurationGuards, ThreeCommandsCheckTheConnectionThenTheThreads) {
@@ -229,7 +229,7 @@ TEST_F(LimitsInTheModel, AnArrayOfAnotherSizeDeliversTheLastOne) {
 
 // ---------------------------------------------------------------------------------------- Joints beyond soft limits --
 
-const char* const kAccepted = R"({"command":"auto_fix_joint_over_soft_limit","set_state":true})";
+const char* const kJointAccepted = R"({"command":"auto_fix_joint_over_soft_limit","set_state":true})";
 const char* const kArrived = R"({"state":"current_trajectory_state","trajectory_state":true,"device":0})";
 const char* const kFailed = R"({"state":"current_trajectory_state","trajectory_state":false,"device":0})";
 
@@ -241,7 +241,7 @@ class SoftLimits : public LimitsInTheModel {
 };
 
 TEST_F(SoftLimits, EndWithTheReportOfTheMotion) {
-    controller_.answer_bytes("auto_fix_joint_over_soft_limit", {line(kAccepted), line(kArrived)});
+    controller_.answer_bytes("auto_fix_joint_over_soft_limit", {line(kJointAccepted), line(kArrived)});
     FirstRecord(Move_Cmd).put(1, 5);  // of an earlier motion
     EXPECT_EQ(Auto_Fix_Joint_Over_Soft_Limit(arm_, true), 0);
     EXPECT_EQ(shared(Move_Cmd[0].count), 0);
@@ -254,7 +254,7 @@ TEST_F(SoftLimits, EndWithTheReportOfTheMotion) {
 }
 
 TEST_F(SoftLimits, WaitForTheReportWithoutALimit) {
-    controller_.answer("auto_fix_joint_over_soft_limit", kAccepted);
+    controller_.answer("auto_fix_joint_over_soft_limit", kJointAccepted);
     std::future<int> status = start();
     eventually([] { return shared(Auto_Fix_Joint_Over_Soft_Limit_Cmd[0].count) > 0; });
     set_shared(m_nOutTime, 1);

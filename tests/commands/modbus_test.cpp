@@ -44,7 +44,7 @@ const std::string kManyCoils = read_out("read_multiple_coils", "[165,1]");
 const std::string kManyHolding = read_out("multiple_holding_registers", "[1,2,3]");
 const std::string kManyInput = read_out("multiple_input_registers", "[255,-1]");
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kModbusRows = {
     SETTER(Set_Modbus_Mode, Set_Modbus_Mode_Cmd,
            R"({"command": "set_modbus_mode", "port": 1, "baudrate": 115200, "timeout": 600})", "set_state", 1, 115200,
            600),
@@ -83,9 +83,9 @@ const std::vector<CommandCase> kRows = {
            "write_state", 0, 7, 2, kBytes, 1),
 };
 
-ZK_WIRE_ROWS(Modbus, kRows, set_shared(m_nmodbusrtu_OutTime, 60000));
+ZK_WIRE_ROWS(Modbus, kModbusRows, set_shared(m_nmodbusrtu_OutTime, 60000));
 
-ZK_WIRE_GUARDS(Modbus, "modbus.h", "Modbus", kRows)
+ZK_WIRE_GUARDS(Modbus, "modbus.h", "Modbus", kModbusRows)
 
 TEST(ModbusGuards, RegistersAreDroppedWithoutAnArray) {
     ScriptedController controller;

@@ -21,7 +21,7 @@ namespace {
 using namespace zk::test;
 
 // Products are single-precision and truncated toward zero: 0.251 degrees are 250.99998 thousandths.
-const float kJoints[7] = {0.251f, -90.0f, 1.5f, -0.0009f, 178.0f, 12.3456f, -7.25f};
+const float kWireJoints[7] = {0.251f, -90.0f, 1.5f, -0.0009f, 178.0f, 12.3456f, -7.25f};
 const float kNoIntegers[6] = {NAN, INFINITY, -INFINITY, 3e6f, -3e6f, 2147483.5f};
 constexpr Pose kPose{{0.3f, -0.2f, 0.0000019f}, {9, 9, 9, 9}, {3.1415f, -0.5f, -0.0009f}};
 constexpr Pose kVia{{0.25f, 0.5f, -3000.0f}, {}, {0.5f, 0.25f, 1.0f}};
@@ -45,11 +45,11 @@ CommandCase accepted(const std::string& name, Call call, const std::string& wire
         accepted("Unarrived_" #command, ZK_FORM(command, __VA_ARGS__, false), wire),    \
         accepted(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), wire)
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kMotionRows = {
     MOVE(Movej_Cmd, "movej",
          R"({"command": "movej", "joint": [250, -90000, 1500, 0, 178000, 12345], "v": 255, "r": 7, )"
          R"("trajectory_connect": 0})",
-         kJoints, 255, 7, 0),
+         kWireJoints, 255, 7, 0),
     MOVE(Movel_Cmd, "movel",
          R"({"command": "movel", "pose": [300000, -200000, 1, 3141, -500, 0], "v": 100, "r": 50, )"
          R"("trajectory_connect": 0})",
@@ -67,7 +67,7 @@ const std::vector<CommandCase> kRows = {
          R"("pose_to": [300000, -200000, 1, 3141, -500, 0]}, "v": 20, "r": 3, "loop": 255, "trajectory_connect": 0})",
          kVia, kPose, 20, 3, 255, 0),
 
-    accepted("OfSevenJoints_" CALL(Movej_Cmd_NonBlock, (s, kJoints, 20, 0, 2147483647)),
+    accepted("OfSevenJoints_" CALL(Movej_Cmd_NonBlock, (s, kWireJoints, 20, 0, 2147483647)),
              R"({"command": "movej", "joint": [250, -90000, 1500, 0, 178000, 12345, -7250], "v": 20, "r": 0, )"
              R"("trajectory_connect": 2147483647})")
         .on(75),
@@ -88,11 +88,11 @@ const std::vector<CommandCase> kRows = {
         .returning(9),
 };
 
-ZK_WIRE_ROWS(Motion, kRows, set_time_factor(0); set_shared(g_is_robot_type_i, uint8_t{1}));
+ZK_WIRE_ROWS(Motion, kMotionRows, set_time_factor(0); set_shared(g_is_robot_type_i, uint8_t{1}));
 
 // The page lists the query under the state of the arm.
 std::vector<CommandCase> moves() {
-    std::vector<CommandCase> rows = kRows;
+    std::vector<CommandCase> rows = kMotionRows;
     for (CommandCase& row : rows) {
         if (row.wire == "get_current_arm_state") row.wire = "";
     }
@@ -101,7 +101,7 @@ std::vector<CommandCase> moves() {
 ZK_WIRE_GUARDS(Motion, "motion.h", "Motion", moves())
 
 TEST(MotionGuards, MovesWithoutAConnectionReturnFive) {
-    expect_nothing_sent({{CALL(Movej_Cmd_Block, (s + 1, kJoints, 20, 0, 0))},
+    expect_nothing_sent({{CALL(Movej_Cmd_Block, (s + 1, kWireJoints, 20, 0, 0))},
                          {CALL(Movel_Cmd_NonBlock, (s + 1, kPose, 20, 0, 0))},
                          {CALL(MoveCartesianTool_Cmd, (s + 1, 20, 0, 0, true, 0, 0, 0))}},
                         5);

@@ -138,19 +138,20 @@ CommandCase named(const char* name, int (*command)(ArmSocket, const char*, Globa
 #define BOTH(command, block, arguments, wire, key) \
     ADDING(command, command, arguments, wire, key), ADDING(block, command, arguments, wire, key)
 
-const char* const kStart = R"({"command": "set_program_id_start", "id": 3, "speed": 20})";
+const char* const kProgramStart = R"({"command": "set_program_id_start", "id": 3, "speed": 20})";
 const char* const kStarted = R"({"command":"set_program_id_start","start_state":true})";
 const char* const kDefault = "get_default_run_program";
 const char* const kDefaultOutputs = R"({"state":"get_default_run_program","id":3})";
 
 // A start that ends with its reply, without a query of the program.
 CommandCase turned_down(const std::string& name, Call call, const std::string& state, int status) {
-    CommandCase row{name, call, kStart, R"({"command":"set_program_id_start","start_state":)" + state + "}", status};
+    CommandCase row{name, call, kProgramStart, R"({"command":"set_program_id_start","start_state":)" + state + "}",
+                    status};
     row.limit = 1000;
     return row;
 }
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kProgramsRows = {
     programs("Get_Program_Trajectory_List", Get_Program_Trajectory_List, asked<ProgramList>(2, 3, "a"),
              R"({"command": "get_program_trajectory_list", "page_num": 2, "page_size": 3, "vague_search": "a"})"),
     programs("Get_Program_Trajectory_List_Block", Get_Program_Trajectory_List_Block, asked<ProgramList>(0, -1, ""),
@@ -160,8 +161,8 @@ const std::vector<CommandCase> kRows = {
         .reads({{}, {{"/edit_id", {0}}}}),
     run_state("Get_Program_Run_State_Block", Get_Program_Run_State_Block,
               R"({"state":"get_program_run_state","run_state":0})", "0 -1 -1 -1 -1 0 -1"),
-    acknowledged(CALL(Set_Program_ID_Start, (s, 3, 20, false)), Set_Program_ID_Start_Cmd, kStart, kStarted),
-    acknowledged(CALL(Set_Program_ID_Start_NonBlock, (s, 3, 20)), Set_Program_ID_Start_Cmd, kStart, kStarted),
+    acknowledged(CALL(Set_Program_ID_Start, (s, 3, 20, false)), Set_Program_ID_Start_Cmd, kProgramStart, kStarted),
+    acknowledged(CALL(Set_Program_ID_Start_NonBlock, (s, 3, 20)), Set_Program_ID_Start_Cmd, kProgramStart, kStarted),
     turned_down("Refused_" CALL(Set_Program_ID_Start, (s, 3, 20, true)), "false", 1),
     turned_down(CALL(Set_Program_ID_Start_Block, (s, 3, 20)), "\"?\"", 11),
     WAITING(Delete_Program_Trajectory, Delete_Program_Trajectory_Cmd,
@@ -195,7 +196,7 @@ const std::vector<CommandCase> kRows = {
               "get_global_waypoints_list", "0 0 1 [] / "),
 };
 
-ZK_WIRE_TESTS(ProgramsAndWaypoints, "programs.h", "Programs and global waypoints", kRows)
+ZK_WIRE_TESTS(ProgramsAndWaypoints, "programs.h", "Programs and global waypoints", kProgramsRows)
 
 TEST(ProgramGuards, QueriesWithoutARecordSendNothing) {
     expect_nothing_sent({{CALL(Get_Program_Trajectory_List, (s, nullptr))},

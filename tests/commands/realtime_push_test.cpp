@@ -28,7 +28,7 @@ const char* const kReplyOutputs = "5, on, 8089, 1, 192.168.1.10, 1 0 1 0 1 0";
 CommandCase adding(CommandCase row) { return row.adding(); }
 
 // Values that are negative, zero or too long are not sent.
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kRealtimePushRows = {
     adding(acknowledged(
         "Set_Realtime_Push", [](ArmSocket s) { return set_push(Set_Realtime_Push, s, kFull, 1); },
         Set_Realtime_Push_Cmd,
@@ -56,11 +56,13 @@ const std::vector<CommandCase> kRows = {
         .wiping(),
 };
 
-ZK_WIRE_ROWS(RealtimePush, kRows, static_cast<void>(0));
+ZK_WIRE_ROWS(RealtimePush, kRealtimePushRows, static_cast<void>(0));
 
-TEST(RealtimePushGuards, ThePageDescribesTheWire) { expect_documented("Real-time push", kRows); }
+TEST(RealtimePushGuards, ThePageDescribesTheWire) { expect_documented("Real-time push", kRealtimePushRows); }
 
-TEST(RealtimePushGuards, PlainNamesDoNothingDuringAFileTransfer) { expect_nothing_during_a_file_transfer(kRows); }
+TEST(RealtimePushGuards, PlainNamesDoNothingDuringAFileTransfer) {
+    expect_nothing_during_a_file_transfer(kRealtimePushRows);
+}
 
 TEST(RealtimePushGuards, TheQueryRefusesANullRecord) { expect_nothing_sent({{CALL(Get_Realtime_Push, (s, nullptr))}}); }
 

@@ -69,7 +69,7 @@ const char* const kEnvelopeReply =
     R"({"state":"get_tool_envelope","get_state":true,"tool_name":"grip","list":[{"name":"tip","radius":50,"x":1,)"
     R"("y":-2,"z":1000}]})";
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kSafetyGeometryRows = {
     WAITING_WITH(
             .adding(), Set_Electronic_Fence_Enable, Set_Electronic_Fence_Enable_Cmd,
             R"({"command": "set_electronic_fence_enable", "set_enable": true, "in_out_side": -1, "effective_region": 2})",
@@ -136,7 +136,7 @@ const std::vector<CommandCase> kRows = {
           .with_the_status_of_another().reads({{}, {{"/get_state", {0, 0}}}})),
 };
 
-ZK_WIRE_TESTS(SafetyGeometry, "safety_geometry.h", "Safety geometry", kRows)
+ZK_WIRE_TESTS(SafetyGeometry, "safety_geometry.h", "Safety geometry", kSafetyGeometryRows)
 
 TEST(SafetyGeometryGuards, MoreThanFiveSpheresSendNothing) {
     expect_nothing_sent({{CALL(Set_Tool_Envelope, (s, envelope(6)))}});
@@ -147,7 +147,7 @@ TEST(SafetyGeometryGuards, NullPointersAreDropped) {
     ZK_API_Init(65, nullptr);
     set_shared(m_nOutTime, 60000);
     const ArmSocket arm = connect_arm(controller);
-    for (const CommandCase& row : kRows) controller.answer(command_name(row.wire), row.reply);
+    for (const CommandCase& row : kSafetyGeometryRows) controller.answer(command_name(row.wire), row.reply);
     EXPECT_EQ(Get_Electronic_Fence_Enable(arm, nullptr, nullptr, nullptr), 0);
     EXPECT_EQ(Get_Electronic_Fence_Config(arm, nullptr), 0);
     EXPECT_EQ(Given_Electronic_Fence_Config(arm, nullptr, nullptr), 0);

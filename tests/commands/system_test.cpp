@@ -39,7 +39,7 @@ const auto kWithoutProduct = [](ArmSocket s, std::string& outputs) {
     return with_outputs<char, char, char, char>(outputs, call, s);
 };
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kSystemRows = {
     // 64 is off.
     SETTER(Set_Arm_Power, Set_Arm_Power_Cmd, R"({"command": "set_arm_power", "arm_power": 64})", "arm_power", 0),
     queued("On_" CALL(Set_Arm_Power, (s, 200, false)), R"({"command": "set_arm_power", "arm_power": 1})"),
@@ -129,7 +129,7 @@ const std::vector<CommandCase> kRows = {
     queued(CALL(Set_Ethernet_Block, (s)), "set_ethernet"),
 };
 
-ZK_WIRE_TESTS(System, "system.h", "System and network", kRows)
+ZK_WIRE_TESTS(System, "system.h", "System and network", kSystemRows)
 
 TEST(SystemGuards, NonBlockingFormsNeedNoConnection) {
     ZK_API_Init(65, nullptr);

@@ -12,9 +12,9 @@ namespace {
 
 using namespace zk::test;
 
-const char* const kArrived = R"({"state":"current_trajectory_state","trajectory_state":true,"device":0})";
+const char* const kTeachArrived = R"({"state":"current_trajectory_state","trajectory_state":true,"device":0})";
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kTeachRows = {
     SETTER(Joint_Teach_Cmd, Joint_Teach_Cmd_Cmd,
            R"({"command": "set_joint_teach", "teach_joint": 6, "direction": "pos", "v": 20})", "joint_teach", 6, 1, 20),
     SETTER(Pos_Teach_Cmd, Pos_Teach_Cmd_Cmd,
@@ -36,14 +36,14 @@ const std::vector<CommandCase> kRows = {
     queued(CALL(Teach_Stop_Cmd_NonBlcok, (s)), "set_stop_teach"),
 
     // The reply to a step is the report of its end. The step of a joint is sent untruncated.
-    SETTER(Joint_Step_Cmd, Move_Cmd, R"({"command": "set_joint_step", "joint_step": [2, 500], "v": 20})", kArrived, 2,
-           20, 0.5f),
+    SETTER(Joint_Step_Cmd, Move_Cmd, R"({"command": "set_joint_step", "joint_step": [2, 500], "v": 20})", kTeachArrived,
+           2, 20, 0.5f),
     queued("Untruncated_" CALL(Joint_Step_Cmd, (s, 7, 100, -0.0625f, false)),
            R"({"command": "set_joint_step", "joint_step": [7, -62.500000], "v": 100})"),
     SETTER(Pos_Step_Cmd, Move_Cmd, R"({"command": "set_pos_step", "step_type": "x_step", "step": -1, "v": 20})",
-           kArrived, 0, 20, -0.0000019f),
+           kTeachArrived, 0, 20, -0.0000019f),
     SETTER(Ort_Step_Cmd, Move_Cmd, R"({"command": "set_ort_step", "step_type": "rz_step", "step": 3141, "v": 1})",
-           kArrived, 2, 1, 3.1415f),
+           kTeachArrived, 2, 1, 3.1415f),
     queued("Y_" CALL(Pos_Step_Cmd, (s, 1, 20, 0.3f, false)),
            R"({"command": "set_pos_step", "step_type": "y_step", "step": 300000, "v": 20})"),
     queued("Z_" CALL(Pos_Step_Cmd, (s, 2, 20, 5000, false)),
@@ -54,8 +54,8 @@ const std::vector<CommandCase> kRows = {
            R"({"command": "set_ort_step", "step_type": "ry_step", "step": -500, "v": 20})"),
 };
 
-ZK_WIRE_ROWS(Teach, kRows, set_time_factor(0));
-ZK_WIRE_GUARDS(Teach, "teach.h", "Teaching and steps", kRows)
+ZK_WIRE_ROWS(Teach, kTeachRows, set_time_factor(0));
+ZK_WIRE_GUARDS(Teach, "teach.h", "Teaching and steps", kTeachRows)
 
 TEST(TeachGuards, BlockingFormsNeedAConnection) {
     expect_nothing_sent(

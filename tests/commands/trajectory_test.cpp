@@ -11,11 +11,11 @@ namespace {
 
 using namespace zk::test;
 
-const float kJoints[7] = {0.251f, -90.0f, 1.5f, -0.0009f, 178.0f, 12.3456f, -7.25f};
+const float kTargetJoints[7] = {0.251f, -90.0f, 1.5f, -0.0009f, 178.0f, 12.3456f, -7.25f};
 const char* const kCircle =
     R"({"state":"arm_current_trajectory","type":"movec","data":[300000,-200000,1,3141,-500,1]})";
 
-const std::vector<CommandCase> kRows = {
+const std::vector<CommandCase> kTrajectoryRows = {
     SETTER(Move_Stop_Cmd, Set_Arm_Stop_Cmd, "set_arm_stop", "arm_stop"),
     SETTER(Move_Pause_Cmd, Set_Arm_Pause_Cmd, "set_arm_pause", "arm_pause"),
     SETTER(Move_Continue_Cmd, Set_Arm_Continue_Cmd, "set_arm_continue", "arm_continue"),
@@ -40,8 +40,8 @@ const std::vector<CommandCase> kRows = {
 
     // A reply to a waypoint command is routed as a streamed point; the timer waits on the pending list.
     NO_REPLY(Add_Waypoint, R"({"command": "add_waypoint", "joint": [250, -90000, 1500, 0, 178000, 12345]})",
-             "waypoint_state", kJoints),
-    queued("OfSevenJoints_" CALL(Add_Waypoint, (s, kJoints, false)),
+             "waypoint_state", kTargetJoints),
+    queued("OfSevenJoints_" CALL(Add_Waypoint, (s, kTargetJoints, false)),
            R"({"command": "add_waypoint", "joint": [250, -90000, 1500, 0, 178000, 12345, -7250]})", 72),
     NO_REPLY(Start_Waypoint, R"({"command": "start_waypoint", "frequency": -2147483648})", "waypoint_state",
              -2147483647 - 1),
@@ -50,7 +50,7 @@ const std::vector<CommandCase> kRows = {
     NO_REPLY(Timer, R"({"command": "timer", "wait_time": 2147483647})", "wait_time", 2147483647),
 };
 
-ZK_WIRE_TESTS(Trajectory, "trajectory.h", "Trajectories", kRows)
+ZK_WIRE_TESTS(Trajectory, "trajectory.h", "Trajectories", kTrajectoryRows)
 
 TEST(TrajectoryParsers, TheTrajectoryInProgress) {
     const std::string joints = "1 0.002 0.003 0.004 0.005 0.006", pose = "0.001 2e-06 3e-06 0.004 0.005 0.006";

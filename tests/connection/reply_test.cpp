@@ -72,7 +72,7 @@ void for_each_key(const json& object, const std::string& path, const std::functi
     }
 }
 
-bool same_type(const json& a, const json& b) { return a.type() == b.type() || (a.is_number() && b.is_number()); }
+bool of_same_type(const json& a, const json& b) { return a.type() == b.type() || (a.is_number() && b.is_number()); }
 
 class Replies : public testing::TestWithParam<Reader> {
  protected:
@@ -96,7 +96,7 @@ TEST_P(Replies, WithAKeyMissingOrOfAnotherTypeAreRefused) {
         reply[key.parent_pointer()].erase(key.back());
         expect(reply, exception == reader.missing.end() ? 9 : exception->second);
         for (const json& other : {json(nullptr), json(true), json(1), json("1"), json::array(), json::object()}) {
-            if (same_type(other, reader.good[key])) continue;
+            if (of_same_type(other, reader.good[key])) continue;
             reply = reader.good;
             reply[key] = other;
             expect(reply, reader.wrong);
