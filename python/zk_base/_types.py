@@ -1,0 +1,158 @@
+"""How the parameters of the C interface take what Python has."""
+from __future__ import annotations
+
+import ctypes
+from operator import index
+from typing import Any
+
+
+class Out:
+    """Stands for an output of a command: its value is returned.
+
+    ``Out`` is one value, ``Out(7)`` an array of 7 values, ``Out(16)`` in the place of a text a buffer of 16 bytes.
+    """
+
+    def __init__(self, count: int) -> None:
+        if count < 1:
+            raise ValueError("an output has at least one value")
+        self.count = count
+
+
+class Integer:
+    """A whole number, which has to fit its type in C."""
+
+    def __init__(self, kind: Any) -> None:
+        self.kind = kind
+        bits, signed = 8 * ctypes.sizeof(kind), kind(-1).value < 0
+        self.least, self.most = (-1 << bits - 1, (1 << bits - 1) - 1) if signed else (0, (1 << bits) - 1)
+
+    def from_param(self, value: Any) -> Any:
+        number = index(value)
+        if not self.least <= number <= self.most:
+            raise ValueError(f"{number} is not within {self.least} to {self.most}")
+        return self.kind(number)
+
+
+class Callback:
+    """A function of Python for the library to call. Its caller keeps the ctypes object alive."""
+
+    def __init__(self, kind: Any) -> None:
+        self.kind = kind
+
+    def from_param(self, value: Any) -> Any:
+        return self.kind() if value is None else self.kind.from_param(value)
+
+
+class Pointer:
+    """A parameter that the function writes to: a ctypes object or array, or a numpy array of just that type."""
+
+    constant = False
+
+    def __init__(self, element: Any) -> None:
+        self.element = element
+
+    def from_param(self, value: Any) -> Any:
+        """What ctypes passes for a value. The function sees the memory of an array, not a copy."""
+        if value is None:
+            return None
+        if isinstance(value, self.element):
+            return ctypes.byref(value)
+        if hasattr(value, "__array_interface__"):
+            return self._array(value)
+        if self.constant and isinstance(value, (list, tuple)):
+            return (self.element * max(1, len(value)))(*value)
+        if self.constant and isinstance(value, (bytes, bytearray)) and ctypes.sizeof(self.element) == 1:
+            return (self.element * max(1, len(value))).from_buffer_copy(value or b"\0")
+        return ctypes.POINTER(self.element).from_param(value)
+
+    def _array(self, array: Any) -> Any:
+        if not self._matches(array.dtype) or not array.flags.c_contiguous:
+            if not self.constant or issubclass(self.element, ctypes.Structure):
+                raise TypeError(f"a contiguous array of {self.element.__name__} is needed, not one of {array.dtype}")
+            import numpy as np
+            array = np.ascontiguousarray(array, np.dtype(self.element))
+        if array.size == 0:
+            return (self.element * 1)()
+        if array.flags.writeable:
+            return ctypes.byref(self.element.from_buffer(array))
+        if not self.constant:
+            raise TypeError("the array is read-only, and the function writes to it")
+        return (self.element * array.size).from_buffer_copy(array)
+
+    def _matches(self, dtype: Any) -> bool:
+        if issubclass(self.element, ctypes.Structure):
+            return bool(dtype.names) and bool(dtype.itemsize == ctypes.sizeof(self.element))
+        import numpy as np
+        return bool(dtype == np.dtype(self.element))
+
+    # Some functions write more than one value to a pointer; memory that is too short would be overrun.
+    _AT_LEAST = 64
+
+    def room(self, count: int) -> Any:
+        """Memory for an output."""
+        return (self.element * max(count, self._AT_LEAST if ctypes.sizeof(self.element) <= 12 else 1))()
+
+    def result(self, room: Any, count: int | None) -> Any:
+        """What an output holds: one value without a count, else a list or an array of numpy."""
+        if count is None:
+            return room[0]
+        if issubclass(self.element, ctypes.Structure):
+            return list(room[:count])
+        import numpy as np
+        return np.array(room[:count], np.dtype(self.element))
+
+
+class Input(Pointer):
+    """A parameter that the function only reads: also a sequence of numbers, or an array of another type, copied."""
+
+    constant = True
+
+
+class _Text(Pointer):
+    constant = True
+
+    def from_param(self, value: Any) -> Any:
+        return ctypes.c_char_p.from_param(value.encode() if isinstance(value, str) else value)
+
+
+class _Buffer(Pointer):
+    def result(self, room: Any, count: int | None) -> str:
+        return bytes(room).split(b"\0", 1)[0].decode(errors="replace")
+
+
+TEXT = _Text(ctypes.c_char)
+BUFFER = _Buffer(ctypes.c_char)
+
+
+class Types(dict[str, Any]):
+    """The types of the interface by their names, each made at its first use."""
+
+    def __init__(self, records: dict[str, tuple[str, str]], callbacks: dict[str, str]) -> None:
+        super().__init__({name: value for name, value in vars(ctypes).items() if name[:2] == "c_"})
+        self.update(POINTER=ctypes.POINTER, CFUNCTYPE=ctypes.CFUNCTYPE, BUFFER=BUFFER, TEXT=TEXT, Callback=Callback,
+                    Input=Input, Integer=Integer, Pointer=Pointer)
+        self.records, self.callbacks = records, callbacks
+        self._made: dict[str, Any] = {}
+
+    def __missing__(self, name: str) -> Any:
+        if name in self.callbacks:
+            self[name] = self.of(self.callbacks[name])
+            return self[name]
+        kind, fields = self.records[name]
+        made: Any = type(name, (getattr(ctypes, kind),), {"__module__": "zk_base._interface"})
+        self[name] = made
+        if fields:
+            made._fields_ = self.of(fields)
+        return made
+
+    def of(self, expression: str) -> Any:
+        """What a text of type names stands for."""
+        if expression not in self._made:
+            self._made[expression] = eval(expression, {}, self)
+        return self._made[expression]
+
+    def public(self, name: str, module: str) -> Any:
+        """A type for the programs that import it."""
+        if name in self or name in self.records or name in self.callbacks:
+            return self[name]
+        raise AttributeError(f"module {module!r} has no attribute {name!r}")

@@ -1,0 +1,115 @@
+"""The interface that is made from the headers: all of it, with the right types, and not more than C can express."""
+import ctypes
+import os
+import subprocess
+import sys
+from pathlib import Path
+
+import numpy as np
+import pytest
+
+import zk_base
+from zk_base import Out, _interface, lib
+
+SOURCES = Path(__file__).parents[2]
+
+
+def exported():
+    """Names of functions and of data, from the library itself."""
+    lines = subprocess.run(["nm", "-D", "--defined-only", os.environ["ZK_LIBRARY_TO_READ"]], text=True,
+                           capture_output=True, check=True).stdout.splitlines()
+    names = {line.split()[-1].split("@")[0]: line.split()[-2] for line in lines}
+    return ({name for name, kind in names.items() if kind in "TWi"} - {"_init", "_fini"},
+            {name for name, kind in names.items() if kind in "BDRV"})
+
+
+def test_every_exported_name_is_there():
+    functions, data = exported()
+    assert set(_interface.FUNCTIONS) == functions
+    assert set(_interface.DATA) == data
+    for name in functions | data:
+        getattr(lib, name)
+
+
+def test_values_of_all_kinds_pass():
+    assert (_interface.ZK_LOST, _interface.ZK_SLOTS, _interface.ZK_INVERSE_METRES) == (-12, 20, 1e-5)
+    assert lib.API_Version() == _interface.ZK_VERSION_STRING == zk_base.__version__
+    euler = lib.Algo_Quaternion2Euler(lib.Algo_Euler2Quaternion(_interface.Euler(0.1, 0.2, 0.3)))
+    assert (euler.rx, euler.ry, euler.rz) == pytest.approx((0.1, 0.2, 0.3), abs=1e-6)
+    lib.m_nOutTime = 1234
+    assert lib.m_nOutTime == 1234
+    lib.m_nOutTime = 3000
+    assert lib.SockInfo[0].reserved[183] == 0
+    assert lib.libalgo_set_robot_and_sensor_type(0, 0) == 0
+    assert lib.robot.dof == 6
+    limits = np.full(8, 1, np.float64)
+    lib.libalgo_set_jointlim_max(limits)  # an array of another type is copied
+    lib.libalgo_get_jointlim_max(back := np.zeros(8, np.float32))
+    assert (back == 1).all()
+
+
+@pytest.mark.parametrize("call", [
+    lambda: lib.libalgo_set_safety_level(65536),
+    lambda: lib.libalgo_get_jointlim_max(np.zeros(8)),
+    lambda: lib.libalgo_get_jointlim_max(np.zeros((8, 2), np.float32)[:, 0]),
+    lambda: lib.libalgo_get_jointlim_max([0] * 8),
+    lambda: lib.libalgo_set_jointlim_max("12345678"),
+    lambda: lib.ZK_Set_Log(print, None, 1),
+], ids=["number too large", "output of another type", "output in pieces", "output to a list", "text", "function"])
+def test_what_c_would_misread_is_refused(call):
+    with pytest.raises(ctypes.ArgumentError):
+        call()
+
+
+@pytest.mark.parametrize("declaration", [
+    "ZK_API int Print_All(const char* text, ...);",
+    "typedef struct Bits { int low : 3; } Bits;",
+    "ZK_API int Find(char** name);",
+    "static const int kTen = 10;",
+    "#define ZK_TWICE (2 * 3)",
+    "typedef struct Packed { char a; int b; } __attribute__((packed)) Packed;",
+])
+def test_the_generator_fails_on_what_it_cannot_express(tmp_path, declaration):
+    header = tmp_path / "include" / "zk" / "export.h"
+    header.parent.mkdir(parents=True)
+    header.write_text(f"#define ZK_API extern\n{declaration}\n")
+    done = subprocess.run([sys.executable, SOURCES / "python" / "generate_interface.py", os.environ.get("CC", "cc"),
+                           tmp_path / "include", tmp_path], capture_output=True, text=True)
+    assert done.returncode != 0 and "generate_interface.py:" in done.stderr
+    assert not (tmp_path / "_interface.py").exists()
+
+
+def test_importing_prints_nothing_and_loads_little():
+    done = subprocess.run([sys.executable, "-c", "import zk_base, sys; sys.exit('numpy' in sys.modules or "
+                           "'asyncio' in sys.modules or '_dll' in vars(zk_base.lib))"], capture_output=True)
+    assert (done.returncode, done.stdout, done.stderr) == (0, b"", b"")
+
+
+def test_every_status_has_its_exception(arm):
+    statuses = {value for name, value in vars(_interface).items()
+                if lib.ZK_Status_Text(value if isinstance(value, int) else 99) != "unknown status" and
+                name not in ("ZK_LARGEST_STATUS",) and isinstance(value, int)} - {0}
+    plain = {status for status in statuses if type(zk_base._errors.error(status, "x")) is zk_base.Error}
+    assert plain == {-23, -24}, "an unknown code, and no memory"
+    with pytest.raises(zk_base.Refused) as caught:
+        arm.tool_frames.get("nothing")
+    failure = caught.value
+    assert (failure.status, failure.command) == (1, "Get_Given_Tool_Frame")
+    assert failure.advice and failure.text in str(failure) and failure.advice in str(failure)
+    with pytest.raises(zk_base.NotConnected, match="nothing listens|refused"):
+        zk_base.Arm("127.0.0.1", 1)
+
+
+def test_commands_take_the_arm_and_return_outputs(arm):
+    joints, pose, arm_err, sys_err = arm.c.Get_Current_Arm_State(Out(6), Out, Out, Out)
+    assert joints.dtype == np.float32 and joints.shape == (6,) and (arm_err, sys_err) == (0, 0)
+    assert arm.call("Get_Arm_Power_State", Out) == 1
+    written = np.zeros(7, np.float32)
+    assert arm.c.Get_Joint_Degree(written) is None
+    assert (written[:6] == joints).all()
+    with pytest.raises(TypeError, match="5 arguments"):
+        arm.c.Movej_Cmd([0] * 6)
+    with pytest.raises(ValueError, match="6 joints"):
+        arm.c.Movej_Cmd([0] * 5, 20, 0, 0, True)
+    with pytest.raises(AttributeError):
+        arm.c.Movej_Command

@@ -1,0 +1,48 @@
+"""Ctrl-C in a blocking call, as a real signal in a process of its own; the simulator is the witness."""
+import signal
+import subprocess
+import sys
+import time
+
+import pytest
+
+CHILD = """
+import sys, time, zk_base
+arm = zk_base.Arm("127.0.0.1", {port})
+{before}
+print("ready", flush=True)
+try:
+    {call}
+except KeyboardInterrupt:
+    print("interrupted", flush=True)
+"""
+MOVE = "arm.move_joints([170, 0, 0, 0, 0, 0], 1)"
+
+
+@pytest.mark.zk_base(speed=1)
+@pytest.mark.parametrize("before, call, faults", [
+    ("", MOVE, {}),
+    ("", "arm.call('Movej_Cmd', [170, 0, 0, 0, 0, 0], 1, 0, 0, True)", {}),
+    ("move = arm.move_joints([170, 0, 0, 0, 0, 0], 1, wait=False)", "move.wait()", {}),
+    ("move = arm.move_joints([170, 0, 0, 0, 0, 0], 1, wait=False)", "arm.joints()", {"silent_on": ["get_joint_degree"]}),
+    ("", MOVE, {"silent_on": ["movej"]}),
+    ("arm.__enter__()", "with arm: arm.move_joints([170, 0, 0, 0, 0, 0], 1, wait=False), time.sleep(60)", {}),
+], ids=["move", "C call", "wait", "query", "no acknowledgement", "with"])
+def test_stops_the_arm_and_raises(simulator, before, call, faults):
+    simulator.fault(**faults)
+    child = subprocess.Popen([sys.executable, "-c", CHILD.format(port=simulator.port, before=before, call=call)],
+                             stdout=subprocess.PIPE, text=True)
+    assert child.stdout.readline() == "ready\n"
+    while simulator.ask("get_arm_current_trajectory")["type"] == "none" and "silent_on" not in faults:
+        time.sleep(0.01)
+    time.sleep(0.1)  # into the call; the test holds wherever the signal comes
+    begin = time.monotonic()
+    child.send_signal(signal.SIGINT)
+    assert child.stdout.readline().startswith("interrupted")
+    took = time.monotonic() - begin
+    child.wait()
+    simulator.fault(silent_on=[])
+    while (trajectory := simulator.ask("get_arm_current_trajectory"))["type"] != "none":
+        assert time.monotonic() < begin + 10, trajectory
+    assert simulator.ask("get_joint_degree")["joint"][0] < 100_000
+    print(f"{took * 1000:.0f} ms")
