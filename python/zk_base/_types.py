@@ -50,6 +50,7 @@ class Pointer:
 
     def __init__(self, element: Any) -> None:
         self.element = element
+        self._last: Any = None  # the type of array that fitted last
 
     def from_param(self, value: Any) -> Any:
         """What ctypes passes for a value. The function sees the memory of an array, not a copy."""
@@ -66,24 +67,32 @@ class Pointer:
         return ctypes.POINTER(self.element).from_param(value)
 
     def _array(self, array: Any) -> Any:
-        if not self._matches(array.dtype) or not array.flags.c_contiguous:
+        flags = array.flags
+        if not self._matches(array.dtype) or not flags.c_contiguous:
             if not self.constant or issubclass(self.element, ctypes.Structure):
                 raise TypeError(f"a contiguous array of {self.element.__name__} is needed, not one of {array.dtype}")
             import numpy as np
             array = np.ascontiguousarray(array, np.dtype(self.element))
+            flags = array.flags
         if array.size == 0:
             return (self.element * 1)()
-        if array.flags.writeable:
+        if flags.writeable:
             return ctypes.byref(self.element.from_buffer(array))
         if not self.constant:
             raise TypeError("the array is read-only, and the function writes to it")
         return (self.element * array.size).from_buffer_copy(array)
 
     def _matches(self, dtype: Any) -> bool:
+        if dtype is self._last:
+            return True
         if issubclass(self.element, ctypes.Structure):
-            return bool(dtype.names) and bool(dtype.itemsize == ctypes.sizeof(self.element))
-        import numpy as np
-        return bool(dtype == np.dtype(self.element))
+            fits = bool(dtype.names) and dtype.itemsize == ctypes.sizeof(self.element)
+        else:
+            import numpy as np
+            fits = dtype == np.dtype(self.element)
+        if fits:
+            self._last = dtype
+        return bool(fits)
 
     # Some functions write more than one value to a pointer; memory that is too short would be overrun.
     _AT_LEAST = 64
