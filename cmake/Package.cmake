@@ -6,6 +6,9 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL library development simulator)
+if(TARGET zk_python)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
 set(CPACK_VERBATIM_VARIABLES ON)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -41,12 +44,28 @@ It speaks the protocol of a controller, moves the joints of a simulated arm
 within their limits, and shows faults on demand: for work and for tests
 without an arm.")
 
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-zk-base)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+    "libzk-base1 (= ${PROJECT_VERSION}), python3 (>= 3.9), python3:any, python3-numpy")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS zk-simulator)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS python3-pytest)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS OFF)
+set(CPACK_COMPONENT_PYTHON_DESCRIPTION "client library for robot arms: Python
+Arms whose moves Ctrl-C stops, kinematics on arrays of numpy, the simulated
+controller, and fixtures for pytest.")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/python/postinst ${PROJECT_BINARY_DIR}/python/prerm)
+file(WRITE ${PROJECT_BINARY_DIR}/python/postinst "#!/bin/sh\nset -e\nif [ \"$1\" = configure ]; then py3compile -p python3-zk-base; fi\n")
+file(WRITE ${PROJECT_BINARY_DIR}/python/prerm "#!/bin/sh\nset -e\npy3clean -p python3-zk-base\n")
+file(CHMOD ${PROJECT_BINARY_DIR}/python/postinst ${PROJECT_BINARY_DIR}/python/prerm
+     FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
 # What Debian asks of every package.
 string(TIMESTAMP ZK_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/changelog.in ${PROJECT_BINARY_DIR}/changelog @ONLY)
 execute_process(COMMAND gzip -9nkf ${PROJECT_BINARY_DIR}/changelog COMMAND_ERROR_IS_FATAL ANY)
-foreach(component IN ITEMS LIBRARY DEVELOPMENT SIMULATOR)
-  string(TOLOWER ${component} lower)
+foreach(lower IN LISTS CPACK_COMPONENTS_ALL)
+  string(TOUPPER ${lower} component)
   set(place DESTINATION ${ZK_DOC_DIR}/${CPACK_DEBIAN_${component}_PACKAGE_NAME} COMPONENT ${lower} EXCLUDE_FROM_ALL)
   install(FILES ${PROJECT_BINARY_DIR}/changelog.gz ${place})
   install(FILES ${PROJECT_SOURCE_DIR}/LICENSE RENAME copyright ${place})

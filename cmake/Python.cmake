@@ -21,6 +21,10 @@ foreach(source ${sources})
   file(CREATE_LINK ${source} ${package}/${name} SYMBOLIC)
 endforeach()
 
+set(info ${ZK_PYTHON_DIR}/zk_base-${PROJECT_VERSION}.dist-info)
+configure_file(python/METADATA.in ${info}/METADATA @ONLY)
+configure_file(python/entry_points.txt ${info}/entry_points.txt COPYONLY)
+
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/*.h)
 add_custom_command(OUTPUT ${package}/_interface.py ${package}/_interface.pyi
                    COMMAND ${ZK_PYTHON} -B ${PROJECT_SOURCE_DIR}/python/generate_interface.py ${CMAKE_C_COMPILER}
@@ -35,4 +39,16 @@ if(TARGET zk_simulator)
   add_custom_command(TARGET zk_python POST_BUILD VERBATIM
                      COMMAND ${CMAKE_COMMAND} -E create_symlink $<TARGET_FILE:zk_simulator> ${package}/zk_simulator)
   add_dependencies(zk_python zk_simulator)
+endif()
+
+set(ZK_PYTHON_INSTALL_DIR lib/python3/dist-packages CACHE STRING "Where the Python package is installed")
+install(FILES ${sources} ${package}/_interface.py ${package}/_interface.pyi
+        DESTINATION ${ZK_PYTHON_INSTALL_DIR}/zk_base COMPONENT python)
+install(DIRECTORY ${info} DESTINATION ${ZK_PYTHON_INSTALL_DIR} COMPONENT python)
+
+if(TARGET zk_simulator)
+  string(TOLOWER py3-none-linux_${CMAKE_SYSTEM_PROCESSOR} tag)
+  add_custom_target(zk_wheel COMMAND ${ZK_PYTHON} ${PROJECT_SOURCE_DIR}/python/make_wheel.py ${ZK_PYTHON_DIR}
+                                     ${PROJECT_VERSION} ${tag} ${PROJECT_BINARY_DIR} VERBATIM)
+  add_dependencies(zk_wheel zk_python)
 endif()

@@ -3,7 +3,6 @@ from __future__ import annotations
 
 import ctypes
 import os
-from pathlib import Path
 from typing import TYPE_CHECKING, Any
 
 from . import _interface
@@ -12,13 +11,13 @@ _NAME = "libZK_Base.so.1"
 
 
 def _open() -> ctypes.CDLL:
-    """Named by the environment, beside this file, or where the system's loader finds it."""
-    here = Path(__file__).parent
-    for other in sorted(here.glob("libcjson.so.*")):  # a wheel brings what the library needs
-        ctypes.CDLL(str(other))
-    beside = here / _NAME
-    path = os.environ.get("ZK_BASE_LIBRARY") or (str(beside) if beside.exists() else _NAME)
+    """Named by the environment, beside this file, under the same prefix, or where the system's loader finds it."""
+    here = os.path.dirname(os.path.abspath(__file__))
+    places = [os.path.join(here, _NAME), os.path.join(here, "../../..", _NAME)]
+    path = os.environ.get("ZK_BASE_LIBRARY") or next(filter(os.path.exists, places), _NAME)
     try:
+        if path == places[0] and os.path.exists(brought := os.path.join(here, "libcjson.so.1")):
+            ctypes.CDLL(brought)  # a wheel brings what the library needs
         return ctypes.CDLL(path)
     except OSError as error:
         raise ImportError(f"the library of zk_base cannot be loaded: {error}; install libzk-base1, or set "

@@ -15,9 +15,10 @@ if TYPE_CHECKING:
 
 
 def _program() -> str:
-    """Named by the environment, beside this file, or on the PATH."""
-    beside = Path(__file__).parent / "zk_simulator"
-    return os.environ.get("ZK_SIMULATOR") or (str(beside) if beside.exists() else "zk_simulator")
+    """Named by the environment, beside this file, under the same prefix, or on the PATH."""
+    here = Path(__file__).parent
+    places = [here / "zk_simulator", here / "../../../../bin/zk_simulator"]
+    return os.environ.get("ZK_SIMULATOR") or next((str(one) for one in places if one.exists()), "zk_simulator")
 
 
 class Simulator:
