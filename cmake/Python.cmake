@@ -26,13 +26,13 @@ configure_file(python/METADATA.in ${info}/METADATA @ONLY)
 configure_file(python/entry_points.txt ${info}/entry_points.txt COPYONLY)
 
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/*.h)
-add_custom_command(OUTPUT ${package}/_interface.py ${package}/_interface.pyi
+add_custom_command(OUTPUT ${package}/interface.py ${package}/interface.pyi
                    COMMAND ${ZK_PYTHON} -B ${PROJECT_SOURCE_DIR}/python/generate_interface.py ${CMAKE_C_COMPILER}
                            ${PROJECT_SOURCE_DIR}/include ${package}
                    DEPENDS ${headers} ${PROJECT_SOURCE_DIR}/python/generate_interface.py
                            ${PROJECT_SOURCE_DIR}/python/zk_base/_types.py
                    COMMENT "Making the Python interface from the headers" VERBATIM)
-add_custom_target(zk_python ALL DEPENDS ${package}/_interface.py
+add_custom_target(zk_python ALL DEPENDS ${package}/interface.py
                   COMMAND ${CMAKE_COMMAND} -E create_symlink $<TARGET_FILE:ZK_Base> ${package}/libZK_Base.so.1 VERBATIM)
 add_dependencies(zk_python ZK_Base)
 if(TARGET zk_simulator)
@@ -42,7 +42,7 @@ if(TARGET zk_simulator)
 endif()
 
 set(ZK_PYTHON_INSTALL_DIR lib/python3/dist-packages CACHE STRING "Where the Python package is installed")
-install(FILES ${sources} ${package}/_interface.py ${package}/_interface.pyi
+install(FILES ${sources} ${package}/interface.py ${package}/interface.pyi
         DESTINATION ${ZK_PYTHON_INSTALL_DIR}/zk_base COMPONENT python)
 install(DIRECTORY ${info} DESTINATION ${ZK_PYTHON_INSTALL_DIR} COMPONENT python)
 

@@ -3,7 +3,7 @@
 
 usage: generate_interface.py COMPILER INCLUDE OUTPUT
 
-Writes OUTPUT/_interface.py (records, constants, the types of functions and data) and OUTPUT/_interface.pyi (the same for
+Writes OUTPUT/interface.py (records, constants, the types of functions and data) and OUTPUT/interface.pyi (the same for
 type checkers and editors, with the comments of the headers). Fails on what it cannot express, and when the compiler lays
 a record out in another way than ctypes does.
 """
@@ -370,8 +370,8 @@ def main(compiler: str, include: str, output: str) -> None:
     interface = Interface(compiler, Path(include).resolve())
     interface.read()
     interface.check_layout()
-    (Path(output) / "_interface.py").write_text(interface.module())
-    (Path(output) / "_interface.pyi").write_text(interface.stub())
+    (Path(output) / "interface.py").write_text(interface.module())
+    (Path(output) / "interface.pyi").write_text(interface.stub())
 
 
 def fail(reason: object) -> NoReturn:

@@ -7,13 +7,15 @@
         print(arm.pose())
 
 `Arm` is a connection to a controller, `Model` the kinematics of an arm on this host, `Simulator` a simulated
-controller, `lib` the whole C interface. Joint angles are degrees, lengths metres, Euler angles radians, times seconds.
-What fails raises a subclass of `Error`. The log is `logging.getLogger("zk_base")`.
+controller, `lib` the whole C interface, `interface` its records and constants. Joint angles are degrees, lengths
+metres, Euler angles radians, times seconds. What fails raises a subclass of `Error`. The log is
+`logging.getLogger("zk_base")`.
 """
 from __future__ import annotations
 
 from typing import TYPE_CHECKING, Any
 
+from . import interface
 from ._arm import Arm
 from ._errors import (BadArgument, BadReply, Busy, Cancelled, Deadline, Error, FileError, Lost, NoSolution, NoState,
                       NotConnected, Refused, Timeout)
@@ -30,7 +32,7 @@ if TYPE_CHECKING:
 
 __all__ = ["Arm", "BadArgument", "BadReply", "Busy", "Cancelled", "Deadline", "Error", "FileError", "Lost", "Model",
            "Move", "NoSolution", "NoState", "NotConnected", "Out", "Pose", "Program", "Refused", "Simulator", "State",
-           "Subscription", "Timeout", "lib", "on_connection", "on_motion_report", "pose_dtype"]
+           "Subscription", "Timeout", "interface", "lib", "on_connection", "on_motion_report", "pose_dtype"]
 
 # Loaded at their first use: numpy takes longer than all the rest.
 _LATER = {"Model": "_model", "pose_dtype": "_model", "Simulator": "_simulator"}

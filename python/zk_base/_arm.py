@@ -9,9 +9,9 @@ from contextlib import contextmanager
 from functools import cached_property, partial
 from typing import TYPE_CHECKING, Any
 
-from . import _events, _families, _interface
+from . import _events, _families, interface
 from ._errors import BadArgument, NoState, error
-from ._interface import (COMMANDS, JOINTS, TELLING, ZK_ALL_THREADS, ZK_BAD_ARGUMENT, ZK_DROP_QUEUED, ZK_EMERGENCY_STOP,
+from .interface import (COMMANDS, JOINTS, TELLING, ZK_ALL_THREADS, ZK_BAD_ARGUMENT, ZK_DROP_QUEUED, ZK_EMERGENCY_STOP,
                          ZK_KEEP_MODEL, ZK_OK, ZK_PAUSE, ZK_SLOW_STOP, ZK_STOP, ZK_STOP_AT_DEADLINE, ZK_STOP_AT_EXIT,
                          ArmAllState, ArmSoftwareInfo, ZK_ConnectionRecord, ZK_ConnectOptions, ZK_State)
 from ._library import lib
@@ -25,7 +25,7 @@ if TYPE_CHECKING:
     import numpy as np
     from numpy.typing import NDArray
 
-    from ._interface import Floats
+    from .interface import Floats
     from ._model import Model
 
 # Calls that wait for nothing.
@@ -87,7 +87,7 @@ class Arm:
 
     if TYPE_CHECKING:
         @property
-        def c(self) -> _interface.Commands: ...
+        def c(self) -> interface.Commands: ...
     else:
         @cached_property
         def c(self) -> _Commands:
@@ -293,9 +293,9 @@ class Arm:
             end = time.monotonic() + timeout
             record = ZK_State()
             while (status := lib.ZK_Get_State(self.handle, record, 0)) or record.sequence == sequence:
-                if time.monotonic() > end or status not in (ZK_OK, _interface.ZK_NO_STATE):
-                    if status in (ZK_OK, _interface.ZK_NO_STATE):
-                        raise NoState(_interface.ZK_NO_STATE, "ZK_Get_State", f"no record came within {timeout} s")
+                if time.monotonic() > end or status not in (ZK_OK, interface.ZK_NO_STATE):
+                    if status in (ZK_OK, interface.ZK_NO_STATE):
+                        raise NoState(interface.ZK_NO_STATE, "ZK_Get_State", f"no record came within {timeout} s")
                     raise error(status, "ZK_Get_State")
                 time.sleep(0.0005)
             sequence = record.sequence

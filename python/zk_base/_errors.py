@@ -1,7 +1,7 @@
 """Exceptions by cause."""
 from __future__ import annotations
 
-from ._interface import ZK_MUST_NOT, ZK_RETRY, ZK_Advice
+from .interface import ZK_MUST_NOT, ZK_RETRY, ZK_Advice
 from ._library import lib
 
 

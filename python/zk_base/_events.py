@@ -12,7 +12,7 @@ from collections.abc import Callable
 from queue import SimpleQueue
 from typing import Any
 
-from ._interface import (ZK_CONNECTION_CLOSED, ZK_CONNECTION_LOST, ZK_CONNECTION_UP, ZK_LOG_EVENTS, ZK_LOG_FRAMES,
+from .interface import (ZK_CONNECTION_CLOSED, ZK_CONNECTION_LOST, ZK_CONNECTION_UP, ZK_LOG_EVENTS, ZK_LOG_FRAMES,
                          ArmMotionReport, MotionReportCallback, ZK_ConnectionCallback, ZK_LogCallback)
 from ._library import lib
 

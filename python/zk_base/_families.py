@@ -6,9 +6,9 @@ from collections.abc import Iterable, Sequence
 from pathlib import Path
 from typing import TYPE_CHECKING, Any
 
-from . import _interface
+from . import interface
 from ._errors import FileError
-from ._interface import (ZK_FRAME_NAMES, ZK_MODBUS_VALUES, ForcePositionNew, FrameRec, GripperState, ProgramEntry,
+from .interface import (ZK_FRAME_NAMES, ZK_MODBUS_VALUES, ForcePositionNew, FrameRec, GripperState, ProgramEntry,
                          ProgramList, ProgramRunState, ProjectSendParams)
 from ._types import Out
 from ._pose import Pose, PoseLike
@@ -269,7 +269,7 @@ class Force(Family):
         """
         if len(forces) != 6 or (limits is not None and len(limits) != 6):
             raise ValueError("there are six directions")
-        wanted = ForcePositionNew(sensor=_interface.ZK_SENSOR_SIX_AXIS, mode=int(tool))
+        wanted = ForcePositionNew(sensor=interface.ZK_SENSOR_SIX_AXIS, mode=int(tool))
         wanted.control_mode[:] = [0 if one is None else 1 for one in forces]
         wanted.desired_force[:] = [one or 0.0 for one in forces]
         wanted.limit_vel[:] = list(limits) if limits else [0.05, 0.05, 0.05, 0.2, 0.2, 0.2]

@@ -5,7 +5,7 @@ import ctypes
 import os
 from typing import TYPE_CHECKING, Any
 
-from . import _interface
+from . import interface
 
 _NAME = "libZK_Base.so.1"
 
@@ -14,7 +14,7 @@ def _open() -> ctypes.CDLL:
     """Named by the environment, beside this file, under the same prefix, or where the system's loader finds it."""
     here = os.path.dirname(os.path.abspath(__file__))
     places = [os.path.join(here, _NAME), os.path.join(here, "../../..", _NAME)]
-    path = os.environ.get("ZK_BASE_LIBRARY") or next(filter(os.path.exists, places), _NAME)
+    path = os.environ.get("ZK_BASE_LIBRARY") or next((one for one in places if os.path.exists(one)), _NAME)
     try:
         if path == places[0] and os.path.exists(brought := os.path.join(here, "libcjson.so.1")):
             ctypes.CDLL(brought)  # a wheel brings what the library needs
@@ -35,13 +35,13 @@ class _Library:
         found: Any
         if name == "_dll":
             found = _open()
-        elif name in _interface.FUNCTIONS:
+        elif name in interface.FUNCTIONS:
             found = self._dll[name]
-            found.restype, found.argtypes = _interface.TYPES.of(_interface.FUNCTIONS[name])
+            found.restype, found.argtypes = interface.TYPES.of(interface.FUNCTIONS[name])
             if found.restype is ctypes.c_char_p:
                 found.errcheck = _text
-        elif name in _interface.DATA:
-            datum = _interface.TYPES.of(_interface.DATA[name]).in_dll(self._dll, name)
+        elif name in interface.DATA:
+            datum = interface.TYPES.of(interface.DATA[name]).in_dll(self._dll, name)
             return getattr(datum, "value", datum)
         else:
             raise AttributeError(f"the interface has no {name}")
@@ -49,9 +49,9 @@ class _Library:
         return found
 
     def __setattr__(self, name: str, value: object) -> None:
-        if name not in _interface.DATA:
+        if name not in interface.DATA:
             raise AttributeError(f"the interface has no datum {name}")
-        kind = _interface.TYPES.of(_interface.DATA[name])
+        kind = interface.TYPES.of(interface.DATA[name])
         datum = kind.in_dll(self._dll, name)
         if hasattr(datum, "value"):
             datum.value = value
@@ -60,10 +60,10 @@ class _Library:
                            ctypes.sizeof(kind))
 
     def __dir__(self) -> list[str]:
-        return [*_interface.FUNCTIONS, *_interface.DATA]
+        return [*interface.FUNCTIONS, *interface.DATA]
 
 
 if TYPE_CHECKING:
-    lib: _interface.Library
+    lib: interface.Library
 else:
     lib = _Library()

@@ -7,9 +7,9 @@ from typing import Any
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
-from . import _interface
+from . import interface
 from ._errors import NoSolution, error
-from ._interface import ZK_BAD_ARGUMENT, ZK_BASE_AXES, ZK_BY_EULER, ZK_BY_QUATERNION, ZK_OK, ZK_TOOL_AXES
+from .interface import ZK_BAD_ARGUMENT, ZK_BASE_AXES, ZK_BY_EULER, ZK_BY_QUATERNION, ZK_OK, ZK_TOOL_AXES
 from ._library import lib
 from ._pose import Pose, PoseLike
 
@@ -86,7 +86,7 @@ class Model:
     # --------------------------------------------------------------------------------------------- What it describes --
 
     def _get_pose(self, function: Any, name: str) -> Pose:
-        record = _interface.Pose()
+        record = interface.Pose()
         _status(function(self._record, record), name)
         return Pose.of(record)
 
@@ -149,7 +149,7 @@ class Model:
 
     def forward(self, joints: ArrayLike) -> Pose:
         """The pose of the tool. Limits are not checked."""
-        pose = _interface.Pose()
+        pose = interface.Pose()
         _status(lib.ZK_Model_Forward(self._record, self._joints(joints), pose), "ZK_Model_Forward")
         return Pose.of(pose)
 
@@ -176,8 +176,8 @@ class Model:
 
     @staticmethod
     def _options(by_quaternion: bool, max_step: float, joint_weight: ArrayLike | None, min_manipulability: float,
-                 circle_step: float = 0.0) -> _interface.ZK_InverseOptions:
-        options = _interface.ZK_InverseOptions(orientation=ZK_BY_QUATERNION if by_quaternion else ZK_BY_EULER,
+                 circle_step: float = 0.0) -> interface.ZK_InverseOptions:
+        options = interface.ZK_InverseOptions(orientation=ZK_BY_QUATERNION if by_quaternion else ZK_BY_EULER,
                                                max_step=max_step, min_manipulability=min_manipulability,
                                                circle_step=circle_step)
         if joint_weight is not None:
@@ -188,7 +188,7 @@ class Model:
         return options
 
     @staticmethod
-    def _refuse(status: int, command: str, result: _interface.ZK_InverseResult, followed: int = 0) -> None:
+    def _refuse(status: int, command: str, result: interface.ZK_InverseResult, followed: int = 0) -> None:
         if status == ZK_OK:
             return
         failure = error(status, command)
@@ -204,7 +204,7 @@ class Model:
         max_step: the largest way of a joint from the seed, degrees; 0 is no bound. joint_weight: weight of each joint's
         square in the distance. min_manipulability: answers below are refused. Raises NoSolution with its cause.
         """
-        joints, result = np.empty(self.joint_count, np.float32), _interface.ZK_InverseResult()
+        joints, result = np.empty(self.joint_count, np.float32), interface.ZK_InverseResult()
         status = lib.ZK_Model_Inverse(self._record, Pose.of(target), self._joints(seed),
                                       self._options(False, max_step, joint_weight, min_manipulability), joints, result)
         self._refuse(status, "ZK_Model_Inverse", result)
@@ -260,7 +260,7 @@ class Model:
         could be followed.
         """
         array = self._poses(poses)
-        rows, result = np.zeros((array.size, self.joint_count), np.float32), _interface.ZK_FollowResult()
+        rows, result = np.zeros((array.size, self.joint_count), np.float32), interface.ZK_FollowResult()
         status = lib.ZK_Model_Follow(self._record, array, array.size, self._joints(seed),
                                      self._options(by_quaternion, max_step, joint_weight, min_manipulability), rows,
                                      result)

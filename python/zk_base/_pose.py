@@ -5,7 +5,7 @@ import math
 from collections.abc import Iterable, Iterator
 from typing import TYPE_CHECKING, Any, Union
 
-from . import _interface
+from . import interface
 from ._library import lib
 
 if TYPE_CHECKING:
@@ -13,7 +13,7 @@ if TYPE_CHECKING:
     from numpy.typing import NDArray
 
 
-class Pose(_interface.Pose):
+class Pose(interface.Pose):
     """Where something is: x, y, z in metres and rx, ry, rz in radians, R = Rz(rz) Ry(ry) Rx(rx).
 
     It is the record of the C interface, with position, quaternion (scalar first) and euler; all three are filled.
@@ -32,7 +32,7 @@ class Pose(_interface.Pose):
         """
         if isinstance(value, Pose):
             return value
-        if isinstance(value, _interface.Pose):
+        if isinstance(value, interface.Pose):
             p, e = value.position, value.euler
             return cls(p.x, p.y, p.z, e.rx, e.ry, e.rz)
         names = getattr(getattr(value, "dtype", None), "names", None)
@@ -44,14 +44,14 @@ class Pose(_interface.Pose):
     @classmethod
     def from_quaternion(cls, position: Iterable[float], quaternion: Iterable[float]) -> Pose:
         """A pose from x, y, z in metres and a quaternion w, x, y, z of unit length."""
-        euler = lib.Algo_Quaternion2Euler(_interface.Quat(*quaternion))
+        euler = lib.Algo_Quaternion2Euler(interface.Quat(*quaternion))
         x, y, z = position
         return cls(x, y, z, euler.rx, euler.ry, euler.rz)
 
     @classmethod
     def from_matrix(cls, matrix: Any) -> Pose:
         """A pose from a transform of 4 by 4, as `matrix` returns it."""
-        record = _interface.Matrix(rows=4, cols=4)
+        record = interface.Matrix(rows=4, cols=4)
         for i in range(4):
             for j in range(4):
                 record.m[i][j] = matrix[i][j]
@@ -62,7 +62,7 @@ class Pose(_interface.Pose):
         import numpy as np
         return np.array(lib.algo_pose_to_matrix(self).m, np.float64)
 
-    def __matmul__(self, other: _interface.Pose) -> Pose:
+    def __matmul__(self, other: interface.Pose) -> Pose:
         return Pose.from_matrix(self.matrix() @ Pose.of(other).matrix())
 
     def inverse(self) -> Pose:
@@ -78,7 +78,7 @@ class Pose(_interface.Pose):
         """The pose moved by metres along the axes of the frame in which it is given."""
         return Pose(self.x + x, self.y + y, self.z + z, self.rx, self.ry, self.rz)
 
-    def distance(self, other: _interface.Pose) -> tuple[float, float]:
+    def distance(self, other: interface.Pose) -> tuple[float, float]:
         """How far another pose is: metres, and radians between the orientations."""
         difference = self.inverse() @ other
         q = difference.quaternion
@@ -117,4 +117,4 @@ class Pose(_interface.Pose):
                                    zip(("x", "y", "z", "rx", "ry", "rz"), self)) + ")"
 
 
-PoseLike = Union[_interface.Pose, Iterable[float]]
+PoseLike = Union[interface.Pose, Iterable[float]]

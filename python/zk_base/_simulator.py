@@ -18,7 +18,8 @@ def _program() -> str:
     """Named by the environment, beside this file, under the same prefix, or on the PATH."""
     here = Path(__file__).parent
     places = [here / "zk_simulator", here / "../../../../bin/zk_simulator"]
-    return os.environ.get("ZK_SIMULATOR") or next((str(one) for one in places if one.exists()), "zk_simulator")
+    named = os.environ.get("ZK_SIMULATOR")
+    return named if named else next((str(one) for one in places if one.exists()), "zk_simulator")
 
 
 class Simulator:

@@ -3,7 +3,7 @@ from __future__ import annotations
 
 from typing import TYPE_CHECKING, Any
 
-from ._interface import ZK_State
+from .interface import ZK_State
 from ._pose import Pose
 
 if TYPE_CHECKING:

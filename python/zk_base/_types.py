@@ -148,7 +148,7 @@ class Types(dict[str, Any]):
             self[name] = self.of(self.callbacks[name])
             return self[name]
         kind, fields = self.records[name]
-        made: Any = type(name, (getattr(ctypes, kind),), {"__module__": "zk_base._interface"})
+        made: Any = type(name, (getattr(ctypes, kind),), {"__module__": "zk_base.interface"})
         self[name] = made
         if fields:
             made._fields_ = self.of(fields)

@@ -5,7 +5,7 @@ from collections.abc import Generator
 from typing import TYPE_CHECKING, Any
 
 from ._errors import error
-from ._interface import ZK_OK, ZK_TIMEOUT, ZK_ProgramOutcome
+from .interface import ZK_OK, ZK_TIMEOUT, ZK_ProgramOutcome
 from ._library import lib
 from ._threads import awaitable
 

@@ -61,3 +61,16 @@ def test_the_wheel_needs_nothing_else(tmp_path):
     assert done.returncode == 0, done.stderr
     for library in ("libZK_Base.so.1", "libcjson.so.1"):
         assert f"{tmp_path}/site/zk_base/{library}" in done.stdout
+
+
+@pytest.mark.parametrize("example, arms", [
+    ("first_move", 1), ("stream_joints", 1), ("offline_kinematics", 0), ("pick_and_place", 1), ("two_arms", 2)])
+def test_an_example_does_what_it_shows(example, arms):
+    started = [zk_base.Simulator(model, joints="0,20,70,0,90,0" + ",0" * (model[:4] == "ZK75"), object="300,0.5")
+               for model in ("ZK65-6F", "ZK75-B")[:arms]]
+    words = [word for one in started for word in ("127.0.0.1", str(one.port))]
+    done = subprocess.run([sys.executable, SOURCES / "examples" / "python" / f"{example}.py", *words],
+                          capture_output=True, text=True, timeout=200)
+    for one in started:
+        one.close()
+    assert (done.returncode, done.stderr) == (0, "")

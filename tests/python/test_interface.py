@@ -9,7 +9,7 @@ import numpy as np
 import pytest
 
 import zk_base
-from zk_base import Out, _interface, lib
+from zk_base import Out, interface, lib
 
 SOURCES = Path(__file__).parents[2]
 
@@ -25,16 +25,16 @@ def exported():
 
 def test_every_exported_name_is_there():
     functions, data = exported()
-    assert set(_interface.FUNCTIONS) == functions
-    assert set(_interface.DATA) == data
+    assert set(interface.FUNCTIONS) == functions
+    assert set(interface.DATA) == data
     for name in functions | data:
         getattr(lib, name)
 
 
 def test_values_of_all_kinds_pass():
-    assert (_interface.ZK_LOST, _interface.ZK_SLOTS, _interface.ZK_INVERSE_METRES) == (-12, 20, 1e-5)
-    assert lib.API_Version() == _interface.ZK_VERSION_STRING == zk_base.__version__
-    euler = lib.Algo_Quaternion2Euler(lib.Algo_Euler2Quaternion(_interface.Euler(0.1, 0.2, 0.3)))
+    assert (interface.ZK_LOST, interface.ZK_SLOTS, interface.ZK_INVERSE_METRES) == (-12, 20, 1e-5)
+    assert lib.API_Version() == interface.ZK_VERSION_STRING == zk_base.__version__
+    euler = lib.Algo_Quaternion2Euler(lib.Algo_Euler2Quaternion(interface.Euler(0.1, 0.2, 0.3)))
     assert (euler.rx, euler.ry, euler.rz) == pytest.approx((0.1, 0.2, 0.3), abs=1e-6)
     lib.m_nOutTime = 1234
     assert lib.m_nOutTime == 1234
@@ -76,7 +76,7 @@ def test_the_generator_fails_on_what_it_cannot_express(tmp_path, declaration):
     done = subprocess.run([sys.executable, SOURCES / "python" / "generate_interface.py", os.environ.get("CC", "cc"),
                            tmp_path / "include", tmp_path], capture_output=True, text=True)
     assert done.returncode != 0 and "generate_interface.py:" in done.stderr
-    assert not (tmp_path / "_interface.py").exists()
+    assert not (tmp_path / "interface.py").exists()
 
 
 def test_importing_prints_nothing_and_loads_little():
@@ -86,7 +86,7 @@ def test_importing_prints_nothing_and_loads_little():
 
 
 def test_every_status_has_its_exception(arm):
-    statuses = {value for name, value in vars(_interface).items()
+    statuses = {value for name, value in vars(interface).items()
                 if lib.ZK_Status_Text(value if isinstance(value, int) else 99) != "unknown status" and
                 name not in ("ZK_LARGEST_STATUS",) and isinstance(value, int)} - {0}
     plain = {status for status in statuses if type(zk_base._errors.error(status, "x")) is zk_base.Error}
