@@ -55,7 +55,8 @@ set(CPACK_COMPONENT_PYTHON_DESCRIPTION "client library for robot arms: Python
 Arms whose moves Ctrl-C stops, kinematics on arrays of numpy, the simulated
 controller, and fixtures for pytest.")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/python/postinst ${PROJECT_BINARY_DIR}/python/prerm)
-file(WRITE ${PROJECT_BINARY_DIR}/python/postinst "#!/bin/sh\nset -e\nif [ \"$1\" = configure ]; then py3compile -p python3-zk-base; fi\n")
+file(WRITE ${PROJECT_BINARY_DIR}/python/postinst
+     "#!/bin/sh\nset -e\nif [ \"$1\" = configure ]; then py3compile -p python3-zk-base; fi\n")
 file(WRITE ${PROJECT_BINARY_DIR}/python/prerm "#!/bin/sh\nset -e\npy3clean -p python3-zk-base\n")
 file(CHMOD ${PROJECT_BINARY_DIR}/python/postinst ${PROJECT_BINARY_DIR}/python/prerm
      FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)

@@ -2,7 +2,8 @@
 # the library and to the simulator. Debian's interpreter comes first: it has Debian's packages.
 find_program(ZK_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)
 find_program(ZK_PYTHON python3)
-execute_process(COMMAND ${ZK_PYTHON} -c "import pycparser" RESULT_VARIABLE ZK_WITHOUT_PYCPARSER OUTPUT_QUIET ERROR_QUIET)
+execute_process(COMMAND ${ZK_PYTHON} -c "import pycparser" RESULT_VARIABLE ZK_WITHOUT_PYCPARSER
+                OUTPUT_QUIET ERROR_QUIET)
 if(ZK_WITHOUT_PYCPARSER)
   if(ZK_BUILD_PYTHON STREQUAL AUTO)
     message(WARNING "The Python package is not built: ${ZK_PYTHON} has no pycparser, see scripts/setup --python")

@@ -3,9 +3,9 @@
 
 usage: generate_interface.py COMPILER INCLUDE OUTPUT
 
-Writes OUTPUT/interface.py (records, constants, the types of functions and data) and OUTPUT/interface.pyi (the same for
-type checkers and editors, with the comments of the headers). Fails on what it cannot express, and when the compiler lays
-a record out in another way than ctypes does.
+Writes OUTPUT/interface.py (records, constants, the types of functions and data) and OUTPUT/interface.pyi (the same
+for type checkers and editors, with the comments of the headers). Fails on what it cannot express, and when the
+compiler lays a record out in another way than ctypes does.
 """
 from __future__ import annotations
 
@@ -301,11 +301,13 @@ class Interface:
             "def __getattr__(name):", "    return TYPES.public(name, __name__)", ""])
 
     def stub(self) -> str:
-        text = ['"""Made from the headers by generate_interface.py."""', "from collections.abc import Callable, Sequence",
+        text = ['"""Made from the headers by generate_interface.py."""',
+                "from collections.abc import Callable, Sequence",
                 "from ctypes import *", "from typing import Any, TypeVar, Union as AnyOf", "",
                 "from numpy.typing import NDArray", "import numpy as np", "", "from ._types import Out, Types", "",
                 'Record = TypeVar("Record")',
-                "Floats = AnyOf[Sequence[float], NDArray[np.floating[Any]], NDArray[np.integer[Any]], Array[Any], None]",
+                "Floats = AnyOf[Sequence[float], NDArray[np.floating[Any]], NDArray[np.integer[Any]], Array[Any],"
+                " None]",
                 "Integers = AnyOf[Sequence[int], bytes, NDArray[np.integer[Any]], Array[Any], None]",
                 "Records = AnyOf[Record, Sequence[Record], NDArray[Any], Array[Any], None]",
                 "Text = AnyOf[str, bytes, None]",

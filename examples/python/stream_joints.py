@@ -25,5 +25,5 @@ with zk_base.Arm(sys.argv[1], int(sys.argv[2])) as arm:
             time.sleep(max(0.0, begin + sent * CYCLE - time.monotonic()))
         results = [reports.get(timeout=5).result for _ in range(sent)]
     refused = sum(result != ZK_SET_POINT_FOLLOWED for result in results)
-    print(f"{sent} set-points, {refused} of them not followed; the joint is {arm.joints()[0] - start[0]:+.2f} degrees off")
+    print(f"{sent} set-points, {refused} of them not followed; joint 1 is {arm.joints()[0] - start[0]:+.2f} degrees off")
     sys.exit(1 if refused else 0)

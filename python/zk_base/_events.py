@@ -80,7 +80,9 @@ def _on_report(report: ArmMotionReport) -> None:
     _tell(_report_watchers, ArmMotionReport.from_buffer_copy(report))
 
 
-_LOG, _CONNECTION, _REPORT = ZK_LogCallback(_on_log), ZK_ConnectionCallback(_on_connection), MotionReportCallback(_on_report)
+_LOG = ZK_LogCallback(_on_log)
+_CONNECTION = ZK_ConnectionCallback(_on_connection)
+_REPORT = MotionReportCallback(_on_report)
 
 
 def listen() -> None:

@@ -261,7 +261,8 @@ class Force(Family):
         """Takes the present reading as zero."""
         self._call("Clear_Force_Data", True)
 
-    def hold(self, forces: Sequence[float | None], *, tool: bool = False, limits: Sequence[float] | None = None) -> None:
+    def hold(self, forces: Sequence[float | None], *, tool: bool = False,
+             limits: Sequence[float] | None = None) -> None:
         """Holds a force in each direction of six, the position where it is None, until `end`.
 
         tool: the directions are those of the tool, else of the work frame. limits: speeds while the arm yields, metres

@@ -228,7 +228,7 @@ class Model:
                 return rows[:count.value]
             room = count.value
 
-    # --------------------------------------------------------------------------------------------------- Many at once --
+    # -------------------------------------------------------------------------------------------------- Many at once --
 
     def _rows(self, joints: Any, name: str) -> Joints:
         """The caller's own array where it has the type and the shape: no copy is made."""

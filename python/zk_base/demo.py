@@ -1,4 +1,4 @@
-"""An arm at work: ``python3 -m zk_base.demo`` with a simulated one, ``python3 -m zk_base.demo HOST [PORT]`` with your own.
+"""An arm at work: ``python3 -m zk_base.demo`` with a simulated one, with HOST and PORT behind it your own.
 
 With a real arm: it moves, so keep clear.
 """

@@ -16,7 +16,7 @@ def blocks(page):
     return re.findall(r"^```python\n(.*?)^```$", (SOURCES / page).read_text(), re.S | re.M)
 
 
-PAGES = [page for page in ["README.md", *(str(one.relative_to(SOURCES)) for one in (SOURCES / "docs/guides").glob("*.md"))]
+PAGES = [page for page in ["README.md", *(f"docs/guides/{one.name}" for one in (SOURCES / "docs/guides").glob("*.md"))]
          if blocks(page)]
 
 
@@ -54,23 +54,9 @@ def test_the_wheel_needs_nothing_else(tmp_path):
             (tmp_path / "site" / entry.filename).chmod(entry.external_attr >> 16)
         record = wheel.read(f"zk_base-{zk_base.__version__}.dist-info/RECORD").decode()
         assert {line.split(",")[0] for line in record.splitlines()} == set(wheel.namelist())
-    program = ("import zk_base; simulator = zk_base.Simulator(); arm = simulator.connect(); print(zk_base.lib._dll._name); "
-               "print(open('/proc/self/maps').read())")
+    program = "import zk_base; arm = zk_base.Simulator().connect(); print(open('/proc/self/maps').read())"
     done = subprocess.run([sys.executable, "-c", program], capture_output=True, text=True,
                           env={"PYTHONPATH": str(tmp_path / "site")})
     assert done.returncode == 0, done.stderr
     for library in ("libZK_Base.so.1", "libcjson.so.1"):
         assert f"{tmp_path}/site/zk_base/{library}" in done.stdout
-
-
-@pytest.mark.parametrize("example, arms", [
-    ("first_move", 1), ("stream_joints", 1), ("offline_kinematics", 0), ("pick_and_place", 1), ("two_arms", 2)])
-def test_an_example_does_what_it_shows(example, arms):
-    started = [zk_base.Simulator(model, joints="0,20,70,0,90,0" + ",0" * (model[:4] == "ZK75"), object="300,0.5")
-               for model in ("ZK65-6F", "ZK75-B")[:arms]]
-    words = [word for one in started for word in ("127.0.0.1", str(one.port))]
-    done = subprocess.run([sys.executable, SOURCES / "examples" / "python" / f"{example}.py", *words],
-                          capture_output=True, text=True, timeout=200)
-    for one in started:
-        one.close()
-    assert (done.returncode, done.stderr) == (0, "")

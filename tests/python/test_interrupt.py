@@ -17,14 +17,15 @@ except KeyboardInterrupt:
     print("interrupted", flush=True)
 """
 MOVE = "arm.move_joints([170, 0, 0, 0, 0, 0], 1)"
+MOVE_ON = "move = arm.move_joints([170, 0, 0, 0, 0, 0], 1, wait=False)"
 
 
 @pytest.mark.zk_base(speed=1)
 @pytest.mark.parametrize("before, call, faults", [
     ("", MOVE, {}),
     ("", "arm.call('Movej_Cmd', [170, 0, 0, 0, 0, 0], 1, 0, 0, True)", {}),
-    ("move = arm.move_joints([170, 0, 0, 0, 0, 0], 1, wait=False)", "move.wait()", {}),
-    ("move = arm.move_joints([170, 0, 0, 0, 0, 0], 1, wait=False)", "arm.joints()", {"silent_on": ["get_joint_degree"]}),
+    (MOVE_ON, "move.wait()", {}),
+    (MOVE_ON, "arm.joints()", {"silent_on": ["get_joint_degree"]}),
     ("", MOVE, {"silent_on": ["movej"]}),
     ("arm.__enter__()", "with arm: arm.move_joints([170, 0, 0, 0, 0, 0], 1, wait=False), time.sleep(60)", {}),
 ], ids=["move", "C call", "wait", "query", "no acknowledgement", "with"])
