@@ -17,7 +17,7 @@ file(RELATIVE_PATH ZK_PREFIX_OF_PKGCONFIG /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/zk_base.pc.in ${PROJECT_BINARY_DIR}/zk_base.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/zk_base.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples ${PROJECT_SOURCE_DIR}/docs DESTINATION ${ZK_DOC_DIR}/libzk-base-dev
-        COMPONENT development PATTERN CMakeLists.txt EXCLUDE)
+        COMPONENT development PATTERN CMakeLists.txt EXCLUDE PATTERN reference EXCLUDE)
 install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${ZK_DOC_DIR}/libzk-base-dev COMPONENT development)
 
 if(ZK_BUILD_SIMULATOR AND NOT ZK_SIMULATOR)
