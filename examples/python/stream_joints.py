@@ -13,7 +13,7 @@ from zk_base.interface import ZK_SET_POINT_FOLLOWED
 PERIOD, SWINGS, CYCLE = 2.0, 2, 0.02  # seconds
 
 with zk_base.Arm(sys.argv[1], int(sys.argv[2])) as arm:
-    reports = queue.Queue()
+    reports: queue.Queue = queue.Queue()
     start = arm.joints()
     begin, sent = time.monotonic(), 0
     with zk_base.on_motion_report(reports.put):

@@ -15,7 +15,7 @@ from .interface import (COMMANDS, JOINTS, TELLING, ZK_ALL_THREADS, ZK_BAD_ARGUME
                          ZK_KEEP_MODEL, ZK_OK, ZK_PAUSE, ZK_SLOW_STOP, ZK_STOP, ZK_STOP_AT_DEADLINE, ZK_STOP_AT_EXIT,
                          ArmAllState, ArmSoftwareInfo, ZK_ConnectionRecord, ZK_ConnectOptions, ZK_State)
 from ._library import lib
-from ._types import Out
+from ._types import Out, Pointer
 from ._pose import Pose, PoseLike
 from ._state import State
 from ._threads import interruptible
@@ -94,8 +94,12 @@ class Arm:
             return _Commands(self)
 
     def close(self) -> None:
-        """Closes the connection. The arm goes on with what it does. A second close does nothing."""
+        """Closes the connection, as its last reference does. The arm goes on. A second close does nothing."""
         lib.ZK_Close(self.handle)
+
+    def __del__(self) -> None:
+        if hasattr(self, "handle"):
+            self.close()
 
     def __enter__(self) -> Arm:
         return self
@@ -132,6 +136,8 @@ class Arm:
         outputs = []
         for kind, argument in zip(kinds, arguments):
             if argument is Out or isinstance(argument, Out):
+                if not isinstance(kind, Pointer) or kind.constant:
+                    raise TypeError(f"argument {len(given)} of {command} is no output")
                 count = None if argument is Out else argument.count
                 argument = kind.room(count or 1)
                 outputs.append((kind, argument, count))
@@ -161,7 +167,10 @@ class Arm:
     @staticmethod
     def _with_text(call: Callable[[], int], command: str) -> tuple[int, str]:
         """The status of a call, and what the library has to say about a failure, which it keeps for each thread."""
-        status = call()
+        try:
+            status = call()
+        except ctypes.ArgumentError as wrong:
+            raise TypeError(f"{command}: {wrong}, the arm counted") from None
         return status, lib.ZK_Failure() if status and command in TELLING else ""
 
     def _blocking(self, call: Callable[[], int], command: str) -> tuple[int, str]:

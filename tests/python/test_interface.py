@@ -113,3 +113,7 @@ def test_commands_take_the_arm_and_return_outputs(arm):
         arm.c.Movej_Cmd([0] * 5, 20, 0, 0, True)
     with pytest.raises(AttributeError):
         arm.c.Movej_Command
+    for wrong in (lambda: arm.c.Set_DO_State(1, Out, True), lambda: arm.c.Set_DO_State(1, 256, True),
+                  lambda: arm.c.Movej_Cmd(Out(6), 20, 0, 0, True), lambda: arm.c.Get_Joint_Degree(np.zeros(6))):
+        with pytest.raises(TypeError, match="Set_DO_State|Movej_Cmd|Get_Joint_Degree"):
+            wrong()
