@@ -10,7 +10,7 @@ using std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kStep{Controller::kStepMs};
 constexpr std::chrono::seconds kMostToCatchUp{2};
 constexpr std::chrono::milliseconds kLongestTurn{20};
-constexpr int kMostAfterARequest = 60'000 / Controller::kStepMs;
+constexpr int kMostRestlessSteps = 60'000 / Controller::kStepMs;
 
 steady_clock::duration period(double speed) {
     return std::chrono::duration_cast<steady_clock::duration>(std::chrono::nanoseconds(kStep) / speed);
@@ -37,7 +37,6 @@ void Clock::turn() {
     const Time now = steady_clock::now();
     if (!at_once()) return catch_up(now);
     while (at_once() && !controller_.rests() && steady_clock::now() < now + kLongestTurn) step();
-    if (controller_.rests()) restless_ = false;
     due_ = at_once() && !controller_.rests() ? now : now + kStep;
 }
 
@@ -54,10 +53,8 @@ void Clock::catch_up(Time now) {
 // The orders of a program are requests too, in the middle of a step.
 void Clock::run_to_rest() {
     if (!at_once() || stepping_) return;
-    const int most = restless_ ? 1 : kMostAfterARequest;
-    step();
-    for (int steps = 1; at_once() && steps < most && !controller_.rests(); ++steps) step();
-    restless_ = !controller_.rests();
+    do step();
+    while (restless_steps_ > 0 && restless_steps_ < kMostRestlessSteps);
 }
 
 void Clock::step() {
@@ -65,6 +62,7 @@ void Clock::step() {
     controller_.step();
     stepped_();
     stepping_ = false;
+    restless_steps_ = at_once() && !controller_.rests() ? restless_steps_ + 1 : 0;
 }
 
 }  // namespace sim

@@ -39,7 +39,7 @@ class Clock {
     std::function<void()> stepped_;
     Time due_;
     bool stepping_ = false;
-    bool restless_ = false;  // at kAtOnce: the last minute did not end what moves
+    int restless_steps_ = 0;                                          // at kAtOnce, since the controller rested
     std::shared_ptr<Clock*> alive_ = std::make_shared<Clock*>(this);  // for a handler that runs late
 };
 

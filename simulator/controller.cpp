@@ -17,7 +17,7 @@ void select(FrameStore& frames, const char* name, const std::optional<WirePose>&
 
 }  // namespace
 
-Controller::Controller(const Options& options, const Json& kept)
+Controller::Controller(const Options& options, const Json& kept, Scenario::Progress progress)
     : arm_(options.model, options.joints.empty() ? options.model.home : options.joints),
       force_(arm_, tool_, options.wall, ForceSensor(options.load, options.force_noise, options.seed)),
       devices_(options.object),
@@ -40,7 +40,8 @@ Controller::Controller(const Options& options, const Json& kept)
         report_arrival(move.client.lock(), Device::kArm, arrived, move.connect);
     };
     set_faults(options);
-    if (options.events) scenario_.emplace(*options.events, Scenario::Parts{time_, arm_, ports_, dispatcher_});
+    if (options.events)
+        scenario_.emplace(*options.events, Scenario::Parts{arm_, ports_, dispatcher_}, std::move(progress));
     force_.measure();
 }
 
@@ -91,7 +92,7 @@ void Controller::add_commands() {
 void Controller::step() {
     constexpr double kSeconds = kStepMs / 1000.0;
     time_.milliseconds += kStepMs;
-    if (scenario_) scenario_->step();
+    if (scenario_) scenario_->step(kStepMs);
     fault_effects_.step(kSeconds);
     guard_.step();
     drag_.step(kSeconds);

@@ -22,9 +22,9 @@ namespace sim {
 // All parts of the controller. It runs in one thread and knows no sockets. Simulated time passes only in `step`.
 class Controller {
  public:
-    // `kept` is what an earlier one kept over a loss of power. Throws std::invalid_argument for something else, and for
-    // options that contradict each other.
-    explicit Controller(const Options& options, const Json& kept = Json::object());
+    // `kept` is what an earlier one kept over a loss of power, `progress` where it left the scenario. Throws
+    // std::invalid_argument for something else, and for options that contradict each other.
+    explicit Controller(const Options& options, const Json& kept = Json::object(), Scenario::Progress progress = {});
     Controller(const Controller&) = delete;
     Controller& operator=(const Controller&) = delete;
 
@@ -35,6 +35,7 @@ class Controller {
 
     const SimulatedTime& time() const { return time_; }
     const Memory& memory() const { return memory_; }
+    Scenario::Progress progress() const { return scenario_ ? scenario_->progress() : Scenario::Progress(); }
 
     // Advances the simulated time by `kStepMs`.
     void step();

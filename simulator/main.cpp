@@ -27,7 +27,7 @@ int run(int argc, char** argv) {
             for (const std::string& name : Controller(options).dispatcher().commands.names()) std::cout << name << '\n';
             return 0;
         }
-        if (options.quiet) silence_notes();
+        if (wanted_by_any(arms, &Options::quiet)) silence_notes();
         serve(arms);
         return 0;
     } catch (const std::invalid_argument& error) {

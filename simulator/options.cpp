@@ -2,14 +2,15 @@
 
 #include <arpa/inet.h>
 #include <getopt.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <charconv>
 #include <climits>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
@@ -20,6 +21,9 @@
 namespace sim {
 namespace {
 
+using std::string;
+
+constexpr const char* kSchemaKey = "$schema";  // of editors
 constexpr int kMaxPort = 65535;
 constexpr int kMaxCycle = 2000;      // 10 s
 constexpr int kMaxDelayMs = 60'000;  // a minute
@@ -76,6 +80,13 @@ std::string parse_address(std::string_view option, const std::string& text) {
     in_addr address;
     if (inet_pton(AF_INET, text.c_str(), &address) != 1)
         throw std::invalid_argument("--" + std::string(option) + ": '" + text + "' is no IPv4 address");
+    return text;
+}
+
+std::string parse_directory(std::string_view option, const std::string& text) {
+    std::error_code ignored;
+    if (!std::filesystem::is_directory(text, ignored) || ::access(text.c_str(), W_OK | X_OK) != 0)
+        throw std::invalid_argument("--" + std::string(option) + ": '" + text + "' is no directory to write to");
     return text;
 }
 
@@ -166,78 +177,87 @@ void take_faults(FaultNumbers& faults, const std::string& list) {
 
 void take_scenario(Options& options, const std::string& path);
 
+// The JSON values of an option in a file; each can also be a text as on the command line.
+enum class Form { kSwitch, kAct, kText, kNumber, kNumbers, kTexts, kFaults };
+
 struct OptionRow {
     const char* name;
+    Form form;
     const char* value;  // its argument's name in the help; empty if it takes none
     const char* help;
     void (*take)(Options& options, const std::string& value);
 };
 
-using std::string;
 constexpr OptionRow kOptions[] = {
-    {"model", "NAME", "the arm and its end sensor (ZK65-B); one of those below",
+    {"model", Form::kText, "NAME", "the arm and its end sensor (ZK65-B); one of those below",
      [](Options& o, const string& value) { o.model = parse_model(value); }},
-    {"listen", "IP", "address to listen on (127.0.0.1)",
+    {"listen", Form::kText, "IP", "address to listen on (127.0.0.1)",
      [](Options& o, const string& value) { o.listen = parse_address("listen", value); }},
-    {"port", "N", "TCP port, 0 for any free one (8080)",
+    {"port", Form::kNumber, "N", "TCP port, 0 for any free one (8080)",
      [](Options& o, const string& value) { o.port = parse_integer("port", value, 0, kMaxPort); }},
-    {"arms", "N|FILE", "several arms: a number of them, or a JSON list of objects with these options as keys",
+    {"arms", Form::kNumber, "N|FILE",
+     "several arms: a number of them, or a JSON list of objects with these options as keys",
      [](Options& o, const string& value) { o.arms = value; }},
-    {"push-ip", "IP", "destination of the real-time push (127.0.0.1)",
+    {"push-ip", Form::kText, "IP", "destination of the real-time push (127.0.0.1)",
      [](Options& o, const string& value) { o.push.ip = parse_address("push-ip", value); }},
-    {"push-port", "N", "its UDP port, 0 for any free one (8089)",
+    {"push-port", Form::kNumber, "N", "its UDP port, 0 for any free one (8089)",
      [](Options& o, const string& value) { o.push.port = parse_integer("push-port", value, 0, kMaxPort); }},
-    {"push-cycle", "N", "its cycle in units of 5 ms (1)",
+    {"push-cycle", Form::kNumber, "N", "its cycle in units of 5 ms (1)",
      [](Options& o, const string& value) { o.push.cycle = parse_integer("push-cycle", value, 1, kMaxCycle); }},
-    {"no-push", "", "push nothing until a client enables it", [](Options& o, const string&) { o.push.enable = false; }},
-    {"joints", "A,B,...", "joint angles at start, degrees",
+    {"no-push", Form::kSwitch, "", "push nothing until a client enables it",
+     [](Options& o, const string&) { o.push.enable = false; }},
+    {"joints", Form::kNumbers, "A,B,...", "joint angles at start, degrees",
      [](Options& o, const string& value) { o.joints = parse_list("joints", value); }},
-    {"tool", "X,Y,Z,RX,RY,RZ", "tool frame in use at start, metres and radians",
+    {"tool", Form::kNumbers, "X,Y,Z,RX,RY,RZ", "tool frame in use at start, metres and radians",
      [](Options& o, const string& value) { o.tool = parse_pose("tool", value); }},
-    {"work", "X,Y,Z,RX,RY,RZ", "work frame in use at start, metres and radians",
+    {"work", Form::kNumbers, "X,Y,Z,RX,RY,RZ", "work frame in use at start, metres and radians",
      [](Options& o, const string& value) { o.work = parse_pose("work", value); }},
-    {"install", "RX,RY,RZ", "mounting angles, degrees",
+    {"install", Form::kNumbers, "RX,RY,RZ", "mounting angles, degrees",
      [](Options& o, const string& value) { o.install = parse_angles("install", value); }},
-    {"object", "WIDTH,KG", "an object for the gripper: 1 to 999 of an opening of 1000 wide (0: none), its mass (0)",
+    {"object", Form::kNumbers, "WIDTH,KG",
+     "an object for the gripper: 1 to 999 of an opening of 1000 wide (0: none), its mass (0)",
      [](Options& o, const string& value) { o.object = parse_object("object", value); }},
-    {"hand", "FILE", "the hand's path in drag teaching: lines of seconds and joint angles",
+    {"hand", Form::kText, "FILE", "the hand's path in drag teaching: lines of seconds and joint angles",
      [](Options& o, const string& value) { o.hand = read_hand(value); }},
-    {"load", "KG,X,Y,Z", "mass of the load on the force sensor and its centre of gravity in the flange frame (0)",
+    {"load", Form::kNumbers, "KG,X,Y,Z",
+     "mass of the load on the force sensor and its centre of gravity in the flange frame (0)",
      [](Options& o, const string& value) { o.load = parse_load("load", value); }},
-    {"wall", "X,Y,Z,NX,NY,NZ,K", "an elastic wall in the room: a place, its normal, newtons per metre",
+    {"wall", Form::kNumbers, "X,Y,Z,NX,NY,NZ,K", "an elastic wall in the room: a place, its normal, newtons per metre",
      [](Options& o, const string& value) { o.wall = parse_wall("wall", value); }},
-    {"force-noise", "N", "standard deviation of the force sensor's noise, newtons (0.02)",
+    {"force-noise", Form::kNumber, "N", "standard deviation of the force sensor's noise, newtons (0.02)",
      [](Options& o, const string& value) { o.force_noise = parse_noise("force-noise", value); }},
-    {"seed", "N", "seed of that noise (1)",
+    {"seed", Form::kNumber, "N", "seed of that noise (1)",
      [](Options& o, const string& value) { o.seed = static_cast<unsigned>(parse_integer("seed", value, 0, INT_MAX)); }},
-    {"speed", "N", "speed of simulated time, 0.1 to 100 (1); max: each request runs to rest at once",
+    {"speed", Form::kNumber, "N", "speed of simulated time, 0.1 to 100 (1); max: each request runs to rest at once",
      [](Options& o, const string& value) { o.speed = parse_speed("speed", value); }},
-    {"scenario", "FILE", "options and events from a file; options after it replace its own",
+    {"scenario", Form::kText, "FILE", "options and events from a file; options after it replace its own",
      [](Options& o, const string& value) { take_scenario(o, value); }},
-    {"silent-on", "COMMAND", "ignore this command; may be given several times",
+    {"silent-on", Form::kTexts, "COMMAND", "ignore this command; may be given several times",
      [](Options& o, const string& value) { o.silent_on.push_back(value); }},
-    {"refuse-on", "COMMAND", "answer this command with false; may be given several times",
+    {"refuse-on", Form::kTexts, "COMMAND", "answer this command with false; may be given several times",
      [](Options& o, const string& value) { o.refuse_on.push_back(value); }},
-    {"delay-ms", "N", "delay every reply and report by this time",
+    {"delay-ms", Form::kNumber, "N", "delay every reply and report by this time",
      [](Options& o, const string& value) {
          o.faults.wire.replies.delay_ms = parse_integer("delay-ms", value, 0, kMaxDelayMs);
      }},
-    {"fault", "NAME=N,...", "faults of those below",
+    {"fault", Form::kFaults, "NAME=N,...", "faults of those below",
      [](Options& o, const string& value) { take_faults(o.faults, value); }},
-    {"transfer-fault", "KIND:N", "disturb file transfers: refuse, error_line:LINE, silent, close:BYTES, stall:BYTES",
+    {"transfer-fault", Form::kText, "KIND:N",
+     "disturb file transfers: refuse, error_line:LINE, silent, close:BYTES, stall:BYTES",
      [](Options& o, const string& value) { o.transfer_fault = parse_transfer_fault("transfer-fault", value); }},
-    {"files", "DIRECTORY", "store the files that clients send in this directory, which must exist",
-     [](Options& o, const string& value) { o.files = value; }},
-    {"state", "FILE", "keep settings, programs and waypoints in this file, and start with what it holds",
+    {"files", Form::kText, "DIRECTORY", "store the files that clients send in this directory, which must exist",
+     [](Options& o, const string& value) { o.files = parse_directory("files", value); }},
+    {"state", Form::kText, "FILE", "keep settings, programs and waypoints in this file, and start with what it holds",
      [](Options& o, const string& value) {
          if (value.empty()) throw std::invalid_argument("--state: needs the name of a file");
          o.state = value;
      }},
-    {"until-eof", "", "end when standard input ends", [](Options& o, const string&) { o.until_eof = true; }},
-    {"quiet", "", "no notes on standard error", [](Options& o, const string&) { o.quiet = true; }},
-    {"commands", "", "list all commands and exit", [](Options& o, const string&) { o.commands = true; }},
-    {"version", "", "the version", [](Options& o, const string&) { o.version = true; }},
-    {"help", "", "this text", [](Options& o, const string&) { o.help = true; }},
+    {"until-eof", Form::kSwitch, "", "end when standard input ends",
+     [](Options& o, const string&) { o.until_eof = true; }},
+    {"quiet", Form::kSwitch, "", "no notes on standard error", [](Options& o, const string&) { o.quiet = true; }},
+    {"commands", Form::kAct, "", "list all commands and exit", [](Options& o, const string&) { o.commands = true; }},
+    {"version", Form::kAct, "", "the version", [](Options& o, const string&) { o.version = true; }},
+    {"help", Form::kAct, "", "this text", [](Options& o, const string&) { o.help = true; }},
 };
 
 std::vector<option> getopt_rows() {
@@ -279,26 +299,47 @@ Options parse_command_line(int argc, char** argv) {
     return options;
 }
 
-// A value of the list of arms as the command line spells it.
-std::string spelled(const Json& value) {
-    if (value.is_string()) return value.text();
-    if (!value.is_array()) return value.dump();
-    std::string list;
-    for (const Json& item : value.items()) list += (list.empty() ? "" : ",") + spelled(item);
-    return list;
+// What the command line holds in place of a value in a file: a text for each time that it has the option.
+std::vector<string> spelled(const OptionRow& row, const Json& value) {
+    const auto demand = [&row](bool good, const char* reason) {
+        if (!good) throw std::invalid_argument("--" + string(row.name) + ": in a file, it " + reason);
+    };
+    demand(row.form != Form::kAct, "means nothing");
+    if (row.form == Form::kSwitch) {
+        demand(value.is_boolean(), "is true or false");
+        return value.boolean() ? std::vector<string>{""} : std::vector<string>{};
+    }
+    if (value.is_string()) return {value.text()};
+    demand(row.form != Form::kText, "is a text");
+    std::vector<string> texts;
+    if (row.form == Form::kTexts) {
+        demand(value.is_array(), "is a text or a list of texts");
+        for (const Json& item : value.items()) {
+            demand(item.is_string(), "is a text or a list of texts");
+            texts.push_back(item.text());
+        }
+    } else if (row.form == Form::kFaults) {
+        demand(value.is_object(), "is a text or an object");
+        for (const auto& [name, number] : value.members()) texts.push_back(name + '=' + number.dump());
+    } else if (row.form == Form::kNumbers && value.is_array()) {
+        texts.emplace_back();
+        for (const Json& item : value.items()) texts.back() += (texts.back().empty() ? "" : ",") + item.dump();
+    } else {
+        demand(value.is_number(), row.form == Form::kNumber ? "is a number" : "is a list of numbers");
+        texts.push_back(value.dump());
+    }
+    return texts;
 }
 
 // The options of one arm of the list, {"model": "ZK75-6F", "port": 8081, ...}, over those of the command line.
 Options options_of(const Json& arm, Options options) {
     if (!arm.is_object()) throw std::invalid_argument("the options of an arm are no object");
     for (const auto& [name, value] : arm.members()) {
+        if (name == kSchemaKey) continue;
         const auto row = std::find_if(std::begin(kOptions), std::end(kOptions),
                                       [&name = name](const OptionRow& known) { return name == known.name; });
         if (row == std::end(kOptions)) throw std::invalid_argument("unknown option '" + name + "'");
-        if (*row->value)
-            row->take(options, spelled(value));
-        else if (value.is_boolean() && value.boolean())
-            row->take(options, "");
+        for (const string& text : spelled(*row, value)) row->take(options, text);
     }
     return options;
 }
@@ -323,8 +364,10 @@ void take_scenario(Options& options, const std::string& path) {
         } else if (name == "events") {
             if (!value.is_array()) throw std::invalid_argument("--scenario: 'events' is no list");
             options.events = value;
-        } else if (name != "description")
-            throw std::invalid_argument("--scenario: '" + name + "' is none of description, options, events");
+        } else if (name != "description" && name != kSchemaKey) {
+            throw std::invalid_argument("--scenario: unknown key \"" + name +
+                                        "\"; there are $schema, description, options, events");
+        }
     }
 }
 
@@ -333,7 +376,10 @@ std::vector<Options> listed_arms(const Options& common) {
     if (!list || !list->is_array() || list->items().empty())
         throw std::invalid_argument("--arms: '" + common.arms + "' holds no list");
     std::vector<Options> arms;
-    for (const Json& arm : list->items()) arms.push_back(options_of(arm, common));
+    for (const Json& arm : list->items()) {
+        arms.push_back(options_of(arm, common));
+        if (arms.back().arms != common.arms) throw std::invalid_argument("--arms: an arm of a list has no arms");
+    }
     return arms;
 }
 
@@ -363,14 +409,17 @@ std::vector<Options> all_arms(const Options& common) {
 
 std::vector<Options> parse_options(int argc, char** argv) {
     const std::vector<Options> arms = all_arms(parse_command_line(argc, argv));
-    std::set<std::string> states;
     for (const Options& arm : arms) {
-        if (!arm.state.empty() && !states.insert(arm.state).second)
-            throw std::invalid_argument("--state: two arms cannot share '" + arm.state + "'");
+        if (arm.faults.wire.max_clients == 0)
+            throw std::invalid_argument("--fault: with max_clients=0 no client could ever change it");
         if (!arm.joints.empty()) check_joints(arm.model, "--joints", arm.joints);
         for (const HandLeg& leg : arm.hand) check_joints(arm.model, "--hand", leg.joints);
     }
     return arms;
+}
+
+bool wanted_by_any(const std::vector<Options>& arms, bool Options::*option) {
+    return std::any_of(arms.begin(), arms.end(), [option](const Options& arm) { return arm.*option; });
 }
 
 std::string usage() {

@@ -51,6 +51,8 @@ struct Options {
 
 // The options of each arm, at least one. Throws std::invalid_argument with a message for the user.
 std::vector<Options> parse_options(int argc, char** argv);
+// What concerns the whole program may stand in the options of any arm.
+bool wanted_by_any(const std::vector<Options>& arms, bool Options::*option);
 std::string usage();
 
 }  // namespace sim

@@ -32,7 +32,7 @@ void serve(const std::vector<Options>& arms) {
     signals.async_wait([&io](const asio::error_code&, int) { io.stop(); });
     asio::posix::stream_descriptor input(io);
     std::array<char, 64> dropped;
-    if (arms.front().until_eof) {
+    if (wanted_by_any(arms, &Options::until_eof)) {
         input.assign(STDIN_FILENO);
         stop_at_end(io, input, dropped);
     }

@@ -7,7 +7,7 @@
 namespace sim {
 
 // Prints the first line of the program, and serves the clients of all arms until a signal, or the end of standard input
-// where the first arm's options want that, ends the program. Throws std::exception when it cannot listen, or cannot
+// where the options want that, ends the program. Throws std::exception when it cannot listen, or cannot
 // write the state at the end.
 void serve(const std::vector<Options>& arms);
 

@@ -1,6 +1,8 @@
 #include "state_file.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -25,13 +27,44 @@ bool write_all(int file, const std::string& text) {
     return ::fsync(file) == 0;
 }
 
+// The same text for all names of a file.
+std::string only_name(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::path whole = std::filesystem::weakly_canonical(path, error);
+    return error ? path : std::filesystem::absolute(whole).string();
+}
+
+bool is_same_file(int file, const std::string& path) {
+    struct stat opened {
+    }, named{};
+    return ::fstat(file, &opened) == 0 && ::stat(path.c_str(), &named) == 0 && opened.st_ino == named.st_ino;
+}
+
 }  // namespace
 
-StateFile::StateFile(std::string path, std::string model) : path_(std::move(path)), model_(std::move(model)) {
+FileLock::FileLock(std::string path) : path_(std::move(path)) {
+    while (!is_held_) {
+        file_ = ::open(path_.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC, 0644);
+        if (file_ < 0) return;
+        is_of_another_ = ::flock(file_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+        if (is_of_another_) return;
+        is_held_ = is_same_file(file_, path_);  // its last holder may have removed it meanwhile
+        if (!is_held_) ::close(file_);
+    }
+}
+
+FileLock::~FileLock() {
+    if (is_held_) ::unlink(path_.c_str());
+    if (file_ >= 0) ::close(file_);
+}
+
+StateFile::StateFile(const std::string& path, std::string model)
+    : path_(only_name(path)), model_(std::move(model)), lock_(path_ + ".lock") {
     std::error_code ignored;
-    const auto refuse = [this](const std::string& reason) {
-        throw std::invalid_argument("--state: '" + path_ + "' " + reason);
+    const auto refuse = [&](const std::string& reason) {
+        throw std::invalid_argument("--state: '" + path + "' " + reason);
     };
+    if (lock_.is_of_another()) refuse("is in use by another simulated arm");
     if (std::filesystem::is_directory(path_, ignored)) refuse("is a directory");
     std::ifstream file(path_, std::ios::binary);
     if (!file) {

@@ -11,8 +11,8 @@
 namespace sim {
 
 struct Station::Running {
-    Running(asio::io_context& io, const Options& options, const Json& kept)
-        : controller(options, kept),
+    Running(asio::io_context& io, const Options& options, const Json& kept, Scenario::Progress progress)
+        : controller(options, kept, std::move(progress)),
           server(io, controller.dispatcher(), options.listen, options.port),
           push(io, controller.push(), options.listen, controller.dispatcher().faults),
           clock(io, controller, [this] { push.step(); }) {
@@ -33,7 +33,7 @@ Station::Station(asio::io_context& io, Options options)
     : io_(io), options_(std::move(options)), pause_(io), saving_(io) {
     if (!options_.state.empty()) kept_ = state_.emplace(options_.state, options_.model.name).sections();
     if (options_.push.port == 0) options_.push.port = free_udp_port(io);
-    start();
+    start({});
     options_.port = running_->server.port();
     if (!state_) return;
     kept_ = running_->controller.memory().saved();
@@ -73,20 +73,22 @@ std::string Station::description() const {
            " push_port=" + std::to_string(options_.push.port);
 }
 
-void Station::start() {
-    running_ = std::make_unique<Running>(io_, options_, kept_);
+void Station::start(Scenario::Progress progress) {
+    running_ = std::make_unique<Running>(io_, options_, kept_, std::move(progress));
     running_->controller.dispatcher().restart = [this](int pause_ms) { restart(pause_ms); };
 }
 
 // In a handler of its own: a request of the controller asks for it.
 void Station::restart(int pause_ms) {
     asio::post(io_, [this, pause_ms] {
+        if (!running_) return;  // asked for twice
         note("restart");
         save();
+        Scenario::Progress progress = running_->controller.progress();
         running_.reset();
         pause_.expires_after(std::chrono::milliseconds(pause_ms));
-        pause_.async_wait([this](const asio::error_code& error) {
-            if (!error) start();
+        pause_.async_wait([this, progress = std::move(progress)](const asio::error_code& error) {
+            if (!error) start(progress);
         });
     });
 }

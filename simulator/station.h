@@ -8,6 +8,7 @@
 
 #include "options.h"
 #include "state_file.h"
+#include "world/scenario.h"
 
 namespace sim {
 
@@ -30,7 +31,7 @@ class Station {
  private:
     struct Running;
 
-    void start();
+    void start(Scenario::Progress progress);
     bool saved();
     void save();
     void save_from_time_to_time();

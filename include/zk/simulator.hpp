@@ -20,6 +20,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -44,13 +45,15 @@ class Simulator {
     }
 
     /* Starts it on free ports of 127.0.0.1 with these further arguments (zk_simulator --help lists them), and waits
-     * until it listens. Throws std::runtime_error when it does not start. */
-    explicit Simulator(const std::vector<std::string>& arguments = {}, const std::string& program = default_program()) {
+     * until it listens. Throws std::runtime_error when it does not start within the patience, in milliseconds. */
+    explicit Simulator(const std::vector<std::string>& arguments = {}, const std::string& program = default_program(),
+                       int patience_ms = 10'000)
+        : patience_ms_(patience_ms) {
         std::vector<std::string> words{program, "--port", "0", "--push-port", "0", "--until-eof"};
         words.insert(words.end(), arguments.begin(), arguments.end());
         start(words);
         try {
-            for (char next; ::read(output_.number(), &next, 1) == 1 && next != '\n';) first_line_ += next;
+            first_line_ = read_first_line();
             port_ = number_of("port");
             push_port_ = number_of("push_port");
             connection_ = connect();
@@ -70,7 +73,8 @@ class Simulator {
     /* Its first line of output, with the model and the ports. */
     const std::string& first_line() const { return first_line_; }
 
-    /* After this time without a byte of an answer, in milliseconds, the methods that ask throw std::runtime_error. */
+    /* After this time without an answer, in milliseconds, the methods that ask throw std::runtime_error. At first it is
+     * that of the constructor. */
     void set_patience(int milliseconds) { patience_ms_ = milliseconds; }
 
     /* Simulated seconds in a second, 0.1 to 100; std::invalid_argument for another number. */
@@ -194,23 +198,42 @@ class Simulator {
         return client;
     }
 
+    /* The next line, or the rest before the other end closes. Throws std::runtime_error when it takes too long. */
+    std::string line_from(const Descriptor& file) const {
+        using Clock = std::chrono::steady_clock;
+        const Clock::time_point end = Clock::now() + std::chrono::milliseconds(patience_ms_);
+        for (std::string line;;) {
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+            pollfd readable{file.number(), POLLIN, 0};
+            const int ready = ::poll(&readable, 1, left > 0 ? static_cast<int>(left) : 0);
+            if (ready < 0 && errno == EINTR) continue;
+            if (ready == 0) throw std::runtime_error("silent for " + std::to_string(patience_ms_) + " ms");
+            char next;
+            if (::read(file.number(), &next, 1) != 1 || next == '\n') return line;
+            line += next;
+        }
+    }
+
+    std::string read_first_line() const {
+        try {
+            return line_from(output_);
+        } catch (const std::runtime_error& error) {
+            ::kill(process_, SIGKILL);
+            throw std::runtime_error("'" + program_ + "' does not start: " + error.what());
+        }
+    }
+
     /* The first line of the answer; empty when the simulator closes the connection instead. After a time without an
      * answer the connection is closed: the answer may still come. */
     std::string answer(const Descriptor& client, const std::string& request) const {
         const std::string text = request + "\r\n";
-        std::string line;
         if (::send(client.number(), text.data(), text.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(text.size()))
-            return line;
-        for (char next = 0;; line += next) {
-            pollfd wire{client.number(), POLLIN, 0};
-            const int ready = ::poll(&wire, 1, patience_ms_);
-            if (ready < 0 && errno == EINTR) continue;
-            if (ready == 0) {
-                ::shutdown(client.number(), SHUT_RDWR);
-                throw std::runtime_error("the simulator is silent for " + std::to_string(patience_ms_) +
-                                         " ms after the request " + request);
-            }
-            if (::read(client.number(), &next, 1) != 1 || next == '\n') return line;
+            return {};
+        try {
+            return line_from(client);
+        } catch (const std::runtime_error& error) {
+            ::shutdown(client.number(), SHUT_RDWR);
+            throw std::runtime_error("the simulator is " + std::string(error.what()) + " after the request " + request);
         }
     }
 
@@ -264,7 +287,7 @@ class Simulator {
     std::string first_line_;
     int port_ = 0;
     int push_port_ = 0;
-    int patience_ms_ = 10'000;
+    int patience_ms_;
     mutable Descriptor connection_; /* open from the start, so that a limit of clients does not lock this object out */
 };
 

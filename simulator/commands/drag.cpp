@@ -166,7 +166,7 @@ void add_drag_commands(CommandTable& table, Memory& memory, Arm& arm, DragTeach&
     });
     table.set("drag_trajectory_origin", "trajectory_state", with(return_to_origin, arm, drag)).refused =
         [](const Call& call) { report_arrival(call.client, Device::kArm, false); };
-    table.set("zk_sim_hand", "done", with(lead_hand, arm, drag));
+    table.set("zk_sim_hand", "done", with(lead_hand, arm, drag)).keys = {"seconds", "joint"};
 }
 
 }  // namespace sim

@@ -31,10 +31,10 @@ struct NewFaults {
     std::vector<int> joint_err;           // empty: the same
 };
 
-void demand_known_keys(const Request& request) {
-    std::vector<std::string> known{"silent_on", "refuse_on", "transfer", "arm_err", "sys_err", "joint_err"};
-    for (const FaultRow& row : fault_rows()) known.emplace_back(row.name);
-    request.demand_known_keys(known, "fault");
+std::vector<std::string> fault_keys() {
+    std::vector<std::string> keys{"silent_on", "refuse_on", "transfer", "arm_err", "sys_err", "joint_err"};
+    for (const FaultRow& row : fault_rows()) keys.emplace_back(row.name);
+    return keys;
 }
 
 std::set<std::string> known_commands(const CommandTable& table, const std::vector<std::string>& names,
@@ -49,6 +49,7 @@ std::set<std::string> known_commands(const CommandTable& table, const std::vecto
 
 // The fault of the next file transfers: {"kind": ..., "at": ...}.
 TransferFault transfer_fault(const Request& fault) {
+    fault.demand_known_keys({"kind", "at"});
     const TransferFault transfer{fault.text("kind"), fault.has("at") ? fault.integer("at", 0) : 0};
     if (!is_transfer_fault(transfer.kind)) throw BadRequest("unknown fault of a transfer '" + transfer.kind + "'");
     return transfer;
@@ -63,7 +64,6 @@ NewFaults faults_of(const Targets& targets, const Request& request) {
         return request.has(key) ? std::optional(request.integer(key, 0, kMaxWord)) : std::nullopt;
     };
     const Faults& now = targets.dispatcher.faults;
-    demand_known_keys(request);
     NewFaults faults{names("silent_on", now.silent_on, false),
                      names("refuse_on", now.refuse_on, true),
                      {now.wire, targets.effects.faults()},
@@ -115,7 +115,8 @@ bool set_faults(const Targets& targets, const Call& call) {
 
 // {"command": "zk_sim_disconnect", "reset": true}
 bool disconnect(const Dispatcher& dispatcher, const Call& call) {
-    if (dispatcher.disconnect_others) dispatcher.disconnect_others(*call.client, call.request.is_true("reset"));
+    const bool reset = call.request.has("reset") && call.request.flag("reset");
+    if (dispatcher.disconnect_others) dispatcher.disconnect_others(*call.client, reset);
     return true;
 }
 
@@ -130,9 +131,10 @@ bool restart(const Dispatcher& dispatcher, const Call& call) {
 
 void add_fault_commands(CommandTable& table, Dispatcher& dispatcher, FaultEffects& effects, Files& files, Arm& arm) {
     const Targets targets{dispatcher, effects, files, arm};
-    table.set("zk_sim_fault", "done", [targets](const Call& call) { return set_faults(targets, call); });
-    table.set("zk_sim_disconnect", "done", with(disconnect, dispatcher));
-    table.set("zk_sim_restart", "done", with(restart, dispatcher));
+    table.set("zk_sim_fault", "done", [targets](const Call& call) { return set_faults(targets, call); }).keys =
+        fault_keys();
+    table.set("zk_sim_disconnect", "done", with(disconnect, dispatcher)).keys = {"reset"};
+    table.set("zk_sim_restart", "done", with(restart, dispatcher)).keys = {"pause_ms"};
 }
 
 }  // namespace sim

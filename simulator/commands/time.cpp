@@ -23,7 +23,7 @@ Json now(const SimulatedTime& time, const Call&) {
 }  // namespace
 
 void add_time_commands(CommandTable& table, SimulatedTime& time) {
-    table.set("zk_sim_speed", "done", with(set_speed, time));
+    table.set("zk_sim_speed", "done", with(set_speed, time)).keys = {"speed"};
     table.query("zk_sim_time", "zk_sim_time", with(now, time));
 }
 

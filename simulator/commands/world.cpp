@@ -24,7 +24,6 @@ bool drive(const Request& request, std::array<Port, size>& ports, int highest) {
 
 // {"command": "zk_sim_input", "kind": "DI", "IO_Num": 3, "value": 1}; without a value it is left to its output again.
 bool set_input(Ports& ports, const Call& call) {
-    call.request.demand_known_keys({"kind", "IO_Num", "value"});
     const std::string kind = call.request.text("kind");
     if (kind == "DI") return drive(call.request, ports.digital, 1);
     if (kind == "AI") return drive(call.request, ports.analogue, AnaloguePort::kHighest);
@@ -35,7 +34,6 @@ bool set_input(Ports& ports, const Call& call) {
 // {"command": "zk_sim_modbus", "port": 0, "device": 1, "kind": "input_register", "address": 7, "values": [1, 2]}
 bool set_registers(ModbusMaster& modbus, const Call& call) {
     const Request& request = call.request;
-    request.demand_known_keys({"port", "device", "kind", "address", "values"});
     const int port = request.integer("port", 0, ModbusMaster::ZK_K_PORTS - 1);
     const int number = request.integer("device", 1, ModbusPort::kDevices);
     const std::vector<int> values = request.integers("values");
@@ -51,13 +49,13 @@ bool set_registers(ModbusMaster& modbus, const Call& call) {
     for (size_t i = 0; i < values.size(); ++i) {
         if (values[i] < 0 || values[i] > 65535) throw BadRequest("\"values\" are no words");
     }
+    if (values.empty()) throw BadRequest("\"values\" holds nothing");
     for (size_t i = 0; i < values.size(); ++i) (device.*write)(first + static_cast<int>(i), values[i]);
     return true;
 }
 
 // {"command": "zk_sim_wall", "place": [x, y, z]} moves the wall; "normal" and "stiffness" may be changed as well.
 bool set_wall(Wall& wall, const Call& call) {
-    call.request.demand_known_keys({"place", "normal", "stiffness"});
     const auto vector = [&](const char* key, const KDL::Vector& now) {
         if (!call.request.has(key)) return now;
         const std::vector<double> v = call.request.numbers(key, 3);
@@ -76,7 +74,6 @@ bool set_wall(Wall& wall, const Call& call) {
 // {"command": "zk_sim_object", "width": 300, "mass": 0.5}: an object between the fingers, 0 for none.
 bool set_object(Gripper& gripper, const Call& call) {
     const Request& request = call.request;
-    request.demand_known_keys({"width", "mass"});
     const Object object{request.integer("width", 0, Gripper::kOpen - 1),
                         request.has("mass") ? request.number("mass") : 0};
     if (!(object.mass >= 0 && object.mass <= Object::kHeaviest)) throw BadRequest("\"mass\" is from 0 to 20 kg");
@@ -91,10 +88,11 @@ bool set_object(Gripper& gripper, const Call& call) {
 }  // namespace
 
 void add_world_commands(CommandTable& table, Ports& ports, ModbusMaster& modbus, Wall& wall, Gripper& gripper) {
-    table.set("zk_sim_input", "done", with(set_input, ports));
-    table.set("zk_sim_modbus", "done", with(set_registers, modbus));
-    table.set("zk_sim_wall", "done", with(set_wall, wall));
-    table.set("zk_sim_object", "done", with(set_object, gripper));
+    table.set("zk_sim_input", "done", with(set_input, ports)).keys = {"kind", "IO_Num", "value"};
+    table.set("zk_sim_modbus", "done", with(set_registers, modbus)).keys = {"port", "device", "kind", "address",
+                                                                            "values"};
+    table.set("zk_sim_wall", "done", with(set_wall, wall)).keys = {"place", "normal", "stiffness"};
+    table.set("zk_sim_object", "done", with(set_object, gripper)).keys = {"width", "mass"};
 }
 
 }  // namespace sim

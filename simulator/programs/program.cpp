@@ -176,7 +176,7 @@ Json Programs::state() const {
     const bool paused = run_->held || arm_.motion().status() == "pause";
     return {{"run_state", paused ? 2 : 1},
             {"id", run_->program.id},
-            {"plan_num", run_->line},
+            {"plan_num", std::max<size_t>(run_->line, 1)},
             {"loop_num", totals},
             {"loop_cont", rounds},
             {"plan_speed", run_->speed},

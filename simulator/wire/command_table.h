@@ -29,12 +29,13 @@ auto with(Function function, Parts&... parts) {
 }
 
 struct Command {
-    std::string literal;              // by which the client classifies the reply
-    std::string key;                  // of the acknowledgement; empty if the command has none
-    Action action;                    // of a setter
-    Query query;                      // of a query
-    Hook refused;                     // runs after a false acknowledgement
-    bool acknowledged_later = false;  // the action itself acknowledges at its end; a refusal goes out at once
+    std::string literal;                 // by which the client classifies the reply
+    std::string key;                     // of the acknowledgement; empty if the command has none
+    Action action;                       // of a setter
+    Query query;                         // of a query
+    Hook refused;                        // runs after a false acknowledgement
+    bool acknowledged_later = false;     // the action itself acknowledges at its end; a refusal goes out at once
+    std::vector<std::string> keys = {};  // which the requests of tests, zk_sim_..., may have; others may have any
 };
 
 // The commands by name. A client classifies a reply by searching its text for literals in a fixed order; the first one

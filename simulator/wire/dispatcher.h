@@ -41,7 +41,8 @@ class Dispatcher {
 
  private:
     void carry_out(std::string_view text, const std::shared_ptr<Client>& client) const;
-    void carry_out(const Command& command, const Call& call) const;
+    void answer(const Command& command, const Call& call) const;
+    void act(const Command& command, const Call& call) const;
 };
 
 }  // namespace sim

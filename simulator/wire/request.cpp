@@ -109,10 +109,10 @@ std::vector<std::string> Request::keys() const {
     return keys;
 }
 
-void Request::demand_known_keys(const std::vector<std::string>& known, const char* noun) const {
+void Request::demand_known_keys(const std::vector<std::string>& known) const {
     for (const std::string& key : keys()) {
         if (key != "command" && std::find(known.begin(), known.end(), key) == known.end())
-            throw Refusal(std::string("there is no ") + noun + " '" + key + "'");
+            throw Refusal("there is no key '" + key + "'");
     }
 }
 

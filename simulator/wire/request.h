@@ -25,8 +25,8 @@ class Request {
     const std::string& command() const { return command_; }
     bool has(const char* key) const { return body_.contains(key); }
     std::vector<std::string> keys() const;
-    // Throws Refusal for a key that is not listed; it calls that key by this noun. "command" is always known.
-    void demand_known_keys(const std::vector<std::string>& known, const char* noun = "key") const;
+    // Throws Refusal for a key that is not listed. "command" is always known.
+    void demand_known_keys(const std::vector<std::string>& known) const;
     bool is_true(const char* key) const;
     bool is_text(const char* key) const { return has(key) && body_.at(key).is_string(); }
 

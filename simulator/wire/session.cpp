@@ -95,7 +95,7 @@ void Session::leave(const std::string& reason) {
 void Session::send(const Json& message) {
     if (!socket_.is_open() || (left_ && unread_bytes_ == 0)) return;
     const std::string text = message.dump() + std::string(kEnd);
-    is_of_a_test(text) ? post({text, last_due_, 0}, true) : disturb(text);
+    is_of_a_test(text) ? post({text, last_due_, 0, false}, true) : disturb(text);
     if (unread_bytes_ > kMaxUnread) {
         note(name_ + ": does not read its replies, disconnected");
         close();
@@ -125,16 +125,14 @@ void Session::post(Message message, bool keeps_order) {
 }
 
 void Session::send_due() {
-    if (!writing_.empty()) return;
+    if (!writing_.text.empty()) return;
     for (const Time now = std::chrono::steady_clock::now(); !outbox_.empty() && outbox_.front().due <= now;) {
-        const bool alone = outbox_.front().cut_at > 0;
-        if (alone && !writing_.empty()) break;
-        cut_at_ = outbox_.front().cut_at;
-        writing_ += outbox_.front().text;
+        const Message& next = outbox_.front();
+        if (!writing_.text.empty() && !may_join(next)) break;
+        writing_ = {writing_.text + next.text, next.due, next.cut_at, next.is_disturbed};
         outbox_.pop_front();
-        if (alone) break;
     }
-    if (!writing_.empty()) return write(0);
+    if (!writing_.text.empty()) return write(0);
     if (outbox_.empty()) {
         if (left_) close();
         return;
@@ -145,17 +143,21 @@ void Session::send_due() {
     });
 }
 
+bool Session::may_join(const Message& next) const {
+    return writing_.cut_at == 0 && next.cut_at == 0 && writing_.is_disturbed == next.is_disturbed;
+}
+
 void Session::write(size_t begin) {
-    const WireFaults& faults = dispatcher_.faults.wire;
-    const size_t rest = writing_.size() - begin;
-    const size_t most = begin == 0 && cut_at_ > 0 ? cut_at_ : static_cast<size_t>(faults.slice_bytes);
+    const size_t rest = writing_.text.size() - begin;
+    const size_t slice = writing_.is_disturbed ? static_cast<size_t>(dispatcher_.faults.wire.slice_bytes) : 0;
+    const size_t most = begin == 0 && writing_.cut_at > 0 ? writing_.cut_at : slice;
     const size_t size = most > 0 ? std::min(rest, most) : rest;
-    asio::async_write(socket_, asio::buffer(writing_.data() + begin, size),
+    asio::async_write(socket_, asio::buffer(writing_.text.data() + begin, size),
                       [this, self = shared_from_this(), begin, size](const asio::error_code& error, size_t) {
                           if (error || !socket_.is_open()) return close();
                           unread_bytes_ -= size;
-                          if (begin + size < writing_.size()) return write_later(begin + size);
-                          writing_.clear();
+                          if (begin + size < writing_.text.size()) return write_later(begin + size);
+                          writing_.text.clear();
                           send_due();
                       });
 }

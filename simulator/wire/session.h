@@ -36,7 +36,8 @@ class Session : public Client, public std::enable_shared_from_this<Session> {
     struct Message {
         std::string text;
         Time due;
-        size_t cut_at = 0;
+        size_t cut_at = 0;  // the size of its first piece; 0: as the slices
+        bool is_disturbed = true;
     };
 
     void read();
@@ -48,6 +49,7 @@ class Session : public Client, public std::enable_shared_from_this<Session> {
     void disturb(const std::string& text);
     void post(Message message, bool keeps_order);
     void send_due();
+    bool may_join(const Message& next) const;
     void write(size_t begin);
     void write_later(size_t begin);
     void close();
@@ -66,8 +68,7 @@ class Session : public Client, public std::enable_shared_from_this<Session> {
     Disturbance disturbance_;
     std::deque<Message> outbox_;  // by the time that each is due
     Time last_due_;               // of those that keep their order
-    std::string writing_;         // on its way
-    size_t cut_at_ = 0;           // the size of its first piece; 0: as the slices
+    Message writing_;             // on its way, with those that are due and may be joined to it
     size_t unread_bytes_ = 0;
     bool left_ = false;  // nothing more will come
 };

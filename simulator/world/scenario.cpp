@@ -10,7 +10,6 @@
 #include "wire/dispatcher.h"
 #include "wire/note.h"
 #include "world/ports.h"
-#include "world/time.h"
 
 namespace sim {
 namespace {
@@ -41,14 +40,17 @@ using Keys = std::vector<std::string_view>;
 void allow_keys(const Json& object, const Keys& keys) {
     if (!object.is_object()) throw std::invalid_argument("is no object");
     for (const Json::Member& member : object.members()) {
-        if (std::find(keys.begin(), keys.end(), member.key) == keys.end())
-            throw std::invalid_argument("unknown key \"" + member.key + "\"");
+        if (std::find(keys.begin(), keys.end(), member.key) != keys.end()) continue;
+        std::string known;
+        for (const std::string_view key : keys) known += (known.empty() ? "" : ", ") + std::string(key);
+        throw std::invalid_argument("unknown key \"" + member.key + "\"; there are " + known);
     }
 }
 
 }  // namespace
 
-Scenario::Scenario(const Json& events, const Parts& parts) : parts_(parts), client_(std::make_shared<Director>()) {
+Scenario::Scenario(const Json& events, const Parts& parts, Progress progress)
+    : parts_(parts), progress_(std::move(progress)), client_(std::make_shared<Director>()) {
     if (!events.is_array()) return;
     for (const Json& event : events.items()) {
         try {
@@ -57,6 +59,8 @@ Scenario::Scenario(const Json& events, const Parts& parts) : parts_(parts), clie
             throw std::invalid_argument("scenario: event " + std::to_string(events_.size() + 1) + ": " + error.what());
         }
     }
+    if (!progress_.events.empty()) return;
+    for (const Event& event : events_) progress_.events.push_back({.at = event.at});
 }
 
 Scenario::Event Scenario::event_of(const Json& json) const {
@@ -112,30 +116,33 @@ bool Scenario::holds(const Event& event) const {
     return value >= event.low && value <= event.high;
 }
 
-void Scenario::note_cause(Event& event, double now) const {
+void Scenario::note_cause(const Event& event, Progress::Event& progress, double now) const {
     if (event.cause == Cause::kTime) {
-        if (event.is_spent || now < event.at) return;
-        event.is_spent = event.every == 0;
-        event.at += event.every;
+        if (progress.is_spent || now < progress.at) return;
+        progress.is_spent = event.every == 0;
+        progress.at += event.every;
     } else {
-        const bool was_true = std::exchange(event.was_true, holds(event));
-        if (event.is_spent || was_true || !event.was_true) return;
-        event.is_spent = !event.again;
+        const bool was_true = std::exchange(progress.was_true, holds(event));
+        if (progress.is_spent || was_true || !progress.was_true) return;
+        progress.is_spent = !event.again;
     }
-    event.due.push_back(now + event.after);
+    progress.due.push_back(now + event.after);
 }
 
 bool Scenario::waits() const {
-    return std::any_of(events_.begin(), events_.end(), [](const Event& event) { return !event.due.empty(); });
+    return std::any_of(progress_.events.begin(), progress_.events.end(),
+                       [](const Progress::Event& event) { return !event.due.empty(); });
 }
 
-void Scenario::step() {
-    const double now = static_cast<double>(parts_.time.milliseconds) / 1000;
-    for (Event& event : events_) {
-        note_cause(event, now);
-        while (!event.due.empty() && event.due.front() <= now) {
-            event.due.erase(event.due.begin());
-            for (const std::string& request : event.requests) parts_.dispatcher.handle(request, client_);
+void Scenario::step(int milliseconds) {
+    progress_.milliseconds += milliseconds;
+    const double now = static_cast<double>(progress_.milliseconds) / 1000;
+    for (size_t i = 0; i < events_.size(); ++i) {
+        std::vector<double>& due = progress_.events[i].due;
+        note_cause(events_[i], progress_.events[i], now);
+        while (!due.empty() && due.front() <= now) {
+            due.erase(due.begin());
+            for (const std::string& request : events_[i].requests) parts_.dispatcher.handle(request, client_);
         }
     }
 }

@@ -158,7 +158,7 @@ TEST(ArmFaults, ImpossibleOnesAreRefusedWithTheReason) {
         {{{"silent_on", {"movej"}}, {"refuse_on", {"movej"}}}, "not answered"},
         {{{"refuse_on", {"get_joint_degree"}}}, "no command that is acknowledged"},
         {{{"joint_err", {0, 70000, 0, 0, 0, 0}}}, "no error word"},
-        {{{"over_temprature", 3}}, "there is no fault 'over_temprature'"}};
+        {{{"over_temprature", 3}}, "there is no key 'over_temprature'"}};
     Talk talk({"--quiet"});
     for (const auto& [faults, reason] : rows) {
         const Json reply = talk.ask("zk_sim_fault", faults);

@@ -8,6 +8,7 @@
 #include "simulator/talk.h"
 #include "support/paths.h"
 #include "support/pattern.h"
+#include "support/temporary_file.h"
 #include "zk/export.h"
 
 namespace zk::test {
@@ -62,6 +63,8 @@ TEST(Program, WrongOptionsEndWithTwoAndAMessage) {
         {"--silent-on make_coffee", "make_coffee"},
         {"--refuse-on get_joint_degree", "get_joint_degree"},
         {"--state ''", "--state"},
+        {"--files /none", "'/none' is no directory"},
+        {"--fault max_clients=0", "max_clients=0"},
         {"--state /", "is a directory"},
         {"now", "now"},
     };
@@ -69,6 +72,28 @@ TEST(Program, WrongOptionsEndWithTwoAndAMessage) {
         const Finished run = run_simulator(arguments);
         EXPECT_EQ(run.status, 2) << arguments;
         EXPECT_NE(run.output.find(mentioned), std::string::npos) << arguments << "\n" << run.output;
+    }
+}
+
+TEST(Program, WrongValuesInAFileAreNamed) {
+    const TemporaryDirectory folder;
+    const std::pair<const char*, const char*> cases[] = {
+        {R"("quiet":1)", "--quiet: in a file, it is true or false"},
+        {R"("help":true)", "--help: in a file, it means nothing"},
+        {R"("state":5)", "--state: in a file, it is a text"},
+        {R"("port":[1])", "--port: in a file, it is a number"},
+        {R"("tool":{"x":1})", "--tool: in a file, it is a list of numbers"},
+        {R"("tool":[[1],2,3,4,5,6])", "--tool: '[1]' is no number"},
+        {R"("silent-on":["movej",1])", "--silent-on: in a file, it is a text or a list of texts"},
+        {R"("fault":["drop"])", "--fault: in a file, it is a text or an object"},
+        {R"("fault":{"drop":true})", "--fault drop: 'true' is no number"},
+        {R"("arms":2)", "--arms: an arm of a list has no arms"},
+        {R"("colour":"red")", "unknown option 'colour'"},
+    };
+    for (const auto& [key, reason] : cases) {
+        const Finished run = run_simulator("--arms " + folder.file("arms.json", "[{" + std::string(key) + "}]"));
+        EXPECT_EQ(run.status, 2) << key;
+        EXPECT_NE(run.output.find(reason), std::string::npos) << key << "\n" << run.output;
     }
 }
 
@@ -97,6 +122,10 @@ TEST(Helper, WaitsForAnAnswerForATime) {
     kill(simulator.id(), SIGCONT);
     simulator.set_patience(10'000);
     simulator.set_speed(2);
+    const TemporaryDirectory folder;
+    const std::string mute = folder.file("mute", "#!/bin/sh\nexec sleep 1000\n");
+    std::filesystem::permissions(mute, std::filesystem::perms::owner_all);
+    EXPECT_THROW(Simulator({}, mute, 50), std::runtime_error);
 }
 
 TEST(Helper, IsNotLockedOut) {

@@ -42,6 +42,16 @@ TEST(RunningPrograms, WaitForEachTimerAndDoNotFinishWhenTheyAreStopped) {
     }
 }
 
+TEST(RunningPrograms, AreAtTheirFirstLineAtOnce) {
+    Talk talk({"--quiet", "--speed", "0.1"});
+    const std::string text = "{\"command\":\"timer\",\"wait_time\":60000}";
+    const Json keys{{"project_name", "p"}, {"file_size", text.size()}, {"plan_speed", 100}};
+    talk.client.send_bytes(request_text("run_project", keys) + "\r\n" + text + request_text("get_program_run_state") +
+                           "\r\n");
+    talk.read(), talk.read();
+    EXPECT_EQ(talk.read().value("plan_num", 0), 1);
+}
+
 TEST(RunningPrograms, LeaveNoMoveToBeJoined) {
     Talk talk({"--quiet"});
     run(talk,

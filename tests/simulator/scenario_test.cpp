@@ -2,14 +2,16 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <set>
 
 #include "simulator/talk.h"
+#include "support/pattern.h"
 #include "support/temporary_file.h"
 
 namespace zk::test {
 namespace {
 
-TEST(World, InputsAndRegistersAreSetFromOutside) {
+TEST(World, InputsAreSetFromOutside) {
     Talk talk({"--quiet"});
     const auto done = [&](const char* command, const Json& keys) { return talk.ask(command, keys).at("done"); };
     EXPECT_EQ(done("zk_sim_input", {{"kind", "DI"}, {"IO_Num", 3}, {"value", 1}}), true);
@@ -23,23 +25,18 @@ TEST(World, InputsAndRegistersAreSetFromOutside) {
     EXPECT_EQ(done("zk_sim_input", {{"kind", "DI"}, {"IO_Num", 3}}), true);
     EXPECT_EQ(talk.ask("get_DI_state", {{"IO_Num", 3}}).at("IO_state"), 0) << "wired to its output again";
     EXPECT_EQ(done("zk_sim_input", {{"kind", "DO"}, {"IO_Num", 3}, {"value", 1}}), false);
-
-    const Json registers{
-        {"port", 0}, {"device", 1}, {"kind", "input_register"}, {"address", 7}, {"values", {300, 301}}};
-    EXPECT_EQ(done("zk_sim_modbus", registers), true);
-    EXPECT_EQ(talk.ask("set_modbus_mode", {{"port", 0}, {"baudrate", 115200}, {"timeout", 1}}).at("set_state"), true);
-    EXPECT_EQ(talk.ask("read_input_registers", {{"port", 0}, {"address", 8}, {"device", 1}}).at("data"), 301);
-    Json beyond = registers;
-    beyond["address"] = 65535;
-    EXPECT_EQ(done("zk_sim_modbus", beyond), false);
 }
 
 TEST(World, WhatCannotBeIsRefusedWithTheReason) {
     const Json zeros{0, 0, 0, 0, 0, 0};
+    const auto coils = [](int address, const Json& values) {
+        return Json{{"port", 0}, {"device", 1}, {"kind", "coil"}, {"address", address}, {"values", values}};
+    };
     const std::tuple<const char*, Json, const char*> rows[] = {
-        {"zk_sim_input", {{"kind", "DI"}, {"IO_Num", 3}, {"valu", 1}}, "no key 'valu'"},
-        {"zk_sim_wall", {{"plce", {0, 0, 1}}}, "no key 'plce'"},
-        {"zk_sim_object", {{"width", 300}, {"kg", 1}}, "no key 'kg'"},
+        {"zk_sim_modbus", coils(65535, {1, 1}), "\"address\" is out of range"},
+        {"zk_sim_modbus", coils(0, Json::array()), "\"values\" holds nothing"},
+        {"zk_sim_fault", {{"transfer", {{"kind", "close"}, {"att", 1}}}}, "no key 'att'"},
+        {"zk_sim_disconnect", {{"reset", 1}}, "is no boolean"},
         {"zk_sim_object", {{"width", 300}}, "until grip_loss ends"},
         {"zk_sim_hand", {{"seconds", 1}, {"joint", zeros}}, "in drag teaching only"}};
     Talk talk({"--quiet", "--speed", "max", "--fault", "grip_loss=1"});
@@ -51,6 +48,9 @@ TEST(World, WhatCannotBeIsRefusedWithTheReason) {
     ASSERT_EQ(talk.ask("zk_sim_fault", {{"grip_loss", 0}}).at("done"), true);
     talk.ask("set_gripper_position", {{"position", 200}});
     expect_refusal("zk_sim_object", {{"width", 300}}, "above the opening of the gripper, 200");
+    const std::vector<std::string> commands = found_in(run_simulator("--commands").output, "(zk_sim_\\w+)");
+    EXPECT_GE(commands.size(), 12u);
+    for (const std::string& command : commands) expect_refusal(command.c_str(), {{"plce", 1}}, "no key 'plce'");
 }
 
 TEST(Scenario, EventsMakeRequests) {
@@ -77,6 +77,50 @@ TEST(Scenario, EventsMakeRequests) {
         << "the event comes three seconds later";
 }
 
+TEST(Scenario, GoesOnAfterARestart) {
+    const TemporaryDirectory folder;
+    const std::string file = folder.file("restart.json", R"({"$schema": "schema.json", "events": [
+        {"at": 0.1, "do": [{"command": "zk_sim_restart"}, {"command": "zk_sim_restart"}]},
+        {"at": 0.2, "do": [{"command": "zk_sim_input", "kind": "DI", "IO_Num": 1, "value": 1}]}]})");
+    const SimulatorProcess simulator({"--quiet", "--scenario", file});
+    for (std::string reply; reply.find(R"("IO_state":1)") == std::string::npos;) {
+        try {
+            reply = simulator.ask(R"({"command":"get_DI_state","IO_Num":1})");
+        } catch (const std::runtime_error&) {  // it does not listen
+        }
+    }
+}
+
+TEST(Scenario, TheSchemaHasTheKeysThatTheLoaderKnows) {
+    const TemporaryDirectory folder;
+    using Keys = std::set<std::string>;
+    const auto words = [](const std::string& text, const char* pattern) {
+        const std::vector<std::string> all = found_in(text, pattern);
+        return Keys(all.begin(), all.end());
+    };
+    // The loader lists them when one is wrong.
+    const auto known = [&](const std::string& scenario) {
+        const Finished run = run_simulator("--port 0 --scenario " + folder.file("wrong.json", scenario));
+        return words(run.output.substr(run.output.find("there are ") + 10), "([$\\w]+)(?=,|\n)");
+    };
+    const Json schema = Json::parse(content_of(std::string(kSourceFolder) + "/simulator/scenarios/schema.json"));
+    const auto listed = [&](const std::string& place) {
+        Keys keys;
+        for (const auto& property : schema.at(Json::json_pointer(place + "/properties")).items())
+            keys.insert(property.key());
+        return keys;
+    };
+    Keys options = words(run_simulator("--help").output, "  --([\\w-]+) ");
+    for (const char* other : {"scenario", "help", "version", "commands"}) options.erase(other);
+    options.insert("$schema");
+    EXPECT_EQ(listed("/properties/options"), options);
+    EXPECT_EQ(listed(""), known(R"({"x":1})"));
+    EXPECT_EQ(listed("/properties/events/items"), known(R"({"events":[{"x":1}]})"));
+    Keys conditions = known(R"({"events":[{"when":{"joint":1,"x":1},"do":[]}]})");
+    conditions.merge(known(R"({"events":[{"when":{"x":1},"do":[]}]})"));
+    EXPECT_EQ(listed("/properties/events/items/properties/when"), conditions);
+}
+
 TEST(Scenario, TheShippedOnesRunAndWrongOnesAreRefused) {
     const std::string scenarios = std::string(kSourceFolder) + "/simulator/scenarios/";
     int count = 0;
@@ -88,6 +132,9 @@ TEST(Scenario, TheShippedOnesRunAndWrongOnesAreRefused) {
     }
     EXPECT_GE(count, 4);
     const TemporaryDirectory folder;
+    const SimulatorProcess kept({"--quiet", "--scenario",
+                                 folder.file("kept.json", R"({"options":{"state":")" + folder.path() + R"(/kept"}})")});
+    EXPECT_TRUE(std::filesystem::exists(folder / "kept"));
     for (const std::string event :
          {R"({"at":1})", R"({"at":1,"every":2,"do":[]})", R"({"at":-1,"do":[]})", R"({"every":0,"do":[]})",
           R"({"at":1,"do":[{"command":"make_coffee"}]})", R"({"when":{"joint":7,"above":1},"do":[]})",

@@ -147,18 +147,14 @@ TEST_F(State, OutlivesARestartAndNothingElseDoes) {
     Talk talk(options());
     talk.ask("set_NetIP", {{"ip", "10.0.0.2"}});
     talk.ask("set_DO_state", {{"IO_Num", 1}, {"state", 1}});
+    talk.ask("zk_sim_fault", {{"arm_err", 5}, {"max_clients", 1}});
     EXPECT_EQ(talk.ask("zk_sim_restart", {{"pause_ms", 1}}).at("done"), true);
     EXPECT_TRUE(talk.client.wait_for_close());
-    std::unique_ptr<LineClient> again;
-    while (!again) {
-        try {
-            again = std::make_unique<LineClient>(talk.simulator.port());
-        } catch (const std::exception&) {  // not yet
-        }
-    }
+    const auto again = talk.new_client();
     const auto ask = [&](const std::string& request) { return Json::parse(again->ask(request)); };
     EXPECT_EQ(ask(R"({"command":"get_wired_net"})").at("ip"), "10.0.0.2");
     EXPECT_EQ(ask(R"({"command":"get_DO_state","IO_Num":1})").at("IO_state"), 0);
+    EXPECT_EQ(ask(R"({"command":"get_current_arm_state"})").at("arm_state").at("arm_err"), 0);
 }
 
 TEST_F(State, ThatCannotBeWrittenAtTheEndIsAnError) {
@@ -175,6 +171,23 @@ TEST_F(State, EachArmHasItsOwn) {
     { const SimulatorProcess two({"--quiet", "--arms", "2", "--model", "ZK75-B", "--state", path_}); }
     for (const char* number : {".1", ".2"})
         EXPECT_EQ(Json::parse(content_of(path_ + number)).at("model"), "ZK75-B") << number;
+}
+
+TEST_F(State, BelongsToOneArm) {
+    const auto expect_refusal = [](const std::string& arguments) {
+        const auto [output, status] = run_simulator("--port 0 --push-port 0 " + arguments);
+        EXPECT_EQ(status, 2) << arguments;
+        EXPECT_NE(output.find("is in use by another"), std::string::npos) << output;
+    };
+    {
+        const SimulatorProcess first(options());
+        std::filesystem::create_symlink(path_, directory_ / "link");
+        for (const char* name : {"state.json", "./state.json", "link"})
+            expect_refusal("--state " + (directory_ / name));
+    }
+    const Json both{{{"state", path_}}, {{"state", directory_ / "none/../state.json"}}};
+    expect_refusal("--arms " + directory_.file("arms.json", both.dump()));
+    EXPECT_FALSE(std::filesystem::exists(path_ + ".lock"));
 }
 
 TEST_F(State, IsRefusedWhenItIsNoneOfThisArm) {

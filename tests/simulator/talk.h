@@ -8,6 +8,7 @@
 #include <cmath>
 #include <functional>
 #include <kdl/frames.hpp>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
@@ -52,6 +53,9 @@ class Talk {
     void send(const std::string& name, const Json& keys = Json::object());
     Json read();
     Json ask(const std::string& name, const Json& keys = Json::object());
+
+    // A further client, as soon as it is accepted.
+    std::unique_ptr<LineClient> new_client() const;
 
     // Orders a joint move to a target in degrees; true when it was accepted.
     bool movej(const Joints& target, int percent, int connect = 0);
@@ -101,6 +105,15 @@ inline Json Talk::read() { return Json::parse(client.read_line()); }
 inline Json Talk::ask(const std::string& name, const Json& keys) {
     send(name, keys);
     return read();
+}
+
+inline std::unique_ptr<LineClient> Talk::new_client() const {
+    while (true) {
+        try {
+            return std::make_unique<LineClient>(simulator.port());
+        } catch (const std::exception&) {  // not yet
+        }
+    }
 }
 
 inline bool Talk::movej(const Joints& target, int percent, int connect) {

@@ -46,6 +46,20 @@ TEST(Time, AtFullSpeedItStandsBetweenTheRequests) {
     EXPECT_GE(talk.ask("zk_sim_time").at("time").get<int64_t>(), arrived + 30'000);
 }
 
+TEST(Time, AtFullSpeedAMinuteIsTheMostForARequestAndAStepForThoseAfterIt) {
+    Talk talk({"--quiet", "--speed", "max"});
+    const auto times_after_driving = [&](int speed) {
+        std::string batch = request_text("set_vehicle", {{"speed", speed}, {"angular", 0}}) + "\r\n";
+        for (int i = 0; i < 3; ++i) batch += request_text("zk_sim_time") + "\r\n";
+        talk.client.send_bytes(batch);
+        talk.read();
+        return std::vector<int64_t>{talk.read().at("time"), talk.read().at("time"), talk.read().at("time")};
+    };
+    EXPECT_EQ(times_after_driving(100), std::vector<int64_t>({60'000, 60'005, 60'010}));
+    const std::vector<int64_t> stopped = times_after_driving(0);
+    EXPECT_EQ(stopped[2] - stopped[0], 10);
+}
+
 TEST(Time, StandsAtOnceWhenAScenarioSetsFullSpeed) {
     const TemporaryDirectory folder;
     const std::string file =

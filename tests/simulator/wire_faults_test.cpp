@@ -3,7 +3,6 @@
 #include <sys/socket.h>
 
 #include <chrono>
-#include <memory>
 
 #include "simulator/talk.h"
 #include "support/pattern.h"
@@ -26,17 +25,6 @@ class WireFaults : public testing::Test {
         if (!wait_readable(client.descriptor())) return {};
         const ssize_t got = recv(client.descriptor(), bytes, sizeof bytes, 0);
         return got < 0 ? std::string() : std::string(bytes, static_cast<size_t>(got));
-    }
-
-    // As soon as it is accepted.
-    std::unique_ptr<LineClient> new_client() {
-        for (;;) {
-            try {
-                return std::make_unique<LineClient>(talk_.simulator.port());
-            } catch (const std::exception&) {
-                continue;
-            }
-        }
     }
 
     Talk talk_{{"--quiet", "--speed", "max", "--seed", "2"}};
@@ -79,6 +67,8 @@ TEST_F(WireFaults, SliceJoinAndDelayReplies) {
     ask_power();
     EXPECT_LT(bytes_at_once(talk_.client).size(), kPower.size());
     talk_.client.read_line();
+    set({{"slice_delay_ms", 60'000}});  // answered at once
+    set({{"slice_delay_ms", 5}});
     set({{"slice_bytes", 0}, {"join_ms", 200}});
     talk_.client.send_bytes(two);
     EXPECT_EQ(bytes_at_once(talk_.client), kPower + "\r\n" + kPower + "\r\n");
@@ -112,7 +102,7 @@ TEST_F(WireFaults, RefuseNewClientsForATime) {
     ask_power();
     EXPECT_EQ(talk_.client.read_line(), kPower);
     set({{"refuse_ms", 0}});
-    const Json state = Json::parse(new_client()->ask(request_text("get_current_arm_state"))).at("arm_state");
+    const Json state = Json::parse(talk_.new_client()->ask(request_text("get_current_arm_state"))).at("arm_state");
     EXPECT_EQ(state.at("arm_err"), 5) << "no state is lost";
 }
 
@@ -129,14 +119,6 @@ TEST_F(WireFaults, EndConnections) {
     EXPECT_TRUE(LineClient(talk_.simulator.port()).wait_for_close());
     ask_power();
     EXPECT_EQ(talk_.client.read_line(), kPower);
-}
-
-TEST_F(WireFaults, ARestartLosesTheState) {
-    set({{"arm_err", 5}, {"max_clients", 1}});
-    EXPECT_EQ(talk_.ask("zk_sim_restart", {{"pause_ms", 1}}).at("done"), true);
-    EXPECT_TRUE(talk_.client.wait_for_close());
-    const Json state = Json::parse(new_client()->ask(request_text("get_current_arm_state"))).at("arm_state");
-    EXPECT_EQ(state.at("arm_err"), 0);
 }
 
 // A request takes one step of time, and each step pushes once.
@@ -158,9 +140,13 @@ TEST_F(WireFaults, DisturbDatagrams) {
 
 TEST(SeveralArms, AreApartInOneSimulator) {
     const TemporaryDirectory folder;
-    const std::string list = R"([{"joints":[1,2,3,4,5,6]},{"model":"ZK75-6F","listen":"127.0.0.2"}])";
-    Talk talk({"--quiet", "--arms", folder.file("arms.json", list)});
+    const std::string list = R"([{"joints":[1,2,3,4,5,6],"quiet":true,"no-push":false,"$schema":"s",)"
+                             R"("fault":{"drop":0,"max_clients":2},"silent-on":["movej","get_arm_power_state"]},)"
+                             R"({"model":"ZK75-6F","listen":"127.0.0.2"}])";
+    Talk talk({"--arms", folder.file("arms.json", list)});
+    talk.send("get_arm_power_state");
     EXPECT_EQ(talk.joints(), Joints({1, 2, 3, 4, 5, 6}));
+    EXPECT_TRUE(LineClient(talk.simulator.port()).wait_for_close());
     const char* const form =
         R"(zk_simulator model=ZK65-B port=\d+ push_port=\d+ address=127.0.0.1 model=ZK75-6F port=\d+ push_port=\d+ address=127.0.0.2)";
     EXPECT_TRUE(matches(talk.simulator.first_line(), form)) << talk.simulator.first_line();
