@@ -9,8 +9,8 @@ import pytest
 CHILD = """
 import sys, threading, time, traceback, zk_base
 def tell():  # when the main thread is within a blocking call
-    main = threading.main_thread().ident
-    while {{"interruptible", "doze"}}.isdisjoint(one.name for one in traceback.extract_stack(sys._current_frames()[main])):
+    frame_of = lambda: sys._current_frames()[threading.main_thread().ident]
+    while not {{"interruptible", "doze"}} & {{one.name for one in traceback.extract_stack(frame_of())}}:
         time.sleep(0.01)
     print("ready", flush=True)
 def doze():
