@@ -2,8 +2,8 @@
 from __future__ import annotations
 
 import ctypes
+import os
 from collections.abc import Iterable, Sequence
-from pathlib import Path
 from typing import TYPE_CHECKING, Any
 
 from . import interface
@@ -300,9 +300,9 @@ class Drag(Family):
         """Replays the recording, and waits for its end."""
         self._call("Run_Drag_Trajectory", True)
 
-    def save(self, path: str | Path) -> int:
+    def save(self, path: str | os.PathLike[str]) -> int:
         """Saves the recording to a file of this host, a point a line, and returns how many points come."""
-        return int(self._call("Save_Trajectory", str(Path(path).absolute()), Out))
+        return int(self._call("Save_Trajectory", os.path.abspath(path), Out))
 
 
 class Programs(Family):
@@ -314,12 +314,12 @@ class Programs(Family):
         self._call("Get_Program_Trajectory_List", found)
         return [one for one in found.list[:page_size] if one.id]
 
-    def send(self, path: str | Path, *, save_as: int = 0, speed: int = 100, run: bool = False) -> None:
+    def send(self, path: str | os.PathLike[str], *, save_as: int = 0, speed: int = 100, run: bool = False) -> None:
         """Sends a project of this host, a text with one instruction a line. save_as: the id to store it under.
 
         Raises FileError, with the number of the line, when the controller rejects a line.
         """
-        text = str(Path(path).absolute()).encode()
+        text = os.path.abspath(path).encode()
         params = ProjectSendParams(project_path=text, project_path_len=len(text), plan_speed=speed,
                                    only_save=int(not run), save_id=save_as)
         line = (ctypes.c_int32 * 1)()
