@@ -187,7 +187,7 @@ struct ReportSource {
 class [[nodiscard]] Subscription {
  public:
     Subscription() = default;
-    explicit Subscription(std::shared_ptr<listening::Listener> listener) : listener_(std::move(listener)) {}
+    explicit Subscription(std::shared_ptr<listening::Listener> subscribed) : listener_(std::move(subscribed)) {}
     Subscription(Subscription&&) = default;
     Subscription& operator=(Subscription&& other) {
         end();

@@ -151,6 +151,9 @@ class [[nodiscard]] Result {
               class = std::enable_if_t<std::is_constructible_v<T, U> && !std::is_same_v<std::decay_t<U>, Result> &&
                                        !std::is_same_v<std::decay_t<U>, Unexpected> > >
     Result(U&& value) : content_(std::in_place_index<0>, std::forward<U>(value)) {}
+    template <class... Arguments>
+    explicit Result(std::in_place_t, Arguments&&... arguments)
+        : content_(std::in_place_index<0>, std::forward<Arguments>(arguments)...) {}
     Result(Unexpected failure) : content_(std::in_place_index<1>, std::move(failure).error()) {}
 
     bool has_value() const noexcept { return content_.index() == 0; }

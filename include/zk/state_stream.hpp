@@ -27,6 +27,9 @@ inline namespace ZK_RESULT_NAMESPACE {
 struct State {
     ZK_State record; /* all of it, in the units of the C interface */
 
+    /* Leaves the record to be filled: it is large. */
+    State() {} /* NOLINT(modernize-use-equals-default) */
+
     Joints joints() const {
         return Joints::from_c(record.status.joint_position, static_cast<std::size_t>(record.joint_count));
     }
@@ -57,9 +60,9 @@ class StateStream {
 
     /* The last state, at once. max_age: fails with ZK_STATE_TOO_OLD when it is older; 0 for any age. */
     Result<State> latest(std::chrono::milliseconds max_age = {}) const {
-        Result<State> state = State{};
-        if (Result<void> done = call<ZK_Get_State>(arm_, &state->record, max_age); !done)
-            return Unexpected(std::move(done).error());
+        Result<State> state(std::in_place);
+        const int status = ZK_Get_State(arm_, &state->record, milliseconds_of(max_age));
+        if (status != ZK_OK) state = detail::failure_of<ZK_Get_State>(status);
         return state;
     }
 
