@@ -19,6 +19,8 @@ class Motions {
     void start() {
         const std::lock_guard guard(lock_);
         ++started_;
+        seen_ = false;
+        steps_ = idles_ = 0;
         if (running_++ == 0) result_ = ZK_NO_TRAJECTORY;
     }
     void withdraw() {  // it has not left
@@ -32,15 +34,22 @@ class Motions {
         --running_;
         result_ = result;
     }
-    // The arm is at rest, so that no report will come, unless another motion was started since `started`.
-    void settle(unsigned started) {
+    // Counts the steps of the waits, however many and short they are: whether this one asks what the arm does.
+    bool step_asks() {
         const std::lock_guard guard(lock_);
-        if (started_ == started) running_ = 0;
+        return ++steps_ % kStepsOfAQuestion == 0;
     }
-
     unsigned started() const {
         const std::lock_guard guard(lock_);
         return started_;
+    }
+    // The answer to a question that was put when so many were started. An arm that is idle after its motion, or idle
+    // for long, sends no report any more.
+    void found(bool idle, unsigned started) {
+        const std::lock_guard guard(lock_);
+        if (started_ != started) return;
+        if (!idle) seen_ = true;
+        if (idle && (seen_ || ++idles_ == kMostIdles)) running_ = 0;
     }
 
     bool are_over() const {
@@ -54,8 +63,12 @@ class Motions {
     }
 
  private:
+    static constexpr int kStepsOfAQuestion = 10, kMostIdles = 50;
+
     mutable std::mutex lock_;
     unsigned started_ = 0;
+    bool seen_ = false;  // the arm has moved since
+    int steps_ = 0, idles_ = 0;
     int running_ = 0;
     int result_ = ZK_NO_TRAJECTORY;
 };

@@ -20,7 +20,6 @@ namespace {
 
 constexpr int32_t kLookMs = 100;  // between two looks at the controller
 constexpr int32_t kStepMs = 10;   // between two looks for a report
-constexpr int kMostIdleLooks = 50;
 constexpr int32_t kFreshNs = 1'000'000'000;
 
 // Asks what the controller does. A reply to an earlier call that ended early may come for the first answer, so that an
@@ -119,24 +118,19 @@ ZK_API int ZK_Wait_Idle(ArmSocket arm, int32_t ms) {
     });
 }
 
-// An arm that is seen idle after its motion, or idle for long, sends no report any more.
 ZK_API int ZK_Wait_Move(ArmSocket arm, int32_t ms) {
     Line* line = Line::of(arm);  // without one nothing is looked for
-    bool seen = false;
-    int steps = 0, idles = 0, result = ZK_OK;
+    int result = ZK_OK;
     const auto look = [&](auto limit, bool& done) {
         Motions& motions = line->motions();
         done = motions.are_over();
         result = motions.result();
-        if (done || ++steps % (kLookMs / kStepMs) != 0) return int(ZK_OK);
+        if (done || !motions.step_asks()) return int(ZK_OK);
         const unsigned started = motions.started();
         TrajectoryReply reply{};
-        if (const int status = ask_trajectory(arm, limit, reply)) return status;
-        if (reply.type != ZK_TRAJECTORY_NONE)
-            seen = true;
-        else if (seen || ++idles == kMostIdleLooks)
-            motions.settle(started);
-        return int(ZK_OK);
+        const int status = ask_trajectory(arm, limit, reply);
+        if (status == ZK_OK) motions.found(reply.type == ZK_TRAJECTORY_NONE, started);
+        return status;
     };
     const int status = look_until(arm, ms, look, kStepMs);
     return status == ZK_OK && result != ZK_OK ? fail(result) : status;
