@@ -86,7 +86,8 @@ class Arm {
         : Arm(connect(host, port, options).value()) {}
 
     /* The same without an exception. */
-    static Result<Arm> connect(const std::string& host, int port = 8080, const ConnectOptions& options = {}) {
+    [[nodiscard]] static Result<Arm> connect(const std::string& host, int port = 8080,
+                                             const ConnectOptions& options = {}) {
         ZK_ConnectOptions c{};
         c.timeout_ms = milliseconds_of(options.timeout);
         c.arm_mode = options.arm_mode;
@@ -125,7 +126,7 @@ class Arm {
 
     /* Calls any command of the interface on this arm: call<Movej_Cmd>(joints, 20, 0, 0, true). See zk/call.hpp. */
     template <auto kCommand, class... Arguments>
-    auto call(Arguments&&... arguments) const {
+    [[nodiscard]] auto call(Arguments&&... arguments) const {
         return zk::call<kCommand>(handle_, std::forward<Arguments>(arguments)...);
     }
 
@@ -158,32 +159,34 @@ class Arm {
 
     /* Streams a set-point at the rate of the caller's own loop; does not wait. smooth: within the acceleration limits
      * too. */
-    Result<void> stream_joints(const Joints& target, bool smooth = false) const {
+    [[nodiscard]] Result<void> stream_joints(const Joints& target, bool smooth = false) const {
         return call<Movej_CANFD>(target, smooth ? 0 : 1, 0);
     }
-    Result<void> stream_pose(const Pose& target, bool smooth = false) const {
+    [[nodiscard]] Result<void> stream_pose(const Pose& target, bool smooth = false) const {
         return call<Movep_CANFD>(smooth ? 0 : 1, target);
     }
 
     /* Jogs a joint, counted from 1, until stop_jog(). */
-    Result<void> jog_joint(int joint, bool forward, Percent speed) const {
+    [[nodiscard]] Result<void> jog_joint(int joint, bool forward, Percent speed) const {
         return call<Joint_Teach_Cmd>(joint, forward ? 1 : 0, speed, true);
     }
-    Result<void> stop_jog() const { return call<Teach_Stop_Cmd>(true); }
+    [[nodiscard]] Result<void> stop_jog() const { return call<Teach_Stop_Cmd>(true); }
 
     /* Stops the arm ahead of all that is queued, from any thread. kind: ZK_SLOW_STOP, ZK_EMERGENCY_STOP and so on. */
-    Result<void> stop(int kind = ZK_STOP) const { return call<ZK_Stop>(kind); }
+    [[nodiscard]] Result<void> stop(int kind = ZK_STOP) const { return call<ZK_Stop>(kind); }
     /* Halts on the path; goes on. */
-    Result<void> pause() const { return call<ZK_Stop>(ZK_PAUSE); }
-    Result<void> resume() const { return call<Move_Continue_Cmd>(true); }
+    [[nodiscard]] Result<void> pause() const { return call<ZK_Stop>(ZK_PAUSE); }
+    [[nodiscard]] Result<void> resume() const { return call<Move_Continue_Cmd>(true); }
 
     /* Waits until the controller reports no motion, whoever started it. */
-    Result<void> wait_idle(std::chrono::milliseconds time) const { return call<ZK_Wait_Idle>(milliseconds_of(time)); }
+    [[nodiscard]] Result<void> wait_idle(std::chrono::milliseconds time) const {
+        return call<ZK_Wait_Idle>(milliseconds_of(time));
+    }
     /* Ends the blocking calls of all threads on this arm with ZK_CANCELLED. */
-    Result<void> cancel() const { return call<ZK_Cancel>(); }
+    [[nodiscard]] Result<void> cancel() const { return call<ZK_Cancel>(); }
     /* Bounds every blocking call from now on: of this thread, or with ZK_DeadlineFlag flags of all, or with a stop. 0:
      * no bound. */
-    Result<void> set_deadline(std::chrono::milliseconds time, std::uint32_t flags = 0) const {
+    [[nodiscard]] Result<void> set_deadline(std::chrono::milliseconds time, std::uint32_t flags = 0) const {
         return call<ZK_Set_Deadline>(milliseconds_of(time), flags);
     }
 
@@ -191,7 +194,7 @@ class Arm {
      */
 
     /* Ask the controller. */
-    Result<ArmState> state() const {
+    [[nodiscard]] Result<ArmState> state() const {
         float degree[Joints::kMost] = {};
         ::Pose pose{};
         ArmState now;
@@ -201,36 +204,40 @@ class Arm {
             return now;
         });
     }
-    Result<Joints> joints() const {
+    [[nodiscard]] Result<Joints> joints() const {
         float degree[Joints::kMost] = {};
         return detail::then(call<Get_Joint_Degree>(&degree[0]), [&] { return Joints::from_c(degree, joint_count_); });
     }
-    Result<Pose> pose() const {
+    [[nodiscard]] Result<Pose> pose() const {
         Result<ArmState> now = state();
         return now ? Result<Pose>(now->pose) : Unexpected(std::move(now).error());
     }
     /* Temperatures, voltages, currents and errors of the joints. */
-    Result<ArmAllState> measurements() const { return detail::fetch<Get_Arm_All_State, ArmAllState>(handle_); }
+    [[nodiscard]] Result<ArmAllState> measurements() const {
+        return detail::fetch<Get_Arm_All_State, ArmAllState>(handle_);
+    }
 
     /* The states that the controller pushes, which take no request. */
     StateStream states() const { return StateStream(handle_); }
 
     /* What is known of the connection: address, traffic, round trips. */
-    Result<ZK_ConnectionRecord> connection() const {
+    [[nodiscard]] Result<ZK_ConnectionRecord> connection() const {
         return detail::fetch<ZK_Connection, ZK_ConnectionRecord>(handle_);
     }
     /* A new model of this arm, as its controller described it at the start. */
-    Result<Model> model() const { return Model::adopt(ZK_Arm_Model(handle_), "ZK_Arm_Model"); }
+    [[nodiscard]] Result<Model> model() const { return Model::adopt(ZK_Arm_Model(handle_), "ZK_Arm_Model"); }
     /* Model and versions of the software. */
-    Result<ArmSoftwareInfo> software() const { return detail::fetch<Get_Arm_Software_Info, ArmSoftwareInfo>(handle_); }
+    [[nodiscard]] Result<ArmSoftwareInfo> software() const {
+        return detail::fetch<Get_Arm_Software_Info, ArmSoftwareInfo>(handle_);
+    }
 
-    Result<void> set_power(bool on) const { return call<Set_Arm_Power>(on ? 1 : 0, true); }
-    Result<bool> is_powered() const {
+    [[nodiscard]] Result<void> set_power(bool on) const { return call<Set_Arm_Power>(on ? 1 : 0, true); }
+    [[nodiscard]] Result<bool> is_powered() const {
         std::int32_t on = 0;
         return detail::then(call<Get_Arm_Power_State>(&on), [&] { return on != 0; });
     }
     /* Clears the error of the system. */
-    Result<void> clear_error() const { return call<Clear_System_Err>(true); }
+    [[nodiscard]] Result<void> clear_error() const { return call<Clear_System_Err>(true); }
 
     /* --------------------------------------------------------------------------------------------------- Families --
      */

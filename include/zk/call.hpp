@@ -192,7 +192,7 @@ auto call_function(Returned (*function)(Parameters...), Arguments&&... arguments
 
 /* Calls a function of the interface. */
 template <auto kFunction, class... Arguments>
-auto call(Arguments&&... arguments) {
+[[nodiscard]] auto call(Arguments&&... arguments) {
     return detail::call_function<kFunction>(kFunction, std::forward<Arguments>(arguments)...);
 }
 

@@ -60,20 +60,26 @@ class ToolFrames {
  public:
     explicit ToolFrames(ArmSocket arm) : arm_(arm) {}
 
-    Result<Frame> current() const { return detail::frame<Get_Current_Tool_Frame>(arm_); }
+    [[nodiscard]] Result<Frame> current() const { return detail::frame<Get_Current_Tool_Frame>(arm_); }
     /* ZK_REFUSED when there is none of that name. */
-    Result<Frame> get(const std::string& name) const { return detail::frame<Get_Given_Tool_Frame>(arm_, name); }
-    Result<std::vector<std::string>> names() const { return detail::frame_names<Get_All_Tool_Frame>(arm_); }
+    [[nodiscard]] Result<Frame> get(const std::string& name) const {
+        return detail::frame<Get_Given_Tool_Frame>(arm_, name);
+    }
+    [[nodiscard]] Result<std::vector<std::string>> names() const {
+        return detail::frame_names<Get_All_Tool_Frame>(arm_);
+    }
 
     /* Selects a frame. */
-    Result<void> use(const std::string& name) const { return call<Change_Tool_Frame>(arm_, name, true); }
-    Result<void> add(const Frame& tool) const { return set<Manual_Set_Tool_Frame_Block>(tool); }
-    Result<void> update(const Frame& tool) const { return set<Update_Tool_Frame>(tool); }
-    Result<void> remove(const std::string& name) const { return call<Delete_Tool_Frame>(arm_, name, true); }
+    [[nodiscard]] Result<void> use(const std::string& name) const { return call<Change_Tool_Frame>(arm_, name, true); }
+    [[nodiscard]] Result<void> add(const Frame& tool) const { return set<Manual_Set_Tool_Frame_Block>(tool); }
+    [[nodiscard]] Result<void> update(const Frame& tool) const { return set<Update_Tool_Frame>(tool); }
+    [[nodiscard]] Result<void> remove(const std::string& name) const {
+        return call<Delete_Tool_Frame>(arm_, name, true);
+    }
 
  private:
     template <auto kSetter>
-    Result<void> set(const Frame& tool) const {
+    [[nodiscard]] Result<void> set(const Frame& tool) const {
         const Position& centre = tool.load.centre_of_gravity;
         return call<kSetter>(arm_, tool.name, tool.pose, tool.load.kilograms, centre.x.metres(), centre.y.metres(),
                              centre.z.metres());
@@ -86,22 +92,30 @@ class WorkFrames {
  public:
     explicit WorkFrames(ArmSocket arm) : arm_(arm) {}
 
-    Result<Frame> current() const { return detail::frame<Get_Current_Work_Frame>(arm_); }
+    [[nodiscard]] Result<Frame> current() const { return detail::frame<Get_Current_Work_Frame>(arm_); }
     /* ZK_REFUSED when there is none of that name; ZK_BAD_ARGUMENT for a name of more than ten bytes. */
-    Result<Frame> get(const std::string& name) const {
+    [[nodiscard]] Result<Frame> get(const std::string& name) const {
         std::array<char, 12> text{};
         ::Pose pose{};
         if (name.size() > 10) return detail::failure_of<Get_Given_Work_Frame>(ZK_BAD_ARGUMENT);
         std::copy(name.begin(), name.end(), text.begin());
         return detail::then(call<Get_Given_Work_Frame>(arm_, text, &pose), [&] { return Frame{name, Pose(pose), {}}; });
     }
-    Result<std::vector<std::string>> names() const { return detail::frame_names<Get_All_Work_Frame>(arm_); }
+    [[nodiscard]] Result<std::vector<std::string>> names() const {
+        return detail::frame_names<Get_All_Work_Frame>(arm_);
+    }
 
     /* Selects a frame. */
-    Result<void> use(const std::string& name) const { return call<Change_Work_Frame>(arm_, name, true); }
-    Result<void> add(const Frame& work) const { return call<Manual_Set_Work_Frame_Block>(arm_, work.name, work.pose); }
-    Result<void> update(const Frame& work) const { return call<Update_Work_Frame>(arm_, work.name, work.pose); }
-    Result<void> remove(const std::string& name) const { return call<Delete_Work_Frame>(arm_, name, true); }
+    [[nodiscard]] Result<void> use(const std::string& name) const { return call<Change_Work_Frame>(arm_, name, true); }
+    [[nodiscard]] Result<void> add(const Frame& work) const {
+        return call<Manual_Set_Work_Frame_Block>(arm_, work.name, work.pose);
+    }
+    [[nodiscard]] Result<void> update(const Frame& work) const {
+        return call<Update_Work_Frame>(arm_, work.name, work.pose);
+    }
+    [[nodiscard]] Result<void> remove(const std::string& name) const {
+        return call<Delete_Work_Frame>(arm_, name, true);
+    }
 
  private:
     ArmSocket arm_;

@@ -43,7 +43,7 @@ class Model {
     explicit Model(std::string_view name) : Model(named(name).value()) {}
 
     /* The same without an exception. */
-    static Result<Model> named(std::string_view name) {
+    [[nodiscard]] static Result<Model> named(std::string_view name) {
         static constexpr struct {
             std::string_view name;
             int number, sensors;
@@ -62,13 +62,13 @@ class Model {
     }
 
     /* Takes a model of the C interface over. Null is an error. command: the function that returned it. */
-    static Result<Model> adopt(ZK_Model* model, const char* command) {
+    [[nodiscard]] static Result<Model> adopt(ZK_Model* model, const char* command) {
         if (!model) return Unexpected(make_error(ZK_BAD_ARGUMENT, command, "there is no such model, or no memory"));
         return Model(model);
     }
 
     /* A copy of its own. */
-    Result<Model> clone() const { return adopt(ZK_Model_Clone(get()), "ZK_Model_Clone"); }
+    [[nodiscard]] Result<Model> clone() const { return adopt(ZK_Model_Clone(get()), "ZK_Model_Clone"); }
 
     /* For the calls of zk/arm_model.h. */
     ZK_Model* get() const { return model_.get(); }
@@ -78,23 +78,27 @@ class Model {
     std::string name() const { return ZK_Model_Name(get()); }
 
     /* The tool in the flange frame, the work frame in the world. */
-    Result<void> set_tool(const Pose& flange_T_tool) { return set_pose<ZK_Model_Set_Tool>(flange_T_tool); }
-    Result<void> set_work_frame(const Pose& world_T_work) { return set_pose<ZK_Model_Set_Work_Frame>(world_T_work); }
-    Result<Pose> tool() const { return pose<ZK_Model_Get_Tool>(); }
-    Result<Pose> work_frame() const { return pose<ZK_Model_Get_Work_Frame>(); }
+    [[nodiscard]] Result<void> set_tool(const Pose& flange_T_tool) {
+        return set_pose<ZK_Model_Set_Tool>(flange_T_tool);
+    }
+    [[nodiscard]] Result<void> set_work_frame(const Pose& world_T_work) {
+        return set_pose<ZK_Model_Set_Work_Frame>(world_T_work);
+    }
+    [[nodiscard]] Result<Pose> tool() const { return pose<ZK_Model_Get_Tool>(); }
+    [[nodiscard]] Result<Pose> work_frame() const { return pose<ZK_Model_Get_Work_Frame>(); }
 
     /* How the base is mounted: its rotation in the world. */
-    Result<void> set_mounting(const EulerAngles& angles) {
+    [[nodiscard]] Result<void> set_mounting(const EulerAngles& angles) {
         return call<ZK_Model_Set_Mounting>(get(), angles.rx.degrees(), angles.ry.degrees(), angles.rz.degrees());
     }
 
     /* Positions that the joints may take. */
-    Result<void> set_joint_limits(const JointLimits& limits) {
+    [[nodiscard]] Result<void> set_joint_limits(const JointLimits& limits) {
         if (Result<void> sized = check(limits.min, "ZK_Model_Set_Joint_Limits"); !sized) return sized;
         if (Result<void> sized = check(limits.max, "ZK_Model_Set_Joint_Limits"); !sized) return sized;
         return call<ZK_Model_Set_Joint_Limits>(get(), limits.min, limits.max);
     }
-    Result<JointLimits> joint_limits() const {
+    [[nodiscard]] Result<JointLimits> joint_limits() const {
         float min[Joints::kMost], max[Joints::kMost];
         return detail::then(call<ZK_Model_Get_Joint_Limits>(get(), min, max), [&] {
             return JointLimits{joints(min), joints(max)};
@@ -102,7 +106,7 @@ class Model {
     }
 
     /* The pose of the tool in the work frame. */
-    Result<Pose> forward(const Joints& at) const {
+    [[nodiscard]] Result<Pose> forward(const Joints& at) const {
         if (Result<void> sized = check(at, "ZK_Model_Forward"); !sized) return Unexpected(std::move(sized).error());
         ::Pose reached;
         return detail::then(call<ZK_Model_Forward>(get(), at, &reached),
@@ -111,7 +115,7 @@ class Model {
 
     /* The joints nearest to the seed that bring the tool to a pose of the work frame. Fails with ZK_NO_SOLUTION and the
      * reason. The options are those of the C interface; their orientation does not matter. */
-    Result<Joints> inverse(const Pose& target, const Joints& seed, ZK_InverseOptions options = {}) const {
+    [[nodiscard]] Result<Joints> inverse(const Pose& target, const Joints& seed, ZK_InverseOptions options = {}) const {
         if (Result<void> sized = check(seed, "ZK_Model_Inverse"); !sized) return Unexpected(std::move(sized).error());
         const ::Pose c_target = target.to_c();
         float found[Joints::kMost];
@@ -123,8 +127,9 @@ class Model {
     }
 
     /* Every posture that brings the tool there, nearest to the seed first; at most `most` of them. */
-    Result<std::vector<Joints>> inverse_all(const Pose& target, const Joints& seed, std::size_t most = 256,
-                                            ZK_InverseOptions options = {}) const {
+    [[nodiscard]] Result<std::vector<Joints>> inverse_all(const Pose& target, const Joints& seed,
+                                                          std::size_t most = 256,
+                                                          ZK_InverseOptions options = {}) const {
         if (Result<void> sized = check(seed, "ZK_Model_Inverse_All"); !sized)
             return Unexpected(std::move(sized).error());
         const ::Pose c_target = target.to_c();
@@ -137,8 +142,8 @@ class Model {
 
     /* Joints along a path without a jump, each from the one before it, the first from the seed. Fails with
      * ZK_NO_SOLUTION and the number of the first pose, from 0, that cannot be followed. */
-    Result<std::vector<Joints>> follow(Span<const Pose> path, const Joints& seed,
-                                       ZK_InverseOptions options = {}) const {
+    [[nodiscard]] Result<std::vector<Joints>> follow(Span<const Pose> path, const Joints& seed,
+                                                     ZK_InverseOptions options = {}) const {
         if (Result<void> sized = check(seed, "ZK_Model_Follow"); !sized) return Unexpected(std::move(sized).error());
         std::vector<::Pose> poses;
         poses.reserve(path.size());
@@ -157,7 +162,7 @@ class Model {
     }
 
     /* The Jacobian of the tool tip: joint speeds in radians per second to metres and radians per second. */
-    Result<Jacobian> jacobian(const Joints& at, ZK_Axes axes = ZK_BASE_AXES) const {
+    [[nodiscard]] Result<Jacobian> jacobian(const Joints& at, ZK_Axes axes = ZK_BASE_AXES) const {
         if (Result<void> sized = check(at, "ZK_Model_Jacobian"); !sized) return Unexpected(std::move(sized).error());
         double flat[6 * Joints::kMost];
         return detail::then(call<ZK_Model_Jacobian>(get(), at, axes, &flat[0]), [&] {
@@ -169,14 +174,14 @@ class Model {
     }
 
     /* 0 at a singular posture. */
-    Result<double> manipulability(const Joints& at) const {
+    [[nodiscard]] Result<double> manipulability(const Joints& at) const {
         if (Result<void> sized = check(at, "ZK_Model_Manipulability"); !sized)
             return Unexpected(std::move(sized).error());
         return detail::fetch<ZK_Model_Manipulability, double>(get(), at);
     }
 
     /* How far the joint nearest to a limit is from it; below 0 when it is beyond. */
-    Result<Angle> limit_distance(const Joints& at) const {
+    [[nodiscard]] Result<Angle> limit_distance(const Joints& at) const {
         if (Result<void> sized = check(at, "ZK_Model_Limit_Distance"); !sized)
             return Unexpected(std::move(sized).error());
         float degree = 0;
@@ -186,15 +191,16 @@ class Model {
 
     /* Many at once, over some threads, in the records of the C interface and without a copy: rows of joints in degrees,
      * as many as there are poses. */
-    Result<void> forward(Span<const float> rows_of_joints, Span<::Pose> poses, int threads = 1) const {
+    [[nodiscard]] Result<void> forward(Span<const float> rows_of_joints, Span<::Pose> poses, int threads = 1) const {
         if (Result<void> sized = check_rows(rows_of_joints.size(), poses.size(), "ZK_Model_Forward_Batch"); !sized)
             return sized;
         return call<ZK_Model_Forward_Batch>(get(), rows_of_joints.data(), poses.size(), poses.data(), threads);
     }
     /* The same for the inverse: seeds and answers are rows of joints. statuses: one for each pose, or none. Fails with
      * the first status that is not 0; the other rows are written all the same. */
-    Result<void> inverse(Span<const ::Pose> targets, Span<const float> seeds, Span<float> answers,
-                         Span<int> statuses = {}, int threads = 1, const ZK_InverseOptions& options = {}) const {
+    [[nodiscard]] Result<void> inverse(Span<const ::Pose> targets, Span<const float> seeds, Span<float> answers,
+                                       Span<int> statuses = {}, int threads = 1,
+                                       const ZK_InverseOptions& options = {}) const {
         constexpr const char* kCommand = "ZK_Model_Inverse_Batch";
         if (Result<void> sized = check_rows(seeds.size(), targets.size(), kCommand); !sized) return sized;
         if (Result<void> sized = check_rows(answers.size(), targets.size(), kCommand); !sized) return sized;
@@ -219,13 +225,13 @@ class Model {
         return all;
     }
 
-    Result<void> check(const Joints& given, const char* command) const {
+    [[nodiscard]] Result<void> check(const Joints& given, const char* command) const {
         if (given.size() == joint_count()) return {};
         return Unexpected(
             make_error(ZK_BAD_ARGUMENT, command,
                        std::to_string(given.size()) + " joints for an arm of " + std::to_string(joint_count())));
     }
-    Result<void> check_rows(std::size_t numbers, std::size_t count, const char* command) const {
+    [[nodiscard]] Result<void> check_rows(std::size_t numbers, std::size_t count, const char* command) const {
         if (numbers == count * joint_count()) return {};
         return Unexpected(make_error(ZK_BAD_ARGUMENT, command,
                                      std::to_string(numbers) + " numbers are not " + std::to_string(count) +
@@ -233,12 +239,12 @@ class Model {
     }
 
     template <auto kSetter>
-    Result<void> set_pose(const Pose& pose) {
+    [[nodiscard]] Result<void> set_pose(const Pose& pose) {
         const ::Pose c_pose = pose.to_c();
         return call<kSetter>(get(), &c_pose);
     }
     template <auto kGetter>
-    Result<Pose> pose() const {
+    [[nodiscard]] Result<Pose> pose() const {
         ::Pose c_pose;
         return detail::then(call<kGetter>(get(), &c_pose), [&] { return Pose(c_pose, ZK_BY_QUATERNION); });
     }

@@ -34,7 +34,7 @@ class [[nodiscard]] Move {
 
     /* Waits for the end of the motion, however long it takes. Success when it arrived; ZK_REFUSED when it was not
      * accepted or ended before its target; ZK_CANCELLED after cancel(); the statuses of ZK_Wait_Move. */
-    Result<void> wait() const {
+    [[nodiscard]] Result<void> wait() const {
         for (;;) {
             Result<void> ended = wait_for(std::chrono::hours(1));
             if (ended || ended.error().status != ZK_TIMEOUT) return ended;
@@ -42,22 +42,22 @@ class [[nodiscard]] Move {
     }
 
     /* The same for a time: ZK_TIMEOUT when the motion is not over. May be called again. */
-    Result<void> wait_for(std::chrono::milliseconds time) const {
+    [[nodiscard]] Result<void> wait_for(std::chrono::milliseconds time) const {
         if (!started_) return started_;
         return call<ZK_Wait_Move>(arm_, std::max(1, milliseconds_of(time)));
     }
 
     /* How far it is, 0 to 1, as ZK_Move_Progress says: for joint motions, with the controller's stream of states. */
-    Result<double> progress() const {
+    [[nodiscard]] Result<double> progress() const {
         float share = 0;
         return detail::then(call<ZK_Move_Progress>(arm_, &share), [&] { return static_cast<double>(share); });
     }
 
     /* Ends the waits, in all threads, with ZK_CANCELLED. The arm moves on. */
-    Result<void> cancel() const { return call<ZK_Cancel>(arm_); }
+    [[nodiscard]] Result<void> cancel() const { return call<ZK_Cancel>(arm_); }
 
     /* Stops the arm at once, ahead of all that is queued. A wait ends with ZK_REFUSED. */
-    Result<void> stop() const { return call<ZK_Stop>(arm_, ZK_STOP); }
+    [[nodiscard]] Result<void> stop() const { return call<ZK_Stop>(arm_, ZK_STOP); }
 
  private:
     ArmSocket arm_;

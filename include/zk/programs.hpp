@@ -38,7 +38,7 @@ class Programs {
     explicit Programs(ArmSocket arm) : arm_(arm) {}
 
     /* Those whose name contains a text; all for an empty one. */
-    Result<std::vector<Program>> list(const std::string& part_of_name = {}) const {
+    [[nodiscard]] Result<std::vector<Program>> list(const std::string& part_of_name = {}) const {
         std::vector<Program> found;
         const auto page = std::make_unique<ProgramList>();
         for (page->page_num = 1;; ++page->page_num) {
@@ -56,23 +56,23 @@ class Programs {
     }
 
     /* Starts a program; wait() waits for its end. */
-    Result<void> start(int id, Percent speed = percent(20)) const {
+    [[nodiscard]] Result<void> start(int id, Percent speed = percent(20)) const {
         return call<Set_Program_ID_Start>(arm_, id, speed, false);
     }
 
     /* Waits until no program runs, however long that takes; or for a time, with ZK_TIMEOUT when one still runs. */
-    Result<ZK_ProgramOutcome> wait() const {
+    [[nodiscard]] Result<ZK_ProgramOutcome> wait() const {
         for (;;) {
             Result<ZK_ProgramOutcome> ended = wait_for(std::chrono::hours(1));
             if (ended || ended.error().status != ZK_TIMEOUT) return ended;
         }
     }
-    Result<ZK_ProgramOutcome> wait_for(std::chrono::milliseconds time) const {
+    [[nodiscard]] Result<ZK_ProgramOutcome> wait_for(std::chrono::milliseconds time) const {
         return detail::fetch<ZK_Wait_Program, ZK_ProgramOutcome>(arm_, std::max(1, milliseconds_of(time)));
     }
 
     /* The program in progress. */
-    Result<ProgramRunState> state() const {
+    [[nodiscard]] Result<ProgramRunState> state() const {
         ProgramRunState state{};
         state.run_state = -1;
         const int status = Get_Program_Run_State(arm_, &state); /* the run state itself is no failure */
@@ -82,7 +82,7 @@ class Programs {
 
     /* Sends a project, a text file with one instruction a line. The error names the line that the controller rejects.
      */
-    Result<void> send(const std::string& path, const SendOptions& options = {}) const {
+    [[nodiscard]] Result<void> send(const std::string& path, const SendOptions& options = {}) const {
         ProjectSendParams parameters{};
         if (path.size() > sizeof parameters.project_path)
             return detail::failure_of<Send_TrajectoryFile>(ZK_PATH_TOO_LONG);
@@ -97,7 +97,7 @@ class Programs {
         return Unexpected(make_error(status, "Send_TrajectoryFile",
                                      line > 0 ? "the controller rejects line " + std::to_string(line) : std::string()));
     }
-    Result<void> remove(int id) const { return call<Delete_Program_Trajectory>(arm_, id); }
+    [[nodiscard]] Result<void> remove(int id) const { return call<Delete_Program_Trajectory>(arm_, id); }
 
  private:
     ArmSocket arm_;

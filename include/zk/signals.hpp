@@ -29,34 +29,40 @@ class Io {
  public:
     explicit Io(ArmSocket arm) : arm_(arm) {}
 
-    Result<void> set_digital(int number, bool on) const { return call<Set_DO_State>(arm_, number, on, true); }
-    Result<void> set_volts(int number, double volts) const { return call<Set_AO_State>(arm_, number, volts, true); }
-    Result<bool> digital_output(int number) const {
+    [[nodiscard]] Result<void> set_digital(int number, bool on) const {
+        return call<Set_DO_State>(arm_, number, on, true);
+    }
+    [[nodiscard]] Result<void> set_volts(int number, double volts) const {
+        return call<Set_AO_State>(arm_, number, volts, true);
+    }
+    [[nodiscard]] Result<bool> digital_output(int number) const {
         std::uint8_t state = 0;
         return detail::then(call<Get_DO_State>(arm_, number, &state), [&] { return state != 0; });
     }
 
-    Result<Signals> inputs() const { return signals<Get_IO_Input>(); }
-    Result<Signals> outputs() const { return signals<Get_IO_Output>(); }
+    [[nodiscard]] Result<Signals> inputs() const { return signals<Get_IO_Input>(); }
+    [[nodiscard]] Result<Signals> outputs() const { return signals<Get_IO_Output>(); }
 
-    Result<void> set_tool_digital(int number, bool on) const { return call<Set_Tool_DO_State>(arm_, number, on, true); }
+    [[nodiscard]] Result<void> set_tool_digital(int number, bool on) const {
+        return call<Set_Tool_DO_State>(arm_, number, on, true);
+    }
     /* Makes an input or output of the tool an output. */
-    Result<void> set_tool_is_output(int number, bool output) const {
+    [[nodiscard]] Result<void> set_tool_is_output(int number, bool output) const {
         return call<Set_Tool_IO_Mode>(arm_, number, output, true);
     }
     /* The state of both inputs or outputs of the tool. */
-    Result<std::array<bool, 2>> tool_digital() const {
+    [[nodiscard]] Result<std::array<bool, 2>> tool_digital() const {
         std::array<float, 2> mode{}, state{};
         return detail::then(call<Get_Tool_IO_State>(arm_, mode, state), [&] {
             return std::array<bool, 2>{state[0] > 0, state[1] > 0};
         });
     }
     /* Sets the type of the tool's supply voltage, as the controller numbers it. */
-    Result<void> set_tool_voltage(int type) const { return call<Set_Tool_Voltage>(arm_, type, true); }
+    [[nodiscard]] Result<void> set_tool_voltage(int type) const { return call<Set_Tool_Voltage>(arm_, type, true); }
 
  private:
     template <auto kQuery>
-    Result<Signals> signals() const {
+    [[nodiscard]] Result<Signals> signals() const {
         Signals all;
         return detail::then(call<kQuery>(arm_, all.digital, all.volts), [&] { return all; });
     }
@@ -71,50 +77,50 @@ class Modbus {
 
     /* Opens a serial port. patience: how long the controller waits for a device, in tenths of a second, which also
      * bounds every read and write of the process. */
-    Result<void> open(int baud_rate, std::chrono::milliseconds patience = std::chrono::seconds(1)) const {
+    [[nodiscard]] Result<void> open(int baud_rate, std::chrono::milliseconds patience = std::chrono::seconds(1)) const {
         return call<Set_Modbus_Mode>(arm_, port_, baud_rate, patience.count() / 100, true);
     }
-    Result<void> close() const { return call<Close_Modbus_Mode>(arm_, port_, true); }
+    [[nodiscard]] Result<void> close() const { return call<Close_Modbus_Mode>(arm_, port_, true); }
 
     /* Connects the controller to a server at a dotted address; disconnects it. */
-    Result<void> connect(const std::string& address, int tcp_port,
-                         std::chrono::milliseconds patience = std::chrono::seconds(2)) const {
+    [[nodiscard]] Result<void> connect(const std::string& address, int tcp_port,
+                                       std::chrono::milliseconds patience = std::chrono::seconds(2)) const {
         return call<Set_Modbustcp_Mode>(arm_, address, tcp_port, patience);
     }
-    Result<void> disconnect() const { return call<Close_Modbustcp_Mode>(arm_); }
+    [[nodiscard]] Result<void> disconnect() const { return call<Close_Modbustcp_Mode>(arm_); }
 
     /* Up to eight coils, or discrete inputs, of a device; the first is bit 0. */
-    Result<int> coils(int device, int address, int count = 1) const {
+    [[nodiscard]] Result<int> coils(int device, int address, int count = 1) const {
         return detail::fetch<Get_Read_Coils, std::int32_t>(arm_, port_, address, count, device);
     }
-    Result<int> discrete_inputs(int device, int address, int count = 1) const {
+    [[nodiscard]] Result<int> discrete_inputs(int device, int address, int count = 1) const {
         return detail::fetch<Get_Read_Input_Status, std::int32_t>(arm_, port_, address, count, device);
     }
 
     /* One register. */
-    Result<int> holding_register(int device, int address) const {
+    [[nodiscard]] Result<int> holding_register(int device, int address) const {
         return detail::fetch<Get_Read_Holding_Registers, std::int32_t>(arm_, port_, address, device);
     }
-    Result<int> input_register(int device, int address) const {
+    [[nodiscard]] Result<int> input_register(int device, int address) const {
         return detail::fetch<Get_Read_Input_Registers, std::int32_t>(arm_, port_, address, device);
     }
 
     /* Several registers, up to 125. */
-    Result<std::vector<std::uint16_t>> holding_registers(int device, int address, int count) const {
+    [[nodiscard]] Result<std::vector<std::uint16_t>> holding_registers(int device, int address, int count) const {
         return registers<Read_Multiple_Holding_Registers>(device, address, count);
     }
-    Result<std::vector<std::uint16_t>> input_registers(int device, int address, int count) const {
+    [[nodiscard]] Result<std::vector<std::uint16_t>> input_registers(int device, int address, int count) const {
         return registers<Read_Multiple_Input_Registers>(device, address, count);
     }
 
-    Result<void> write_coil(int device, int address, bool on) const {
+    [[nodiscard]] Result<void> write_coil(int device, int address, bool on) const {
         return call<Write_Single_Coil>(arm_, port_, address, on ? 1 : 0, device, true);
     }
-    Result<void> write_register(int device, int address, std::uint16_t value) const {
+    [[nodiscard]] Result<void> write_register(int device, int address, std::uint16_t value) const {
         return call<Write_Single_Register>(arm_, port_, address, value, device, true);
     }
     /* At most 18 registers fit a request whatever their values. */
-    Result<void> write_registers(int device, int address, Span<const std::uint16_t> values) const {
+    [[nodiscard]] Result<void> write_registers(int device, int address, Span<const std::uint16_t> values) const {
         std::vector<std::uint8_t> bytes;
         for (const std::uint16_t value : values) {
             bytes.push_back(static_cast<std::uint8_t>(value >> 8));
@@ -125,7 +131,7 @@ class Modbus {
 
  private:
     template <auto kQuery>
-    Result<std::vector<std::uint16_t>> registers(int device, int address, int count) const {
+    [[nodiscard]] Result<std::vector<std::uint16_t>> registers(int device, int address, int count) const {
         if (count < 0 || count > ZK_MODBUS_VALUES / 2) return detail::failure_of<kQuery>(ZK_BAD_ARGUMENT);
         std::array<std::int32_t, ZK_MODBUS_VALUES> bytes{};
         return detail::then(call<kQuery>(arm_, port_, address, count, device, bytes), [&] {

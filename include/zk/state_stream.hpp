@@ -59,7 +59,7 @@ class StateStream {
     StateStream& operator=(StateStream&&) = default;
 
     /* The last state, at once. max_age: fails with ZK_STATE_TOO_OLD when it is older; 0 for any age. */
-    Result<State> latest(std::chrono::milliseconds max_age = {}) const {
+    [[nodiscard]] Result<State> latest(std::chrono::milliseconds max_age = {}) const {
         Result<State> state(std::in_place);
         const int status = ZK_Get_State(arm_, &state->record, milliseconds_of(max_age));
         if (status != ZK_OK) state = detail::failure_of<ZK_Get_State>(status);
@@ -68,7 +68,7 @@ class StateStream {
 
     /* Waits for a state newer than that of the last next(); ZK_TIMEOUT without one in this time. Looks every
      * millisecond. */
-    Result<State> next(std::chrono::milliseconds patience = std::chrono::seconds(1)) {
+    [[nodiscard]] Result<State> next(std::chrono::milliseconds patience = std::chrono::seconds(1)) {
         const auto end = std::chrono::steady_clock::now() + patience;
         for (;;) {
             Result<State> state = latest();

@@ -34,27 +34,30 @@ class Gripper {
     explicit Gripper(ArmSocket arm) : arm_(arm) {}
 
     /* Closes until it grips with the force, or is closed. */
-    Result<void> pick(const Grip& grip = {}) const {
+    [[nodiscard]] Result<void> pick(const Grip& grip = {}) const {
         return call<Set_Gripper_Pick>(arm_, grip.speed, grip.force, true, seconds(grip));
     }
     /* The same, and keeps the force. */
-    Result<void> hold(const Grip& grip = {}) const {
+    [[nodiscard]] Result<void> hold(const Grip& grip = {}) const {
         return call<Set_Gripper_Pick_On>(arm_, grip.speed, grip.force, true, seconds(grip));
     }
     /* Opens. The force does not matter. */
-    Result<void> release(const Grip& grip = {}) const {
+    [[nodiscard]] Result<void> release(const Grip& grip = {}) const {
         return call<Set_Gripper_Release>(arm_, grip.speed, true, seconds(grip));
     }
     /* Goes to an opening, in the gripper's own unit. */
-    Result<void> move_to(int opening, std::chrono::milliseconds patience = std::chrono::seconds(10)) const {
+    [[nodiscard]] Result<void> move_to(int opening,
+                                       std::chrono::milliseconds patience = std::chrono::seconds(10)) const {
         return call<Set_Gripper_Position>(arm_, opening, true, seconds({0, 0, patience}));
     }
     /* Sets the range of openings in use. */
-    Result<void> set_range(int min, int max) const { return call<Set_Gripper_Route>(arm_, min, max, true); }
+    [[nodiscard]] Result<void> set_range(int min, int max) const {
+        return call<Set_Gripper_Route>(arm_, min, max, true);
+    }
 
-    Result<GripperState> state() const { return detail::fetch<Get_Gripper_State, GripperState>(arm_); }
+    [[nodiscard]] Result<GripperState> state() const { return detail::fetch<Get_Gripper_State, GripperState>(arm_); }
     /* The opening, in the gripper's own unit: above 0 after a pick when there is something between the fingers. */
-    Result<int> position() const {
+    [[nodiscard]] Result<int> position() const {
         GripperState state{};
         return detail::then(call<Get_Gripper_State>(arm_, &state), [&] { return int{state.actpos}; });
     }
@@ -74,20 +77,24 @@ class Hand {
     explicit Hand(ArmSocket arm) : arm_(arm) {}
 
     /* Brings it into a posture, runs a sequence, by their numbers in the hand; waits for its report. */
-    Result<void> take_posture(int number) const { return call<Set_Hand_Posture>(arm_, number, true); }
-    Result<void> run_sequence(int number) const { return call<Set_Hand_Seq>(arm_, number, true); }
+    [[nodiscard]] Result<void> take_posture(int number) const { return call<Set_Hand_Posture>(arm_, number, true); }
+    [[nodiscard]] Result<void> run_sequence(int number) const { return call<Set_Hand_Seq>(arm_, number, true); }
 
     /* Sends the angles of the fingers; does not wait for their arrival. */
-    Result<void> set_angles(const Fingers& angles) const { return call<Set_Hand_Angle>(arm_, angles, true); }
+    [[nodiscard]] Result<void> set_angles(const Fingers& angles) const {
+        return call<Set_Hand_Angle>(arm_, angles, true);
+    }
 
     /* Stream angles and positions, at the rate of the caller's own loop. */
-    Result<void> stream_angles(const Fingers& angles) const { return call<Set_Hand_Follow_Angle>(arm_, angles, false); }
-    Result<void> stream_positions(const Fingers& positions) const {
+    [[nodiscard]] Result<void> stream_angles(const Fingers& angles) const {
+        return call<Set_Hand_Follow_Angle>(arm_, angles, false);
+    }
+    [[nodiscard]] Result<void> stream_positions(const Fingers& positions) const {
         return call<Set_Hand_Follow_Pos>(arm_, positions, false);
     }
 
-    Result<void> set_speed(int speed) const { return call<Set_Hand_Speed>(arm_, speed, true); }
-    Result<void> set_force(int force) const { return call<Set_Hand_Force>(arm_, force, true); }
+    [[nodiscard]] Result<void> set_speed(int speed) const { return call<Set_Hand_Speed>(arm_, speed, true); }
+    [[nodiscard]] Result<void> set_force(int force) const { return call<Set_Hand_Force>(arm_, force, true); }
 
  private:
     ArmSocket arm_;
@@ -115,28 +122,28 @@ class ForceControl {
     explicit ForceControl(ArmSocket arm) : arm_(arm) {}
 
     /* Reads the six-axis sensor. */
-    Result<ForceReading> read() const {
+    [[nodiscard]] Result<ForceReading> read() const {
         ForceReading r{};
         return detail::then(call<Get_Force_Data>(arm_, r.measured, r.net, r.net_in_work_frame, r.net_in_tool_frame),
                             [&] { return r; });
     }
     /* Reads the one-axis sensor, without the payload, in newtons. */
-    Result<double> read_one_axis() const {
+    [[nodiscard]] Result<double> read_one_axis() const {
         float measured = 0, net = 0, work = 0, tool = 0;
         return detail::then(call<Get_Fz>(arm_, &measured, &net, &work, &tool),
                             [&] { return static_cast<double>(net); });
     }
     /* Takes the present reading of the six-axis sensor as zero. */
-    Result<void> zero() const { return call<Clear_Force_Data>(arm_, true); }
+    [[nodiscard]] Result<void> zero() const { return call<Clear_Force_Data>(arm_, true); }
 
     /* Holds a force until release(). */
-    Result<void> hold(const ForceHold& hold) const {
+    [[nodiscard]] Result<void> hold(const ForceHold& hold) const {
         return call<Set_Force_Postion>(arm_, hold.sensor, hold.frame, hold.direction, std::llround(hold.newtons), true);
     }
-    Result<void> release() const { return call<Stop_Force_Postion>(arm_, true); }
+    [[nodiscard]] Result<void> release() const { return call<Stop_Force_Postion>(arm_, true); }
 
     /* Calibrates the six-axis sensor. The arm moves: keep clear. */
-    Result<void> calibrate() const { return call<Set_Force_Sensor>(arm_); }
+    [[nodiscard]] Result<void> calibrate() const { return call<Set_Force_Sensor>(arm_); }
 
  private:
     ArmSocket arm_;
@@ -148,21 +155,23 @@ class DragTeaching {
     explicit DragTeaching(ArmSocket arm) : arm_(arm) {}
 
     /* From now on the arm yields, and the controller records its way until stop(). */
-    Result<void> start() const { return call<Start_Drag_Teach>(arm_, true); }
-    Result<void> stop() const { return call<Stop_Drag_Teach>(arm_, true); }
+    [[nodiscard]] Result<void> start() const { return call<Start_Drag_Teach>(arm_, true); }
+    [[nodiscard]] Result<void> stop() const { return call<Stop_Drag_Teach>(arm_, true); }
 
     /* Moves to the start of the recording, replays it; both wait for the end. */
-    Result<void> go_to_start() const { return call<Drag_Trajectory_Origin>(arm_, true); }
-    Result<void> replay() const { return call<Run_Drag_Trajectory>(arm_, true); }
+    [[nodiscard]] Result<void> go_to_start() const { return call<Drag_Trajectory_Origin>(arm_, true); }
+    [[nodiscard]] Result<void> replay() const { return call<Run_Drag_Trajectory>(arm_, true); }
 
     /* Of the replay, from another thread. */
-    Result<void> pause() const { return call<Pause_Drag_Trajectory>(arm_, true); }
-    Result<void> resume() const { return call<Continue_Drag_Trajectory>(arm_, true); }
-    Result<void> stop_replay() const { return call<Stop_Drag_Trajectory>(arm_, true); }
+    [[nodiscard]] Result<void> pause() const { return call<Pause_Drag_Trajectory>(arm_, true); }
+    [[nodiscard]] Result<void> resume() const { return call<Continue_Drag_Trajectory>(arm_, true); }
+    [[nodiscard]] Result<void> stop_replay() const { return call<Stop_Drag_Trajectory>(arm_, true); }
 
     /* Saves the recording to a local file, a point a line, and returns how many points there are. They arrive after the
      * call has returned: see Save_Trajectory. */
-    Result<int> save(const std::string& path) const { return detail::fetch<Save_Trajectory, std::int32_t>(arm_, path); }
+    [[nodiscard]] Result<int> save(const std::string& path) const {
+        return detail::fetch<Save_Trajectory, std::int32_t>(arm_, path);
+    }
 
  private:
     ArmSocket arm_;
@@ -182,13 +191,13 @@ class Lift {
     explicit Lift(ArmSocket arm) : arm_(arm) {}
 
     /* Moves to a height, in whole millimetres, and waits for the lift's report. */
-    Result<void> move_to(Length height, Percent speed) const {
+    [[nodiscard]] Result<void> move_to(Length height, Percent speed) const {
         return call<Set_Lift_Height>(arm_, std::llround(height.millimetres()), speed, true);
     }
     /* Runs at a speed, below 0 downward, until it is set to 0. */
-    Result<void> run(Percent speed) const { return call<Set_Lift_Speed>(arm_, speed); }
+    [[nodiscard]] Result<void> run(Percent speed) const { return call<Set_Lift_Speed>(arm_, speed); }
 
-    Result<LiftState> state() const {
+    [[nodiscard]] Result<LiftState> state() const {
         std::int32_t height = 0, current = 0, mode = 0;
         std::uint16_t error = 0;
         return detail::then(call<Get_Lift_State>(arm_, &height, &current, &error, &mode), [&] {
