@@ -6,7 +6,7 @@
  *     using namespace zk::literals;
  *
  *     zk::Arm arm("192.168.1.18");
- *     arm.move_joints({0_deg, 20_deg, 70_deg, 0_deg, 90_deg, 0_deg}, {.speed = 20_percent}).wait().value();
+ *     arm.move_joints({0_deg, 20_deg, 70_deg, 0_deg, 90_deg, 0_deg}, {20_percent}).wait().value();
  *     zk::Pose here = arm.pose().value();
  *     arm.move_line(here.moved(0_mm, 0_mm, -50_mm)).wait().value();
  *     arm.gripper().pick().value();
@@ -124,21 +124,28 @@ class Arm {
     /* 6 or 7. */
     std::size_t joint_count() const { return joint_count_; }
 
-    /* Calls any command of the interface on this arm: call<Movej_Cmd>(joints, 20, 0, 0, true). See zk/call.hpp. */
+    /* Calls any command of the interface on this arm: call<Movej_Cmd>(joints, 20, 0, 0, true). See zk/call.hpp. Joints
+     * of an arm with another number of them are an error. */
     template <auto kCommand, class... Arguments>
     [[nodiscard]] auto call(Arguments&&... arguments) const {
+        using Answer = decltype(zk::call<kCommand>(handle_, std::forward<Arguments>(arguments)...));
+        if constexpr (std::is_same_v<Answer, Result<void>>) {
+            std::size_t joints = joint_count_;
+            (count_joints(arguments, joints), ...);
+            if (joints != joint_count_ && handle_ != 0) {
+                return Answer(Unexpected(
+                    make_error(ZK_BAD_ARGUMENT, detail::kName<kCommand>.data(),
+                               std::to_string(joints) + " joints for an arm of " + std::to_string(joint_count_))));
+            }
+        }
         return zk::call<kCommand>(handle_, std::forward<Arguments>(arguments)...);
     }
 
-    /* ----------------------------------------------------------------------------------------------------- Motion --
-     */
+    /* ------------------------------------------------------------------------------------------------ Motion -- */
 
     /* Start a motion and return its handle: of all joints to a target; of the tool to a pose of the work frame along a
      * line, with all joints arriving together, along a spline through successive poses, on a circle through a pose. */
     Move move_joints(const Joints& target, const MoveOptions& options = {}) const {
-        if (target.size() != joint_count_)
-            return refused<Movej_Cmd_NonBlock>(std::to_string(target.size()) + " joints for an arm of " +
-                                               std::to_string(joint_count_));
         return start<Movej_Cmd_NonBlock>(options, target);
     }
     Move move_line(const Pose& target, const MoveOptions& options = {}) const {
@@ -153,8 +160,10 @@ class Arm {
     /* whole_turns: in addition, before the target. */
     Move move_circle(const Pose& via, const Pose& target, const MoveOptions& options = {}, int whole_turns = 0) const {
         if (const std::string fault = fault_of(options); !fault.empty()) return refused<Movec_Cmd_NonBlock>(fault);
-        return {handle_, call<Movec_Cmd_NonBlock>(via, target, options.speed, options.blend, whole_turns,
-                                                  options.joined ? 1 : 0)};
+        return {
+            handle_,
+            call<Movec_Cmd_NonBlock>(via, target, options.speed, options.blend, whole_turns, options.joined ? 1 : 0),
+            options.joined};
     }
 
     /* Streams a set-point at the rate of the caller's own loop; does not wait. smooth: within the acceleration limits
@@ -172,8 +181,9 @@ class Arm {
     }
     [[nodiscard]] Result<void> stop_jog() const { return call<Teach_Stop_Cmd>(true); }
 
-    /* Stops the arm ahead of all that is queued, from any thread. kind: ZK_SLOW_STOP, ZK_EMERGENCY_STOP and so on. */
-    [[nodiscard]] Result<void> stop(int kind = ZK_STOP) const { return call<ZK_Stop>(kind); }
+    /* Stops the arm ahead of all that is queued, which is dropped; from any thread. kind: ZK_SLOW_STOP,
+     * ZK_EMERGENCY_STOP and so on. */
+    [[nodiscard]] Result<void> stop(int kind = ZK_STOP | ZK_DROP_QUEUED) const { return call<ZK_Stop>(kind); }
     /* Halts on the path; goes on. */
     [[nodiscard]] Result<void> pause() const { return call<ZK_Stop>(ZK_PAUSE); }
     [[nodiscard]] Result<void> resume() const { return call<Move_Continue_Cmd>(true); }
@@ -190,8 +200,7 @@ class Arm {
         return call<ZK_Set_Deadline>(milliseconds_of(time), flags);
     }
 
-    /* ------------------------------------------------------------------------------------------------------ State --
-     */
+    /* ------------------------------------------------------------------------------------------------- State -- */
 
     /* Ask the controller. */
     [[nodiscard]] Result<ArmState> state() const {
@@ -239,8 +248,7 @@ class Arm {
     /* Clears the error of the system. */
     [[nodiscard]] Result<void> clear_error() const { return call<Clear_System_Err>(true); }
 
-    /* --------------------------------------------------------------------------------------------------- Families --
-     */
+    /* ---------------------------------------------------------------------------------------------- Families -- */
 
     Gripper gripper() const { return Gripper(handle_); }
     Hand hand() const { return Hand(handle_); }
@@ -257,6 +265,10 @@ class Arm {
  private:
     Arm() = default;
 
+    static void count_joints(const Joints& joints, std::size_t& count) { count = joints.size(); }
+    template <class Other>
+    static void count_joints(const Other&, std::size_t&) {}
+
     static std::string fault_of(const MoveOptions& options) {
         if (!(options.speed >= percent(1) && options.speed <= percent(100))) return "the speed is not 1 to 100 percent";
         if (!(options.blend >= percent(0) && options.blend <= percent(100))) return "the blend is not 0 to 100 percent";
@@ -269,7 +281,7 @@ class Arm {
     template <auto kMove, class Target>
     Move start(const MoveOptions& options, const Target& target) const {
         if (const std::string fault = fault_of(options); !fault.empty()) return refused<kMove>(fault);
-        return {handle_, call<kMove>(target, options.speed, options.blend, options.joined ? 1 : 0)};
+        return {handle_, call<kMove>(target, options.speed, options.blend, options.joined ? 1 : 0), options.joined};
     }
 
     ArmSocket handle_ = 0;

@@ -8,12 +8,16 @@
  *     Joints (degrees)    std::string, std::array, std::vector (their data)
  *     Pose                Percent (rounded)        std::chrono durations (whole milliseconds)
  *
+ * A pointer gets what the header of the function says: an array or a vector is as long as that, which nobody checks.
+ * Joints and poses that are not finite are an error like a number that does not fit.
+ *
  * A function that returns an int returns its status as a Result<void>. So call directly those whose int is no status: a
  * count, an answer, a kind. Any other function returns what it returns.
  */
 #ifndef ZK_CALL_HPP
 #define ZK_CALL_HPP
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cmath>
@@ -132,6 +136,23 @@ constexpr bool has_room([[maybe_unused]] const Held& number) {
     }
 }
 
+/* Whether the numbers of an input are finite: those of Joints and of a pose, which the wire could not carry. */
+template <class Held>
+bool is_finite([[maybe_unused]] const Held& input) {
+    if constexpr (std::is_same_v<Held, ::Pose>) {
+        const auto& p = input.position;
+        const auto& q = input.quaternion;
+        const auto& e = input.euler;
+        return std::isfinite(p.x + p.y + p.z + q.w + q.x + q.y + q.z + e.rx + e.ry + e.rz);
+    } else if constexpr (std::is_same_v<Held, std::array<float, Joints::kMost>>) {
+        return std::all_of(input.begin(), input.end(), [](float number) { return std::isfinite(number); });
+    } else if constexpr (std::is_floating_point_v<Held>) {
+        return std::isfinite(input);
+    } else {
+        return true;
+    }
+}
+
 template <class Parameter, class Held>
 constexpr Parameter passed(Held&& held) {
     if constexpr (std::is_pointer_v<Parameter> && kHasData<Held>) {
@@ -173,6 +194,11 @@ auto call_with(Returned (*)(Parameters...), Held&&... arguments) {
         if (!(has_room<Parameters>(arguments) && ...)) {
             return Result<void>(Unexpected(make_error(ZK_BAD_ARGUMENT, kName<kFunction>.data(),
                                                       "a number is too large or too small for its argument")));
+        }
+        /* What is named may be an output, and hold anything. */
+        if (!((std::is_lvalue_reference_v<Held> || is_finite(arguments)) && ...)) {
+            return Result<void>(
+                Unexpected(make_error(ZK_BAD_ARGUMENT, kName<kFunction>.data(), "a number is not finite")));
         }
         return result_of<kFunction>(kFunction(passed<Parameters>(std::forward<Held>(arguments))...));
     } else {

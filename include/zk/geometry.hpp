@@ -149,7 +149,7 @@ class Rotation {
     static Rotation from_quaternion(double w, double x, double y, double z) {
         const double norm = std::sqrt(w * w + x * x + y * y + z * z);
         Rotation rotation;
-        if (norm > 0) rotation.wxyz_ = {w / norm, x / norm, y / norm, z / norm};
+        if (norm != 0) rotation.wxyz_ = {w / norm, x / norm, y / norm, z / norm};
         return rotation;
     }
 

@@ -24,8 +24,9 @@ inline namespace ZK_RESULT_NAMESPACE {
  */
 class [[nodiscard]] Move {
  public:
-    /* Of a motion that was started on this arm with this result. */
-    Move(ArmSocket arm, Result<void> started) : arm_(arm), started_(std::move(started)) {}
+    /* Of a motion that was started on this arm with this result. joined: it runs with the next one. */
+    Move(ArmSocket arm, Result<void> started, bool joined = false)
+        : arm_(arm), started_(std::move(started)), joined_(joined) {}
     Move(Move&&) = default;
     Move& operator=(Move&&) = default;
 
@@ -33,7 +34,8 @@ class [[nodiscard]] Move {
     const Result<void>& accepted() const { return started_; }
 
     /* Waits for the end of the motion, however long it takes. Success when it arrived; ZK_REFUSED when it was not
-     * accepted or ended before its target; ZK_CANCELLED after cancel(); the statuses of ZK_Wait_Move. */
+     * accepted or ended before its target; ZK_CANCELLED after cancel(); ZK_BAD_ARGUMENT for a joined motion; the
+     * statuses of ZK_Wait_Move. */
     [[nodiscard]] Result<void> wait() const {
         for (;;) {
             Result<void> ended = wait_for(std::chrono::hours(1));
@@ -44,6 +46,10 @@ class [[nodiscard]] Move {
     /* The same for a time: ZK_TIMEOUT when the motion is not over. May be called again. */
     [[nodiscard]] Result<void> wait_for(std::chrono::milliseconds time) const {
         if (!started_) return started_;
+        if (joined_) {
+            return Unexpected(make_error(ZK_BAD_ARGUMENT, detail::kName<ZK_Wait_Move>.data(),
+                                         "a joined motion ends with the next one: wait for that"));
+        }
         return call<ZK_Wait_Move>(arm_, std::max(1, milliseconds_of(time)));
     }
 
@@ -57,11 +63,12 @@ class [[nodiscard]] Move {
     [[nodiscard]] Result<void> cancel() const { return call<ZK_Cancel>(arm_); }
 
     /* Stops the arm at once, ahead of all that is queued. A wait ends with ZK_REFUSED. */
-    [[nodiscard]] Result<void> stop() const { return call<ZK_Stop>(arm_, ZK_STOP); }
+    [[nodiscard]] Result<void> stop() const { return call<ZK_Stop>(arm_, ZK_STOP | ZK_DROP_QUEUED); }
 
  private:
     ArmSocket arm_;
     Result<void> started_;
+    bool joined_;
 };
 
 }  // namespace ZK_RESULT_NAMESPACE

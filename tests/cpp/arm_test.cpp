@@ -57,9 +57,11 @@ TEST(SUITE(Arm), MovesAndWaits) {
     arm.move_line(beside).wait().value();
     EXPECT_LT((arm.state().value().pose.position - beside.position).norm(), 0.1_mm);
     arm.move_circle(beyond, start.moved(50_mm, 0_m, 0_m)).wait().value();
-    for (const zk::Pose& pose : {beyond, beside})
-        arm.move_spline(pose, {20_percent, 0_percent, pose.position == beyond.position}).wait().value();
-    arm.move_joints(kHome, {100_percent, 50_percent, true}).accepted().value();
+    arm.move_spline(beyond, {20_percent, 0_percent, true}).accepted().value();
+    arm.move_spline(beside).wait().value();
+    const zk::Move first = arm.move_joints(kHome, {100_percent, 50_percent, true});
+    first.accepted().value();
+    EXPECT_EQ(first.wait().error().status, ZK_BAD_ARGUMENT) << "it ends with the next one";
     EXPECT_TRUE(arm.move_joints(kAway).wait()) << "joined";
     EXPECT_NEAR((arm.model().value().forward(kAway).value().position - arm.pose().value().position).norm().metres(), 0,
                 1e-4);
@@ -71,12 +73,15 @@ TEST(SUITE(Arm), MovesAndWaits) {
     } refused[] = {{arm.move_joints({0_deg}), ZK_BAD_ARGUMENT, "1 joints for an arm of 6"},
                    {arm.move_joints(kHome, {0.5_percent}), ZK_BAD_ARGUMENT, "speed"},
                    {arm.move_circle(start, start, {20_percent, 101_percent}), ZK_BAD_ARGUMENT, "blend"},
+                   {arm.move_line(start.shifted(zk::metres(NAN), 0_m, 0_m)), ZK_BAD_ARGUMENT, "not finite"},
                    {arm.move_line(start.shifted(5_m, 0_m, 0_m)), ZK_REFUSED, "refused"}};
     for (const auto& [move, status, text] : refused) {
         EXPECT_EQ(move.wait().error().status, status);
         EXPECT_EQ(move.accepted().error().status, status);
         EXPECT_CONTAINS(move.wait_for(1_ms).error().text, text);
     }
+    EXPECT_CONTAINS(arm.stream_joints({20_deg}).error().text, "1 joints for an arm of 6");
+    EXPECT_CONTAINS(arm.call<Movej_CANFD>(zk::Joints{20_deg}, 0, 0).error().text, "1 joints for an arm of 6");
 }
 
 TEST(SUITE(Arm), AWaitEndsEarly) {
