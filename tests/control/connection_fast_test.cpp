@@ -422,7 +422,11 @@ TEST_F(Connections, ReportEachChangeOnceAndEachFrame) {
     EXPECT_STREQ(record.address, "127.0.0.1");
     EXPECT_EQ(record.joint_count, 6);
     controller_.close();
-    eventually([&] { return look_at(arm).state == ZK_CONNECTION_LOST; });
+    eventually([&] {  // a close that comes first would report the loss
+        const std::lock_guard guard(journal.lock);
+        return journal.changes.size() == 2;
+    });
+    EXPECT_EQ(look_at(arm).state, ZK_CONNECTION_LOST);
     ZK_Close(arm);
     ZK_Set_Log(nullptr, nullptr, ZK_LOG_EVENTS);
     ZK_Set_Connection_Callback(nullptr, nullptr);
