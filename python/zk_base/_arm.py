@@ -2,11 +2,12 @@
 from __future__ import annotations
 
 import ctypes
+import math
 import re
 import time
 from collections.abc import Callable, Iterator
 from contextlib import contextmanager
-from functools import cached_property, partial
+from functools import partial
 from typing import TYPE_CHECKING, Any
 
 from . import _events, _families, interface
@@ -31,9 +32,17 @@ if TYPE_CHECKING:
 # Calls that wait for nothing.
 _AT_ONCE = re.compile(r"ZK_(Stop|Cancel|Get_State|Connection|Set_Deadline|Close|Arm_Model)|Parser_.*"
                       r"|.*_(CANFD|Follow)(_NonBlock)?")
+# What ctypes makes of Ctrl-C while it converts an argument.
+_INTERRUPTED = re.compile(r"argument \d+: (<class ')?KeyboardInterrupt\b")
 # The status of these is the state that they deliver.
 _STATES = ("Get_Program_Run_State", "Get_Program_Run_State_Block")
 _STOPS = {"fast": ZK_STOP, "slow": ZK_SLOW_STOP, "emergency": ZK_EMERGENCY_STOP}
+
+
+def _check_finite(command: str, numbers: Any) -> None:
+    """The wire has whole numbers: what is not finite would become a far set-point."""
+    if (hasattr(numbers, "__len__") or isinstance(numbers, Pose)) and not all(map(math.isfinite, numbers)):
+        raise BadArgument(ZK_BAD_ARGUMENT, command, "a number is not finite")
 
 
 class _Commands:
@@ -89,7 +98,7 @@ class Arm:
         @property
         def c(self) -> interface.Commands: ...
     else:
-        @cached_property
+        @property
         def c(self) -> _Commands:
             return _Commands(self)
 
@@ -170,6 +179,8 @@ class Arm:
         try:
             status = call()
         except ctypes.ArgumentError as wrong:
+            if _INTERRUPTED.match(str(wrong)):
+                raise KeyboardInterrupt from None
             raise TypeError(f"{command}: {wrong}, the arm counted") from None
         return status, lib.ZK_Failure() if status and command in TELLING else ""
 
@@ -189,6 +200,8 @@ class Arm:
             raise BadArgument(ZK_BAD_ARGUMENT, command, f"a speed of {speed} percent; it is 1 to 100")
         if not 0 <= blend <= 100:
             raise BadArgument(ZK_BAD_ARGUMENT, command, f"a blend of {blend} percent; it is 0 to 100")
+        for one in arguments:
+            _check_finite(command, one)
         move = Move(self, command)
         try:
             self.call(f"{command}_NonBlock", *arguments, speed, blend, *more, int(joined))
@@ -236,11 +249,15 @@ class Arm:
 
         follow: closely, else smoothed. The controller's reports come to `on_motion_report`.
         """
+        _check_finite("Movej_CANFD", joints)
+        _check_finite("Movej_CANFD", (expand,))
         self.call("Movej_CANFD", joints, int(follow), expand)
 
     def stream_pose(self, pose: PoseLike, *, follow: bool = True) -> None:
         """Writes a set-point of the tool in the work frame; see stream_joints."""
-        self.call("Movep_CANFD", int(follow), Pose.of(pose))
+        target = Pose.of(pose)
+        _check_finite("Movep_CANFD", target)
+        self.call("Movep_CANFD", int(follow), target)
 
     def stop(self, kind: str = "fast") -> None:
         """Stops the arm at once, ahead of all that is queued: "fast", "slow", or "emergency", with the power off."""
@@ -359,52 +376,52 @@ class Arm:
 
     # ----------------------------------------------------------------------------------------------------- Families --
 
-    @cached_property
+    @property
     def tool_frames(self) -> _families.ToolFrames:
         """The tool frames that the controller keeps."""
         return _families.ToolFrames(self)
 
-    @cached_property
+    @property
     def work_frames(self) -> _families.WorkFrames:
         """The work frames that the controller keeps."""
         return _families.WorkFrames(self)
 
-    @cached_property
+    @property
     def gripper(self) -> _families.Gripper:
         """The gripper."""
         return _families.Gripper(self)
 
-    @cached_property
+    @property
     def hand(self) -> _families.Hand:
         """The hand."""
         return _families.Hand(self)
 
-    @cached_property
+    @property
     def io(self) -> _families.Io:
         """Inputs and outputs of the controller and of the tool."""
         return _families.Io(self)
 
-    @cached_property
+    @property
     def modbus(self) -> _families.Modbus:
         """Modbus, with the controller as its master."""
         return _families.Modbus(self)
 
-    @cached_property
+    @property
     def force(self) -> _families.Force:
         """The force sensor, and holding a force."""
         return _families.Force(self)
 
-    @cached_property
+    @property
     def drag(self) -> _families.Drag:
         """Drag teaching."""
         return _families.Drag(self)
 
-    @cached_property
+    @property
     def programs(self) -> _families.Programs:
         """The programs of the controller."""
         return _families.Programs(self)
 
-    @cached_property
+    @property
     def lift(self) -> _families.Lift:
         """The lift that carries the arm."""
         return _families.Lift(self)

@@ -29,7 +29,7 @@ def _deliver() -> None:
         function, arguments = _queue.get()
         try:
             function(*arguments)
-        except Exception:
+        except BaseException:  # SystemExit too: the other callbacks go on
             log.exception("a callback failed: %r", function)
 
 

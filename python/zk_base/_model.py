@@ -83,6 +83,14 @@ class Model:
         """A model of its own that is the same now."""
         return Model._of(lib.ZK_Model_Clone(self._record), "ZK_Model_Clone")
 
+    __copy__ = copy
+
+    def __deepcopy__(self, _: object) -> Model:
+        return self.copy()
+
+    def __reduce__(self) -> Any:
+        raise TypeError("a model cannot be pickled")
+
     # --------------------------------------------------------------------------------------------- What it describes --
 
     def _get_pose(self, function: Any, name: str) -> Pose:

@@ -28,7 +28,9 @@ def test_moves(arm, simulator):
     arm.move_pose(tuple(here), 100)
     assert arm.pose().distance(here) < (1e-4, 2e-3)
     for wrong in (lambda: arm.move_joints(HOME, 0), lambda: arm.move_joints(HOME, 20, blend=101),
-                  lambda: arm.stop("gentle")):
+                  lambda: arm.stop("gentle"), lambda: arm.move_joints([float("nan")] * 6),
+                  lambda: arm.stream_joints([float("inf")] * 6), lambda: arm.stream_joints(HOME, expand=float("nan")),
+                  lambda: arm.stream_pose(Pose(float("nan")))):
         with pytest.raises(zk_base.BadArgument):
             wrong()
     with pytest.raises(zk_base.Refused):

@@ -1,4 +1,6 @@
 """Kinematics by numpy: the arrays are the caller's own, the answers those of the single calls."""
+import copy
+import pickle
 import re
 import subprocess
 
@@ -33,9 +35,11 @@ def test_frames_and_limits():
     assert model.mounting == pytest.approx((0, 90, 0))
     model.limits = [-10] * 6, [10] * 6
     assert model.limit_distance([0, 0, 0, 0, 8, 0]) == (pytest.approx(2, abs=1e-4), 5)
-    other = model.copy()
-    other.tool = Pose()
-    assert model.tool.z == pytest.approx(0.1)
+    for other in (model.copy(), copy.copy(model), copy.deepcopy(model)):
+        other.tool = Pose()
+        assert model.tool.z == pytest.approx(0.1)
+    with pytest.raises(TypeError, match="pickled"):
+        pickle.dumps(model)
 
 
 def test_one_pose():
