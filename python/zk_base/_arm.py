@@ -19,7 +19,7 @@ from ._library import lib
 from ._types import Out, Pointer
 from ._pose import Pose, PoseLike
 from ._state import State
-from ._threads import interruptible
+from ._threads import check_process, interruptible
 from ._waiting import Move
 
 if TYPE_CHECKING:
@@ -78,6 +78,7 @@ class Arm:
                  heartbeat: float = 0.0, stop_at_exit: bool = False, keep_model: bool = False) -> None:
         options = ZK_ConnectOptions(timeout_ms=int(timeout * 1000), arm_mode=mode, heartbeat_ms=int(heartbeat * 1000),
                                     flags=ZK_STOP_AT_EXIT * stop_at_exit | ZK_KEEP_MODEL * keep_model)
+        check_process()
         _events.listen()
         given_up: list[bool] = []
 
@@ -114,7 +115,8 @@ class Arm:
         return self
 
     def __exit__(self, kind: type[BaseException] | None, *_: object) -> None:
-        if kind is not None and issubclass(kind, KeyboardInterrupt):
+        # asyncio turns Ctrl-C into a cancelled task.
+        if kind is not None and (issubclass(kind, KeyboardInterrupt) or kind.__name__ == "CancelledError"):
             self._halt()
         self.close()
 
@@ -202,7 +204,7 @@ class Arm:
             raise BadArgument(ZK_BAD_ARGUMENT, command, f"a blend of {blend} percent; it is 0 to 100")
         for one in arguments:
             _check_finite(command, one)
-        move = Move(self, command)
+        move = Move(self, command, joined)
         try:
             self.call(f"{command}_NonBlock", *arguments, speed, blend, *more, int(joined))
             if wait and not joined:
@@ -320,6 +322,10 @@ class Arm:
             record = ZK_State()
             while (status := lib.ZK_Get_State(self.handle, record, 0)) or record.sequence == sequence:
                 if time.monotonic() > end or status not in (ZK_OK, interface.ZK_NO_STATE):
+                    connection = ZK_ConnectionRecord()
+                    lib.ZK_Connection(self.handle, connection)
+                    if connection.state == interface.ZK_CONNECTION_LOST:
+                        raise error(interface.ZK_LOST, "ZK_Get_State", connection.cause.decode())
                     if status in (ZK_OK, interface.ZK_NO_STATE):
                         raise NoState(interface.ZK_NO_STATE, "ZK_Get_State", f"no record came within {timeout} s")
                     raise error(status, "ZK_Get_State")

@@ -248,7 +248,9 @@ class Model:
     @staticmethod
     def _poses(poses: Any) -> NDArray[Any]:
         if isinstance(poses, np.ndarray) and poses.dtype.names:
-            return np.ascontiguousarray(poses, pose_dtype)
+            if poses.dtype != pose_dtype:
+                raise TypeError(f"poses need the type zk_base.pose_dtype, not {poses.dtype}")
+            return np.ascontiguousarray(poses)
         records = [Pose.of(one) for one in poses]
         return np.frombuffer(b"".join(bytes(one) for one in records), pose_dtype)
 

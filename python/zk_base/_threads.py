@@ -1,6 +1,7 @@
 """Blocking calls on threads of their own, so that the caller can be interrupted, or be a coroutine."""
 from __future__ import annotations
 
+import os
 import threading
 from collections.abc import Callable
 from queue import SimpleQueue
@@ -34,6 +35,15 @@ class _Worker:
 
 
 _idle: list[_Worker] = []
+_process: list[int] = []  # the one whose threads are here
+
+
+def check_process() -> None:
+    """Threads do not survive a fork, neither these nor those of the library."""
+    if not _process:
+        _process.append(os.getpid())
+    elif _process[0] != os.getpid():
+        raise RuntimeError("this process was forked from one that has connected: start it by 'spawn' instead")
 
 
 def _start(call: Callable[[], Any], tell: _Outcome) -> None:

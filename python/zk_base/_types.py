@@ -61,10 +61,16 @@ class Pointer:
         if hasattr(value, "__array_interface__"):
             return self._array(value)
         if self.constant and isinstance(value, (list, tuple)):
-            return (self.element * max(1, len(value)))(*value)
+            return (self.element * max(1, len(value)))(*map(self._number, value))
         if self.constant and isinstance(value, (bytes, bytearray)) and ctypes.sizeof(self.element) == 1:
             return (self.element * max(1, len(value))).from_buffer_copy(value or b"\0")
         return ctypes.POINTER(self.element).from_param(value)
+
+    def _number(self, value: Any) -> Any:
+        """An element of a sequence, which has to fit its type in C."""
+        if getattr(self.element, "_type_", "") in tuple("bBhHiIlLqQ"):
+            return Integer(self.element).from_param(value).value
+        return value
 
     def _array(self, array: Any) -> Any:
         flags = array.flags
@@ -72,6 +78,10 @@ class Pointer:
             if not self.constant or issubclass(self.element, ctypes.Structure):
                 raise TypeError(f"a contiguous array of {self.element.__name__} is needed, not one of {array.dtype}")
             import numpy as np
+            if not np.can_cast(array.dtype, np.dtype(self.element), "same_kind") or hasattr(array, "mask"):
+                raise TypeError(f"an array of {array.dtype} cannot be given as {self.element.__name__}")
+            if array.dtype.kind in "iu":
+                array = np.array([self._number(one) for one in array.ravel().tolist()])
             array = np.ascontiguousarray(array, np.dtype(self.element))
             flags = array.flags
         if array.size == 0:
@@ -86,7 +96,9 @@ class Pointer:
         if dtype is self._last:
             return True
         if issubclass(self.element, ctypes.Structure):
-            fits = bool(dtype.names) and dtype.itemsize == ctypes.sizeof(self.element)
+            names = tuple(name for name, *_ in self.element._fields_)
+            fits = dtype.names == names and dtype.itemsize == ctypes.sizeof(self.element) and all(
+                dtype.fields[name][1] == getattr(self.element, name).offset for name in names)
         else:
             import numpy as np
             fits = dtype == np.dtype(self.element)

@@ -4,8 +4,8 @@ from __future__ import annotations
 from collections.abc import Generator
 from typing import TYPE_CHECKING, Any
 
-from ._errors import error
-from .interface import ZK_OK, ZK_TIMEOUT, ZK_ProgramOutcome
+from ._errors import BadArgument, error
+from .interface import ZK_BAD_ARGUMENT, ZK_OK, ZK_TIMEOUT, ZK_ProgramOutcome
 from ._library import lib
 from ._threads import awaitable
 
@@ -89,11 +89,17 @@ class Waiting:
 
 
 class Move(Waiting):
-    """A motion of the arm. Of several that were started it ends with the last."""
+    """A motion of the arm. Of several that were started it ends with the last; a joined one has no end of its own."""
 
     _call = "ZK_Wait_Move"
 
+    def __init__(self, arm: Arm, command: str, joined: bool = False) -> None:
+        super().__init__(arm, command)
+        self._joined = joined
+
     def _look(self, milliseconds: int) -> int:
+        if self._joined:
+            raise BadArgument(ZK_BAD_ARGUMENT, self._call, "a joined motion ends with the next one: wait for that")
         return lib.ZK_Wait_Move(self.arm.handle, milliseconds)
 
     def progress(self) -> float:

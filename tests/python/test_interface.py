@@ -55,7 +55,15 @@ def test_values_of_all_kinds_pass():
     lambda: lib.libalgo_get_jointlim_max([0] * 8),
     lambda: lib.libalgo_set_jointlim_max("12345678"),
     lambda: lib.ZK_Set_Log(print, None, 1),
-], ids=["number too large", "output of another type", "output in pieces", "output to a list", "text", "function"])
+    lambda: lib.Set_Hand_Angle_NonBlock(0, np.array([1.7] * 6)),
+    lambda: lib.Set_Hand_Angle_NonBlock(0, np.array([2**33] * 6)),
+    lambda: lib.Set_Hand_Angle_NonBlock(0, [2**33] * 6),
+    lambda: lib.Movej_CANFD_NonBlock(0, np.zeros(6, complex), 0, 0),
+    lambda: lib.Movej_CANFD_NonBlock(0, np.ma.masked_array(np.zeros(6), [1] * 6), 0, 0),
+    lambda: lib.ZK_Model_Set_Tool(None, np.zeros(1, zk_base.pose_dtype)[["euler", "quaternion", "position"]]),
+], ids=["number too large", "output of another type", "output in pieces", "output to a list", "text", "function",
+        "fractions for integers", "large integers", "large integers in a list", "complex", "mask",
+        "fields in another order"])
 def test_what_c_would_misread_is_refused(call):
     with pytest.raises(ctypes.ArgumentError):
         call()
