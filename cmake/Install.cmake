@@ -27,10 +27,11 @@ if(ZK_BUILD_SIMULATOR AND NOT ZK_SIMULATOR)
   install(FILES ${PROJECT_SOURCE_DIR}/simulator/README.md ${PROJECT_SOURCE_DIR}/docs/simulator.md
           DESTINATION ${ZK_DOC_DIR}/zk-simulator COMPONENT simulator)
   find_program(HELP2MAN help2man)
-  if(HELP2MAN AND NOT CMAKE_CROSSCOMPILING)
+  if(HELP2MAN AND (CMAKE_CROSSCOMPILING_EMULATOR OR NOT CMAKE_CROSSCOMPILING))
     add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/zk_simulator.1.gz
                        COMMAND ${HELP2MAN} --no-info --name "simulated controller of a robot arm"
-                               --output ${PROJECT_BINARY_DIR}/zk_simulator.1 $<TARGET_FILE:zk_simulator>
+                               --output ${PROJECT_BINARY_DIR}/zk_simulator.1
+                               "${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:zk_simulator>"
                        COMMAND gzip -9nf ${PROJECT_BINARY_DIR}/zk_simulator.1
                        DEPENDS zk_simulator VERBATIM)
     add_custom_target(zk_manual ALL DEPENDS ${PROJECT_BINARY_DIR}/zk_simulator.1.gz)
