@@ -11,8 +11,8 @@ SOURCES = Path(__file__).parents[2]
 
 
 @pytest.mark.parametrize("example, arms, speed", [
-    ("first_move", 1, 3), ("stream_joints", 1, 1), ("offline_kinematics", 0, 1), ("pick_and_place", 1, 10),
-    ("two_arms", 2, 5)])
+    ("01_first_move", 1, 3), ("03_pick_and_place", 1, 10), ("05_offline_kinematics", 0, 1), ("06_stream_joints", 1, 1),
+    ("12_two_arms_connected", 2, 5)])
 def test_an_example_does_what_it_shows(example, arms, speed):
     started = [zk_base.Simulator(model, speed=speed, joints="0,20,70,0,90,0" + ",0" * (model[:4] == "ZK75"),
                                  object="300,0.5")

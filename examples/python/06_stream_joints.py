@@ -1,6 +1,6 @@
 """Streams set-points: joint 1 swings by five degrees for two periods, at 50 set-points a second.
 
-usage: stream_joints.py HOST PORT
+usage: 06_stream_joints.py HOST PORT
 """
 import math
 import queue

@@ -1,6 +1,6 @@
 """Two arms in one program: both move at once, and each has its own model and its own stream.
 
-usage: two_arms.py HOST PORT HOST PORT
+usage: 12_two_arms_connected.py HOST PORT HOST PORT
 """
 import asyncio
 import sys

@@ -1,7 +1,7 @@
 /* Two arms on two controllers, of any models: both move at once, each is watched by a stream of its own, the first is
  * stopped on its way, and the second arrives undisturbed.
  *
- *     two_arms_connected HOST PORT HOST PORT */
+ *     12_two_arms_connected HOST PORT HOST PORT */
 #define _POSIX_C_SOURCE 200809L
 #include <math.h>
 #include <stdio.h>

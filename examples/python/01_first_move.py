@@ -1,6 +1,6 @@
 """The first hour with an arm: what it is, where it stands, three moves, and a stop half way.
 
-usage: first_move.py HOST PORT
+usage: 01_first_move.py HOST PORT
 """
 import sys
 

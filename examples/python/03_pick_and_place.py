@@ -1,6 +1,6 @@
 """Picks an object and places it elsewhere: approach from above, grip, lift, carry, set down.
 
-usage: pick_and_place.py HOST PORT
+usage: 03_pick_and_place.py HOST PORT
 """
 import sys
 

@@ -1,6 +1,6 @@
 """Kinematics without an arm: poses, joints, a path, and what the arm can reach in a plane.
 
-usage: offline_kinematics.py [MODEL]
+usage: 05_offline_kinematics.py [MODEL]
 """
 import sys
 
