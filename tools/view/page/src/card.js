@@ -1,0 +1,140 @@
+// One arm: its picture, its panel, its plots, and what is said when its states stop.
+import {element, write} from './dom.js';
+import {Pulse} from './feed.js';
+import {Panel} from './panel.js';
+import {Plots} from './plots.js';
+import {Stage} from './stage.js';
+
+const plotsEveryMs = 250;
+
+function stageIn(box) {
+  try {
+    return new Stage(box);
+  } catch {
+    box.append(element('p.empty', {}, 'This browser has no WebGL: the arm is not drawn.'));
+    return null;
+  }
+}
+
+export class Card {
+  constructor(number, name) {
+    this.number = number;
+    this.pulse = new Pulse();
+    this.link = {state: 'up'};
+    this.pill = element('span.pill', {}, '');
+    this.rate = element('span.rate');
+    this.banner = element('.banner', {role: 'alert', hidden: true});
+    this.tools = element('.tools');
+    this.title = element('h2', {}, name);
+    this.box = element('.stage', {}, element('canvas'),
+      element('header', {}, this.title, this.pill, this.rate, this.tools), this.banner);
+    this.panelBox = element('.panel');
+    this.plotBox = element('.plots');
+    this.root = element('article.card', {}, this.box, this.panelBox, this.plotBox);
+    this.stage = stageIn(this.box);
+    this.plotted = 0;
+  }
+
+  setArm(facts) {
+    this.arm = facts;
+    const chain = facts.chain;
+    this.panelBox.replaceChildren();
+    this.plotBox.replaceChildren();
+    this.panel = new Panel(this.panelBox, facts);
+    this.panel.setOpen('chain', chain);
+    this.plots = new Plots(this.plotBox, facts.jointCount);
+    if (chain.joints) this.stage?.setArm(facts);
+    if (chain.name) write(this.title, `${this.title.textContent.split(' · ')[0]} · ${chain.name}`);
+  }
+
+  setFrames(facts) {
+    if (facts.unknown || !this.arm) return;
+    this.stage?.setFrames(facts);
+    this.panel.setFrames(facts);
+  }
+  setTarget(facts) {
+    this.stage?.setTarget(facts.joints ?? null);
+    this.panel?.setOpen('target', facts);
+  }
+  setFences(facts) {
+    this.stage?.setFences(facts);
+    this.panel?.setOpen('fences', facts);
+  }
+  setGripper(facts) {
+    this.panel?.setGripper(facts);
+  }
+  setSignals(facts) {
+    this.panel?.setSignals(facts);
+  }
+  setErrors(facts) {
+    this.panel?.setErrors(facts);
+  }
+  setLink({link}) {
+    this.link = link;
+    this.watch();
+  }
+
+  // A state has come: it is drawn with the next frame of the screen, unless a newer one comes before.
+  take(state) {
+    this.pulse.beat(state);
+    this.addSpeed(state);
+    this.state = state;
+    this.fresh = true;
+    this.plots?.add(state);
+  }
+
+  // Speeds that the controller does not push, from the way since a tenth of a second ago.
+  addSpeed(state) {
+    if (this.arm?.pushesSpeed) {
+      state.speed = state.dq;
+      return;
+    }
+    if (!this.mark || state.t - this.mark.t > 100) {
+      const mark = this.mark, seconds = mark ? (state.t - mark.t) / 1000 : 0;
+      this.speed = state.q.map((angle, i) => (mark && seconds < 1 ? (angle - mark.q[i]) / seconds : 0));
+      this.mark = state;
+    }
+    state.speed = this.speed;
+  }
+
+  // Draws what is new. Returns whether it drew.
+  draw(now) {
+    if (this.fresh && this.panel) {
+      this.fresh = false;
+      this.stage?.show(this.state);
+      this.panel.show(this.state);
+      this.showDoing();
+    }
+    if (this.plots && now - this.plotted > plotsEveryMs && this.pulse.last) {
+      this.plotted = now;
+      this.plots.draw();
+      write(this.rate, this.pulse.rate ? `${Math.round(this.pulse.rate)} states/s` : '');
+    }
+    return this.stage?.draw() ?? false;
+  }
+
+  showDoing() {
+    const moves = this.state.speed.some((speed) => Math.abs(speed) > 0.2);
+    const [text, kind] = Panel.doing(this.state, moves, this.arm.pushesStatus);
+    write(this.pill, text);
+    this.pill.className = `pill ${kind}`;
+  }
+
+  // Says it when states stop.
+  watch() {
+    const silent = this.pulse.silence();
+    const [text, advice] = this.link.state !== 'up' ? [this.link.text, this.link.advice]
+      : silent ? [`No state for ${(silent / 1000).toFixed(1)} s: the picture is old.`, ''] : ['', ''];
+    this.root.classList.toggle('stalled', !!text);
+    this.banner.hidden = !text;
+    if (!text) return;
+    if (!this.banner.firstChild) this.banner.append(element('strong'), element('span'));
+    write(this.banner.firstChild, text);
+    write(this.banner.lastChild, advice ?? '');
+  }
+
+  dress() {
+    this.stage?.dress();
+    this.plots?.dress();
+  }
+}

@@ -1,0 +1,60 @@
+// The stream of events. It says now and then how far this page has come, so that the server sends no more than it draws.
+export class Feed {
+  // on: {welcome, arm, state, ...}: functions by the name of an event; broken(): the server does not answer.
+  constructor(on, broken) {
+    this.seen = 0;
+    this.viewer = 0;
+    this.source = new EventSource('events');
+    this.source.onerror = () => broken(this.source.readyState === EventSource.CLOSED);
+    for (const [name, listener] of Object.entries(on)) {
+      this.source.addEventListener(name, (event) => {
+        if (event.lastEventId) this.seen = Math.max(this.seen, Number(event.lastEventId));
+        const data = JSON.parse(event.data);
+        if (name === 'welcome') {
+          this.viewer = data.viewer;
+          this.seen = 0;
+        }
+        listener(data);
+      });
+    }
+    setInterval(() => this.report(), 150);
+  }
+
+  report() {
+    if (this.seen === this.reported) return;
+    this.reported = this.seen;
+    fetch(`seen?viewer=${this.viewer}&event=${this.seen}`, {method: 'POST'}).catch(() => {});
+  }
+}
+
+// Notices when states stop coming: within half a second, or five of their usual intervals when they come slowly.
+export class Pulse {
+  constructor() {
+    this.interval = 0;
+    this.last = 0;
+    this.count = 0;
+    this.rate = 0;
+    this.since = performance.now();
+    this.offset = Infinity;
+    this.lag = 0;
+  }
+
+  beat(state) {
+    const now = performance.now();
+    if (this.last) this.interval += ((now - this.last) - this.interval) * 0.05;
+    this.last = now;
+    this.offset = Math.min(this.offset, now - state.t);
+    this.lag = now - state.t - this.offset;
+    ++this.count;
+    if (now - this.since < 1000) return;
+    this.rate = this.count * 1000 / (now - this.since);
+    this.count = 0;
+    this.since = now;
+  }
+
+  // Milliseconds since the last state, when that is too long; else 0.
+  silence(now = performance.now()) {
+    const silent = now - this.last;
+    return this.last && silent > Math.max(350, 5 * this.interval) ? silent : 0;
+  }
+}

@@ -1,0 +1,66 @@
+import 'uplot/dist/uPlot.min.css';
+import './style.css';
+import {Card} from './card.js';
+import {Control} from './control.js';
+import {write} from './dom.js';
+import {Feed} from './feed.js';
+import {Theme} from './theme.js';
+
+const part = (name) => document.getElementById(name);
+const slowFrameMs = 30, judgedFrames = 12;
+
+let cards = [];
+let frames = 0, spent = 0, last = 0;
+
+function say(text) {
+  write(part('notice'), text);
+  part('notice').hidden = !text;
+}
+
+const control = new Control(part('control'), say);
+const theme = new Theme(part('theme'), () => cards.forEach((card) => card.dress()));
+
+function welcome({arms, control: mayStop}) {
+  say('');
+  const known = cards.map(({name}) => name).join();
+  if (cards.length && known === arms.join()) return;
+  cards = arms.map((name, i) => Object.assign(new Card(i, name), {name}));
+  part('arms').replaceChildren(...cards.map(({root}) => root));
+  part('arms').className = `arms of${Math.min(cards.length, 4)}`;
+  write(part('summary'), cards.length === 1 ? '' : `${cards.length} arms`);
+  write(part('mode'), mayStop ? 'This view can stop arms, and nothing else.' : 'This view only looks: it never moves an arm.');
+  document.title = arms.join(', ');
+  if (mayStop) control.open(cards);
+  window.zkView = {cards};
+}
+
+const to = (method) => (facts) => cards[facts.arm]?.[method](facts);
+
+new Feed({
+  welcome, arm: to('setArm'), state: to('take'), link: to('setLink'), errors: to('setErrors'), target: to('setTarget'),
+  frames: to('setFrames'), fences: to('setFences'), gripper: to('setGripper'), signals: to('setSignals'),
+}, (refused) => say(refused ? 'The view does not take this page: five are open already, or it has ended.'
+                            : 'The view has ended or does not answer. It is tried again.'));
+
+// A machine that needs long for its frames gets a cheaper picture.
+function judge(now, drew) {
+  if (drew && last) {
+    ++frames;
+    spent += now - last;
+  }
+  last = drew ? now : 0;
+  if (frames < judgedFrames) return;
+  if (spent / frames > slowFrameMs) cards.forEach(({stage}) => stage?.coarsen());
+  frames = spent = 0;
+}
+
+function frame(now) {
+  let drew = false;
+  for (const card of cards) drew = card.draw(now) || drew;
+  judge(now, drew);
+  requestAnimationFrame(frame);
+}
+
+requestAnimationFrame(frame);
+setInterval(() => cards.forEach((card) => card.watch()), 50);
+theme.apply();
