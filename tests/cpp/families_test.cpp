@@ -11,8 +11,8 @@ namespace {
 using namespace zk::literals;
 
 // With a six-axis sensor, and a part of 300 between the fingers.
-struct Cell {
-    Cell()
+struct ToolCell {
+    ToolCell()
         : simulator({"--model", "ZK65-6F", "--object", "300", "--speed", "max"}),
           arm("127.0.0.1", simulator.port(), {60_s}) {}
     zk::test::SimulatorProcess simulator;
@@ -20,7 +20,7 @@ struct Cell {
 };
 
 TEST(SUITE(Families), ToolsMove) {
-    const Cell cell;
+    const ToolCell cell;
     const zk::Gripper gripper = cell.arm.gripper();
     gripper.release().value();
     EXPECT_GT(gripper.position().value(), 300);
@@ -47,7 +47,7 @@ TEST(SUITE(Families), ToolsMove) {
 }
 
 TEST(SUITE(Families), ForcesAreHeldAndTheHandGuides) {
-    Cell cell;
+    ToolCell cell;
     const zk::ForceControl force = cell.arm.force();
     force.zero().value();
     EXPECT_NEAR(force.read().value().net[2], 0, 0.5);
@@ -67,7 +67,7 @@ TEST(SUITE(Families), ForcesAreHeldAndTheHandGuides) {
 }
 
 TEST(SUITE(Families), SignalsReadBack) {
-    const Cell cell;
+    const ToolCell cell;
     const zk::Io io = cell.arm.io();
     io.set_digital(2, true).value();
     EXPECT_TRUE(io.digital_output(2).value());
@@ -97,7 +97,7 @@ TEST(SUITE(Families), SignalsReadBack) {
 }
 
 TEST(SUITE(Families), FramesComeAndGo) {
-    const Cell cell;
+    const ToolCell cell;
     const zk::ToolFrames tools = cell.arm.tool_frames();
     const zk::Pose before = cell.arm.pose().value();
     const zk::Frame tool{"finger", {{0_m, 0_m, 100_mm}, {}}, {1.5, {0_m, 0_m, 20_mm}}};
@@ -128,7 +128,7 @@ TEST(SUITE(Families), FramesComeAndGo) {
 }
 
 TEST(SUITE(Families), ProgramsAreSentListedAndRun) {
-    const Cell cell;
+    const ToolCell cell;
     const zk::Programs programs = cell.arm.programs();
     const zk::test::TemporaryDirectory directory;
     for (int id = 1; id <= 60; ++id) {
@@ -154,7 +154,7 @@ TEST(SUITE(Families), ProgramsAreSentListedAndRun) {
 }
 
 TEST(SUITE(Families), TheSystemAnswers) {
-    const Cell cell;
+    const ToolCell cell;
     cell.arm.set_power(false).value();
     EXPECT_FALSE(cell.arm.is_powered().value());
     EXPECT_EQ(cell.arm.move_joints(cell.arm.joints().value()).wait().error().status, ZK_REFUSED);
