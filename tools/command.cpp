@@ -1,0 +1,70 @@
+#include "command.h"
+
+#include <iostream>
+#include <memory>
+
+#include "arms.h"
+#include "report.h"
+
+namespace tool {
+
+void ArmOption::add_to(CLI::App& command) {
+    command.add_option("-a,--arm", text_, "address HOST[:PORT] of the controller, or a name of arms.json")
+        ->envname("ZK_ARM");
+}
+
+zk::Arm ArmOption::connect(const zk::ConnectOptions& options) const {
+    if (text_.empty()) throw Failure(kUsage, "no arm is named: write --arm HOST[:PORT], or set ZK_ARM");
+    const Address address = find_arm(text_);
+    zk::Result<zk::Arm> arm = zk::Arm::connect(address.host, address.port, options);
+    if (arm) return std::move(*arm);
+    std::string sentence = text_ + ": " + arm.error().text;
+    if (*arm.error().advice) sentence.append(". ").append(arm.error().advice);
+    throw Failure(kNoArm, sentence);
+}
+
+void ModelOption::add_to(CLI::App& command) {
+    command.add_option("-m,--model", name_, "an arm by its name, such as ZK65-B; without it, the connected one");
+    arm_.add_to(command);
+}
+
+zk::Model ModelOption::load() const {
+    if (name_.empty() && !arm_.is_given()) throw Failure(kUsage, "no arm is named: write --model NAME or --arm HOST");
+    if (name_.empty()) return arm_.connect().model().value();
+    zk::Result<zk::Model> model = zk::Model::named(name_);
+    if (!model) {
+        throw Failure(kUsage, "no arm is called '" + name_ +
+                                  "': there are ZK65, ZK75, 63, ORB65, ORB63, each with -B, -ZF or -6F, 62-B and 72-B");
+    }
+    return std::move(*model);
+}
+
+void add_looking(CLI::App& zk, const std::string& name, const std::string& what, std::function<Json()> look,
+                 const Setup& setup) {
+    CLI::App* command = zk.add_subcommand(name, what);
+    const auto json = std::make_shared<bool>(false);
+    command->add_flag("--json", *json, "print JSON");
+    if (setup) setup(*command);
+    command->callback([json, look = std::move(look)] {
+        const Json report = look();
+        if (*json) {
+            std::cout << report.dump(2) << '\n';
+        } else {
+            print(report, std::cout);
+        }
+        if (report.is_object() && !report.value("ok", true)) throw CLI::RuntimeError(kFailed);
+    });
+}
+
+void add_looking_at_arm(CLI::App& zk, const std::string& name, const std::string& what,
+                        std::function<Json(const zk::Arm&)> look, const Setup& setup) {
+    const auto where = std::make_shared<ArmOption>();
+    add_looking(
+        zk, name, what, [where, look = std::move(look)] { return look(where->connect()); },
+        [&](CLI::App& command) {
+            where->add_to(command);
+            if (setup) setup(command);
+        });
+}
+
+}  // namespace tool

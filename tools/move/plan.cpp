@@ -1,0 +1,104 @@
+#include "move/plan.h"
+
+#include <algorithm>
+#include <cmath>
+#include <sstream>
+
+#include "report.h"
+
+namespace tool {
+namespace {
+
+using namespace zk::literals;
+
+std::string in_degrees(zk::Angle angle) {
+    std::ostringstream text;
+    text << rounded(angle.degrees(), 1) << " degrees";
+    return text.str();
+}
+
+// The joint that turns furthest, counted from 0.
+std::size_t furthest(const zk::Joints& from, const zk::Joints& to) {
+    std::size_t joint = 0;
+    for (std::size_t i = 1; i < from.size(); ++i) {
+        if (abs(to[i] - from[i]) > abs(to[joint] - from[joint])) joint = i;
+    }
+    return joint;
+}
+
+void check_limits(const zk::Model& model, const zk::Joints& to) {
+    const zk::JointLimits limits = model.joint_limits().value();
+    for (std::size_t i = 0; i < to.size(); ++i) {
+        if (to[i] < limits.min[i] || to[i] > limits.max[i]) {
+            throw Failure(kUsage, "joint " + std::to_string(i + 1) + " would go to " + in_degrees(to[i]) +
+                                      ", beyond its limits of " + in_degrees(limits.min[i]) + " to " +
+                                      in_degrees(limits.max[i]));
+        }
+    }
+}
+
+void check_step(const Plan& plan, zk::Angle max_step) {
+    const std::size_t joint = furthest(plan.from, plan.to);
+    const zk::Angle step = abs(plan.to[joint] - plan.from[joint]);
+    if (step > max_step) {
+        throw Failure(kUsage, "joint " + std::to_string(joint + 1) + " would turn " + in_degrees(step) +
+                                  ", further than --max-step allows: " + in_degrees(max_step));
+    }
+}
+
+// The joints at the end of a straight line, followed in small steps.
+zk::Joints end_of_line(const zk::Model& model, const Plan& plan) {
+    const zk::Position way = plan.to_pose.position - plan.from_pose.position;
+    const zk::Rotation turn = plan.from_pose.rotation.inverse() * plan.to_pose.rotation;
+    const double steps = std::max({1.0, std::ceil(way.norm() / 5_mm), std::ceil(turn.angle() / 1_deg)});
+    std::vector<zk::Pose> path;
+    for (int i = 1; i <= static_cast<int>(steps); ++i) {
+        const double share = i / steps;
+        path.emplace_back(plan.from_pose.position + way * share,
+                          plan.from_pose.rotation * zk::Rotation::about(turn.axis(), turn.angle() * share));
+    }
+    const zk::Result<std::vector<zk::Joints>> joints = model.follow(path, plan.from);
+    if (!joints) throw Failure(kUsage, "the line cannot be followed: " + joints.error().text);
+    return joints->back();
+}
+
+}  // namespace
+
+Plan plan_joints(const zk::Arm& arm, const zk::Model& model, const zk::Joints& to, zk::Angle max_step) {
+    const zk::ArmState now = arm.state().value();
+    const Plan plan{Motion::kJoints, now.joints, to, now.pose, model.forward(to).value()};
+    check_limits(model, to);
+    check_step(plan, max_step);
+    return plan;
+}
+
+Plan plan_pose(const zk::Arm& arm, const zk::Model& model, Motion motion, const zk::Pose& to, zk::Angle max_step) {
+    const zk::ArmState now = arm.state().value();
+    Plan plan{motion, now.joints, {}, now.pose, to};
+    if (motion == Motion::kLine) {
+        plan.to = end_of_line(model, plan);
+    } else {
+        const zk::Result<zk::Joints> joints = model.inverse(to, now.joints);
+        if (!joints) throw Failure(kUsage, "the pose cannot be reached: " + joints.error().text);
+        plan.to = *joints;
+    }
+    check_step(plan, max_step);
+    return plan;
+}
+
+std::string description(const Plan& plan, zk::Percent speed) {
+    std::ostringstream text;
+    const std::size_t joint = furthest(plan.from, plan.to);
+    const zk::Length way = (plan.to_pose.position - plan.from_pose.position).norm();
+    print(Json{{"motion", plan.motion == Motion::kLine ? "the tool along a line" : "all joints together"},
+               {"from_deg", json_of(plan.from)},
+               {"to_deg", json_of(plan.to)},
+               {"furthest",
+                "joint " + std::to_string(joint + 1) + " by " + in_degrees(abs(plan.to[joint] - plan.from[joint]))},
+               {"tool_goes_mm", rounded(way.millimetres(), 1)},
+               {"speed_percent", speed.value()}},
+          text);
+    return text.str();
+}
+
+}  // namespace tool
