@@ -169,7 +169,7 @@ class Interface:
     def type_of(self, node: Any, parameter: bool = False) -> Type:
         if isinstance(node, c_ast.ArrayDecl):
             if parameter:
-                return self.pointer(node.type)
+                return self.pointer(node.type, self.number(node.dim) if node.dim else 0)
             element, count = self.type_of(node.type), self.number(node.dim)
             shown = "bytes" if element.ctype == "c_char" else \
                 f"Array[{element.value if element.value.startswith('Array') else element.ctype}]"
@@ -226,8 +226,8 @@ class Interface:
             return Type("c_char_p", "bytes | None")
         return Type(f"POINTER({target.ctype})", "Any")
 
-    def pointer(self, node: Any) -> Type:
-        """A pointer as a parameter: it takes what Python has, see _calls.py."""
+    def pointer(self, node: Any, least: int = 0) -> Type:
+        """A pointer as a parameter, or an array of a declared length: it takes what Python has, see _types.py."""
         if isinstance(node, c_ast.FuncDecl):
             return self.callback(node)
         if isinstance(node, c_ast.PtrDecl):
@@ -243,7 +243,8 @@ class Interface:
         shown = {"float": "Floats", "int": "Integers", "bool": "Integers"}.get(target.value,
                                                                             f"Records[{target.ctype}]")
         kind = "Input" if constant else "Pointer"
-        return Type(f"{kind}({target.ctype})", "", shown if constant else "Output")
+        length = f", {least}" if least else ""
+        return Type(f"{kind}({target.ctype}{length})", "", shown if constant else "Output")
 
     def record(self, node: Any, name: str | None) -> Type:
         if not name:

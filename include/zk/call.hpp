@@ -9,7 +9,6 @@
  *     Pose                Percent (rounded)        std::chrono durations (whole milliseconds)
  *
  * A pointer gets what the header of the function says: an array or a vector is as long as that, which nobody checks.
- * Joints and poses that are not finite are an error like a number that does not fit.
  *
  * A function that returns an int returns its status as a Result<void>. So call directly those whose int is no status: a
  * count, an answer, a kind. Any other function returns what it returns.
@@ -17,7 +16,6 @@
 #ifndef ZK_CALL_HPP
 #define ZK_CALL_HPP
 
-#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cmath>
@@ -87,6 +85,12 @@ inline constexpr bool kIsDuration = false;
 template <class Rep, class Period>
 inline constexpr bool kIsDuration<std::chrono::duration<Rep, Period>> = true;
 
+/* The nearest whole number; one that no parameter can hold for what has none. */
+inline long long rounded(double value) {
+    constexpr double kMost = 9e18;
+    return std::abs(value) < kMost ? std::llround(value) : std::numeric_limits<long long>::max();
+}
+
 /* An argument in the form in which the parameter takes it, or which has the memory that its pointer points to. */
 template <class Parameter, class Argument>
 constexpr decltype(auto) held(Argument&& argument) {
@@ -96,7 +100,7 @@ constexpr decltype(auto) held(Argument&& argument) {
     } else if constexpr (std::is_same_v<Plain, Pose>) {
         return argument.to_c();
     } else if constexpr (std::is_same_v<Plain, Percent>) {
-        return std::llround(argument.value());
+        return rounded(argument.value());
     } else if constexpr (kIsDuration<Plain>) {
         return std::chrono::duration_cast<std::chrono::milliseconds>(argument).count();
     } else {
@@ -131,23 +135,6 @@ constexpr bool has_room([[maybe_unused]] const Held& number) {
         }
         return number <= 0 || static_cast<unsigned long long>(number) <=
                                   static_cast<unsigned long long>(std::numeric_limits<Parameter>::max());
-    } else {
-        return true;
-    }
-}
-
-/* Whether the numbers of an input are finite: those of Joints and of a pose, which the wire could not carry. */
-template <class Held>
-bool is_finite([[maybe_unused]] const Held& input) {
-    if constexpr (std::is_same_v<Held, ::Pose>) {
-        const auto& p = input.position;
-        const auto& q = input.quaternion;
-        const auto& e = input.euler;
-        return std::isfinite(p.x + p.y + p.z + q.w + q.x + q.y + q.z + e.rx + e.ry + e.rz);
-    } else if constexpr (std::is_same_v<Held, std::array<float, Joints::kMost>>) {
-        return std::all_of(input.begin(), input.end(), [](float number) { return std::isfinite(number); });
-    } else if constexpr (std::is_floating_point_v<Held>) {
-        return std::isfinite(input);
     } else {
         return true;
     }
@@ -194,11 +181,6 @@ auto call_with(Returned (*)(Parameters...), Held&&... arguments) {
         if (!(has_room<Parameters>(arguments) && ...)) {
             return Result<void>(Unexpected(make_error(ZK_BAD_ARGUMENT, kName<kFunction>.data(),
                                                       "a number is too large or too small for its argument")));
-        }
-        /* What is named may be an output, and hold anything. */
-        if (!((std::is_lvalue_reference_v<Held> || is_finite(arguments)) && ...)) {
-            return Result<void>(
-                Unexpected(make_error(ZK_BAD_ARGUMENT, kName<kFunction>.data(), "a number is not finite")));
         }
         return result_of<kFunction>(kFunction(passed<Parameters>(std::forward<Held>(arguments))...));
     } else {

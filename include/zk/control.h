@@ -12,9 +12,10 @@
  *   - in ZK_DEADLINE when the deadline of ZK_Set_Deadline passes,
  *   - in ZK_BUSY when another thread's call excludes it (docs/threads.md lists the pairs).
  * Nothing that its controller sends ends the process: a text that does not fit its field is cut. Every call that sends
- * a request, one that waits for nothing too, returns what keeps it from the wire: 19 when it does not fit its frame or
- * is no UTF-8, 6 when the transmit queue is full, 2 after ZK_API_UnInit, 5, 18, ZK_LOST and ZK_NO_MEMORY. Connections
- * of Arm_Socket_Start keep their behaviour; here their sockets return ZK_STALE_HANDLE.
+ * a request, one that waits for nothing too, returns what keeps it from the wire: 19 when it does not fit its frame, is
+ * no UTF-8, or has a number that is not finite or beyond 32 bits in the unit of the wire (2147 m, 2147483 degrees); 6
+ * when the transmit queue is full, 2 after ZK_API_UnInit, 5, 18, ZK_LOST and ZK_NO_MEMORY. Connections of
+ * Arm_Socket_Start keep their behaviour; here their sockets return ZK_STALE_HANDLE.
  *
  * The statuses of these calls are below 0 (zk/status.h); ZK_Explain says what to do about one.
  */
@@ -124,7 +125,8 @@ ZK_API int ZK_Stop(ArmSocket arm, int kind);
 
 /*
  * Waits until the motions of the arm have ended that were started on this connection without waiting (the non-blocking
- * forms of zk/motion.h, but for joined ones). May be called again after 7, and from several threads.
+ * forms of zk/motion.h, but for joined ones). May be called again after 7, and from several threads. Reports do not say
+ * which motion has ended: that of a program or a replay on this controller counts as one of these motions.
  *
  * Returns 0 when the last of them arrived; 1 when it was refused, or ended before its target; 7 after ms milliseconds;
  * 14 when none was started, or the arm is idle and no report came; 19 when ms is not above 0; the statuses of a

@@ -50,7 +50,7 @@
     X(ZK_BAD_PATH,             16, "the path has no separator, or the controller rejected the file") \
     X(ZK_FILE_UNREADABLE,      17, "the file could not be opened or read") \
     X(ZK_SENDING_FILE,         18, "a file transfer holds the line") \
-    X(ZK_BAD_ARGUMENT,         19, "a required pointer is null, or an input of the kinematics is invalid") \
+    X(ZK_BAD_ARGUMENT,         19, "a required pointer is null, or a value is not finite or out of its range") \
     X(ZK_LIST_FULL,            20, "the list of pending replies is full") \
     X(ZK_NO_SOLUTION,          21, "the inverse kinematics has no solution") \
     X(ZK_FILE_NOT_CREATED,     22, "the local file for the recording could not be created") \

@@ -138,7 +138,8 @@ class ForceControl {
 
     /* Holds a force until release(). */
     [[nodiscard]] Result<void> hold(const ForceHold& hold) const {
-        return call<Set_Force_Postion>(arm_, hold.sensor, hold.frame, hold.direction, std::llround(hold.newtons), true);
+        return call<Set_Force_Postion>(arm_, hold.sensor, hold.frame, hold.direction, detail::rounded(hold.newtons),
+                                       true);
     }
     [[nodiscard]] Result<void> release() const { return call<Stop_Force_Postion>(arm_, true); }
 
@@ -192,7 +193,7 @@ class Lift {
 
     /* Moves to a height, in whole millimetres, and waits for the lift's report. */
     [[nodiscard]] Result<void> move_to(Length height, Percent speed) const {
-        return call<Set_Lift_Height>(arm_, std::llround(height.millimetres()), speed, true);
+        return call<Set_Lift_Height>(arm_, detail::rounded(height.millimetres()), speed, true);
     }
     /* Runs at a speed, below 0 downward, until it is set to 0. */
     [[nodiscard]] Result<void> run(Percent speed) const { return call<Set_Lift_Speed>(arm_, speed); }

@@ -2,12 +2,13 @@
 from __future__ import annotations
 
 import ctypes
-import math
 import re
+import sys
 import time
 from collections.abc import Callable, Iterator
 from contextlib import contextmanager
 from functools import partial
+from operator import index
 from typing import TYPE_CHECKING, Any
 
 from . import _events, _families, interface
@@ -19,7 +20,7 @@ from ._library import lib
 from ._types import Out, Pointer
 from ._pose import Pose, PoseLike
 from ._state import State
-from ._threads import check_process, interruptible
+from ._threads import aside, check_process, interruptible
 from ._waiting import Move
 
 if TYPE_CHECKING:
@@ -29,20 +30,21 @@ if TYPE_CHECKING:
     from .interface import Floats
     from ._model import Model
 
-# Calls that wait for nothing.
-_AT_ONCE = re.compile(r"ZK_(Stop|Cancel|Get_State|Connection|Set_Deadline|Close|Arm_Model)|Parser_.*"
-                      r"|.*_(CANFD|Follow)(_NonBlock)?")
-# What ctypes makes of Ctrl-C while it converts an argument.
-_INTERRUPTED = re.compile(r"argument \d+: (<class ')?KeyboardInterrupt\b")
+# Calls that wait for nothing; of the second kind the log has the frames.
+_AT_ONCE = re.compile(r"ZK_(Cancel|Get_State|Connection|Set_Deadline|Arm_Model)|Parser_.*")
+_STREAMED = re.compile(r".*_(CANFD|Follow)(_NonBlock)?")
 # The status of these is the state that they deliver.
 _STATES = ("Get_Program_Run_State", "Get_Program_Run_State_Block")
 _STOPS = {"fast": ZK_STOP, "slow": ZK_SLOW_STOP, "emergency": ZK_EMERGENCY_STOP}
 
 
-def _check_finite(command: str, numbers: Any) -> None:
-    """The wire has whole numbers: what is not finite would become a far set-point."""
-    if (hasattr(numbers, "__len__") or isinstance(numbers, Pose)) and not all(map(math.isfinite, numbers)):
-        raise BadArgument(ZK_BAD_ARGUMENT, command, "a number is not finite")
+def _check_percent(command: str, what: str, value: Any, least: int) -> None:
+    try:
+        fits = least <= index(value) <= 100
+    except TypeError:
+        fits = False
+    if not fits:
+        raise BadArgument(ZK_BAD_ARGUMENT, command, f"a {what} of {value!r} percent; it is a whole number, {least} to 100")
 
 
 class _Commands:
@@ -105,7 +107,7 @@ class Arm:
 
     def close(self) -> None:
         """Closes the connection, as its last reference does. The arm goes on. A second close does nothing."""
-        lib.ZK_Close(self.handle)
+        aside(partial(lib.ZK_Close, self.handle))
 
     def __del__(self) -> None:
         if hasattr(self, "handle"):
@@ -115,8 +117,8 @@ class Arm:
         return self
 
     def __exit__(self, kind: type[BaseException] | None, *_: object) -> None:
-        # asyncio turns Ctrl-C into a cancelled task.
-        if kind is not None and (issubclass(kind, KeyboardInterrupt) or kind.__name__ == "CancelledError"):
+        asyncio = sys.modules.get("asyncio")  # it turns Ctrl-C into a cancelled task
+        if kind and issubclass(kind, (KeyboardInterrupt, *([asyncio.CancelledError] if asyncio else []))):
             self._halt()
         self.close()
 
@@ -134,6 +136,9 @@ class Arm:
         A status other than 0 is raised. An array may be a sequence, or an array of numpy; an array that the command
         writes to is written in place. In the place of an output stand `Out` or `Out(count)`, whose values are returned:
         ``joints, pose, *errors = arm.call("Get_Current_Arm_State", Out(7), Out, Out, Out)``.
+
+        BadArgument is raised for too few joints, and for an array that is shorter than what was written to it. Other
+        arrays that the command reads have the length that its header says, which is not checked.
         """
         if command not in COMMANDS:
             raise AttributeError(f"there is no command {command}")
@@ -142,9 +147,9 @@ class Arm:
         if len(arguments) != len(kinds):
             raise TypeError(f"{command} takes {len(kinds)} arguments after the arm, not {len(arguments)}")
         if command in JOINTS:
-            self._check_joints(arguments[JOINTS[command]])
+            self._check_joints(command, arguments[JOINTS[command]])
         given: list[Any] = [self.handle]
-        outputs = []
+        outputs, loans = [], []
         for kind, argument in zip(kinds, arguments):
             if argument is Out or isinstance(argument, Out):
                 if not isinstance(kind, Pointer) or kind.constant:
@@ -152,13 +157,19 @@ class Arm:
                 count = None if argument is Out else argument.count
                 argument = kind.room(count or 1)
                 outputs.append((kind, argument, count))
+            elif isinstance(kind, Pointer) and (loan := kind.lend(argument)):
+                loans.append(loan)
+                argument = loan.room
             given.append(argument)
+        call = function.bind(*given)
         if function.restype is not ctypes.c_int32:
-            return function(*given)
-        if _AT_ONCE.fullmatch(command):
-            status, text = self._with_text(partial(function, *given), command)
+            return call()
+        if _AT_ONCE.fullmatch(command) or (_STREAMED.fullmatch(command) and not _events.has_frames()):
+            status, text = self._with_text(call, command)
         else:
-            status, text = self._blocking(partial(function, *given), command)
+            status, text = self._blocking(call, command)
+        if not all([loan.give_back() for loan in loans]):
+            raise BadArgument(ZK_BAD_ARGUMENT, command, "an array is shorter than what the command writes to it")
         if status != ZK_OK:
             asked = arguments[0] if command in _STATES else None
             state = outputs[0][1][0] if asked is Out else asked
@@ -167,23 +178,18 @@ class Arm:
         results = [kind.result(room, count) for kind, room, count in outputs]
         return tuple(results) if len(results) > 1 else results[0] if results else None
 
-    def _check_joints(self, joint: Any) -> None:
+    def _check_joints(self, command: str, joint: Any) -> None:
         try:
             count = len(joint)
         except TypeError:  # a pointer
             return
         if count < self.joint_count:
-            raise ValueError(f"the arm has {self.joint_count} joints, not {count}")
+            raise BadArgument(ZK_BAD_ARGUMENT, command, f"the arm has {self.joint_count} joints, not {count}")
 
     @staticmethod
     def _with_text(call: Callable[[], int], command: str) -> tuple[int, str]:
         """The status of a call, and what the library has to say about a failure, which it keeps for each thread."""
-        try:
-            status = call()
-        except ctypes.ArgumentError as wrong:
-            if _INTERRUPTED.match(str(wrong)):
-                raise KeyboardInterrupt from None
-            raise TypeError(f"{command}: {wrong}, the arm counted") from None
+        status = call()
         return status, lib.ZK_Failure() if status and command in TELLING else ""
 
     def _blocking(self, call: Callable[[], int], command: str) -> tuple[int, str]:
@@ -191,19 +197,15 @@ class Arm:
 
     def _halt(self) -> None:
         """For Ctrl-C: what has been ordered ends, what waits for it too."""
-        lib.ZK_Stop(self.handle, ZK_STOP | ZK_DROP_QUEUED)
+        aside(partial(lib.ZK_Stop, self.handle, ZK_STOP | ZK_DROP_QUEUED))
         lib.ZK_Cancel(self.handle)
 
     # -------------------------------------------------------------------------------------------------------- Moves --
 
     def _move(self, command: str, arguments: tuple[Any, ...], speed: int, blend: int, more: tuple[int, ...],
               joined: bool, wait: bool) -> Move:
-        if not 1 <= speed <= 100:
-            raise BadArgument(ZK_BAD_ARGUMENT, command, f"a speed of {speed} percent; it is 1 to 100")
-        if not 0 <= blend <= 100:
-            raise BadArgument(ZK_BAD_ARGUMENT, command, f"a blend of {blend} percent; it is 0 to 100")
-        for one in arguments:
-            _check_finite(command, one)
+        _check_percent(command, "speed", speed, 1)
+        _check_percent(command, "blend", blend, 0)
         move = Move(self, command, joined)
         try:
             self.call(f"{command}_NonBlock", *arguments, speed, blend, *more, int(joined))
@@ -251,15 +253,11 @@ class Arm:
 
         follow: closely, else smoothed. The controller's reports come to `on_motion_report`.
         """
-        _check_finite("Movej_CANFD", joints)
-        _check_finite("Movej_CANFD", (expand,))
         self.call("Movej_CANFD", joints, int(follow), expand)
 
     def stream_pose(self, pose: PoseLike, *, follow: bool = True) -> None:
         """Writes a set-point of the tool in the work frame; see stream_joints."""
-        target = Pose.of(pose)
-        _check_finite("Movep_CANFD", target)
-        self.call("Movep_CANFD", int(follow), target)
+        self.call("Movep_CANFD", int(follow), Pose.of(pose))
 
     def stop(self, kind: str = "fast") -> None:
         """Stops the arm at once, ahead of all that is queued: "fast", "slow", or "emergency", with the power off."""

@@ -22,6 +22,7 @@ _STATES = {ZK_CONNECTION_CLOSED: "closed", ZK_CONNECTION_UP: "up", ZK_CONNECTION
 _queue: SimpleQueue[tuple[Callable[..., object], tuple[Any, ...]]] = SimpleQueue()
 _lock = threading.Lock()
 _started = False
+_level = ZK_LOG_EVENTS
 
 
 def _deliver() -> None:
@@ -87,14 +88,20 @@ _REPORT = MotionReportCallback(_on_report)
 
 def listen() -> None:
     """Sets the library's callbacks. The log has the frames of the wire when the logger is enabled for DEBUG."""
-    global _started
+    global _started, _level
     with _lock:
         if not _started:
             _started = True
             threading.Thread(target=_deliver, name="zk_base callbacks", daemon=True).start()
             lib.ZK_Set_Connection_Callback(_CONNECTION, None)
             atexit.register(_silence)
-        lib.ZK_Set_Log(_LOG, None, ZK_LOG_FRAMES if log.isEnabledFor(logging.DEBUG) else ZK_LOG_EVENTS)
+        _level = ZK_LOG_FRAMES if log.isEnabledFor(logging.DEBUG) else ZK_LOG_EVENTS
+        lib.ZK_Set_Log(_LOG, None, _level)
+
+
+def has_frames() -> bool:
+    """Whether the log has the frames of the wire."""
+    return _level == ZK_LOG_FRAMES
 
 
 def _silence() -> None:

@@ -7,8 +7,8 @@ from collections.abc import Iterable, Sequence
 from typing import TYPE_CHECKING, Any
 
 from . import interface
-from ._errors import FileError
-from .interface import (ZK_FRAME_NAMES, ZK_MODBUS_VALUES, ForcePositionNew, FrameRec, GripperState, ProgramEntry,
+from ._errors import BadArgument, FileError
+from .interface import (ZK_BAD_ARGUMENT, ZK_FRAME_NAMES, ZK_MODBUS_VALUES, ForcePositionNew, FrameRec, GripperState, ProgramEntry,
                          ProgramList, ProgramRunState, ProjectSendParams)
 from ._types import Out
 from ._pose import Pose, PoseLike
@@ -19,6 +19,13 @@ if TYPE_CHECKING:
     from numpy.typing import NDArray
 
     from ._arm import Arm
+
+
+def _text(command: str, text: str, most: int) -> bytes:
+    raw = text.encode()
+    if b"\0" in raw or len(raw) > most:
+        raise BadArgument(ZK_BAD_ARGUMENT, command, f"{text!r} is no text of at most {most} bytes")
+    return raw
 
 
 class Family:
@@ -89,7 +96,7 @@ class WorkFrames(Family):
 
     def get(self, name: str) -> Pose:
         """Asks for the pose of one in the world. Raises Refused when there is none."""
-        text = ctypes.create_string_buffer(name.encode(), 16)
+        text = ctypes.create_string_buffer(_text("Get_Given_Work_Frame", name, 10), 16)
         return Pose.of(self._call("Get_Given_Work_Frame", text, Out))
 
     def create(self, name: str, pose: PoseLike) -> None:
@@ -112,11 +119,11 @@ class WorkFrames(Family):
 class Gripper(Family):
     """A gripper of two fingers. Speeds, forces and openings are the device's own numbers; times are whole seconds."""
 
-    def pick(self, speed: int, force: int, *, keep: bool = False, timeout: int = 10) -> None:
+    def pick(self, speed: int = 500, force: int = 200, *, keep: bool = False, timeout: int = 10) -> None:
         """Closes until it grips with a force; keep: and keeps the force. Raises Timeout without a report."""
         self._call("Set_Gripper_Pick_On" if keep else "Set_Gripper_Pick", speed, force, True, timeout)
 
-    def release(self, speed: int, *, timeout: int = 10) -> None:
+    def release(self, speed: int = 500, *, timeout: int = 10) -> None:
         """Opens."""
         self._call("Set_Gripper_Release", speed, True, timeout)
 
@@ -148,7 +155,7 @@ class Hand(Family):
     def set_angles(self, angles: Sequence[int]) -> None:
         """Sends the angles of the six joints."""
         if len(angles) != 6:
-            raise ValueError(f"a hand has six joints, not {len(angles)}")
+            raise BadArgument(ZK_BAD_ARGUMENT, "Set_Hand_Angle", f"a hand has six joints, not {len(angles)}")
         self._call("Set_Hand_Angle", angles, True)
 
     def set_speed(self, speed: int) -> None:
@@ -219,7 +226,7 @@ class Modbus(Family):
 
     def _bits(self, command: str, port: int, address: int, count: int, device: int) -> list[bool]:
         if not 1 <= count <= 8:
-            raise ValueError(f"one to eight are read at once, not {count}")
+            raise BadArgument(ZK_BAD_ARGUMENT, command, f"one to eight are read at once, not {count}")
         bits = self._call(command, port, address, count, device, Out)
         return [bool(bits >> i & 1) for i in range(count)]
 
@@ -269,7 +276,7 @@ class Force(Family):
         and radians a second.
         """
         if len(forces) != 6 or (limits is not None and len(limits) != 6):
-            raise ValueError("there are six directions")
+            raise BadArgument(ZK_BAD_ARGUMENT, "Set_Force_Postion_New", "there are six directions")
         wanted = ForcePositionNew(sensor=interface.ZK_SENSOR_SIX_AXIS, mode=int(tool))
         wanted.control_mode[:] = [0 if one is None else 1 for one in forces]
         wanted.desired_force[:] = [one or 0.0 for one in forces]

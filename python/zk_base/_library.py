@@ -3,6 +3,8 @@ from __future__ import annotations
 
 import ctypes
 import os
+from collections.abc import Callable
+from functools import partial
 from typing import TYPE_CHECKING, Any
 
 from . import interface
@@ -28,6 +30,37 @@ def _text(result: bytes | None, *_: object) -> str:
     return (result or b"").decode(errors="replace")
 
 
+class Function:
+    """A function of the library.
+
+    Its arguments are converted before ctypes has them, which would turn every exception, Ctrl-C too, into its own.
+    """
+
+    def __init__(self, name: str, call: Any, restype: Any, argtypes: tuple[Any, ...]) -> None:
+        self.name, self.restype, self.argtypes = name, restype, argtypes
+        self._call = call
+        call.restype = restype
+        if restype is ctypes.c_char_p:
+            call.errcheck = _text
+
+    def bind(self, *arguments: Any) -> Callable[[], Any]:
+        """The call with these arguments. Raises BadArgument for what C would misread."""
+        if len(arguments) != len(self.argtypes):
+            raise TypeError(f"{self.name} takes {len(self.argtypes)} arguments, not {len(arguments)}")
+        given = []
+        for kind, argument in zip(self.argtypes, arguments):
+            try:
+                given.append(kind.from_param(argument))
+            except (TypeError, ValueError, OverflowError, AttributeError, ctypes.ArgumentError) as wrong:
+                from ._errors import BadArgument
+                raise BadArgument(interface.ZK_BAD_ARGUMENT, self.name,
+                                  f"argument {len(given) + 1} of the function in C: {wrong}") from None
+        return partial(self._call, *given)
+
+    def __call__(self, *arguments: Any) -> Any:
+        return self.bind(*arguments)()
+
+
 class _Library:
     """Functions are bound at their first use. Data of one number is read and written as that number."""
 
@@ -36,10 +69,7 @@ class _Library:
         if name == "_dll":
             found = _open()
         elif name in interface.FUNCTIONS:
-            found = self._dll[name]
-            found.restype, found.argtypes = interface.TYPES.of(interface.FUNCTIONS[name])
-            if found.restype is ctypes.c_char_p:
-                found.errcheck = _text
+            found = Function(name, self._dll[name], *interface.TYPES.of(interface.FUNCTIONS[name]))
         elif name in interface.DATA:
             datum = interface.TYPES.of(interface.DATA[name]).in_dll(self._dll, name)
             return getattr(datum, "value", datum)

@@ -8,7 +8,7 @@ import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 from . import interface
-from ._errors import NoSolution, error
+from ._errors import BadArgument, NoSolution, error
 from .interface import ZK_BAD_ARGUMENT, ZK_BASE_AXES, ZK_BY_EULER, ZK_BY_QUATERNION, ZK_OK, ZK_TOOL_AXES
 from ._library import lib
 from ._pose import Pose, PoseLike
@@ -45,7 +45,8 @@ class Model:
             if name.endswith(suffix) and arm in _ARMS:
                 self._take(lib.ZK_Model_New(_ARMS[arm], sensor), "ZK_Model_New")
                 return
-        raise ValueError(f"there is no model {name!r}; there are {', '.join(Model.names())}")
+        raise BadArgument(ZK_BAD_ARGUMENT, "ZK_Model_New",
+                          f"there is no model {name!r}; there are {', '.join(Model.names())}")
 
     @classmethod
     def _of(cls, record: Any, command: str) -> Model:
@@ -150,7 +151,7 @@ class Model:
     def _joints(self, joints: ArrayLike) -> Joints:
         array = np.ascontiguousarray(joints, np.float32)
         if array.shape != (self.joint_count,):
-            raise ValueError(f"the arm has {self.joint_count} joints; the shape is {array.shape}")
+            raise BadArgument(ZK_BAD_ARGUMENT, "Model", f"the arm has {self.joint_count} joints; the shape is {array.shape}")
         return array
 
     # ------------------------------------------------------------------------------------------------------ One pose --
@@ -242,14 +243,15 @@ class Model:
         """The caller's own array where it has the type and the shape: no copy is made."""
         array = np.ascontiguousarray(joints, np.float32)
         if array.ndim != 2 or array.shape[1] != self.joint_count:
-            raise ValueError(f"{name} has a row of {self.joint_count} joints for each pose; its shape is {array.shape}")
+            raise BadArgument(ZK_BAD_ARGUMENT, "Model",
+                              f"{name} has a row of {self.joint_count} joints for each pose; its shape is {array.shape}")
         return array
 
     @staticmethod
     def _poses(poses: Any) -> NDArray[Any]:
         if isinstance(poses, np.ndarray) and poses.dtype.names:
             if poses.dtype != pose_dtype:
-                raise TypeError(f"poses need the type zk_base.pose_dtype, not {poses.dtype}")
+                raise BadArgument(ZK_BAD_ARGUMENT, "Model", f"poses need the type zk_base.pose_dtype, not {poses.dtype}")
             return np.ascontiguousarray(poses)
         records = [Pose.of(one) for one in poses]
         return np.frombuffer(b"".join(bytes(one) for one in records), pose_dtype)
@@ -259,7 +261,8 @@ class Model:
         if out is None:
             return np.zeros(shape, dtype)
         if out.shape != shape or out.dtype != dtype or not out.flags.c_contiguous or not out.flags.writeable:
-            raise ValueError(f"the output needs the shape {shape} and the type {np.dtype(dtype)}, in one piece")
+            raise BadArgument(ZK_BAD_ARGUMENT, "Model",
+                              f"the output needs the shape {shape} and the type {np.dtype(dtype)}, in one piece")
         return out
 
     def follow(self, poses: Any, seed: ArrayLike, *, max_step: float = 0.0, joint_weight: ArrayLike | None = None,
@@ -299,7 +302,7 @@ class Model:
         """
         poses, rows = self._poses(targets), self._rows(seeds, "seeds")
         if len(poses) != len(rows):
-            raise ValueError(f"there are {len(poses)} targets and {len(rows)} seeds")
+            raise BadArgument(ZK_BAD_ARGUMENT, "Model", f"there are {len(poses)} targets and {len(rows)} seeds")
         joints = self._output(out, rows.shape, np.float32)
         statuses = self._output(status, (len(rows),), np.int32)
         result = lib.ZK_Model_Inverse_Batch(self._record, poses, rows, len(rows),

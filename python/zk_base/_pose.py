@@ -6,6 +6,7 @@ from collections.abc import Iterable, Iterator
 from typing import TYPE_CHECKING, Any, Union
 
 from . import interface
+from ._errors import BadArgument
 from ._library import lib
 
 if TYPE_CHECKING:
@@ -17,8 +18,17 @@ class Pose(interface.Pose):
     """Where something is: x, y, z in metres and rx, ry, rz in radians, R = Rz(rz) Ry(ry) Rx(rx).
 
     It is the record of the C interface, with position, quaternion (scalar first) and euler; all three are filled.
-    ``base_T_tool @ tool_T_tip`` composes, ``tuple(pose)`` is its six numbers.
+    ``base_T_tool @ tool_T_tip`` composes, ``tuple(pose)`` is its six numbers. Poses are equal when these are. A pose can
+    be changed, so it has no hash: take the tuple as a key.
     """
+
+    __hash__ = None  # type: ignore[assignment]
+
+    def __eq__(self, other: object) -> bool:
+        if not isinstance(other, Pose):
+            return NotImplemented
+        return tuple(self) == tuple(other)
+
 
     def __init__(self, x: float = 0, y: float = 0, z: float = 0, rx: float = 0, ry: float = 0, rz: float = 0) -> None:
         super().__init__((x, y, z), (1, 0, 0, 0), (rx, ry, rz))
@@ -36,9 +46,12 @@ class Pose(interface.Pose):
             p, e = value.position, value.euler
             return cls(p.x, p.y, p.z, e.rx, e.ry, e.rz)
         names = getattr(getattr(value, "dtype", None), "names", None)
-        numbers = [*value["position"], *value["euler"]] if names else [float(one) for one in value]  # type: ignore
+        try:
+            numbers = [*value["position"], *value["euler"]] if names else [float(one) for one in value]  # type: ignore
+        except (TypeError, ValueError):
+            numbers = []
         if len(numbers) != 6:
-            raise ValueError(f"a pose has six numbers x, y, z, rx, ry, rz, not {len(numbers)}")
+            raise BadArgument(interface.ZK_BAD_ARGUMENT, "Pose", f"a pose is six numbers x, y, z, rx, ry, rz, not {value!r}")
         return cls(*numbers)
 
     @classmethod

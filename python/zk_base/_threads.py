@@ -2,6 +2,7 @@
 from __future__ import annotations
 
 import os
+import sys
 import threading
 from collections.abc import Callable
 from queue import SimpleQueue
@@ -78,6 +79,15 @@ def interruptible(call: Callable[[], Result], interrupted: Callable[[], object])
     if failure is not None:
         raise failure
     return result  # type: ignore[no-any-return]
+
+
+def aside(call: Callable[[], object]) -> None:
+    """Makes a short call that may log. The library logs on the thread of the call, and Ctrl-C in a callback on the main
+    thread would be lost."""
+    if sys.is_finalizing():
+        call()
+    else:
+        interruptible(call, lambda: None)
 
 
 async def awaitable(call: Callable[[], Result]) -> Result:

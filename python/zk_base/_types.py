@@ -27,10 +27,34 @@ class Integer:
         self.least, self.most = (-1 << bits - 1, (1 << bits - 1) - 1) if signed else (0, (1 << bits) - 1)
 
     def from_param(self, value: Any) -> Any:
-        number = index(value)
+        try:
+            number = index(value)
+        except TypeError:
+            raise TypeError(f"{value!r} is no whole number") from None
         if not self.least <= number <= self.most:
             raise ValueError(f"{number} is not within {self.least} to {self.most}")
         return self.kind(number)
+
+
+class Loan:
+    """Memory in the place of a caller's array, with room behind it that shows whether the array was too short."""
+
+    _UNTOUCHED = 0xa5
+
+    def __init__(self, element: Any, array: Any) -> None:
+        self._size = memoryview(array).nbytes
+        self._own = (ctypes.c_char * self._size).from_buffer(array) if self._size else None
+        self.room = (element * (self._size // ctypes.sizeof(element) + 1024))()
+        ctypes.memset(self.room, self._UNTOUCHED, ctypes.sizeof(self.room))
+        if self._own:
+            ctypes.memmove(self.room, self._own, self._size)
+
+    def give_back(self) -> bool:
+        """Copies what was written to the array. Returns False when it was too short for that."""
+        if self._own:
+            ctypes.memmove(self._own, self.room, self._size)
+        behind = bytes(self.room)[self._size:]
+        return behind.count(self._UNTOUCHED) == len(behind)
 
 
 class Callback:
@@ -48,14 +72,17 @@ class Pointer:
 
     constant = False
 
-    def __init__(self, element: Any) -> None:
+    def __init__(self, element: Any, least: int = 0) -> None:
         self.element = element
+        self.least = least  # as its header declares the array; 0 where it does not
         self._last: Any = None  # the type of array that fitted last
 
     def from_param(self, value: Any) -> Any:
         """What ctypes passes for a value. The function sees the memory of an array, not a copy."""
         if value is None:
             return None
+        if self.least and (count := self._count(value)) < self.least:
+            raise ValueError(f"{self.least} values are needed, not {count}")
         if isinstance(value, self.element):
             return ctypes.byref(value)
         if hasattr(value, "__array_interface__"):
@@ -65,6 +92,24 @@ class Pointer:
         if self.constant and isinstance(value, (bytes, bytearray)) and ctypes.sizeof(self.element) == 1:
             return (self.element * max(1, len(value))).from_buffer_copy(value or b"\0")
         return ctypes.POINTER(self.element).from_param(value)
+
+    @staticmethod
+    def _count(value: Any) -> int:
+        """Of an array; of a pointer nobody knows it."""
+        size = value.size if hasattr(value, "__array_interface__") else \
+            len(value) if hasattr(value, "__len__") else 1 << 31
+        return int(size)
+
+    def lend(self, value: Any) -> Loan | None:
+        """Memory for an array of numbers or texts that the function writes to; None for a record or a pointer."""
+        if self.constant or ctypes.sizeof(self.element) > self._SMALL or not (
+                isinstance(value, (self.element, ctypes.Array)) or hasattr(value, "__array_interface__")):
+            return None
+        try:
+            self.from_param(value)
+        except (TypeError, ValueError):  # as the call will say
+            return None
+        return Loan(self.element, value)
 
     def _number(self, value: Any) -> Any:
         """An element of a sequence, which has to fit its type in C."""
@@ -107,11 +152,11 @@ class Pointer:
         return bool(fits)
 
     # Some functions write more than one value to a pointer; memory that is too short would be overrun.
-    _AT_LEAST = 64
+    _AT_LEAST, _SMALL = 64, 12
 
     def room(self, count: int) -> Any:
         """Memory for an output."""
-        return (self.element * max(count, self._AT_LEAST if ctypes.sizeof(self.element) <= 12 else 1))()
+        return (self.element * max(count, self._AT_LEAST if ctypes.sizeof(self.element) <= self._SMALL else 1))()
 
     def result(self, room: Any, count: int | None) -> Any:
         """What an output holds: one value without a count, else a list or an array of numpy."""
@@ -133,7 +178,11 @@ class _Text(Pointer):
     constant = True
 
     def from_param(self, value: Any) -> Any:
-        return ctypes.c_char_p.from_param(value.encode() if isinstance(value, str) else value)
+        if isinstance(value, str):
+            value = value.encode()
+        if isinstance(value, bytes) and b"\0" in value:
+            raise ValueError(f"the text {value!r} has a zero byte, where C would end it")
+        return ctypes.c_char_p.from_param(value)
 
 
 class _Buffer(Pointer):

@@ -13,13 +13,9 @@ constexpr int32_t kMotionPollMs = 100;
 constexpr int kMostFailedPolls = 6;
 constexpr int kMostIdlePolls = 50;
 
-bool arm_is_known(const Connection& connection) {
-    return is_handle(connection.socket()) || read(g_is_robot_type_i) != 0;
-}
-
 // Returns a refusal that has arrived already. The count was cleared just before the request was queued, so this rarely
-// polls twice: a refused move ends by its report. On a socket a late look at an acceptance counts as none.
-int early_refusal(const Connection& connection) {
+// polls twice: a refused move ends by its report. A late look at an acceptance counts as none where `late_is_none`.
+int early_refusal(const Connection& connection, bool late_is_none) {
     const int32_t start = Get_Program_Runtime();
     const Mailbox mailbox(Move_Receive_Cmd);
     for (;; sleep_cp(kPollMs)) {
@@ -27,14 +23,13 @@ int early_refusal(const Connection& connection) {
         if (const int status = connection.status()) return status;
         if (!arrived) return ZK_OK;
         if (const int status = take_result(mailbox, connection, Take::kOne)) return status;
-        if (is_handle(connection.socket())) return ZK_OK;
-        if (elapsed_since(start) >= kAcknowledgementMs) return ZK_TIMEOUT;
+        if (late_is_none && elapsed_since(start) >= kAcknowledgementMs) return ZK_TIMEOUT;
     }
 }
 
 // Queues the request of a move. A move that is not joined to the next ends in a report.
-int post_move(const Request& request, int32_t trajectory_connect) {
-    Line* line = trajectory_connect == 0 ? Line::of(request.socket()) : nullptr;
+int post_move(const MoveRequest& request) {
+    Line* line = request.joined ? nullptr : Line::of(request.socket());
     if (line) line->motions().start();
     const int status = post(request);
     if (line && status) line->motions().withdraw();
@@ -43,7 +38,7 @@ int post_move(const Request& request, int32_t trajectory_connect) {
 
 }  // namespace
 
-int move_and_arrive(const Request& request, Trajectory expected, int32_t trajectory_connect) {
+int move_and_arrive(const MoveRequest& request, Trajectory expected) {
     const Wait connection(request.socket());
     if (const int status = connection.claim(Move_Cmd, Sharing::kAlone)) return status;
     {
@@ -51,10 +46,11 @@ int move_and_arrive(const Request& request, Trajectory expected, int32_t traject
         if (const int status = acceptance.claim(Move_Receive_Cmd)) return status;
         Mailbox(Move_Cmd).clear(connection.slot());
         Mailbox(Move_Receive_Cmd).clear(connection.slot());
-        if (const int status = post_move(request, trajectory_connect)) return status;
-        if (arm_is_known(connection)) {
-            if (const int status = early_refusal(connection)) return status;
-            if (trajectory_connect != 0) return ZK_OK;
+        if (const int status = post_move(request)) return status;
+        const bool settled = !is_handle(request.socket());
+        if (!settled || read(g_is_robot_type_i)) {
+            if (const int status = early_refusal(connection, settled)) return status;
+            if (request.joined) return ZK_OK;
         }
     }
     return await_report(connection, Device::kArm, [&](MotionPoll& motion) {
@@ -67,17 +63,17 @@ int move_and_arrive(const Request& request, Trajectory expected, int32_t traject
     });
 }
 
-int move_accepted(const Request& request, int32_t trajectory_connect) {
+int move_accepted(const MoveRequest& request) {
     Mailbox mailbox(Move_Receive_Cmd);
     const Wait connection(request.socket());
     if (const int status = connection.claim(mailbox)) return status;
     // Settled connections clear it after queueing, and may lose a fast acknowledgement.
-    if (is_handle(request.socket())) mailbox.clear(connection.slot());
-    if (const int status = post_move(request, trajectory_connect)) return status;
-    if (!is_handle(request.socket())) mailbox.clear(connection.slot());
-    if (!arm_is_known(connection)) return ZK_OK;
-    const int32_t limit = is_handle(request.socket()) ? read(m_nOutTime) : kAcknowledgementMs;
-    return await_result(mailbox, connection, limit, Take::kOne);
+    const bool settled = !is_handle(request.socket());
+    if (!settled) mailbox.clear(connection.slot());
+    if (const int status = post_move(request)) return status;
+    if (settled) mailbox.clear(connection.slot());
+    if (settled && !read(g_is_robot_type_i)) return ZK_OK;
+    return await_result(mailbox, connection, settled ? kAcknowledgementMs : read(m_nOutTime), Take::kOne);
 }
 
 MoveReport take_report(int slot) {

@@ -14,11 +14,19 @@ enum class Trajectory : int32_t { kNone = 0, kJoint = 1, kLine = 2, kCircle = 3,
 // Whose arrival a report is about.
 enum class Device : int32_t { kArm = 0, kGripper = 1, kHand = 2, kLift = 3, kExpansionAxis = 4 };
 
+// The request of a move, with its last key. A joined move runs with the next one, and has no report of its own.
+struct MoveRequest : Request {
+    MoveRequest(Request& request, int32_t trajectory_connect)
+        : Request(request.number("trajectory_connect", trajectory_connect)), joined(trajectory_connect != 0) {}
+
+    bool joined;
+};
+
 // Queues a move and waits for the report of its end. Does not wait for a joined move.
-int move_and_arrive(const Request& request, Trajectory expected, int32_t trajectory_connect);
+int move_and_arrive(const MoveRequest& request, Trajectory expected);
 
 // Queues a move and waits for the controller's acknowledgement.
-int move_accepted(const Request& request, int32_t trajectory_connect);
+int move_accepted(const MoveRequest& request);
 
 // Copies the report and clears its mailbox.
 MoveReport take_report(int slot);

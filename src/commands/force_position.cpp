@@ -1,4 +1,6 @@
 // Force-position moves: set-points with forces straight to the socket, and the reports that come back.
+#include <cmath>
+
 #include "zk/replies/motion.h"
 
 #include "commands/float_product.h"
@@ -30,8 +32,6 @@ ZK_API int Stop_Force_Position_Move_NonBlock(ArmSocket s) { return post({s, "Sto
 
 namespace {
 
-int sent(const Request& request) { return stream(request) < 1 ? int(ZK_SEND_FAILED) : int(ZK_OK); }
-
 // Tests for a file transfer and null pointers, and raises SuspendQueue.
 template <class Form, class... Arguments>
 int streamed(Form form, Arguments... arguments) {
@@ -57,12 +57,17 @@ Request& control(Request& request, const Control& c) {
         .number("force", float_product(c.force, 10.0f));
 }
 
-// The seventh joint loses its fraction: it becomes an integer before it is scaled.
+// The seventh joint loses its fraction: it becomes an integer before it is scaled, which wraps on a socket.
+int32_t seventh(ArmSocket s, float degrees) {
+    if (is_handle(s)) return thousandths(std::trunc(degrees));
+    return static_cast<int32_t>(static_cast<uint32_t>(truncated(degrees)) * 1000u);
+}
+
 Request force_move(ArmSocket s, const float* joint) {
     int32_t wire[7];
     for (int i = 0; i < 6; ++i) wire[i] = thousandths(joint[i]);
     const int joints = request_joint_count(s);
-    if (joints == 7) wire[6] = static_cast<int32_t>(static_cast<uint32_t>(truncated(joint[6])) * 1000u);
+    if (joints == 7) wire[6] = seventh(s, joint[6]);
     return Request(s, "Force_Position_Move").numbers("joint", wire, joints);
 }
 
@@ -75,7 +80,7 @@ ZK_API int Force_Position_Move_Pose(ArmSocket s, uint8_t sensor, uint8_t mode, i
 ZK_API int Force_Position_Move_Pose_NonBlock(ArmSocket s, uint8_t sensor, uint8_t mode, int32_t dir, uint8_t follow,
                                              Pose pose, float force) {
     Request request(s, "Force_Position_Move");
-    return sent(control(pose_or_quat(request, pose), {sensor, mode, dir, force}).boolean("follow", follow != 0));
+    return stream(control(pose_or_quat(request, pose), {sensor, mode, dir, force}).boolean("follow", follow != 0));
 }
 ZK_API int Force_Position_Move_Pose_Block(ArmSocket s, uint8_t sensor, uint8_t mode, int32_t dir, Pose pose,
                                           float force) {
@@ -90,7 +95,7 @@ ZK_API int Force_Position_Move_Joint(ArmSocket s, const float* joint, uint8_t se
 ZK_API int Force_Position_Move_Joint_NonBlock(ArmSocket s, const float* joint, uint8_t sensor, uint8_t mode,
                                               int32_t dir, uint8_t follow, float force) {
     Request request = force_move(s, joint);
-    return sent(control(request, {sensor, mode, dir, force}).boolean("follow", follow != 0));
+    return stream(control(request, {sensor, mode, dir, force}).boolean("follow", follow != 0));
 }
 ZK_API int Force_Position_Move_Joint_Block(ArmSocket s, const float* joint, uint8_t sensor, uint8_t mode, int32_t dir,
                                            float force) {
@@ -109,7 +114,7 @@ ZK_API int Force_Position_Move_NonBlock(ArmSocket s, ForcePositionMove move) {
     } else {
         request.joints("joint", move.joint);
     }
-    return sent(held_directions(request, move.desired_force, move.control_mode, move.limit_vel));
+    return stream(held_directions(request, move.desired_force, move.control_mode, move.limit_vel));
 }
 
 ZK_API int Parser_Force_Position_Move(ArmSocket s, const char* text, float* joint, float* all_direction_force,

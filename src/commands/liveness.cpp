@@ -24,6 +24,4 @@ ZK_API int Arm_Socket_State_Block(ArmSocket socket) {
     return status == ZK_TIMEOUT ? int(ZK_NOT_CONNECTED) : status;
 }
 
-ZK_API int Arm_Socket_State_nBlock(ArmSocket socket) {
-    return stream({socket, "get_joint_max_speed"}) < 1 ? ZK_SEND_FAILED : ZK_OK;
-}
+ZK_API int Arm_Socket_State_nBlock(ArmSocket socket) { return stream({socket, "get_joint_max_speed"}); }

@@ -46,46 +46,41 @@ ZK_API int Parser_Plan_Feedback(const char* text, int32_t* device, int32_t* traj
 }
 ZK_TWIN(Parser_Plan_Feedback);
 
-static Request movej(ArmSocket s, const float* joint, uint8_t v, uint8_t r, int32_t connect) {
-    return Request(s, "movej")
-        .joints("joint", joint)
-        .number("v", v)
-        .number("r", r)
-        .number("trajectory_connect", connect);
+static MoveRequest movej(ArmSocket s, const float* joint, uint8_t v, uint8_t r, int32_t connect) {
+    return {Request(s, "movej").joints("joint", joint).number("v", v).number("r", r), connect};
 }
 ZK_API int Movej_Cmd(ArmSocket s, const float* joint, uint8_t v, uint8_t r, int32_t trajectory_connect, bool block) {
     return checked(block ? Movej_Cmd_Block : Movej_Cmd_NonBlock, s, joint, v, r, trajectory_connect);
 }
 ZK_API int Movej_Cmd_Block(ArmSocket s, const float* joint, uint8_t v, uint8_t r, int32_t trajectory_connect) {
-    return move_and_arrive(movej(s, joint, v, r, trajectory_connect), Trajectory::kJoint, trajectory_connect);
+    return move_and_arrive(movej(s, joint, v, r, trajectory_connect), Trajectory::kJoint);
 }
 ZK_API int Movej_Cmd_NonBlock(ArmSocket s, const float* joint, uint8_t v, uint8_t r, int32_t trajectory_connect) {
-    return move_accepted(movej(s, joint, v, r, trajectory_connect), trajectory_connect);
+    return move_accepted(movej(s, joint, v, r, trajectory_connect));
 }
 
-static Request to_pose(ArmSocket s, const char* command, const Pose& pose, uint8_t v, uint8_t r, int32_t connect) {
-    return Request(s, command).pose("pose", pose).number("v", v).number("r", r).number("trajectory_connect", connect);
+static MoveRequest to_pose(ArmSocket s, const char* command, const Pose& pose, uint8_t v, uint8_t r, int32_t connect) {
+    return {Request(s, command).pose("pose", pose).number("v", v).number("r", r), connect};
 }
 
 ZK_API int Movel_Cmd(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32_t trajectory_connect, bool block) {
     return guarded(block ? Movel_Cmd_Block : Movel_Cmd_NonBlock, s, pose, v, r, trajectory_connect);
 }
 ZK_API int Movel_Cmd_Block(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32_t trajectory_connect) {
-    return move_and_arrive(to_pose(s, "movel", pose, v, r, trajectory_connect), Trajectory::kLine, trajectory_connect);
+    return move_and_arrive(to_pose(s, "movel", pose, v, r, trajectory_connect), Trajectory::kLine);
 }
 ZK_API int Movel_Cmd_NonBlock(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32_t trajectory_connect) {
-    return move_accepted(to_pose(s, "movel", pose, v, r, trajectory_connect), trajectory_connect);
+    return move_accepted(to_pose(s, "movel", pose, v, r, trajectory_connect));
 }
 
 ZK_API int Moves_Cmd(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32_t trajectory_connect, bool block) {
     return guarded(block ? Moves_Cmd_Block : Moves_Cmd_NonBlock, s, pose, v, r, trajectory_connect);
 }
 ZK_API int Moves_Cmd_Block(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32_t trajectory_connect) {
-    return move_and_arrive(to_pose(s, "moves", pose, v, r, trajectory_connect), Trajectory::kSpline,
-                           trajectory_connect);
+    return move_and_arrive(to_pose(s, "moves", pose, v, r, trajectory_connect), Trajectory::kSpline);
 }
 ZK_API int Moves_Cmd_NonBlock(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32_t trajectory_connect) {
-    return move_accepted(to_pose(s, "moves", pose, v, r, trajectory_connect), trajectory_connect);
+    return move_accepted(to_pose(s, "moves", pose, v, r, trajectory_connect));
 }
 
 // The controller reports the joint move to a pose as a joint move.
@@ -93,21 +88,20 @@ ZK_API int Movej_P_Cmd(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32_t tra
     return guarded(block ? Movej_P_Cmd_Block : Movej_P_Cmd_NonBlock, s, pose, v, r, trajectory_connect);
 }
 ZK_API int Movej_P_Cmd_Block(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32_t trajectory_connect) {
-    return move_and_arrive(to_pose(s, "movej_p", pose, v, r, trajectory_connect), Trajectory::kJoint,
-                           trajectory_connect);
+    return move_and_arrive(to_pose(s, "movej_p", pose, v, r, trajectory_connect), Trajectory::kJoint);
 }
 ZK_API int Movej_P_Cmd_NonBlock(ArmSocket s, Pose pose, uint8_t v, uint8_t r, int32_t trajectory_connect) {
-    return move_accepted(to_pose(s, "movej_p", pose, v, r, trajectory_connect), trajectory_connect);
+    return move_accepted(to_pose(s, "movej_p", pose, v, r, trajectory_connect));
 }
 
-static Request movec(ArmSocket s, const Pose& via, const Pose& to, uint8_t v, uint8_t r, uint8_t loop,
-                     int32_t connect) {
-    return Request(s, "movec")
-        .object("pose", [&](Object& poses) { poses.pose("pose_via", via).pose("pose_to", to); })
-        .number("v", v)
-        .number("r", r)
-        .number("loop", loop)
-        .number("trajectory_connect", connect);
+static MoveRequest movec(ArmSocket s, const Pose& via, const Pose& to, uint8_t v, uint8_t r, uint8_t loop,
+                         int32_t connect) {
+    return {Request(s, "movec")
+                .object("pose", [&](Object& poses) { poses.pose("pose_via", via).pose("pose_to", to); })
+                .number("v", v)
+                .number("r", r)
+                .number("loop", loop),
+            connect};
 }
 ZK_API int Movec_Cmd(ArmSocket s, Pose via, Pose to, uint8_t v, uint8_t r, uint8_t loop, int32_t trajectory_connect,
                      bool block) {
@@ -115,11 +109,11 @@ ZK_API int Movec_Cmd(ArmSocket s, Pose via, Pose to, uint8_t v, uint8_t r, uint8
 }
 ZK_API int Movec_Cmd_Block(ArmSocket s, Pose via, Pose to, uint8_t v, uint8_t r, uint8_t loop,
                            int32_t trajectory_connect) {
-    return move_and_arrive(movec(s, via, to, v, r, loop, trajectory_connect), Trajectory::kCircle, trajectory_connect);
+    return move_and_arrive(movec(s, via, to, v, r, loop, trajectory_connect), Trajectory::kCircle);
 }
 ZK_API int Movec_Cmd_NonBlock(ArmSocket s, Pose via, Pose to, uint8_t v, uint8_t r, uint8_t loop,
                               int32_t trajectory_connect) {
-    return move_accepted(movec(s, via, to, v, r, loop, trajectory_connect), trajectory_connect);
+    return move_accepted(movec(s, via, to, v, r, loop, trajectory_connect));
 }
 
 // A line to a target that the host computes from the present pose.

@@ -33,8 +33,8 @@ namespace {
 
 // Returns 0 even when nothing was written.
 int sent(const Request& request) {
-    stream(request);
-    return ZK_OK;
+    const int status = stream(request);
+    return status == ZK_SEND_FAILED ? int(ZK_OK) : status;
 }
 
 }  // namespace

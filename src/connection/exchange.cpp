@@ -25,9 +25,11 @@ static int post(ArmSocket socket, const Frame& frame) {
 int post(const Request& request) { return post(request.socket(), request.frame()); }
 
 static int stream(ArmSocket socket, const Frame& frame, bool announces_file = false) {
-    if (frame.length < 1) return -1;
+    if (frame.refusal) return frame.refusal;
+    if (frame.length < 1) return ZK_SEND_FAILED;
     release_request();
-    return static_cast<int>(send_now(socket, frame.text, static_cast<size_t>(frame.length), announces_file));
+    const auto sent = send_now(socket, frame.text, static_cast<size_t>(frame.length), announces_file);
+    return sent < 1 ? int(ZK_SEND_FAILED) : int(ZK_OK);
 }
 int stream(const Request& request) { return stream(request.socket(), request.frame()); }
 
@@ -80,8 +82,7 @@ int set(ArmSocket socket, const Frame& frame, Mailbox mailbox, const SetForm& fo
     if ((!form.clears && !form.keeps_count) || is_handle(socket)) mailbox.clear(connection.slot());
 
     if (form.direct) {
-        if (frame.refusal) return frame.refusal;
-        if (stream(socket, frame, true) < 1) return ZK_SEND_FAILED;
+        if (const int status = stream(socket, frame, true)) return status;
     } else if (const int status = post(socket, frame)) {
         return status;
     }

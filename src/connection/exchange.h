@@ -40,7 +40,7 @@ struct QueryForm {
 int set(const Request& request, Mailbox mailbox, const SetForm& form = {});
 int set(ArmSocket socket, const Frame& frame, Mailbox mailbox, const SetForm& form = {});  // a text of its own kind
 int post(const Request& request);
-// Returns the result of `send`: below 1 when nothing was written.
+// Returns 0; 6 when nothing was written; what refuses the request of a handle.
 int stream(const Request& request);
 
 // Waits until a reply of the connection is in the mailbox. Returns 0; 5 when the connection is closed, also when

@@ -65,10 +65,11 @@ PendingEntry::PendingEntry(ArmSocket socket, int key_code) : connection_(socket)
 }
 
 int PendingEntry::send(const Request& request, const PendingForm& form) {
-    if (stream(request) >= 1) return ZK_OK;
+    const int status = stream(request);
+    if (status == ZK_OK) return ZK_OK;
     ListLock lock;
     remove(SockeRIinfos, &m_nSockeRIinfosLen, form.clears_past_end ? m_nSockeRIinfosLen : index_);
-    return ZK_SEND_FAILED;
+    return status;
 }
 
 bool PendingEntry::take(char (&reply)[300]) {

@@ -15,11 +15,12 @@ namespace zk {
 namespace {
 
 constexpr double kIntegerTolerance = 2.220446049250313e-16;
+constexpr char kNotFinite[] = "null";
 
 // Formats a number by the rules of the wire, independent of the installed printer: integers of 32 bits as such, larger
 // whole numbers below 1e60 in full, others with six decimals, in exponent form when very small or very large.
 cJSON* number_item(double value) {
-    if (!std::isfinite(value)) return cJSON_CreateRaw("null");
+    if (!std::isfinite(value)) return cJSON_CreateRaw(kNotFinite);
     if (std::fabs(value) <= kIntegerTolerance) return cJSON_CreateNumber(0);
     const double whole = std::trunc(value);
     const bool fits = value >= INT32_MIN && value <= INT32_MAX;
@@ -51,6 +52,18 @@ bool is_utf8(const char* text) {
         if (following < 0) return false;
     }
     return following == 0;
+}
+
+// Whether the wire carries every number: none that is not finite, nor the lowest integer, which stands for a float that
+// no integer holds.
+bool has_all_numbers(const cJSON* item) {
+    const bool is_lost = cJSON_IsNumber(item) ? item->valuedouble == INT32_MIN
+                                              : cJSON_IsRaw(item) && std::strcmp(item->valuestring, kNotFinite) == 0;
+    if (is_lost) return false;
+    for (const cJSON* child = item->child; child; child = child->next) {
+        if (!has_all_numbers(child)) return false;
+    }
+    return true;
 }
 
 }  // namespace
@@ -141,9 +154,11 @@ Frame Request::frame() const {
         die("no memory for the request \"%s\"", command_);
     }
     const size_t length = std::strlen(text.get());
-    if (is_refused && !is_utf8(text.get())) return Frame::refused(ZK_BAD_ARGUMENT);
-    if (length + 3 > static_cast<size_t>(frame_size_)) {
-        if (is_refused) return Frame::refused(ZK_BAD_ARGUMENT);
+    const bool fits = length + 3 <= static_cast<size_t>(frame_size_);
+    if (is_refused && !(fits && is_utf8(text.get()) && has_all_numbers(tree_.get()))) {
+        return Frame::refused(ZK_BAD_ARGUMENT);
+    }
+    if (!fits) {
         die("the request \"%s\" takes %zu bytes, its frame holds %d", command_, length + 2, frame_size_ - 1);
     }
     Frame frame;

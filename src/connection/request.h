@@ -110,8 +110,8 @@ class Request : public Fields<Request> {
     Request& joints(const char* key, const float* degrees);
 
     ArmSocket socket() const { return socket_; }
-    // Ends the process when the text does not fit the frame. For a handle the frame is refused then, and when the text
-    // is not UTF-8.
+    // Ends the process when the text does not fit the frame. For a handle the frame is refused then, when the text is
+    // not UTF-8, and when a number is not finite or is a float beyond 32 bits of the wire's unit.
     Frame frame() const;
 
  private:

@@ -95,7 +95,7 @@ inline constexpr AdviceRow kMoving[] = {
     {ZK_REFUSED, "a command does nothing, or a move ends before its target",
      {"The controller refused the command, or the motion ended before its target: the target is out of reach or beyond a limit, a value such as the speed is out of range, the arm is off or in error, or the motion was stopped.",
       ZK_MEND_FIRST,
-      "ZK_Model_Inverse says whether the target can be reached, and if not why; Get_Current_Arm_State reads the error words, Get_Arm_Power_State the power."}},
+      "Check the units: positions are metres, angles of poses radians, joints degrees. ZK_Model_Inverse says whether the target can be reached, and if not why; Get_Current_Arm_State reads the error words, Get_Arm_Power_State the power."}},
     {ZK_OTHER_DEVICE, "a blocking move ends while another device moves",
      {"The report that came is about another device.", ZK_MEND_FIRST,
       "Move one device of a controller at a time; wait until the motion has ended, then look where the device is."}},
@@ -164,8 +164,8 @@ inline constexpr AdviceRow kFiles[] = {
 
 inline constexpr AdviceRow kReplies[] = {
     {ZK_BAD_ARGUMENT, "a call fails at once",
-     {"A required pointer is null, or a value is out of its range.", ZK_MEND_FIRST,
-      "Compare the arguments with the call's header."}},
+     {"A required pointer is null, or a value is out of its range, not finite, or too large for the wire.", ZK_MEND_FIRST,
+      "Compare the arguments with the call's header, and their units: positions are metres, angles of poses radians, joints degrees."}},
     {ZK_NOT_BOOLEAN, "the controller answers, but the call fails",
      {"The reply's acknowledgement or data are missing or of the wrong type, or there is no such command on the wire.",
       ZK_MEND_FIRST, "The controller's software may not know the command: compare Get_Arm_Software_Info with its manual."}},

@@ -41,14 +41,36 @@ float first_speed(ArmSocket arm) {
     return speed[0];
 }
 
+const char kWaitMove[] = "ZK_Wait_Move";
+
+// Calls that connections of Arm_Socket_Start have too, and one that waits for a motion that was started before.
+std::vector<WaitingCall> all_waits() {
+    std::vector<WaitingCall> all(std::begin(kWaits), std::end(kWaits));
+    all.push_back({kWaitMove,
+                   [](ArmSocket s) { return ZK_Wait_Move(s, INT32_MAX); },
+                   "get_arm_current_trajectory",
+                   {kReport},
+                   &Move_Cmd[0].count});
+    return all;
+}
+
 class EveryWait : public testing::TestWithParam<WaitingCall> {
  protected:
+    // A new connection, on which a motion has been started.
+    static ArmSocket connect_and_move(ScriptedController& controller) {
+        const ArmSocket arm = connect(controller);
+        controller.answer("movej", done("movej", "receive_state"));
+        EXPECT_EQ(Movej_Cmd(arm, kJoints, 20, 0, 0, false), 0);
+        controller.ignore("movej");
+        controller.ignore("get_joint_max_speed");
+        controller.forget_requests();
+        return arm;
+    }
     // Starts the call on a new connection, ends it, and returns its status.
     template <class End>
     int status_after(End end) {
         ScriptedController controller;
-        const ArmSocket arm = connect(controller);
-        controller.ignore("get_joint_max_speed");
+        const ArmSocket arm = connect_and_move(controller);
         keep_waiting(controller, GetParam());
         set_time_factor(0);
         std::future<int> status = std::async(std::launch::async, [arm] { return GetParam().call(arm); });
@@ -59,7 +81,7 @@ class EveryWait : public testing::TestWithParam<WaitingCall> {
         return result;
     }
 };
-INSTANTIATE_TEST_SUITE_P(, EveryWait, testing::ValuesIn(kWaits),
+INSTANTIATE_TEST_SUITE_P(, EveryWait, testing::ValuesIn(all_waits()),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST_P(EveryWait, EndsAtOnceWhenItIsToEnd) {
@@ -101,14 +123,16 @@ Sharing sharing_of(const std::string& name) {
 // Each pair, in both orders.
 TEST_P(EveryWait, SharesTheConnectionByTheRule) {
     ScriptedController controller;
-    const ArmSocket arm = connect(controller);
-    controller.ignore("get_joint_max_speed");
+    const ArmSocket arm = connect_and_move(controller);
     keep_waiting(controller, GetParam());
     set_time_factor(0);
     const Sharing held = sharing_of(GetParam().name);
-    for (const WaitingCall& other : kWaits) {
+    for (const WaitingCall& other : all_waits()) {
         const std::string name = other.name;
+        if (held.excludes == "file" && name == kWaitMove) continue;  // AWaitOutlastsAFile
         const Sharing wanted = sharing_of(name);
+        EXPECT_EQ(Move_Pause_Cmd_NonBlock(arm), 0);  // after what the pair before has queued
+        controller.wait_for_request("set_arm_pause");
         controller.forget_requests();
         std::future<int> first = std::async(std::launch::async, [arm] { return GetParam().call(arm); });
         controller.wait_for_request(GetParam().request);
@@ -133,8 +157,7 @@ TEST_P(EveryWait, SharesTheConnectionByTheRule) {
 
 TEST_P(EveryWait, EndsAtItsDeadlineAndStopsTheArm) {
     ScriptedController controller;
-    const ArmSocket arm = connect(controller);
-    controller.ignore("get_joint_max_speed");
+    const ArmSocket arm = connect_and_move(controller);
     keep_waiting(controller, GetParam());
     EXPECT_EQ(ZK_Set_Deadline(arm, 300, ZK_ALL_THREADS), 0);
     EXPECT_EQ(ZK_Set_Deadline(arm, 100, ZK_STOP_AT_DEADLINE), 0);
@@ -369,6 +392,28 @@ TEST_F(Connections, WhatEndsTheProcessElsewhereIsRefusedOrCut) {
     EXPECT_EQ(Move_Stop_Cmd_NonBlock(arm), ZK_NOT_RUNNING);
     Add_Queue(arm, "{}\r\n", 4);
     EXPECT_EQ(look_at(arm).dropped, 5);
+}
+
+TEST_F(Connections, ANumberThatTheWireCannotCarryIsNotSent) {
+    answer_start_up(controller_, 7);
+    ArmSocket arm = 0;
+    ASSERT_EQ(ZK_Connect("127.0.0.1", controller_.port(), nullptr, &arm), 0);
+    controller_.forget_requests();
+    const float nan = NAN, far = 3e6f, degrees[][7] = {{0, 0, 0, 0, 0, 0, nan}, {far}, {0, 0, 0, 0, 0, 0, far}};
+    ForcePositionNew force{};
+    force.desired_force[5] = -INFINITY;
+    for (const int status :
+         {Movej_Cmd(arm, degrees[0], 20, 0, 0, true), Movej_Cmd(arm, degrees[1], 20, 0, 1, false),
+          Movel_Cmd(arm, {{3000, 0, 0}, {}, {}}, 20, 0, 0, false),
+          Movec_Cmd(arm, {}, {{}, {}, {nan, 0, 0}}, 20, 0, 0, 0, true), Movej_CANFD(arm, degrees[2], 1, 0),
+          Movej_CANFD_Block(arm, degrees[0]), Movej_CANFD(arm, kJoints, 1, nan),
+          Movep_Follow(arm, {{0, INFINITY, 0}, {}, {}}), Force_Position_Move_Joint(arm, degrees[0], 1, 0, 2, 1, 0),
+          Force_Position_Move_Joint(arm, degrees[2], 1, 0, 2, 1, 0), Set_Force_Postion_New(arm, force),
+          Joint_Step_Cmd(arm, 1, 20, nan, true)}) {
+        EXPECT_EQ(status, ZK_BAD_ARGUMENT);
+    }
+    EXPECT_EQ(Move_Stop_Cmd_NonBlock(arm), 0);
+    EXPECT_EQ(controller_.next_request(), kStopRequest);
 }
 
 // The controller acknowledges late; the arm moves all the same.

@@ -28,13 +28,17 @@ def test_moves(arm, simulator):
     arm.move_pose(tuple(here), 100)
     assert arm.pose().distance(here) < (1e-4, 2e-3)
     for wrong in (lambda: arm.move_joints(HOME, 0), lambda: arm.move_joints(HOME, 20, blend=101),
+                  lambda: arm.move_joints(HOME, 20.0), lambda: arm.move_joints(HOME, "fast"),
+                  lambda: arm.move_joints(HOME[:5]), lambda: arm.move_pose([1, 2, 3]), lambda: arm.move_pose(None),
                   lambda: arm.stop("gentle"), lambda: arm.move_joints([float("nan")] * 6),
+                  lambda: arm.work_frames.get("a\0b"), lambda: arm.work_frames.get("a long name"),
+                  lambda: arm.move_line(Pose(3000)),
                   lambda: arm.stream_joints([float("inf")] * 6), lambda: arm.stream_joints(HOME, expand=float("nan")),
                   lambda: arm.stream_pose(Pose(float("nan")))):
-        with pytest.raises(zk_base.BadArgument):
+        with pytest.raises(zk_base.BadArgument, match="units"):
             wrong()
-    with pytest.raises(zk_base.Refused):
-        arm.move_line(Pose(5))
+    with pytest.raises(zk_base.Refused, match="units"):
+        arm.move_line(Pose(300))  # millimetres, perhaps
 
 
 @pytest.mark.zk_base(speed=1)
@@ -116,9 +120,9 @@ def test_families(arm, simulator, tmp_path):
     assert arm.tool_frames.current().pose.z == pytest.approx(0.1)
     arm.work_frames.create("table", Pose(0.3, 0, 0.1, rz=0.5))
     assert arm.work_frames.get("table").rz == pytest.approx(0.5, abs=1e-3)
-    arm.gripper.pick(500, 200)
+    arm.gripper.pick()
     assert arm.gripper.state().actpos < 1000
-    arm.gripper.release(500)
+    arm.gripper.release()
     arm.io.set_digital(2, True)
     simulator.world("input", kind="DI", IO_Num=3, value=1)
     assert arm.io.outputs()[0][1] and arm.io.inputs()[0][2]
@@ -161,6 +165,23 @@ def test_callbacks_come_in_a_thread_of_python_and_may_fail(simulator, caplog):
     while not {logging.DEBUG, logging.INFO, logging.ERROR} <= {record.levelno for record in caplog.records}:
         time.sleep(0.01)
     assert "RuntimeError: of the callback" in caplog.text and '"joint"' in caplog.text
+
+
+def test_no_callback_of_the_library_comes_in_the_main_thread(simulator, caplog, monkeypatch):
+    caplog.set_level(logging.DEBUG, "zk_base")
+    threads = set()
+
+    class Queue:
+        def put(self, item):
+            threads.add(threading.current_thread())
+
+    arm = simulator.connect()
+    monkeypatch.setattr(zk_base._events, "_queue", Queue())  # Ctrl-C within a callback of ctypes is lost
+    arm.stream_joints(arm.joints())
+    arm.pause()
+    arm.stop()
+    arm.close()
+    assert len(threads) > 1 and threading.main_thread() not in threads
 
 
 def test_the_simulator_shows_faults_and_refuses_nonsense(arm, simulator):

@@ -53,6 +53,8 @@ def test_values_of_all_kinds_pass():
     lambda: lib.libalgo_get_jointlim_max(np.zeros(8)),
     lambda: lib.libalgo_get_jointlim_max(np.zeros((8, 2), np.float32)[:, 0]),
     lambda: lib.libalgo_get_jointlim_max([0] * 8),
+    lambda: lib.libalgo_get_jointlim_max(np.zeros(7, np.float32)),
+    lambda: lib.libalgo_set_jointlim_max([0] * 7),
     lambda: lib.libalgo_set_jointlim_max("12345678"),
     lambda: lib.ZK_Set_Log(print, None, 1),
     lambda: lib.Set_Hand_Angle_NonBlock(0, np.array([1.7] * 6)),
@@ -61,12 +63,13 @@ def test_values_of_all_kinds_pass():
     lambda: lib.Movej_CANFD_NonBlock(0, np.zeros(6, complex), 0, 0),
     lambda: lib.Movej_CANFD_NonBlock(0, np.ma.masked_array(np.zeros(6), [1] * 6), 0, 0),
     lambda: lib.ZK_Model_Set_Tool(None, np.zeros(1, zk_base.pose_dtype)[["euler", "quaternion", "position"]]),
-], ids=["number too large", "output of another type", "output in pieces", "output to a list", "text", "function",
+], ids=["number too large", "output of another type", "output in pieces", "output to a list", "short output", "short list", "text", "function",
         "fractions for integers", "large integers", "large integers in a list", "complex", "mask",
         "fields in another order"])
 def test_what_c_would_misread_is_refused(call):
-    with pytest.raises(ctypes.ArgumentError):
+    with pytest.raises(zk_base.BadArgument, match="argument [1-4] of the function in C") as caught:
         call()
+    assert caught.value.advice
 
 
 @pytest.mark.parametrize("declaration", [
@@ -117,11 +120,16 @@ def test_commands_take_the_arm_and_return_outputs(arm):
     assert (written[:6] == joints).all()
     with pytest.raises(TypeError, match="5 arguments"):
         arm.c.Movej_Cmd([0] * 6)
-    with pytest.raises(ValueError, match="6 joints"):
-        arm.c.Movej_Cmd([0] * 5, 20, 0, 0, True)
     with pytest.raises(AttributeError):
         arm.c.Movej_Command
-    for wrong in (lambda: arm.c.Set_DO_State(1, Out, True), lambda: arm.c.Set_DO_State(1, 256, True),
-                  lambda: arm.c.Movej_Cmd(Out(6), 20, 0, 0, True), lambda: arm.c.Get_Joint_Degree(np.zeros(6))):
-        with pytest.raises(TypeError, match="Set_DO_State|Movej_Cmd|Get_Joint_Degree"):
+    for wrong in (lambda: arm.c.Set_DO_State(1, Out, True), lambda: arm.c.Movej_Cmd(Out(6), 20, 0, 0, True)):
+        with pytest.raises(TypeError, match="Set_DO_State|Movej_Cmd"):
+            wrong()
+    for wrong in (lambda: arm.c.Set_DO_State(1, 256, True), lambda: arm.c.Movej_Cmd([0] * 5, 20, 0, 0, True),
+                  lambda: arm.c.Get_Joint_Degree(np.zeros(6)),
+                  lambda: arm.c.Get_Joint_Degree(np.zeros(5, np.float32)),
+                  lambda: arm.c.Get_Joint_Degree((ctypes.c_float * 5)()),
+                  lambda: arm.c.Get_Arm_Power_State(np.zeros(0, np.int32)),
+                  lambda: arm.c.Change_Tool_Frame("a\0b", True)):
+        with pytest.raises(zk_base.BadArgument, match="Set_DO_State|Movej_Cmd|Get_Joint_Degree|Power|Frame"):
             wrong()

@@ -94,5 +94,6 @@ def test_poses_compose():
     assert Pose.from_quaternion((1, 2, 3), [getattr(b.quaternion, one) for one in "wxyz"]).distance(
         Pose(1, 2, 3, *tuple(b)[3:])) < (1e-6, 1e-5)
     assert a.moved(z=1).distance(a)[0] == pytest.approx(1, abs=1e-6)
-    with pytest.raises(ValueError):
-        Pose.of([1, 2, 3])
+    assert a == Pose.of(tuple(a)) != b and a != tuple(a)
+    with pytest.raises(TypeError, match="hash"):
+        hash(a)
