@@ -8,7 +8,8 @@
  *     Joints (degrees)    std::string, std::array, std::vector (their data)
  *     Pose                Percent (rounded)        std::chrono durations (whole milliseconds)
  *
- * A pointer gets what the header of the function says: an array or a vector is as long as that, which nobody checks.
+ * The type of a function has no lengths: nothing notices an array, a span or a vector that is shorter than the header
+ * of the function says, and the function reads or writes past its end.
  *
  * A function that returns an int returns its status as a Result<void>. So call directly those whose int is no status: a
  * count, an answer, a kind. Any other function returns what it returns.

@@ -57,7 +57,7 @@ class Busy(Error):
 
 
 class BadArgument(Error, ValueError):
-    """An argument is missing, not finite, or out of its range."""
+    """An argument is missing, of the wrong type or length, not finite, or out of its range."""
 
 
 class NoSolution(Error):
