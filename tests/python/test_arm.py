@@ -1,6 +1,8 @@
 """What people do with an arm daily, against the simulator."""
 import asyncio
+import gc
 import logging
+import os
 import queue
 import threading
 import time
@@ -24,7 +26,9 @@ def test_moves(arm, simulator):
     assert arm.pose().distance(up) < (1e-5, 2e-3)
     arm.move_circle(up.shifted(x=0.02, y=0.02), up.shifted(x=0.04), 100)
     assert arm.pose().x == pytest.approx(up.x + 0.04, abs=1e-4)
-    arm.move_pose(here.moved(z=0.02), 100, joined=True)  # the tool looks down
+    joined = arm.move_pose(here.moved(z=0.02), 100, joined=True)  # the tool looks down
+    with pytest.raises(zk_base.BadArgument, match="joined"):
+        joined.wait()
     arm.move_pose(tuple(here), 100)
     assert arm.pose().distance(here) < (1e-4, 2e-3)
     for wrong in (lambda: arm.move_joints(HOME, 0), lambda: arm.move_joints(HOME, 20, blend=101),
@@ -97,6 +101,12 @@ def test_coroutines_wait_and_a_cancelled_task_stops_only_when_asked(arm, simulat
             arm.wait_idle()
             assert arm.joints()[0] < 100
         ticking.cancel()
+        arm.move_joints([150, *arm.joints()[1:]], 1, wait=False)
+        with pytest.raises(asyncio.CancelledError), arm:
+            raise asyncio.CancelledError
+        while simulator.ask("get_arm_current_trajectory")["type"] != "none":
+            await asyncio.sleep(0.01)
+        assert simulator.ask("get_joint_degree")["joint"][0] < 100_000
 
     asyncio.run(program())
 
@@ -151,7 +161,7 @@ def test_callbacks_come_in_a_thread_of_python_and_may_fail(simulator, caplog):
 
     def watch(arm, state, cause):
         seen.put((state, threading.current_thread().name))
-        raise RuntimeError("of the callback")
+        raise SystemExit("of the callback")
 
     with zk_base.on_connection(watch), simulator.connect() as arm:
         assert seen.get(timeout=10) == ("up", "zk_base callbacks")
@@ -160,11 +170,31 @@ def test_callbacks_come_in_a_thread_of_python_and_may_fail(simulator, caplog):
             assert seen.get(timeout=10).result == 0
         simulator.close()
         assert seen.get(timeout=10)[0] == "lost"
-        with pytest.raises(zk_base.Lost):
-            arm.joints()
+        for call in (arm.joints, lambda: list(arm.states())):
+            with pytest.raises(zk_base.Lost):
+                call()
     while not {logging.DEBUG, logging.INFO, logging.ERROR} <= {record.levelno for record in caplog.records}:
         time.sleep(0.01)
-    assert "RuntimeError: of the callback" in caplog.text and '"joint"' in caplog.text
+    assert "SystemExit: of the callback" in caplog.text and '"joint"' in caplog.text
+
+
+def test_the_last_reference_closes(simulator):
+    gc.disable()  # a cycle of references would keep all 20 connections
+    for _ in range(21):
+        one = simulator.connect()
+        one.gripper, one.io, one.c.ZK_Cancel, one.move_joints(one.joints())
+    gc.enable()
+
+
+def test_a_forked_process_is_refused(arm, simulator):
+    child = os.fork()
+    if child == 0:
+        try:
+            simulator.connect()
+        except RuntimeError:
+            os._exit(0)
+        os._exit(1)
+    assert os.waitpid(child, 0)[1] == 0
 
 
 def test_no_callback_of_the_library_comes_in_the_main_thread(simulator, caplog, monkeypatch):
