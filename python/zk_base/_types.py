@@ -120,7 +120,7 @@ class Pointer:
     def _array(self, array: Any) -> Any:
         flags = array.flags
         if not self._matches(array.dtype) or not flags.c_contiguous:
-            if not self.constant or issubclass(self.element, ctypes.Structure):
+            if not self.constant:
                 raise TypeError(f"a contiguous array of {self.element.__name__} is needed, not one of {array.dtype}")
             import numpy as np
             if not np.can_cast(array.dtype, np.dtype(self.element), "same_kind") or hasattr(array, "mask"):
@@ -141,9 +141,9 @@ class Pointer:
         if dtype is self._last:
             return True
         if issubclass(self.element, ctypes.Structure):
-            names = tuple(name for name, *_ in self.element._fields_)
-            fits = dtype.names == names and dtype.itemsize == ctypes.sizeof(self.element) and all(
-                dtype.fields[name][1] == getattr(self.element, name).offset for name in names)
+            offsets = {name: getattr(self.element, name).offset for name, *_ in self.element._fields_}
+            fits = dtype.itemsize == ctypes.sizeof(self.element) and offsets == {
+                name: field[1] for name, field in (dtype.fields or {}).items()}
         else:
             import numpy as np
             fits = dtype == np.dtype(self.element)

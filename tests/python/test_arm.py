@@ -4,6 +4,7 @@ import gc
 import logging
 import os
 import queue
+import signal
 import threading
 import time
 
@@ -189,6 +190,7 @@ def test_the_last_reference_closes(simulator):
 def test_a_forked_process_is_refused(arm, simulator):
     child = os.fork()
     if child == 0:
+        signal.alarm(20)
         try:
             simulator.connect()
         except RuntimeError:

@@ -43,7 +43,8 @@ def test_values_of_all_kinds_pass():
     assert lib.libalgo_set_robot_and_sensor_type(0, 0) == 0
     assert lib.robot.dof == 6
     limits = np.full(8, 1, np.float64)
-    lib.libalgo_set_jointlim_max(limits)  # an array of another type is copied
+    lib.libalgo_set_jointlim_max(np.zeros((8, 2), np.float32)[:, 0])  # an array in pieces is copied
+    lib.libalgo_set_jointlim_max(limits)  # and one of another type
     lib.libalgo_get_jointlim_max(back := np.zeros(8, np.float32))
     assert (back == 1).all()
 
@@ -62,10 +63,13 @@ def test_values_of_all_kinds_pass():
     lambda: lib.Set_Hand_Angle_NonBlock(0, [2**33] * 6),
     lambda: lib.Movej_CANFD_NonBlock(0, np.zeros(6, complex), 0, 0),
     lambda: lib.Movej_CANFD_NonBlock(0, np.ma.masked_array(np.zeros(6), [1] * 6), 0, 0),
-    lambda: lib.ZK_Model_Set_Tool(None, np.zeros(1, zk_base.pose_dtype)[["euler", "quaternion", "position"]]),
+    lambda: lib.ZK_Model_Set_Tool(None, np.zeros(1, [(name, "f4", 5) for name in ("euler", "position")])),
+    lambda: lib.ZK_Model_Set_Tool(None, np.zeros(40, np.int8)),
+    lambda: lib.ZK_Model_Set_Tool(None, np.zeros(2, {
+        "names": zk_base.pose_dtype.names, "formats": ["3f4", "4f4", "3f4"], "offsets": [0, 12, 28], "itemsize": 44})),
 ], ids=["number too large", "output of another type", "output in pieces", "output to a list", "short output", "short list", "text", "function",
         "fractions for integers", "large integers", "large integers in a list", "complex", "mask",
-        "fields in another order"])
+        "other fields", "bytes for a record", "records with gaps"])
 def test_what_c_would_misread_is_refused(call):
     with pytest.raises(zk_base.BadArgument, match="argument [1-4] of the function in C") as caught:
         call()
