@@ -20,21 +20,34 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples ${PROJECT_SOURCE_DIR}/docs DEST
         COMPONENT development PATTERN CMakeLists.txt EXCLUDE PATTERN reference EXCLUDE)
 install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${ZK_DOC_DIR}/libzk-base-dev COMPONENT development)
 
+# The manual page of a program is what the program says of itself.
+find_program(HELP2MAN help2man)
+function(zk_manual program component summary)
+  if(NOT HELP2MAN OR (CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR))
+    return()
+  endif()
+  set(page ${PROJECT_BINARY_DIR}/${program}.1)
+  add_custom_command(OUTPUT ${page}.gz
+                     COMMAND ${HELP2MAN} --no-info --name ${summary} --output ${page}
+                             "${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${program}>"
+                     COMMAND gzip -9nf ${page}
+                     DEPENDS ${program} VERBATIM)
+  add_custom_target(${program}_manual ALL DEPENDS ${page}.gz)
+  install(FILES ${page}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${component})
+endfunction()
+
 if(ZK_BUILD_SIMULATOR AND NOT ZK_SIMULATOR)
   install(TARGETS zk_simulator RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT simulator)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/simulator/scenarios DESTINATION ${CMAKE_INSTALL_DATADIR}/zk_base
           COMPONENT simulator)
   install(FILES ${PROJECT_SOURCE_DIR}/simulator/README.md ${PROJECT_SOURCE_DIR}/docs/simulator.md
           DESTINATION ${ZK_DOC_DIR}/zk-simulator COMPONENT simulator)
-  find_program(HELP2MAN help2man)
-  if(HELP2MAN AND (CMAKE_CROSSCOMPILING_EMULATOR OR NOT CMAKE_CROSSCOMPILING))
-    add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/zk_simulator.1.gz
-                       COMMAND ${HELP2MAN} --no-info --name "simulated controller of a robot arm"
-                               --output ${PROJECT_BINARY_DIR}/zk_simulator.1
-                               "${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:zk_simulator>"
-                       COMMAND gzip -9nf ${PROJECT_BINARY_DIR}/zk_simulator.1
-                       DEPENDS zk_simulator VERBATIM)
-    add_custom_target(zk_manual ALL DEPENDS ${PROJECT_BINARY_DIR}/zk_simulator.1.gz)
-    install(FILES ${PROJECT_BINARY_DIR}/zk_simulator.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT simulator)
-  endif()
+  zk_manual(zk_simulator simulator "simulated controller of a robot arm")
+endif()
+
+if(TARGET zk)
+  install(TARGETS zk RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/tools/schemas DESTINATION ${CMAKE_INSTALL_DATADIR}/zk_base COMPONENT tools)
+  install(FILES ${PROJECT_SOURCE_DIR}/tools/README.md DESTINATION ${ZK_DOC_DIR}/zk-tools COMPONENT tools)
+  zk_manual(zk tools "look at robot arms, move them, compute on their models")
 endif()

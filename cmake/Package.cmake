@@ -9,12 +9,16 @@ set(CPACK_COMPONENTS_ALL library development simulator)
 if(TARGET zk_python)
   list(APPEND CPACK_COMPONENTS_ALL python)
 endif()
+if(TARGET zk)
+  list(APPEND CPACK_COMPONENTS_ALL tools)
+endif()
 set(CPACK_VERBATIM_VARIABLES ON)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/src)  # the library, which no package has yet
 
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libzk-base1)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
@@ -43,6 +47,14 @@ set(CPACK_COMPONENT_SIMULATOR_DESCRIPTION "simulated controller of a robot arm
 It speaks the protocol of a controller, moves the joints of a simulated arm
 within their limits, and shows faults on demand: for work and for tests
 without an arm.")
+
+set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME zk-tools)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "libzk-base1 (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS zk-simulator)
+set(CPACK_COMPONENT_TOOLS_DESCRIPTION "look at robot arms and move them, from the command line
+zk shows the state of an arm, moves it after checks, computes on its model,
+and serves a page that shows arms as they move.")
 
 set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-zk-base)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
