@@ -7,7 +7,6 @@
 
 #include "support/command_case.h"
 #include "support/parser_case.h"
-#include "support/simulated_arm.h"
 #include "support/wire_protocol.h"
 #include "zk/algorithm.h"
 #include "zk/replies/motion.h"
@@ -268,33 +267,6 @@ TEST_F(SoftLimits, WaitForTheAcknowledgementWithOne) {
     set_shared(m_nOutTime, 30);
     EXPECT_EQ(Auto_Fix_Joint_Over_Soft_Limit(arm_, true), 7);
     EXPECT_EQ(Auto_Fix_Joint_Over_Soft_Limit(arm_, false), 7);
-}
-
-// -------------------------------------------------------------------------------------------------- A simulated arm --
-
-// Limits: set, refused, and read back from the controller and from the model.
-TEST(JointConfigurationOfASimulatedArm, LimitsAreReadBackAsSet) {
-    SimulatedArm arm;
-    const struct {
-        int (*set)(ArmSocket, uint8_t, float, bool);
-        int (*get)(ArmSocket, float*);
-        void (*model)(float*);
-        float good, bad;
-    } limits[] = {{Set_Joint_Speed, Get_Joint_Speed, Algo_Get_Joint_Max_Speed, 90, 181},
-                  {Set_Joint_Acc, Get_Joint_Acc, Algo_Get_Joint_Max_Acc, 300, 0},
-                  {Set_Joint_Min_Pos, Get_Joint_Min_Pos, Algo_Get_Joint_Min_Limit, -100, -131},
-                  {Set_Joint_Max_Pos, Get_Joint_Max_Pos, Algo_Get_Joint_Max_Limit, 100.5f, 131}};
-    float out[6], model[8];
-    for (const auto& limit : limits) {
-        EXPECT_EQ(limit.set(arm, 2, limit.good, true), 0);
-        EXPECT_EQ(limit.set(arm, 2, limit.bad, true), 1);
-        EXPECT_EQ(limit.set(arm, 7, limit.good, true), 1) << "no such joint";
-        EXPECT_EQ(limit.get(arm, out), 0);
-        EXPECT_EQ(out[1], limit.good);
-        limit.model(model);
-        EXPECT_FLOAT_EQ(model[1], limit.good);
-    }
-    EXPECT_EQ(Set_Joint_Min_Pos(arm, 2, 100.5f, true), 1) << "nothing left between them";
 }
 
 }  // namespace
