@@ -8,6 +8,7 @@
 #include "look/look.h"
 #include "move/move.h"
 #include "offline/offline.h"
+#include "recording/recording.h"
 #include "simulate.h"
 
 namespace tool {
@@ -22,6 +23,7 @@ const std::array kGroups{
     Group{"Looking", {add_info, add_state, add_list, add_explain, add_view}},
     Group{"Moving", {add_move, add_home, add_stop}},
     Group{"Computing, without an arm", {add_fk, add_ik}},
+    Group{"Recording", {add_record, add_plot, add_export, add_replay}},
     Group{"Simulating", {add_simulate}},
 };
 

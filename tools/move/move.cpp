@@ -1,7 +1,5 @@
 #include "move/move.h"
 
-#include <unistd.h>
-#include <csignal>
 #include <iostream>
 #include <memory>
 
@@ -13,54 +11,15 @@ namespace {
 
 using namespace zk::literals;
 
-// What the commands that move have in common.
-struct MoveRequest {
-    ArmOption arm;
+struct MotionRequest : MoveRequest {
     std::vector<std::string> numbers;
-    double speed = 20, max_step = 90;
-    bool yes = false, dry_run = false;
-
-    void add_to(CLI::App& command) {
-        arm.add_to(command);
-        command.add_option("-s,--speed", speed, "percent of the limits")
-            ->capture_default_str()
-            ->check(CLI::Range(1, 100));
-        command.add_option("--max-step", max_step, "refuse to turn a joint further than this, in degrees")
-            ->capture_default_str()
-            ->check(CLI::Range(0, 720));
-        command.add_flag("-y,--yes", yes, "do not ask");
-        command.add_flag("--dry-run", dry_run, "check and say what would be done, but do not move");
-    }
 };
 
-bool confirmed() {
-    if (isatty(STDIN_FILENO) == 0)
-        throw Failure(kUsage, "nobody can be asked here: write --yes to move without asking");
-    std::cerr << "Move? [y/N] " << std::flush;
-    std::string answer;
-    std::getline(std::cin, answer);
-    return answer == "y" || answer == "yes";
-}
-
-// Carries a plan out. Ctrl-C stops the arm: the connection was opened with stop_at_exit.
-void carry_out(const zk::Arm& arm, const Plan& plan, const MoveRequest& request) {
-    std::cout << description(plan, zk::percent(request.speed)) << std::flush;
-    if (request.dry_run) return;
-    if (!request.yes && !confirmed()) throw Failure(kFailed, "not moved");
-    const zk::MoveOptions options{zk::percent(request.speed)};
-    const zk::Move move = plan.motion == Motion::kJoints ? arm.move_joints(plan.to, options)
-                          : plan.motion == Motion::kPose ? arm.move_pose(plan.to_pose, options)
-                                                         : arm.move_line(plan.to_pose, options);
-    move.wait().value();
-    std::cout << "arrived\n";
-}
-
-void move(const MoveRequest& request, Motion motion) {
+void move(const MotionRequest& request, Motion motion) {
     // Numbers that no arm can take are refused before a connection is asked for.
     const zk::Pose pose = motion == Motion::kJoints ? zk::Pose() : parse_pose(request.numbers);
     if (motion == Motion::kJoints) parse_joints(request.numbers, request.numbers.size());
-    const zk::ConnectOptions options{5_s, 0, 500_ms, true, true};
-    const zk::Arm arm = request.arm.connect(options);
+    const zk::Arm arm = request.connect();
     const zk::Model model = arm.model().value();
     const zk::Angle step = zk::degrees(request.max_step);
     carry_out(arm,
@@ -71,7 +30,7 @@ void move(const MoveRequest& request, Motion motion) {
 }
 
 void add_motion(CLI::App& zk, const char* name, const char* what, const char* numbers, Motion motion) {
-    const auto request = std::make_shared<MoveRequest>();
+    const auto request = std::make_shared<MotionRequest>();
     CLI::App* command = zk.add_subcommand(name, what);
     request->add_to(*command);
     command->add_option(motion == Motion::kJoints ? "JOINT" : "POSE", request->numbers, numbers)->required();
@@ -94,7 +53,7 @@ void add_home(CLI::App& zk) {
     CLI::App* command = zk.add_subcommand("home", "move all joints to the initial position that the controller keeps");
     request->add_to(*command);
     command->callback([request] {
-        const zk::Arm arm = request->arm.connect({5_s, 0, 500_ms, true, true});
+        const zk::Arm arm = request->connect();
         std::array<float, zk::Joints::kMost> home{};
         arm.call<Get_Arm_Init_Pose>(home).value();
         carry_out(arm,

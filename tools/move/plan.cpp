@@ -1,7 +1,9 @@
 #include "move/plan.h"
 
+#include <unistd.h>
 #include <algorithm>
 #include <cmath>
+#include <iostream>
 #include <sstream>
 
 #include "report.h"
@@ -24,17 +26,6 @@ std::size_t furthest(const zk::Joints& from, const zk::Joints& to) {
         if (abs(to[i] - from[i]) > abs(to[joint] - from[joint])) joint = i;
     }
     return joint;
-}
-
-void check_limits(const zk::Model& model, const zk::Joints& to) {
-    const zk::JointLimits limits = model.joint_limits().value();
-    for (std::size_t i = 0; i < to.size(); ++i) {
-        if (to[i] < limits.min[i] || to[i] > limits.max[i]) {
-            throw Failure(kUsage, "joint " + std::to_string(i + 1) + " would go to " + in_degrees(to[i]) +
-                                      ", beyond its limits of " + in_degrees(limits.min[i]) + " to " +
-                                      in_degrees(limits.max[i]));
-        }
-    }
 }
 
 void check_step(const Plan& plan, zk::Angle max_step) {
@@ -62,7 +53,41 @@ zk::Joints end_of_line(const zk::Model& model, const Plan& plan) {
     return joints->back();
 }
 
+void describe(const Plan& plan, zk::Percent speed) {
+    const std::size_t joint = furthest(plan.from, plan.to);
+    const zk::Length way = (plan.to_pose.position - plan.from_pose.position).norm();
+    print(Json{{"motion", plan.motion == Motion::kLine ? "the tool along a line" : "all joints together"},
+               {"from_deg", json_of(plan.from)},
+               {"to_deg", json_of(plan.to)},
+               {"furthest",
+                "joint " + std::to_string(joint + 1) + " by " + in_degrees(abs(plan.to[joint] - plan.from[joint]))},
+               {"tool_goes_mm", rounded(way.millimetres(), 1)},
+               {"speed_percent", speed.value()}},
+          std::cout);
+    std::cout << std::flush;
+}
+
+bool confirmed() {
+    if (isatty(STDIN_FILENO) == 0)
+        throw Failure(kUsage, "nobody can be asked here: write --yes to move without asking");
+    std::cerr << "Move? [y/N] " << std::flush;
+    std::string answer;
+    std::getline(std::cin, answer);
+    return answer == "y" || answer == "yes";
+}
+
 }  // namespace
+
+void check_limits(const zk::Model& model, const zk::Joints& to) {
+    const zk::JointLimits limits = model.joint_limits().value();
+    for (std::size_t i = 0; i < to.size(); ++i) {
+        if (to[i] < limits.min[i] || to[i] > limits.max[i]) {
+            throw Failure(kUsage, "joint " + std::to_string(i + 1) + " would go to " + in_degrees(to[i]) +
+                                      ", beyond its limits of " + in_degrees(limits.min[i]) + " to " +
+                                      in_degrees(limits.max[i]));
+        }
+    }
+}
 
 Plan plan_joints(const zk::Arm& arm, const zk::Model& model, const zk::Joints& to, zk::Angle max_step) {
     const zk::ArmState now = arm.state().value();
@@ -86,19 +111,29 @@ Plan plan_pose(const zk::Arm& arm, const zk::Model& model, Motion motion, const 
     return plan;
 }
 
-std::string description(const Plan& plan, zk::Percent speed) {
-    std::ostringstream text;
-    const std::size_t joint = furthest(plan.from, plan.to);
-    const zk::Length way = (plan.to_pose.position - plan.from_pose.position).norm();
-    print(Json{{"motion", plan.motion == Motion::kLine ? "the tool along a line" : "all joints together"},
-               {"from_deg", json_of(plan.from)},
-               {"to_deg", json_of(plan.to)},
-               {"furthest",
-                "joint " + std::to_string(joint + 1) + " by " + in_degrees(abs(plan.to[joint] - plan.from[joint]))},
-               {"tool_goes_mm", rounded(way.millimetres(), 1)},
-               {"speed_percent", speed.value()}},
-          text);
-    return text.str();
+void MoveRequest::add_to(CLI::App& command) {
+    arm.add_to(command);
+    command.add_option("-s,--speed", speed, "percent of the limits")->capture_default_str()->check(CLI::Range(1, 100));
+    command.add_option("--max-step", max_step, "refuse to turn a joint further than this, in degrees")
+        ->capture_default_str()
+        ->check(CLI::Range(0, 720));
+    command.add_flag("-y,--yes", yes, "do not ask");
+    command.add_flag("--dry-run", dry_run, "check and say what would be done, but do not move");
+}
+
+zk::Arm MoveRequest::connect() const { return arm.connect({5_s, 0, 500_ms, true, true}); }
+
+bool carry_out(const zk::Arm& arm, const Plan& plan, const MoveRequest& request) {
+    describe(plan, zk::percent(request.speed));
+    if (request.dry_run) return false;
+    if (!request.yes && !confirmed()) throw Failure(kFailed, "not moved");
+    const zk::MoveOptions options{zk::percent(request.speed)};
+    const zk::Move move = plan.motion == Motion::kJoints ? arm.move_joints(plan.to, options)
+                          : plan.motion == Motion::kPose ? arm.move_pose(plan.to_pose, options)
+                                                         : arm.move_line(plan.to_pose, options);
+    move.wait().value();
+    std::cout << "arrived\n";
+    return true;
 }
 
 }  // namespace tool

@@ -1,4 +1,4 @@
-// A motion before it is sent: where it leads, and whether the arm can go there.
+// A motion before it is sent: where it leads, whether the arm can go there, and whether its user agrees.
 #pragma once
 
 #include <string>
@@ -21,7 +21,22 @@ struct Plan {
 Plan plan_joints(const zk::Arm& arm, const zk::Model& model, const zk::Joints& to, zk::Angle max_step);
 Plan plan_pose(const zk::Arm& arm, const zk::Model& model, Motion motion, const zk::Pose& to, zk::Angle max_step);
 
-// What it is about to do, for people.
-std::string description(const Plan& plan, zk::Percent speed);
+// Throws Failure when a joint would be beyond its limits.
+void check_limits(const zk::Model& model, const zk::Joints& to);
+
+// What the commands that move have in common.
+struct MoveRequest {
+    ArmOption arm;
+    double speed = 20, max_step = 90;
+    bool yes = false, dry_run = false;
+
+    void add_to(CLI::App& command);
+    // A connection that stops the arm when the program ends early, by Ctrl-C too.
+    zk::Arm connect() const;
+};
+
+// Says what is about to be done, asks unless the request says not to, moves, and waits for the arrival. Returns false,
+// and moves nothing, for a dry run.
+bool carry_out(const zk::Arm& arm, const Plan& plan, const MoveRequest& request);
 
 }  // namespace tool

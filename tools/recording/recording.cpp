@@ -1,0 +1,110 @@
+#include "recording/recording.h"
+
+#include <unistd.h>
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <memory>
+
+#include "recording/recorder.h"
+
+namespace tool {
+namespace {
+
+std::atomic<bool> is_interrupted{false};
+
+// What was recorded until Ctrl-C is kept.
+void end_by_signals() {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, [](int) { is_interrupted = true; });
+}
+
+struct RecordRequest {
+    ArmOption arm;
+    RecordOptions options;
+    double seconds = 0;
+};
+
+void record_arm(RecordRequest request) {
+    const std::string& path = request.options.path;
+    const bool csv = path.ends_with(".csv");
+    if (!csv && !path.ends_with(".mcap")) throw Failure(kUsage, "'" + path + "' ends neither in .mcap nor in .csv");
+    if (csv && request.options.wire) throw Failure(kUsage, "a table has no room for --wire: record to an .mcap file");
+    request.options.time = std::chrono::milliseconds(static_cast<std::int64_t>(request.seconds * 1000));
+    end_by_signals();
+    const bool terminal = isatty(STDERR_FILENO) != 0;
+    const auto show = [](const RecordSummary& now) {
+        std::cerr << "\r" << now.states << " states in " << static_cast<int>(now.seconds) << " s, " << now.lost
+                  << " missed" << std::flush;
+    };
+    const RecordSummary all = record(request.arm, request.options, is_interrupted,
+                                     terminal ? show : std::function<void(const RecordSummary&)>());
+    if (terminal) std::cerr << '\n';
+    std::cout << path << ": " << all.states << " states, " << all.lost << " missed, " << all.bytes << " bytes\n";
+}
+
+struct ExportRequest {
+    std::string from, to;
+};
+
+void export_csv(const ExportRequest& request) {
+    const Recording recording = load_recording(request.from);
+    std::ofstream file;
+    if (!request.to.empty()) {
+        file.open(request.to);
+        if (!file) throw Failure(kUsage, request.to + " cannot be written");
+    }
+    std::ostream& out = request.to.empty() ? std::cout : file;
+    write_csv_heading(out, recording.states.front().position_deg.size());
+    for (const ArmRecord& state : recording.states) write_csv(out, state, recording.states.front().unix_ns);
+    if (!out.flush()) throw Failure(kFailed, request.to + " cannot be written");
+    if (!recording.is_whole) std::cerr << "zk: " << request.from << " is cut short; what it holds was exported\n";
+}
+
+}  // namespace
+
+Recording load_recording(const std::string& path) {
+    Recording recording;
+    try {
+        recording.is_whole = read_mcap(path, [&](const McapMessage& message) {
+            if (message.type == kArmTopic.type) recording.states.push_back(read_arm_message(message));
+            if (message.type == kLogTopic.type) recording.log.push_back(read_log_message(message));
+        });
+    } catch (const std::out_of_range& error) {
+        throw Failure(kUsage, path + " holds a message that is none of zk record: " + error.what());
+    }
+    if (recording.states.empty()) {
+        throw Failure(kUsage, recording.is_whole ? path + " holds no state of an arm: zk record writes them"
+                                                 : path + " is cut short before its first state");
+    }
+    const std::size_t joints = recording.states.front().position_deg.size();
+    for (const ArmRecord& state : recording.states) {
+        for (const auto& values :
+             {state.position_deg, state.speed_deg_s, state.current_a, state.voltage_v, state.temperature_c}) {
+            if (values.size() != joints || joints > zk::Joints::kMost)
+                throw Failure(kUsage, path + " holds a state with another number of joints");
+        }
+    }
+    return recording;
+}
+
+void add_record(CLI::App& zk) {
+    const auto request = std::make_shared<RecordRequest>();
+    CLI::App* command = zk.add_subcommand("record", "record an arm's states, until Ctrl-C");
+    request->arm.add_to(*command);
+    command->add_option("-o,--output", request->options.path, "a file .mcap or .csv")->required();
+    command->add_option("--seconds", request->seconds, "end after this time")->check(CLI::Range(0.0, 1e6));
+    command->add_flag("--wire", request->options.wire, "every frame of this connection too");
+    command->callback([request] { record_arm(*request); });
+}
+
+void add_export(CLI::App& zk) {
+    const auto request = std::make_shared<ExportRequest>();
+    CLI::App* command = zk.add_subcommand("export", "write the states of a recording as a table");
+    command->add_option("FILE", request->from, "a recording")->required();
+    command->add_option("-o,--output", request->to, "a file .csv; without it, standard output");
+    command->callback([request] { export_csv(*request); });
+}
+
+}  // namespace tool

@@ -1,0 +1,23 @@
+// Commands that record, and that read recordings; and the recording that they read.
+#pragma once
+
+#include "command.h"
+#include "recording/messages.h"
+
+namespace tool {
+
+void add_record(CLI::App& zk);
+void add_plot(CLI::App& zk);
+void add_replay(CLI::App& zk);
+void add_export(CLI::App& zk);
+
+struct Recording {
+    std::vector<ArmRecord> states;
+    std::vector<LogRecord> log;
+    bool is_whole = true;  // false: its recorder was killed, or the file was cut
+};
+
+// Reads an MCAP file of zk record. Throws Failure when it is none, or holds no state.
+Recording load_recording(const std::string& path);
+
+}  // namespace tool
