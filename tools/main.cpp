@@ -22,7 +22,7 @@ struct Group {
 const std::array kGroups{
     Group{"Looking", {add_info, add_state, add_list, add_explain, add_view}},
     Group{"Moving", {add_move, add_home, add_stop}},
-    Group{"Computing, without an arm", {add_fk, add_ik}},
+    Group{"Computing, without an arm", {add_fk, add_ik, add_urdf}},
     Group{"Recording", {add_record, add_plot, add_export, add_replay}},
     Group{"Simulating", {add_simulate}},
 };
