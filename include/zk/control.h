@@ -186,6 +186,18 @@ typedef struct ZK_State {
  */
 ZK_API int ZK_Get_State(ArmSocket arm, ZK_State* state, int32_t max_age_ms);
 
+/* How many records of each arm ZK_Get_State_After can go back: a third of a second at the fastest cycle. */
+#define ZK_STATES_KEPT 64
+
+/*
+ * Copies the record that came after the one with this sequence number, so that a reader sees each of them: 0 at first,
+ * then the sequence of the last one. When that is no longer kept, the oldest that is; the sequence tells the gap. Never
+ * waits.
+ *
+ * Returns 0; ZK_NO_STATE when none has come since; 19 for null; ZK_STALE_HANDLE. Any thread, also in callbacks.
+ */
+ZK_API int ZK_Get_State_After(ArmSocket arm, uint32_t sequence, ZK_State* state);
+
 /* --------------------------------------------------------------------------------------- Looking at a connection -- */
 
 typedef enum ZK_ConnectionState {

@@ -66,6 +66,16 @@ class StateStream {
         return state;
     }
 
+    /* The next state in their order: none is left out while at most ZK_STATES_KEPT of them wait. ZK_NO_STATE when all
+     * were read. */
+    [[nodiscard]] Result<State> next_in_order() {
+        Result<State> state(std::in_place);
+        const int status = ZK_Get_State_After(arm_, last_, &state->record);
+        if (status != ZK_OK) return detail::failure_of<ZK_Get_State_After>(status);
+        last_ = state->record.sequence;
+        return state;
+    }
+
     /* Waits for a state newer than that of the last next(); ZK_TIMEOUT without one in this time. Looks every
      * millisecond. */
     [[nodiscard]] Result<State> next(std::chrono::milliseconds patience = std::chrono::seconds(1)) {

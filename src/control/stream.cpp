@@ -24,6 +24,7 @@
 #include "connection/shared_memory.h"
 #include "connection/slots.h"
 #include "control/dial.h"
+#include "zk/control.h"
 #include "zk/status.h"
 
 namespace zk {
@@ -35,9 +36,9 @@ constexpr int kOffsets = 256;
 constexpr int kStillRecords = 4;
 constexpr float kStillDegrees = 0.002f;
 
-// The last record of one writer, for any number of readers that never wait for it. The writer fills the cells in turn:
-// a reader tries again only when the writer has published kCells - 1 records during its copy.
-class LastRecord {
+// The last records of one writer, for any number of readers that never wait for it. The writer fills the cells in turn:
+// a reader tries again only when the writer has overtaken its copy.
+class LastRecords {
  public:
     void publish(const StreamRecord& record) {
         const uint32_t number = latest_.load(std::memory_order_relaxed) + 1;
@@ -53,19 +54,36 @@ class LastRecord {
         for (;;) {
             const uint32_t number = latest_.load(std::memory_order_acquire);
             if (number == 0) return false;
-            Cell& cell = cells_[number % kCells];
-            if (cell.number.load(std::memory_order_acquire) != number) continue;
-            read_words(&record, &cell.record, sizeof record);
-            if (cell.number.fetch_add(0, std::memory_order_acq_rel) == number) return true;
+            if (copy(number, record)) return true;
+        }
+    }
+
+    // The first one after a sequence number, or the oldest that is kept. False when the last one is not after it.
+    bool copy_after(uint32_t sequence, StreamRecord& record) {
+        for (;;) {
+            const uint32_t number = latest_.load(std::memory_order_acquire);
+            if (number == 0) return false;
+            if (!copy(number, record)) continue;
+            if (record.sequence <= sequence) return false;
+            const uint32_t back = std::min(record.sequence - sequence - 1, kKept - 1);
+            if (back == 0 || copy(number - back, record)) return true;
         }
     }
 
  private:
-    static constexpr uint32_t kCells = 4;
+    // Further cells are written while the kept ones are read.
+    static constexpr uint32_t kKept = ZK_STATES_KEPT, kCells = 2 * kKept;
     struct Cell {
         std::atomic<uint32_t> number{0};
         StreamRecord record{};
     };
+    // False when the cell holds another record by now.
+    bool copy(uint32_t number, StreamRecord& record) {
+        Cell& cell = cells_[number % kCells];
+        if (cell.number.load(std::memory_order_acquire) != number) return false;
+        read_words(&record, &cell.record, sizeof record);
+        return cell.number.fetch_add(0, std::memory_order_acq_rel) == number;
+    }
     std::array<Cell, kCells> cells_;
     std::atomic<uint32_t> latest_{0};
 };
@@ -122,7 +140,7 @@ struct Port {
 std::mutex lock;
 std::array<Stream, ZK_SLOTS> streams;
 std::array<Port, ZK_SLOTS> ports;
-std::array<LastRecord, ZK_SLOTS> published;
+std::array<LastRecords, ZK_SLOTS> published;
 int wake_up = -1;                             // of the thread
 auto& closed = *new std::condition_variable;  // a port; never destroyed: the thread outlives main
 
@@ -320,6 +338,10 @@ void close_stream(ArmSocket handle) {
 
 bool last_record(int slot, ArmSocket handle, StreamRecord& record) {
     return published[static_cast<size_t>(slot)].copy(record) && record.handle == handle;
+}
+
+bool record_after(int slot, ArmSocket handle, uint32_t sequence, StreamRecord& record) {
+    return published[static_cast<size_t>(slot)].copy_after(sequence, record) && record.handle == handle;
 }
 
 StreamCounts stream_counts(ArmSocket handle) {

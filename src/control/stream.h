@@ -28,6 +28,9 @@ void close_stream(ArmSocket handle);
 // Copies the last record; false before the first one of this connection. Never waits for the receiving thread.
 bool last_record(int slot, ArmSocket handle, StreamRecord& record);
 
+// Copies the first kept record after a sequence number of this connection; false when there is none.
+bool record_after(int slot, ArmSocket handle, uint32_t sequence, StreamRecord& record);
+
 struct StreamCounts {
     int64_t datagrams = 0;
     int64_t dropped = 0;  // on the port, of all senders: from no arm of ours, or not readable

@@ -76,6 +76,27 @@ TEST_F(State, IsTheLastRecordWithItsAge) {
     EXPECT_EQ(ZK_Get_State(arm, &state, 0), ZK_STALE_HANDLE);
 }
 
+TEST_F(State, EachRecordIsReadInItsTurn) {
+    const ArmSocket arm = connect();
+    ZK_State state{};
+    EXPECT_EQ(ZK_Get_State_After(arm, 0, &state), ZK_NO_STATE);
+    for (int n = 1; n <= 3; ++n) state_after(arm, port_, datagram_of(1000 * n, 6));
+    for (uint32_t n = 1; n <= 3; ++n) {
+        ASSERT_EQ(ZK_Get_State_After(arm, n - 1, &state), 0);
+        EXPECT_EQ(state.sequence, n);
+        EXPECT_EQ(state.status.joint_position[0], static_cast<float>(n));
+    }
+    EXPECT_EQ(ZK_Get_State_After(arm, 3, &state), ZK_NO_STATE);
+    EXPECT_EQ(ZK_Get_State_After(arm, 1000, &state), ZK_NO_STATE);
+    const uint32_t last = 2 * ZK_STATES_KEPT + 10;
+    for (uint32_t n = 4; n <= last; ++n) state_after(arm, port_, datagram_of(0, 6));
+    ASSERT_EQ(ZK_Get_State_After(arm, 3, &state), 0);
+    EXPECT_EQ(state.sequence, last - ZK_STATES_KEPT + 1) << "the oldest that is kept";
+    EXPECT_EQ(ZK_Get_State_After(arm, 0, nullptr), 19);
+    EXPECT_EQ(ZK_Close(arm), 0);
+    EXPECT_EQ(ZK_Get_State_After(arm, 0, &state), ZK_STALE_HANDLE);
+}
+
 // 127.0.0.2 is no arm of ours.
 void send_from_a_stranger(int port, const std::string& text) {
     const int descriptor = checked(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0), "socket");
@@ -116,6 +137,7 @@ TEST_F(State, StreamsOfOneAddressAreToldApartByTheirPorts) {
     const ArmSocket again = connect();
     ZK_State state;
     EXPECT_EQ(ZK_Get_State(again, &state, 0), ZK_NO_STATE) << "nothing of the last connection of the slot";
+    EXPECT_EQ(ZK_Get_State_After(again, 0, &state), ZK_NO_STATE);
     EXPECT_EQ(state_after(again, port_, datagram_of(6002)).sequence, 1u) << "the port is free again";
 }
 

@@ -1,6 +1,5 @@
 """Recording an arm; and recordings read by others, drawn, and replayed."""
 import csv
-import itertools
 import json
 import math
 import os
@@ -35,8 +34,8 @@ def run(zk_on, tmp_path):
     recorder.send_signal(signal.SIGINT)
     out, _ = recorder.communicate(timeout=60)
     assert recorder.returncode == 0
-    missed = sum(b["sequence"] - a["sequence"] - 1 for a, b in itertools.pairwise(states_of(path)))
-    assert f", {missed} missed" in out
+    numbers = [state["sequence"] for state in states_of(path)]
+    assert f": {len(numbers)} states, {numbers[-1] - numbers[0] + 1 - len(numbers)} missed" in out
     return path
 
 
@@ -102,6 +101,18 @@ def test_files_that_are_no_recording(zk_on, tmp_path):
                             (["record", "-o", "run.csv", "--wire"], "a table has no room")]:
         assert sentence in zk_on(*words, status=2)
     assert "cannot be written" in zk_on("record", "-o", tmp_path / "no" / "run.mcap", "--seconds", 1, status=1)
+
+
+@pytest.mark.zk_base(speed=1)
+def test_an_arm_that_dies(zk_on, simulator, tmp_path):
+    path = tmp_path / "run.mcap"
+    recorder = zk_on.start("record", "-o", path)
+    while not path.exists() or path.stat().st_size < 100_000:
+        assert recorder.poll() is None
+    simulator.close()
+    _, err = recorder.communicate(timeout=60)
+    assert recorder.returncode == 3 and "the arm is lost after" in err
+    assert len(states_of(path)) > 100  # the file is whole
 
 
 @pytest.mark.zk_base(no_push=True)

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <iomanip>
 #include <mutex>
-#include <optional>
+#include <thread>
 #include <utility>
 
 #include "recording/messages.h"
@@ -122,20 +122,24 @@ RecordSummary record(const ArmOption& where, const RecordOptions& options, const
     std::string last_event;  // says why no state comes, where the library knows
     auto next_progress = begin;
     while (!ended && (options.time.count() == 0 || Clock::now() - begin < options.time)) {
-        const zk::Result<zk::State> state = states.next(std::chrono::milliseconds(100));
+        zk::Result<zk::State> state = states.next_in_order();
         for (const LogRecord& line : log.take()) {
             sink->add(line);
             if (!line.is_frame) last_event = line.text;
         }
-        if (state) {
+        for (; state; state = states.next_in_order()) {
             if (last != 0) summary.lost += state->record.sequence - last - 1;
             last = state->record.sequence;
             sink->add(ArmRecord::from(state->record, state->record.host_ns + unix_offset));
             ++summary.states;
-        } else if (state.error().status != ZK_TIMEOUT) {
-            sink->finish();
-            throw Failure(kNoArm, state.error().message());
         }
+        const ZK_ConnectionRecord connection = arm.connection().value();
+        if (connection.state != ZK_CONNECTION_UP) {
+            sink->finish();
+            throw Failure(kNoArm, "the arm is lost after " + std::to_string(summary.states) + " states, which " +
+                                      options.path + " holds: " + connection.cause);
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
         const Clock::time_point now = Clock::now();
         summary.seconds = std::chrono::duration<double>(now - begin).count();
         if (summary.states == 0 && now - begin > std::chrono::seconds(3))
