@@ -133,10 +133,6 @@ class Picture {
     double height_ = 0;
 };
 
-double seconds(const Recording& recording, std::int64_t unix_ns) {
-    return static_cast<double>(unix_ns - recording.states.front().unix_ns) / 1e9;
-}
-
 // One line for each value of a list in the states.
 template <class List>
 Plot over_time(const Recording& recording, const std::string& title, const std::string& unit, List list,
@@ -145,7 +141,7 @@ Plot over_time(const Recording& recording, const std::string& title, const std::
     for (std::size_t i = 0; i < list(recording.states.front()).size(); ++i) {
         Line line;
         for (const ArmRecord& state : recording.states)
-            line.push_back({seconds(recording, state.unix_ns), static_cast<double>(list(state)[i])});
+            line.push_back({recording.seconds(state), static_cast<double>(list(state)[i])});
         plot.lines.emplace_back(name(i), std::move(line));
     }
     return plot;
@@ -163,13 +159,13 @@ Plot path(const Recording& recording, const char* title, std::size_t across, std
 std::vector<Point> marks_of(const Recording& recording) {
     std::vector<Point> marks;
     for (const LogRecord& line : recording.log) {
-        const double at = seconds(recording, line.unix_ns);
+        const double at = static_cast<double>(line.unix_ns - recording.states.front().unix_ns) / 1e9;
         if (!line.is_frame && at > 0) marks.push_back({at, 0});
     }
     for (std::size_t i = 1; i < recording.states.size(); ++i) {
         const ArmRecord &before = recording.states[i - 1], &now = recording.states[i];
         if (before.arm_error != now.arm_error || before.system_error != now.system_error)
-            marks.push_back({seconds(recording, now.unix_ns), 0});
+            marks.push_back({recording.seconds(now), 0});
     }
     return marks;
 }
@@ -179,7 +175,7 @@ void derive_speeds(Recording& recording) {
     auto& states = recording.states;
     for (std::size_t n = 1; n + 1 < states.size(); ++n) {
         const ArmRecord &before = states[n - 1], &after = states[n + 1];
-        const double time = static_cast<double>(after.unix_ns - before.unix_ns) / 1e9;
+        const double time = recording.seconds(after) - recording.seconds(before);
         for (std::size_t i = 0; time > 0 && i < after.position_deg.size(); ++i)
             states[n].speed_deg_s[i] = static_cast<float>((after.position_deg[i] - before.position_deg[i]) / time);
     }

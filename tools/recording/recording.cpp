@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <utility>
 
 #include "recording/recorder.h"
 
@@ -79,7 +80,9 @@ Recording load_recording(const std::string& path) {
                                                  : path + " is cut short before its first state");
     }
     const std::size_t joints = recording.states.front().position_deg.size();
+    std::int64_t last_ms = -1;
     for (const ArmRecord& state : recording.states) {
+        if (std::exchange(last_ms, state.controller_ms) >= state.controller_ms) recording.has_controller_time = false;
         for (const auto& values :
              {state.position_deg, state.speed_deg_s, state.current_a, state.voltage_v, state.temperature_c}) {
             if (values.size() != joints || joints > zk::Joints::kMost)
@@ -87,6 +90,12 @@ Recording load_recording(const std::string& path) {
         }
     }
     return recording;
+}
+
+double Recording::seconds(const ArmRecord& state) const {
+    const ArmRecord& first = states.front();
+    return has_controller_time ? static_cast<double>(state.controller_ms - first.controller_ms) / 1e3
+                               : static_cast<double>(state.unix_ns - first.unix_ns) / 1e9;
 }
 
 void add_record(CLI::App& zk) {

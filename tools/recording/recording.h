@@ -15,6 +15,11 @@ struct Recording {
     std::vector<ArmRecord> states;
     std::vector<LogRecord> log;
     bool is_whole = true;  // false: its recorder was killed, or the file was cut
+    bool has_controller_time = true;
+
+    // When a state was: by the controller's clock if it tells its time, since the network delays one record more than
+    // another.
+    double seconds(const ArmRecord& state) const;
 };
 
 // Reads an MCAP file of zk record. Throws Failure when it is none, or holds no state.

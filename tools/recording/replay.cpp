@@ -22,14 +22,14 @@ constexpr auto kCycle = 10_ms;  // of the set-points
 // A recording as set-points that keep the cycle, between its states where they were recorded less often.
 std::vector<zk::Joints> set_points(const Recording& recording) {
     const auto& states = recording.states;
+    const double cycle = std::chrono::duration<double>(kCycle).count(), end = recording.seconds(states.back());
     std::vector<zk::Joints> points;
     std::size_t next = 0;
-    for (std::int64_t at = states.front().unix_ns; at <= states.back().unix_ns;
-         at += std::chrono::nanoseconds(kCycle).count()) {
-        while (next + 1 < states.size() && states[next].unix_ns < at) ++next;
+    for (double at = 0; at <= end; at = cycle * static_cast<double>(points.size())) {
+        while (next + 1 < states.size() && recording.seconds(states[next]) < at) ++next;
         const ArmRecord &after = states[next], &before = states[next == 0 ? 0 : next - 1];
-        const double span = static_cast<double>(after.unix_ns - before.unix_ns);
-        const double share = span > 0 ? static_cast<double>(at - before.unix_ns) / span : 0;
+        const double from = recording.seconds(before), span = recording.seconds(after) - from;
+        const double share = span > 0 ? (at - from) / span : 0;
         std::vector<double> degree;
         for (std::size_t i = 0; i < after.position_deg.size(); ++i)
             degree.push_back(std::lerp<double>(before.position_deg[i], after.position_deg[i], share));
