@@ -55,10 +55,10 @@ export class Browser {
   }
 
   async close() {
-    const ended = once(this.process, 'exit');
-    this.process.kill();
+    const ended = once(this.process, 'close');
+    this.send('Browser.close').catch(() => {});
     await ended;
-    rmSync(this.profile, {recursive: true, force: true, maxRetries: 5});
+    rmSync(this.profile, {recursive: true, force: true, maxRetries: 20, retryDelay: 50});
   }
 }
 

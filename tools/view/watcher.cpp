@@ -58,8 +58,8 @@ class Errors {
         if (known_ == std::pair<int, int>(arm_error, system_error)) return;
         known_ = {arm_error, system_error};
         Json errors = Json::array();
-        add(errors, "arm", arm_error, arm_error, 0);
-        add(errors, "system", system_error, 0, system_error);
+        add(errors, "the arm", arm_error, arm_error, 0);
+        add(errors, "the system", system_error, 0, system_error);
         feed_.set_fact(arm_, "errors", Json{{"arm", arm_}, {"list", errors}}.dump());
     }
 

@@ -22,24 +22,24 @@ function arc(profile, radius, centre, from, to, steps) {
 // From y = 0 to y = length, with round ends of these radii.
 function capsule(length, first, last) {
   const profile = [];
-  arc(profile, first, 0, -Math.PI / 2, 0, 10);
-  arc(profile, last, length, 0, Math.PI / 2, 10);
-  return new three.LatheGeometry(profile, 40);
+  arc(profile, first, 0, -Math.PI / 2, 0, 6);
+  arc(profile, last, length, 0, Math.PI / 2, 6);
+  return new three.LatheGeometry(profile, 28);
 }
 
 // A cylinder about y with rounded rims.
 function drum(radius, height) {
   const rim = Math.min(radius, height) * 0.16, profile = [new three.Vector2(0, -height / 2)];
   const corner = (y, from) => {
-    for (let i = 0; i <= 6; ++i) {
-      const angle = from + Math.PI / 2 * i / 6;
+    for (let i = 0; i <= 3; ++i) {
+      const angle = from + Math.PI / 2 * i / 3;
       profile.push(new three.Vector2(radius - rim + rim * Math.cos(angle), y + rim * Math.sin(angle)));
     }
   };
   corner(-height / 2 + rim, -Math.PI / 2);
   corner(height / 2 - rim, 0);
   profile.push(new three.Vector2(0, height / 2));
-  return new three.LatheGeometry(profile, 48);
+  return new three.LatheGeometry(profile, 36);
 }
 
 export class Body {
@@ -73,7 +73,7 @@ export class Body {
     // A band where what turns meets what stands.
     const bands = inLine ? [0] : [-0.36, 0.36];
     for (const at of bands) {
-      const band = new three.Mesh(new three.CylinderGeometry(wide * 1.012, wide * 1.012, radius * 0.2, 48, 1, true),
+      const band = new three.Mesh(new three.CylinderGeometry(wide * 1.012, wide * 1.012, radius * 0.2, 36, 1, true),
                                   look.ring(i));
       this.links[i + 1].add(place(band, centre.clone().addScaledVector(axis, at * long), axis));
     }
@@ -105,7 +105,7 @@ export class Body {
 
 export function solidLook() {
   const shell = new three.MeshStandardMaterial({color: '#f1efeb', roughness: 0.42, metalness: 0.02});
-  const joint = new three.MeshStandardMaterial({color: '#41464e', roughness: 0.5, metalness: 0.25});
+  const joint = new three.MeshStandardMaterial({color: '#3d4249', roughness: 0.6, metalness: 0.1});
   const metal = new three.MeshStandardMaterial({color: '#aab0b8', roughness: 0.3, metalness: 0.75});
   const rings = jointColours.map((colour) =>
     new three.MeshStandardMaterial({color: colour, roughness: 0.45, emissive: colour, emissiveIntensity: 0.25}));

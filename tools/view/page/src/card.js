@@ -21,18 +21,32 @@ export class Card {
     this.number = number;
     this.pulse = new Pulse();
     this.link = {state: 'up'};
+    this.facts = {};  // what the picture was told, by method
     this.pill = element('span.pill', {}, '');
     this.rate = element('span.rate');
     this.banner = element('.banner', {role: 'alert', hidden: true});
     this.tools = element('.tools');
-    this.title = element('h2', {}, name);
+    this.title = element('h2', {}, element('a', {}, name));
+    this.name = name;
     this.box = element('.stage', {}, element('canvas'),
       element('header', {}, this.title, this.pill, this.rate, this.tools), this.banner);
     this.panelBox = element('.panel');
     this.plotBox = element('.plots');
     this.root = element('article.card', {}, this.box, this.panelBox, this.plotBox);
-    this.stage = stageIn(this.box);
     this.plotted = 0;
+  }
+
+  // The picture, made when it is first looked at.
+  openStage() {
+    if (this.stage !== undefined || !this.arm?.chain.joints || !this.root.offsetParent) return;
+    this.stage = stageIn(this.box);
+    this.stage?.setArm(this.arm);
+    for (const [method, facts] of Object.entries(this.facts)) this.stage?.[method](facts);
+  }
+
+  tellStage(method, facts) {
+    this.facts[method] = facts;
+    this.stage?.[method](facts);
   }
 
   setArm(facts) {
@@ -44,23 +58,25 @@ export class Card {
     this.panel.setOpen('chain', chain);
     this.plots = new Plots(this.plotBox, facts.jointCount);
     if (chain.joints) this.stage?.setArm(facts);
-    if (chain.name) write(this.title, `${this.title.textContent.split(' · ')[0]} · ${chain.name}`);
+    this.facts = {};
+    if (chain.name) write(this.title.firstChild, `${this.name} · ${chain.name}`);
   }
 
   setFrames(facts) {
     if (facts.unknown || !this.arm) return;
-    this.stage?.setFrames(facts);
+    this.tellStage('setFrames', facts);
     this.panel.setFrames(facts);
   }
   setTarget(facts) {
-    this.stage?.setTarget(facts.joints ?? null);
+    this.tellStage('setTarget', facts.joints ?? null);
     this.panel?.setOpen('target', facts);
   }
   setFences(facts) {
-    this.stage?.setFences(facts);
+    this.tellStage('setFences', facts);
     this.panel?.setOpen('fences', facts);
   }
   setGripper(facts) {
+    this.tellStage('setGripper', facts);
     this.panel?.setGripper(facts);
   }
   setSignals(facts) {
@@ -91,7 +107,7 @@ export class Card {
     }
     if (!this.mark || state.t - this.mark.t > 100) {
       const mark = this.mark, seconds = mark ? (state.t - mark.t) / 1000 : 0;
-      this.speed = state.q.map((angle, i) => (mark && seconds < 1 ? (angle - mark.q[i]) / seconds : 0));
+      this.speed = state.q.map((angle, i) => (mark && seconds < 0.5 ? (angle - mark.q[i]) / seconds : null));
       this.mark = state;
     }
     state.speed = this.speed;
@@ -99,6 +115,7 @@ export class Card {
 
   // Draws what is new. Returns whether it drew.
   draw(now) {
+    this.openStage();
     if (this.fresh && this.panel) {
       this.fresh = false;
       this.stage?.show(this.state);
@@ -110,11 +127,11 @@ export class Card {
       this.plots.draw();
       write(this.rate, this.pulse.rate ? `${Math.round(this.pulse.rate)} states/s` : '');
     }
-    return this.stage?.draw() ?? false;
+    return (this.root.offsetParent && this.stage?.draw()) ?? false;
   }
 
   showDoing() {
-    const moves = this.state.speed.some((speed) => Math.abs(speed) > 0.2);
+    const moves = this.state.speed.some((speed) => Math.abs(speed ?? 0) > 0.2);
     const [text, kind] = Panel.doing(this.state, moves, this.arm.pushesStatus);
     write(this.pill, text);
     this.pill.className = `pill ${kind}`;

@@ -28,8 +28,15 @@ export class Control {
     });
     this.form.hidden = false;
     const given = new URLSearchParams(location.hash.slice(1)).get('token');
-    if (given) history.replaceState(null, '', location.pathname + location.search);
+    if (given) this.hide();
     this.enter(given ?? this.kept());
+  }
+
+  // Takes the token out of the address.
+  hide() {
+    const rest = new URLSearchParams(location.hash.slice(1));
+    rest.delete('token');
+    history.replaceState(null, '', `${location.pathname}#${rest}`);
   }
 
   kept() {

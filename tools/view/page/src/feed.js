@@ -27,9 +27,12 @@ export class Feed {
   }
 }
 
-// Notices when states stop coming: within half a second, or five of their usual intervals when they come slowly.
+// Notices when states stop coming: within half a second, or five of their usual intervals when they come slowly. Time
+// in which this page was too busy to look does not count: states may wait behind its work.
 export class Pulse {
   constructor() {
+    this.looked = 0;
+    this.silent = 0;
     this.interval = 0;
     this.last = 0;
     this.count = 0;
@@ -43,6 +46,7 @@ export class Pulse {
     const now = performance.now();
     if (this.last) this.interval += ((now - this.last) - this.interval) * 0.05;
     this.last = now;
+    this.silent = 0;
     this.offset = Math.min(this.offset, now - state.t);
     this.lag = now - state.t - this.offset;
     ++this.count;
@@ -52,9 +56,11 @@ export class Pulse {
     this.since = now;
   }
 
-  // Milliseconds since the last state, when that is too long; else 0.
-  silence(now = performance.now()) {
-    const silent = now - this.last;
-    return this.last && silent > Math.max(350, 5 * this.interval) ? silent : 0;
+  // Milliseconds since the last state, when that is too long; else 0. To be called every 50 ms.
+  silence() {
+    const now = performance.now();
+    this.silent += Math.min(now - this.looked, 60);
+    this.looked = now;
+    return this.last && this.silent > Math.max(330, 5 * this.interval) ? now - this.last : 0;
   }
 }

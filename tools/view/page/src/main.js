@@ -24,15 +24,25 @@ function welcome({arms, control: mayStop}) {
   say('');
   const known = cards.map(({name}) => name).join();
   if (cards.length && known === arms.join()) return;
-  cards = arms.map((name, i) => Object.assign(new Card(i, name), {name}));
+  cards = arms.map((name, i) => new Card(i, name));
   part('arms').replaceChildren(...cards.map(({root}) => root));
-  part('arms').className = `arms of${Math.min(cards.length, 4)}`;
   write(part('summary'), cards.length === 1 ? '' : `${cards.length} arms`);
   write(part('mode'), mayStop ? 'This view can stop arms, and nothing else.' : 'This view only looks: it never moves an arm.');
   document.title = arms.join(', ');
+  focus();
   if (mayStop) control.open(cards);
   window.zkView = {cards};
 }
+
+// #arm=2 shows the third arm alone, and so does a click on its name; another one shows all again.
+function focus() {
+  const chosen = new URLSearchParams(location.hash.slice(1)).get('arm');
+  const alone = cards.length > 1 && cards[chosen];
+  for (const card of cards) card.root.hidden = alone && card !== alone;
+  part('arms').className = `arms of${alone ? 1 : Math.min(cards.length, 4)}`;
+  cards.forEach(({title, number}) => (title.firstChild.href = alone ? '#' : `#arm=${number}`));
+}
+addEventListener('hashchange', focus);
 
 const to = (method) => (facts) => cards[facts.arm]?.[method](facts);
 

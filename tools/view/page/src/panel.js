@@ -113,7 +113,7 @@ export class Panel {
   writeErrors() {
     const all = [...(this.words ?? []), ...(this.joints ?? [])];
     this.errors.replaceChildren(...all.map(({of, word, text, advice}) => element('article', {},
-      element('strong', {}, `Error ${word} of the ${of}`), element('p', {}, text), element('p.faint', {}, advice))));
+      element('strong', {}, `Error ${word} of ${of}`), element('p', {}, text), element('p.faint', {}, advice))));
   }
 
   setFrames(facts) {
@@ -150,7 +150,7 @@ export class Panel {
     for (const [what, name] of [[fences?.fence, 'fence'], [fences?.wall, 'wall']])
       if (what && !what.known) notes.push(`The size of the ${name} in use: of a ${what.form ?? 'form like this'} the controller reports none.`);
     if (fences?.unknown) notes.push('Fences and walls: the controller does not answer.');
-    notes.push('What the gripper holds: only its opening and force are reported.');
+    notes.push('What the gripper holds: a block as wide as its opening stands for it while it grips with a force.');
     this.notes.replaceChildren(...notes.map((text) => element('li', {}, text)));
   }
 

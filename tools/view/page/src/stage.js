@@ -80,8 +80,8 @@ export class Stage {
     this.sun.castShadow = true;
     this.sun.shadow.mapSize.set(1024, 1024);
     this.sun.shadow.radius = 5;
-    this.sun.shadow.bias = -0.0004;
-    this.sun.shadow.normalBias = 0.01;
+    this.sun.shadow.bias = -0.001;
+    this.sun.shadow.normalBias = 0.03;
     this.rim = new three.DirectionalLight('#cfe0ff', 0.7);
     this.scene.add(this.sun, this.sun.target, this.rim);
   }
@@ -111,6 +111,7 @@ export class Stage {
     this.fences = new Fences();
     this.world.add(this.base, ...Object.values(this.frames), this.tip, this.rod, this.fences.root);
     this.addPath();
+    this.addFingers(reach);
     this.addForce(reach);
     this.addGround(reach, matrixOf(mounting));
     this.scene.add(this.world);
@@ -189,6 +190,32 @@ export class Stage {
     this.moveTo(this.joints);
   }
 
+  // Fingers as far apart as the gripper reports, and between them a block while it holds with a force.
+  setGripper({on, opening, force, mode}) {
+    if (!this.fingers) return;
+    const reach = this.body.reach, width = 0.08 * reach * opening / 1000;
+    this.fingers.root.visible = !!on;
+    const beyond = this.rod.visible ? -0.7 : 1;
+    this.fingers.pair.forEach((finger, i) => finger.position.set((i ? 0.5 : -0.5) * (width + 0.012 * reach), 0,
+                                                                 beyond * 0.03 * reach));
+    this.fingers.held.visible = mode > 0 && force > 0 && opening > 0;
+    this.fingers.held.scale.set(Math.max(width, 1e-4), 0.045 * reach, 0.045 * reach);
+    this.fingers.held.position.z = (beyond < 0 ? 0 : 0.045) * reach;
+    this.stale = true;
+  }
+
+  addFingers(reach) {
+    const metal = solidLook().metal, root = new three.Group();
+    const box = () => new three.Mesh(new three.BoxGeometry(0.012 * reach, 0.03 * reach, 0.06 * reach), metal);
+    const held = new three.Mesh(new three.BoxGeometry(1, 1, 1), new three.MeshStandardMaterial({color: '#d3a000',
+      roughness: 0.6, transparent: true, opacity: 0.75}));
+    this.fingers = {root, pair: [box(), box()], held};
+    root.add(...this.fingers.pair, held);
+    root.matrixAutoUpdate = false;
+    root.visible = false;
+    this.world.add(root);
+  }
+
   setFences(fences) {
     this.fences?.show(fences);
     this.stale = true;
@@ -209,6 +236,7 @@ export class Stage {
     const flange = this.flange = this.base.matrix.clone().multiply(this.chain.flangeAt(joints));
     const tool = flange.clone().multiply(this.toolFrame);
     this.frames.tool.matrix.copy(tool);
+    this.fingers.root.matrix.copy(tool);
     this.tip.position.setFromMatrixPosition(tool);
     const from = new three.Vector3().setFromMatrixPosition(flange), way = this.tip.position.clone().sub(from);
     this.rod.position.copy(from).addScaledVector(way, 0.5);
