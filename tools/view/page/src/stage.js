@@ -159,7 +159,7 @@ export class Stage {
 
   // The camera's place at first: the whole arm in sight, from a little above.
   aim(reach) {
-    const distance = reach * 2.75 / Math.min(1, this.camera.aspect || 1) ** 0.8;
+    const distance = reach * 2.95 / Math.min(1, this.camera.aspect || 1) ** 0.8;
     this.controls.target.set(0, 0, this.middle);
     this.camera.position.set(0.66, -0.72, 0.36).normalize().multiplyScalar(distance).add(this.controls.target);
     this.controls.minDistance = reach * 0.5;

@@ -1,0 +1,247 @@
+// The live view against simulated arms, in headless Chromium: view_test.mjs VIEW SIMULATOR CHROMIUM.
+import assert from 'node:assert/strict';
+import {spawn} from 'node:child_process';
+import {once} from 'node:events';
+import {createConnection} from 'node:net';
+import {mkdtempSync, rmSync, writeFileSync} from 'node:fs';
+import {tmpdir} from 'node:os';
+import {join} from 'node:path';
+import {createInterface} from 'node:readline';
+import {after, test} from 'node:test';
+import {Browser} from './browser.mjs';
+import {pixelsOf} from './png.mjs';
+
+const [view, simulator, chromium] = process.argv.slice(2);
+const scratch = mkdtempSync(join(tmpdir(), 'zk_view_test_'));
+const tools = {tool: '0.02,0.01,0.12,0.3,0.2,0.1', work: '0.1,0.2,0.05,0.1,0.2,0.4', install: '0,20,30'};
+const models = ['ZK65-B', 'ZK75-B', '63-B', 'ORB65-B', '62-B', '72-B', 'ORB63-B'];
+const postures = [[20, 30, -40, 25, 35, 10, 15], [-60, -20, 60, 40, -30, 70, -40], [100, 45, 30, -60, 50, -80, 20]];
+const children = [];
+
+after(async () => {
+  await browser.close();
+  for (const child of children) {
+    if (child.exitCode !== null || child.signalCode !== null) continue;
+    const ended = once(child, 'exit');
+    child.kill('SIGCONT');
+    child.kill();
+    await ended;
+  }
+  rmSync(scratch, {recursive: true});
+});
+
+async function start(program, words) {
+  const child = spawn(program, words, {stdio: ['pipe', 'pipe', 'inherit']});
+  children.push(child);
+  const [line] = await once(createInterface({input: child.stdout}), 'line');
+  return {child, line};
+}
+
+// Simulated arms in one process: {child, ports}.
+async function simulate(arms) {
+  const file = join(scratch, `arms${children.length}.json`);
+  writeFileSync(file, JSON.stringify(arms.map((arm) => ({...arm, port: 0, 'push-port': 0}))));
+  const {child, line} = await start(simulator, ['--arms', file, '--quiet', '--until-eof']);
+  return {child, ports: [...line.matchAll(/ port=(\d+)/g)].map(([, port]) => port)};
+}
+
+// The view: its address and the token.
+async function watch(ports, ...options) {
+  const {child, line} = await start(view, ['--port', '0', ...options, ...ports.map((port) => `127.0.0.1:${port}`)]);
+  const [, url, token] = line.match(/(http:\/\/[^#]+)(?:#token=(.*))?/);
+  return {child, url, token};
+}
+
+async function ask(port, request) {
+  const socket = createConnection(port, '127.0.0.1');
+  const lines = createInterface({input: socket});
+  socket.write(`${JSON.stringify(request)}\r\n`);
+  const [line] = await once(lines, 'line');
+  socket.destroy();
+  return JSON.parse(line);
+}
+
+const moveTo = (port, degrees, v) => ask(port, {command: 'movej', joint: degrees.map((angle) => angle * 1000), v, r: 0,
+                                                trajectory_connect: 0});
+
+// The events of a view, as a page gets them that says how far it has come, or that does not.
+async function* events(url, keepsUp = true) {
+  const abort = new AbortController();
+  const answer = await fetch(`${url}events`, {signal: abort.signal});
+  let text = '', viewer = 0, reported = 0;
+  try {
+    for await (const bytes of answer.body) {
+      const whole = (text + Buffer.from(bytes).toString()).split('\n\n');
+      text = whole.pop();
+      for (const event of whole) {
+        const [, name, id, data] = event.match(/^event: (\w+)\n(?:id: (\d+)\n)?data: (.*)$/) ?? [];
+        if (!name) continue;
+        const made = {name, id: Number(id), ...JSON.parse(data)};
+        if (name === 'welcome') viewer = made.viewer;
+        if (keepsUp && made.id > reported + 20) await see(url, viewer, reported = made.id);
+        yield made;
+      }
+    }
+  } finally {
+    abort.abort();
+  }
+}
+
+const see = (url, viewer, id) => fetch(`${url}seen?viewer=${viewer}&event=${id}`, {method: 'POST'});
+
+async function firstEvent(url, wanted) {
+  for await (const event of events(url)) if (wanted(event)) return event;
+  throw new Error('the events have ended');
+}
+
+const turned = ([w, x, y, z], [a, b, c]) => {
+  const cross = [y * c - z * b, z * a - x * c, x * b - y * a].map((value) => 2 * value);
+  return [a + w * cross[0] + y * cross[2] - z * cross[1], b + w * cross[1] + z * cross[0] - x * cross[2],
+          c + w * cross[2] + x * cross[1] - y * cross[0]];
+};
+
+// Column-major matrices, as WebGL has them.
+const times = (m, [x, y, z, w]) => [0, 1, 2, 3].map((i) => m[i] * x + m[4 + i] * y + m[8 + i] * z + m[12 + i] * w);
+
+// Where the tip of the drawn tool is, as the middle of the pixels of its colour near a place.
+function tipNear({width, height, at}, [x, y], reach) {
+  let sum = [0, 0], count = 0;
+  for (let v = Math.max(0, y - reach | 0); v < Math.min(height, y + reach); ++v) {
+    for (let u = Math.max(0, x - reach | 0); u < Math.min(width, x + reach); ++u) {
+      const [red, green, blue] = at(u, v);
+      if (Math.hypot(red - 0xff, green - 0x2e, blue - 0x88) > 60) continue;
+      sum = [sum[0] + u + 0.5, sum[1] + v + 0.5];
+      ++count;
+    }
+  }
+  return count > 8 ? sum.map((value) => value / count) : null;
+}
+
+const browser = new Browser(chromium);
+
+test('the tool tip is drawn where the stream says', async () => {
+  const {ports} = await simulate(models.map((model) => ({model, ...tools})));
+  const {url} = await watch(ports);
+  const page = await browser.open(`${url}#arm=0`, {width: 900, height: 700});
+  await page.until('window.zkView?.cards.every((card) => card.arm && card.state)');
+  for (const [number, port] of ports.entries()) {
+    const {work, chain} = await firstEvent(url, ({name, arm}) => name === 'arm' && arm === number);
+    await page.value(`location.hash = '#arm=${number}'`);
+    for (const posture of postures) {
+      const degrees = posture.slice(0, chain.joints.length);
+      await moveTo(port, degrees, 100);
+      const there = ({q}) => q.every((angle, i) => Math.abs(angle - degrees[i]) < 2e-3);
+      const state = await firstEvent(url, (event) => event.name === 'state' && event.arm === number && there(event));
+      const card = `zkView.cards[${number}]`;
+      // Sharp, and without the path, which has the colour of the tip.
+      await page.until(`${card}.stage?.path`);
+      await page.value(`${card}.stage.coarsen = () => {}; ${card}.stage.path.line.material.opacity = 0`);
+      await page.until(`${card}.state.n >= ${state.n} && !${card}.fresh && !${card}.stage.stale`);
+      const {camera, box} = await page.value(`(() => {
+        const {camera, box} = ${card}.stage, {x, y, width, height} = box.getBoundingClientRect();
+        const arrays = {world: camera.matrixWorldInverse.elements, projection: camera.projectionMatrix.elements};
+        return {camera: arrays, box: {x, y, width, height}};
+      })()`);
+      const place = turned(work.q, state.p).map((value, i) => value + work.p[i]);
+      const [x, y, , w] = times(camera.projection, times(camera.world, [...place, 1]));
+      const expected = [box.x + (x / w + 1) / 2 * box.width, box.y + (1 - y / w) / 2 * box.height];
+      // What is drawn reaches the screen later, and on a slow machine much later.
+      let drawn = null, isThere = false;
+      for (const end = Date.now() + 30000; !isThere && Date.now() < end;) {
+        drawn = tipNear(pixelsOf(await page.picture()), expected, 60);
+        isThere = !!drawn && Math.hypot(drawn[0] - expected[0], drawn[1] - expected[1]) < 2;
+      }
+      assert.ok(isThere, `${models[number]} at ${degrees}: drawn at ${drawn}, expected at ${expected}`);
+    }
+  }
+  assert.deepEqual(page.complaints, []);
+});
+
+test('a banner says that the states have stopped, and goes when they come again', async () => {
+  const {child, ports} = await simulate([{model: 'ZK65-B'}]);
+  const {url} = await watch(ports);
+  const page = await browser.open(url, {width: 500, height: 900, dark: true});
+  await page.until('window.zkView?.cards[0].state');
+  await page.until('document.querySelector(".banner").hidden');
+  child.kill('SIGSTOP');
+  await page.until('!document.querySelector(".banner").hidden');
+  child.kill('SIGCONT');
+  await page.until('document.querySelector(".banner").hidden');
+  await ask(ports[0], {command: 'zk_sim_fault', arm_err: 4100});
+  await page.until('document.querySelector(".errors").textContent.includes("4100")');
+  child.kill('SIGKILL');
+  await page.until('zkView.cards[0].link.state === "lost" && !document.querySelector(".banner").hidden');
+  assert.deepEqual(page.complaints, []);
+});
+
+test('who knows the token stops a moving arm', async () => {
+  const {ports: [port]} = await simulate([{model: 'ZK65-B'}]);
+  const {url, token} = await watch([port], '--control');
+  const page = await browser.open(url);
+  await page.until('window.zkView?.cards[0].state');
+  await moveTo(port, [170, 0, 0, 0, 0, 0], 4);
+  const moves = 'zkView.cards[0].state.doing === 2';
+  await page.until(moves);
+  const press = 'document.querySelector(".stop").click()';
+  await page.value(press);
+  const stop = (given) => fetch(`${url}stop?arm=0`, {method: 'POST', headers: {'X-Token': given}});
+  for (const wrong of ['', token.slice(1), `${token}a`]) assert.equal((await stop(wrong)).status, 403);
+  await page.value('zkView.cards[0].state = {...zkView.cards[0].state, doing: -1}');
+  await page.until(moves);  // it goes on
+  await page.value(`document.querySelector('.control input').value = '${token}';
+                    document.querySelector('.control button').click()`);
+  await page.until('!document.querySelector(".stop").disabled');
+  await page.value(press);
+  await page.until('zkView.cards[0].state.doing === 0');
+  assert.ok(await page.value('zkView.cards[0].state.q[0] < 160'));
+});
+
+test('a view without control stops nothing, and answers to this machine alone', async () => {
+  const {ports} = await simulate([{model: '62-B'}]);
+  const {url, token} = await watch(ports);
+  assert.equal(token, undefined);
+  assert.equal((await fetch(`${url}stop?arm=0`, {method: 'POST', headers: {'X-Token': ''}})).status, 403);
+  const socket = createConnection(new URL(url).port, '127.0.0.1');
+  socket.write('GET / HTTP/1.1\r\nHost: elsewhere.example\r\nConnection: close\r\n\r\n');
+  const [line] = await once(createInterface({input: socket}), 'line');
+  assert.match(line, /403/);
+});
+
+test('a viewer that does not keep up misses states', async () => {
+  const {ports} = await simulate([{model: 'ZK65-B'}]);
+  const {url} = await watch(ports);
+  const slow = events(url, false);
+  const next = async (wanted) => {
+    for (;;) {
+      const {value} = await slow.next();
+      if (wanted(value)) return value;
+    }
+  };
+  const {viewer} = await next(({name}) => name === 'welcome');
+  const first = await next(({name}) => name === 'state');
+  await firstEvent(url, ({name, n}) => name === 'state' && n > first.n + 400);
+  await see(url, viewer, 1e9);
+  const kept = [first];
+  while (kept.at(-1).n < first.n + 400) kept.push(await next(({name}) => name === 'state'));
+  assert.ok(kept.length < 200, `${kept.length} states were kept`);
+  await slow.return();
+});
+
+test('a sixth page is refused, so that a browser keeps a connection for the stop', async () => {
+  const {ports} = await simulate([{model: 'ZK65-B'}]);
+  const {url} = await watch(ports);
+  const open = [];
+  for (let i = 0; i < 5; ++i) {
+    open.push(events(url));
+    await open[i].next();
+  }
+  assert.equal((await fetch(`${url}events`)).status, 503);
+  await Promise.all(open.map((stream) => stream.return()));
+});
+
+test('an arm that does not answer ends the view at the start', async () => {
+  const child = spawn(view, ['--port', '0', '127.0.0.1:1'], {stdio: ['ignore', 'ignore', 'pipe']});
+  const [[text], [status]] = await Promise.all([once(child.stderr, 'data'), once(child, 'exit')]);
+  assert.equal(status, 1);
+  assert.match(String(text), /127\.0\.0\.1:1: /);
+});
