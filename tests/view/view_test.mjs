@@ -136,7 +136,7 @@ test('the tool tip is drawn where the stream says', async () => {
       // Sharp, and without the path, which has the colour of the tip.
       await page.until(`${card}.stage?.path`);
       await page.value(`${card}.stage.coarsen = () => {}; ${card}.stage.path.line.material.opacity = 0`);
-      await page.until(`${card}.state.n >= ${state.n} && !${card}.fresh && !${card}.stage.stale`);
+      await page.until(`${card}.drawn >= ${state.n}`);
       const {camera, box} = await page.value(`(() => {
         const {camera, box} = ${card}.stage, {x, y, width, height} = box.getBoundingClientRect();
         const arrays = {world: camera.matrixWorldInverse.elements, projection: camera.projectionMatrix.elements};

@@ -127,7 +127,9 @@ export class Card {
       this.plots.draw();
       write(this.rate, this.pulse.rate ? `${Math.round(this.pulse.rate)} states/s` : '');
     }
-    return (this.root.offsetParent && this.stage?.draw()) ?? false;
+    const drew = !!this.root.offsetParent && !!this.stage?.draw();
+    if (this.state && this.stage?.chain && !this.stage.stale) this.drawn = this.state.n;
+    return drew;
   }
 
   showDoing() {

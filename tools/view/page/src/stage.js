@@ -238,6 +238,7 @@ export class Stage {
     this.frames.tool.matrix.copy(tool);
     this.fingers.root.matrix.copy(tool);
     this.tip.position.setFromMatrixPosition(tool);
+    this.drawnForce = null;
     const from = new three.Vector3().setFromMatrixPosition(flange), way = this.tip.position.clone().sub(from);
     this.rod.position.copy(from).addScaledVector(way, 0.5);
     this.rod.scale.set(this.body.tipRadius * 0.5, Math.max(way.length(), 1e-6), this.body.tipRadius * 0.5);
@@ -248,7 +249,7 @@ export class Stage {
   // Draws the arm as this state of the stream says.
   show(state) {
     if (!this.chain) return;
-    this.moveTo(state.q);
+    if (state.q.some((angle, i) => angle !== this.joints[i])) this.moveTo(state.q);
     this.follow(state.t);
     this.showForce(state);
   }
@@ -279,6 +280,9 @@ export class Stage {
   // An arrow for the force, without the tool's weight: 10 N are a tenth of the arm's reach.
   showForce({zeroForce, forceFrame}) {
     const force = new three.Vector3(...zeroForce.slice(0, 3)), newtons = force.length();
+    if (this.drawnForce && force.distanceTo(this.drawnForce) < 0.25) return;
+    this.drawnForce = force.clone();
+    this.stale = true;
     this.force.visible = newtons > 1;
     if (!this.force.visible) return;
     const axes = [this.flange, this.workFrame, this.frames.tool.matrix][forceFrame] ?? this.flange;
