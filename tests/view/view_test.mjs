@@ -136,10 +136,10 @@ async function checkTip(page, url, number, degrees) {
   const {work} = await firstEvent(url, ({name, arm}) => name === 'arm' && arm === number);
   const state = await firstEvent(url, reached);
   await page.value(`location.hash = '#arm=${number}'`);
-  // Sharp, and without the path, which has the colour of the tip.
+  // Sharp, the tip large enough for its pixels to be counted, and without the path, which has its colour.
   await page.until(`${card}.stage?.path`);
   await page.value(`${card}.stage.coarsen = () => {}; ${card}.stage.path.line.material.opacity = 0;
-                    ${card}.stage.sun.castShadow = false`);
+                    ${card}.stage.sun.castShadow = false; ${card}.stage.tip.scale.setScalar(2)`);
   await page.until(`${card}.drawn >= ${state.n}`);
   const place = turned(work.q, state.p).map((value, i) => value + work.p[i]);
   const expected = await projected(page, card, place);
