@@ -105,7 +105,7 @@ std::string Server::welcome(Number viewer) const {
     Json arms = Json::array();
     for (const auto& watcher : watchers_) arms.push_back(watcher->name());
     const Json welcome{{"viewer", viewer}, {"arms", arms}, {"control", !token_.empty()}};
-    return "event: welcome\ndata: " + welcome.dump() + "\n\n";
+    return "event: welcome\ndata: " + welcome.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n\n";
 }
 
 void Server::stream(httplib::Response& response) {

@@ -63,15 +63,23 @@ export class Control {
     for (const {button} of this.buttons) button.disabled = false;
   }
 
+  // A view that was started again has another token.
+  forget() {
+    this.token = '';
+    this.form.hidden = false;
+    for (const {button} of this.buttons) button.disabled = true;
+  }
+
   async stop(number) {
     const answer = await this.post(`stop?arm=${number}`, this.token);
     this.say(answer.ok ? '' : `The stop did not reach the arm: ${answer.text}`);
+    if (answer.refused) this.forget();
   }
 
   async post(path, token) {
     try {
       const answer = await fetch(path, {method: 'POST', headers: {'X-Token': token}});
-      return await answer.json();
+      return {...await answer.json(), refused: answer.status === 403};
     } catch {
       return {ok: false, text: 'the view does not answer.'};
     }

@@ -117,6 +117,7 @@ export class Stage {
     this.scene.add(this.world);
     this.joints = new Array(chain.joints.length).fill(0);
     this.setFrames({tool, work});
+    this.world.visible = false;  // until a state says where the arm is
     this.aim(reach);
   }
 
@@ -249,6 +250,7 @@ export class Stage {
   // Draws the arm as this state of the stream says.
   show(state) {
     if (!this.chain) return;
+    if (!this.world.visible) this.world.visible = this.stale = true;
     if (state.q.some((angle, i) => angle !== this.joints[i])) this.moveTo(state.q);
     this.follow(state.t);
     this.showForce(state);
@@ -337,7 +339,7 @@ export class Stage {
     for (const [name, frame] of Object.entries(this.frames)) {
       const label = this.labels.get(name) ?? this.addLabel(name);
       const [x, y, depth] = this.pixelOf(new three.Vector3().setFromMatrixPosition(frame.matrix).toArray());
-      label.hidden = !frame.visible || depth > 1;
+      label.hidden = !this.world.visible || !frame.visible || depth > 1;
       label.style.transform = `translate(${Math.round(x + 9)}px, ${Math.round(y + 7)}px)`;
     }
   }
