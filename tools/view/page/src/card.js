@@ -38,7 +38,7 @@ export class Card {
 
   // The picture, made when it is first looked at.
   openStage() {
-    if (this.stage !== undefined || !this.arm?.chain.joints || !this.root.offsetParent) return;
+    if (this.stage !== undefined || !this.arm?.chain.joints) return;
     this.stage = stageIn(this.box);
     this.stage?.setArm(this.arm);
     for (const [method, facts] of Object.entries(this.facts)) this.stage?.[method](facts);
@@ -115,6 +115,7 @@ export class Card {
 
   // Draws what is new. Returns whether it drew.
   draw(now) {
+    if (!this.root.offsetParent) return false;
     this.openStage();
     if (this.fresh && this.panel) {
       this.fresh = false;
@@ -127,7 +128,7 @@ export class Card {
       this.plots.draw();
       write(this.rate, this.pulse.rate ? `${Math.round(this.pulse.rate)} states/s` : '');
     }
-    const drew = !!this.root.offsetParent && !!this.stage?.draw();
+    const drew = !!this.stage?.draw();
     if (this.state && this.stage?.chain && !this.stage.stale) this.drawn = this.state.n;
     return drew;
   }
