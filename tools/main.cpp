@@ -8,6 +8,7 @@
 #include "look/look.h"
 #include "move/move.h"
 #include "offline/offline.h"
+#include "programs/programs.h"
 #include "recording/recording.h"
 #include "simulate.h"
 
@@ -22,7 +23,8 @@ struct Group {
 const std::array kGroups{
     Group{"Looking", {add_info, add_state, add_list, add_explain, add_view}},
     Group{"Moving", {add_move, add_home, add_stop}},
-    Group{"Computing, without an arm", {add_fk, add_ik, add_urdf}},
+    Group{"Computing, without an arm", {add_fk, add_ik, add_urdf, add_map}},
+    Group{"Programs", {add_check, add_send, add_run, add_waypoints}},
     Group{"Recording", {add_record, add_plot, add_export, add_replay}},
     Group{"Simulating", {add_simulate}},
 };

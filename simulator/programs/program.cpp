@@ -64,10 +64,14 @@ int first_wrong_line(const std::vector<std::string>& lines) {
         if (is_blank(lines[i])) continue;
         const std::optional<Json> line = Json::parse(lines[i], true);
         bool good = line && line->is_object();
-        if (good && line->contains("command")) good = is_motion(*line);
-        if (good && line->contains("command")) joined_line = is_joined(*line) ? static_cast<int>(i) + 1 : 0;
-        if (good && line->contains("loop")) good = is_loop(*line), ++open_loops;
-        if (good && line->contains("end_loop")) good = --open_loops >= 0;
+        if (good && line->contains("command")) {  // "loop" of a circle is its number of turns
+            good = is_motion(*line);
+            if (good) joined_line = is_joined(*line) ? static_cast<int>(i) + 1 : 0;
+        } else if (good && line->contains("loop")) {
+            good = is_loop(*line), ++open_loops;
+        } else if (good && line->contains("end_loop")) {
+            good = --open_loops >= 0;
+        }
         if (!good) return static_cast<int>(i) + 1;
     }
     return open_loops == 0 ? joined_line : static_cast<int>(lines.size());
@@ -136,7 +140,12 @@ void Programs::step() {
         }
         const std::string& text = run.program.lines[run.line++];
         const Json line = is_blank(text) ? Json::object() : *Json::parse(text);
-        if (line.contains("loop")) {
+        if (line.contains("command")) {
+            Json order = line;
+            complete(order, run.speed);
+            run.held = run.step_mode;
+            run.orders->send(dispatcher_, order, run.orders);
+        } else if (line.contains("loop")) {
             run.loops.push_back({run.line, static_cast<int>(line.at("loop").integer()), 1});
         } else if (line.contains("end_loop")) {
             Loop& loop = run.loops.back();
@@ -144,11 +153,6 @@ void Programs::step() {
                 run.line = loop.start;
             else
                 run.loops.pop_back();
-        } else if (line.contains("command")) {
-            Json order = line;
-            complete(order, run.speed);
-            run.held = run.step_mode;
-            run.orders->send(dispatcher_, order, run.orders);
         }
     }
 }

@@ -1,6 +1,7 @@
 """Robot descriptions and pictures of a model."""
 import math
 import random
+import re
 import subprocess
 import xml.etree.ElementTree as ElementTree
 
@@ -58,3 +59,25 @@ def test_robot_description(zk, tmp_path, name):
     limits = [joint.find("limit") for joint in robot.findall("joint[@type='revolute']")]
     assert [numbers(limit, "upper")[0] for limit in limits] == pytest.approx([math.radians(angle) for angle in high])
     assert all(numbers(limit, "velocity")[0] > 1 for limit in limits)
+
+
+def test_map(zk, tmp_path):
+    path = tmp_path / "reach.svg"
+    report = dict(line.split()[:2] for line in zk("map", "-m", "ZK65-B", "-o", path, "--poses", 300_000).splitlines())
+    assert float(report["reach"]) == pytest.approx(0.256 + 0.21 + 0.144, abs=2e-3)  # the stretched arm
+    assert float(report["highest"]) == pytest.approx(0.2405 + 0.256 + 0.21 + 0.144, abs=2e-3)
+    half_plane, plane = ElementTree.parse(path).getroot().findall("{*}g")
+    for picture, width in (half_plane, 120), (plane, 240):
+        cells = [(int(x) + length, int(y)) for run in picture.findall("{*}g/{*}path") for x, y, length in
+                 ((x, y, int(n)) for x, y, n in re.findall(r"M(\d+) (\d+)h(\d+)", run.get("d")))]
+        right = max(x for x, _ in cells) - (0 if width == 120 else 120)
+        assert 0.59 < right * 1.8 / 240 < 0.63  # from -0.9 to 0.9 m
+
+
+@pytest.mark.parametrize("words, sentence", [
+    (["urdf", "-m", "ZK66"], "no arm is called 'ZK66'"),
+    (["map", "-m", "ZK65-B", "-o", "reach.gif"], "does not end in .svg"),
+    (["map", "-m", "ZK65-B", "-o", "/nowhere/reach.svg"], "cannot be written"),
+])
+def test_refuses(zk, words, sentence):
+    assert sentence in zk(*words, status=2)

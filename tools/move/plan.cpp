@@ -67,15 +67,6 @@ void describe(const Plan& plan, zk::Percent speed) {
     std::cout << std::flush;
 }
 
-bool confirmed() {
-    if (isatty(STDIN_FILENO) == 0)
-        throw Failure(kUsage, "nobody can be asked here: write --yes to move without asking");
-    std::cerr << "Move? [y/N] " << std::flush;
-    std::string answer;
-    std::getline(std::cin, answer);
-    return answer == "y" || answer == "yes";
-}
-
 }  // namespace
 
 void check_limits(const zk::Model& model, const zk::Joints& to) {
@@ -121,7 +112,16 @@ void MoveRequest::add_to(CLI::App& command) {
     command.add_flag("--dry-run", dry_run, "check and say what would be done, but do not move");
 }
 
-zk::Arm MoveRequest::connect() const { return arm.connect({5_s, 0, 500_ms, true, true}); }
+zk::Arm connect_to_move(const ArmOption& arm) { return arm.connect({5_s, 0, 500_ms, true, true}); }
+
+bool confirmed() {
+    if (isatty(STDIN_FILENO) == 0)
+        throw Failure(kUsage, "nobody can be asked here: write --yes to move without asking");
+    std::cerr << "Move? [y/N] " << std::flush;
+    std::string answer;
+    std::getline(std::cin, answer);
+    return answer == "y" || answer == "yes";
+}
 
 bool carry_out(const zk::Arm& arm, const Plan& plan, const MoveRequest& request) {
     describe(plan, zk::percent(request.speed));

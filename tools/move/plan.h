@@ -24,6 +24,12 @@ Plan plan_pose(const zk::Arm& arm, const zk::Model& model, Motion motion, const 
 // Throws Failure when a joint would be beyond its limits.
 void check_limits(const zk::Model& model, const zk::Joints& to);
 
+// A connection that stops the arm when the program ends early, by Ctrl-C too.
+zk::Arm connect_to_move(const ArmOption& arm);
+
+// Asks the user. Throws Failure when there is no terminal to ask on.
+bool confirmed();
+
 // What the commands that move have in common.
 struct MoveRequest {
     ArmOption arm;
@@ -31,8 +37,7 @@ struct MoveRequest {
     bool yes = false, dry_run = false;
 
     void add_to(CLI::App& command);
-    // A connection that stops the arm when the program ends early, by Ctrl-C too.
-    zk::Arm connect() const;
+    zk::Arm connect() const { return connect_to_move(arm); }
 };
 
 // Says what is about to be done, asks unless the request says not to, moves, and waits for the arrival. Returns false,

@@ -8,5 +8,6 @@ namespace tool {
 void add_fk(CLI::App& zk);
 void add_ik(CLI::App& zk);
 void add_urdf(CLI::App& zk);
+void add_map(CLI::App& zk);
 
 }  // namespace tool
