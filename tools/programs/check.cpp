@@ -50,8 +50,9 @@ void add_check(CLI::App& zk) {
                 ->check(CLI::Range(1, 100));
             command.add_option("PROGRAM", request->path, "a file with one JSON object a line")->required();
             command.footer(
-                "Splines are checked along straight lines. Times are between rests, at the limits of the joints and "
-                "those of the tool in a new controller: 250 mm/s, 600 mrad/s.");
+                "Splines are checked along straight lines. Times are estimates, between rests: of the joints' limits, "
+                "and "
+                "those of the tool in a new controller: 250 mm/s, 600 mrad/s. Fast paths of the tool take longer.");
         });
 }
 
