@@ -62,6 +62,10 @@ int run(int argc, char** argv) {
         return kDone;
     } catch (const CLI::RuntimeError& end) {
         return end.get_exit_code();
+    } catch (const CLI::RequiredError& error) {
+        if (argc < 2 || !zk.get_subcommands().empty()) return zk.exit(error), kUsage;
+        std::cerr << "zk: there is no command '" << argv[1] << "': see zk --help\n";
+        return kUsage;
     } catch (const CLI::ParseError& error) {
         return zk.exit(error) == 0 ? kDone : kUsage;
     } catch (const Failure& failure) {

@@ -64,7 +64,7 @@ class LastRecords {
             const uint32_t number = latest_.load(std::memory_order_acquire);
             if (number == 0) return false;
             if (!copy(number, record)) continue;
-            if (record.sequence <= sequence) return false;
+            if (static_cast<int32_t>(record.sequence - sequence) <= 0) return false;  // the count wraps
             const uint32_t back = std::min(record.sequence - sequence - 1, kKept - 1);
             if (back == 0 || copy(number - back, record)) return true;
         }

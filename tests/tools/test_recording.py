@@ -76,6 +76,8 @@ def test_what_becomes_of_a_recording(run, zk_on, arm, tmp_path):
     assert arm.joints() == pytest.approx(recorded[-1], abs=0.1)
 
     whole = run.read_bytes()
+    run.write_bytes(whole[:50_000] + bytes([whole[50_000] ^ 1]) + whole[50_001:])
+    assert "is damaged" in zk_on("replay", run, "-y", status=2)
     run.write_bytes(whole[:-len(whole) // 3])  # as a recorder leaves it that was killed
     assert "is cut short: nothing is moved" in zk_on("replay", run, "-y", status=2)
 
@@ -117,4 +119,6 @@ def test_an_arm_that_dies(zk_on, simulator, tmp_path):
 
 @pytest.mark.zk_base(no_push=True)
 def test_an_arm_that_pushes_nothing(zk_on, tmp_path):
-    assert "no state comes from the controller" in zk_on("record", "-o", tmp_path / "run.csv", status=1)
+    for seconds in (0.1, 0):
+        assert "no state came from the controller" in zk_on("record", "-o", tmp_path / "run.csv", "--seconds", seconds,
+                                                            status=1)

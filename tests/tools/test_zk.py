@@ -44,6 +44,7 @@ def test_computes(zk, arm):
 def test_explains(zk):
     assert zk.json("explain", -12) == zk.json("explain", "ZK_LOST") == zk.json("explain", "lost")
     assert [error["of"] for error in zk.json("explain", "0x1001")["errors"]] == ["arm", "system"]
+    assert zk.json("explain", 4097) == zk.json("explain", "0x1001")
 
 
 @pytest.mark.zk_base(joints="0,20,70,0,90,0", speed="max")
@@ -87,6 +88,7 @@ def test_ctrl_c_and_stop_end_a_move(zk_on, arm):
     (["ik", "-m", "ZK65-B", "nan", 0, 0, 0, 0, 0], 2, "'nan' is no length"),
     (["explain", "nothing"], 2, "'nothing' is no status"),
     (["explain", "0x12345"], 2, "no error word"),
+    (["bogus"], 2, "no command 'bogus'"),
 ])
 def test_refuses_before_anything_is_sent(zk, words, status, sentence):
     assert sentence in zk(*words, status=status)

@@ -42,12 +42,16 @@ const char* name_of(ZK_GoOn go_on) {
 }
 
 Json explain(const std::string& code) {
-    if (code.starts_with("0x") || code.starts_with("0X")) {
-        const auto word = number_in<std::uint16_t>(std::string_view(code).substr(2), 16);
-        if (!word) throw Failure(kUsage, "'" + code + "' is no error word such as 0x1001");
-        return {{"word", hexadecimal(*word)}, {"errors", json_of_errors(*word, *word)}};
+    const bool hexadecimal_code = code.starts_with("0x") || code.starts_with("0X");
+    const auto number =
+        hexadecimal_code ? number_in<int>(std::string_view(code).substr(2), 16) : number_in<int>(code, 10);
+    constexpr int kLargestStatus = 255;
+    if (hexadecimal_code || number.value_or(0) > kLargestStatus) {
+        if (number.value_or(-1) < 0 || *number > 0xffff)
+            throw Failure(kUsage, "'" + code + "' is no error word such as 0x1001");
+        const auto word = static_cast<std::uint16_t>(*number);
+        return {{"word", hexadecimal(word)}, {"errors", json_of_errors(word, word)}};
     }
-    const auto number = number_in<int>(code, 10);
     const auto status = number ? number : status_called(code);
     ZK_Advice advice{};
     if (!status || ZK_Explain(*status, 0, 0, &advice) != ZK_OK) {

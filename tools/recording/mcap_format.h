@@ -1,6 +1,7 @@
 // The bytes of an MCAP file: records of an opcode, a length and a content, whose numbers are little endian.
 #pragma once
 
+#include <zlib.h>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -40,5 +41,11 @@ struct Bytes {
     }
     std::string text;
 };
+
+// CRC-32, as the format asks for.
+inline std::uint32_t checksum_of(std::string_view bytes) {
+    return static_cast<std::uint32_t>(
+        crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size())));
+}
 
 }  // namespace tool

@@ -86,12 +86,15 @@ class Reader {
 
     void read_chunk(Content& content) {
         for (int i = 0; i < 3; ++i) content.number<std::uint64_t>();
-        content.number<std::uint32_t>();
+        const auto checksum = content.number<std::uint32_t>();
         if (!content.blob().empty())
             throw Failure(
                 kUsage,
                 path_ + " is compressed: write it again without compression (mcap compress --compression none)");
-        Content records(content.blob<std::uint64_t>());
+        const std::string_view bytes = content.blob<std::uint64_t>();
+        if (checksum != 0 && checksum != checksum_of(bytes))
+            throw Failure(kUsage, path_ + " is damaged: a checksum is wrong");
+        Content records(bytes);
         while (!records.empty()) {
             const auto opcode = records.number<Opcode>();
             read(opcode, Content(records.blob<std::uint64_t>()));

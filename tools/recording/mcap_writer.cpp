@@ -87,8 +87,8 @@ void McapWriter::end_chunk() {
                                    .number(chunk.first_ns)
                                    .number(chunk.last_ns)
                                    .number(size)
-                                   .number(std::uint32_t{0})  // no checksum
-                                   .blob("")                  // no compression
+                                   .number(checksum_of(chunk.records))
+                                   .blob("")  // no compression
                                    .blob<std::uint64_t>(chunk.records)
                                    .text));
     const std::uint64_t length = position_ - begin;

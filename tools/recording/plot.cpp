@@ -186,6 +186,7 @@ struct PlotRequest {
 };
 
 void plot(const PlotRequest& request) {
+    if (!request.to.ends_with(".svg")) throw Failure(kUsage, "'" + request.to + "' does not end in .svg");
     Recording recording = load_recording(request.from);
     derive_speeds(recording);
     const std::vector<Point> marks = marks_of(recording);

@@ -13,6 +13,7 @@ namespace tool {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+constexpr auto kLongestSilence = std::chrono::seconds(3);  // before the first state
 
 std::int64_t unix_now() {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::system_clock::now().time_since_epoch())
@@ -142,14 +143,15 @@ RecordSummary record(const ArmOption& where, const RecordOptions& options, const
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
         const Clock::time_point now = Clock::now();
         summary.seconds = std::chrono::duration<double>(now - begin).count();
-        if (summary.states == 0 && now - begin > std::chrono::seconds(3))
-            throw Failure(kFailed, "no state comes from the controller (" + last_event + "): see zk doctor");
+        if (summary.states == 0 && now - begin > kLongestSilence) break;
         if (progress && now >= next_progress) {
             progress(summary);
             next_progress = now + std::chrono::milliseconds(100);
         }
     }
     sink->finish();
+    if (summary.states == 0)
+        throw Failure(kFailed, "no state came from the controller (" + last_event + "): see zk doctor");
     std::error_code none;
     summary.bytes = std::filesystem::file_size(options.path, none);
     return summary;

@@ -2,8 +2,10 @@
 
 #include <unistd.h>
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -50,7 +52,10 @@ struct ExportRequest {
 };
 
 void export_csv(const ExportRequest& request) {
+    if (!request.to.empty() && !request.to.ends_with(".csv"))
+        throw Failure(kUsage, "'" + request.to + "' does not end in .csv");
     const Recording recording = load_recording(request.from);
+    const std::string name = request.to.empty() ? "standard output" : request.to;
     std::ofstream file;
     if (!request.to.empty()) {
         file.open(request.to);
@@ -59,7 +64,7 @@ void export_csv(const ExportRequest& request) {
     std::ostream& out = request.to.empty() ? std::cout : file;
     write_csv_heading(out, recording.states.front().position_deg.size());
     for (const ArmRecord& state : recording.states) write_csv(out, state, recording.states.front().unix_ns);
-    if (!out.flush()) throw Failure(kFailed, request.to + " cannot be written");
+    if (!out.flush()) throw Failure(kFailed, name + " cannot be written: " + std::strerror(errno));
     if (!recording.is_whole) std::cerr << "zk: " << request.from << " is cut short; what it holds was exported\n";
 }
 
