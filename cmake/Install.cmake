@@ -20,7 +20,7 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples ${PROJECT_SOURCE_DIR}/docs DEST
         COMPONENT development PATTERN CMakeLists.txt EXCLUDE PATTERN reference EXCLUDE)
 install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${ZK_DOC_DIR}/libzk-base-dev COMPONENT development)
 
-# The manual page of a program is what the program says of itself.
+# The manual page of a program is what the program says of itself, with a file of further sections if there is one.
 find_program(HELP2MAN help2man)
 function(zk_manual program component summary)
   if(NOT HELP2MAN OR (CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR))
@@ -28,10 +28,10 @@ function(zk_manual program component summary)
   endif()
   set(page ${PROJECT_BINARY_DIR}/${program}.1)
   add_custom_command(OUTPUT ${page}.gz
-                     COMMAND ${HELP2MAN} --no-info --name ${summary} --output ${page}
+                     COMMAND ${HELP2MAN} --no-info "--opt-include=${ARGN}" --name ${summary} --output ${page}
                              "${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${program}>"
                      COMMAND gzip -9nf ${page}
-                     DEPENDS ${program} VERBATIM)
+                     DEPENDS ${program} ${ARGN} VERBATIM)
   add_custom_target(${program}_manual ALL DEPENDS ${page}.gz)
   install(FILES ${page}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${component})
 endfunction()
@@ -49,5 +49,14 @@ if(TARGET zk)
   install(TARGETS zk RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/tools/schemas DESTINATION ${CMAKE_INSTALL_DATADIR}/zk_base COMPONENT tools)
   install(FILES ${PROJECT_SOURCE_DIR}/tools/README.md DESTINATION ${ZK_DOC_DIR}/zk-tools COMPONENT tools)
-  zk_manual(zk tools "look at robot arms, move them, compute on their models")
+  if(NOT CMAKE_CROSSCOMPILING OR CMAKE_CROSSCOMPILING_EMULATOR)
+    add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/zk.bash ${PROJECT_BINARY_DIR}/zk.sections
+                       COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:zk> completion bash > zk.bash
+                       COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:zk> completion man > zk.sections
+                       WORKING_DIRECTORY ${PROJECT_BINARY_DIR} DEPENDS zk VERBATIM)
+    add_custom_target(zk_completion ALL DEPENDS ${PROJECT_BINARY_DIR}/zk.bash)
+    install(FILES ${PROJECT_BINARY_DIR}/zk.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+            RENAME zk COMPONENT tools)
+  endif()
+  zk_manual(zk tools "look at robot arms, move them, compute on their models" ${PROJECT_BINARY_DIR}/zk.sections)
 endif()

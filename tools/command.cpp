@@ -13,9 +13,13 @@ void ArmOption::add_to(CLI::App& command) {
         ->envname("ZK_ARM");
 }
 
-zk::Arm ArmOption::connect(const zk::ConnectOptions& options) const {
+Address ArmOption::address() const {
     if (text_.empty()) throw Failure(kUsage, "no arm is named: write --arm HOST[:PORT], or set ZK_ARM");
-    const Address address = find_arm(text_);
+    return find_arm(text_);
+}
+
+zk::Arm ArmOption::connect(const zk::ConnectOptions& options) const {
+    const Address address = this->address();
     zk::Result<zk::Arm> arm = zk::Arm::connect(address.host, address.port, options);
     if (arm) return std::move(*arm);
     std::string sentence = text_ + ": " + arm.error().text;
@@ -40,31 +44,33 @@ zk::Model ModelOption::load() const {
 }
 
 void add_looking(CLI::App& zk, const std::string& name, const std::string& what, std::function<Json()> look,
-                 const Setup& setup) {
+                 const Setup& setup, Show show) {
     CLI::App* command = zk.add_subcommand(name, what);
     const auto json = std::make_shared<bool>(false);
     command->add_flag("--json", *json, "print JSON");
     if (setup) setup(*command);
-    command->callback([json, look = std::move(look)] {
+    command->callback([json, look = std::move(look), show = std::move(show)] {
         const Json report = look();
         if (*json) {
-            std::cout << report.dump(2) << '\n';
+            std::cout << report.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
         } else {
-            print(report, std::cout);
+            show ? show(report, std::cout) : print(report, std::cout);
         }
-        if (report.is_object() && !report.value("ok", true)) throw CLI::RuntimeError(kFailed);
+        if (report.is_object() && !report.value("ok", true))
+            throw CLI::RuntimeError(report.value("reachable", true) ? kFailed : kNoArm);
     });
 }
 
 void add_looking_at_arm(CLI::App& zk, const std::string& name, const std::string& what,
-                        std::function<Json(const zk::Arm&)> look, const Setup& setup) {
+                        std::function<Json(const zk::Arm&)> look, const Setup& setup, Show show) {
     const auto where = std::make_shared<ArmOption>();
     add_looking(
         zk, name, what, [where, look = std::move(look)] { return look(where->connect()); },
         [&](CLI::App& command) {
             where->add_to(command);
             if (setup) setup(command);
-        });
+        },
+        std::move(show));
 }
 
 }  // namespace tool

@@ -12,6 +12,7 @@
 
 namespace tool {
 
+struct Address;
 using Json = nlohmann::ordered_json;
 
 // How the program ends, for scripts.
@@ -34,6 +35,9 @@ class ArmOption {
  public:
     void add_to(CLI::App& command);
     bool is_given() const { return !text_.empty(); }
+    const std::string& text() const { return text_; }
+    // Throws Failure without an arm or for what is no address.
+    Address address() const;
     zk::Arm connect(const zk::ConnectOptions& options = {}) const;
 
  private:
@@ -52,11 +56,13 @@ class ModelOption {
 };
 
 // A command that looks and changes nothing. Its report is printed for people, or with --json for programs; a report
-// with "ok": false ends the program with kFailed. setup adds options of the command's own.
+// with "ok": false ends the program with kFailed, or with kNoArm if it says "reachable": false. setup adds options of
+// the command's own; show prints for people in another way than print() of report.h.
 using Setup = std::function<void(CLI::App&)>;
+using Show = std::function<void(const Json&, std::ostream&)>;
 void add_looking(CLI::App& zk, const std::string& name, const std::string& what, std::function<Json()> look,
-                 const Setup& setup = {});
+                 const Setup& setup = {}, Show show = {});
 void add_looking_at_arm(CLI::App& zk, const std::string& name, const std::string& what,
-                        std::function<Json(const zk::Arm&)> look, const Setup& setup = {});
+                        std::function<Json(const zk::Arm&)> look, const Setup& setup = {}, Show show = {});
 
 }  // namespace tool

@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "command.h"
+#include "completion.h"
 #include "look/look.h"
 #include "move/move.h"
 #include "offline/offline.h"
@@ -21,12 +22,13 @@ struct Group {
 };
 
 const std::array kGroups{
-    Group{"Looking", {add_info, add_state, add_list, add_explain, add_view}},
-    Group{"Moving", {add_move, add_home, add_stop}},
+    Group{"Looking", {add_info, add_state, add_watch, add_doctor, add_latency, add_list, add_explain, add_view}},
+    Group{"Moving", {add_move, add_home, add_jog, add_stop}},
     Group{"Computing, without an arm", {add_fk, add_ik, add_urdf, add_map}},
     Group{"Programs", {add_check, add_send, add_run, add_waypoints}},
     Group{"Recording", {add_record, add_plot, add_export, add_replay}},
     Group{"Simulating", {add_simulate}},
+    Group{"Shells", {add_completion}},
 };
 
 // The exit status of an error that a command did not foresee.

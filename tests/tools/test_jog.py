@@ -1,0 +1,120 @@
+"""Jogging by keys, and the completion of shells."""
+import os
+import pty
+import signal
+import subprocess
+import termios
+import time
+
+import pytest
+
+
+class Terminal:
+    """A command on a terminal of its own."""
+
+    def __init__(self, zk, *words):
+        self.keyboard, self.screen = pty.openpty()
+        self.before = termios.tcgetattr(self.screen)
+        os.set_blocking(self.keyboard, False)
+        self.process = zk.start(*words, stdin=self.screen, stdout=self.screen, stderr=self.screen,
+                                start_new_session=True)
+        self.text = ""
+
+    def read(self):
+        try:
+            self.text += os.read(self.keyboard, 65536).decode()
+        except BlockingIOError:
+            pass
+
+    def wait_for(self, is_true):
+        end = time.monotonic() + 60
+        while not is_true():
+            assert time.monotonic() < end, self.text
+            self.read()
+            time.sleep(0.005)
+
+    def hold(self, key, is_true):
+        """Types a key again and again, as a keyboard does, until something is true."""
+        def press():
+            os.write(self.keyboard, key)
+            time.sleep(0.02)
+            return is_true()
+        self.wait_for(press)
+
+    def end(self):
+        self.wait_for(lambda: self.process.poll() is not None)
+        self.read()
+        assert termios.tcgetattr(self.screen) == self.before
+        return self.process.returncode
+
+
+@pytest.fixture
+def jog(zk_on):
+    terminal = Terminal(zk_on, "jog", "--speed", 20)
+    terminal.wait_for(lambda: "joint 1 " in terminal.text)
+    yield terminal
+    terminal.process.kill()
+    terminal.process.wait()
+
+
+def is_at_rest(arm):
+    before = arm.joints()
+    return list(arm.joints()) == list(before) == list(arm.joints())
+
+
+@pytest.mark.zk_base(joints="0,20,70,0,90,0", speed=1)
+def test_letting_go_stops(jog, arm):
+    os.write(jog.keyboard, b"6+")  # one press is a short step
+    jog.wait_for(lambda: arm.joints()[5] > 0.2)
+    jog.wait_for(lambda: is_at_rest(arm))
+    assert arm.joints()[5] < 15
+    jog.hold(b"\x1b[D", lambda: arm.joints()[5] < -20)  # the arrow to the left
+    jog.wait_for(lambda: is_at_rest(arm))
+    assert -60 < arm.joints()[5] and list(arm.joints()[:5]) == pytest.approx([0, 20, 70, 0, 90], abs=0.01)
+    os.write(jog.keyboard, b"q")
+    assert jog.end() == 0
+
+
+@pytest.mark.zk_base(joints="0,20,70,0,126,0", speed=1)
+def test_stays_within_the_limits(jog, arm):
+    os.write(jog.keyboard, b"5")
+    jog.hold(b"+", lambda: "at its limit" in jog.text)
+    jog.wait_for(lambda: is_at_rest(arm))
+    assert arm.joints()[4] == pytest.approx(128, abs=0.2)
+
+
+@pytest.mark.parametrize("end, status", [(signal.SIGINT, 130), (signal.SIGTERM, 130), (signal.SIGHUP, 130),
+                                         (signal.SIGKILL, -9), ("loss", 3), ("error", 1)])
+@pytest.mark.zk_base(joints="0,20,70,0,90,0", speed=1)
+def test_every_end_stops_the_arm(jog, simulator, arm, end, status):
+    jog.hold(b"+", lambda: arm.joints()[0] > 5)
+    if end == "loss":
+        simulator.ask("zk_sim_restart", pause_ms=100)
+        assert jog.end() == status and "the connection is lost" in jog.text
+        return
+    if end == "error":
+        simulator.fault(emergency_stop=1)
+        jog.hold(b"+", lambda: jog.process.poll() is not None)
+    else:
+        jog.process.send_signal(end)
+    if end == signal.SIGKILL:
+        jog.process.wait()
+    else:
+        assert jog.end() == status
+    assert end != "error" or "does not follow" in jog.text
+    jog.wait_for(lambda: is_at_rest(arm))
+    assert arm.joints()[0] < 90
+
+
+def test_needs_a_terminal(zk_on):
+    assert "needs a terminal" in zk_on("jog", status=2)
+
+
+@pytest.mark.parametrize("words, offered", [
+    (["sto"], ["stop"]), (["move", ""], ["joints", "pose", "line"]), (["move", "line", "--dry"], ["--dry-run"]),
+    (["doctor", "--js"], ["--json"]), (["plot", "x"], [])])
+def test_completion(zk, words, offered):
+    script = (zk("completion", "bash") + f"COMP_WORDS=(zk {' '.join(repr(word) for word in words)}) "
+              f"COMP_CWORD={len(words)}; _zk; echo ${{COMPREPLY[@]}}")
+    out = subprocess.run(["bash", "-euc", script], capture_output=True, text=True, check=False)
+    assert out.stdout.split() == offered, out.stderr
