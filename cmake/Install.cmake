@@ -27,8 +27,9 @@ function(zk_manual program component summary)
     return()
   endif()
   set(page ${PROJECT_BINARY_DIR}/${program}.1)
+  list(TRANSFORM ARGN PREPEND --include= OUTPUT_VARIABLE sections)
   add_custom_command(OUTPUT ${page}.gz
-                     COMMAND ${HELP2MAN} --no-info "--opt-include=${ARGN}" --name ${summary} --output ${page}
+                     COMMAND ${HELP2MAN} --no-info --name ${summary} ${sections} --output ${page}
                              "${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${program}>"
                      COMMAND gzip -9nf ${page}
                      DEPENDS ${program} ${ARGN} VERBATIM)
