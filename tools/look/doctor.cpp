@@ -271,9 +271,12 @@ class Examination {
         }
     }
     Json unreachable(const zk::Error& error) {
-        const char* full =
-            "Wait until the controller has started; close a program that is connected, for it accepts few.";
-        add("reachable", {"fault", capitalised(error.text + "."), error.status == ZK_LOST ? full : error.advice});
+        std::string remedy = error.advice;
+        if (error.status == ZK_LOST)
+            remedy = "Wait until the controller has started; close a program that is connected, for it accepts few.";
+        if (error.status == ZK_NO_CONTROLLER)
+            remedy = "Correct the address and the port: another service answers here.";
+        add("reachable", {"fault", capitalised(error.text + "."), remedy});
         report_["reachable"] = false;
         return report_;
     }
