@@ -23,7 +23,7 @@ struct Group {
 
 const std::array kGroups{
     Group{"Looking", {add_info, add_state, add_watch, add_doctor, add_latency, add_list, add_explain, add_view}},
-    Group{"Moving", {add_move, add_home, add_jog, add_stop}},
+    Group{"Moving", {add_move, add_home, add_jog, add_stop, add_clear}},
     Group{"Computing, without an arm", {add_fk, add_ik, add_urdf, add_map}},
     Group{"Programs", {add_check, add_send, add_run, add_waypoints}},
     Group{"Recording", {add_record, add_plot, add_export, add_replay}},

@@ -39,6 +39,14 @@ def test_doctor_finds(zk, options, check, verdict, finding):
         assert found["remedy"] or verdict == "unknown"
 
 
+def test_clears_an_error_whose_cause_is_gone(zk_on, simulator):
+    simulator.fault(emergency_stop=1)
+    assert "an error is left" in zk_on("clear", status=1)
+    simulator.fault(emergency_stop=0)
+    assert "no error is left" in zk_on("clear")
+    assert findings(zk_on.json("doctor"))["errors"]["verdict"] == "ok"
+
+
 @pytest.mark.parametrize("address, sentence", [
     ("nowhere.invalid", "Name or service not known"), ("127.0.0.1:1", "Connection refused"), (None, "The peer sends")])
 def test_doctor_without_an_arm(zk, address, sentence):

@@ -2,6 +2,7 @@
 
 #include <iostream>
 #include <memory>
+#include <vector>
 
 #include "move/plan.h"
 #include "quantity.h"
@@ -37,7 +38,33 @@ void add_motion(CLI::App& zk, const char* name, const char* what, const char* nu
     command->callback([request, motion] { move(*request, motion); });
 }
 
+// Clears what can be cleared, and fails when something is left.
+void clear(const zk::Arm& arm) {
+    const auto words_of_joints = [&arm] {
+        const ArmAllState all = arm.measurements().value();
+        return std::vector<std::uint16_t>(all.err_flag, all.err_flag + arm.joint_count());
+    };
+    // What is refused is seen by what is left.
+    const std::vector<std::uint16_t> before = words_of_joints();
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        if (before[i] != 0) (void)arm.call<Set_Joint_Err_Clear>(i + 1, true);
+    }
+    (void)arm.clear_error();
+    const zk::ArmState now = arm.state().value();
+    const std::vector<std::uint16_t> left = words_of_joints();
+    if (now.arm_error != 0 || now.system_error != 0 || left != std::vector<std::uint16_t>(left.size()))
+        throw Failure(kFailed, "an error is left, since its cause is still there: see zk doctor");
+    std::cout << "no error is left\n";
+}
+
 }  // namespace
+
+void add_clear(CLI::App& zk) {
+    const auto where = std::make_shared<ArmOption>();
+    CLI::App* command = zk.add_subcommand("clear", "clear the errors of the arm, after you removed their cause");
+    where->add_to(*command);
+    command->callback([where] { clear(where->connect()); });
+}
 
 void add_move(CLI::App& zk) {
     CLI::App* command = zk.add_subcommand("move", "move the arm, after checks and a question");
