@@ -94,10 +94,12 @@ TEST(EveryCommand, EndsInItsDeadlineAndSendsOneObjectAFrame) {
     for (int variant = 0; variant < kVariants; ++variant) {
 #define ZK_CALL(name)                                                                                             \
     {                                                                                                             \
-        const int status = call(name, arm, variant);                                                              \
+        int status = call(name, arm, variant);                                                                    \
         EXPECT_TRUE(status > ZK_CANCELLED || status == ZK_DEADLINE) << #name << " " << variant << ": " << status; \
         EXPECT_STRNE(ZK_Status_Text(status), "unknown status") << #name << " " << variant << ": " << status;      \
         if (sends_not_finite(name, #name, variant)) {                                                             \
+            /* half a millisecond may pass first */                                                               \
+            for (int i = 0; i < 20 && status == ZK_DEADLINE; ++i) status = call(name, arm, variant);              \
             EXPECT_EQ(status, ZK_BAD_ARGUMENT) << #name << " " << variant;                                        \
         }                                                                                                         \
     }
