@@ -57,7 +57,9 @@ T extreme(int variant, Memory& memory) {
         return extreme_number<T>(variant);
     } else {
         T record{};
-        if constexpr (std::is_trivially_copyable_v<T>) std::memset(&record, variant == 0 ? 0xff : 1, sizeof record);
+        // A pose of not-a-numbers; other records hold booleans.
+        const int byte = std::is_same_v<T, Pose> && variant == 0 ? 0xff : variant % 2;
+        if constexpr (std::is_trivially_copyable_v<T>) std::memset(&record, byte, sizeof record);
         return record;
     }
 }
