@@ -16,9 +16,9 @@ endif()
 
 find_program(CCACHE ccache)
 if(CCACHE)
-  # What a compiler cache needs to serve sources with a precompiled header.
-  set(cached ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
+  # What a compiler cache needs to serve sources with a precompiled header. It must compare the files that a source reads
+  # and not the preprocessed text: a precompiled header whose comments have changed since declares everything twice.
+  set(cached ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros CCACHE_DEPEND=true ${CCACHE})
   set(CMAKE_C_COMPILER_LAUNCHER ${cached})
   set(CMAKE_CXX_COMPILER_LAUNCHER ${cached})
-  add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
 endif()
