@@ -1,5 +1,5 @@
-// The classification of a message of 300 bytes that only the last literal of the table matches, and of one that the
-// first does.
+// The classification of a message of 300 bytes that only the last literal of the table matches, of one that the first
+// does, and of short ones.
 #include <benchmark/benchmark.h>
 
 #include <string>
@@ -20,6 +20,18 @@ void classify(benchmark::State& state, const char* literal, int code) {
         return state.SkipWithError("not that message");
     for (auto _ : state) benchmark::DoNotOptimize(Get_Json_KeyCode(message.c_str()));
 }
+// What most frames are: the acknowledgement of a setter, of a move, and the report of its arrival.
+void classify_short(benchmark::State& state, const char* message, int code) {
+    if (Get_Json_KeyCode(message) != code) return state.SkipWithError("not that message");
+    for (auto _ : state) benchmark::DoNotOptimize(Get_Json_KeyCode(message));
+}
+BENCHMARK_CAPTURE(classify_short, move, R"({"command":"movej","receive_state":true})", 189);
+BENCHMARK_CAPTURE(classify_short, arrival,
+                  R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,"trajectory_connect":0})",
+                  64);
+BENCHMARK_CAPTURE(classify_short, joint_speed, R"({"command":"set_joint_max_speed","joint_speed":true})", 2);
+BENCHMARK_CAPTURE(classify_short, stop, R"({"command":"set_arm_stop","arm_stop":true})", 67);
+
 BENCHMARK_CAPTURE(classify, last_literal, "update_program_trajectory", 262);
 BENCHMARK_CAPTURE(classify, first_literal, "add_global_waypoint", 265);
 

@@ -3,16 +3,15 @@
 // The order of the rows matters. A message belongs to the first row with a literal that occurs anywhere in it, so a
 // setter's literal precedes the query's that it contains, and a literal that contains an earlier one is never reached.
 // The last rows have no literal: the commands that wait for their mailboxes get no reply.
-#include <cstring>
-
+#include "routes.h"
 #include "commands/arrival.h"
 #include "commands/counters.h"
 #include "commands/drag_point.h"
 #include "commands/pages.h"
 #include "connection/line.h"
 #include "connection/reply.h"
+#include "first_literal.h"
 #include "payloads.h"
-#include "routes.h"
 #include "zk/algorithm.h"
 #include "zk/connection.h"
 #include "zk/mailboxes.h"
@@ -367,13 +366,17 @@ constexpr Route kRoutes[] = {
 // clang-format on
 
 const Route* find_route(const char* message) {
-    for (const Route& route : kRoutes) {
-        for (const char* literal : route.literals) {
-            if (!literal) break;
-            if (std::strstr(message, literal)) return &route;
+    static const FirstLiteral& kLiterals = *new FirstLiteral([] {
+        std::vector<FirstLiteral::Ranked> literals;
+        for (const Route& route : kRoutes) {
+            for (const char* literal : route.literals) {
+                if (literal) literals.push_back({literal, static_cast<int>(&route - kRoutes)});
+            }
         }
-    }
-    return nullptr;
+        return literals;
+    }());
+    const int row = kLiterals.find(message);
+    return row == FirstLiteral::kNone ? nullptr : &kRoutes[row];
 }
 
 }  // namespace

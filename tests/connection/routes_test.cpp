@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <set>
 #include <sstream>
 
@@ -136,6 +137,23 @@ TEST(Classification, TheOrderOfTheTableDecidesAndNotTheOrderInTheText) {
             const int code = std::min(deciding(a.text), deciding(b.text))->code;
             ASSERT_EQ(Get_Json_KeyCode((a.text + " " + b.text).c_str()), code) << a.text << " " << b.text;
         }
+    }
+}
+
+// Literals run into each other, cut anywhere, at even and odd places, and end with the text.
+TEST(Classification, JoinsOfLiteralsAreDecidedByTheTable) {
+    std::mt19937 random(1);
+    const auto below = [&](size_t limit) { return random() % limit; };
+    for (int i = 0; i < 100'000; ++i) {
+        std::string text;
+        for (size_t pieces = below(4); pieces <= 3; ++pieces) {
+            const std::string& literal = kLiterals[below(std::size(kLiterals))].text;
+            const size_t start = below(3) ? 0 : below(literal.size());
+            text += literal.substr(start, below(3) ? literal.npos : below(literal.size()));
+            if (below(2)) text += "\"_:x"[below(4)];
+        }
+        const Literal* literal = deciding(text);
+        ASSERT_EQ(Get_Json_KeyCode(text.c_str()), literal == std::end(kLiterals) ? 0 : literal->code) << text;
     }
 }
 
