@@ -14,8 +14,8 @@
  * Nothing that its controller sends ends the process: a text that does not fit its field is cut. Every call that sends
  * a request, one that waits for nothing too, returns what keeps it from the wire: 19 when it does not fit its frame, is
  * no UTF-8, or has a number that is not finite or beyond 32 bits in the unit of the wire (2147 m, 2147483 degrees); 6
- * when the transmit queue is full, 2 after ZK_API_UnInit, 5, 18, ZK_LOST and ZK_NO_MEMORY. Connections of
- * Arm_Socket_Start keep their behaviour; here their sockets return ZK_STALE_HANDLE.
+ * when the transmit queue is full, 2 after ZK_API_UnInit, 5, 18 and ZK_LOST. Connections of Arm_Socket_Start keep their
+ * behaviour; here their sockets return ZK_STALE_HANDLE.
  *
  * The statuses of these calls are below 0 (zk/status.h); ZK_Explain says what to do about one.
  */

@@ -4,12 +4,10 @@
 
 #include <cstdint>
 #include <initializer_list>
-#include <memory>
 
+#include "connection/json_writer.h"
 #include "zk/connection.h"
 #include "zk/transform_types.h"
-
-struct cJSON;
 
 namespace zk {
 
@@ -25,18 +23,18 @@ class Object;
 template <class Self>
 class Fields {
  public:
-    Self& number(const char* key, double value) { return put_number(key, value), self(); }
-    Self& boolean(const char* key, bool value) { return put_boolean(key, value), self(); }
-    Self& text(const char* key, const char* value) { return put_text(key, value), self(); }
-    Self& numbers(const char* key, std::initializer_list<double> values) { return put_numbers(key, values), self(); }
+    Self& number(const char* key, double value) { return at(key).number(value), self(); }
+    Self& boolean(const char* key, bool value) { return at(key).boolean(value), self(); }
+    Self& text(const char* key, const char* value) { return at(key).text(value ? value : ""), self(); }
+    Self& numbers(const char* key, std::initializer_list<double> values) {
+        return numbers(key, values.begin(), static_cast<int>(values.size()));
+    }
     template <class Number>
     Self& numbers(const char* key, const Number* values, int count) {
-        cJSON* array = put_array(key);
-        for (int i = 0; i < count; ++i) append(array, static_cast<double>(values[i]));
-        return self();
+        return array(key, count, [&](JsonWriter& json, int i) { json.number(static_cast<double>(values[i])); });
     }
     // Position in millionths of a metre, Euler angles in thousandths of a radian.
-    Self& pose(const char* key, const Pose& pose) { return put_pose(key, pose), self(); }
+    Self& pose(const char* key, const Pose& pose);
     // A nested object, filled by `fill(Object&)`.
     template <class Fill>
     Self& object(const char* key, Fill fill);
@@ -45,50 +43,74 @@ class Fields {
     Self& objects(const char* key, int count, Fill fill);
 
  protected:
-    explicit Fields(cJSON* object) : object_(object) {}
-    cJSON* put_array(const char* key);
-    cJSON* put_object(const char* key);
-    static void append(cJSON* array, double value);
-    static cJSON* append_object(cJSON* array);
-    Self& self() { return static_cast<Self&>(*this); }
-
-    cJSON* object_;
+    // An array whose elements `put(JsonWriter&, index)` writes.
+    template <class Put>
+    Self& array(const char* key, int count, Put put);
 
  private:
-    void put_number(const char* key, double value);
-    void put_boolean(const char* key, bool value);
-    void put_text(const char* key, const char* value);
-    void put_numbers(const char* key, std::initializer_list<double> values);
-    void put_pose(const char* key, const Pose& pose);
+    JsonWriter& at(const char* key) {
+        JsonWriter& json = self().json();
+        json.key(key);
+        return json;
+    }
+    Self& self() { return static_cast<Self&>(*this); }
 };
 
 class Object : public Fields<Object> {
  public:
-    explicit Object(cJSON* object) : Fields(object) {}
+    // Opens the object, and closes it.
+    explicit Object(JsonWriter& json) : json_(json) { json_.open_object(); }
+    ~Object() { json_.close_object(); }
+    Object(const Object&) = delete;
+    Object& operator=(const Object&) = delete;
+
+    JsonWriter& json() { return json_; }
+
+ private:
+    JsonWriter& json_;
 };
 
 template <class Self>
 template <class Fill>
 Self& Fields<Self>::object(const char* key, Fill fill) {
-    Object nested(put_object(key));
+    Object nested(at(key));
     fill(nested);
+    return self();
+}
+
+template <class Self>
+template <class Put>
+Self& Fields<Self>::array(const char* key, int count, Put put) {
+    JsonWriter& json = at(key);
+    json.open_array();
+    for (int i = 0; i < count; ++i) {
+        json.element();
+        put(json, i);
+    }
+    json.close_array();
     return self();
 }
 
 template <class Self>
 template <class Fill>
 Self& Fields<Self>::objects(const char* key, int count, Fill fill) {
-    cJSON* array = put_array(key);
-    for (int i = 0; i < count; ++i) {
-        Object nested(append_object(array));
+    return array(key, count, [&](JsonWriter& json, int i) {
+        Object nested(json);
         fill(nested, i);
-    }
-    return self();
+    });
+}
+
+template <class Self>
+Self& Fields<Self>::pose(const char* key, const Pose& pose) {
+    const Position& p = pose.position;
+    const Euler& e = pose.euler;
+    return numbers(key, {double(millionths(p.x)), double(millionths(p.y)), double(millionths(p.z)),  //
+                         double(thousandths(e.rx)), double(thousandths(e.ry)), double(thousandths(e.rz))});
 }
 
 // The text of a request as it goes on the wire: formatted print and CRLF.
 struct Frame {
-    char text[1000];
+    char text[JsonWriter::kRoom];
     int length = 0;
     int refusal = 0;  // the status of a request that is not sent
 
@@ -110,12 +132,13 @@ class Request : public Fields<Request> {
     Request& joints(const char* key, const float* degrees);
 
     ArmSocket socket() const { return socket_; }
+    JsonWriter& json() { return json_; }
     // Ends the process when the text does not fit the frame. For a handle the frame is refused then, when the text is
     // not UTF-8, and when a number is not finite or is a float beyond 32 bits of the wire's unit.
     Frame frame() const;
 
  private:
-    std::shared_ptr<cJSON> tree_;
+    JsonWriter json_;  // the object is open
     ArmSocket socket_;
     const char* command_;
     int frame_size_;

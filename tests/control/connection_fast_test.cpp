@@ -386,7 +386,7 @@ TEST_F(Connections, WhatEndsTheProcessElsewhereIsRefusedOrCut) {
     EXPECT_NE(log.find("517"), std::string::npos) << log;
     cJSON_Hooks full{[](size_t) -> void* { return nullptr; }, std::free};
     cJSON_InitHooks(&full);
-    EXPECT_EQ(Move_Stop_Cmd_NonBlock(arm), ZK_NO_MEMORY);
+    EXPECT_EQ(Move_Stop_Cmd_NonBlock(arm), 0) << "a request takes no memory";
     cJSON_InitHooks(nullptr);
     ZK_API_UnInit();
     EXPECT_EQ(Move_Stop_Cmd_NonBlock(arm), ZK_NOT_RUNNING);
