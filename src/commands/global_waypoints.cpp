@@ -104,9 +104,9 @@ int zk::read_waypoint_list(ArmSocket s, const char* text, int32_t* received, Glo
     if (reply.find("page_size")) reply.take("page_size", list->page_size);
     if (reply.find("vague_search")) cut_text(reply, reply.root(), "vague_search", list->vague_search);
     reply.take("total_size", list->total_size);
-    const Item entries = reply.array(reply.root(), "list");
-    for (int i = 0; reply.good() && i < std::min(entries.size(), ZK_WAYPOINTS); ++i) {
-        read_waypoint(s, reply, entries[i], &list->list[i]);
+    for (const Item entry : reply.array(reply.root(), "list")) {
+        if (!reply.good() || *received == ZK_WAYPOINTS) break;
+        read_waypoint(s, reply, entry, &list->list[*received]);
         if (reply.good()) ++*received;
     }
     return reply.good() ? reply.acknowledgement("get_state") : reply.status();

@@ -40,13 +40,13 @@ int zk::read_program_list(const char* text, int32_t* received, ProgramList* list
     reply.take("page_size", list->page_size);
     reply.take("total_size", list->total_size);
     cut_text(reply, reply.root(), "vague_search", list->vague_search);
-    const Item entries = reply.array(reply.root(), "list");
-    for (int i = 0; reply.good() && i < std::min(entries.size(), ZK_PROGRAMS); ++i) {
-        ProgramEntry& entry = list->list[i];
-        reply.take(entries[i], "id", entry.id);
-        reply.take(entries[i], "size", entry.size);
-        reply.take(entries[i], "speed", entry.speed);
-        cut_text(reply, entries[i], "trajectory_name", entry.trajectory_name);
+    for (const Item item : reply.array(reply.root(), "list")) {
+        if (!reply.good() || *received == ZK_PROGRAMS) break;
+        ProgramEntry& entry = list->list[*received];
+        reply.take(item, "id", entry.id);
+        reply.take(item, "size", entry.size);
+        reply.take(item, "speed", entry.speed);
+        cut_text(reply, item, "trajectory_name", entry.trajectory_name);
         if (reply.good()) ++*received;
     }
     return reply.status();

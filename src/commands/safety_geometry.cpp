@@ -242,10 +242,11 @@ ZK_API int Parser_Get_Electronic_Fence_List_Info(const char* text, FenceConfig* 
     const Item list = reply.array(reply.root(), "info_list");
     if (!reply.good()) return reply.status();
     *count = 0;
-    for (int i = 0; i < std::min(list.size(), ZK_FENCES); ++i) {
-        read_named_fence(reply, list[i], fences[i]);
+    for (const Item fence : list) {
+        if (*count == ZK_FENCES) break;
+        read_named_fence(reply, fence, fences[*count]);
         if (!reply.good()) break;
-        *count = i + 1;
+        ++*count;
     }
     return reply.status();
 }
@@ -347,13 +348,13 @@ ZK_API int Parser_Get_Tool_Envelope(const char* text, ToolEnvelope* envelope) {
     *envelope = {};
     copy_name(name.text(), envelope->tool_name, sizeof envelope->tool_name - 1);
     const Item list = reply.array(reply.root(), "list");
-    envelope->count = std::min(list.size(), ZK_ENVELOPE_SPHERES);
-    for (int i = 0; i < envelope->count; ++i) {
-        ToolSphere& ball = envelope->spheres[i];
-        if (reply.require(list[i].key("name").is_text(), ZK_WRONG_TYPE))
-            copy_name(list[i].key("name").text(), ball.name, sizeof ball.name - 1);
-        for (const auto& [key, field] : kToolSphere) reply.require(list[i].key(key).is_number(), ZK_WRONG_TYPE);
-        read_lengths<ToolSphere>(reply, list[i], ball, kToolSphere);
+    for (const Item sphere : list) {
+        if (envelope->count == ZK_ENVELOPE_SPHERES) break;
+        ToolSphere& ball = envelope->spheres[envelope->count++];
+        if (reply.require(sphere.key("name").is_text(), ZK_WRONG_TYPE))
+            copy_name(sphere.key("name").text(), ball.name, sizeof ball.name - 1);
+        for (const auto& [key, field] : kToolSphere) reply.require(sphere.key(key).is_number(), ZK_WRONG_TYPE);
+        read_lengths<ToolSphere>(reply, sphere, ball, kToolSphere);
     }
     return reply.status();
 }

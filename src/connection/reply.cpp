@@ -1,31 +1,12 @@
 #include "connection/reply.h"
 
-#include <cjson/cJSON.h>
-
+#include <algorithm>
 #include <cstring>
 
 #include "connection/die.h"
 #include "connection/slots.h"
 
 namespace zk {
-
-bool Item::is_true() const { return cJSON_IsTrue(item_); }
-bool Item::is_false() const { return cJSON_IsFalse(item_); }
-bool Item::is_number() const { return cJSON_IsNumber(item_); }
-bool Item::is_text() const { return cJSON_IsString(item_); }
-bool Item::is_array() const { return cJSON_IsArray(item_); }
-bool Item::is_object() const { return cJSON_IsObject(item_); }
-int32_t Item::integer() const { return item_ ? item_->valueint : 0; }
-double Item::number() const { return is_number() ? item_->valuedouble : 0; }
-const char* Item::text() const { return is_text() ? item_->valuestring : ""; }
-int Item::size() const { return item_ ? cJSON_GetArraySize(item_) : 0; }
-Item Item::key(const char* name) const { return Item(cJSON_GetObjectItem(item_, name)); }
-Item Item::operator[](int index) const { return Item(item_ ? cJSON_GetArrayItem(item_, index) : nullptr); }
-
-Reply::Reply(const char* text)
-    : tree_(text ? cJSON_Parse(text) : nullptr), root_(tree_), status_(tree_ ? ZK_OK : ZK_BAD_REPLY) {}
-
-Reply::~Reply() { cJSON_Delete(tree_); }
 
 bool Reply::require(bool holds, int status) {
     if (good() && !holds) status_ = status;

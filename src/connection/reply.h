@@ -5,52 +5,23 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "connection/json.h"
 #include "zk/status.h"
 #include "zk/transform_types.h"
 
-struct cJSON;
-
 namespace zk {
-
-// An item of a reply, or none. Reads of none return 0, "" or none.
-class Item {
- public:
-    Item() = default;
-    explicit Item(const cJSON* item) : item_(item) {}
-    explicit operator bool() const { return item_ != nullptr; }
-
-    bool is_true() const;
-    bool is_false() const;
-    bool is_number() const;
-    bool is_text() const;
-    bool is_array() const;
-    bool is_object() const;
-
-    int32_t integer() const;   // 1 for true, 0 for anything else but a number
-    double number() const;     // 0 for anything else
-    const char* text() const;  // "" for anything else
-    int size() const;          // elements
-    Item key(const char* name) const;
-    Item operator[](int index) const;
-
- private:
-    const cJSON* item_ = nullptr;
-};
 
 class Reply {
  public:
-    explicit Reply(const char* text);  // status 9 when it is not JSON
-    ~Reply();
-    Reply(const Reply&) = delete;
-    Reply& operator=(const Reply&) = delete;
+    explicit Reply(const char* text) : json_(text), status_(json_.root() ? ZK_OK : ZK_BAD_REPLY) {}  // 9: no JSON
 
     int status() const { return status_; }
     bool good() const { return status_ == ZK_OK; }
     // Sets the status when `holds` is false and nothing has failed before. Returns whether nothing has failed.
     bool require(bool holds, int status);
 
-    Item root() const { return root_; }
-    Item find(const char* key) const { return root_.key(key); }  // optional keys
+    Item root() const { return Item(json_.root()); }
+    Item find(const char* key) const { return root().key(key); }  // optional keys
 
     // A required key of the reply or of an object in it: 9 without it, `wrong` for another type.
     Item number(Item object, const char* key, int wrong = ZK_WRONG_TYPE);
@@ -67,7 +38,7 @@ class Reply {
     }
     template <class Field>
     void take(const char* key, Field& field) {
-        take(root_, key, field);
+        take(root(), key, field);
     }
 
     // An acknowledgement: true is 0, false `refused`, another type `other`.
@@ -76,8 +47,7 @@ class Reply {
  private:
     Item required(Item object, const char* key, bool (Item::*is)() const, int wrong);
 
-    cJSON* tree_;
-    Item root_;
+    Json json_;
     int status_;
 };
 

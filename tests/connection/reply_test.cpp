@@ -1,7 +1,9 @@
 // The reader of replies: what it makes of every key that is missing or of another type, and of a text that is cut.
+#include <cjson/cJSON.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -111,6 +113,31 @@ TEST_P(Replies, ThatAreCutOrNoObjectAreRefused) {
     }
     for (const char* text : {"7", "[]", "null", "\"text\"", "{}"}) EXPECT_EQ(GetParam().parse(text), 9) << text;
     EXPECT_EQ(GetParam().parse(nullptr), 9);
+}
+
+int trees = 0;  // that cJSON has been asked memory for
+
+// cJSON reads only the texts that the library's own reader leaves to it; both read the same.
+TEST(ReplyValues, OfUsualTextsAreReadWithoutATree) {
+    cJSON_Hooks counting{[](size_t size) { return ++trees, std::malloc(size); }, std::free};
+    cJSON_InitHooks(&counting);
+    for (const Reader& reader : kReaders) EXPECT_EQ(reader.parse(reader.good.dump().c_str()), 0) << reader.name;
+    EXPECT_EQ(trees, 0);
+    std::string deep = "7";
+    for (int level = 0; level < 20; ++level) deep = "[" + deep + "]";
+    std::string crowded = "7";
+    for (int i = 0; i < 1100; ++i) crowded += ",7";
+    const std::string spread(11'000, ' ');
+    for (const std::string& text :
+         {std::string(R"({"id":3e0})"), std::string(R"({"i\u0064":3})"), std::string(R"({"id":3.0000000000000001})"),
+          "{\"more\":" + deep + R"(,"id":3})", "{\"more\":[" + crowded + R"(],"id":3})", "{" + spread + R"("id":3})"}) {
+        trees = 0;
+        int32_t id = 0;
+        EXPECT_EQ(Parser_Get_id(text.c_str(), &id), 0) << text;
+        EXPECT_EQ(id, 3) << text;
+        EXPECT_GT(trees, 0) << text;
+    }
+    cJSON_InitHooks(nullptr);
 }
 
 TEST(ReplyValues, OfAnotherSizeOrFalseAreRefused) {
