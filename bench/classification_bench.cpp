@@ -2,6 +2,7 @@
 // does, and of short ones.
 #include <benchmark/benchmark.h>
 
+#include <cstring>
 #include <string>
 
 #include "zk_base.h"
@@ -34,5 +35,12 @@ BENCHMARK_CAPTURE(classify_short, stop, R"({"command":"set_arm_stop","arm_stop":
 
 BENCHMARK_CAPTURE(classify, last_literal, "update_program_trajectory", 262);
 BENCHMARK_CAPTURE(classify, first_literal, "add_global_waypoint", 265);
+
+// What a search cannot do without: one word is looked for, and not found.
+void one_search(benchmark::State& state) {
+    const std::string message = message_of_300_bytes("update_program_trajectory");
+    for (auto _ : state) benchmark::DoNotOptimize(std::strstr(message.c_str(), "set_arm_stop"));
+}
+BENCHMARK(one_search);
 
 }  // namespace
