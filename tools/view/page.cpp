@@ -7,6 +7,7 @@
     extern "C" const char zk_page_##name[], zk_page_##name##_end[]
 
 #ifdef ZK_PAGE_DIR
+#include "page_stamp.h"
 ZK_PAGE_FILE(html, "index.html");
 ZK_PAGE_FILE(script, "app.js");
 ZK_PAGE_FILE(style, "app.css");

@@ -1,4 +1,5 @@
 // Bundles the page: build.mjs SOURCE PACKAGES OUT. PACKAGES is where npm has installed.
+import {createHash} from 'node:crypto';
 import {mkdirSync, readFileSync, writeFileSync} from 'node:fs';
 import {createRequire} from 'node:module';
 import {join} from 'node:path';
@@ -34,4 +35,10 @@ const files = {
 };
 for (const {path, contents} of bundle.outputFiles) files[path.endsWith('.css') ? 'app.css' : 'app.js'] = contents;
 mkdirSync(out, {recursive: true});
-for (const [name, content] of Object.entries(files)) writeFileSync(join(out, `${name}.gz`), gzipSync(content, {level: 9}));
+const hash = createHash('sha256');
+for (const [name, content] of Object.entries(files)) {
+  writeFileSync(join(out, `${name}.gz`), gzipSync(content, {level: 9}));
+  hash.update(content);
+}
+// A compiler cache sees by this header that the page has changed.
+writeFileSync(join(out, 'page_stamp.h'), `// ${hash.digest('hex')}\n`);
