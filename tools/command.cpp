@@ -1,12 +1,24 @@
 #include "command.h"
 
+#include <algorithm>
 #include <iostream>
 #include <memory>
 
 #include "arms.h"
+#include "remedy.h"
 #include "report.h"
 
 namespace tool {
+namespace {
+
+Exit exit_of(const Json& report) {
+    const auto fails = [](const Json& row) { return row.is_object() && row.value("answer", "ok") != "ok"; };
+    if (report.is_array()) return std::any_of(report.begin(), report.end(), fails) ? kFailed : kDone;
+    if (!report.is_object() || report.value("ok", true)) return kDone;
+    return report.value("reachable", true) ? kFailed : kNoArm;
+}
+
+}  // namespace
 
 void ArmOption::add_to(CLI::App& command) {
     command.add_option("-a,--arm", text_, "address HOST[:PORT] of the controller, or a name of arms.json")
@@ -22,9 +34,7 @@ zk::Arm ArmOption::connect(const zk::ConnectOptions& options) const {
     const Address address = this->address();
     zk::Result<zk::Arm> arm = zk::Arm::connect(address.host, address.port, options);
     if (arm) return std::move(*arm);
-    std::string sentence = text_ + ": " + arm.error().text;
-    if (*arm.error().advice) sentence.append(". ").append(arm.error().advice);
-    throw Failure(kNoArm, sentence);
+    throw Failure(kNoArm, sentence_of_no_arm(text_, address.host, arm.error()));
 }
 
 void ModelOption::add_to(CLI::App& command) {
@@ -56,8 +66,7 @@ void add_looking(CLI::App& zk, const std::string& name, const std::string& what,
         } else {
             show ? show(report, std::cout) : print(report, std::cout);
         }
-        if (report.is_object() && !report.value("ok", true))
-            throw CLI::RuntimeError(report.value("reachable", true) ? kFailed : kNoArm);
+        if (const Exit exit = exit_of(report); exit != kDone) throw CLI::RuntimeError(exit);
     });
 }
 

@@ -55,9 +55,10 @@ class ModelOption {
     ArmOption arm_;
 };
 
-// A command that looks and changes nothing. Its report is printed for people, or with --json for programs; a report
-// with "ok": false ends the program with kFailed, or with kNoArm if it says "reachable": false. setup adds options of
-// the command's own; show prints for people in another way than print() of report.h.
+// A command that looks and changes nothing. Its report is printed for people, or with --json for programs. One with
+// "ok": false, or a row whose "answer" is not "ok", ends the program with kFailed, or with kNoArm if it says
+// "reachable": false. setup adds options of the command's own; show prints for people in another way than print() of
+// report.h.
 using Setup = std::function<void(CLI::App&)>;
 using Show = std::function<void(const Json&, std::ostream&)>;
 void add_looking(CLI::App& zk, const std::string& name, const std::string& what, std::function<Json()> look,

@@ -11,6 +11,7 @@
 #include "offline/offline.h"
 #include "programs/programs.h"
 #include "recording/recording.h"
+#include "remedy.h"
 #include "simulate.h"
 
 namespace tool {
@@ -74,7 +75,8 @@ int run(int argc, char** argv) {
         std::cerr << "zk: " << failure.what() << '\n';
         return failure.exit;
     } catch (const zk::Error& error) {
-        std::cerr << "zk: " << error.message() << '\n';
+        std::cerr << "zk: " << error.command << ": " << error.text << " (status " << error.status << "). "
+                  << remedy_of(error) << '\n';
         return exit_of(error);
     } catch (const std::exception& error) {
         std::cerr << "zk: " << error.what() << '\n';

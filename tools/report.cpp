@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "remedy.h"
+
 namespace tool {
 namespace {
 
@@ -160,7 +162,8 @@ std::string hexadecimal(std::uint16_t word) {
 Json json_of_errors(std::uint16_t arm, std::uint16_t system) {
     Json all = Json::array();
     const auto add = [&all](const char* of, std::uint16_t word, const ZK_Advice& advice) {
-        all.push_back({{"of", of}, {"word", hexadecimal(word)}, {"cause", advice.cause}, {"remedy", advice.remedy}});
+        all.push_back(
+            {{"of", of}, {"word", hexadecimal(word)}, {"cause", advice.cause}, {"remedy", remedy_of_error_word()}});
     };
     ZK_Advice advice{};
     if (arm != 0 && ZK_Explain(ZK_OK, arm, 0, &advice) != ZK_BAD_ARGUMENT) add("arm", arm, advice);

@@ -41,10 +41,21 @@ def test_doctor_finds(zk, options, check, verdict, finding):
 
 def test_clears_an_error_whose_cause_is_gone(zk_on, simulator):
     simulator.fault(emergency_stop=1)
+    assert "run zk clear" in findings(zk_on.json("doctor", status=1))["errors"]["remedy"]
     assert "an error is left" in zk_on("clear", status=1)
     simulator.fault(emergency_stop=0)
     assert "no error is left" in zk_on("clear")
     assert findings(zk_on.json("doctor"))["errors"]["verdict"] == "ok"
+
+
+@pytest.mark.zk_base(speed=1)
+def test_a_second_program_is_told_who_has_the_states(zk_on, simulator, tmp_path):
+    watching = zk_on.start("watch")
+    assert watching.stdout.readline()
+    remedy = f"connect both to zk proxy 127.0.0.1:{simulator.port}"
+    assert remedy in zk_on("record", "-o", tmp_path / "run.csv", status=1)
+    watching.kill()
+    watching.communicate()
 
 
 @pytest.mark.parametrize("address, sentence", [

@@ -120,5 +120,5 @@ def test_an_arm_that_dies(zk_on, simulator, tmp_path):
 @pytest.mark.zk_base(no_push=True)
 def test_an_arm_that_pushes_nothing(zk_on, tmp_path):
     for seconds in (0.1, 0):
-        assert "no state came from the controller" in zk_on("record", "-o", tmp_path / "run.csv", "--seconds", seconds,
+        assert "The controller pushes no state" in zk_on("record", "-o", tmp_path / "run.csv", "--seconds", seconds,
                                                             status=1)

@@ -20,7 +20,7 @@ def test_names_of_arms(zk_on, simulator, tmp_path):
     names = tmp_path / "arms.json"
     names.write_text(f'{{"left": "127.0.0.1:{simulator.port}", "right": "127.0.0.1:1"}}')
     zk_on.environment["ZK_ARMS"] = str(names)
-    left, right = zk_on.json("list")
+    left, right = zk_on.json("list", status=1)
     assert (left["arm"], left["model"], left["answer"]) == ("left", "ZK65-B", "ok")
     assert right["model"] is None and "refused" in right["answer"]
     assert zk_on.json("info", "--arm", "left")["port"] == simulator.port
@@ -60,6 +60,7 @@ def test_moves(zk_on, arm):
     assert arm.pose().distance(there) < (1e-4, 2e-3)
     assert "not moved" not in zk_on("home", "-y", "--max-step", 180)
     assert arm.joints() == pytest.approx([0] * 6, abs=0.01)
+    assert "is at its initial position" in zk_on("home")
 
 
 @pytest.mark.zk_base(joints="0,20,70,0,90,0", speed=1)
@@ -78,7 +79,7 @@ def test_ctrl_c_and_stop_end_a_move(zk_on, arm):
 
 @pytest.mark.parametrize("words, status, sentence", [
     (["state"], 2, "no arm is named"),
-    (["state", "--arm", "127.0.0.1:1"], 3, "refused"),
+    (["state", "--arm", "127.0.0.1:1"], 3, "zk: 127.0.0.1 port 1: Connection refused. Wait"),
     (["state", "--arm", "127.0.0.1:x"], 2, "no port"),
     (["state", "--arm", "nowhere.invalid"], 3, "Name or service not known"),
     (["fk", "-m", "ZK66", *HOME], 2, "no arm is called 'ZK66'"),

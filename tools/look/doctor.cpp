@@ -7,22 +7,16 @@
 #include <chrono>
 #include <iostream>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 #include "arms.h"
 #include "look/look.h"
 #include "look/push.h"
+#include "remedy.h"
 #include "report.h"
 
 namespace tool {
 namespace {
-
-// What an examination found. "unknown": the controller does not say.
-struct Finding {
-    const char* verdict;
-    std::string sentence, remedy;
-};
 
 std::string capitalised(std::string sentence) {
     sentence[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(sentence[0])));
@@ -163,7 +157,7 @@ Finding check_errors(const zk::Arm& arm, Json&) {
         if (all.err_flag[i] != 0) {
             add("Joint " + std::to_string(i + 1) + " reports error " + hexadecimal(all.err_flag[i]) + ", at " +
                     decimal(all.temperature[i]) + " degrees Celsius.",
-                "Remove the cause, then clear the joint's error (Set_Joint_Err_Clear).");
+                "Remove the cause, then run zk clear.");
         }
     }
     return finding.sentence.empty() ? Finding{"ok", "Neither arm, system nor joints report an error.", ""} : finding;
@@ -182,40 +176,8 @@ Finding check_power(const zk::Arm& arm, Json&) {
     return {"ok", "The arm is on, and all joints are enabled.", ""};
 }
 
-// Lines of the library's log about the arm's stream: the last one says why no state comes, where the library knows.
-class LastEvent {
- public:
-    std::string text() {
-        const std::lock_guard guard(lock_);
-        return text_;
-    }
-
- private:
-    std::mutex lock_;
-    std::string text_;
-    zk::Subscription subscription_ = zk::on_log(ZK_LOG_EVENTS, [this](const zk::LogLine& line) {
-        const std::lock_guard guard(lock_);
-        if (std::string_view(line.text).find("stream") != std::string_view::npos) text_ = line.text;
-    });
-};
-
-Finding no_push(const zk::Arm& arm, const std::string& event) {
-    RealtimePushConfig push{};
-    if (const auto asked = arm.call<Get_Realtime_Push>(&push); !asked)
-        return {"unknown", "The controller does not say whether it pushes its state, and none comes.", ""};
-    if (!push.enable) {
-        return {"warn", "The controller pushes no state: zk watch, view and record need it.",
-                "Enable the push, with this host's address as its destination (Set_Realtime_Push)."};
-    }
-    return {"fault",
-            "The controller pushes its state to " + std::string(push.ip) + " port " + std::to_string(push.port) +
-                ", but none arrives here" + (event.empty() ? "." : " (" + event + ")."),
-            "Set the destination to this host (Set_Realtime_Push), let the firewall pass UDP, and close the program "
-            "that holds the port here."};
-}
-
-Finding check_push(const PushSample& push, const zk::Arm& arm, const std::string& event, Json& measured) {
-    if (push.states < 2) return no_push(arm, event);
+Finding check_push(const PushSample& push, const zk::Arm& arm, Json& measured) {
+    if (push.states < 2) return why_no_state(arm);
     measured["push_rate_Hz"] = rounded(push.rate_Hz, 1);
     measured["push_jitter_ms"] = rounded(push.jitter_ms, 3);
     measured["push_longest_gap_ms"] = rounded(push.longest_gap_ms, 3);
@@ -267,16 +229,11 @@ class Examination {
             const bool untold = failure.status == ZK_TIMEOUT || failure.status == ZK_BAD_REPLY;
             add(check, {untold ? "unknown" : "fault",
                         (untold ? "The controller does not say: " : "The question failed: ") + failure.text + ".",
-                        untold ? "" : failure.advice});
+                        untold ? "" : remedy_of(failure)});
         }
     }
     Json unreachable(const zk::Error& error) {
-        std::string remedy = error.advice;
-        if (error.status == ZK_LOST)
-            remedy = "Wait until the controller has started; close a program that is connected, for it accepts few.";
-        if (error.status == ZK_NO_CONTROLLER)
-            remedy = "Correct the address and the port: another service answers here.";
-        add("reachable", {"fault", capitalised(error.text + "."), remedy});
+        add("reachable", {"fault", capitalised(error.text + "."), remedy_of(error)});
         report_["reachable"] = false;
         return report_;
     }
@@ -288,7 +245,6 @@ class Examination {
 
 Json examine(const ArmOption& where) {
     Examination examination(where.text());
-    LastEvent event;
     zk::ConnectOptions options;
     options.keep_model = true;
     const Address address = where.address();
@@ -307,7 +263,7 @@ Json examine(const ArmOption& where) {
     examination.run("firmware", with_arm(check_firmware));
     examination.run("round trips", with_arm(check_round_trips));
     const PushSample push = PushSample::take(*arm);
-    examination.run("push stream", [&](Json& measured) { return check_push(push, *arm, event.text(), measured); });
+    examination.run("push stream", [&](Json& measured) { return check_push(push, *arm, measured); });
     if (push.states >= 2) examination.run("clock", [&](Json& measured) { return check_clock(push, measured); });
     examination.run("free connections", with_arm(check_free_connections));
     examination.run("power", with_arm(check_power));

@@ -24,7 +24,7 @@ Json list(std::vector<std::string> arms) {
                         {"host", address.host},
                         {"port", address.port},
                         {"model", software ? Json(software->product_version) : Json()},
-                        {"answer", software ? "ok" : software.error().text}});
+                        {"answer", software ? "ok" : ZK_Status_Text(software.error().status)}});
     }
     return rows;
 }

@@ -1,8 +1,13 @@
 #include "look/push.h"
 
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cmath>
+#include <filesystem>
 #include <vector>
 
 namespace tool {
@@ -25,7 +30,51 @@ double quantile(std::vector<double>& values, double share) {
     return values[static_cast<std::size_t>(static_cast<double>(values.size() - 1) * share)];
 }
 
+int port_of(int datagram_socket) {
+    sockaddr_in6 own{};
+    socklen_t size = sizeof own;
+    int type = 0;
+    socklen_t type_size = sizeof type;
+    const bool known = getsockopt(datagram_socket, SOL_SOCKET, SO_TYPE, &type, &type_size) == 0 && type == SOCK_DGRAM &&
+                       getsockname(datagram_socket, reinterpret_cast<sockaddr*>(&own), &size) == 0;
+    return known && (own.sin6_family == AF_INET6 || own.sin6_family == AF_INET) ? ntohs(own.sin6_port) : -1;
+}
+
+// Whether a program of this host, and not this one, receives on a port.
+bool is_taken_by_another(int port) {
+    for (const auto& file : std::filesystem::directory_iterator("/proc/self/fd")) {
+        if (port_of(std::stoi(file.path().filename())) == port) return false;
+    }
+    const int probe = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    sockaddr_in any{};
+    any.sin_family = AF_INET;
+    any.sin_port = htons(static_cast<std::uint16_t>(port));
+    const bool is_taken = bind(probe, reinterpret_cast<sockaddr*>(&any), sizeof any) != 0 && errno == EADDRINUSE;
+    close(probe);
+    return is_taken;
+}
+
 }  // namespace
+
+Finding why_no_state(const zk::Arm& arm) {
+    RealtimePushConfig push{};
+    if (const auto asked = arm.call<Get_Realtime_Push>(&push); !asked)
+        return {"unknown", "The controller does not say whether it pushes its state, and none comes.", ""};
+    if (!push.enable) {
+        return {"warn", "The controller pushes no state: zk watch, view and record need it.",
+                "Enable the push, with this host's address as its destination (Set_Realtime_Push)."};
+    }
+    const std::string sentence =
+        "The controller pushes its state to " + std::string(push.ip) + " port " + std::to_string(push.port);
+    if (is_taken_by_another(push.port)) {
+        const ZK_ConnectionRecord record = arm.connection().value();
+        return {"fault", sentence + ", where another program of this host receives it.",
+                "Close that program, or connect both to zk proxy " + std::string(record.address) + ":" +
+                    std::to_string(record.port) + ", which shares the arm."};
+    }
+    return {"fault", sentence + ", but none arrives here.",
+            "Set the destination to this host (Set_Realtime_Push), and let the firewall pass UDP."};
+}
 
 PushSample PushSample::take(const zk::Arm& arm) {
     const std::vector<ZK_State> states = pushed_states(arm);

@@ -1,4 +1,4 @@
-// The states that a controller pushes, over a second or two.
+// The states that a controller pushes: over a second or two, or why none come.
 #pragma once
 
 #include <optional>
@@ -18,5 +18,16 @@ struct PushSample {
 
     static PushSample take(const zk::Arm& arm);
 };
+
+// What an examination found. "unknown": the controller does not say.
+struct Finding {
+    const char* verdict;  // "ok", "warn", "fault", "unknown"
+    std::string sentence, remedy;
+
+    std::string text() const { return remedy.empty() ? sentence : sentence + " " + remedy; }
+};
+
+// Why no state of an arm comes to this program.
+Finding why_no_state(const zk::Arm& arm);
 
 }  // namespace tool

@@ -10,6 +10,7 @@
 
 #include "arms.h"
 #include "look/look.h"
+#include "look/push.h"
 #include "report.h"
 
 namespace tool {
@@ -166,6 +167,7 @@ void watch_connection(const zk::Arm& arm, const WatchRequest& request, Display& 
     const milliseconds between(static_cast<std::int64_t>(1000 / request.rate_Hz));
     zk::StateStream states = arm.states();
     std::optional<ZK_State> before;
+    std::string cause;  // why none has come
     auto last_at = Clock::now();
     while (!watch_ends && (request.count == 0 || shown < request.count)) {
         const auto begin = Clock::now();
@@ -180,8 +182,9 @@ void watch_connection(const zk::Arm& arm, const WatchRequest& request, Display& 
             ++shown;
             rest(between - std::chrono::duration_cast<milliseconds>(Clock::now() - begin));
         } else if (const auto silence = Clock::now() - last_at; silence > kStall) {
+            if (!before && cause.empty()) cause = why_no_state(arm).text();
             display.say(before ? "the stream stalls: no state for " + seconds_text(silence)
-                               : "the controller answers, but no state comes from it: see zk doctor");
+                               : "no state comes. " + cause);
         }
     }
 }

@@ -12,6 +12,7 @@
 #include <memory>
 
 #include "move/move.h"
+#include "remedy.h"
 
 namespace tool {
 namespace {
@@ -172,7 +173,7 @@ void check_follows(const zk::Arm& arm, int refusal) {
     ZK_Advice advice{};
     if (refusal != 0)
         throw Failure(kFailed, ZK_Explain(refusal, 0, 0, &advice) == ZK_OK
-                                   ? std::string("the arm does not follow: ") + advice.cause + " " + advice.remedy
+                                   ? std::string("the arm does not follow: ") + advice.cause + " " + remedy_of(refusal)
                                    : "the arm does not follow: see zk doctor");
 }
 

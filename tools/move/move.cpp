@@ -38,6 +38,13 @@ void add_motion(CLI::App& zk, const char* name, const char* what, const char* nu
     command->callback([request, motion] { move(*request, motion); });
 }
 
+bool is_near(const zk::Joints& a, const zk::Joints& b) {
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (abs(a[i] - b[i]) > zk::degrees(0.05)) return false;
+    }
+    return true;
+}
+
 // Clears what can be cleared, and fails when something is left.
 void clear(const zk::Arm& arm) {
     const auto words_of_joints = [&arm] {
@@ -81,12 +88,15 @@ void add_home(CLI::App& zk) {
     request->add_to(*command);
     command->callback([request] {
         const zk::Arm arm = request->connect();
-        std::array<float, zk::Joints::kMost> home{};
-        arm.call<Get_Arm_Init_Pose>(home).value();
-        carry_out(arm,
-                  plan_joints(arm, arm.model().value(), zk::Joints::from_c(home.data(), arm.joint_count()),
-                              zk::degrees(request->max_step)),
-                  *request);
+        std::array<float, zk::Joints::kMost> initial{};
+        arm.call<Get_Arm_Init_Pose>(initial).value();
+        const zk::Joints home = zk::Joints::from_c(initial.data(), arm.joint_count());
+        const Plan plan = plan_joints(arm, arm.model().value(), home, zk::degrees(request->max_step));
+        if (is_near(plan.from, plan.to)) {
+            std::cout << "the arm is at its initial position\n";
+        } else {
+            carry_out(arm, plan, *request);
+        }
     });
 }
 

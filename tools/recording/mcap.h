@@ -18,6 +18,8 @@ struct Topic {
     const char* definition;  // the type as ROS 2 writes it
 };
 
+using McapMetadata = std::map<std::string, std::string>;
+
 // One thread at a time writes. Throws Failure when the file cannot be written.
 class McapWriter {
  public:
@@ -29,7 +31,7 @@ class McapWriter {
     // Adds a topic; returns its channel.
     std::uint16_t add(const Topic& topic);
     // Adds what describes the whole recording. Before the first message.
-    void add_metadata(const std::string& name, const std::map<std::string, std::string>& values);
+    void add_metadata(const std::string& name, const McapMetadata& values);
     void write(std::uint16_t channel, std::int64_t unix_ns, const std::string& message);
     // Writes what is left, and the index.
     void finish();
@@ -62,8 +64,10 @@ struct McapMessage {
     std::string bytes;
 };
 
-// Reads the messages of a file in their order. Returns false when the file ends before its end: a recorder that was
-// killed leaves such a one. Throws Failure when it is no MCAP file, or its chunks are compressed.
-bool read_mcap(const std::string& path, const std::function<void(const McapMessage&)>& on_message);
+// Reads the messages of a file in their order, and what describes the whole recording. Returns false when the file ends
+// before its end: a recorder that was killed leaves such a one. Throws Failure when it is no MCAP file, or its chunks
+// are compressed.
+bool read_mcap(const std::string& path, const std::function<void(const McapMessage&)>& on_message,
+               const std::function<void(const std::string& name, const McapMetadata&)>& on_metadata);
 
 }  // namespace tool

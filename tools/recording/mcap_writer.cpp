@@ -56,7 +56,7 @@ std::uint16_t McapWriter::add(const Topic& topic) {
     return id;
 }
 
-void McapWriter::add_metadata(const std::string& name, const std::map<std::string, std::string>& values) {
+void McapWriter::add_metadata(const std::string& name, const McapMetadata& values) {
     const std::uint64_t begin = position_;
     put(record(Opcode::kMetadata, Bytes().blob(name).blob(map_of(values)).text));
     metadata_indexes_ +=

@@ -7,6 +7,8 @@
 #include <thread>
 #include <utility>
 
+#include "look/push.h"
+#include "recording/arm_description.h"
 #include "recording/messages.h"
 
 namespace tool {
@@ -60,10 +62,7 @@ class McapSink : public Sink {
           joint_(file_.add(kJointTopic)),
           transform_(file_.add(kTransformTopic)),
           log_(file_.add(kLogTopic)) {
-        const ArmSoftwareInfo software = arm.software().value();
-        file_.add_metadata("arm", {{"model", software.product_version},
-                                   {"joints", std::to_string(arm.joint_count())},
-                                   {"controller_version", software.ctrl_version}});
+        file_.add_metadata("arm", describe(arm));
     }
     void add(const ArmRecord& record) override {
         file_.write(arm_, record.unix_ns, arm_message(record));
@@ -120,14 +119,10 @@ RecordSummary record(const ArmOption& where, const RecordOptions& options, const
     const std::int64_t unix_offset = unix_now() - std::chrono::nanoseconds(begin.time_since_epoch()).count();
     RecordSummary summary;
     std::uint32_t last = 0;
-    std::string last_event;  // says why no state comes, where the library knows
     auto next_progress = begin;
     while (!ended && (options.time.count() == 0 || Clock::now() - begin < options.time)) {
         zk::Result<zk::State> state = states.next_in_order();
-        for (const LogRecord& line : log.take()) {
-            sink->add(line);
-            if (!line.is_frame) last_event = line.text;
-        }
+        for (const LogRecord& line : log.take()) sink->add(line);
         for (; state; state = states.next_in_order()) {
             if (last != 0) summary.lost += state->record.sequence - last - 1;
             last = state->record.sequence;
@@ -150,8 +145,7 @@ RecordSummary record(const ArmOption& where, const RecordOptions& options, const
         }
     }
     sink->finish();
-    if (summary.states == 0)
-        throw Failure(kFailed, "no state came from the controller (" + last_event + "): see zk doctor");
+    if (summary.states == 0) throw Failure(kFailed, "no state comes. " + why_no_state(arm).text());
     std::error_code none;
     summary.bytes = std::filesystem::file_size(options.path, none);
     return summary;
