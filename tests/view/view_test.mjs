@@ -1,13 +1,15 @@
 // The live view against simulated arms, in headless Chromium: view_test.mjs ZK SIMULATOR CHROMIUM.
 import assert from 'node:assert/strict';
-import {spawn} from 'node:child_process';
+import {execFile, spawn} from 'node:child_process';
 import {once} from 'node:events';
 import {createConnection} from 'node:net';
-import {mkdtempSync, rmSync, writeFileSync} from 'node:fs';
+import {existsSync, mkdtempSync, rmSync, statSync, truncateSync, writeFileSync} from 'node:fs';
 import {tmpdir} from 'node:os';
 import {join} from 'node:path';
 import {createInterface} from 'node:readline';
 import {after, test} from 'node:test';
+import {setTimeout as sleep} from 'node:timers/promises';
+import {promisify} from 'node:util';
 import {Browser} from './browser.mjs';
 import {pixelsOf} from './png.mjs';
 
@@ -17,6 +19,7 @@ const tools = {tool: '0.02,0.01,0.12,0.3,0.2,0.1', work: '0.1,0.2,0.05,0.1,0.2,0
 const models = ['ZK65-B', 'ZK75-B', '63-B', 'ORB65-B', '62-B', '72-B', 'ORB63-B'];
 const postures = [[20, 30, -40, 25, 35, 10, 15], [-60, -20, 60, 40, -30, 70, -40], [100, 45, 30, -60, 50, -80, 20]];
 const children = [];
+const run = promisify(execFile);
 
 after(async () => {
   await browser.close();
@@ -136,12 +139,17 @@ async function checkTip(page, url, number, degrees) {
   const {work} = await firstEvent(url, ({name, arm}) => name === 'arm' && arm === number);
   const state = await firstEvent(url, reached);
   await page.value(`location.hash = '#arm=${number}'`);
+  await checkDrawn(page, card, work, state, `${models[number]} at ${degrees}`);
+}
+
+// The tool's tip is drawn where a state, or a later one of the same posture, says.
+async function checkDrawn(page, card, work, {n, p}, what) {
   // Sharp, the tip large enough for its pixels to be counted, and without the path, which has its colour.
   await page.until(`${card}.stage?.path`);
   await page.value(`${card}.stage.coarsen = () => {}; ${card}.stage.path.line.material.opacity = 0;
                     ${card}.stage.sun.castShadow = false; ${card}.stage.tip.scale.setScalar(2)`);
-  await page.until(`${card}.drawn >= ${state.n}`);
-  const place = turned(work.q, state.p).map((value, i) => value + work.p[i]);
+  await page.until(`${card}.drawn >= ${n}`);
+  const place = turned(work.q, p).map((value, i) => value + work.p[i]);
   const expected = await projected(page, card, place);
   // What is drawn reaches the screen later, and on a slow machine much later.
   let drawn = null, isThere = false;
@@ -149,7 +157,7 @@ async function checkTip(page, url, number, degrees) {
     drawn = tipNear(pixelsOf(await page.picture()), expected, 60);
     isThere = !!drawn && Math.hypot(drawn[0] - expected[0], drawn[1] - expected[1]) < 2;
   }
-  assert.ok(isThere, `${models[number]} at ${degrees}: drawn at ${drawn}, expected at ${expected}`);
+  assert.ok(isThere, `${what}: drawn at ${drawn}, expected at ${expected}`);
 }
 
 test('the tool tip is drawn where the stream says', async () => {
@@ -166,6 +174,55 @@ test('the tool tip is drawn where the stream says', async () => {
   assert.deepEqual(page.complaints, []);
 });
 
+// A recording of moves through the postures, and of an error after them: {file, states}.
+async function record() {
+  const {ports: [port]} = await simulate([{model: 'ZK65-B', ...tools}]);
+  const file = join(scratch, 'run.mcap'), arm = ['--arm', `127.0.0.1:${port}`];
+  const recorder = spawn(zk, ['record', '-o', file, ...arm], {stdio: 'ignore'}), ended = once(recorder, 'exit');
+  children.push(recorder);
+  while (!existsSync(file)) await sleep(20);
+  for (const posture of postures)
+    await run(zk, ['move', 'joints', ...posture.slice(0, 6), '-y', '--speed', 100, '--max-step', 720, ...arm]);
+  await ask(port, {command: 'zk_sim_fault', arm_err: 4100});
+  await run(zk, ['doctor', ...arm]).catch(() => {});  // states go on
+  recorder.kill('SIGINT');
+  await ended;
+  const {stdout} = await run(zk, ['export', file]);
+  const [names, ...rows] = stdout.trim().split('\n').map((line) => line.split(','));
+  const place = ['x_m', 'y_m', 'z_m'].map((name) => names.indexOf(name));
+  return {file, states: rows.map((row, i) => ({n: i + 1, p: place.map((column) => Number(row[column]))}))};
+}
+
+test('a recording is played, and the slider moves the arm to the recorded place', async () => {
+  const {file, states} = await record();
+  const view = await start(zk, ['view', '--port', '0', file]);
+  const {work} = await firstEvent(view.line, ({name}) => name === 'arm');
+  const page = await browser.open(view.line, {width: 480, height: 420});
+  await page.until('window.zkView?.player?.states');
+  for (const share of [0.9, 0.2, 0.5]) {
+    const i = Math.floor(states.length * share);
+    await page.value(`(() => {
+      const {slider, states, width} = zkView.player;
+      slider.value = states[${i} * width];
+      slider.dispatchEvent(new Event('input'));
+    })()`);
+    await page.until(`zkView.cards[0].state.n === ${i + 1} && !zkView.cards[0].fresh`);
+    await checkDrawn(page, 'zkView.cards[0]', work, states[i], `the recording at ${share}`);
+  }
+  assert.equal(await page.value('document.querySelector(".errors").textContent'), '');
+  await page.value(`document.querySelector('.mark.bad').click()`);
+  await page.until(`document.querySelector('.errors').textContent.includes('0x1004')`);
+  await page.value(`document.querySelector('.player select').value = '4'; document.querySelector('.player button').click()`);
+  await page.until(`zkView.cards[0].state.n === ${states.length} && !zkView.player.plays`);
+  assert.deepEqual(page.complaints, []);
+
+  truncateSync(file, Math.floor(statSync(file).size * 0.6));  // as a recorder leaves it that was killed
+  const cut = await browser.open((await start(zk, ['view', '--port', '0', file])).line);
+  await cut.until('window.zkView?.player?.states');
+  assert.ok(await cut.value(`zkView.player.count`) < states.length);
+  assert.match(await cut.value(`document.querySelector('.player').textContent`), /cut short/);
+});
+
 test('a banner says that the states have stopped, and goes when they come again', async () => {
   const {child, ports} = await simulate([{model: 'ZK65-B'}]);
   const {url} = await watch(ports);
@@ -177,7 +234,7 @@ test('a banner says that the states have stopped, and goes when they come again'
   child.kill('SIGCONT');
   await page.until('document.querySelector(".banner").hidden');
   await ask(ports[0], {command: 'zk_sim_fault', arm_err: 4100});
-  await page.until('document.querySelector(".errors").textContent.includes("4100")');
+  await page.until('document.querySelector(".errors").textContent.includes("0x1004")');
   child.kill('SIGKILL');
   await page.until('zkView.cards[0].link.state === "lost" && !document.querySelector(".banner").hidden');
   assert.deepEqual(page.complaints, []);
@@ -236,6 +293,22 @@ test('a viewer that does not keep up misses states', async () => {
   await slow.return();
 });
 
+test('a view that did not run for a while leaves no state out', async () => {
+  const {ports} = await simulate([{model: 'ZK65-B', 'push-cycle': 4}]);
+  const {child, url} = await watch(ports);
+  const numbers = [];
+  for await (const {name, n} of events(url)) {
+    if (name !== 'state') continue;
+    numbers.push(n);
+    if (numbers.length > 40) break;
+    if (numbers.length !== 5) continue;
+    child.kill('SIGSTOP');
+    await sleep(300);
+    child.kill('SIGCONT');
+  }
+  assert.deepEqual(numbers, numbers.map((_, i) => numbers[0] + i));
+});
+
 test('a sixth page is refused, so that a browser keeps a connection for the stop', async () => {
   const {ports} = await simulate([{model: 'ZK65-B'}]);
   const {url} = await watch(ports);
@@ -251,6 +324,6 @@ test('a sixth page is refused, so that a browser keeps a connection for the stop
 test('an arm that does not answer ends the view at the start', async () => {
   const child = spawn(zk, ['view', '--port', '0', '127.0.0.1:1'], {stdio: ['ignore', 'ignore', 'pipe']});
   const [[text], [status]] = await Promise.all([once(child.stderr, 'data'), once(child, 'exit')]);
-  assert.equal(status, 1);
-  assert.match(String(text), /127\.0\.0\.1:1: /);
+  assert.equal(status, 3);
+  assert.equal(String(text).split('127.0.0.1').length, 2);  // its address, once
 });

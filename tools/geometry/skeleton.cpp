@@ -53,8 +53,8 @@ zk::Result<Chain> chain_of(const zk::Model& model) {
 Skeleton skeleton_of(const Chain& chain) {
     Skeleton skeleton;
     Vector arrived;
+    constexpr double kShortest = 1e-3;
     const auto add = [&skeleton](std::size_t link, Vector from, Vector to) {
-        constexpr double kShortest = 1e-3;
         if (norm(to - from) < kShortest) return;
         skeleton.bones.push_back({link, from, to});
         skeleton.reach += norm(to - from);
@@ -68,7 +68,7 @@ Skeleton skeleton_of(const Chain& chain) {
         add(i, arrived, centre);
         add(i + 1, centre, leaves);
         add(i + 1, leaves, next);
-        skeleton.centres.push_back(centre);
+        skeleton.joints.push_back({centre, norm(leaves - arrived) >= kShortest});
         arrived = next;
     }
     return skeleton;

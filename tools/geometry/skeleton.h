@@ -38,9 +38,13 @@ struct Bone {
 };
 
 struct Skeleton {
-    std::vector<Vector> centres;  // of the joints, on their axes
-    std::vector<Bone> bones;      // in order, each from where the one before it ends
-    double reach = 0;             // their length
+    struct Joint {
+        Vector centre;    // on its axis
+        bool is_in_line;  // a bone lies on its axis
+    };
+    std::vector<Joint> joints;
+    std::vector<Bone> bones;  // in order, each from where the one before it ends
+    double reach = 0;         // their length
 };
 Skeleton skeleton_of(const Chain& chain);
 

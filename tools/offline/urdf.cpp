@@ -50,7 +50,7 @@ std::string cylinder(Vector from, Vector to, double radius) {
 // Capsules along the bones of a link, thinner towards the flange. That of the base has no round end in the ground.
 Shapes shapes_of(const Skeleton& skeleton, std::size_t link, Vector at) {
     const double radius = rounded(
-        skeleton.reach * (0.056 - 0.026 * static_cast<double>(link) / static_cast<double>(skeleton.centres.size())));
+        skeleton.reach * (0.056 - 0.026 * static_cast<double>(link) / static_cast<double>(skeleton.joints.size())));
     Shapes shapes;
     if (link > 0) shapes.push_back(sphere({}, radius));
     for (const Bone& bone : skeleton.bones) {
@@ -98,9 +98,10 @@ void write_urdf(const zk::Model& model, std::ostream& out) {
     Vector at;
     for (std::size_t i = 0; i < chain.joints.size(); ++i) {
         const std::string number = std::to_string(i + 1);
-        const std::string place = origin(skeleton.centres[i] - at) + "<axis xyz=\"" + text_of(chain.joints[i].axis) +
-                                  "\"/>" + limit(limits.min[i], limits.max[i], static_cast<double>(speed[i]));
-        at = skeleton.centres[i];
+        const std::string place = origin(skeleton.joints[i].centre - at) + "<axis xyz=\"" +
+                                  text_of(chain.joints[i].axis) + "\"/>" +
+                                  limit(limits.min[i], limits.max[i], static_cast<double>(speed[i]));
+        at = skeleton.joints[i].centre;
         write_link(out, "link_" + number, shapes_of(skeleton, i + 1, at));
         write_joint(out, "joint_" + number, "revolute", parent, "link_" + number, place);
         parent = "link_" + number;

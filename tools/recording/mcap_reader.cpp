@@ -42,8 +42,11 @@ class Content {
 
 class Reader {
  public:
-    Reader(std::string path, const std::function<void(const McapMessage&)>& on_message)
-        : path_(std::move(path)), on_message_(on_message) {}
+    using OnMessage = std::function<void(const McapMessage&)>;
+    using OnMetadata = std::function<void(const std::string&, const McapMetadata&)>;
+
+    Reader(std::string path, const OnMessage& on_message, const OnMetadata& on_metadata)
+        : path_(std::move(path)), on_message_(on_message), on_metadata_(on_metadata) {}
 
     // Returns whether the data have come to their end.
     bool read(Opcode opcode, Content content) {
@@ -63,6 +66,9 @@ class Reader {
                 break;
             case Opcode::kChunk:
                 read_chunk(content);
+                break;
+            case Opcode::kMetadata:
+                read_metadata(content);
                 break;
             case Opcode::kDataEnd:
             case Opcode::kFooter:
@@ -84,6 +90,16 @@ class Reader {
         on_message_(channel->second);
     }
 
+    void read_metadata(Content& content) {
+        const std::string name(content.blob());
+        McapMetadata values;
+        for (Content pairs(content.blob()); !pairs.empty();) {
+            const std::string key(pairs.blob());
+            values[key] = pairs.blob();
+        }
+        on_metadata_(name, values);
+    }
+
     void read_chunk(Content& content) {
         for (int i = 0; i < 3; ++i) content.number<std::uint64_t>();
         const auto checksum = content.number<std::uint32_t>();
@@ -102,7 +118,8 @@ class Reader {
     }
 
     std::string path_;
-    const std::function<void(const McapMessage&)>& on_message_;
+    const OnMessage& on_message_;
+    const OnMetadata& on_metadata_;
     std::map<std::uint16_t, std::string> types_;
     std::map<std::uint16_t, McapMessage> channels_;
 };
@@ -121,7 +138,8 @@ std::optional<std::pair<Opcode, std::string>> next_record(std::ifstream& file, s
 
 }  // namespace
 
-bool read_mcap(const std::string& path, const std::function<void(const McapMessage&)>& on_message) {
+bool read_mcap(const std::string& path, const std::function<void(const McapMessage&)>& on_message,
+               const std::function<void(const std::string& name, const McapMetadata&)>& on_metadata) {
     std::ifstream file(path, std::ios::binary | std::ios::ate);
     if (!file) throw Failure(kUsage, path + " cannot be read: " + std::strerror(errno));
     const auto size = static_cast<std::uint64_t>(file.tellg());
@@ -129,7 +147,7 @@ bool read_mcap(const std::string& path, const std::function<void(const McapMessa
     std::string magic(kMcapMagic.size(), '\0');
     if (!file.read(magic.data(), static_cast<std::streamsize>(magic.size())) || magic != kMcapMagic)
         throw Failure(kUsage, path + " is no MCAP file");
-    Reader reader(path, on_message);
+    Reader reader(path, on_message, on_metadata);
     try {
         for (;;) {
             const auto record = next_record(file, size);

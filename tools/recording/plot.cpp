@@ -66,7 +66,7 @@ Line thinned(const Line& line) {
 
 class Picture {
  public:
-    void add(const Plot& plot, const std::vector<Point>& marks) {
+    void add(const Plot& plot, const std::vector<Mark>& marks) {
         Range xs, ys;
         for (const auto& [name, line] : plot.lines) {
             for (const Point& point : line) xs.include(point.x), ys.include(point.y);
@@ -86,7 +86,7 @@ class Picture {
             text(kLeft - 6, y_of(y) + 4, label(y), "text-anchor='end'");
         }
         text(right + 6, bottom + 16, plot.x_unit, "");
-        for (const Point& mark : marks) rule(x_of(mark.x), top, x_of(mark.x), bottom, "#c00");
+        for (const auto& [at, is_error, what] : marks) rule(x_of(at), top, x_of(at), bottom, "#c00");
         for (std::size_t i = 0; i < plot.lines.size(); ++i) {
             const auto& [name, line] = plot.lines[i];
             const char* colour = kColours[i % kColours.size()];
@@ -155,21 +155,6 @@ Plot path(const Recording& recording, const char* title, std::size_t across, std
     return {title, "m", "m", {{"tool", std::move(line)}}, true};
 }
 
-// When something happened: an event of the connection, or a change of the error words.
-std::vector<Point> marks_of(const Recording& recording) {
-    std::vector<Point> marks;
-    for (const LogRecord& line : recording.log) {
-        const double at = static_cast<double>(line.unix_ns - recording.states.front().unix_ns) / 1e9;
-        if (!line.is_frame && at > 0) marks.push_back({at, 0});
-    }
-    for (std::size_t i = 1; i < recording.states.size(); ++i) {
-        const ArmRecord &before = recording.states[i - 1], &now = recording.states[i];
-        if (before.arm_error != now.arm_error || before.system_error != now.system_error)
-            marks.push_back({recording.seconds(now), 0});
-    }
-    return marks;
-}
-
 // The speeds that the positions show: controllers leave the speeds out unless they are configured to send them.
 void derive_speeds(Recording& recording) {
     auto& states = recording.states;
@@ -189,7 +174,7 @@ void plot(const PlotRequest& request) {
     if (!request.to.ends_with(".svg")) throw Failure(kUsage, "'" + request.to + "' does not end in .svg");
     Recording recording = load_recording(request.from);
     derive_speeds(recording);
-    const std::vector<Point> marks = marks_of(recording);
+    const std::vector<Mark> marks = marks_of(recording);
     const auto joint = [](std::size_t i) { return "joint " + std::to_string(i + 1); };
     const auto axis = [](std::size_t i) { return std::array{"x", "y", "z", "x (Nm)", "y (Nm)", "z (Nm)"}.at(i); };
     Picture picture;

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "recording/recorder.h"
+#include "report.h"
 
 namespace tool {
 namespace {
@@ -73,9 +74,12 @@ void export_csv(const ExportRequest& request) {
 Recording load_recording(const std::string& path) {
     Recording recording;
     try {
-        recording.is_whole = read_mcap(path, [&](const McapMessage& message) {
+        const auto on_message = [&](const McapMessage& message) {
             if (message.type == kArmTopic.type) recording.states.push_back(read_arm_message(message));
             if (message.type == kLogTopic.type) recording.log.push_back(read_log_message(message));
+        };
+        recording.is_whole = read_mcap(path, on_message, [&](const std::string& name, const McapMetadata& values) {
+            if (name == "arm") recording.arm = values;
         });
     } catch (const std::out_of_range& error) {
         throw Failure(kUsage, path + " holds a message that is none of zk record: " + error.what());
@@ -90,7 +94,7 @@ Recording load_recording(const std::string& path) {
         if (std::exchange(last_ms, state.controller_ms) >= state.controller_ms) recording.has_controller_time = false;
         for (const auto& values :
              {state.position_deg, state.speed_deg_s, state.current_a, state.voltage_v, state.temperature_c}) {
-            if (values.size() != joints || joints > zk::Joints::kMost)
+            if (values.size() != joints || state.joint_error.size() != joints || joints > zk::Joints::kMost)
                 throw Failure(kUsage, path + " holds a state with another number of joints");
         }
     }
@@ -101,6 +105,35 @@ double Recording::seconds(const ArmRecord& state) const {
     const ArmRecord& first = states.front();
     return has_controller_time ? static_cast<double>(state.controller_ms - first.controller_ms) / 1e3
                                : static_cast<double>(state.unix_ns - first.unix_ns) / 1e9;
+}
+
+std::vector<Mark> marks_of(const Recording& recording) {
+    const auto& states = recording.states;
+    std::vector<Mark> marks;
+    for (const LogRecord& line : recording.log) {
+        if (line.is_frame || line.unix_ns <= states.front().unix_ns) continue;
+        const auto next =
+            std::lower_bound(states.begin(), states.end(), line.unix_ns,
+                             [](const ArmRecord& state, std::int64_t unix_ns) { return state.unix_ns < unix_ns; });
+        marks.push_back({recording.seconds(next == states.end() ? states.back() : *next), false, line.text});
+    }
+    ArmRecord nothing;
+    nothing.joint_error.resize(states.front().joint_error.size());
+    const ArmRecord* before = &nothing;
+    for (const ArmRecord& now : states) {
+        std::string text;
+        const auto note = [&text](const std::string& of, std::uint16_t was, std::uint16_t is) {
+            if (was == is) return;
+            text += (text.empty() ? "" : ", ") + of + (is == 0 ? ": no error" : ": error " + hexadecimal(is));
+        };
+        note("arm", before->arm_error, now.arm_error);
+        note("system", before->system_error, now.system_error);
+        for (std::size_t joint = 0; joint < now.joint_error.size(); ++joint)
+            note("joint " + std::to_string(joint + 1), before->joint_error[joint], now.joint_error[joint]);
+        if (!text.empty()) marks.push_back({recording.seconds(now), true, text});
+        before = &now;
+    }
+    return marks;
 }
 
 void add_record(CLI::App& zk) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "command.h"
+#include "recording/arm_description.h"
 #include "recording/messages.h"
 
 namespace tool {
@@ -14,6 +15,7 @@ void add_export(CLI::App& zk);
 struct Recording {
     std::vector<ArmRecord> states;
     std::vector<LogRecord> log;
+    ArmDescription arm;
     bool is_whole = true;  // false: its recorder was killed, or the file was cut
     bool has_controller_time = true;
 
@@ -21,6 +23,14 @@ struct Recording {
     // another.
     double seconds(const ArmRecord& state) const;
 };
+
+// Something that happened: an event of the connection, or a change of the error words.
+struct Mark {
+    double seconds;
+    bool is_error;
+    std::string text;
+};
+std::vector<Mark> marks_of(const Recording& recording);
 
 // Reads an MCAP file of zk record. Throws Failure when it is none, or holds no state.
 Recording load_recording(const std::string& path);

@@ -37,7 +37,7 @@ class Feed {
         Number number = 0;
         std::string text;
     };
-    using Ring = std::array<Event, 32>;
+    using Ring = std::array<Event, 64>;
     struct States {
         Ring ring;
         std::size_t next = 0;

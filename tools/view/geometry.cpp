@@ -16,14 +16,23 @@ Result<Json> described(const Model& model) {
     const Result<JointLimits> limits = model.joint_limits();
     if (!chain) return Unexpected(chain.error());
     if (!limits) return Unexpected(limits.error());
-    Json joints = Json::array();
+    const tool::Skeleton skeleton = tool::skeleton_of(*chain);
+    Json joints = Json::array(), bones = Json::array();
     for (std::size_t i = 0; i < model.joint_count(); ++i) {
         joints.push_back({{"axis", numbers(chain->joints[i].axis, 9)},
                           {"point", numbers(chain->joints[i].point, 7)},
+                          {"centre", numbers(skeleton.joints[i].centre, 7)},
+                          {"inLine", skeleton.joints[i].is_in_line},
                           {"min", rounded(limits->min[i].degrees(), 2)},
                           {"max", rounded(limits->max[i].degrees(), 2)}});
     }
-    return Json{{"name", model.name()}, {"joints", joints}, {"flange", pose(chain->flange)}};
+    for (const tool::Bone& bone : skeleton.bones)
+        bones.push_back({{"link", bone.link}, {"from", numbers(bone.from, 7)}, {"to", numbers(bone.to, 7)}});
+    return Json{{"name", model.name()},
+                {"joints", joints},
+                {"flange", pose(chain->flange)},
+                {"bones", bones},
+                {"reach", skeleton.reach}};
 }
 
 }  // namespace
@@ -55,6 +64,18 @@ Json pose(const Pose& pose) {
 Json chain(const Model& model) {
     Result<Json> chain = described(model);
     return chain ? *std::move(chain) : Json::object();
+}
+
+Json description(const Model* model, std::size_t joint_count) {
+    float x = 0, y = 0, z = 0;
+    if (model) ZK_Model_Get_Mounting(model->get(), &x, &y, &z);
+    const auto turn = [](float angle) { return degrees(angle); };
+    const auto frame = [](const Result<Pose>& frame) { return pose(frame ? *frame : Pose()); };
+    return {{"chain", model ? chain(*model) : Json::object()},
+            {"jointCount", joint_count},
+            {"mounting", pose(Pose({}, Rotation::from_euler(turn(x), turn(y), turn(z))))},
+            {"tool", frame(model ? model->tool() : Pose())},
+            {"work", frame(model ? model->work_frame() : Pose())}};
 }
 
 }  // namespace zk::view

@@ -17,8 +17,11 @@ Json numbers(const Joints& joints);
 // {"p": metres, "q": quaternion, the scalar first}
 Json pose(const Pose& pose);
 
-// The joints' axes and the flange with all joints at 0, in the base's frame; the limits. Empty when the model does not
-// tell.
+// The joints' axes, the bones and the flange with all joints at 0, in the base's frame; the limits. Empty when the
+// model does not tell.
 Json chain(const Model& model);
+
+// An arm, its mounting and its frames. model: null for one that is not known.
+Json description(const Model* model, std::size_t joint_count);
 
 }  // namespace zk::view

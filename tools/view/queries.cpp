@@ -81,17 +81,10 @@ Queries::Queries(std::size_t number, const Arm& arm, Feed& feed)
               {"fences", &Queries::fences, 0}}} {
     RealtimePushConfig push{};
     const bool known = arm_.call<Get_Realtime_Push>(&push).has_value();
-    float x = 0, y = 0, z = 0;
-    if (model_) ZK_Model_Get_Mounting(model_->get(), &x, &y, &z);
-    tell("arm", {{"chain", model_ ? chain(*model_) : Json::object()},
-                 {"jointCount", arm_.joint_count()},
-                 {"mounting", pose(Pose({}, Rotation::from_euler(static_cast<double>(x) * degrees(1),
-                                                                 static_cast<double>(y) * degrees(1),
-                                                                 static_cast<double>(z) * degrees(1))))},
-                 {"tool", model_ && model_->tool() ? pose(*model_->tool()) : pose({})},
-                 {"work", model_ && model_->work_frame() ? pose(*model_->work_frame()) : pose({})},
-                 {"pushesSpeed", known && push.joint_speed == 1},
-                 {"pushesStatus", known && push.arm_current_status == 1}});
+    Json facts = description(model_ ? &*model_ : nullptr, arm_.joint_count());
+    facts["pushesSpeed"] = known && push.joint_speed == 1;
+    facts["pushesStatus"] = known && push.arm_current_status == 1;
+    tell("arm", std::move(facts));
 }
 
 void Queries::tell(const char* name, Json fact) {

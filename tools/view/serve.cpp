@@ -7,6 +7,8 @@
 #include <string>
 #include <thread>
 
+#include "command.h"
+#include "remedy.h"
 #include "view/page.h"
 #include "view/server.h"
 #include "view/view.h"
@@ -34,35 +36,33 @@ std::string new_token() {
     return token;
 }
 
-bool watch_all(const Options& options, Feed& feed, Server::Watchers& watchers) {
+void watch_all(const Options& options, Feed& feed, Server::Watchers& watchers) {
     for (const Address& address : options.arms) {
         watchers.push_back(std::make_unique<Watcher>(watchers.size(), address, feed));
-        if (const Result<void> started = watchers.back()->start(); !started) {
-            std::cerr << "zk view: " << watchers.back()->name() << ": " << started.error().message() << '\n';
-            return false;
-        }
+        const Watcher& watcher = *watchers.back();
+        if (const Result<void> started = watchers.back()->start(); !started)
+            throw tool::Failure(tool::kNoArm, tool::sentence_of_no_arm(watcher.name(), address.host, started.error()));
     }
-    return true;
 }
 
 }  // namespace
 
-int serve(const Options& options) {
-    if (kPage[0].path.empty()) {
-        std::cerr << "zk view: this program was built without the page, which needs node and npm.\n";
-        return 1;
-    }
+void serve(const Options& options) {
+    if (kPage[0].path.empty())
+        throw tool::Failure(tool::kFailed, "this program was built without the page, which needs node and npm");
     const sigset_t signals = blocked_signals();
+    const Film* film = options.film ? &*options.film : nullptr;
     const std::string token = options.control ? new_token() : "";
-    Feed feed(options.arms.size());
+    Feed feed(film ? 1 : options.arms.size());
+    if (film) feed.set_fact(0, "arm", film->arm);
     Server::Watchers watchers;
-    Server server(feed, watchers, token);
+    Server server(feed, watchers, token, film);
     const int port = server.bind(options.port);
     if (port < 0) {
-        std::cerr << "zk view: port " << options.port << " is taken on this machine: choose another by --port.\n";
-        return 1;
+        throw tool::Failure(tool::kFailed, "port " + std::to_string(options.port) +
+                                               " is taken on this machine: choose another by --port");
     }
-    if (!watch_all(options, feed, watchers)) return 1;
+    watch_all(options, feed, watchers);
     std::thread serving([&server] { server.run(); });
     std::cout << "http://127.0.0.1:" << port << '/' << (token.empty() ? "" : "#token=" + token) << std::endl;
     int signal = 0;
@@ -71,7 +71,6 @@ int serve(const Options& options) {
     server.end();
     serving.join();
     for (const auto& watcher : watchers) watcher->end();
-    return 0;
 }
 
 }  // namespace zk::view

@@ -51,8 +51,8 @@ void refuse(httplib::Response& response, int status, const std::string& text) {
 
 }  // namespace
 
-Server::Server(Feed& feed, const Watchers& watchers, std::string token)
-    : feed_(feed), watchers_(watchers), token_(std::move(token)) {
+Server::Server(Feed& feed, const Watchers& watchers, std::string token, const Film* film)
+    : feed_(feed), watchers_(watchers), token_(std::move(token)), film_(film) {
     server_.new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
     server_.set_socket_options(set_socket_options);
     server_.set_tcp_nodelay(true);
@@ -70,6 +70,13 @@ Server::Server(Feed& feed, const Watchers& watchers, std::string token)
         return httplib::Server::HandlerResponse::Handled;
     });
     serve_files();
+    if (film_)
+        server_.Get("/recording", [this](const auto&, httplib::Response& response) {
+            response.set_content_provider(film_->states.size(), "application/octet-stream",
+                                          [this](std::size_t from, std::size_t length, httplib::DataSink& sink) {
+                                              return sink.write(film_->states.data() + from, length);
+                                          });
+        });
     server_.Get("/events", [this](const auto&, httplib::Response& response) { stream(response); });
     server_.Post("/seen", [this](const httplib::Request& request, httplib::Response& response) {
         note_seen(request);
@@ -104,7 +111,9 @@ void Server::serve_files() {
 std::string Server::welcome(Number viewer) const {
     Json arms = Json::array();
     for (const auto& watcher : watchers_) arms.push_back(watcher->name());
-    const Json welcome{{"viewer", viewer}, {"arms", arms}, {"control", !token_.empty()}};
+    if (film_) arms.push_back(film_->name);
+    Json welcome{{"viewer", viewer}, {"arms", arms}, {"control", !token_.empty()}};
+    if (film_) welcome["recording"] = Json::parse(film_->about);
     return "event: welcome\ndata: " + welcome.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n\n";
 }
 

@@ -19,8 +19,8 @@ class Server {
  public:
     using Watchers = std::vector<std::unique_ptr<Watcher>>;
 
-    // token: what who stops an arm has to know; "" offers no stop.
-    Server(Feed& feed, const Watchers& watchers, std::string token);
+    // token: what who stops an arm has to know; "" offers no stop. film: a recording to play, or null.
+    Server(Feed& feed, const Watchers& watchers, std::string token, const Film* film);
 
     // Takes the port, or any free one for 0. The port; -1 when it is taken.
     int bind(int port);
@@ -45,6 +45,7 @@ class Server {
     Feed& feed_;
     const Watchers& watchers_;
     std::string token_;
+    const Film* film_;
     httplib::Server server_;
     int port_ = 0;
     std::mutex lock_;

@@ -1,6 +1,7 @@
 // The live view: a page on this machine that shows arms as they move.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,15 +14,24 @@ struct Address {
     std::string name;  // what the page calls the arm; "": its address
 };
 
+// A recording, which the page plays in place of arms.
+struct Film {
+    std::string name;
+    std::string arm;     // the event of that name
+    std::string about;   // JSON: what the page knows before it has the states
+    std::string states;  // floats, of each state those of all columns
+};
+
 struct Options {
     std::vector<Address> arms;
+    std::optional<Film> film;
     int port = 8090;       // of the page, on 127.0.0.1; 0: any free one
     bool control = false;  // offers a stop, to who knows the token
 };
 
-// Serves the page until SIGINT or SIGTERM. Writes its address on standard output, and errors on standard error. Every
-// arm must answer at first; one that is lost later is connected to again. Returns an exit status: 0; 1 when an arm does
-// not answer, the port is taken, or the program was built without the page.
-int serve(const Options& options);
+// Serves the page until SIGINT or SIGTERM. Writes its address on standard output. Every arm must answer at first; one
+// that is lost later is connected to again. Throws Failure when one does not answer, the port is taken, or the program
+// was built without the page.
+void serve(const Options& options);
 
 }  // namespace zk::view

@@ -2,9 +2,12 @@
 
 #include <array>
 #include <chrono>
+#include <thread>
 #include <utility>
 
-#include "view/geometry.h"
+#include "look/push.h"
+#include "remedy.h"
+#include "report.h"
 #include "view/queries.h"
 
 namespace zk::view {
@@ -14,6 +17,7 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kBetweenQueries{60};
 constexpr milliseconds kBetweenAttempts{1000};
+constexpr milliseconds kBetweenLooks{2};
 constexpr std::int32_t kPushIsLateMs = 600;
 
 Json link(const std::string& state, const std::string& text, const std::string& advice) {
@@ -57,20 +61,11 @@ class Errors {
     void show(std::uint16_t arm_error, std::uint16_t system_error) {
         if (known_ == std::pair<int, int>(arm_error, system_error)) return;
         known_ = {arm_error, system_error};
-        Json errors = Json::array();
-        add(errors, "the arm", arm_error, arm_error, 0);
-        add(errors, "the system", system_error, 0, system_error);
+        const Json errors = tool::json_of_errors(arm_error, system_error);
         feed_.set_fact(arm_, "errors", Json{{"arm", arm_}, {"list", errors}}.dump());
     }
 
  private:
-    static void add(Json& errors, const char* what, int word, std::uint16_t arm_error, std::uint16_t system_error) {
-        ZK_Advice advice{};
-        if (word == 0) return;
-        ZK_Explain(0, arm_error, system_error, &advice);
-        errors.push_back({{"of", what}, {"word", word}, {"text", advice.cause}, {"advice", advice.remedy}});
-    }
-
     std::size_t arm_;
     Feed& feed_;
     std::pair<int, int> known_{-1, -1};
@@ -116,6 +111,11 @@ Result<Arm> Watcher::connect() {
     return Arm::connect(address_.host, address_.port, options);
 }
 
+void Watcher::say(const Json& link) {
+    feed_.set_fact(number_, "link",
+                   Json{{"arm", number_}, {"link", link}}.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
 void Watcher::run(Arm first) {
     Result<Arm> arm = std::move(first);
     do {
@@ -125,8 +125,7 @@ void Watcher::run(Arm first) {
             watch(*arm);
             arm = Unexpected(Error{});
         } else {
-            feed_.set_fact(number_, "link",
-                           Json{{"arm", number_}, {"link", link("lost", arm.error().message(), "")}}.dump());
+            say(link("lost", arm.error().text, tool::remedy_of(arm.error())));
         }
     } while (pause(kBetweenAttempts));
 }
@@ -134,14 +133,17 @@ void Watcher::run(Arm first) {
 void Watcher::watch(const Arm& arm) {
     Queries queries(number_, arm, feed_);
     Errors errors(number_, feed_);
-    const auto say = [this](const Json& link) {
-        feed_.set_fact(number_, "link", Json{{"arm", number_}, {"link", link}}.dump());
-    };
-    StateStream states = arm.states();
-    states.on_state([&](const State& state) {
-        feed_.add_state(number_, state_event(number_, state.record).dump());
-        errors.show(state.arm_error(), state.system_error());
+    const StateStream states = arm.states();
+    // In a thread of its own: a question may take long. Each state counts, so it does not look at the last one alone.
+    const std::jthread reader([&](const std::stop_token& ends) {
+        for (StateStream all = arm.states(); !ends.stop_requested(); std::this_thread::sleep_for(kBetweenLooks)) {
+            for (Result<State> state = all.next_in_order(); state; state = all.next_in_order()) {
+                feed_.add_state(number_, state_event(number_, state->record).dump());
+                errors.show(state->arm_error(), state->system_error());
+            }
+        }
     });
+    tool::Finding silence{};
     say(link("up", "", ""));
     while (pause(kBetweenQueries)) {
         const Result<ZK_ConnectionRecord> record = arm.connection();
@@ -155,8 +157,8 @@ void Watcher::watch(const Arm& arm) {
         if (latest) {
             say(link("up", "", ""));
         } else if (latest.error().status == ZK_NO_STATE) {
-            say(link("silent", "The controller answers, but pushes no state to this program.",
-                     "Enable the push (Set_Realtime_Push), or close the program that receives it on this machine."));
+            if (silence.sentence.empty()) silence = tool::why_no_state(arm);
+            say(link("silent", silence.sentence, silence.remedy));
         }
     }
 }

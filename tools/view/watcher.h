@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "view/feed.h"
+#include "view/geometry.h"
 #include "view/view.h"
 #include "zk/arm.hpp"
 
@@ -36,6 +37,7 @@ class Watcher {
     [[nodiscard]] Result<Arm> connect();
     void run(Arm arm);
     void watch(const Arm& arm);
+    void say(const Json& link);
     // Whether the watch goes on after this pause.
     bool pause(std::chrono::milliseconds time);
 

@@ -1,7 +1,6 @@
 // The body of an arm, made from its bones: tapering capsules along the links and a drum on each joint's axis.
 import * as three from 'three';
 import {jointColours} from './colours.js';
-import {skeleton} from './kinematics.js';
 
 const up = new three.Vector3(0, 1, 0);
 
@@ -46,7 +45,7 @@ export class Body {
   // look: {shell, joint, metal, ring(i)}, materials. ghost: without the parts that only decorate.
   constructor(chain, look) {
     this.chain = chain;
-    const {joints, segments, reach} = skeleton(chain);
+    const {joints, bones, reach} = chain;
     this.reach = reach;
     this.root = new three.Group();
     this.links = Array.from({length: joints.length + 1}, () => {
@@ -57,17 +56,20 @@ export class Body {
     });
     const radius = (link) => reach * (0.056 - 0.026 * link / joints.length);
     this.tipRadius = radius(joints.length);
-    segments.forEach(({link, from, to}, i) => {
+    bones.forEach(({link, ...bone}, i) => {
+      const from = new three.Vector3(...bone.from), to = new three.Vector3(...bone.to);
       if (i === 0) from.lerp(to, Math.min(radius(0) / from.distanceTo(to), 0.9));  // flat on the ground
       const way = to.clone().sub(from);
       const mesh = new three.Mesh(capsule(way.length(), radius(link), radius(link + 0.6)), look.shell);
       this.links[link].add(place(mesh, from, way));
     });
-    joints.forEach(({centre, axis, inLine}, i) => this.addJoint(i, centre, axis, inLine, radius(i + 0.4), look));
+    joints.forEach((joint, i) => this.addJoint(i, joint, radius(i + 0.4), look));
     this.addEnds(look, radius);
   }
 
-  addJoint(i, centre, axis, inLine, radius, look) {
+  addJoint(i, joint, radius, look) {
+    const {inLine} = joint, centre = new three.Vector3(...joint.centre);
+    const axis = new three.Vector3(...joint.axis).normalize();
     const wide = radius * (inLine ? 1.1 : 1.16), long = radius * (inLine ? 1.1 : 2.5);
     this.links[i].add(place(new three.Mesh(drum(wide, long), look.joint), centre, axis));
     // A band where what turns meets what stands.

@@ -90,13 +90,26 @@ export class Card {
     this.watch();
   }
 
-  // A state has come: it is drawn with the next frame of the screen, unless a newer one comes before.
+  // A state has come.
   take(state) {
     this.pulse.beat(state);
+    this.put(state);
+  }
+
+  // A state is drawn with the next frame of the screen, unless a newer one comes before.
+  put(state) {
     this.addSpeed(state);
     this.state = state;
     this.fresh = true;
     this.plots?.add(state);
+  }
+
+  // From now on plots and path hold what came with these states, and later.
+  rewind(states) {
+    this.mark = null;
+    this.plots?.clear();
+    for (const state of states) this.put(state);
+    this.stage?.retrace(states);
   }
 
   // Speeds that the controller does not push, from the way since a tenth of a second ago.
@@ -123,7 +136,7 @@ export class Card {
       this.panel.show(this.state);
       this.showDoing();
     }
-    if (this.plots && now - this.plotted > plotsEveryMs && this.pulse.last) {
+    if (this.plots && now - this.plotted > plotsEveryMs && this.state) {
       this.plotted = now;
       this.plots.draw();
       write(this.rate, this.pulse.rate ? `${Math.round(this.pulse.rate)} states/s` : '');

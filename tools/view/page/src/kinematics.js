@@ -16,8 +16,10 @@ function turn({axis, point}, degrees) {
 }
 
 export class Chain {
-  constructor({joints, flange}) {
+  constructor({joints, flange, bones, reach}) {
     this.joints = joints;
+    this.bones = bones;
+    this.reach = reach;
     this.flange = matrixOf(flange);
   }
 
@@ -31,42 +33,4 @@ export class Chain {
   flangeAt(degrees) {
     return this.links(degrees).at(-1).multiply(this.flange);
   }
-}
-
-// The feet of the shortest way between two lines: [on the first, on the second]. Of parallel lines: the one that begins
-// at `near` on the first.
-function shortest(a, b, near) {
-  const across = new Vector3().crossVectors(a.axis, b.axis);
-  const square = across.lengthSq();
-  if (square < 1e-6) {
-    const along = near.clone().sub(b.point).dot(b.axis);
-    return [near.clone(), b.point.clone().addScaledVector(b.axis, along)];
-  }
-  const way = b.point.clone().sub(a.point);
-  const s = new Vector3().crossVectors(way, b.axis).dot(across) / square;
-  const t = new Vector3().crossVectors(way, a.axis).dot(across) / square;
-  return [a.point.clone().addScaledVector(a.axis, s), b.point.clone().addScaledVector(b.axis, t)];
-}
-
-// The bones of an arm with all joints at 0: joints with their centre and axis, and segments of the links. Link 0 stands,
-// link i turns with joint i. From joint to joint the way goes along one axis and straight over to the next.
-export function skeleton(chain) {
-  const lines = chain.joints.map(({axis, point}) =>
-    ({axis: new Vector3(...axis).normalize(), point: new Vector3(...point)}));
-  const end = new Vector3().setFromMatrixPosition(chain.flange);
-  const joints = [], segments = [];
-  let arrived = new Vector3();
-  const add = (link, from, to) => {
-    if (from.distanceTo(to) > 1e-3) segments.push({link, from: from.clone(), to: to.clone()});
-  };
-  lines.forEach((line, i) => {
-    const [leaves, next] = i + 1 < lines.length ? shortest(line, lines[i + 1], arrived) : [end, end];
-    const centre = arrived.clone().lerp(leaves, i + 1 < lines.length ? 0.5 : 0.35);
-    add(i, arrived, centre);
-    add(i + 1, centre, leaves);
-    add(i + 1, leaves, next);
-    joints.push({centre, axis: line.axis, inLine: arrived.distanceTo(leaves) > 1e-3});
-    arrived = next;
-  });
-  return {joints, segments, reach: segments.reduce((sum, {from, to}) => sum + from.distanceTo(to), 0)};
 }

@@ -6,6 +6,7 @@ import {Euler, Quaternion} from 'three';
 const doings = ['at rest', 'along a line', 'joint motion', 'on a circle', 'on a spline', 'following joints',
                 'following poses', 'following poses with force', 'dragged by current', 'stopping', 'slowing down',
                 'paused', 'dragged by hand', 'dragged by hand', 'replaying'];
+const owners = {arm: 'the arm', system: 'the system'};
 const degrees = 180 / Math.PI;
 
 const fixed = (value, digits) => (Object.is(Math.round(value * 10 ** digits), -0) ? 0 : value).toFixed(digits);
@@ -21,7 +22,8 @@ function pairs(names) {
 }
 
 export class Panel {
-  constructor(box, {chain, jointCount}) {
+  constructor(box, {chain, jointCount, recorded}) {
+    this.recorded = recorded;
     this.limits = Array.from({length: jointCount}, (_, i) => chain.joints?.[i] ?? {min: -360, max: 360});
     this.rows = this.limits.map((limit, i) => this.jointRow(limit, i));
     this.pose = pairs(['x', 'y', 'z', 'rx', 'ry', 'rz']);
@@ -99,9 +101,9 @@ export class Panel {
     const text = error.join();
     if (text === this.jointErrors) return;
     this.jointErrors = text;
-    this.joints = error.flatMap((word, i) => (word ? [{of: `joint ${i + 1}`, word,
-      text: `Joint ${i + 1} reports error ${word}.`,
-      advice: 'Find the cause at the joint, then clear the error (Set_Joint_Err_Clear).'}] : []));
+    this.joints = error.flatMap((word, i) => (word ? [{of: `joint ${i + 1}`,
+      word: `0x${word.toString(16).padStart(4, '0')}`, cause: `Joint ${i + 1} reports an error.`,
+      remedy: 'Find the cause at the joint, then run zk clear.'}] : []));
     this.writeErrors();
   }
 
@@ -112,8 +114,8 @@ export class Panel {
 
   writeErrors() {
     const all = [...(this.words ?? []), ...(this.joints ?? [])];
-    this.errors.replaceChildren(...all.map(({of, word, text, advice}) => element('article', {},
-      element('strong', {}, `Error ${word} of ${of}`), element('p', {}, text), element('p.faint', {}, advice))));
+    this.errors.replaceChildren(...all.map(({of, word, cause, remedy}) => element('article', {},
+      element('strong', {}, `Error ${word} of ${owners[of] ?? of}`), element('p', {}, cause), element('p.faint', {}, remedy))));
   }
 
   setFrames(facts) {
@@ -144,6 +146,11 @@ export class Panel {
   note() {
     const {target, fences, chain} = this.facts, notes = [];
     if (chain && !chain.joints) notes.push('The shape of this arm: its model has no geometry.');
+    if (this.recorded) {
+      notes.push('Targets, fences, the gripper, inputs and outputs: a recording holds none of them.',
+                 'The force without the weight of the tool: a recording holds what the sensor feels.');
+      return this.writeNotes(notes);
+    }
     if (target?.unknown) notes.push('Where a motion goes: the controller does not answer that question.');
     else if (target?.kind && !target.joints) notes.push('The posture at the target: no posture of the model reaches it.');
     else notes.push('Where streamed set-points go next, and motions that wait behind the current one.');
@@ -151,6 +158,10 @@ export class Panel {
       if (what && !what.known) notes.push(`The size of the ${name} in use: of a ${what.form ?? 'form like this'} the controller reports none.`);
     if (fences?.unknown) notes.push('Fences and walls: the controller does not answer.');
     notes.push('What the gripper holds: a block as wide as its opening stands for it while it grips with a force.');
+    this.writeNotes(notes);
+  }
+
+  writeNotes(notes) {
     this.notes.replaceChildren(...notes.map((text) => element('li', {}, text)));
   }
 

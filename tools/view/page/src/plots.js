@@ -69,6 +69,11 @@ export class Plots {
     this.newest = state.t;
   }
 
+  clear() {
+    this.next = 0;
+    for (const {data} of this.plots) for (const column of data) column.length = 0;
+  }
+
   draw() {
     for (const {chart, data} of this.plots)
       chart.setData([data[0].map((time) => (time - this.newest) / 1000), ...data.slice(1)]);

@@ -1,4 +1,4 @@
-// The picture of one arm. It draws a state at a time, whoever has it: the stream, or later a recording.
+// The picture of one arm. It draws a state at a time, whoever has it: the stream or a recording.
 import * as three from 'three';
 import {OrbitControls} from 'three/examples/jsm/controls/OrbitControls.js';
 import {RoomEnvironment} from 'three/examples/jsm/environments/RoomEnvironment.js';
@@ -256,9 +256,17 @@ export class Stage {
     this.showForce(state);
   }
 
+  // The path anew, where the tool was with these states.
+  retrace(states) {
+    if (!this.chain) return;
+    this.path.points = [];
+    for (const {t, p} of states) this.follow(t, new three.Vector3(...p).applyMatrix4(this.workFrame));
+    this.pathIsOld = this.stale = true;
+  }
+
   // The path of the tool in the last minute.
-  follow(time) {
-    const {points} = this.path, last = points.at(-1), at = this.tip.position;
+  follow(time, at = this.tip.position) {
+    const {points} = this.path, last = points.at(-1);
     while (points.length && time - points[0].time > 60000) this.pathIsOld = points.shift();
     if (last && at.distanceTo(last.at) < 0.003) return;
     points.push({time, at: at.clone()});
