@@ -12,6 +12,7 @@ def findings(report):
     return {check["check"]: check for check in report["checks"]}
 
 
+@pytest.mark.zk_base(speed=1)
 def test_doctor_finds_nothing_wrong(zk_on):
     report = zk_on.json("doctor")
     assert report["ok"] and report["measured"]["free_connections"] == 3

@@ -28,7 +28,7 @@ def run(zk_on, tmp_path):
     recorder = zk_on.start("record", "-o", path, "--wire", stderr=subprocess.STDOUT)
     while not path.exists():  # it is connected, and has the port of the states
         assert recorder.poll() is None, recorder.stdout.read()
-    while path.stat().st_size < 100_000:  # a first chunk of states
+    while path.stat().st_size < 400_000:  # two chunks of states, of which a cut leaves one
         for angle in (0, 40):
             zk_on("move", "joints", angle, *HOME[1:], "-y", "--speed", 100)
     recorder.send_signal(signal.SIGINT)
