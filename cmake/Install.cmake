@@ -51,13 +51,16 @@ if(TARGET zk)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/tools/schemas DESTINATION ${CMAKE_INSTALL_DATADIR}/zk_base COMPONENT tools)
   install(FILES ${PROJECT_SOURCE_DIR}/tools/README.md DESTINATION ${ZK_DOC_DIR}/zk-tools COMPONENT tools)
   if(NOT CMAKE_CROSSCOMPILING OR CMAKE_CROSSCOMPILING_EMULATOR)
-    add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/zk.bash ${PROJECT_BINARY_DIR}/zk.sections
+    add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/zk.bash ${PROJECT_BINARY_DIR}/zk.fish ${PROJECT_BINARY_DIR}/zk.sections
                        COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:zk> completion bash > zk.bash
+                       COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:zk> completion fish > zk.fish
                        COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:zk> completion man > zk.sections
                        WORKING_DIRECTORY ${PROJECT_BINARY_DIR} DEPENDS zk VERBATIM)
     add_custom_target(zk_completion ALL DEPENDS ${PROJECT_BINARY_DIR}/zk.bash)
     install(FILES ${PROJECT_BINARY_DIR}/zk.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
             RENAME zk COMPONENT tools)
+    install(FILES ${PROJECT_BINARY_DIR}/zk.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
+            COMPONENT tools)
   endif()
   zk_manual(zk tools "look at robot arms, move them, compute on their models" ${PROJECT_BINARY_DIR}/zk.sections)
 endif()

@@ -110,11 +110,19 @@ def test_needs_a_terminal(zk_on):
     assert "needs a terminal" in zk_on("jog", status=2)
 
 
+@pytest.mark.parametrize("shell", ["bash", "zsh", "fish"])
 @pytest.mark.parametrize("words, offered", [
-    (["sto"], ["stop"]), (["move", ""], ["joints", "pose", "line"]), (["move", "line", "--dry"], ["--dry-run"]),
+    (["sto"], ["stop"]), (["move", ""], ["joints", "line", "pose"]), (["move", "line", "--dry"], ["--dry-run"]),
     (["doctor", "--js"], ["--json"]), (["plot", "x"], [])])
-def test_completion(zk, words, offered):
-    script = (zk("completion", "bash") + f"COMP_WORDS=(zk {' '.join(repr(word) for word in words)}) "
-              f"COMP_CWORD={len(words)}; _zk; echo ${{COMPREPLY[@]}}")
-    out = subprocess.run(["bash", "-euc", script], capture_output=True, text=True, check=False)
-    assert out.stdout.split() == offered, out.stderr
+def test_completion(zk, shell, words, offered, tmp_path):
+    ask = (f"complete -C 'zk {' '.join(words)}'" if shell == "fish" else
+           f"COMP_WORDS=(zk {' '.join(map(repr, words))}); COMP_CWORD={len(words)}; _zk; printf '%s\\n' ${{COMPREPLY[@]}}")
+    if shell == "zsh":  # as bashcompinit calls the function, without a terminal
+        ask = f"setopt ksharrays; {ask}"
+    script = f"compdef() {{ :; }}\n{zk('completion', shell)}{ask}" if shell == "zsh" else zk("completion", shell) + ask
+    out = subprocess.run([shell, *(["-f"] if shell == "zsh" else []), "-c", script], capture_output=True, text=True,
+                         check=False, cwd=tmp_path, env={**os.environ, "HOME": str(tmp_path)})
+    found = sorted(line.split("\t")[0] for line in out.stdout.splitlines() if line)
+    assert not out.stderr
+    # Without a terminal zsh compares no prefix.
+    assert found == offered if shell != "zsh" else set(offered) <= set(found) and bool(found) == bool(offered)
