@@ -1,6 +1,7 @@
 #!/usr/bin/env node
 // How many frames a second the live view draws of a moving arm that pushes its state every 5 ms, and whether it falls
-// behind: live_view.mjs ZK SIMULATOR [SECONDS [CHROMIUM]]. Without a graphics card the processor draws.
+// behind: live_view.mjs ZK SIMULATOR [SECONDS [CHROMIUM]]. Without a graphics card the processor draws; what the page's
+// own thread takes for a frame then says how many a card could show.
 import {spawn} from 'node:child_process';
 import {once} from 'node:events';
 import {createConnection} from 'node:net';
@@ -38,8 +39,16 @@ await page.value(`(() => {
   const {stage} = card, draw = stage.draw.bind(stage);
   stage.draw = () => { const drew = draw(); measured.frames += drew; return drew; };
 })()`);
+await page.send('Performance.enable');
+const busy = async () => {
+  const {metrics} = await page.send('Performance.getMetrics');
+  return metrics.find(({name}) => name === 'TaskDuration').value;
+};
+const before = await busy();
 await sleep(Number(seconds) * 1000);
+const taken = await busy() - before;
 const {frames, lags} = await page.value('measured');
+console.log(`the page's thread worked ${(1000 * taken / frames).toFixed(1)} ms for a frame`);
 const share = (values, part) => [...values].sort((a, b) => a - b)[Math.floor((values.length - 1) * part)];
 const halves = [lags.slice(0, lags.length / 2), lags.slice(lags.length / 2)];
 console.log(`${(frames / seconds).toFixed(1)} frames/s, ${(lags.length / seconds).toFixed(1)} states/s`);
