@@ -108,7 +108,7 @@ int await_report(const Connection& connection, Device device, const std::functio
         }
         seen = seen || motion.expected;
         if (!motion.idle && !motion.expected && reported()) continue;
-        pause(connection, kMotionPollMs);
+        pause(connection, kMotionPollMs, Move_Cmd);
         if (!motion.idle || (!seen && ++idles < kMostIdlePolls)) continue;
         if (!reported()) return connection.is_open() ? ZK_NO_TRAJECTORY : ZK_NOT_CONNECTED;
     }
@@ -125,8 +125,9 @@ int move_device(const Request& request, Mailbox acknowledgement, const DeviceMov
     if (const int status = post(request)) return status;
 
     const int32_t start = Get_Program_Runtime();
-    for (;; sleep_cp(kPollMs)) {
-        const bool acknowledged = has_arrived(acknowledgement, connection);
+    bool acknowledged = false;
+    for (;; pause(connection, kPollMs, acknowledged ? reports : acknowledgement)) {
+        acknowledged = has_arrived(acknowledgement, connection);
         const int refused = acknowledged ? acknowledgement.result(slot) : 0;
         const bool reported = has_arrived(reports, connection);
         if (const int status = connection.status()) return status;

@@ -374,8 +374,11 @@ ZK_API int Auto_Fix_Joint_Over_Soft_Limit_Block(ArmSocket s) {
     reports.clear(connection.slot());
     if (is_handle(s)) accepted.clear(connection.slot());
     if (const int status = post({s, "auto_fix_joint_over_soft_limit"})) return status;
-    for (const int32_t start = Get_Program_Runtime();; sleep_cp(kPollMs)) {
-        const bool acknowledged = has_arrived(accepted, connection), arrived = has_arrived(reports, connection);
+    const int32_t start = Get_Program_Runtime();
+    bool acknowledged = false;
+    for (;; pause(connection, kPollMs, acknowledged ? reports : accepted)) {
+        acknowledged = has_arrived(accepted, connection);
+        const bool arrived = has_arrived(reports, connection);
         if (const int status = connection.status()) return status;
         if (!acknowledged) {
             if (elapsed_since(start) >= read(m_nOutTime)) return ZK_TIMEOUT;

@@ -127,7 +127,7 @@ class Run {
             } else if (state.run_state == ZK_PROGRAM_RUNNING) {
                 if (has_arrived(finish_, connection_)) return take_result(finish_, connection_);
                 seen_ = true;
-                pause(connection_, kRunPollMs);
+                pause(connection_, kRunPollMs, finish_);
             } else if (state.run_state != ZK_PROGRAM_NONE) {
                 sleep_cp(kPollMs);
             } else if (seen_ || ++idle_ == kMostIdlePolls) {

@@ -59,7 +59,7 @@ class StallDetector {
                 }
                 if (!status && stands_still(angles)) return ZK_NO_TRAJECTORY;
             }
-            pause(connection_, kStallPollMs);
+            pause(connection_, kStallPollMs, Move_Cmd);
         }
     }
 

@@ -37,9 +37,13 @@ bool has_arrived(Mailbox mailbox, const Connection& connection) {
     return connection.slot() >= 0 && mailbox.count(connection.slot()) > 0;
 }
 
+void pause(const Connection& connection, int32_t milliseconds, Mailbox awaited) {
+    pause(connection, milliseconds, [&] { return has_arrived(awaited, connection); });
+}
+
 int await(Mailbox mailbox, const Connection& connection, int32_t limit, int32_t poll) {
     const int32_t start = Get_Program_Runtime();
-    for (;; sleep_cp(poll)) {
+    for (;; pause(connection, poll, mailbox)) {
         const bool arrived = has_arrived(mailbox, connection);
         if (arrived && connection.is_open()) return ZK_OK;
         if (const int status = connection.status()) return status;

@@ -58,6 +58,9 @@ int await_result(Mailbox mailbox, const Connection& connection, int32_t limit, T
 // own.
 bool has_arrived(Mailbox mailbox, const Connection& connection);
 
+// Sleeps between two looks; on a connection of ZK_Connect at most until a reply is in the mailbox.
+void pause(const Connection& connection, int32_t milliseconds, Mailbox awaited);
+
 // m_nOutTime plus a number of milliseconds.
 int32_t limit_beyond(int32_t milliseconds);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <condition_variable>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -48,6 +49,7 @@ struct Claim {
 
 struct Desk {
     std::mutex lock;
+    std::condition_variable message_came;
     std::vector<Claim> claims;
     Deadline bound_of_all;
     std::array<double, kKeptTrips> trips;
@@ -95,6 +97,14 @@ bool take(Desk& here, Mailbox mailbox, const Wait* call, bool is_timed) {
     if (held != here.claims.end()) return held->owner == std::this_thread::get_id();
     here.claims.push_back({mailbox, std::this_thread::get_id(), call, call->socket(), Clock::now(), is_timed});
     return true;
+}
+
+// Returns early, and true, when a message has made it true.
+bool sleep_until(int slot, int32_t milliseconds, const std::function<bool()>& done) {
+    if (!done) return sleep_cp(milliseconds), false;
+    Desk& here = desk(slot);
+    std::unique_lock guard(here.lock);
+    return here.message_came.wait_for(guard, std::chrono::milliseconds(milliseconds), done);
 }
 
 void add_trip(Desk& here, double milliseconds) {
@@ -148,10 +158,10 @@ int Wait::claim(Mailbox mailbox, Sharing sharing, int32_t limit) const {
     return ZK_OK;
 }
 
-void pause(const Connection& connection, int32_t milliseconds) {
+void pause(const Connection& connection, int32_t milliseconds, const std::function<bool()>& done) {
     if (!is_handle(connection.socket())) return sleep_cp(milliseconds);
     for (int32_t left = milliseconds; left > 0 && connection.status() == ZK_OK; left -= kStepMs) {
-        sleep_cp(std::min(left, kStepMs));
+        if (sleep_until(connection.slot(), std::min(left, kStepMs), done)) return;
     }
 }
 
@@ -169,12 +179,15 @@ void set_deadline_of_all(ArmSocket handle, const Deadline& deadline) {
 
 void note_arrivals(int slot) {
     Desk& here = desk(slot);
-    const std::lock_guard guard(here.lock);
-    for (Claim& claim : here.claims) {
-        if (!claim.is_timed || claim.mailbox.count(slot) == 0) continue;
-        claim.is_timed = false;
-        add_trip(here, std::chrono::duration<double, std::milli>(Clock::now() - claim.since).count());
+    {
+        const std::lock_guard guard(here.lock);
+        for (Claim& claim : here.claims) {
+            if (!claim.is_timed || claim.mailbox.count(slot) == 0) continue;
+            claim.is_timed = false;
+            add_trip(here, std::chrono::duration<double, std::milli>(Clock::now() - claim.since).count());
+        }
     }
+    here.message_came.notify_all();
 }
 
 bool is_claimed(int slot, Mailbox mailbox) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 #include "connection/mailbox.h"
 #include "connection/slots.h"
@@ -35,8 +36,9 @@ inline bool is_held_by_file(const Connection& connection, int status) {
     return status == ZK_SENDING_FILE && is_handle(connection.socket());
 }
 
-// Sleeps, in short steps where the wait may be ended early.
-void pause(const Connection& connection, int32_t milliseconds);
+// Sleeps. On a connection of ZK_Connect in short steps, since the wait may be ended early, and no longer than until a
+// message of the connection makes `done()` true. That one is called with a lock held: it looks at mailboxes alone.
+void pause(const Connection& connection, int32_t milliseconds, const std::function<bool()>& done = {});
 
 // The bound of the blocking calls of a connection, from their beginning. `expired` is called once at the end of a call
 // by its deadline; null for none.
@@ -47,7 +49,7 @@ struct Deadline {
 void set_deadline_of_thread(ArmSocket handle, const Deadline& deadline);
 void set_deadline_of_all(ArmSocket handle, const Deadline& deadline);
 
-// The receive thread's side: notes the arrival of the replies that calls wait for.
+// The receive thread's side, after each message: notes the arrival of the replies that calls wait for, and wakes them.
 void note_arrivals(int slot);
 bool is_claimed(int slot, Mailbox mailbox);
 

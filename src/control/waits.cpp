@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <climits>
+#include <functional>
 #include <mutex>
 
 #include "connection/elapsed.h"
@@ -50,8 +51,10 @@ int ask_program(ArmSocket s, Limit limit, ProgramRunState& state) {
 }
 
 // Looks until `look(limit, done)` is done. A look without a reply, or during a file, counts as one that found nothing.
+// A message that makes `over()` true ends a pause.
 template <class Look>
-int look_until(ArmSocket arm, int32_t ms, Look look, int32_t pause_ms = kLookMs) {
+int look_until(ArmSocket arm, int32_t ms, Look look, int32_t pause_ms = kLookMs,
+               const std::function<bool()>& over = {}) {
     if (ms <= 0) return fail(ZK_BAD_ARGUMENT, "the time to wait is %d ms", ms);
     if (!Line::of(arm)) return fail(ZK_STALE_HANDLE);
     const Wait call(arm);
@@ -63,7 +66,7 @@ int look_until(ArmSocket arm, int32_t ms, Look look, int32_t pause_ms = kLookMs)
         const int status = look(limit, done);
         if (status != ZK_OK && status != ZK_TIMEOUT && status != ZK_SENDING_FILE) return fail(status);
         if (done) return ZK_OK;
-        pause(call, std::min(pause_ms, left()));
+        pause(call, std::min(pause_ms, left()), over);
         if (const int ended = call.status()) return fail(ended);
     } while (left() > 0);
     return fail(ZK_TIMEOUT, "it was not over after %d ms", ms);
@@ -132,7 +135,7 @@ ZK_API int ZK_Wait_Move(ArmSocket arm, int32_t ms) {
         if (status == ZK_OK) motions.found(reply.type == ZK_TRAJECTORY_NONE, started);
         return status;
     };
-    const int status = look_until(arm, ms, look, kStepMs);
+    const int status = look_until(arm, ms, look, kStepMs, [line] { return line->motions().are_over(); });
     return status == ZK_OK && result != ZK_OK ? fail(result) : status;
 }
 
