@@ -22,9 +22,10 @@ SECTIONS = {
         ["stream_bench"],
         "The peer prints the same message by cJSON and sends it; the floor sends a text that is ready."),
     "Calls that wait": (
-        ["round_trip_bench", "many_connections_bench"],
+        ["round_trip_bench", "latency_bench", "many_connections_bench"],
         "Against the simulated controller over loopback. A settled call waits for its turn in the queue, which sends "
-        "every 20 ms, and looks for its reply every 10 ms; that is the interface."),
+        "every 20 ms, and looks for its reply every 10 ms; that is the interface. On a handle of `ZK_Connect` the reply wakes "
+        "the call."),
     "An idle library": (["idle_bench"], "Processor time with 20 connections on which nothing happens."),
     "Files": (["transfer_bench"], "Against the simulated controller over loopback."),
     "Forward kinematics": (
@@ -72,7 +73,7 @@ def output(*command, **options):
 
 def figures(program):
     """The runs of each benchmark of a program, in its order."""
-    is_long = program.name in ("stream_bench", "round_trip_bench", "many_connections_bench", "idle_bench",
+    is_long = program.name in ("stream_bench", "round_trip_bench", "many_connections_bench", "idle_bench", "latency_bench",
                                "transfer_bench")
     print(f"{program.name} ...", flush=True)
     report = json.loads(output(program, "--benchmark_format=json",

@@ -1,5 +1,6 @@
 // Streaming: what a set-point costs its caller, beside what writing such a message cannot do without; and a stream of a
-// thousand set-points a second against the simulated controller, of which none may get lost.
+// thousand set-points a second against the simulated controller, of which none may get lost, alone and beside busy
+// arms.
 #include <benchmark/benchmark.h>
 #include <cjson/cJSON.h>
 #include <sys/socket.h>
@@ -10,6 +11,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstring>
+#include <deque>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <thread>
@@ -130,6 +132,33 @@ nlohmann::json final_counts(int port) {
     return counts;
 }
 
+// An arm with a thread that queries its state without a pause.
+class BusyArm {
+ public:
+    BusyArm() : arm_(Arm_Socket_Start("127.0.0.1", simulator_.port(), 0)), thread_([this] { ask(); }) {}
+    ~BusyArm() {
+        running_ = false;
+        thread_.join();
+        Arm_Socket_Close(arm_);
+    }
+
+    int answers() const { return answers_; }
+
+ private:
+    void ask() {
+        Pose pose;
+        Joints joints;
+        uint16_t arm_err, sys_err;
+        while (running_) answers_ += Get_Current_Arm_State(arm_, joints.data(), &pose, &arm_err, &sys_err) == ZK_OK;
+    }
+
+    const zk::test::SimulatorProcess simulator_{std::vector<std::string>{"--quiet"}};
+    const ArmSocket arm_;
+    std::atomic<bool> running_{true};
+    std::atomic<int> answers_{0};
+    std::thread thread_;
+};
+
 void thousand_a_second(benchmark::State& state) {
     constexpr int kCount = 30'000;
     const zk::test::SimulatorProcess simulator({"--model", "ZK65-B"});
@@ -138,8 +167,10 @@ void thousand_a_second(benchmark::State& state) {
     if (arm <= ZK_LARGEST_STATUS) return state.SkipWithError(ZK_Status_Text(arm));
     Joints start;
     if (const int status = Get_Joint_Degree(arm, start.data())) return state.SkipWithError(ZK_Status_Text(status));
+    std::deque<BusyArm> others(static_cast<size_t>(state.range(0)));
     for (auto _ : state) {
         std::vector<double> periods = stream(arm, start, kCount);
+        for (const BusyArm& other : others) state.counters["answers_of_others"] += other.answers();
         state.counters["period_p50_ms"] = percentile(periods, 0.5);
         state.counters["period_p99_ms"] = percentile(periods, 0.99);
         state.counters["period_p99.9_ms"] = percentile(periods, 0.999);
@@ -152,6 +183,6 @@ void thousand_a_second(benchmark::State& state) {
     }
     Arm_Socket_Close(arm);
 }
-BENCHMARK(thousand_a_second)->Iterations(1)->Unit(benchmark::kSecond);
+BENCHMARK(thousand_a_second)->ArgName("busy_arms")->Arg(0)->Arg(3)->Iterations(1)->Unit(benchmark::kSecond);
 
 }  // namespace
