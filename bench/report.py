@@ -10,6 +10,8 @@ import tempfile
 import time
 from pathlib import Path
 
+import growth
+
 ROOT = Path(__file__).resolve().parent.parent
 REPETITIONS = 5
 
@@ -26,7 +28,10 @@ SECTIONS = {
         "Against the simulated controller over loopback. A settled call waits for its turn in the queue, which sends "
         "every 20 ms, and looks for its reply every 10 ms; that is the interface. On a handle of `ZK_Connect` the reply wakes "
         "the call."),
-    "An idle library": (["idle_bench"], "Processor time with 20 connections on which nothing happens."),
+    "An idle library": (
+        ["idle_bench"],
+        "Processor time and context switches of a second with 20 connections on which nothing happens. The peer is a loop "
+        "of 20 reads and a sleep of a millisecond."),
     "Files": (["transfer_bench"], "Against the simulated controller over loopback."),
     "Forward kinematics": (
         ["forward_kinematics_bench"],
@@ -136,6 +141,14 @@ def section(title, programs, words, folder):
     return lines + [""]
 
 
+def growth_section(folder):
+    growth.draw(figures(folder / "growth_bench"))
+    return ["## How cost grows", "",
+            "Processor time by the connections, by the length of a message and by the set-points of a second, with the "
+            "straight line that it ought to be.", "", "![Processor time by connections, bytes and set-points]"
+            "(pictures/growth.svg)", ""]
+
+
 def first_build():
     """Wall and processor seconds of the release build from nothing, without a compiler cache."""
     with tempfile.TemporaryDirectory() as folder:
@@ -167,6 +180,7 @@ def write(folder, instructions):
     lines = ["# Performance", "", machine(), "", "## How to read it", "", HOW_TO_READ]
     for title, (programs, words) in SECTIONS.items():
         lines += section(title, programs, words, folder)
+    lines += growth_section(folder)
     lines += first_build()
     lines += ["## Instructions", "", "Of one call, counted by callgrind; `scripts/bench --instructions` holds them.", "",
               "| run | instructions |", "| --- | --- |"]
