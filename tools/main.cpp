@@ -10,6 +10,7 @@
 #include "move/move.h"
 #include "offline/offline.h"
 #include "programs/programs.h"
+#include "proxy/proxy.h"
 #include "recording/recording.h"
 #include "remedy.h"
 #include "simulate.h"
@@ -27,7 +28,7 @@ const std::array kGroups{
     Group{"Moving", {add_move, add_home, add_jog, add_stop, add_clear}},
     Group{"Computing, without an arm", {add_fk, add_ik, add_urdf, add_map}},
     Group{"Programs", {add_check, add_send, add_run, add_waypoints}},
-    Group{"Recording", {add_record, add_plot, add_export, add_replay}},
+    Group{"Recording", {add_record, add_plot, add_export, add_replay, add_proxy}},
     Group{"Simulating", {add_simulate}},
     Group{"Shells", {add_completion}},
 };

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <set>
 #include <string>
@@ -12,16 +11,9 @@
 namespace sim {
 
 // Faults of all replies, which a client injects.
-struct Faults {
+struct Faults : DisturbedWire {
     std::set<std::string> silent_on;  // requests ignored
     std::set<std::string> refuse_on;  // actions refused
-    WireFaults wire;
-    std::chrono::steady_clock::time_point silent_until;  // nothing is sent before
-    unsigned seed = 1;                                   // of what is drawn
-
-    void begin_silence() {
-        silent_until = std::chrono::steady_clock::now() + std::chrono::milliseconds(wire.silence_ms);
-    }
 };
 
 // Executes requests.

@@ -30,6 +30,17 @@ struct WireFaults {
     int max_clients = 1000;  // more are disconnected at once
 };
 
+// The faults of the wire, and what follows from them.
+struct DisturbedWire {
+    WireFaults wire;
+    std::chrono::steady_clock::time_point silent_until;  // nothing is sent before
+    unsigned seed = 1;                                   // of what is drawn
+
+    void begin_silence() {
+        silent_until = std::chrono::steady_clock::now() + std::chrono::milliseconds(wire.silence_ms);
+    }
+};
+
 // A copy of a message that is sent.
 struct Sending {
     std::string text;

@@ -33,6 +33,8 @@ class McapWriter {
     // Adds what describes the whole recording. Before the first message.
     void add_metadata(const std::string& name, const McapMetadata& values);
     void write(std::uint16_t channel, std::int64_t unix_ns, const std::string& message);
+    // Ends the chunk, so that a crash does not lose it.
+    void flush() { end_chunk(); }
     // Writes what is left, and the index.
     void finish();
 

@@ -51,6 +51,7 @@ const Topic kTransformTopic{
 const Topic kLogTopic{"/rosout", "rcl_interfaces/msg/Log",
                       "builtin_interfaces/Time stamp\nuint8 level\nstring name\nstring msg\nstring file\n"
                       "string function\nuint32 line\n" TIME};
+const Topic kPushTopic{"/push", "std_msgs/msg/String", "string data\n"};
 
 ArmRecord ArmRecord::from(const ZK_State& state, std::int64_t unix_ns) {
     const RobotStatus& of = state.status;
@@ -124,8 +125,9 @@ std::string transform_message(const ArmRecord& record) {
 std::string log_message(const LogRecord& record) {
     CdrWriter out;
     put_time(out, record.unix_ns);
-    out << (record.is_frame ? kDebug : kInfo) << std::string(record.is_frame ? "wire" : "connection") << record.text
-        << std::string() << std::string() << std::uint32_t{0};
+    const std::string name = !record.is_frame ? "connection" : record.client.empty() ? "wire" : "wire " + record.client;
+    out << (record.is_frame ? kDebug : kInfo) << name << record.text << std::string() << std::string()
+        << std::uint32_t{0};
     return out.bytes();
 }
 
@@ -136,7 +138,38 @@ LogRecord read_log_message(const McapMessage& message) {
     std::uint8_t level = 0;
     std::string name, text;
     in >> seconds >> nanoseconds >> level >> name >> text;
-    return {seconds * kSecond + nanoseconds, level == kDebug, text};
+    const std::string wire = "wire ";
+    return {seconds * kSecond + nanoseconds, level == kDebug, text,
+            name.starts_with(wire) ? name.substr(wire.size()) : std::string()};
+}
+
+PushRecord read_push_message(const McapMessage& message) {
+    CdrReader in(message.bytes);
+    PushRecord record{message.unix_ns, {}};
+    in >> record.text;
+    return record;
+}
+
+Topics::Topics(McapWriter& file)
+    : file_(file),
+      arm_(file.add(kArmTopic)),
+      joint_(file.add(kJointTopic)),
+      transform_(file.add(kTransformTopic)),
+      log_(file.add(kLogTopic)) {}
+
+void Topics::add(const ArmRecord& record) {
+    file_.write(arm_, record.unix_ns, arm_message(record));
+    file_.write(joint_, record.unix_ns, joint_message(record));
+    file_.write(transform_, record.unix_ns, transform_message(record));
+}
+
+void Topics::add(const LogRecord& record) { file_.write(log_, record.unix_ns, log_message(record)); }
+
+void Topics::add(const PushRecord& record) {
+    if (push_ == 0) push_ = file_.add(kPushTopic);
+    CdrWriter out;
+    out << record.text;
+    file_.write(push_, record.unix_ns, out.bytes());
 }
 
 }  // namespace tool

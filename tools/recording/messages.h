@@ -27,14 +27,21 @@ struct ArmRecord {
     static ArmRecord from(const ZK_State& state, std::int64_t unix_ns);
 };
 
-// An event, or a frame of the wire, on /rosout.
+// An event, or a frame of the wire, on /rosout. A frame begins with "> " to the controller, "< " from it.
 struct LogRecord {
     std::int64_t unix_ns = 0;
     bool is_frame = false;
     std::string text;
+    std::string client = {};  // of a proxy, whose frame it is
 };
 
-extern const Topic kArmTopic, kJointTopic, kTransformTopic, kLogTopic;
+// A datagram as it came, on /push.
+struct PushRecord {
+    std::int64_t unix_ns = 0;
+    std::string text;
+};
+
+extern const Topic kArmTopic, kJointTopic, kTransformTopic, kLogTopic, kPushTopic;
 
 // The messages, serialized; and back.
 std::string arm_message(const ArmRecord& record);
@@ -43,5 +50,19 @@ std::string transform_message(const ArmRecord& record);
 std::string log_message(const LogRecord& record);
 ArmRecord read_arm_message(const McapMessage& message);
 LogRecord read_log_message(const McapMessage& message);
+PushRecord read_push_message(const McapMessage& message);
+
+// The topics of a recording, in a file.
+class Topics {
+ public:
+    explicit Topics(McapWriter& file);
+    void add(const ArmRecord& record);
+    void add(const LogRecord& record);
+    void add(const PushRecord& record);
+
+ private:
+    McapWriter& file_;
+    std::uint16_t arm_, joint_, transform_, log_, push_ = 0;
+};
 
 }  // namespace tool

@@ -56,25 +56,16 @@ class Sink {
 
 class McapSink : public Sink {
  public:
-    McapSink(const std::string& path, const zk::Arm& arm)
-        : file_(path),
-          arm_(file_.add(kArmTopic)),
-          joint_(file_.add(kJointTopic)),
-          transform_(file_.add(kTransformTopic)),
-          log_(file_.add(kLogTopic)) {
+    McapSink(const std::string& path, const zk::Arm& arm) : file_(path), topics_(file_) {
         file_.add_metadata("arm", describe(arm));
     }
-    void add(const ArmRecord& record) override {
-        file_.write(arm_, record.unix_ns, arm_message(record));
-        file_.write(joint_, record.unix_ns, joint_message(record));
-        file_.write(transform_, record.unix_ns, transform_message(record));
-    }
-    void add(const LogRecord& record) override { file_.write(log_, record.unix_ns, log_message(record)); }
+    void add(const ArmRecord& record) override { topics_.add(record); }
+    void add(const LogRecord& record) override { topics_.add(record); }
     void finish() override { file_.finish(); }
 
  private:
     McapWriter file_;
-    std::uint16_t arm_, joint_, transform_, log_;
+    Topics topics_;
 };
 
 class CsvSink : public Sink {
