@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "connection/black_box.h"
 #include "connection/elapsed.h"
 #include "connection/line.h"
 #include "connection/transmit.h"
@@ -53,6 +54,7 @@ int await(Mailbox mailbox, const Connection& connection, int32_t limit, int32_t 
 
 int take_result(Mailbox mailbox, const Connection& connection, Take take) {
     const int result = mailbox.result(connection.slot());
+    if (result != ZK_OK && is_handle(connection.socket())) black_box::keep("error");
     take == Take::kAll ? mailbox.clear(connection.slot()) : mailbox.lower(connection.slot());
     return connection.is_open() ? result : int(ZK_NOT_CONNECTED);
 }
@@ -70,7 +72,10 @@ static int32_t limit_of(int32_t limit) { return limit > 0 ? limit : read(m_nOutT
 
 // A call on a connection of ZK_Connect whose reply did not come in time is counted.
 static int counted(const Connection& connection, int status) {
-    if (status == ZK_TIMEOUT && is_handle(connection.socket())) ++Line::at(connection.slot()).traffic().late;
+    if (status == ZK_TIMEOUT && is_handle(connection.socket())) {
+        ++Line::at(connection.slot()).traffic().late;
+        black_box::keep("silence");
+    }
     return status;
 }
 

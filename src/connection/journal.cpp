@@ -4,8 +4,10 @@
 #include <cctype>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
+#include "connection/black_box.h"
 #include "connection/line.h"
 
 namespace zk {
@@ -41,16 +43,21 @@ void set_log(ZK_LogCallback callback, void* context, ZK_LogLevel level) {
 bool is_logged(ZK_LogLevel level) { return level <= level_in_use.load(std::memory_order_relaxed); }
 
 void log(ZK_LogLevel level, ArmSocket arm, const char* format, ...) {
-    if (!is_logged(level)) return;
+    if (!is_logged(level) && !black_box::is_on()) return;
     char text[256];
     std::va_list arguments;
     va_start(arguments, format);
     std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
-    report(log_callback, arm, level, arm, static_cast<const char*>(text));
+    black_box::add(black_box::Kind::kEvent, arm, text, std::strlen(text));
+    if (is_logged(level)) report(log_callback, arm, level, arm, static_cast<const char*>(text));
 }
 
 void log_frame(ArmSocket arm, Way way, const char* bytes, size_t size) {
+    if (black_box::is_on()) {
+        const auto kind = way == Way::kSent ? black_box::Kind::kSent : black_box::Kind::kReceived;
+        arm == 0 ? black_box::add_start(kind, bytes, size) : black_box::add(kind, arm, bytes, size);
+    }
     if (!is_logged(ZK_LOG_FRAMES)) return;
     std::string text = way == Way::kSent ? "> " : "< ";
     for (size_t i = 0; i < size; ++i) {
@@ -68,9 +75,11 @@ void set_connection_callback(ZK_ConnectionCallback callback, void* context) {
 
 void report_change(ArmSocket arm, ZK_ConnectionState state, const char* cause) {
     const ArmSocket open = state == ZK_CONNECTION_UP ? arm : 0;  // a close waits for a loss, or reports it
-    if (is_logged(ZK_LOG_EVENTS)) {
+    if (is_logged(ZK_LOG_EVENTS) || black_box::is_on()) {
         const std::string text = std::string(name_of(state)) + (*cause ? ": " : "") + cause;
-        report(log_callback, open, ZK_LOG_EVENTS, arm, text.c_str());
+        black_box::add(black_box::Kind::kEvent, arm, text.c_str(), text.size());
+        if (state == ZK_CONNECTION_LOST) black_box::keep("lost");
+        if (is_logged(ZK_LOG_EVENTS)) report(log_callback, open, ZK_LOG_EVENTS, arm, text.c_str());
     }
     report(connection_callback, open, arm, state, cause);
 }

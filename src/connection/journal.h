@@ -56,7 +56,7 @@ void set_log(ZK_LogCallback callback, void* context, ZK_LogLevel level);
 bool is_logged(ZK_LogLevel level);
 // One line; formatted only when the level is logged.
 [[gnu::format(printf, 3, 4)]] void log(ZK_LogLevel level, ArmSocket arm, const char* format, ...);
-// A frame or a message, its line ends and indentation as blanks.
+// A frame or a message, its line ends and indentation as blanks. arm: 0 during a start-up, which has no handle yet.
 enum class Way { kSent, kReceived };
 void log_frame(ArmSocket arm, Way way, const char* bytes, size_t size);
 

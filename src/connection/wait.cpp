@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "connection/black_box.h"
 #include "connection/elapsed.h"
 #include "connection/journal.h"
 #include "connection/line.h"
@@ -83,6 +84,7 @@ int ended(Call& call, int status) {
     if (!call.ended) {
         call.ended = true;
         log(ZK_LOG_EVENTS, call.socket, status == ZK_CANCELLED ? "a call was cancelled" : "a call met its deadline");
+        if (status == ZK_DEADLINE) black_box::keep("deadline");
         if (status == ZK_DEADLINE && call.deadline.expired) call.deadline.expired(call.socket);
     }
     return status;

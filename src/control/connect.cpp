@@ -6,6 +6,7 @@
 #include <mutex>
 #include <new>
 
+#include "connection/black_box.h"
 #include "connection/journal.h"
 #include "connection/line.h"
 #include "connection/request.h"
@@ -108,6 +109,7 @@ void put_into_model(Introduction& arm) {
 }
 
 int connect(const char* host, int32_t port, const ZK_ConnectOptions& options, ArmSocket* arm) {
+    black_box::open();
     Attempt attempt(options.timeout_ms ? options.timeout_ms : kUsualTimeoutMs);
     Introduction found;
     if (const int status = converse(host, port, options.arm_mode, attempt, found)) {

@@ -8,6 +8,7 @@
 #include <new>
 #include <system_error>
 
+#include "connection/journal.h"
 #include "connection/product.h"
 #include "connection/reply.h"
 #include "connection/request.h"
@@ -69,6 +70,7 @@ class Talk {
                 wait_for(POLLOUT);
             }
         }
+        log_frame(0, Way::kSent, frame.text, static_cast<size_t>(frame.length));
         return ZK_OK;
     }
 
@@ -94,6 +96,7 @@ class Talk {
         if (end == text_.npos) return false;
         message_ = text_.substr(begin, end - begin);
         text_.erase(0, end + 2);
+        log_frame(0, Way::kReceived, message_.c_str(), message_.size());
         return true;
     }
 

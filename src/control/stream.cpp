@@ -20,6 +20,7 @@
 #include <string>
 #include <thread>
 
+#include "connection/black_box.h"
 #include "connection/realtime.h"
 #include "connection/shared_memory.h"
 #include "connection/slots.h"
@@ -197,6 +198,10 @@ bool take(Stream& stream, const char* text) {
     RobotStatus status = record.status;
     double time = -1;
     if (parse_datagram(text, &status, &time) != ZK_OK) return false;
+    black_box::add(black_box::Kind::kPush, stream.handle, text, black_box::is_on() ? std::strlen(text) : 0);
+    const bool is_new_error = (status.arm_err != 0 && status.arm_err != record.status.arm_err) ||
+                              (status.sys_err != 0 && status.sys_err != record.status.sys_err);
+    if (is_new_error) black_box::keep("arm-error");
     status.errCode = ZK_OK;
     status.arm_ip = nullptr;
     record.status = status;

@@ -476,7 +476,8 @@ TEST_F(Connections, ReportEachChangeOnceAndEachFrame) {
     ZK_Set_Log(nullptr, nullptr, ZK_LOG_EVENTS);
     ZK_Set_Connection_Callback(nullptr, nullptr);
     EXPECT_EQ(journal.changes, (std::vector{ZK_CONNECTION_UP, ZK_CONNECTION_LOST, ZK_CONNECTION_CLOSED}));
-    EXPECT_TRUE(journal.log.starts_with("up\n")) << journal.log;
+    EXPECT_TRUE(journal.log.starts_with("> { \"command\": \"get_arm_software_info\" }\n< {")) << journal.log;
+    EXPECT_NE(journal.log.find("}\nup\n"), std::string::npos) << journal.log;
     EXPECT_NE(journal.log.find("\n< {"), std::string::npos) << journal.log;
     EXPECT_NE(journal.log.find("lost: the controller closed the connection\nclosed\n"), std::string::npos)
         << journal.log;

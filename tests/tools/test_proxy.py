@@ -227,10 +227,54 @@ def test_faults_on_the_way(before, simulator):
     assert wire.ask("zk_sim_disconnect")["done"] and other.read() is None
 
 
+@pytest.mark.zk_base(joints="0,20,70,0,90,0", speed=1)
+def test_a_recording_is_a_controller(before, simulator, zk, tmp_path):
+    path = tmp_path / "run.mcap"
+    proxy = before(simulator.port, "-o", path)
+    wire = proxy.connect()
+    for angle in (5, 10):
+        assert wire.move(angle, *HOME[1:])["receive_state"] and wire.read_report()
+    asked = [wire.ask("get_joint_degree"), wire.ask("get_work_frame", frame_name="Base"),
+             wire.ask("get_tool_frame", tool_name="none")]
+    zk.environment["ZK_ARM"] = f"127.0.0.1:{proxy.port}"
+    info = zk("info")
+    proxy.end()
+
+    played = before(None, "--play", path)
+    wire = played.connect()
+    for angle in (5, 10):
+        begin = time.monotonic()
+        assert wire.move(angle, *HOME[1:])["receive_state"] and wire.read_report()
+        assert time.monotonic() - begin > 0.1  # as long as it was
+    assert [wire.ask("get_joint_degree"), wire.ask("get_work_frame", frame_name="Base"),
+            wire.ask("get_tool_frame", tool_name="none")] == asked
+    assert wire.ask("get_joint_degree") == asked[0]  # once more than it was recorded
+    wire.send("get_arm_power_state")
+    zk.environment["ZK_ARM"] = f"127.0.0.1:{played.port}"
+
+    def without_port(text):
+        return [line for line in text.splitlines() if not line.startswith("port ")]
+    assert without_port(zk("info")) == without_port(info)
+    assert "states" in zk("record", "-o", tmp_path / "again.csv", "--seconds", 1)
+    assert "'get_arm_power_state' was never recorded: it is not answered" in played.end()
+
+
+@pytest.mark.zk_base(joints="0,20,70,0,90,0", speed=1)
+def test_what_a_program_recorded_itself_is_played(before, zk_on, tmp_path):
+    path = tmp_path / "run.mcap"
+    zk_on("record", "-o", path, "--wire", "--seconds", 1)
+    port = before(None, "--play", path).port
+    zk_on.environment["ZK_ARM"] = f"127.0.0.1:{port}"
+    zk_on("record", "-o", tmp_path / "again.csv", "--seconds", 0.5)
+    last = (tmp_path / "again.csv").read_text().splitlines()[-1].split(",")
+    assert [float(one) for one in last[2:8]] == HOME
+
+
 def test_words_that_cannot_be(zk, tmp_path):
     for words, sentence in [(["--fault", "drop=101"], "drop: 0 to 100 (percent)"),
                             (["--fault", "power_loss=1"], "'power_loss' is no fault of the wire"),
                             (["--fault", "drop"], "'drop' is no fault such as"),
                             (["--listen", "here"], "is no IPv4 address"),
-                            (["-o", "run.csv"], "does not end in .mcap")]:
+                            (["-o", "run.csv"], "does not end in .mcap"),
+                            (["--play", "run.mcap"], "--play needs no controller")]:
         assert sentence in zk("proxy", "127.0.0.1:1", *words, status=2)

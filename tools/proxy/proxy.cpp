@@ -8,6 +8,7 @@
 
 #include "arms.h"
 #include "proxy/listener.h"
+#include "proxy/player.h"
 #include "proxy/sharing.h"
 
 namespace tool {
@@ -18,7 +19,7 @@ namespace {
 
 struct ProxyRequest {
     ArmOption arm;
-    std::string controller, output, faults, silent_on, refuse_on, listen = "127.0.0.1";
+    std::string controller, play, output, faults, silent_on, refuse_on, listen = "127.0.0.1";
     int port = 8081;
     unsigned seed = 1;
     SharingOptions sharing;
@@ -84,11 +85,29 @@ void share(ProxyRequest request) {
     run(io, listener, faults, tape, "controller=" + request.sharing.controller);
 }
 
+void play(const ProxyRequest& request) {
+    if (!request.controller.empty() || !request.output.empty() || request.sharing.subscribe ||
+        !request.sharing.writer.empty())
+        throw Failure(kUsage, "--play needs no controller, and has no --output, --writer and --subscribe");
+    asio::io_context io(1);
+    const asio::ip::address listen = listening_address(request.listen);
+    FaultDesk faults = faults_of(request);
+    Tape tape("", "");
+    PushShare push(io, listen, faults);
+    Player player(io, request.play, push, faults);
+    Listener listener(io, {listen, static_cast<asio::ip::port_type>(request.port)}, faults, player);
+    run(io, listener, faults, tape,
+        "requests=" + std::to_string(player.request_count()) + " states=" + std::to_string(player.state_count()));
+}
+
 }  // namespace
 
 void add_proxy(CLI::App& zk) {
     const auto request = std::make_shared<ProxyRequest>();
     CLI::App* command = zk.add_subcommand("proxy", "stand before a controller: many programs read it, one writes");
+    command->footer(
+        "--play: a request is answered by the recorded answers to it, or else to its command, in their order, "
+        "the last again and again. One that was never recorded is not answered.");
     command->add_option("CONTROLLER", request->controller, "HOST[:PORT], or a name of the file of arms");
     request->arm.add_to(*command);
     command->add_option("--port", request->port, "where programs connect; 0: any free port")
@@ -99,12 +118,13 @@ void add_proxy(CLI::App& zk) {
     command->add_option("--writer", request->sharing.writer,
                         "the host that may move and change the arm; none: nobody; without it the first that does");
     command->add_flag("--subscribe", request->sharing.subscribe, "make the controller push its states to this host");
+    command->add_option("--play", request->play, "be the controller of this recording");
     command->add_option("-o,--output", request->output, "record everything in this file .mcap");
     command->add_option("--fault", request->faults, "faults of the wire, as NAME=N,...; zk_simulator has the names");
     command->add_option("--silent-on", request->silent_on, "commands to ignore, as NAME,...");
     command->add_option("--refuse-on", request->refuse_on, "commands to answer with false, as NAME,...");
     command->add_option("--seed", request->seed, "of the faults that come by chance");
-    command->callback([request] { share(*request); });
+    command->callback([request] { request->play.empty() ? share(*request) : play(*request); });
 }
 
 }  // namespace tool

@@ -3,7 +3,6 @@
 #include <chrono>
 
 #include "wire/note.h"
-#include "zk/replies/realtime.h"
 
 namespace tool {
 namespace {
@@ -63,12 +62,7 @@ void Tape::state(const std::string& datagram) {
     write([&](File& file) {
         const std::int64_t now = unix_now();
         file.topics.add(PushRecord{now, datagram});
-        const Json body = Json::parse(datagram, nullptr, false);
-        if (!body.is_object() || Parser_Realtime_Arm_Joint_State(datagram.c_str(), &state_.status) != ZK_OK) return;
-        state_.joint_count = static_cast<int>(body["joint_status"]["joint_position"].size());
-        state_.controller_ms = body.value("time", Json(-1)).is_number() ? body.value("time", std::int64_t{-1}) : -1;
-        ++state_.sequence;
-        file.topics.add(ArmRecord::from(state_, now));
+        if (const auto state = states_.read(datagram, now)) file.topics.add(*state);
     });
 }
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "command.h"
-#include "recording/messages.h"
+#include "recording/state_reader.h"
 
 namespace tool {
 
@@ -36,7 +36,7 @@ class Tape {
 
     std::unique_ptr<File> file_;  // none: nothing is recorded, or no more since it failed
     std::string failure_;
-    ZK_State state_{};
+    StateReader states_;
 };
 
 }  // namespace tool

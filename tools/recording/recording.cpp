@@ -11,6 +11,7 @@
 #include <memory>
 #include <utility>
 
+#include "recording/black_box.h"
 #include "recording/recorder.h"
 #include "report.h"
 
@@ -69,14 +70,13 @@ void export_csv(const ExportRequest& request) {
     if (!recording.is_whole) std::cerr << "zk: " << request.from << " is cut short; what it holds was exported\n";
 }
 
-}  // namespace
-
-Recording load_recording(const std::string& path) {
+Recording load_mcap(const std::string& path) {
     Recording recording;
     try {
         const auto on_message = [&](const McapMessage& message) {
             if (message.type == kArmTopic.type) recording.states.push_back(read_arm_message(message));
             if (message.type == kLogTopic.type) recording.log.push_back(read_log_message(message));
+            if (message.topic == kPushTopic.name) recording.push.push_back(read_push_message(message));
         };
         recording.is_whole = read_mcap(path, on_message, [&](const std::string& name, const McapMetadata& values) {
             if (name == "arm") recording.arm = values;
@@ -84,6 +84,14 @@ Recording load_recording(const std::string& path) {
     } catch (const std::out_of_range& error) {
         throw Failure(kUsage, path + " holds a message that is none of zk record: " + error.what());
     }
+    return recording;
+}
+
+}  // namespace
+
+Recording load_recording(const std::string& path, Contents must) {
+    Recording recording = is_black_box(path) ? load_black_box(path) : load_mcap(path);
+    if (recording.states.empty() && must == Contents::kStatesOrFrames && !recording.log.empty()) return recording;
     if (recording.states.empty()) {
         throw Failure(kUsage, recording.is_whole ? path + " holds no state of an arm: zk record writes them"
                                                  : path + " is cut short before its first state");

@@ -16,6 +16,7 @@ struct Recording {
     std::vector<ArmRecord> states;
     std::vector<LogRecord> log;
     ArmDescription arm;
+    std::vector<PushRecord> push;
     bool is_whole = true;  // false: its recorder was killed, or the file was cut
     bool has_controller_time = true;
 
@@ -32,7 +33,10 @@ struct Mark {
 };
 std::vector<Mark> marks_of(const Recording& recording);
 
-// Reads an MCAP file of zk record. Throws Failure when it is none, or holds no state.
-Recording load_recording(const std::string& path);
+// What a recording must hold.
+enum class Contents { kStates, kStatesOrFrames };
+
+// Reads an MCAP file of zk record or zk proxy. Throws Failure when it is none, or does not hold what it must.
+Recording load_recording(const std::string& path, Contents must = Contents::kStates);
 
 }  // namespace tool

@@ -1,0 +1,203 @@
+#include "connection/black_box.h"
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <semaphore.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <mutex>
+#include <string>
+#include <system_error>
+#include <thread>
+
+namespace zk::black_box {
+
+std::atomic<bool> detail::is_on{false};
+
+namespace {
+
+constexpr uint64_t kStartSize = 256 * 1024;
+constexpr uint64_t kRingSize = 16 * 1024 * 1024;  // 30 s of two arms that push and are streamed at 5 ms
+constexpr size_t kFileSize = kPage + kStartSize + kRingSize;
+constexpr int64_t kBetweenCopies = 10'000'000'000;
+constexpr int kMostCopies = 20;
+
+int64_t now(clockid_t clock) {
+    timespec time{};
+    clock_gettime(clock, &time);
+    return int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
+// A part of the mapped file. The ring begins again at its end.
+struct Part {
+    char* bytes = nullptr;
+    uint64_t size = 0;
+    uint64_t* end = nullptr;
+
+    bool has_room(size_t text) const { return *end + size_in_file(text) <= size; }
+    void put(uint64_t at, const void* data, size_t count) const {
+        const size_t place = at % size, first = std::min<size_t>(count, size - place);
+        std::memcpy(bytes + place, data, first);
+        std::memcpy(bytes, static_cast<const char*>(data) + first, count - first);
+    }
+    void add(Record record, const char* text) const {
+        const uint64_t at = *end;
+        record.at = at + 8;
+        put(at + sizeof record, text, record.size);
+        put(at, &record, sizeof record);
+        *end = at + size_in_file(record.size);
+    }
+};
+
+// Never destroyed: the library's threads run to the end of the process.
+struct Box {
+    std::string stem;  // of all its files
+    std::string path;
+    pid_t process = 0;
+    char* bytes = nullptr;
+    std::mutex lock;  // of the file
+    Part start, ring;
+    sem_t wanted{};
+    std::atomic<int64_t> last_copy{-kBetweenCopies};
+    std::atomic<int> copies{0};
+    std::atomic<const char*> why{nullptr};
+    std::mutex copying;  // taken before `lock`
+
+    Header& header() const { return *reinterpret_cast<Header*>(bytes); }
+};
+Box& box() {
+    static auto& only = *new Box;
+    return only;
+}
+
+void complain(const std::string& what, int error) {
+    const std::string reason = std::generic_category().message(error);
+    std::fprintf(stderr, "ZK_Base: no black box: %s: %s\n", what.c_str(), reason.c_str());
+}
+
+// In slices, so that no frame waits for a disk. What is overwritten meanwhile, a reader passes over. Leaves errno.
+bool write_box(int file) {
+    constexpr size_t kSlice = 64 * 1024;
+    static char slice[kSlice];  // under the lock of copying
+    size_t size = kPage;
+    for (size_t at = 0; at < size;) {
+        size_t count = 0;
+        {
+            const std::lock_guard guard(box().lock);
+            size = kPage + kStartSize + static_cast<size_t>(std::min(kRingSize, box().header().ring_end));
+            count = std::min(kSlice, size - at);
+            std::memcpy(slice, box().bytes + at, count);
+        }
+        const ssize_t written = ::write(file, slice, count);
+        if (written == 0 || (written < 0 && errno != EINTR)) return false;
+        at += static_cast<size_t>(std::max<ssize_t>(written, 0));
+    }
+    return true;
+}
+
+void copy() {
+    const std::lock_guard guard(box().copying);
+    const char* why = box().why.exchange(nullptr);
+    if (!why) return;
+    const std::string path = box().stem + "-" + std::to_string(box().copies) + "-" + why + ".box";
+    const std::string unfinished = path + ".part";
+    const int file = ::open(unfinished.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    const bool done = file >= 0 && write_box(file) && std::rename(unfinished.c_str(), path.c_str()) == 0;
+    const int error = errno;
+    if (file >= 0) ::close(file);
+    if (done) return;
+    ::unlink(unfinished.c_str());
+    complain(path, error);
+}
+
+// A process that ends as it should leaves its copies alone.
+void end() {
+    if (!is_on() || getpid() != box().process) return;
+    copy();
+    ::unlink(box().path.c_str());
+}
+
+void leave_to_parent() { detail::is_on.store(false, std::memory_order_relaxed); }
+
+// A file of its own, which is as large as it will be: a disk that fills up cannot end the program. Returns 0 or errno.
+int create(const std::string& directory) {
+    char moment[32] = "";
+    const std::time_t time = std::time(nullptr);
+    tm parts{};
+    if (gmtime_r(&time, &parts)) std::strftime(moment, sizeof moment, "%Y%m%dT%H%M%SZ", &parts);
+    box().stem = directory + "/zk-" + moment + "-" + std::to_string(getpid());
+    box().path = box().stem + ".box";
+    const int file = ::open(box().path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+    if (file < 0) return errno;
+    int error = posix_fallocate(file, 0, kFileSize);
+    if (error == 0) {
+        void* mapped = mmap(nullptr, kFileSize, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+        if (mapped == MAP_FAILED) error = errno;
+        if (error == 0) box().bytes = static_cast<char*>(mapped);
+    }
+    ::close(file);
+    if (error) ::unlink(box().path.c_str());
+    return error;
+}
+
+void start(const std::string& directory) {
+    if (const int error = create(directory)) return complain(directory, error);
+    box().process = getpid();
+    Header& header = box().header();
+    header.start_size = kStartSize;
+    header.ring_size = kRingSize;
+    header.process = getpid();
+    std::memcpy(header.magic, kMagic, sizeof kMagic);
+    box().start = {box().bytes + kPage, kStartSize, &header.start_end};
+    box().ring = {box().bytes + kPage + kStartSize, kRingSize, &header.ring_end};
+    sem_init(&box().wanted, 0, 0);
+    std::thread([] {
+        for (;;) {
+            while (sem_wait(&box().wanted) != 0) continue;
+            copy();
+        }
+    }).detach();
+    pthread_atfork(nullptr, nullptr, leave_to_parent);
+    std::atexit(end);
+    detail::is_on.store(true, std::memory_order_release);
+}
+
+}  // namespace
+
+void open() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        const char* directory = std::getenv("ZK_BLACK_BOX");
+        if (directory && *directory) start(directory);
+    });
+}
+
+static void add(Kind kind, ArmSocket arm, const char* text, size_t count, bool is_start) {
+    if (!detail::is_on.load(std::memory_order_acquire)) return;
+    const size_t size = std::min<size_t>(count, kStartSize);
+    const Record record{0, now(CLOCK_REALTIME), arm, kind, static_cast<uint32_t>(size), check_of(text, size)};
+    const std::lock_guard guard(box().lock);
+    (is_start && box().start.has_room(size) ? box().start : box().ring).add(record, text);
+}
+
+void add(Kind kind, ArmSocket arm, const char* text, size_t size) { add(kind, arm, text, size, false); }
+
+void add_start(Kind kind, const char* text, size_t size) { add(kind, 0, text, size, true); }
+
+void keep(const char* why) {
+    if (!detail::is_on.load(std::memory_order_acquire)) return;
+    const int64_t time = now(CLOCK_MONOTONIC);
+    int64_t last = box().last_copy.load();
+    if (time - last < kBetweenCopies || !box().last_copy.compare_exchange_strong(last, time)) return;
+    if (box().copies.fetch_add(1) >= kMostCopies) return;
+    box().why.store(why);
+    sem_post(&box().wanted);
+}
+
+}  // namespace zk::black_box
