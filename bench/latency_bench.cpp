@@ -1,6 +1,7 @@
 // From the last byte of a reply to the return of the call that waits for it: on a connection of ZK_Connect, whose calls
 // are woken, and on one of Arm_Socket_Start, whose calls look every 10 ms.
 #include <benchmark/benchmark.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -38,6 +39,8 @@ class Relay {
         const int library = checked(accept(listener_, nullptr, nullptr), "accept");
         const int arm = checked(socket(AF_INET, SOCK_STREAM, 0), "socket");
         checked(connect(arm, reinterpret_cast<const sockaddr*>(&address), sizeof address), "connect");
+        const int on = 1;
+        for (const int end : {library, arm}) setsockopt(end, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
         while (pass(arm, library) && pass(library, arm)) {
             pollfd both[] = {{arm, POLLIN, 0}, {library, POLLIN, 0}};
             poll(both, 2, -1);
