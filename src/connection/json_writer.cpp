@@ -34,8 +34,9 @@ JsonWriter::JsonWriter(const JsonWriter& other)
 void JsonWriter::key(const char* key) {
     separate(",");
     put_line_begin();
-    text(key);
-    put(":\t");
+    put("\"");
+    put(key);
+    put("\":\t");
 }
 
 void JsonWriter::number(double value) {

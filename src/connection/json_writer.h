@@ -16,7 +16,7 @@ class JsonWriter {
     JsonWriter(const JsonWriter& other);
     JsonWriter& operator=(const JsonWriter&) = delete;
 
-    // What precedes a value: its key within an object, its separator within an array.
+    // What precedes a value: its key within an object, its separator within an array. A key needs no escapes.
     void key(const char* key);
     void element() { separate(", "); }
 
