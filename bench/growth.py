@@ -34,8 +34,8 @@ def panel(left, points, below, beside):
     slope, at_zero = statistics.linear_regression(*zip(*points))
     yield line(place(0, 0), place(most[0], 0), stroke=GREY)
     yield line(place(0, 0), place(0, most[1]), stroke=GREY)
-    yield line(place(points[0][0], at_zero + slope * points[0][0]), place(points[-1][0], at_zero + slope * points[-1][0]),
-               stroke="#c2410c", stroke_width=1.5)
+    ends = [place(x, at_zero + slope * x) for x in (points[0][0], points[-1][0])]
+    yield line(*ends, stroke="#c2410c", stroke_width=1.5)
     for x, y in points:
         yield element("circle", cx=place(x, y)[0], cy=place(x, y)[1], r=3, fill="#1f5fa8")
     for share in (0, 0.5, 1):

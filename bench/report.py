@@ -26,12 +26,12 @@ SECTIONS = {
     "Calls that wait": (
         ["round_trip_bench", "latency_bench", "many_connections_bench"],
         "Against the simulated controller over loopback. A settled call waits for its turn in the queue, which sends "
-        "every 20 ms, and looks for its reply every 10 ms; that is the interface. On a handle of `ZK_Connect` the reply wakes "
-        "the call."),
+        "every 20 ms, and looks for its reply every 10 ms; that is the interface. On a handle of `ZK_Connect` the reply "
+        "wakes the call."),
     "An idle library": (
         ["idle_bench"],
-        "Processor time and context switches of a second with 20 connections on which nothing happens. The peer is a loop "
-        "of 20 reads and a sleep of a millisecond."),
+        "Processor time and context switches of a second with 20 connections on which nothing happens. The peer is a "
+        "loop of 20 reads and a sleep of a millisecond."),
     "Files": (["transfer_bench"], "Against the simulated controller over loopback."),
     "Forward kinematics": (
         ["forward_kinematics_bench"],
@@ -78,8 +78,8 @@ def output(*command, **options):
 
 def figures(program):
     """The runs of each benchmark of a program, in its order."""
-    is_long = program.name in ("stream_bench", "round_trip_bench", "many_connections_bench", "idle_bench", "latency_bench",
-                               "transfer_bench")
+    is_long = program.name in ("stream_bench", "round_trip_bench", "many_connections_bench", "idle_bench",
+                               "latency_bench", "transfer_bench")
     print(f"{program.name} ...", flush=True)
     report = json.loads(output(program, "--benchmark_format=json",
                                f"--benchmark_repetitions={1 if is_long else REPETITIONS}",
