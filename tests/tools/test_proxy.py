@@ -153,6 +153,28 @@ def test_two_programs_of_a_host_get_the_states(before, simulator, zk, tmp_path):
     assert len(rows) > 200 and rows[-1].split(",")[2] == "30"
 
 
+@pytest.mark.zk_base(speed=1, no_push=True)
+def test_each_client_sets_its_own_push(before, simulator):
+    wire = before(simulator.port).connect()
+    assert not wire.ask("get_realtime_push")["enable"]
+    proxy = before(simulator.port, "--subscribe")
+    wire, other = proxy.connect(), proxy.connect()
+    before_it = other.ask("get_realtime_push")
+    assert before_it["enable"]
+    listener = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+    listener.bind(("127.0.0.1", 0))
+    listener.settimeout(30)
+    for wrong in ({"ip": "192.0.2.1"}, {"port": 0}, {"cycle": 0}):
+        assert not wire.ask("set_realtime_push", **wrong)["state"]
+    port = listener.getsockname()[1]
+    assert wire.ask("set_realtime_push", port=port, cycle=10, ip="127.0.0.1")["state"]
+    assert [wire.ask("get_realtime_push")[key] for key in ("port", "cycle", "enable")] == [port, 10, True]
+    times = [json.loads(listener.recv(2048))["time"] for _ in range(5)]
+    assert all(after - time >= 50 for time, after in zip(times, times[1:]))
+    assert wire.ask("set_realtime_push", enable=False)["state"]
+    assert not wire.ask("get_realtime_push")["enable"] and other.ask("get_realtime_push") == before_it
+
+
 @pytest.mark.zk_base
 def test_clients_that_do_harm(before, simulator):
     proxy = before(simulator.port)

@@ -87,10 +87,22 @@ Recording load_mcap(const std::string& path) {
     return recording;
 }
 
+// Frames name the arm where a program asked for it.
+void find_model(Recording& recording) {
+    for (const LogRecord& line : recording.log) {
+        if (!recording.arm.empty()) return;
+        if (!line.is_frame || line.text.find("\"Product_version\"") == line.text.npos) continue;
+        const Json reply = Json::parse(line.text.substr(2), nullptr, false);
+        if (reply.is_object() && reply["Product_version"].is_string())
+            recording.arm["model"] = reply["Product_version"].get<std::string>();
+    }
+}
+
 }  // namespace
 
 Recording load_recording(const std::string& path, Contents must) {
     Recording recording = is_black_box(path) ? load_black_box(path) : load_mcap(path);
+    find_model(recording);
     if (recording.states.empty() && must == Contents::kStatesOrFrames && !recording.log.empty()) return recording;
     if (recording.states.empty()) {
         throw Failure(kUsage, recording.is_whole ? path + " holds no state of an arm: zk record writes them"
