@@ -37,6 +37,15 @@ zk::Arm ArmOption::connect(const zk::ConnectOptions& options) const {
     throw Failure(kNoArm, sentence_of_no_arm(text_, address.host, arm.error()));
 }
 
+zk::Model model_called(const std::string& name) {
+    zk::Result<zk::Model> model = zk::Model::named(name);
+    if (!model) {
+        throw Failure(kUsage, "no arm is called '" + name +
+                                  "': there are ZK65, ZK75, 63, ORB65, ORB63, each with -B, -ZF or -6F, 62-B and 72-B");
+    }
+    return std::move(*model);
+}
+
 void ModelOption::add_to(CLI::App& command) {
     command.add_option("-m,--model", name_, "an arm by its name, such as ZK65-B; without it, the connected one");
     arm_.add_to(command);
@@ -44,13 +53,7 @@ void ModelOption::add_to(CLI::App& command) {
 
 zk::Model ModelOption::load() const {
     if (name_.empty() && !arm_.is_given()) throw Failure(kUsage, "no arm is named: write --model NAME or --arm HOST");
-    if (name_.empty()) return arm_.connect().model().value();
-    zk::Result<zk::Model> model = zk::Model::named(name_);
-    if (!model) {
-        throw Failure(kUsage, "no arm is called '" + name_ +
-                                  "': there are ZK65, ZK75, 63, ORB65, ORB63, each with -B, -ZF or -6F, 62-B and 72-B");
-    }
-    return std::move(*model);
+    return name_.empty() ? arm_.connect().model().value() : model_called(name_);
 }
 
 void add_looking(CLI::App& zk, const std::string& name, const std::string& what, std::function<Json()> look,

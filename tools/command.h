@@ -16,13 +16,12 @@ struct Address;
 using Json = nlohmann::ordered_json;
 
 // How the program ends, for scripts.
-enum Exit : int {
-    kDone = 0,
-    kFailed = 1,        // refused by the arm, or found to be wrong
-    kUsage = 2,         // arguments or a file cannot be used; nothing was sent
-    kNoArm = 3,         // no controller could be reached, or the connection was lost
-    kInterrupted = 130  // Ctrl-C
-};
+using Exit = int;
+constexpr Exit kDone = 0;
+constexpr Exit kFailed = 1;         // refused by the arm, or found to be wrong
+constexpr Exit kUsage = 2;          // arguments or a file cannot be used; nothing was sent
+constexpr Exit kNoArm = 3;          // no controller could be reached, or the connection was lost
+constexpr Exit kInterrupted = 130;  // Ctrl-C
 
 // Ends a command with one sentence on standard error.
 struct Failure : std::runtime_error {
@@ -43,6 +42,9 @@ class ArmOption {
  private:
     std::string text_;
 };
+
+// Throws Failure for a name that no arm has.
+zk::Model model_called(const std::string& name);
 
 // An arm to compute with: a model by its name, or that of the connected arm with its frames and limits.
 class ModelOption {

@@ -165,6 +165,7 @@ class Simulator {
 
     void start(std::vector<std::string>& words) {
         std::vector<char*> arguments;
+        arguments.reserve(words.size() + 1);
         for (std::string& word : words) arguments.push_back(word.data());
         arguments.push_back(nullptr);
         Pipe input, output, failure;

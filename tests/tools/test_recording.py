@@ -88,6 +88,7 @@ def test_a_recording_for_another_arm(run, zk, tmp_path):
     with zk_base.Simulator(model="ZK75-B") as other:
         zk.environment["ZK_ARM"] = f"127.0.0.1:{other.port}"
         assert "6 joints, this arm has 7" in zk("replay", run, "-y", status=2)
+    assert "6 joints, not of a 75" in zk("view", run, "--model", "ZK75-B", status=2)
 
 
 def test_files_that_are_no_recording(zk_on, tmp_path):
@@ -99,6 +100,9 @@ def test_files_that_are_no_recording(zk_on, tmp_path):
                             (["plot", magic, "-o", "x.svg"], "is cut short before its first state"),
                             (["replay", tmp_path / "none.mcap"], "cannot be read: No such file"),
                             (["export", tmp_path], "is no MCAP file"),
+                            (["view", text], "is no MCAP file"),
+                            (["view", text, "127.0.0.1"], "a recording is played alone"),
+                            (["view", text, "--control"], "a recording has nothing"),
                             (["record", "-o", "run.txt"], "neither in .mcap nor in .csv"),
                             (["record", "-o", "run.csv", "--wire"], "a table has no room")]:
         assert sentence in zk_on(*words, status=2)

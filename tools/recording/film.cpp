@@ -63,12 +63,15 @@ std::string dumped(const Json& json) { return json.dump(-1, ' ', false, Json::er
 
 }  // namespace
 
-zk::view::Film load_film(const std::string& path) {
+zk::view::Film load_film(const std::string& path, const std::string& name) {
     const Recording recording = load_recording(path);
-    const std::optional<zk::Model> model = model_of(recording.arm);
+    const std::optional<zk::Model> model = name.empty() ? model_of(recording.arm) : model_called(name);
     const std::size_t joints = recording.states.front().position_deg.size();
-    const bool fits = model && model->joint_count() == joints;
-    Json arm = zk::view::description(fits ? &*model : nullptr, joints);
+    if (model && model->joint_count() != joints) {
+        throw Failure(kUsage, path + " is of an arm with " + std::to_string(joints) + " joints, not of a " +
+                                  std::string(model->name()));
+    }
+    Json arm = zk::view::description(model ? &*model : nullptr, joints);
     arm["arm"] = 0;
     arm["recorded"] = true;
     arm["pushesSpeed"] = has_speeds(recording);

@@ -6,7 +6,7 @@
 
 namespace tool {
 
-// Reads a recording. Throws Failure when the file is none.
-zk::view::Film load_film(const std::string& path);
+// Reads a recording. model: the name of its arm; "" when the recording tells it. Throws Failure when the file is none.
+zk::view::Film load_film(const std::string& path, const std::string& model);
 
 }  // namespace tool

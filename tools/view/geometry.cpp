@@ -7,7 +7,7 @@
 namespace zk::view {
 namespace {
 
-Json numbers(const tool::Vector& v, int decimals) {
+Json vector(const tool::Vector& v, int decimals) {
     return {rounded(v.x, decimals), rounded(v.y, decimals), rounded(v.z, decimals)};
 }
 
@@ -19,15 +19,15 @@ Result<Json> described(const Model& model) {
     const tool::Skeleton skeleton = tool::skeleton_of(*chain);
     Json joints = Json::array(), bones = Json::array();
     for (std::size_t i = 0; i < model.joint_count(); ++i) {
-        joints.push_back({{"axis", numbers(chain->joints[i].axis, 9)},
-                          {"point", numbers(chain->joints[i].point, 7)},
-                          {"centre", numbers(skeleton.joints[i].centre, 7)},
+        joints.push_back({{"axis", vector(chain->joints[i].axis, 9)},
+                          {"point", vector(chain->joints[i].point, 7)},
+                          {"centre", vector(skeleton.joints[i].centre, 7)},
                           {"inLine", skeleton.joints[i].is_in_line},
                           {"min", rounded(limits->min[i].degrees(), 2)},
                           {"max", rounded(limits->max[i].degrees(), 2)}});
     }
     for (const tool::Bone& bone : skeleton.bones)
-        bones.push_back({{"link", bone.link}, {"from", numbers(bone.from, 7)}, {"to", numbers(bone.to, 7)}});
+        bones.push_back({{"link", bone.link}, {"from", vector(bone.from, 7)}, {"to", vector(bone.to, 7)}});
     return Json{{"name", model.name()},
                 {"joints", joints},
                 {"flange", pose(chain->flange)},

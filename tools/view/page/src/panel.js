@@ -145,8 +145,9 @@ export class Panel {
 
   note() {
     const {target, fences, chain} = this.facts, notes = [];
-    if (chain && !chain.joints) notes.push('The shape of this arm: its model has no geometry.');
+    if (chain && !chain.joints && !this.recorded) notes.push('The shape of this arm: its model has no geometry.');
     if (this.recorded) {
+      if (chain && !chain.joints) notes.push('The shape of the arm: the recording does not name it, zk view --model does.');
       notes.push('Targets, fences, the gripper, inputs and outputs: a recording holds none of them.',
                  'The force without the weight of the tool: a recording holds what the sensor feels.');
       return this.writeNotes(notes);
