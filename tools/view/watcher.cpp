@@ -30,7 +30,7 @@ Json state_event(std::size_t arm, const ZK_State& record) {
     const auto count = static_cast<std::size_t>(record.joint_count);
     Json event{{"arm", arm},
                {"n", record.sequence},
-               {"t", record.host_ns / 1000 / 1e3},
+               {"t", static_cast<double>(record.host_ns / 1000) / 1e3},
                {"q", numbers(s.joint_position, count)},
                {"dq", numbers(s.joint_speed, count, 3)},
                {"current", numbers(s.joint_current, count, 3)},
