@@ -4,6 +4,7 @@
 #include <asio/post.hpp>
 #include <utility>
 
+#include "proxy/keep_alive.h"
 #include "wire/note.h"
 
 namespace tool {
@@ -16,6 +17,7 @@ constexpr std::size_t kLongestRequest = 64 * 1024;
 
 Client::Client(asio::ip::tcp::socket socket, const sim::DisturbedWire& faults, Service& service)
     : Sender(std::move(socket), faults), service_(service) {
+    keep_alive(this->socket());
     asio::error_code ignored;
     address_ = this->socket().remote_endpoint(ignored).address();
     is_on_this_host_ = address_.is_loopback() || address_ == this->socket().local_endpoint(ignored).address();

@@ -4,6 +4,7 @@
 #include <asio/write.hpp>
 #include <utility>
 
+#include "proxy/keep_alive.h"
 #include "wire/note.h"
 
 namespace tool {
@@ -24,6 +25,7 @@ std::shared_ptr<Line> Line::open(asio::io_context& io, const asio::ip::tcp::endp
         line->timer_.cancel();
         asio::error_code ignored;
         line->socket_.set_option(asio::ip::tcp::no_delay(true), ignored);
+        keep_alive(line->socket_);
         line->is_connected_ = true;
         line->read();
         line->write();
