@@ -1,5 +1,5 @@
 // How the library's processor time grows: that of the receive thread with the connections and with the length of a
-// message, that of the sender with the set-points of a second. docs/reference/growth.py draws it.
+// message, that of the sender with the set-points of a second. bench/growth.py draws it.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <pthread.h>

@@ -14,6 +14,7 @@ namespace {
     const std::filesystem::path beside = std::filesystem::read_symlink("/proc/self/exe", none).parent_path();
     std::vector<char*> argv;
     arguments.insert(arguments.begin(), "zk_simulator");
+    argv.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) argv.push_back(argument.data());
     argv.push_back(nullptr);
     execv((beside / argv[0]).c_str(), argv.data());

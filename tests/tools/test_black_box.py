@@ -1,7 +1,9 @@
 """The black box of the library: what it keeps, and who reads it."""
+import json
 import os
 import re
 import signal
+import socket
 import subprocess
 import sys
 import time
@@ -72,9 +74,12 @@ def test_a_killed_program(program, zk, tmp_path):
     assert rows[0][2] == "0" and rows[-1][2] == "10"
     zk("plot", box, "-o", tmp_path / "box.svg")
     player = zk.start("proxy", "--port", 0, "--play", box)
-    zk.environment["ZK_ARM"] = "127.0.0.1:" + re.search(r" port=(\d+)", player.stdout.readline())[1]
-    moves = f"import zk_base; zk_base.Arm('127.0.0.1', {zk.environment['ZK_ARM'].split(':')[1]})"
-    subprocess.run([sys.executable, "-c", moves + f".{MOVE.removeprefix('arm.')}"], check=True, timeout=60)
+    port = int(re.search(r" port=(\d+)", player.stdout.readline())[1])
+    with socket.create_connection(("127.0.0.1", port), timeout=60) as arm:
+        arm.sendall(b'{"command":"movej"}\r\n')
+        replies = map(json.loads, arm.makefile())
+        assert next(replies)["receive_state"] is True
+        assert next(reply for reply in replies if reply.get("state") == "current_trajectory_state")["trajectory_state"]
     player.terminate()
     player.communicate(timeout=60)
 

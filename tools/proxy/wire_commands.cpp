@@ -112,7 +112,7 @@ const std::map<std::string, std::string> kSetPoints{{"movej_canfd", "joint_state
 constexpr std::array kWithoutAnswer{"set_wifi_ap", "set_wifi_sta", "set_usb", "set_RS485", "set_ethernet"};
 
 Acknowledgement acknowledgement_of(const std::string& command) {
-    static const auto known = [] {
+    static const auto kKnown = [] {
         std::map<std::string, Acknowledgement> all;
         for (const auto& [key, commands] : kKeys) {
             std::istringstream words(commands);
@@ -124,8 +124,8 @@ Acknowledgement acknowledgement_of(const std::string& command) {
         }
         return all;
     }();
-    const auto found = known.find(command);
-    if (found != known.end()) return found->second;
+    const auto found = kKnown.find(command);
+    if (found != kKnown.end()) return found->second;
     return {command, command.starts_with("set_") ? command.substr(4) : command};
 }
 

@@ -28,9 +28,10 @@ Json link(const std::string& state, const std::string& text, const std::string& 
 Json state_event(std::size_t arm, const ZK_State& record) {
     const auto& s = record.status;
     const auto count = static_cast<std::size_t>(record.joint_count);
+    const std::int64_t microseconds = record.host_ns / 1000;
     Json event{{"arm", arm},
                {"n", record.sequence},
-               {"t", static_cast<double>(record.host_ns / 1000) / 1e3},
+               {"t", static_cast<double>(microseconds) / 1e3},
                {"q", numbers(s.joint_position, count)},
                {"dq", numbers(s.joint_speed, count, 3)},
                {"current", numbers(s.joint_current, count, 3)},
