@@ -14,7 +14,8 @@
 #include <mutex>
 #include <string>
 #include <system_error>
-#include <thread>
+
+#include "connection/own_thread.h"
 
 namespace zk::black_box {
 
@@ -27,6 +28,7 @@ constexpr uint64_t kRingSize = 16 * 1024 * 1024;  // 30 s of two arms that push 
 constexpr size_t kFileSize = kPage + kStartSize + kRingSize;
 constexpr int64_t kBetweenCopies = 10'000'000'000;
 constexpr int kMostCopies = 20;
+constexpr mode_t kMode = 0600;  // frames hold passwords of networks
 
 int64_t now(clockid_t clock) {
     timespec time{};
@@ -107,7 +109,7 @@ void copy() {
     if (!why) return;
     const std::string path = box().stem + "-" + std::to_string(box().copies) + "-" + why + ".box";
     const std::string unfinished = path + ".part";
-    const int file = ::open(unfinished.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    const int file = ::open(unfinished.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kMode);
     const bool done = file >= 0 && write_box(file) && std::rename(unfinished.c_str(), path.c_str()) == 0;
     const int error = errno;
     if (file >= 0) ::close(file);
@@ -133,7 +135,7 @@ int create(const std::string& directory) {
     if (gmtime_r(&time, &parts)) std::strftime(moment, sizeof moment, "%Y%m%dT%H%M%SZ", &parts);
     box().stem = directory + "/zk-" + moment + "-" + std::to_string(getpid());
     box().path = box().stem + ".box";
-    const int file = ::open(box().path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+    const int file = ::open(box().path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kMode);
     if (file < 0) return errno;
     int error = posix_fallocate(file, 0, kFileSize);
     if (error == 0) {
@@ -157,12 +159,16 @@ void start(const std::string& directory) {
     box().start = {box().bytes + kPage, kStartSize, &header.start_end};
     box().ring = {box().bytes + kPage + kStartSize, kRingSize, &header.ring_end};
     sem_init(&box().wanted, 0, 0);
-    std::thread([] {
+    const int error = start_own_thread([] {
         for (;;) {
             while (sem_wait(&box().wanted) != 0) continue;
             copy();
         }
-    }).detach();
+    });
+    if (error) {
+        ::unlink(box().path.c_str());
+        return complain("no thread can be made", error);
+    }
     pthread_atfork(nullptr, nullptr, leave_to_parent);
     std::atexit(end);
     detail::is_on.store(true, std::memory_order_release);

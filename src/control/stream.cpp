@@ -12,15 +12,14 @@
 #include <cerrno>
 #include <cmath>
 #include <condition_variable>
-#include <csignal>
 #include <cstring>
 #include <ctime>
 #include <iterator>
 #include <mutex>
 #include <string>
-#include <thread>
 
 #include "connection/black_box.h"
+#include "connection/own_thread.h"
 #include "connection/realtime.h"
 #include "connection/shared_memory.h"
 #include "connection/slots.h"
@@ -285,24 +284,18 @@ void release(Stream& stream, std::unique_lock<std::mutex>& guard) {
     closed.wait(guard, [&] { return !unused.is_closing; });
 }
 
-// Signals go to the application's threads.
 bool start_thread() {
     if (wake_up >= 0) return true;
     Descriptor event(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
     if (event.get() < 0) return false;
-    sigset_t all, before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);
     wake_up = event.get();
-    try {
-        std::thread(run).detach();
-        event.release();
-    } catch (const std::system_error&) {
+    if (const int error = start_own_thread(run)) {
         wake_up = -1;
-        errno = EAGAIN;
+        errno = error;
+        return false;
     }
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    return wake_up >= 0;
+    event.release();
+    return true;
 }
 
 }  // namespace

@@ -124,13 +124,6 @@ class ScriptedWaits : public testing::Test {
 
 constexpr char kProgram[] = "get_program_run_state", kTrajectory[] = "get_arm_current_trajectory";
 
-TEST_F(ScriptedWaits, AReplyWakesItsCall) {
-    controller_.answer("set_arm_stop", R"({"command":"set_arm_stop","arm_stop":true})");
-    const int64_t before = slept();
-    EXPECT_EQ(Move_Stop_Cmd(arm_, true), 0);
-    EXPECT_EQ(slept(), before) << "no sleep between two looks";
-}
-
 TEST_F(ScriptedWaits, AProgramRunsUntilTheControllerSaysNone) {
     const std::string none = R"({"state":"get_program_run_state","run_state":0})";
     ZK_ProgramOutcome outcome{-2, -2, -2};

@@ -88,7 +88,7 @@ def test_watch_comes_back_with_the_arm(zk_on, simulator):
             pass
     read_until(lambda sequence: sequence > 400)
     simulator.ask("zk_sim_restart", pause_ms=300)
-    assert "is lost" in watching.stderr.readline()
+    assert any("is lost" in line for line in watching.stderr)  # a loaded machine says before that the stream stalls
     read_until(lambda sequence: sequence < 400)  # a new connection counts anew
     watching.send_signal(signal.SIGINT)
     watching.communicate(timeout=60)

@@ -105,7 +105,7 @@ Recording load_recording(const std::string& path, Contents must) {
     find_model(recording);
     if (recording.states.empty() && must == Contents::kStatesOrFrames && !recording.log.empty()) return recording;
     if (recording.states.empty()) {
-        throw Failure(kUsage, recording.is_whole ? path + " holds no state of an arm: zk record writes them"
+        throw Failure(kUsage, recording.is_whole ? path + " holds no state of an arm"
                                                  : path + " is cut short before its first state");
     }
     const std::size_t joints = recording.states.front().position_deg.size();
