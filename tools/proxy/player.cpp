@@ -10,6 +10,7 @@ namespace tool {
 namespace {
 
 constexpr std::chrono::milliseconds kUsualCycle{5};
+constexpr std::size_t kMostOpen = 1000;  // requests that may still be answered
 
 template <class Value>
 Json scaled(const std::vector<Value>& values, double factor) {
@@ -73,6 +74,7 @@ Player::Player(asio::io_context& io, const std::string& path, PushShare& push, F
     for (const LogRecord& line : recording.log) {
         if (line.is_frame && line.text.size() > 2) add(line);
     }
+    if (unasked_) add_message(last_change(*unasked_), *unasked_);
     if (exchanges_.empty())
         throw Failure(kUsage, path + " holds no frames: zk proxy -o and zk record --wire keep them");
     states_ = std::move(recording.push);
@@ -91,30 +93,50 @@ Player::Player(asio::io_context& io, const std::string& path, PushShare& push, F
 
 void Player::add(const LogRecord& frame) {
     const std::string text = frame.text.substr(2);
+    const std::optional<LogRecord> unasked = std::exchange(unasked_, std::nullopt);
     if (frame.text.front() == '>') {
         exchanges_.push_back({frame.unix_ns, frame.client, Request::of(text), {}});
         const Request& request = exchanges_.back().request;
         for (const std::string& key : {request.body.dump(), request.command})
             places_[key].push_back(exchanges_.size() - 1);
+        if (unasked) add_message(asked_by(*unasked), *unasked);
         return;
     }
-    const std::string name = name_of_message(text);
-    if (Exchange* exchange = asked_by(frame, name)) {
-        exchange->is_answered = exchange->is_answered || answers(name, exchange->request.command);
-        exchange->messages.push_back(
-            {std::chrono::nanoseconds(std::max<std::int64_t>(0, frame.unix_ns - exchange->unix_ns)), text,
-             is_report(name)});
+    if (unasked) add_message(last_change(*unasked), *unasked);
+    if (Exchange* exchange = asked_by(frame)) {
+        add_message(exchange, frame);
+    } else if (is_report(name_of_message(text))) {
+        add_message(last_change(frame), frame);
+    } else {
+        // One thread of a program writes down what it sends, another what it receives: the request may stand next.
+        unasked_ = frame;
     }
 }
 
-// The first that waits for such an answer; for what nobody asked, the last that changed something.
-Player::Exchange* Player::asked_by(const LogRecord& frame, const std::string& name) {
-    constexpr std::size_t kMostOpen = 1000;
+void Player::add_message(Exchange* exchange, const LogRecord& frame) {
+    if (!exchange) exchange = last_change(frame);
+    if (!exchange) return;
+    const std::string text = frame.text.substr(2), name = name_of_message(text);
+    exchange->is_answered = exchange->is_answered || answers(name, exchange->request.command);
+    exchange->messages.push_back(
+        {std::chrono::nanoseconds(std::max<std::int64_t>(0, frame.unix_ns - exchange->unix_ns)), text,
+         is_report(name)});
+}
+
+// The first that waits for such an answer.
+Player::Exchange* Player::asked_by(const LogRecord& frame) {
+    const std::string name = name_of_message(frame.text.substr(2));
     const std::size_t oldest = exchanges_.size() - std::min(exchanges_.size(), kMostOpen);
     for (std::size_t i = oldest; i < exchanges_.size(); ++i) {
         Exchange& one = exchanges_[i];
         if (!one.is_answered && one.client == frame.client && answers(name, one.request.command)) return &one;
     }
+    return nullptr;
+}
+
+// What nobody asked for is told after the last request that changed something.
+Player::Exchange* Player::last_change(const LogRecord& frame) {
+    const std::size_t oldest = exchanges_.size() - std::min(exchanges_.size(), kMostOpen);
     for (std::size_t i = exchanges_.size(); i > oldest; --i) {
         Exchange& one = exchanges_[i - 1];
         if (!one.request.is_query() && (frame.client.empty() || one.client == frame.client)) return &one;

@@ -3,6 +3,7 @@
 
 #include <list>
 #include <map>
+#include <optional>
 
 #include "proxy/faults.h"
 #include "proxy/push_share.h"
@@ -42,7 +43,9 @@ class Player : public Service {
     };
 
     void add(const LogRecord& frame);
-    Exchange* asked_by(const LogRecord& frame, const std::string& name);
+    void add_message(Exchange* exchange, const LogRecord& frame);
+    Exchange* asked_by(const LogRecord& frame);
+    Exchange* last_change(const LogRecord& frame);
     const Exchange* next(Guest& guest, const Request& request);
     void answer(const std::shared_ptr<Client>& client, const Exchange& exchange);
     void send(const std::weak_ptr<Client>& client, const Message& message, std::size_t file_size);
@@ -52,6 +55,7 @@ class Player : public Service {
     PushShare& push_;
     FaultDesk& faults_;
     std::vector<Exchange> exchanges_;
+    std::optional<LogRecord> unasked_;                        // the frame before, when it answers none
     std::map<std::string, std::vector<std::size_t>> places_;  // of exchanges, by request and by command
     std::vector<PushRecord> states_;
     std::list<Guest> guests_;
