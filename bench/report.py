@@ -13,7 +13,7 @@ from pathlib import Path
 import growth
 
 ROOT = Path(__file__).resolve().parent.parent
-REPETITIONS = 5
+REPETITIONS = 3
 
 SECTIONS = {
     "Messages from a controller": (
