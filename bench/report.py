@@ -81,9 +81,11 @@ def figures(program):
     is_long = program.name in ("stream_bench", "round_trip_bench", "many_connections_bench", "idle_bench",
                                "latency_bench", "transfer_bench")
     print(f"{program.name} ...", flush=True)
-    report = json.loads(output(program, "--benchmark_format=json",
-                               f"--benchmark_repetitions={1 if is_long else REPETITIONS}",
-                               "--benchmark_enable_random_interleaving=true", stderr=subprocess.DEVNULL))
+    with tempfile.NamedTemporaryFile() as out:  # the library prints some replies on standard output
+        output(program, f"--benchmark_out={out.name}", "--benchmark_out_format=json",
+               f"--benchmark_repetitions={1 if is_long else REPETITIONS}",
+               "--benchmark_enable_random_interleaving=true", stderr=subprocess.DEVNULL)
+        report = json.loads(Path(out.name).read_text())
     runs = {}
     for run in sorted(report["benchmarks"], key=lambda run: (run["family_index"], run["per_family_instance_index"])):
         if run["run_type"] == "iteration":
