@@ -54,7 +54,7 @@ const halves = [lags.slice(0, lags.length / 2), lags.slice(lags.length / 2)];
 console.log(`${(frames / seconds).toFixed(1)} frames/s, ${(lags.length / seconds).toFixed(1)} states/s`);
 halves.forEach((half, i) => console.log(`lag in the ${i ? 'second' : 'first'} half: median ${share(half, 0.5).toFixed(1)} ms, ` +
                                         `99 % ${share(half, 0.99).toFixed(1)} ms`));
-console.log(`pixels for each of the screen's: ${await page.value('zkView.cards[0].stage.sharpness')}`);
+console.log(`the picture: ${await page.value('JSON.stringify(zkView.cards[0].stage.quality)')}`);
 await browser.close();
 arm.destroy();
 for (const child of children) child.kill();

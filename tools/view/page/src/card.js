@@ -6,10 +6,11 @@ import {Plots} from './plots.js';
 import {Stage} from './stage.js';
 
 const plotsEveryMs = 250;
+const numbersEveryMs = 100;  // faster than one reads; each time the browser paints the panel anew
 
-function stageIn(box) {
+function stageIn(box, quality) {
   try {
-    return new Stage(box);
+    return new Stage(box, quality);
   } catch {
     box.append(element('p.empty', {}, 'This browser has no WebGL: the arm is not drawn.'));
     return null;
@@ -17,8 +18,9 @@ function stageIn(box) {
 }
 
 export class Card {
-  constructor(number, name) {
+  constructor(number, name, quality) {
     this.number = number;
+    this.quality = quality;
     this.pulse = new Pulse();
     this.link = {state: 'up'};
     this.facts = {};  // what the picture was told, by method
@@ -33,15 +35,20 @@ export class Card {
     this.panelBox = element('.panel');
     this.plotBox = element('.plots');
     this.root = element('article.card', {}, this.box, this.panelBox, this.plotBox);
-    this.plotted = 0;
+    this.plotted = this.written = 0;
   }
 
   // The picture, made when it is first looked at.
   openStage() {
     if (this.stage !== undefined || !this.arm?.chain.joints) return;
-    this.stage = stageIn(this.box);
+    this.stage = stageIn(this.box, this.quality);
     this.stage?.setArm(this.arm);
     for (const [method, facts] of Object.entries(this.facts)) this.stage?.[method](facts);
+  }
+
+  setQuality(quality) {
+    this.quality = quality;
+    this.stage?.setQuality(quality);
   }
 
   tellStage(method, facts) {
@@ -132,7 +139,12 @@ export class Card {
     this.openStage();
     if (this.fresh && this.panel) {
       this.fresh = false;
+      this.unread = true;
       this.stage?.show(this.state);
+    }
+    if (this.unread && now - this.written > numbersEveryMs) {
+      this.unread = false;
+      this.written = now;
       this.panel.show(this.state);
       this.showDoing();
     }

@@ -5,13 +5,13 @@ import {Control} from './control.js';
 import {write} from './dom.js';
 import {Feed} from './feed.js';
 import {Player} from './player.js';
+import {Judge} from './quality.js';
 import {Theme} from './theme.js';
 
 const part = (name) => document.getElementById(name);
-const slowFrameMs = 30, judgedFrames = 12;
+const judge = new Judge(new URLSearchParams(location.search).get('picture') === 'best');
 
 let cards = [], player = null;
-let frames = 0, spent = 0, last = 0;
 
 function say(text) {
   write(part('notice'), text);
@@ -25,7 +25,7 @@ function welcome({arms, control: mayStop, recording}) {
   say('');
   const known = cards.map(({name}) => name).join();
   if (cards.length && known === arms.join()) return;
-  cards = arms.map((name, i) => new Card(i, name));
+  cards = arms.map((name, i) => new Card(i, name, judge.quality));
   part('arms').replaceChildren(...cards.map(({root}) => root));
   write(part('summary'), cards.length === 1 ? '' : `${cards.length} arms`);
   write(part('mode'), recording ? 'This is a recording: no arm is connected.'
@@ -61,23 +61,11 @@ new Feed({
 }, (refused) => say(refused ? 'The view does not take this page: five are open already, or it has ended.'
                             : 'The view has ended or does not answer. It is tried again.'));
 
-// A machine that needs long for its frames gets a cheaper picture.
-function judge(now, drew) {
-  if (drew && last) {
-    ++frames;
-    spent += now - last;
-  }
-  last = drew ? now : 0;
-  if (frames < judgedFrames) return;
-  if (spent / frames > slowFrameMs) cards.forEach(({stage}) => stage?.coarsen());
-  frames = spent = 0;
-}
-
 function frame(now) {
   let drew = false;
   player?.advance(now);
   for (const card of cards) drew = card.draw(now) || drew;
-  judge(now, drew);
+  if (judge.judge(now, drew)) cards.forEach((card) => card.setQuality(judge.quality));
   requestAnimationFrame(frame);
 }
 

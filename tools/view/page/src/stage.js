@@ -2,15 +2,11 @@
 import * as three from 'three';
 import {OrbitControls} from 'three/examples/jsm/controls/OrbitControls.js';
 import {RoomEnvironment} from 'three/examples/jsm/environments/RoomEnvironment.js';
-import {Line2} from 'three/examples/jsm/lines/Line2.js';
-import {LineGeometry} from 'three/examples/jsm/lines/LineGeometry.js';
-import {LineMaterial} from 'three/examples/jsm/lines/LineMaterial.js';
 import {Body, ghostLook, solidLook} from './body.js';
 import {axisColours, ghostColour, tipColour} from './colours.js';
 import {Fences} from './fences.js';
 import {Chain, matrixOf} from './kinematics.js';
-
-const pathPoints = 900;
+import {Path} from './path.js';
 
 function triad(size) {
   const group = new three.Group();
@@ -27,10 +23,9 @@ function triad(size) {
 }
 
 // A ground that fades away, with lines a decimetre apart and stronger ones each half metre.
-function grid(size) {
+function grid(size, steps) {
   const positions = [], colours = [];
   const add = (a, b, strength) => {
-    const steps = 16;
     for (let i = 0; i < steps; ++i) {
       for (const t of [i / steps, (i + 1) / steps]) {
         const x = a[0] + (b[0] - a[0]) * t, y = a[1] + (b[1] - a[1]) * t;
@@ -52,16 +47,14 @@ function grid(size) {
 }
 
 export class Stage {
-  constructor(box) {
+  constructor(box, quality) {
     this.box = box;
     this.canvas = box.querySelector('canvas');
-    this.renderer = new three.WebGLRenderer({canvas: this.canvas, antialias: true, alpha: true});
+    this.renderer = new three.WebGLRenderer({canvas: this.canvas, antialias: !quality.plain, alpha: true});
     this.renderer.shadowMap.enabled = true;
     this.renderer.shadowMap.type = three.PCFShadowMap;
     this.renderer.toneMapping = three.ACESFilmicToneMapping;
     this.scene = new three.Scene();
-    const rooms = new three.PMREMGenerator(this.renderer);
-    this.scene.environment = rooms.fromScene(new RoomEnvironment(), 0.04).texture;
     this.camera = new three.PerspectiveCamera(30, 1, 0.02, 60);
     this.camera.up.set(0, 0, 1);
     this.controls = new OrbitControls(this.camera, this.canvas);
@@ -69,9 +62,9 @@ export class Stage {
     this.controls.dampingFactor = 0.12;
     this.controls.addEventListener('change', () => (this.stale = true));
     this.stale = true;
-    this.sharpness = Math.min(window.devicePixelRatio, 2);
     this.labels = new Map();
     this.addLights();
+    this.setQuality(quality);
     new ResizeObserver(() => this.resize()).observe(box);
   }
 
@@ -83,34 +76,36 @@ export class Stage {
     this.sun.shadow.bias = -0.001;
     this.sun.shadow.normalBias = 0.03;
     this.rim = new three.DirectionalLight('#cfe0ff', 0.7);
-    this.scene.add(this.sun, this.sun.target, this.rim);
+    // The light from all around: of a room that things reflect, or of one colour above and one below.
+    this.room = new three.PMREMGenerator(this.renderer).fromScene(new RoomEnvironment(), 0.04).texture;
+    this.scene.environment = this.room;
+    this.sky = new three.HemisphereLight('#ffffff', '#8d8a84', 1);
+    this.sky.visible = false;
+    this.scene.add(this.sun, this.sun.target, this.rim, this.sky);
   }
 
   // The arm that the server describes: its chain, where it is mounted, and its frames.
   setArm({chain, mounting, tool, work}) {
     if (this.world) this.scene.remove(this.world);
     this.chain = new Chain(chain);
-    this.body = new Body(this.chain, solidLook());
-    this.ghost = new Body(this.chain, ghostLook(ghostColour));
-    this.ghost.root.visible = false;
-    this.ghost.root.renderOrder = 2;
     this.world = new three.Group();
-    const reach = this.body.reach;
     this.base = new three.Group();
     this.base.applyMatrix4(matrixOf(mounting));
-    this.base.add(this.body.root, this.ghost.root);
-    this.body.root.traverse((part) => (part.castShadow = part.receiveShadow = !!part.isMesh));
+    this.target = null;
+    this.addBodies();
+    const reach = this.body.reach;
     const size = reach * 0.13;
     this.frames = {base: triad(size), work: triad(size), tool: triad(size)};
     this.frames.base.matrix.copy(matrixOf(mounting));
     this.tip = new three.Mesh(new three.SphereGeometry(reach * 0.011, 20, 14),
       new three.MeshBasicMaterial({color: tipColour, toneMapped: false, depthTest: false, transparent: true}));
     this.tip.renderOrder = 9;
-    this.rod = new three.Mesh(new three.CylinderGeometry(0.45, 1, 1, 24), solidLook().metal);
+    this.rod = new three.Mesh(new three.CylinderGeometry(0.45, 1, 1, 24), solidLook(this.quality.plain).metal);
     this.rod.castShadow = true;
     this.fences = new Fences();
     this.world.add(this.base, ...Object.values(this.frames), this.tip, this.rod, this.fences.root);
-    this.addPath();
+    this.path = new Path(this.quality.plain);
+    this.world.add(this.path.root);
     this.addFingers(reach);
     this.addForce(reach);
     this.addGround(reach, matrixOf(mounting));
@@ -121,12 +116,15 @@ export class Stage {
     this.aim(reach);
   }
 
-  addPath() {
-    this.path = {points: [], line: new Line2(new LineGeometry(), new LineMaterial({linewidth: 2.4, vertexColors: true,
-      transparent: true, opacity: 0.9, worldUnits: false}))};
-    this.path.line.frustumCulled = false;
-    this.path.line.visible = false;
-    this.world.add(this.path.line);
+  addBodies() {
+    const {plain} = this.quality;
+    this.body = new Body(this.chain, solidLook(plain));
+    this.ghost = new Body(this.chain, ghostLook(ghostColour, plain));
+    this.ghost.root.visible = false;
+    this.ghost.root.renderOrder = 2;
+    this.body.root.traverse((part) => (part.castShadow = part.receiveShadow = !!part.isMesh));
+    this.base.traverse((part) => part.geometry?.dispose());
+    this.base.clear().add(this.body.root, this.ghost.root);
   }
 
   addForce(reach) {
@@ -142,10 +140,10 @@ export class Stage {
     const shade = new three.Mesh(new three.CircleGeometry(reach * 1.3, 48),
                                  new three.ShadowMaterial({opacity: 0.2, depthWrite: false}));
     shade.receiveShadow = true;
-    this.grid = grid(Math.max(reach * 2, 1));
     this.ground = new three.Group();
     this.ground.position.z = height - 0.001;
-    this.ground.add(shade, this.grid);
+    this.ground.add(shade);
+    this.addGrid();
     this.world.add(this.ground);
     this.middle = stands ? reach * 0.42 : -reach * 0.3;
     this.sun.position.set(reach * 1.1, -reach * 1.3, reach * 2.6);
@@ -156,6 +154,13 @@ export class Stage {
     camera.far = reach * 6;
     camera.updateProjectionMatrix();
     this.dress();
+  }
+
+  addGrid() {
+    this.grid?.geometry.dispose();
+    this.grid?.removeFromParent();
+    this.grid = grid(Math.max(this.body.reach * 2, 1), this.quality.plain ? 2 : 16);
+    this.ground.add(this.grid);
   }
 
   // The camera's place at first: the whole arm in sight, from a little above.
@@ -176,6 +181,7 @@ export class Stage {
     this.scene.environmentIntensity = dark ? 0.45 : 0.62;
     this.sun.intensity = dark ? 1.7 : 1.9;
     this.rim.intensity = dark ? 1.6 : 0.6;
+    this.sky.intensity = dark ? 0.9 : 1.5;
     this.grid?.material.color.set(dark ? '#8a94a6' : '#7c7568');
     this.stale = true;
   }
@@ -206,7 +212,7 @@ export class Stage {
   }
 
   addFingers(reach) {
-    const metal = solidLook().metal, root = new three.Group();
+    const metal = solidLook(this.quality.plain).metal, root = new three.Group();
     const box = () => new three.Mesh(new three.BoxGeometry(0.012 * reach, 0.03 * reach, 0.06 * reach), metal);
     const held = new three.Mesh(new three.BoxGeometry(1, 1, 1), new three.MeshStandardMaterial({color: '#d3a000',
       roughness: 0.6, transparent: true, opacity: 0.75}));
@@ -225,6 +231,7 @@ export class Stage {
   // Where a motion goes; null for nowhere that is known.
   setTarget(joints) {
     if (!this.chain) return;
+    this.target = joints;
     const known = !!joints && joints.some((angle, i) => Math.abs(angle - this.joints[i]) > 0.3);
     this.ghost.root.visible = known;
     if (known) this.ghost.pose(joints);
@@ -252,39 +259,16 @@ export class Stage {
     if (!this.chain) return;
     if (!this.world.visible) this.world.visible = this.stale = true;
     if (state.q.some((angle, i) => angle !== this.joints[i])) this.moveTo(state.q);
-    this.follow(state.t);
+    this.path.follow(state.t, this.tip.position);
     this.showForce(state);
   }
 
   // The path anew, where the tool was with these states.
   retrace(states) {
     if (!this.chain) return;
-    this.path.points = [];
-    for (const {t, p} of states) this.follow(t, new three.Vector3(...p).applyMatrix4(this.workFrame));
-    this.pathIsOld = this.stale = true;
-  }
-
-  // The path of the tool in the last minute.
-  follow(time, at = this.tip.position) {
-    const {points} = this.path, last = points.at(-1);
-    while (points.length && time - points[0].time > 60000) this.pathIsOld = points.shift();
-    if (last && at.distanceTo(last.at) < 0.003) return;
-    points.push({time, at: at.clone()});
-    if (points.length > pathPoints) points.shift();
-    this.pathIsOld = true;
-  }
-
-  drawPath() {
-    const {points, line} = this.path;
-    this.pathIsOld = false;
-    line.visible = points.length > 1;
-    if (!line.visible) return;
-    const colour = new three.Color(tipColour), paper = new three.Color(
-      document.documentElement.dataset.shade === 'dark' ? '#252a33' : '#eceae5');
-    line.geometry.dispose();
-    line.geometry = new LineGeometry();
-    line.geometry.setPositions(points.flatMap(({at}) => [at.x, at.y, at.z]));
-    line.geometry.setColors(points.flatMap((_, i) => paper.clone().lerp(colour, i / points.length).toArray()));
+    this.path.clear();
+    for (const {t, p} of states) this.path.follow(t, new three.Vector3(...p).applyMatrix4(this.workFrame));
+    this.stale = true;
   }
 
   // An arrow for the force, without the tool's weight: 10 N are a tenth of the arm's reach.
@@ -309,32 +293,37 @@ export class Stage {
     const before = this.camera.aspect;
     this.camera.aspect = clientWidth / clientHeight;
     this.camera.updateProjectionMatrix();
-    this.renderer.setPixelRatio(this.sharpness);
+    this.renderer.setPixelRatio(Math.min(window.devicePixelRatio, 2) * this.quality.sharpness);
     this.renderer.setSize(clientWidth, clientHeight, false);
     if (this.body && Math.abs(before - this.camera.aspect) > 0.2) this.aim(this.body.reach);
     this.stale = true;
   }
 
-  // Draws when something has changed. On a slow machine the picture gets coarser, so that it stays in time.
+  // Draws when something has changed.
   draw() {
     this.controls.update();
     if (!this.stale || !this.chain) return false;
     this.stale = false;
-    if (this.pathIsOld) this.drawPath();
+    this.path.draw();
     this.renderer.render(this.scene, this.camera);
     this.moveLabels();
     return true;
   }
 
-  // Cheaper by a step: without shadows, then with fewer pixels.
-  coarsen() {
-    if (this.sun.castShadow) {
-      this.sun.castShadow = false;
-    } else {
-      this.sharpness = Math.max(this.sharpness * 0.7, 0.5);
-      this.resize();
-    }
-    this.stale = true;
+  setQuality(quality) {
+    const redone = quality.plain !== this.quality?.plain;
+    this.quality = quality;
+    this.sun.castShadow = quality.shadows;
+    this.sky.visible = quality.plain;
+    this.scene.environment = quality.plain ? null : this.room;
+    this.resize();
+    if (!redone || !this.chain) return;
+    this.addBodies();
+    this.addGrid();
+    this.path.setPlain(quality.plain);
+    this.dress();
+    this.moveTo(this.joints);
+    this.setTarget(this.target);
   }
 
   // Where on the page, in pixels from the picture's corner, a place of the room is.
