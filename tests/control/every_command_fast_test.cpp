@@ -89,16 +89,22 @@ class EveryCommand : public testing::Test {
     }
     void TearDown() override { EXPECT_EQ(ZK_Close(arm_), 0); }
 
+    static void expect_refused(const char* name, int variant, int status) {
+        EXPECT_EQ(status, ZK_BAD_ARGUMENT) << name << " " << variant;
+    }
+    static void expect_ended(const char* name, int variant, int status) {
+        EXPECT_TRUE(status > ZK_CANCELLED || status == ZK_DEADLINE) << name << " " << variant << ": " << status;
+        EXPECT_STRNE(ZK_Status_Text(status), "unknown status") << name << " " << variant << ": " << status;
+    }
+
     ScriptedController controller_;
     ArmSocket arm_ = 0;
 };
 
 TEST_F(EveryCommand, RefusesNumbersThatAreNotFinite) {
     for (int variant = 0; variant < kVariants; ++variant) {
-#define ZK_REFUSES(name)                                                                  \
-    if (sends_not_finite(name, #name, variant)) {                                         \
-        EXPECT_EQ(call(name, arm_, variant), ZK_BAD_ARGUMENT) << #name << " " << variant; \
-    }
+#define ZK_REFUSES(name) \
+    if (sends_not_finite(name, #name, variant)) expect_refused(#name, variant, call(name, arm_, variant));
         ZK_EVERY_COMMAND(ZK_REFUSES)
 #undef ZK_REFUSES
     }
@@ -114,12 +120,7 @@ TEST_F(EveryCommand, EndsInItsDeadlineAndSendsOneObjectAFrame) {
     }
     ASSERT_EQ(ZK_Set_Deadline(arm_, 50, ZK_ALL_THREADS), 0);
     for (int variant = 0; variant < kVariants; ++variant) {
-#define ZK_CALL(name)                                                                                             \
-    {                                                                                                             \
-        const int status = call(name, arm_, variant);                                                             \
-        EXPECT_TRUE(status > ZK_CANCELLED || status == ZK_DEADLINE) << #name << " " << variant << ": " << status; \
-        EXPECT_STRNE(ZK_Status_Text(status), "unknown status") << #name << " " << variant << ": " << status;      \
-    }
+#define ZK_CALL(name) expect_ended(#name, variant, call(name, arm_, variant));
         ZK_EVERY_COMMAND(ZK_CALL)
         ZK_CALL(Save_Trajectory)
         ZK_CALL(Save_Drag_Teach_File_Block_NC_E)

@@ -12,7 +12,7 @@
 
 #include "commands/project.h"
 #include "simulator/talk.h"
-#include "support/outputs.h"
+#include "support/command_case.h"
 #include "support/pattern.h"
 #include "support/simulated_arm.h"
 #include "support/temporary_file.h"
@@ -24,16 +24,13 @@ namespace {
 // Of a table: a deed, or a question about the deeds after it.
 struct Item {
     std::string name;  // of the command; empty: none of the interface
-    std::function<int(ArmSocket, std::string& outputs)> call;
+    Call call;
     bool asks = false;
     int status = 0;
     std::string outputs = {};  // what the question returns after this deed; empty: the same as before
 };
-Item question(const std::string& name, const decltype(Item::call)& call) { return {name, call, true}; }
-template <class Function>
-Item deed(const std::string& name, Function call) {
-    return {name, [=](ArmSocket s, std::string&) { return call(s); }};
-}
+Item question(const char* name, Call call) { return {name, std::move(call), true}; }
+Item deed(const char* name, Call call) { return {name, std::move(call)}; }
 Item refused(Item deed) { return deed.status = 1, deed; }
 Item operator>>(Item deed, const std::string& outputs) { return deed.outputs = outputs, deed; }
 
@@ -56,7 +53,7 @@ struct Place {
 
 // A query with arguments in front of its outputs.
 template <class... All, class... Ins>
-auto asking(int (*query)(ArmSocket, All...), Ins... ins) {
+auto asked(int (*query)(ArmSocket, All...), Ins... ins) {
     return [=](ArmSocket s, std::string& outputs) {
         return [&]<size_t... at>(std::index_sequence<at...>) {
             using Parameters = std::tuple<All...>;
@@ -70,7 +67,7 @@ auto asking(int (*query)(ArmSocket, All...), Ins... ins) {
 // A command that succeeds, one that is refused, a query, and a setter whose query has the same name.
 #define DO(command, ...) deed(#command, [](ArmSocket s) { return command(s __VA_OPT__(, ) __VA_ARGS__); })
 #define NOT(...) refused(DO(__VA_ARGS__))
-#define Q(query, ...) question(#query, asking(query __VA_OPT__(, ) __VA_ARGS__))
+#define Q(query, ...) question(#query, asked(query __VA_OPT__(, ) __VA_ARGS__))
 #define SET(name, outputs, ...) Q(Get_##name), DO(Set_##name, __VA_ARGS__) >> outputs
 
 // A question whose outputs are a part, or a rounding, of what the query writes.
@@ -464,7 +461,7 @@ TEST_P(Coverage, IsReadBack) {
     std::istringstream words(GetParam().name);
     const std::vector<std::string> options(++std::istream_iterator<std::string>(words), {});
     const Place place(options, GetParam().name.find("ZK75") == std::string::npos ? 65 : 75);
-    Item question;
+    Item question = GetParam().items.front();
     for (const Item& item : GetParam().items) {
         if (item.asks) {
             question = item;

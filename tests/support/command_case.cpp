@@ -168,6 +168,22 @@ void expect_first_record(const CommandCase& row, ScriptedController& controller)
 
 }  // namespace
 
+std::vector<NullCall> nulls(const NullCall& call, std::initializer_list<bool> pointers) {
+    std::vector<NullCall> calls;
+    NullCall next = call;
+    for (const bool is_pointer : pointers) {
+        if (is_pointer) calls.push_back(next);
+        ++next.null;
+    }
+    return calls;
+}
+
+Call::Call(Plain function, std::vector<NullCall> null_calls)
+    : with_nulls(std::move(null_calls)), call_([function](ArmSocket arm, std::string&) { return function(arm); }) {}
+
+Call::Call(Function function, std::vector<NullCall> null_calls)
+    : with_nulls(std::move(null_calls)), call_(std::move(function)) {}
+
 void FirstRecord::put(int count, int result) {
     set_shared(words[1], int32_t{result});
     set_shared(words[0], int32_t{count});
@@ -301,7 +317,7 @@ void expect_nulls_refused(const std::vector<CommandCase>& rows) {
             const NullCall& null = row.call.with_nulls[i];
             const auto limit = tested.find(null.name);
             if (!is_plain(null.name) || std::regex_search(null.name, untested)) continue;
-            if (limit == tested.end() || i < limit->second) all.push_back({null.name, null.call});
+            if (limit == tested.end() || i < limit->second) all.push_back({null.name, null});
         }
     }
     expect_nothing_sent(all);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <ostream>
 #include <string>
@@ -15,10 +16,18 @@
 
 namespace zk::test {
 
+// A command of whatever parameters. What calls it knows them: that is one small function for each list of parameters,
+// where a std::function is ten for each command.
+using AnyCommand = void (*)();
+
 // A call of the command with null for one of its pointers.
 struct NullCall {
+    int operator()(ArmSocket arm) const { return call(command, arm, null); }
+
     std::string name;
-    std::function<int(ArmSocket)> call;
+    AnyCommand command;
+    int (*call)(AnyCommand command, ArmSocket arm, size_t null);
+    size_t null = 0;
 };
 
 // A value for a parameter of a command; a pointer that is not to be null points to zeros.
@@ -32,44 +41,57 @@ Parameter argument(bool null) {
     }
 }
 
-template <class... Parameters, size_t... at>
-int call_with_null(int (*command)(ArmSocket, Parameters...), ArmSocket s, size_t null, std::index_sequence<at...>) {
-    return command(s, argument<Parameters>(at == null)...);
-}
+template <class... Parameters>
+struct With {
+    template <size_t... at>
+    static int null_at(AnyCommand command, ArmSocket arm, size_t null, std::index_sequence<at...>) {
+        return reinterpret_cast<int (*)(ArmSocket, Parameters...)>(command)(arm, argument<Parameters>(at == null)...);
+    }
+    static int null(AnyCommand command, ArmSocket arm, size_t null) {
+        return null_at(command, arm, null, std::index_sequence_for<Parameters...>());
+    }
+};
 
 // One call for each pointer of a command.
+std::vector<NullCall> nulls(const NullCall& call, std::initializer_list<bool> pointers);
 template <class... Parameters>
-std::vector<NullCall> nulls(const std::string& name, int (*command)(ArmSocket, Parameters...)) {
-    std::vector<NullCall> calls;
-    constexpr bool pointers[] = {std::is_pointer_v<Parameters>..., false};
-    for (size_t i = 0; i < sizeof...(Parameters); ++i) {
-        const auto call = [command, i](ArmSocket s) {
-            return call_with_null(command, s, i, std::index_sequence_for<Parameters...>());
-        };
-        if (pointers[i]) calls.push_back({name, call});
-    }
-    return calls;
+std::vector<NullCall> nulls(const char* name, int (*command)(ArmSocket, Parameters...)) {
+    return nulls({name, reinterpret_cast<AnyCommand>(command), With<Parameters...>::null},
+                 {std::is_pointer_v<Parameters>...});
 }
 
 // A call of a command, which may report what it wrote through its pointers.
 class Call {
  public:
-    template <class Function>
-    Call(Function function, std::vector<NullCall> null_calls = {})
-        : with_nulls(std::move(null_calls)), call_([function](ArmSocket arm, std::string& outputs) {
-              if constexpr (std::is_invocable_v<Function, ArmSocket>) {
-                  return static_cast<void>(outputs), function(arm);
-              } else {
-                  return function(arm, outputs);
-              }
-          }) {}
+    using Plain = int (*)(ArmSocket);
+    using Reporting = int (*)(ArmSocket, std::string& outputs);
+    using Function = std::function<int(ArmSocket, std::string& outputs)>;
+
+    Call(Plain function, std::vector<NullCall> null_calls = {});
+    Call(Reporting function) : call_(function) {}
+    Call(Function function, std::vector<NullCall> null_calls = {});
+    template <class Lambda, std::enable_if_t<std::is_class_v<Lambda>, int> = 0>
+    Call(Lambda lambda, std::vector<NullCall> null_calls = {}) : Call(erased(lambda), std::move(null_calls)) {}
 
     int operator()(ArmSocket arm, std::string& outputs) const { return call_(arm, outputs); }
 
     std::vector<NullCall> with_nulls;
 
  private:
-    std::function<int(ArmSocket, std::string&)> call_;
+    template <class Lambda>
+    static auto erased(Lambda lambda) {
+        if constexpr (std::is_convertible_v<Lambda, Plain>) {
+            return Plain(lambda);
+        } else if constexpr (std::is_convertible_v<Lambda, Reporting>) {
+            return Function(Reporting(lambda));
+        } else if constexpr (std::is_invocable_v<Lambda, ArmSocket>) {
+            return Function([lambda](ArmSocket arm, std::string&) { return lambda(arm); });
+        } else {
+            return Function(std::move(lambda));
+        }
+    }
+
+    Function call_;
 };
 
 // The mailbox record of the first connection, if the command has one: count, result, payload.
@@ -163,17 +185,18 @@ CommandCase no_reply(const std::string& name, Call call, const std::string& wire
 
 // A query whose parameters are the socket and its outputs.
 template <class... Outs>
-Call asking(int (*query)(ArmSocket, Outs*...), const std::string& name = "") {
+Call asking(int (*query)(ArmSocket, Outs*...), const char* name = "") {
     const auto call = [query](ArmSocket arm, std::string& outputs) {
         return with_outputs<Outs...>(outputs, query, arm);
     };
-    return {call, name.empty() ? std::vector<NullCall>() : nulls(name, query)};
+    return {call, *name ? nulls(name, query) : std::vector<NullCall>()};
 }
 
 // Name and call of a row: CALL(Set_Joint_Err_Clear, (s, 3, true)), ASK(Get_Joint_Speed). A text before it makes a name
 // for a second row of the same command.
 #define CALL(command, arguments) \
-#command, zk::test::Call([](ArmSocket s) { return command arguments; }, zk::test::nulls(#command, command))
+#command, zk::test::Call(    \
+                  +[](ArmSocket s) { return command arguments; }, zk::test::nulls(#command, command))
 #define ASK(command) #command, asking(command, #command)
 
 // The rows of a command's forms, called with the same arguments. SETTER: the plain name with either flag, _Block and
@@ -182,7 +205,8 @@ Call asking(int (*query)(ArmSocket, Outs*...), const std::string& name = "") {
 // reply that does not reach the caller; FOLLOWED: as SETTER, but the forms that do not wait may send another text, and
 // the plain name goes on with `next`. _WITH: with words that follow the rows of an acknowledgement.
 #define ZK_FORM(form, ...) \
-    zk::test::Call([](ArmSocket s) { return form(s __VA_OPT__(, ) __VA_ARGS__); }, zk::test::nulls(#form, form))
+    zk::test::Call(        \
+        +[](ArmSocket s) { return form(s __VA_OPT__(, ) __VA_ARGS__); }, zk::test::nulls(#form, form))
 #define ZK_UNWAITED(command, wire, ...)                                                     \
     queued("Unwaited_" #command, ZK_FORM(command, __VA_ARGS__ __VA_OPT__(, ) false), wire), \
         queued(#command "_NonBlock", ZK_FORM(command##_NonBlock, __VA_ARGS__), wire)

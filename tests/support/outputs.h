@@ -3,9 +3,9 @@
 
 #include <charconv>
 #include <cstring>
+#include <initializer_list>
 #include <iterator>
 #include <string>
-#include <tuple>
 #include <type_traits>
 
 #include "zk/arm_state.h"
@@ -139,25 +139,17 @@ class Output {
 };
 
 // All outputs; empty if none was written.
-template <class... Outs>
-std::string text_of(const std::tuple<Output<Outs>...>& outputs) {
-    std::string text;
-    bool written = false;
-    const auto append = [&](const std::string& output) {
-        written |= !output.empty() && output != "-";
-        text += (text.empty() ? "" : "; ") + (output.empty() ? "-" : output);
-    };
-    std::apply([&](const auto&... output) { (append(output.text()), ...); }, outputs);
-    return written ? text : "";
-}
+std::string joined(std::initializer_list<std::string> outputs);
 
 // Calls the function with an output for each of its last parameters. `text` is that of what it wrote.
 template <class... Outs, class Function, class... Ins>
 int with_outputs(std::string& text, Function function, Ins... ins) {
-    std::tuple<Output<Outs>...> outputs;
-    const int status = std::apply([&](auto&... output) { return function(ins..., output.address()...); }, outputs);
-    text = text_of(outputs);
-    return status;
+    const auto call = [&](Output<Outs>... output) {
+        const int status = function(ins..., output.address()...);
+        text = joined({output.text()...});
+        return status;
+    };
+    return call(Output<Outs>()...);
 }
 
 }  // namespace zk::test
