@@ -8,6 +8,9 @@ target_compile_options(zk_compiler INTERFACE -ffp-contract=off)
 # CMake's own choice is -O3, which takes a tenth longer; where it is worth that, a room asks for it.
 add_compile_options($<$<CONFIG:Release>:-O2>)
 
+# g++ collects its garbage each time its heap has doubled. With room for a whole source it need not, and is a sixth faster.
+add_compile_options("$<$<CXX_COMPILER_ID:GNU>:--param=ggc-min-heapsize=1500000>")
+
 if(ZK_SANITIZE)
   # -O1 and line tables: what a report needs, in the shortest build.
   add_compile_options(-O1 -g1 -fsanitize=${ZK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

@@ -10,14 +10,14 @@ Vector vector_of(const zk::Position& p) { return {p.x.metres(), p.y.metres(), p.
 
 // A joint's column of the Jacobian holds the velocity of the tip, the axis crossed with the way from the axis to the
 // tip. That way is the velocity crossed with the axis.
-Line axis_of(const zk::Jacobian& jacobian, std::size_t joint, Vector tip) {
+JointAxis axis_of(const zk::Jacobian& jacobian, std::size_t joint, Vector tip) {
     const Vector velocity{jacobian[0][joint], jacobian[1][joint], jacobian[2][joint]};
     const Vector axis{jacobian[3][joint], jacobian[4][joint], jacobian[5][joint]};
     return {axis, tip - cross(velocity, axis)};
 }
 
 // The feet of the shortest way between two lines. Of parallel lines: the way that begins at `near` on the first.
-std::pair<Vector, Vector> shortest(const Line& a, const Line& b, Vector near) {
+std::pair<Vector, Vector> shortest(const JointAxis& a, const JointAxis& b, Vector near) {
     const Vector across = cross(a.axis, b.axis);
     const double square = dot(across, across);
     if (square < 1e-6) return {near, b.point + b.axis * dot(near - b.point, b.axis)};

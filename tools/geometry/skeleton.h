@@ -19,14 +19,14 @@ double dot(Vector a, Vector b);
 Vector cross(Vector a, Vector b);
 double norm(Vector a);
 
-struct Line {
+struct JointAxis {
     Vector axis, point;
 };
 
 // The joints' axes and the flange with all joints at 0, in the base's frame, in metres. The tool, the work frame and
 // the mounting are left out.
 struct Chain {
-    std::vector<Line> joints;  // the point: where the axis is nearest to the flange
+    std::vector<JointAxis> joints;  // the point: where the axis is nearest to the flange
     zk::Pose flange;
 };
 zk::Result<Chain> chain_of(const zk::Model& model);

@@ -15,11 +15,11 @@ namespace {
 struct Point {
     double x, y;
 };
-using Line = std::vector<Point>;
+using Polyline = std::vector<Point>;
 
 struct Plot {
     std::string title, x_unit, y_unit;
-    std::vector<std::pair<std::string, Line>> lines;
+    std::vector<std::pair<std::string, Polyline>> lines;
     bool equal_scales = false;
 };
 
@@ -50,10 +50,10 @@ double step_of(const Range& range) {
 }
 
 // As much of a line as can be seen: the lowest and the highest value of each of some hundred spans.
-Line thinned(const Line& line) {
+Polyline thinned(const Polyline& line) {
     constexpr std::size_t kSpans = 800;
     if (line.size() <= 2 * kSpans) return line;
-    Line thin;
+    Polyline thin;
     for (std::size_t span = 0; span < kSpans; ++span) {
         const auto begin = line.begin() + static_cast<std::ptrdiff_t>(span * line.size() / kSpans);
         const auto end = line.begin() + static_cast<std::ptrdiff_t>((span + 1) * line.size() / kSpans);
@@ -139,7 +139,7 @@ Plot over_time(const Recording& recording, const std::string& title, const std::
                const std::function<std::string(std::size_t)>& name) {
     Plot plot{title, "s", unit, {}};
     for (std::size_t i = 0; i < list(recording.states.front()).size(); ++i) {
-        Line line;
+        Polyline line;
         for (const ArmRecord& state : recording.states)
             line.push_back({recording.seconds(state), static_cast<double>(list(state)[i])});
         plot.lines.emplace_back(name(i), std::move(line));
@@ -149,7 +149,7 @@ Plot over_time(const Recording& recording, const std::string& title, const std::
 
 // The path of the tool, seen from above and from the side.
 Plot path(const Recording& recording, const char* title, std::size_t across, std::size_t up) {
-    Line line;
+    Polyline line;
     for (const ArmRecord& state : recording.states)
         line.push_back({state.tool_position_m[across], state.tool_position_m[up]});
     return {title, "m", "m", {{"tool", std::move(line)}}, true};
