@@ -3,6 +3,7 @@ import json
 import re
 import signal
 import socket
+import struct
 import subprocess
 import threading
 import time
@@ -290,6 +291,36 @@ def test_what_a_program_recorded_itself_is_played(before, zk_on, tmp_path):
     zk_on("record", "-o", tmp_path / "again.csv", "--seconds", 0.5)
     last = (tmp_path / "again.csv").read_text().splitlines()[-1].split(",")
     assert [float(one) for one in last[2:8]] == HOME
+
+
+def write_black_box(path, frames):
+    """What a program sent (">") and received ("<"), a millisecond apart, in the order in which it wrote it down."""
+    def check_of(text):
+        check = 0x9e3779b97f4a7c15 + len(text)
+        for i in range(0, len(text), 8):
+            check = (check ^ int.from_bytes(text[i:i + 8], "little")) * 0xff51afd7ed558ccd % 2**64
+            check ^= check >> 32
+        return check % 2**32
+    ring = b""
+    for i, frame in enumerate(frames):
+        text = frame[1:].encode()
+        kind = 2 if frame[0] == ">" else 3
+        ring += struct.pack("<QqiIII", len(ring) + 8, i * 1_000_000, 1, kind, len(text), check_of(text))
+        ring += text + bytes(-len(text) % 8)
+    path.write_bytes(struct.pack("<8s5Q", b"ZKBOX1\r\n", 0, 2**16, 0, len(ring), 1).ljust(4096, b"\0") + ring)
+
+
+def test_messages_that_stand_before_a_request(before, tmp_path):
+    degree, stop = {"state": "joint_degree", "joint": [1]}, {"command": "set_arm_stop", "arm_stop": True}
+    accepted, unasked = {"command": "movej", "receive_state": True}, {"state": "a_lamp_went_out"}
+    write_black_box(tmp_path / "run.box", [
+        '>{"command":"movej"}', "<" + json.dumps(accepted),
+        "<" + json.dumps(degree), '>{"command":"get_joint_degree"}',  # another thread wrote the request down
+        "<" + json.dumps(unasked), '>{"command":"set_arm_stop"}', "<" + json.dumps(stop)])
+    wire = before(None, "--play", tmp_path / "run.box").connect()
+    assert wire.ask("get_joint_degree") == degree
+    assert [wire.ask("movej"), wire.read()] == [accepted, unasked]
+    assert [wire.ask("set_arm_stop"), wire.ask("get_joint_degree")] == [stop, degree]
 
 
 def test_words_that_cannot_be(zk, tmp_path):

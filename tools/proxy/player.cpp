@@ -94,15 +94,17 @@ Player::Player(asio::io_context& io, const std::string& path, PushShare& push, F
 void Player::add(const LogRecord& frame) {
     const std::string text = frame.text.substr(2);
     const std::optional<LogRecord> unasked = std::exchange(unasked_, std::nullopt);
-    if (frame.text.front() == '>') {
-        exchanges_.push_back({frame.unix_ns, frame.client, Request::of(text), {}});
-        const Request& request = exchanges_.back().request;
-        for (const std::string& key : {request.body.dump(), request.command})
-            places_[key].push_back(exchanges_.size() - 1);
-        if (unasked) add_message(asked_by(*unasked), *unasked);
+    const bool is_request = frame.text.front() == '>';
+    Request request = is_request ? Request::of(text) : Request{};
+    const bool is_early = is_request && unasked && unasked->client == frame.client &&
+                          answers(name_of_message(unasked->text.substr(2)), request.command);
+    if (unasked && !is_early) add_message(last_change(*unasked), *unasked);
+    if (is_request) {
+        for (const std::string& key : {request.body.dump(), request.command}) places_[key].push_back(exchanges_.size());
+        exchanges_.push_back({frame.unix_ns, frame.client, std::move(request), {}});
+        if (is_early) add_message(&exchanges_.back(), *unasked);
         return;
     }
-    if (unasked) add_message(last_change(*unasked), *unasked);
     if (Exchange* exchange = asked_by(frame)) {
         add_message(exchange, frame);
     } else if (is_report(name_of_message(text))) {
@@ -114,7 +116,6 @@ void Player::add(const LogRecord& frame) {
 }
 
 void Player::add_message(Exchange* exchange, const LogRecord& frame) {
-    if (!exchange) exchange = last_change(frame);
     if (!exchange) return;
     const std::string text = frame.text.substr(2), name = name_of_message(text);
     exchange->is_answered = exchange->is_answered || answers(name, exchange->request.command);
