@@ -123,6 +123,8 @@ def test_each_reply_finds_its_asker(before, simulator):
 
 @pytest.mark.zk_base
 def test_refusals_are_those_of_the_controller(before, simulator, zk):
+    all_commands = zk("simulate", "--commands").splitlines()
+    before(simulator.port, "--silent-on", ",".join(all_commands))  # it knows each
     def refusal(wire, command):
         wire.send(command)
         wire.send("get_arm_power_state")
@@ -130,7 +132,7 @@ def test_refusals_are_those_of_the_controller(before, simulator, zk):
 
     direct, through = Wire(simulator.port), before(simulator.port, "--writer", "none").connect()
     compared = 0
-    for command in zk("simulate", "--commands").split():
+    for command in map(str.strip, all_commands):
         queries = ("get_", "read_", "expand_get_", "given_", "zk_sim_", "set_realtime_push")
         stops = ("set_arm_stop", "set_arm_slow_stop", "set_arm_pause")
         if not command.startswith(queries) and command not in stops:
@@ -327,6 +329,8 @@ def test_words_that_cannot_be(zk, tmp_path):
     for words, sentence in [(["--fault", "drop=101"], "drop: 0 to 100 (percent)"),
                             (["--fault", "power_loss=1"], "'power_loss' is no fault of the wire"),
                             (["--fault", "drop"], "'drop' is no fault such as"),
+                            (["--silent-on", "movej,move_j"], "unknown command 'move_j'"),
+                            (["--refuse-on", "move_j"], "unknown command 'move_j'"),
                             (["--listen", "here"], "is no IPv4 address"),
                             (["-o", "run.csv"], "does not end in .mcap"),
                             (["--play", "run.mcap"], "--play needs no controller")]:

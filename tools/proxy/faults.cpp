@@ -4,6 +4,7 @@
 #include <functional>
 #include <sstream>
 
+#include "proxy/wire_commands.h"
 #include "wire/note.h"
 #include "wire/refusal.h"
 #include "world/faults.h"
@@ -32,10 +33,23 @@ void set_number(sim::FaultNumbers& numbers, const std::string& name, const Json&
     row->number(numbers) = value;
 }
 
+std::set<std::string> items_of(const std::string& list) {
+    std::set<std::string> items;
+    std::istringstream in(list);
+    for (std::string item; std::getline(in, item, ',');) items.insert(item);
+    return items;
+}
+
+void demand_commands(const std::set<std::string>& names) {
+    for (const std::string& name : names) {
+        if (!is_command(name)) throw sim::Refusal("unknown command '" + name + "'; zk simulate --commands lists all");
+    }
+}
+
 }  // namespace
 
-void FaultDesk::set(const std::string& list) {
-    Json request;
+void FaultDesk::set(const std::string& list, const std::string& silent, const std::string& refused) {
+    Json request{{"silent_on", items_of(silent)}, {"refuse_on", items_of(refused)}};
     std::istringstream items(list);
     for (std::string item; std::getline(items, item, ',');) {
         const auto equal = item.find('=');
@@ -68,6 +82,8 @@ void FaultDesk::set(const Json& request) {
         }
     }
     demand_possible(numbers, 0);
+    demand_commands(silent);
+    demand_commands(refused);
     wire = numbers.wire;
     silent_on = std::move(silent);
     refuse_on = std::move(refused);

@@ -15,8 +15,8 @@ struct FaultDesk : sim::DisturbedWire {
     std::function<void(int milliseconds)> refuse_clients;
     std::function<void(const Client& spared, bool reset)> disconnect_others;
 
-    // "drop=10,delay_ms=50". Throws Failure.
-    void set(const std::string& list);
+    // "drop=10,delay_ms=50", and commands, as "movej,movel". Throws Failure.
+    void set(const std::string& list, const std::string& silent, const std::string& refused);
     // Whether the request was for the proxy itself, zk_sim_fault or zk_sim_disconnect: it is answered then.
     bool serve(Client& client, const Request& request);
 

@@ -4,7 +4,6 @@
 #include <asio/signal_set.hpp>
 #include <iostream>
 #include <memory>
-#include <sstream>
 
 #include "arms.h"
 #include "proxy/listener.h"
@@ -25,20 +24,11 @@ struct ProxyRequest {
     SharingOptions sharing;
 };
 
-std::set<std::string> list_of(const std::string& text) {
-    std::set<std::string> items;
-    std::istringstream in(text);
-    for (std::string item; std::getline(in, item, ',');) items.insert(item);
-    return items;
-}
-
 FaultDesk faults_of(const ProxyRequest& request) {
     FaultDesk faults;
     faults.wire.max_clients = 100;
     faults.seed = request.seed;
-    faults.set(request.faults);
-    faults.silent_on = list_of(request.silent_on);
-    faults.refuse_on = list_of(request.refuse_on);
+    faults.set(request.faults, request.silent_on, request.refuse_on);
     return faults;
 }
 

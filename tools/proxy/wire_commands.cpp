@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <set>
 #include <sstream>
 
 namespace tool {
@@ -111,7 +112,34 @@ const std::map<std::string, std::string> kSetPoints{{"movej_canfd", "joint_state
                                                     {"Force_Position_Move", "Force_Position_State"}};
 constexpr std::array kWithoutAnswer{"set_wifi_ap", "set_wifi_sta", "set_usb", "set_RS485", "set_ethernet"};
 
-Acknowledgement acknowledgement_of(const std::string& command) {
+// Those of which nothing above says more.
+constexpr const char* kOthers =
+    "expand_get_config expand_get_version get_AI_state get_AO_state get_DH_data get_DI_state get_DO_state get_Fz "
+    "get_IO_input get_IO_output get_IO_state get_arm_all_state get_arm_current_trajectory get_arm_hardware_version "
+    "get_arm_max_angular_acc get_arm_max_angular_speed get_arm_max_line_acc get_arm_max_line_speed get_arm_plan_num "
+    "get_arm_power_state get_arm_run_mode get_arm_software_info get_arm_software_version get_calibrate_state "
+    "get_car_state get_collision_stage get_controller_RS485_mode get_controller_state get_current_arm_state "
+    "get_current_joint_current get_current_joint_temperature get_current_joint_voltage get_current_tool_frame "
+    "get_current_work_frame get_default_run_program get_drag_teach_sensitivity get_electronic_fence_config "
+    "get_electronic_fence_enable get_electronic_fence_list_infos get_electronic_fence_list_names get_force_data "
+    "get_global_waypoints_list get_gripper_state get_high_ethernet get_init_pose get_install_pose get_joint_degree "
+    "get_joint_drive_max_acc get_joint_drive_max_pos get_joint_drive_max_speed get_joint_drive_min_pos "
+    "get_joint_en_state get_joint_err_flag get_joint_max_acc get_joint_max_pos get_joint_max_speed get_joint_min_pos "
+    "get_joint_odom get_joint_software_version get_lift_state get_log_file get_program_run_state "
+    "get_program_trajectory_list get_realtime_push get_self_collision_enable get_system_runtime get_teach_frame "
+    "get_tool_IO_state get_tool_RS485_mode get_tool_envelope get_tool_hardware_version get_tool_software_version "
+    "get_tool_voltage get_total_tool_frame get_total_work_frame get_virtual_wall_config get_virtual_wall_enable "
+    "get_wifi_net get_wired_net given_electronic_fence_config given_global_waypoint read_coils read_holding_registers "
+    "read_input_registers read_input_status read_multiple_coils read_multiple_holding_registers "
+    "read_multiple_input_registers set_arm_continue set_arm_delete_trajectory set_arm_init set_arm_pause "
+    "set_arm_power set_arm_servo set_arm_slow_stop set_arm_stop set_auto_tool_frame set_auto_work_frame "
+    "set_change_tool_frame set_change_work_frame set_delete_current_trajectory set_delete_tool_frame "
+    "set_delete_work_frame set_init_pose set_joint_clear_err set_joint_en_state set_joint_max_acc set_joint_max_pos "
+    "set_joint_max_speed set_joint_min_pos set_joint_teach set_manual_tool_frame set_manual_work_frame set_ort_teach "
+    "set_pos_teach set_sale_version set_stop_teach zk_sim_disconnect zk_sim_fault zk_sim_files zk_sim_hand "
+    "zk_sim_input zk_sim_modbus zk_sim_object zk_sim_restart zk_sim_speed zk_sim_stream zk_sim_time zk_sim_wall";
+
+const std::map<std::string, Acknowledgement>& known_acknowledgements() {
     static const auto kKnown = [] {
         std::map<std::string, Acknowledgement> all;
         for (const auto& [key, commands] : kKeys) {
@@ -124,8 +152,12 @@ Acknowledgement acknowledgement_of(const std::string& command) {
         }
         return all;
     }();
-    const auto found = kKnown.find(command);
-    if (found != kKnown.end()) return found->second;
+    return kKnown;
+}
+
+Acknowledgement acknowledgement_of(const std::string& command) {
+    const auto found = known_acknowledgements().find(command);
+    if (found != known_acknowledgements().end()) return found->second;
     return {command, command.starts_with("set_") ? command.substr(4) : command};
 }
 
@@ -153,6 +185,21 @@ bool Request::is_query() const {
 bool Request::is_stop() const {
     if (command == "set_arm_power") return body.value("arm_power", Json(1)) == 0;
     return command == "set_arm_stop" || command == "set_arm_slow_stop" || command == "set_arm_pause";
+}
+
+bool is_command(const std::string& name) {
+    static const auto kKnown = [] {
+        std::set<std::string> all(kWithoutAnswer.begin(), kWithoutAnswer.end());
+        const auto add = [&all](const auto& table) {
+            for (const auto& row : table) all.insert(row.first);
+        };
+        add(known_acknowledgements()), add(kNamesOfAnswers), add(kDevices), add(kSetPoints);
+        std::istringstream others(kOthers);
+        for (std::string command; others >> command;) all.insert(command);
+        all.insert("set_lift ");  // as it is sent by a client that does not wait
+        return all;
+    }();
+    return kKnown.count(name) > 0;
 }
 
 std::string name_of_message(const std::string& text) {

@@ -25,6 +25,9 @@ struct Request {
 // "command" or "state" of a message; empty when it has none.
 std::string name_of_message(const std::string& text);
 
+// Whether a controller has the command; zk_simulator --commands lists them.
+bool is_command(const std::string& name);
+
 // Whether a message of this name answers the command.
 bool answers(const std::string& name, const std::string& command);
 
