@@ -12,20 +12,13 @@ using namespace zk::test;
 
 constexpr int32_t kEndless = 2000000000;
 
-class ModbusLimits : public testing::Test {
+class ModbusLimits : public ConnectedArm {
  protected:
-    void SetUp() override {
-        ZK_API_Init(65, nullptr);
-        arm_ = connect_arm(controller_);
-    }
-
     template <class Form, class... Arguments>
     void expect_limit(int32_t limit, Form form, Arguments... arguments) {
         EXPECT_GE(time_to_give_up(50, [&] { return form(arm_, arguments...); }), limit);
     }
 
-    ScriptedController controller_;
-    ArmSocket arm_ = 0;
     int32_t data_[ZK_MODBUS_VALUES];
     const uint8_t bytes_[2] = {1, 2};
 };

@@ -35,16 +35,7 @@ int32_t list_length() {
     return length;
 }
 
-class PendingCommands : public testing::Test {
- protected:
-    void SetUp() override {
-        ZK_API_Init(65, nullptr);
-        arm_ = connect_arm(controller_);
-    }
-
-    ScriptedController controller_;
-    ArmSocket arm_ = 0;
-};
+class PendingCommands : public ConnectedArm {};
 
 TEST_F(PendingCommands, KeepTheirRecordUntilTheyTimeOut) {
     for (const auto& [request, call, code] : kCommands) {

@@ -107,18 +107,11 @@ TEST_F(RingDeathTest, AFrameBeyondItsElementEndsTheProcess) {
     EXPECT_DEATH(ZK_Enqueu(&queue_, &frame), "517");
 }
 
-class Transmit : public testing::Test {
+class Transmit : public ConnectedArm {
  protected:
-    void SetUp() override {
-        ZK_API_Init(65, nullptr);
-        arm_ = connect_arm(controller_);
-    }
     void add(const std::string& frame, int socket = -1) {
         Add_Queue(socket < 0 ? arm_ : socket, frame.data(), static_cast<int32_t>(frame.size()));
     }
-
-    ScriptedController controller_;
-    ArmSocket arm_ = 0;
 };
 
 TEST_F(Transmit, FramesLeaveInTheOrderOfTheQueue) {

@@ -39,16 +39,7 @@ void add_numbers(cJSON* object, const char* key, const Values& values) {
     for (const double value : values) cJSON_AddItemToArray(array, wire_number(value));
 }
 
-class Requests : public testing::Test {
- protected:
-    void SetUp() override {
-        ZK_API_Init(65, nullptr);
-        arm_ = connect_arm(controller_);
-    }
-
-    ScriptedController controller_;
-    ArmSocket arm_ = 0;
-};
+class Requests : public ConnectedArm {};
 
 TEST_F(Requests, NumbersOfEverySize) {
     std::mt19937 bits(1);

@@ -1,6 +1,8 @@
 // A connection of the library to a scripted controller, and helpers to watch the threads of the library.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <atomic>
 #include <condition_variable>
 #include <functional>
@@ -15,6 +17,18 @@ namespace zk::test {
 
 // Connects to the controller and takes a slot, without the requests of the start-up. Call ZK_API_Init first.
 ArmSocket connect_arm(ScriptedController& controller, int arm_mode = 65);
+
+// A test with a controller and a connection to it.
+class ConnectedArm : public testing::Test {
+ protected:
+    void SetUp() override {
+        ZK_API_Init(65, nullptr);
+        arm_ = connect_arm(controller_);
+    }
+
+    ScriptedController controller_;
+    ArmSocket arm_ = 0;
+};
 
 // Closes a connection and opens another under the same number and in the same slot.
 void reconnect_arm(ScriptedController& controller, ArmSocket arm);
