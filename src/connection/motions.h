@@ -21,11 +21,13 @@ class Motions {
         ++started_;
         seen_ = false;
         steps_ = idles_ = 0;
-        if (running_++ == 0) result_ = ZK_NO_TRAJECTORY;
+        if (running_++ > 0) return;
+        result_before_ = result_;
+        result_ = ZK_NO_TRAJECTORY;
     }
     void withdraw() {  // it has not left
         const std::lock_guard guard(lock_);
-        if (running_ > 0) --running_;
+        if (running_ > 0 && --running_ == 0 && result_ == ZK_NO_TRAJECTORY) result_ = result_before_;
     }
     // Other motions of the arm, those of a program for example, are reported alike.
     void report(int result) {
@@ -56,7 +58,8 @@ class Motions {
         const std::lock_guard guard(lock_);
         return running_ == 0;
     }
-    // Of the last report since the arm was at rest; ZK_NO_TRAJECTORY without one.
+    // Of the last report since the arm was at rest; ZK_NO_TRAJECTORY without one. A request that has not left does not
+    // count.
     int result() const {
         const std::lock_guard guard(lock_);
         return result_;
@@ -70,7 +73,7 @@ class Motions {
     bool seen_ = false;  // the arm has moved since
     int steps_ = 0, idles_ = 0;
     int running_ = 0;
-    int result_ = ZK_NO_TRAJECTORY;
+    int result_ = ZK_NO_TRAJECTORY, result_before_ = ZK_NO_TRAJECTORY;  // the latter of the motions that ended before
 };
 
 }  // namespace zk

@@ -1,6 +1,7 @@
 // Waiting for an arm and for its programs.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <future>
 
 #include "control/connected.h"
@@ -67,7 +68,8 @@ TEST(Waiting, FollowsAMotionToItsEnd) {
 TEST(Waiting, ForMotionsThatWereStartedWithoutWaiting) {
     const SimulatorProcess simulator({"--joints", "0,0,0,0,0,0"});
     const ArmSocket arm = connected(simulator.port());
-    float there[7] = {20, 0, 0, 0, 0, 0}, back[7] = {10, 0, 0, 0, 0, 0}, beyond[7] = {1000}, joint[7];
+    float there[7] = {20, 0, 0, 0, 0, 0}, back[7] = {10, 0, 0, 0, 0, 0}, beyond[7] = {1000}, nowhere[7] = {NAN},
+          joint[7];
     EXPECT_EQ(ZK_Wait_Move(arm, kLong), ZK_NO_TRAJECTORY) << "none was started";
     ASSERT_EQ(Movej_Cmd(arm, there, 50, 0, 0, false), 0);
     ASSERT_EQ(Movej_Cmd(arm, back, 50, 0, 0, false), 0);
@@ -77,6 +79,8 @@ TEST(Waiting, ForMotionsThatWereStartedWithoutWaiting) {
     ASSERT_EQ(Get_Joint_Degree(arm, joint), 0);
     EXPECT_NEAR(joint[0], 10, 0.01) << "the end of the first one is not the end";
     EXPECT_EQ(ZK_Wait_Move(arm, kLong), 0) << "again";
+    EXPECT_EQ(Movej_Cmd(arm, nowhere, 50, 0, 0, false), ZK_BAD_ARGUMENT);
+    EXPECT_EQ(ZK_Wait_Move(arm, kLong), 0) << "what was not sent is no motion";
     EXPECT_EQ(Movej_Cmd(arm, beyond, 50, 0, 0, false), ZK_REFUSED);
     EXPECT_EQ(ZK_Wait_Move(arm, kLong), ZK_REFUSED);
     ASSERT_EQ(Movej_Cmd(arm, there, 50, 0, 1, false), 0);
