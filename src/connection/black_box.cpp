@@ -1,9 +1,12 @@
 #include "connection/black_box.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <semaphore.h>
+#include <sys/file.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,9 +14,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "connection/own_thread.h"
 
@@ -28,7 +34,8 @@ constexpr uint64_t kRingSize = 16 * 1024 * 1024;  // 30 s of two arms that push 
 constexpr size_t kFileSize = kPage + kStartSize + kRingSize;
 constexpr int64_t kBetweenCopies = 10'000'000'000;
 constexpr int kMostCopies = 20;
-constexpr mode_t kMode = 0600;  // frames hold passwords of networks
+constexpr size_t kMostLeft = 5;  // files of processes that were killed
+constexpr mode_t kMode = 0600;   // frames hold passwords of networks
 
 int64_t now(clockid_t clock) {
     timespec time{};
@@ -127,6 +134,37 @@ void end() {
 
 void leave_to_parent() { detail::is_on.store(false, std::memory_order_relaxed); }
 
+// A file of a process that was killed, whose lock is free. Returns when it was written last; -1 for any other file.
+int64_t time_of_left(const std::string& path) {
+    const int file = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    if (file < 0) return -1;
+    struct stat found {};
+    Header header{};
+    const bool is_own = fstat(file, &found) == 0 && S_ISREG(found.st_mode) && found.st_uid == geteuid() &&
+                        pread(file, &header, sizeof header, 0) == ssize_t{sizeof header} &&
+                        std::memcmp(header.magic, kMagic, sizeof kMagic) == 0;
+    const bool is_left = is_own && flock(file, LOCK_EX | LOCK_NB) == 0;
+    ::close(file);
+    return is_left ? header.unix_ns : -1;
+}
+
+// A killed process removes nothing. Its file tells how it ended: the last ones stay, and all copies.
+void remove_left(const std::string& directory) {
+    DIR* const entries = opendir(directory.c_str());
+    if (!entries) return;
+    std::vector<std::pair<int64_t, std::string>> left;
+    while (const dirent* entry = readdir(entries)) {
+        int end = 0;
+        (void)std::sscanf(entry->d_name, "zk-%*8[0-9]T%*6[0-9]Z-%*[0-9].box%n", &end);
+        if (end == 0 || entry->d_name[end] != '\0') continue;
+        const std::string path = directory + "/" + entry->d_name;
+        if (const int64_t time = time_of_left(path); time >= 0) left.emplace_back(time, path);
+    }
+    closedir(entries);
+    std::sort(left.begin(), left.end(), std::greater<>());
+    for (size_t i = kMostLeft; i < left.size(); ++i) ::unlink(left[i].second.c_str());
+}
+
 // A file of its own, which is as large as it will be: a disk that fills up cannot end the program. Returns 0 or errno.
 int create(const std::string& directory) {
     char moment[32] = "";
@@ -137,24 +175,29 @@ int create(const std::string& directory) {
     box().path = box().stem + ".box";
     const int file = ::open(box().path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kMode);
     if (file < 0) return errno;
+    (void)flock(file, LOCK_EX);  // for as long as this process lives, or a child that it forked
     int error = posix_fallocate(file, 0, kFileSize);
     if (error == 0) {
         void* mapped = mmap(nullptr, kFileSize, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
         if (mapped == MAP_FAILED) error = errno;
         if (error == 0) box().bytes = static_cast<char*>(mapped);
     }
-    ::close(file);
-    if (error) ::unlink(box().path.c_str());
+    if (error) {
+        ::close(file);
+        ::unlink(box().path.c_str());
+    }
     return error;
 }
 
 void start(const std::string& directory) {
+    remove_left(directory);
     if (const int error = create(directory)) return complain(directory, error);
     box().process = getpid();
     Header& header = box().header();
     header.start_size = kStartSize;
     header.ring_size = kRingSize;
     header.process = getpid();
+    header.unix_ns = now(CLOCK_REALTIME);
     std::memcpy(header.magic, kMagic, sizeof kMagic);
     box().start = {box().bytes + kPage, kStartSize, &header.start_end};
     box().ring = {box().bytes + kPage + kStartSize, kRingSize, &header.ring_end};
@@ -189,6 +232,7 @@ static void add(Kind kind, ArmSocket arm, const char* text, size_t count, bool i
     const size_t size = std::min<size_t>(count, kStartSize);
     const Record record{0, now(CLOCK_REALTIME), arm, kind, static_cast<uint32_t>(size), check_of(text, size)};
     const std::lock_guard guard(box().lock);
+    box().header().unix_ns = record.unix_ns;
     (is_start && box().start.has_room(size) ? box().start : box().ring).add(record, text);
 }
 

@@ -18,6 +18,7 @@ struct Header {
     uint64_t start_size, ring_size;  // multiples of 8
     uint64_t start_end, ring_end;    // bytes so far; in the ring, all that were ever written
     int64_t process;
+    int64_t unix_ns;  // of the last record
 };
 static_assert(sizeof(Header) <= kPage);
 

@@ -4,6 +4,7 @@ import os
 import re
 import signal
 import socket
+import struct
 import subprocess
 import sys
 import time
@@ -145,6 +146,26 @@ def test_the_ring_begins_again(program, zk):
     [name] = program.files()
     times = [float(row.split(",")[0]) for row in zk("export", program.boxes / name).splitlines()[1:]]
     assert times == sorted(times) and len(times) > 100
+
+
+@pytest.mark.zk_base(speed=1)
+def test_the_last_files_of_killed_programs_stay(program):
+    living, killed = program(), program()
+    killed.kill()
+    killed.wait()
+    [left] = (path for path in program.boxes.iterdir() if path.name.endswith(f"-{killed.pid}.box"))
+    head = left.read_bytes()[:4096]
+    oldest = "zk-20200107T000000Z-7.box"
+    for day in range(2, 8):  # the later the name, the earlier the last record, but after those of all others
+        (program.boxes / f"zk-2020010{day}T000000Z-7.box").write_bytes(
+            head[:48] + struct.pack("<q", 2**62 - day) + head[56:])
+    for name in ("zk-20200101T000000Z-7-1-error.box", "zk-notes.box"):
+        (program.boxes / name).write_bytes(head)
+    (program.boxes / "zk-20200101T000000Z-7.box").write_bytes(b"no black box")
+    before = set(program.files())
+    program.end(program())
+    assert before - set(program.files()) == {left.name, oldest}
+    program.end(living)
 
 
 def test_without_the_variable_nothing_is_kept(simulator, tmp_path):
