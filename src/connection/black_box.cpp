@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "connection/own_thread.h"
+#include "connection/shared_memory.h"
 
 namespace zk::black_box {
 
@@ -220,11 +221,16 @@ void start(const std::string& directory) {
 }  // namespace
 
 void open() {
-    static std::once_flag once;
-    std::call_once(once, [] {
+    static std::atomic<pid_t> starter{0};
+    static std::atomic<bool> is_over{false};
+    pid_t nobody = 0;
+    if (starter.compare_exchange_strong(nobody, getpid())) {
         const char* directory = std::getenv("ZK_BLACK_BOX");
         if (directory && *directory) start(directory);
-    });
+        is_over = true;
+    }
+    // A child that was forked meanwhile does not have the thread that would end this.
+    for (Pause pause; !is_over && starter == getpid();) pause.next();
 }
 
 static void add(Kind kind, ArmSocket arm, const char* text, size_t count, bool is_start) {
