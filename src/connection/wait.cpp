@@ -22,6 +22,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int32_t kStepMs = 10;
 constexpr size_t kKeptTrips = 64;
+// Volatile: a compiler may take two names for two addresses without a look.
+void (*const volatile kSleepInUse)(int32_t) = sleep_cp;
 
 // The outermost call of this thread on a connection of ZK_Connect.
 struct Call {
@@ -106,7 +108,7 @@ bool take(Desk& here, Mailbox mailbox, const Wait* call, bool is_timed) {
 // Returns early, and true, when a message has made it true. An application that defines sleep_cp, and so controls the
 // library's time, gets every sleep.
 bool sleep_until(int slot, int32_t milliseconds, const std::function<bool()>& done) {
-    if (!done || sleep_cp != zk_usual_sleep) return sleep_cp(milliseconds), done && done();
+    if (!done || kSleepInUse != zk_usual_sleep) return sleep_cp(milliseconds), done && done();
     Desk& here = desk(slot);
     std::unique_lock guard(here.lock);
     return here.message_came.wait_for(guard, std::chrono::milliseconds(milliseconds), done);
