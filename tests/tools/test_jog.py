@@ -1,4 +1,4 @@
-"""Jogging by keys, and the completion of shells."""
+"""Jogging by keys, the question before a move, and the completion of shells."""
 import os
 import pty
 import signal
@@ -7,6 +7,8 @@ import termios
 import time
 
 import pytest
+
+HOME = [0, 20, 70, 0, 90, 0]
 
 
 class Terminal:
@@ -104,6 +106,17 @@ def test_every_end_stops_the_arm(jog, simulator, arm, end, status):
     assert end != "error" or "does not follow" in jog.text
     jog.wait_for(lambda: is_at_rest(arm))
     assert arm.joints()[0] < 90
+
+
+@pytest.mark.zk_base(joints="0,20,70,0,90,0", speed="max")
+def test_asks_before_it_moves(zk_on, arm):
+    for answer, elsewhere, sentence in [("n", HOME, "not moved"), ("y", [*HOME[:5], 40], "has left the place")]:
+        terminal = Terminal(zk_on, "move", "joints", 10, *HOME[1:])
+        terminal.wait_for(lambda: "[y/N]" in terminal.text)
+        arm.move_joints(elsewhere)
+        os.write(terminal.keyboard, f"{answer}\n".encode())
+        assert terminal.end() == 1 and sentence in terminal.text
+        assert arm.joints() == pytest.approx(elsewhere, abs=0.01)
 
 
 def test_needs_a_terminal(zk_on):

@@ -75,6 +75,12 @@ def test_what_becomes_of_a_recording(run, zk_on, arm, tmp_path):
     assert "replayed" in zk_on("replay", run, "--yes", "--speed", 100)
     assert arm.joints() == pytest.approx(recorded[-1], abs=0.1)
 
+    replaying = zk_on.start("replay", run, "--yes", "--speed", 100)
+    while "arrived" not in replaying.stdout.readline():
+        assert replaying.poll() is None
+    arm.stop()
+    assert "the arm does not follow" in replaying.communicate(timeout=60)[1] and replaying.returncode == 1
+
     whole = run.read_bytes()
     run.write_bytes(whole[:50_000] + bytes([whole[50_000] ^ 1]) + whole[50_001:])
     assert "is damaged" in zk_on("replay", run, "-y", status=2)

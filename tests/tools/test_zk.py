@@ -107,3 +107,11 @@ def test_refuses_to_move(zk_on, arm, words, sentence):
     before = arm.joints()
     assert sentence in zk_on("move", *words, status=2)
     assert list(arm.joints()) == list(before)
+
+
+@pytest.mark.parametrize("option, sentence", [("emergency_stop=1", "in error"), ("power_loss=1", "is off")])
+def test_an_arm_that_may_not_move(zk, option, sentence):
+    import zk_base
+    with zk_base.Simulator(fault=option) as simulator:
+        zk.environment["ZK_ARM"] = f"127.0.0.1:{simulator.port}"
+        assert sentence in zk("move", "joints", 0, 0, 0, 0, 0, 0, "--dry-run", status=1)

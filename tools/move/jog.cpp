@@ -11,8 +11,9 @@
 #include <iostream>
 #include <memory>
 
+#include "move/following.h"
 #include "move/move.h"
-#include "remedy.h"
+#include "move/plan.h"
 
 namespace tool {
 namespace {
@@ -156,36 +157,12 @@ bool take_keys(const std::string& keys, Jogger& jogger) {
     return true;
 }
 
-void check_ready(const zk::Arm& arm) {
-    const zk::ArmState now = arm.state().value();
-    if (now.arm_error != 0 || now.system_error != 0) throw Failure(kFailed, "the arm is in error: see zk doctor");
-    if (!arm.is_powered().value()) throw Failure(kFailed, "the arm is off: see zk doctor");
-}
-
-// Throws Failure when the arm has refused a set-point or its connection is lost.
-void check_follows(const zk::Arm& arm, int refusal) {
-    const zk::Result<ZK_ConnectionRecord> record = arm.connection();
-    if (!record || record->state != ZK_CONNECTION_UP) {
-        throw Failure(kNoArm, "the connection is lost" +
-                                  (record ? " (" + std::string(record->cause) + ")" : std::string()) +
-                                  "; the arm rests where its last set-point was");
-    }
-    ZK_Advice advice{};
-    if (refusal != 0)
-        throw Failure(kFailed, ZK_Explain(refusal, 0, 0, &advice) == ZK_OK
-                                   ? std::string("the arm does not follow: ") + advice.cause + " " + remedy_of(refusal)
-                                   : "the arm does not follow: see zk doctor");
-}
-
 void jog(const ArmOption& where, double percent) {
     if (isatty(STDIN_FILENO) == 0) throw Failure(kUsage, "zk jog needs a terminal: keys move the arm");
     const zk::Arm arm = where.connect({5_s, 0, 100_ms, true, true});
     check_ready(arm);
     arm.set_deadline(1_s).value();
-    std::atomic<int> refusal{0};
-    const zk::Subscription reports = zk::on_motion_report([&](const ArmMotionReport& report) {
-        if (report.socket == arm.handle() && report.result != ZK_SET_POINT_FOLLOWED) refusal = report.result;
-    });
+    const Following following(arm);
     Jogger jogger(arm, percent);
     std::cout << "1 to " << arm.joint_count() << ": joint   + - or right left: move while held   "
               << "> < or up down: speed   space: stop   q: quit\n";
@@ -196,7 +173,7 @@ void jog(const ArmOption& where, double percent) {
         if (goes_on && jog_signal == 0) goes_on = take_keys(typed, jogger);
         if (jog_signal != 0) goes_on = false;
         if (!goes_on) jogger.let_go();
-        check_follows(arm, refusal);
+        following.check();
         jogger.step();
         if (std::string line = jogger.line(); line != shown) {
             std::cout << '\r' << line << "\x1b[K" << std::flush;

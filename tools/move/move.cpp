@@ -38,13 +38,6 @@ void add_motion(CLI::App& zk, const char* name, const char* what, const char* nu
     command->callback([request, motion] { move(*request, motion); });
 }
 
-bool is_near(const zk::Joints& a, const zk::Joints& b) {
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        if (abs(a[i] - b[i]) > zk::degrees(0.05)) return false;
-    }
-    return true;
-}
-
 // Clears what can be cleared, and fails when something is left.
 void clear(const zk::Arm& arm) {
     const auto words_of_joints = [&arm] {

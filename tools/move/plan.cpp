@@ -67,12 +67,33 @@ void describe(const Plan& plan, zk::Percent speed) {
     std::cout << std::flush;
 }
 
+// Waits for the end of a move that the controller has accepted.
+void await_arrival(const zk::Move& move) {
+    const zk::Result<void> arrived = move.wait();
+    if (!arrived && arrived.error().status == ZK_REFUSED && arrived.error().command == std::string_view("ZK_Wait_Move"))
+        throw Failure(kFailed, "the arm was stopped before its target: zk doctor says whether by an error");
+    arrived.value();
+}
+
 }  // namespace
+
+bool is_near(const zk::Joints& a, const zk::Joints& b, zk::Angle tolerance) {
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (abs(a[i] - b[i]) > tolerance) return false;
+    }
+    return true;
+}
+
+void check_ready(const zk::Arm& arm) {
+    const zk::ArmState now = arm.state().value();
+    if (now.arm_error != 0 || now.system_error != 0) throw Failure(kFailed, "the arm is in error: see zk doctor");
+    if (!arm.is_powered().value()) throw Failure(kFailed, "the arm is off: see zk doctor");
+}
 
 void check_limits(const zk::Model& model, const zk::Joints& to) {
     const zk::JointLimits limits = model.joint_limits().value();
     for (std::size_t i = 0; i < to.size(); ++i) {
-        if (to[i] < limits.min[i] || to[i] > limits.max[i]) {
+        if (!(to[i] >= limits.min[i] && to[i] <= limits.max[i])) {  // not a number either
             throw Failure(kUsage, "joint " + std::to_string(i + 1) + " would go to " + in_degrees(to[i]) +
                                       ", beyond its limits of " + in_degrees(limits.min[i]) + " to " +
                                       in_degrees(limits.max[i]));
@@ -120,18 +141,22 @@ bool confirmed() {
     std::cerr << "Move? [y/N] " << std::flush;
     std::string answer;
     std::getline(std::cin, answer);
-    return answer == "y" || answer == "yes";
+    return answer == "y" || answer == "Y" || answer == "yes";
 }
 
 bool carry_out(const zk::Arm& arm, const Plan& plan, const MoveRequest& request) {
     describe(plan, zk::percent(request.speed));
+    check_ready(arm);
     if (request.dry_run) return false;
     if (!request.yes && !confirmed()) throw Failure(kFailed, "not moved");
+    // The checks and what was agreed to hold from there alone.
+    if (!is_near(arm.joints().value(), plan.from))
+        throw Failure(kFailed, "not moved: the arm has left the place where this motion was planned; plan it again");
     const zk::MoveOptions options{zk::percent(request.speed)};
     const zk::Move move = plan.motion == Motion::kJoints ? arm.move_joints(plan.to, options)
                           : plan.motion == Motion::kPose ? arm.move_pose(plan.to_pose, options)
                                                          : arm.move_line(plan.to_pose, options);
-    move.wait().value();
+    await_arrival(move);
     std::cout << "arrived\n";
     return true;
 }

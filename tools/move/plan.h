@@ -24,11 +24,16 @@ Plan plan_pose(const zk::Arm& arm, const zk::Model& model, Motion motion, const 
 // Throws Failure when a joint would be beyond its limits.
 void check_limits(const zk::Model& model, const zk::Joints& to);
 
+// Throws Failure when the arm is off or in error.
+void check_ready(const zk::Arm& arm);
+
 // A connection that stops the arm when the program ends early, by Ctrl-C too.
 zk::Arm connect_to_move(const ArmOption& arm);
 
 // Asks the user. Throws Failure when there is no terminal to ask on.
 bool confirmed();
+
+bool is_near(const zk::Joints& a, const zk::Joints& b, zk::Angle tolerance = zk::degrees(0.05));
 
 // What the commands that move have in common.
 struct MoveRequest {
@@ -41,7 +46,7 @@ struct MoveRequest {
 };
 
 // Says what is about to be done, asks unless the request says not to, moves, and waits for the arrival. Returns false,
-// and moves nothing, for a dry run.
+// and moves nothing, for a dry run. Throws Failure when the arm may not move, or has moved since it was planned.
 bool carry_out(const zk::Arm& arm, const Plan& plan, const MoveRequest& request);
 
 }  // namespace tool
