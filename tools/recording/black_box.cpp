@@ -20,6 +20,8 @@ struct Entry {
     std::string text;
 };
 
+constexpr std::int64_t kLatest = std::int64_t{1} << 62;  // in the next century: a difference of times stays a number
+
 // A part of the file, which its writer may have left at any moment.
 class Part {
  public:
@@ -34,6 +36,7 @@ class Part {
             const bool fits = record.at == at + 8 && record.size <= end_ - at - sizeof record;
             std::string text = fits ? take(at + sizeof record, record.size) : std::string();
             const bool is_whole = fits && record.check == box::check_of(text.data(), text.size()) &&
+                                  record.unix_ns >= 0 && record.unix_ns <= kLatest &&
                                   record.kind >= box::Kind::kEvent && record.kind <= box::Kind::kPush;
             if (is_whole) entries.push_back({record.unix_ns, record.arm, record.kind, std::move(text)});
             at += is_whole ? box::size_in_file(record.size) : 8;

@@ -145,6 +145,7 @@ LogRecord read_log_message(const McapMessage& message) {
 
 PushRecord read_push_message(const McapMessage& message) {
     CdrReader in(message.bytes);
+    if (message.unix_ns < 0) throw std::out_of_range("a time before 1970");
     PushRecord record{message.unix_ns, {}};
     in >> record.text;
     return record;

@@ -72,6 +72,7 @@ class Picture {
             for (const Point& point : line) xs.include(point.x), ys.include(point.y);
         }
         ys.widen();
+        if (xs.size() == 0) xs.widen();  // a single state
         if (plot.equal_scales) match_scales(xs, ys);
         const double top = height_ + kTop, bottom = height_ + kHeight - kBottom, right = kWidth - kRight;
         const auto x_of = [&](double x) { return kLeft + (x - xs.low) / xs.size() * (right - kLeft); };
