@@ -1,7 +1,9 @@
 // zk: look at an arm, move it, compute on its model.
 
 #include <array>
+#include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <iostream>
 
 #include "command.h"
@@ -51,6 +53,8 @@ int run(int argc, char** argv) {
     CLI::App zk("Looks at robot arms, moves them, and computes on their models.", "zk");
     zk.set_version_flag("--version", "zk " ZK_TOOL_VERSION);
     zk.require_subcommand(1);
+    zk.failure_message(
+        [](const CLI::App*, const CLI::Error& error) { return "zk: " + std::string(error.what()) + ": see --help\n"; });
     zk.footer(
         "An arm is named by --arm HOST[:PORT], by ZK_ARM, or by a name of ~/.config/zk/arms.json.\n"
         "Exit status: 0 done, 1 refused or found wrong, 2 not usable as written, 3 no arm, 130 interrupted.");
@@ -63,6 +67,8 @@ int run(int argc, char** argv) {
     }
     try {
         zk.parse(argc, argv);
+        if (!std::cout.flush())
+            throw Failure(kFailed, std::string("standard output cannot be written: ") + std::strerror(errno));
         return kDone;
     } catch (const CLI::RuntimeError& end) {
         return end.get_exit_code();

@@ -41,6 +41,13 @@ def test_computes(zk, arm):
     assert zk.json("ik", "-m", "ZK65-B", 2, 0, 0, 0, 0, 0, status=1)["cause"] == "no posture brings the tool there"
 
 
+def test_says_that_its_output_is_lost(zk):
+    with open("/dev/full", "w") as full:
+        process = zk.start("urdf", "-m", "ZK65-B", stdout=full)
+        assert "zk: standard output cannot be written: No space" in process.communicate(timeout=60)[1]
+    assert process.returncode == 1
+
+
 def test_explains(zk):
     assert zk.json("explain", -12) == zk.json("explain", "ZK_LOST") == zk.json("explain", "lost")
     assert [error["of"] for error in zk.json("explain", "0x1001")["errors"]] == ["arm", "system"]
@@ -90,6 +97,9 @@ def test_ctrl_c_and_stop_end_a_move(zk_on, arm):
     (["explain", "nothing"], 2, "'nothing' is no status"),
     (["explain", "0x12345"], 2, "no error word"),
     (["bogus"], 2, "no command 'bogus'"),
+    (["move", "sideways"], 2, "A subcommand is required"),
+    (["move", "joints", *HOME, "--speed", "200"], 2, "--speed: Value 200 not in range 1 to 100"),
+    (["state", "--colour"], 2, "--colour"),
 ])
 def test_refuses_before_anything_is_sent(zk, words, status, sentence):
     assert sentence in zk(*words, status=status)

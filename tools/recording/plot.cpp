@@ -197,7 +197,8 @@ void plot(const PlotRequest& request) {
     picture.add(path(recording, "Path from above, x and y", 0, 1), {});
     picture.add(path(recording, "Path from the side, x and z", 0, 2), {});
     std::ofstream file(request.to);
-    if (!(file << picture.svg())) throw Failure(kUsage, request.to + " cannot be written");
+    if (!file) throw Failure(kUsage, request.to + " cannot be written");
+    if (!(file << picture.svg()).flush()) throw Failure(kFailed, request.to + " cannot be written");
 }
 
 }  // namespace
