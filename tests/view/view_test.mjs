@@ -268,10 +268,13 @@ test('a view without control stops nothing, and answers to this machine alone', 
   const {url, token} = await watch(ports);
   assert.equal(token, undefined);
   assert.equal((await fetch(`${url}stop?arm=0`, {method: 'POST', headers: {'X-Token': ''}})).status, 403);
-  const socket = createConnection(new URL(url).port, '127.0.0.1');
-  socket.write('GET / HTTP/1.1\r\nHost: elsewhere.example\r\nConnection: close\r\n\r\n');
-  const [line] = await once(createInterface({input: socket}), 'line');
-  assert.match(line, /403/);
+  const {host, port} = new URL(url);
+  for (const request of ['GET / HTTP/1.1\r\nHost: elsewhere.example', `POST /stop?arm=0 HTTP/1.1\r\nHost: ${host}`]) {
+    const socket = createConnection(port, '127.0.0.1');
+    socket.write(`${request}\r\nConnection: close\r\n\r\n`);
+    const [line] = await once(createInterface({input: socket}), 'line');
+    assert.match(line, /403/);
+  }
 });
 
 test('a viewer that does not keep up misses states', async () => {

@@ -78,13 +78,12 @@ Server::Server(Feed& feed, const Watchers& watchers, std::string token, const Fi
                                           });
         });
     server_.Get("/events", [this](const auto&, httplib::Response& response) { stream(response); });
-    server_.Post("/seen", [this](const httplib::Request& request, httplib::Response& response) {
+    on_post("/seen", [this](const httplib::Request& request, httplib::Response& response) {
         note_seen(request);
         response.status = 204;
     });
-    server_.Post("/stop",
-                 [this](const httplib::Request& request, httplib::Response& response) { stop(request, response); });
-    server_.Post("/token", [this](const httplib::Request& request, httplib::Response& response) {
+    on_post("/stop", [this](const httplib::Request& request, httplib::Response& response) { stop(request, response); });
+    on_post("/token", [this](const httplib::Request& request, httplib::Response& response) {
         if (!knows_token(request)) return refuse(response, 403, "This is not the token.");
         response.set_content(R"({"ok":true})", kJson);
     });
@@ -97,6 +96,12 @@ int Server::bind(int port) {
         port_ = server_.bind_to_port("127.0.0.1", port) ? port : -1;
     }
     return port_;
+}
+
+// What is posted has no body. The server would wait for one whose length the request does not tell.
+void Server::on_post(const char* path, const httplib::Server::Handler& handle) {
+    server_.Post(path, [handle](const httplib::Request& request, httplib::Response& response,
+                                const httplib::ContentReader&) { handle(request, response); });
 }
 
 void Server::serve_files() {

@@ -35,6 +35,7 @@ class Server {
     };
     using Number = std::uint64_t;
 
+    void on_post(const char* path, const httplib::Server::Handler& handle);
     void serve_files();
     void stream(httplib::Response& response);
     void note_seen(const httplib::Request& request);
