@@ -89,6 +89,8 @@ def test_a_killed_program(program, zk, tmp_path):
     assert 0 < len(rows) - len(zk("export", box).splitlines()) + 1 < 10
     box.write_bytes(whole[:300_000])
     assert zk("export", box).count("\n") > 10
+    box.write_bytes(whole[:32] + b"\xff" * 8 + whole[40:])
+    assert "damaged" in zk("export", box, status=2)
     box.write_bytes(whole[:100])
     assert "is cut short" in zk("export", box, status=2)
 

@@ -59,8 +59,10 @@ std::vector<Entry> entries_of(const std::string& path) {
     box::Header header;
     std::memcpy(&header, bytes.data(), sizeof header);
     const std::uint64_t rest = bytes.size() - box::kPage;
-    constexpr std::uint64_t kLargest = std::uint64_t{1} << 32;
-    if (header.start_size > rest || header.ring_size > kLargest || (header.start_size | header.ring_size) % 8 != 0)
+    constexpr std::uint64_t kLargest = std::uint64_t{1} << 28;
+    constexpr std::uint64_t kMostWritten = std::uint64_t{1} << 62;
+    if (header.start_size > rest || header.ring_size > kLargest || (header.start_size | header.ring_size) % 8 != 0 ||
+        header.start_end > kMostWritten || header.ring_end > kMostWritten)
         throw Failure(kUsage, path + " is a damaged black box");
     const std::string_view parts = std::string_view(bytes).substr(box::kPage);
     std::vector<Entry> entries;
