@@ -50,7 +50,7 @@ async function simulate(arms) {
 
 // The view: its address and the token.
 async function watch(ports, ...options) {
-  const {child, line} = await start(zk, ['view', '--port', '0', ...options, ...ports.map((port) => `127.0.0.1:${port}`)]);
+  const {child, line} = await start(zk, ['view', ...options.includes('--port') ? [] : ['--port', '0'], ...options, ...ports.map((port) => `127.0.0.1:${port}`)]);
   const [, url, token] = line.match(/(http:\/\/[^#]+)(?:#token=(.*))?/);
   return {child, url, token};
 }
@@ -261,6 +261,19 @@ test('who knows the token stops a moving arm', async () => {
   await page.value(press);
   await page.until('zkView.cards[0].state.doing === 0');
   assert.ok(await page.value('zkView.cards[0].state.q[0] < 160'));
+});
+
+test('a page comes again when the view was started again with the stop', async () => {
+  const {ports} = await simulate([{model: '62-B'}]);
+  const before = await watch(ports);
+  const page = await browser.open(before.url);
+  await page.until('window.zkView?.cards[0].state');
+  before.child.kill();
+  await once(before.child, 'exit');
+  const {port} = new URL(before.url);
+  await watch(ports, '--control', '--port', port);
+  const offers = () => page.until('document.querySelector(".stop") && window.zkView?.cards[0].state');
+  await offers().catch(offers);  // a question fails that the coming page interrupts
 });
 
 test('a view without control stops nothing, and answers to this machine alone', async () => {

@@ -13,11 +13,19 @@ export class Feed {
         if (name === 'welcome') {
           this.viewer = data.viewer;
           this.seen = 0;
+          if (this.isOfAnother(data)) return location.reload();
         }
         listener(data);
       });
     }
     setInterval(() => this.report(), 150);
+  }
+
+  // Whether the view was started again, with other arms, another recording, or another offer to stop.
+  isOfAnother({viewer, ...facts}) {
+    const before = this.facts;
+    this.facts = JSON.stringify(facts);
+    return before !== undefined && before !== this.facts;
   }
 
   report() {
