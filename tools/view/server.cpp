@@ -167,7 +167,13 @@ void Server::stop(const httplib::Request& request, httplib::Response& response) 
     const auto arm = number_of<std::size_t>(request.get_param_value("arm"), watchers_.size());
     if (arm >= watchers_.size()) return refuse(response, 400, "There is no such arm.");
     const Result<void> stopped = watchers_[arm]->stop();
-    if (!stopped) return refuse(response, 502, stopped.error().message());
+    if (!stopped) {
+        const bool is_connected =
+            stopped.error().status != ZK_NOT_CONNECTED && stopped.error().status != ZK_STALE_HANDLE;
+        return refuse(response, 502,
+                      (is_connected ? stopped.error().text : std::string("the arm is not connected")) +
+                          ". Use the emergency stop of its cell.");
+    }
     response.set_content(R"({"ok":true})", kJson);
 }
 
