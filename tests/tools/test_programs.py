@@ -133,6 +133,20 @@ def test_ctrl_c_stops_a_program(zk_on, arm, program):
     assert arm.joints()[5] < 80
 
 
+@pytest.mark.zk_base(joints="0,20,70,0,90,0", speed=1)
+def test_a_program_that_does_not_come_to_its_end(zk_on, simulator, arm, program):
+    path = program([joints(60, *START[1:], v=20), joints(*START, v=20)])
+    for end, sentence in [(arm.stop, "ended before its end"),
+                          (lambda: simulator.fault(emergency_stop=1), "the arm is in error")]:
+        arm.move_joints(START, speed=100).wait()
+        running = zk_on.start("run", path, "-y", "--speed", 100)
+        while arm.joints()[0] < 1:
+            assert running.poll() is None
+        end()
+        assert sentence in running.communicate(timeout=60)[1] and running.returncode == 1
+    assert "the arm is in error" in zk_on("run", path, "-y", status=1)
+
+
 def test_waypoints(zk_on, arm):
     assert zk_on.json("waypoints") == []
     for i in range(32):  # more than a page

@@ -58,8 +58,15 @@ Program sendable_program(const std::string& path) {
     return read_program(path);
 }
 
-void ask(const SendRequest& request) {
+void ask(const zk::Arm& arm, const SendRequest& request) {
+    check_ready(arm);
     if (!request.yes && !confirmed()) throw Failure(kFailed, "not run");
+}
+
+// An error ends a program too.
+void await_end(const zk::Arm& arm) {
+    arm.programs().wait().value();
+    check_ready(arm);
 }
 
 void run_file(const SendRequest& request) {
@@ -71,12 +78,13 @@ void run_file(const SendRequest& request) {
         throw Failure(kUsage, program.path + ", line " + std::to_string(fault->line) + ": " + fault->fault);
     print(Json{{"program", program.path}, {"time_s", rounded(verdict.seconds, 1)}, {"speed_percent", request.speed}},
           std::cout);
-    ask(request);
+    ask(arm, request);
     send(arm, program, request, true);
-    arm.programs().wait().value();
+    await_end(arm);
     // Nobody reports how a program ended that the controller does not keep.
-    const zk::Position beside = model.forward(verdict.end).value().position - arm.pose().value().position;
-    if (beside.norm() > 1_mm) throw Failure(kFailed, "the program ended before its end");
+    const zk::Pose end = model.forward(verdict.end).value(), now = arm.pose().value();
+    if ((end.position - now.position).norm() > 1_mm || (end.rotation.inverse() * now.rotation).angle() > 0.5_deg)
+        throw Failure(kFailed, "the program ended before its end");
 }
 
 void run_kept(const SendRequest& request, int id) {
@@ -85,9 +93,9 @@ void run_kept(const SendRequest& request, int id) {
     const auto program = std::find_if(kept.begin(), kept.end(), [id](const zk::Program& one) { return one.id == id; });
     if (program == kept.end()) throw Failure(kUsage, "the controller keeps no program " + std::to_string(id));
     print(Json{{"program", id}, {"name", program->name}, {"speed_percent", request.speed}}, std::cout);
-    ask(request);
+    ask(arm, request);
     arm.programs().start(id, zk::percent(request.speed)).value();
-    arm.programs().wait().value();
+    await_end(arm);
 }
 
 void run(const SendRequest& request) {
