@@ -84,6 +84,16 @@ def test_ctrl_c_and_stop_end_a_move(zk_on, arm):
         assert arm.joints()[5] < 80
 
 
+@pytest.mark.zk_base(joints="0,20,70,0,90,0", speed=1)
+def test_a_stop_waits_for_no_answer(zk_on, simulator, arm):
+    arm.move_joints([*HOME[:5], 90], 5, wait=False)
+    simulator.fault(silent_on=["get_current_work_frame"])
+    assert "a stop was sent" in zk_on("stop", status=3)
+    simulator.fault(silent_on=[])
+    arm.wait_idle(10)
+    assert arm.joints()[5] < 80
+
+
 @pytest.mark.parametrize("words, status, sentence", [
     (["state"], 2, "no arm is named"),
     (["state", "--arm", "127.0.0.1:1"], 3, "zk: 127.0.0.1 port 1: Connection refused. Wait"),

@@ -1,9 +1,13 @@
 #include "move/move.h"
 
+#include <netdb.h>
+#include <sys/socket.h>
+#include <unistd.h>
 #include <iostream>
 #include <memory>
 #include <vector>
 
+#include "arms.h"
 #include "move/plan.h"
 #include "quantity.h"
 
@@ -57,6 +61,46 @@ void clear(const zk::Arm& arm) {
     std::cout << "no error is left\n";
 }
 
+// Sends a stop on a connection of its own: the arm moves on while the library asks an arm's controller what it is, and
+// one that answers little is never asked to the end. Returns whether it was sent.
+bool stop_at_once(const Address& address, bool emergency) {
+    const std::string request = std::string("{\"command\":\"set_arm_stop\"}\r\n") +
+                                (emergency ? "{\"command\":\"set_arm_power\",\"arm_power\":64}\r\n" : "");
+    constexpr timeval kPatience{1, 0};
+    addrinfo hints{}, *found = nullptr;
+    hints.ai_socktype = SOCK_STREAM;
+    if (getaddrinfo(address.host.c_str(), std::to_string(address.port).c_str(), &hints, &found) != 0) return false;
+    const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> peers(found, &freeaddrinfo);
+    bool is_sent = false;
+    for (const addrinfo* peer = found; peer && !is_sent; peer = peer->ai_next) {
+        const int descriptor = socket(peer->ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &kPatience, sizeof kPatience);
+        setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &kPatience, sizeof kPatience);
+        is_sent =
+            connect(descriptor, peer->ai_addr, peer->ai_addrlen) == 0 &&
+            send(descriptor, request.data(), request.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(request.size());
+        char byte = 0;
+        if (is_sent) (void)recv(descriptor, &byte, 1, 0);  // a close must not overtake it
+        if (descriptor >= 0) close(descriptor);
+    }
+    return is_sent;
+}
+
+// Stops an arm, and waits until it rests.
+void stop(const ArmOption& where, bool emergency) {
+    const bool is_sent = stop_at_once(where.address(), emergency);
+    try {
+        const zk::Arm arm = where.connect();
+        arm.stop((emergency ? ZK_EMERGENCY_STOP : ZK_STOP) | ZK_DROP_QUEUED).value();
+        arm.wait_idle(10_s).value();
+    } catch (const Failure& failure) {
+        if (!is_sent) throw;
+        throw Failure(failure.exit,
+                      "a stop was sent, and nobody knows whether the arm rests: " + std::string(failure.what()));
+    }
+    std::cout << "stopped\n";
+}
+
 }  // namespace
 
 void add_clear(CLI::App& zk) {
@@ -99,12 +143,7 @@ void add_stop(CLI::App& zk) {
     CLI::App* command = zk.add_subcommand("stop", "stop the arm at once");
     where->add_to(*command);
     command->add_flag("--emergency", *emergency, "and take its power: the brakes hold it");
-    command->callback([where, emergency] {
-        const zk::Arm arm = where->connect();
-        arm.stop((*emergency ? ZK_EMERGENCY_STOP : ZK_STOP) | ZK_DROP_QUEUED).value();
-        arm.wait_idle(10_s).value();
-        std::cout << "stopped\n";
-    });
+    command->callback([where, emergency] { stop(*where, *emergency); });
 }
 
 }  // namespace tool
