@@ -340,7 +340,7 @@ test('a sixth page is refused, so that a browser keeps a connection for the stop
 
 test('an arm that does not answer ends the view at the start', async () => {
   const child = spawn(zk, ['view', '--port', '0', '127.0.0.1:1'], {stdio: ['ignore', 'ignore', 'pipe']});
-  const [[text], [status]] = await Promise.all([once(child.stderr, 'data'), once(child, 'exit')]);
+  const [text, [status]] = await Promise.all([child.stderr.toArray(), once(child, 'exit')]);
   assert.equal(status, 3);
-  assert.equal(String(text).split('127.0.0.1').length, 2);  // its address, once
+  assert.equal(text.join('').split('127.0.0.1').length, 2);  // its address, once
 });
