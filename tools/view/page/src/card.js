@@ -5,8 +5,8 @@ import {Panel} from './panel.js';
 import {Plots} from './plots.js';
 import {Stage} from './stage.js';
 
-const plotsEveryMs = 250;
-const numbersEveryMs = 100;  // faster than one reads; each time the browser paints the panel anew
+const plotEveryMs = 80;
+const numbersEveryMs = 200;  // as fast as one reads; each time the browser paints the panel anew
 
 function stageIn(box, quality) {
   try {
@@ -148,7 +148,7 @@ export class Card {
       this.panel.show(this.state);
       this.showDoing();
     }
-    if (this.plots && now - this.plotted > plotsEveryMs && this.state) {
+    if (this.plots && now - this.plotted > plotEveryMs && this.state) {
       this.plotted = now;
       this.plots.draw();
       write(this.rate, this.pulse.rate ? `${Math.round(this.pulse.rate)} states/s` : '');

@@ -17,6 +17,7 @@ export class Plots {
     this.next = 0;
     this.plots = kinds.map((kind) => this.make(box, kind, jointCount));
     new ResizeObserver(() => this.resize()).observe(box);
+    this.drawn = 0;
     this.dress();
   }
 
@@ -74,8 +75,10 @@ export class Plots {
     for (const {data} of this.plots) for (const column of data) column.length = 0;
   }
 
+  // Draws the next of the plots: all at once would cost a frame of the picture.
   draw() {
-    for (const {chart, data} of this.plots)
-      chart.setData([data[0].map((time) => (time - this.newest) / 1000), ...data.slice(1)]);
+    this.drawn = (this.drawn + 1) % this.plots.length;
+    const {chart, data} = this.plots[this.drawn];
+    chart.setData([data[0].map((time) => (time - this.newest) / 1000), ...data.slice(1)]);
   }
 }
