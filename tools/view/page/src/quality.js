@@ -19,6 +19,7 @@ export const drawnByProcessor = (() => {
 
 // A sixtieth of a second, and a frame that is lost now and then: with a card for a hiccup, without one for want of power.
 const slowFrameMs = drawnByProcessor ? 17.2 : 19, judgedFrames = drawnByProcessor ? 30 : 12, warmingFrames = 3;
+const hiddenMs = 1000;  // a page that nobody saw for a while is not a slow one
 
 export class Judge {
   // best: whatever it costs.
@@ -43,7 +44,7 @@ export class Judge {
   judge(now, drew) {
     const taken = drew && this.last ? now - this.last : 0;
     this.last = drew ? now : 0;
-    if (!taken || this.done) return false;
+    if (!taken || taken > hiddenMs || this.done) return false;
     if (++this.frames > 0) this.spent += taken;
     if (this.frames < judgedFrames) return false;
     const pace = this.paces[this.step] = this.spent / this.frames;
