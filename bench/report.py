@@ -22,7 +22,10 @@ SECTIONS = {
         "without what is then read from it; the floor of the classification is one search for one word."),
     "Requests and set-points": (
         ["stream_bench"],
-        "The peer prints the same message by cJSON and sends it; the floor sends a text that is ready."),
+        "The peer prints the same message by cJSON and sends it; the floor sends a text that is ready. A thousand "
+        "set-points a second: `spins:0` sleeps until each is due and has the jitter of the machine's wake-ups, as "
+        "`floor`, the same loop without a call, shows; `spins:1` reads the clock, as a loop with a core of its own "
+        "does."),
     "Calls that wait": (
         ["round_trip_bench", "latency_bench", "many_connections_bench"],
         "Against the simulated controller over loopback. A settled call waits for its turn in the queue, which sends "
